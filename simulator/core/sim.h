@@ -41,6 +41,9 @@ struct DataRef {
   void (*onSet)(DataRef* self, int first, int touched) = nullptr;
   // Called before a plug-in's set takes effect on an Int scalar: returns the value to store.
   int (*filterInt)(DataRef* self, int wanted) = nullptr;
+  // Accessors of the plug-in that offers this dataref (kind is Bytes and count 0 then); null for our own.
+  struct Provider* provider = nullptr;
+  bool shared = false;  // somebody wants to be told of changes
 };
 
 // Publishes a dataref of the given shape with zero content, or revives a withdrawn one. A live one of
@@ -57,6 +60,9 @@ const std::vector<DataRef*>& AllDataRefs();
 // while held, 2 end.
 using CommandAction = void (*)(int phase, int tag);
 void PublishCommand(const char* name, CommandAction action, int tag);
+// Plug-ins cannot find it any longer; handles that they have stay harmless, and it revives when published
+// again. Unknown names are ignored.
+void WithdrawCommand(const char* name);
 
 // ---------------------------------------------------------------------------------------------
 // The world: implemented in simulator/world and simulator/flight, called by the core.
@@ -101,7 +107,8 @@ void WorldNavAidsChanged();      // the console added one or cleared the list
 // ---------------------------------------------------------------------------------------------
 // Core services for the other parts.
 
-// True while simulated time runs on from real time (--rate above 0).
+// True while the simulation is paused: WorldStep is not called, everything else goes on. WorldKey(0)
+// toggles it; false at every start.
 extern bool paused;
 double RunningTime();  // total_running_time_sec
 // Folder that plug-ins see as the system folder (native separators, trailing one included).
@@ -112,6 +119,16 @@ SIM_API void Breach(const char* function, const char* why);
 // Every exported function begins with this: breach when called from another thread than the simulator's
 // or after the plug-in was stopped.
 SIM_API void CheckCaller(const char* function);
+// Everything that Breach has told since the last call of this, as "FUNCTION: WHY" (tolerant mode). Any thread.
+SIM_API std::vector<std::string> TakeBreaches();
+// Identifier of the plug-in whose code is running. Outside of any callback (a test that calls on its own)
+// the first plug-in, 0 when there is none.
+SIM_API int CallingPlugin();
+// A callback into a plug-in's code stands between these two. EnterPlugin returns 0 when the plug-in is
+// disabled or gone: then the callback must not be made and LeavePlugin not be called. *saved keeps who was
+// running before.
+SIM_API int EnterPlugin(int id, int* saved);
+SIM_API void LeavePlugin(int saved);
 
 // ---------------------------------------------------------------------------------------------
 // The widget library is a separate file; it hooks itself into the core when it is loaded.

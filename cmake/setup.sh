@@ -1,0 +1,88 @@
+#!/usr/bin/env bash
+# Installs what building, testing and running need on Debian or Ubuntu; quick when everything is there.
+# Sourced by ./run and ./test; sets WINEPREFIX, starts nothing.
+set -u
+
+need_packages=(cmake ninja-build g++ make python3 python3-pytest libgtest-dev libbenchmark-dev
+  g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix xvfb binutils-mingw-w64-i686 procps)
+need_wine=(wine wine64 wine32:i386)
+
+have_everything() {
+  command -v cmake ninja g++ python3 Xvfb i686-w64-mingw32-g++-posix x86_64-w64-mingw32-g++-posix wine >/dev/null 2>&1 || return 1
+  [ -d /usr/src/googletest/googletest ] || return 1
+  [ -e /usr/include/benchmark/benchmark.h ] || return 1
+  /usr/bin/python3 -c 'import pytest' 2>/dev/null || return 1
+  dpkg -s wine32:i386 >/dev/null 2>&1 || return 1
+}
+
+install_everything() {
+  local as_root=""
+  [ "$(id -u)" = 0 ] || as_root="sudo"
+  export DEBIAN_FRONTEND=noninteractive
+  echo "Installing compilers, Wine and test tools (once, a few minutes) ..."
+  $as_root dpkg --add-architecture i386
+  # An index that is being refreshed makes the update fail: the install below decides.
+  $as_root apt-get update -qq || true
+  # One release for both architectures, else they can resolve to different versions and conflict.
+  local release=()
+  . /etc/os-release
+  [ "${ID:-}" = debian ] && [ -n "${VERSION_CODENAME:-}" ] && release=(-t "$VERSION_CODENAME")
+  $as_root apt-get install -y -qq "${release[@]}" --no-install-recommends "${need_packages[@]}" "${need_wine[@]}" >/tmp/tavrix-setup.log 2>&1 ||
+    $as_root apt-get install -y -qq --no-install-recommends "${need_packages[@]}" "${need_wine[@]}" >>/tmp/tavrix-setup.log 2>&1
+}
+
+setup_machine() {
+  have_everything && return 0
+  install_everything
+  if ! have_everything; then
+    echo "Set-up failed; the package manager's output is in /tmp/tavrix-setup.log:" >&2
+    tail -n 15 /tmp/tavrix-setup.log >&2
+    return 1
+  fi
+}
+
+# A display for Wine's windows, shared by everything the calling script starts. Sets DISPLAY and display_pid.
+display_pid=""
+start_display() {
+  [ -n "$display_pid" ] && return 0
+  local fifo line
+  fifo=$(mktemp -u) && mkfifo "$fifo"
+  Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$fifo" >/dev/null 2>&1 &
+  display_pid=$!
+  read -r -t 20 line <"$fifo"
+  rm -f "$fifo"
+  [ -n "$line" ] || { echo "Xvfb did not start: is the package xvfb complete?" >&2; return 1; }
+  export DISPLAY=":$line"
+}
+
+# Wine with a prefix of our own in the build folder.
+prepare_wine() {
+  export WINEPREFIX="${WINEPREFIX:-$PWD/build/wine}" WINEDEBUG="${WINEDEBUG:--all}" WINEDLLOVERRIDES="mscoree,mshtml="
+  mkdir -p "$(dirname "$WINEPREFIX")"
+  if [ ! -e "$WINEPREFIX/system.reg" ]; then
+    echo "Preparing Wine (once, about half a minute) ..."
+    wineboot -i >/dev/null 2>&1
+    wineserver -w
+  fi
+}
+
+# Ends the Wine processes of our prefix and the display; nothing else.
+stop_wine_and_display() {
+  if [ -n "${WINEPREFIX:-}" ] && [ -e "${WINEPREFIX}/system.reg" ]; then
+    wineserver -k >/dev/null 2>&1
+  fi
+  [ -n "$display_pid" ] && kill "$display_pid" 2>/dev/null && wait "$display_pid" 2>/dev/null
+  display_pid=""
+}
+
+# build PRESET TARGET... : configures and builds, quiet unless it fails.
+build_preset() {
+  local preset=$1 log="build/$1.log"
+  shift
+  mkdir -p build
+  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" --target "$@"; } >"$log" 2>&1; then
+    echo "Building preset $preset failed:" >&2
+    tail -n 40 "$log" >&2
+    return 1
+  fi
+}

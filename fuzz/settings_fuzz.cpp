@@ -1,0 +1,69 @@
+// Fuzz target: the settings file as text. Whatever the file holds, reading stays inside it, a key that is
+// set is found again with its value, and every other line survives.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "settings/settings.h"
+#include "settings/settings_text.h"
+
+namespace {
+
+void Require(bool condition) {
+  if (!condition) std::abort();
+}
+
+size_t CountLines(std::string_view text) {
+  size_t count = 0;
+  std::string rebuilt;
+  const std::string_view whole = text;
+  SettingLine line{};
+  while (NextSettingLine(&text, &line)) {
+    ++count;
+    rebuilt += line.whole;
+  }
+  Require(rebuilt == whole);
+  return count;
+}
+
+std::string_view TrimBlanks(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return "";
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+}  // namespace
+
+// The input is section, key and value in a line each, then the text of the file.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  std::string_view input(reinterpret_cast<const char*>(data), size);
+  std::string_view parts[3];
+  for (std::string_view& part : parts) {
+    const size_t end = input.find('\n');
+    part = input.substr(0, end);
+    input.remove_prefix(end == std::string_view::npos ? input.size() : end + 1);
+  }
+  const auto [section, key, value] = parts;
+
+  const size_t linesBefore = CountLines(input);
+  std::string_view found;
+  if (FindSetting(input, section, key, &found)) {
+    ParseInteger(found);
+    ParseNumber(found);
+    ParseYesNo(found);
+    Require(ParseFlapDetent(found).count <= 3);
+    Require(ParseAxis(found).active <= 1);
+  }
+  if (!AreSettingNames(section, key)) return 0;
+
+  const std::string changed = SetSettingInText(input, section, key, value);
+  Require(FindSetting(changed, section, key, &found) == 1);
+  Require(found == TrimBlanks(CutSettingValue(value)));
+  Require(found.size() <= static_cast<size_t>(maxSettingValue));
+  const size_t linesAfter = CountLines(changed);
+  Require(linesAfter >= linesBefore && linesAfter <= linesBefore + 2);
+  Require(SetSettingInText(changed, section, key, value) == changed);
+  return 0;
+}

@@ -1,0 +1,108 @@
+// Which aircraft there are: the user's and the others, and who controls them.
+#include <algorithm>
+#include <map>
+
+#include "core/core.h"
+#include "core/more_api.h"
+
+namespace sim {
+namespace {
+
+constexpr int kCapacity = 20;  // aircraft that exist at least, used or not
+constexpr int kMost = 128;
+int active = 1;
+int controller = XPLM_NO_PLUGIN_ID;
+std::map<int, std::string> models;  // set by the controlling plug-in: path by index
+
+std::string StripFolder(const std::string& path) {
+  size_t cut = path.find_last_of("/\\:");
+  return cut == std::string::npos ? path : path.substr(cut + 1);
+}
+
+}  // namespace
+
+int ActivePlanes() { return active; }
+
+void ResetPlanes(int count) {
+  active = count;
+  controller = XPLM_NO_PLUGIN_ID;
+  models.clear();
+}
+
+void DropPlanes(int owner) {
+  if (controller == owner) controller = XPLM_NO_PLUGIN_ID;
+}
+
+void SetActivePlanes(int count) {
+  active = count;
+  WorldSetActivePlanes(count);
+  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_AIRPLANE_COUNT_CHANGED, 0);
+}
+
+int ChangeAircraft(const std::string& name) {
+  if (!WorldKnowsAircraft(name)) return 0;
+  WorldSelectAircraft(name);
+  FollowAircraftPlugin();
+  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_PLANE_LOADED, XPLM_USER_AIRCRAFT);
+  return 1;
+}
+
+}  // namespace sim
+
+void XPLMCountAircraft(int* total, int* active, XPLMPluginID* controller) {
+  sim::Check("XPLMCountAircraft");
+  if (total) *total = std::max(sim::active, sim::kCapacity);
+  if (active) *active = sim::active;
+  if (controller) *controller = sim::controller;
+}
+
+void XPLMGetNthAircraftModel(int index, char* fileName, char* path) {
+  sim::Check("XPLMGetNthAircraftModel");
+  std::string file, full;
+  auto set = sim::models.find(index);
+  if (set != sim::models.end()) {
+    full = set->second;
+    file = sim::StripFolder(full);
+  } else if (!sim::WorldAircraftModel(index, &file, &full)) {
+    file.clear();
+    full.clear();
+  }
+  sim::CopyText(file, fileName, 256);
+  if (path) sim::StorePath(full, path, 512);
+}
+
+void XPLMSetUsersAircraft(const char* path) {
+  sim::Check("XPLMSetUsersAircraft");
+  std::string name = sim::StripFolder(path ? path : "");
+  sim::ChangeAircraft(name.substr(0, name.rfind('.')));
+}
+
+void XPLMPlaceUserAtAirport(const char*) {
+  sim::Check("XPLMPlaceUserAtAirport");
+  sim::SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_AIRPORT_LOADED, 0);
+}
+
+int XPLMAcquirePlanes(char** aircraft, XPLMPlanesAvailable_f, void*) {
+  sim::Check("XPLMAcquirePlanes");
+  if (sim::controller != XPLM_NO_PLUGIN_ID) return sim::controller == sim::CallingPlugin();
+  sim::controller = sim::CallingPlugin();
+  for (int i = 0; aircraft && aircraft[i] && *aircraft[i]; ++i) sim::models[i + 1] = aircraft[i];
+  return 1;
+}
+
+void XPLMReleasePlanes(void) {
+  sim::Check("XPLMReleasePlanes");
+  sim::DropPlanes(sim::CallingPlugin());
+}
+
+void XPLMSetActiveAircraftCount(int count) {
+  sim::Check("XPLMSetActiveAircraftCount");
+  if (sim::controller == sim::CallingPlugin()) sim::SetActivePlanes(std::clamp(count, 1, sim::kMost));
+}
+
+void XPLMSetAircraftModel(int index, const char* path) {
+  sim::Check("XPLMSetAircraftModel");
+  if (sim::controller == sim::CallingPlugin() && index > 0 && path) sim::models[index] = path;
+}
+
+void XPLMDisableAIForPlane(int) { sim::Check("XPLMDisableAIForPlane"); }

@@ -1,0 +1,279 @@
+// The console: one command a line, one answer line. Commands run between frames.
+#include <cstdio>
+#include <fstream>
+
+#include "XPLMNavigation.h"
+#include "XPLMPlugin.h"
+#include "core/core.h"
+
+namespace sim {
+namespace {
+
+// Words of the line: words[0] is the command.
+struct Line {
+  std::vector<std::string> words;
+  std::vector<bool> quoted;
+};
+
+std::string Ok(const std::string& answer) { return answer.empty() ? "ok" : "ok " + answer; }
+std::string Error(const std::string& why) { return "error: " + why; }
+
+bool Count(const std::string& word, int64_t least, int64_t most, int64_t* value) {
+  return ParseInt(word, value) && *value >= least && *value <= most;
+}
+
+std::string Get(const Line& line) {
+  int index = -1;
+  DataRef* ref = FindByText(line.words[1], &index);
+  return ref ? PrintDataRef(ref, index) : Error("unknown name: " + line.words[1]);
+}
+
+std::string Set(const Line& line) {
+  int index = -1;
+  DataRef* ref = FindByText(line.words[1], &index);
+  if (!ref) return Error("unknown name: " + line.words[1]);
+  std::string why = SetDataRef(ref, index, line.words, line.quoted, 2);
+  return why.empty() ? "ok" : Error(why);
+}
+
+std::string Define(const Line& line) {
+  const std::string& name = line.words[1];
+  Kind kind;
+  int count = 0;
+  if (!ParseShape(line.words[2], &kind, &count)) {
+    return Error("the type is int, float, double, int[N], float[N] or byte[N], not " + line.words[2]);
+  }
+  if (FindLive(name)) return Error(name + " exists already");
+  DataRef* ref = Publish(name.c_str(), kind, count, true);
+  if (!ref) return Error(name + " cannot be published");
+  std::string why = line.words.size() > 3 ? SetDataRef(ref, -1, line.words, line.quoted, 3) : "";
+  if (why.empty()) return "ok";
+  Withdraw(ref);
+  return Error(why);
+}
+
+std::string Undefine(const Line& line) {
+  DataRef* ref = FindLive(line.words[1]);
+  if (!ref) return Error("unknown name: " + line.words[1]);
+  if (ref->provider) return Error(line.words[1] + " belongs to a plug-in");
+  Withdraw(ref);
+  return "ok";
+}
+
+std::string MakeCommand(const Line& line) {
+  PublishCommandIfMissing(line.words[1]);
+  return "ok";
+}
+
+std::string Frames(const Line& line) {
+  int64_t count = 0;
+  if (!Count(line.words[1], 0, 1000000000, &count)) return Error("not a number of frames: " + line.words[1]);
+  ConsoleFrames(static_cast<int>(count));
+  return "ok";
+}
+
+std::string Calls(const Line&) { return Ok(TakeCalls()); }
+std::string Writes(const Line&) { return Ok(TakeWrites()); }
+std::string Loops(const Line&) { return Ok(DescribeLoops()); }
+
+std::string Planes(const Line& line) {
+  int64_t count = 0;
+  if (!Count(line.words[1], 1, 128, &count)) return Error("the number of planes is 1 to 128");
+  SetActivePlanes(static_cast<int>(count));
+  return "ok";
+}
+
+std::string Message(const Line& line) {
+  int64_t message = 0, param = 0;
+  int from = XPLM_PLUGIN_XPLANE;
+  if (!Count(line.words[1], INT32_MIN, UINT32_MAX, &message)) return Error("not a message: " + line.words[1]);
+  if (!Count(line.words[2], INT64_MIN, INT64_MAX, &param)) return Error("not a parameter: " + line.words[2]);
+  if (line.words.size() > 3) {
+    Plugin* sender =
+        line.words.size() == 5 && line.words[3] == "from" ? FindPluginBySignature(line.words[4]) : nullptr;
+    if (!sender) return Error("no such sender");
+    from = sender->id;
+  }
+  int number = static_cast<int>(static_cast<uint32_t>(message));
+  int delivered = SendPluginMessage(from, XPLM_NO_PLUGIN_ID, number, static_cast<intptr_t>(param));
+  return delivered > 0 ? "ok" : Error("disabled");
+}
+
+std::string Pretend(const Line& line) {
+  bool on = line.words[2] == "on";
+  if (!on && line.words[2] != "off") return Error("on or off, not " + line.words[2]);
+  Plugin* known = FindPluginBySignature(line.words[1]);
+  if (known && !known->pretended) return Error(line.words[1] + " is loaded in earnest");
+  PretendPlugin(line.words[1], on);
+  return "ok";
+}
+
+std::string Aircraft(const Line& line) {
+  return ChangeAircraft(line.words[1]) ? "ok" : Error("unknown aircraft: " + line.words[1]);
+}
+
+const struct {
+  const char* word;
+  int type;
+} kNavTypes[] = {
+    {"airport", xplm_Nav_Airport}, {"ndb", xplm_Nav_NDB},         {"vor", xplm_Nav_VOR},
+    {"ils", xplm_Nav_ILS},         {"loc", xplm_Nav_Localizer},   {"gs", xplm_Nav_GlideSlope},
+    {"om", xplm_Nav_OuterMarker},  {"mm", xplm_Nav_MiddleMarker}, {"im", xplm_Nav_InnerMarker},
+    {"fix", xplm_Nav_Fix},         {"dme", xplm_Nav_DME},
+};
+
+std::string Navaid(const Line& line) {
+  if (line.words.size() == 2 && line.words[1] == "clear") {
+    ClearNavAids();
+    return "ok";
+  }
+  if (line.words.size() != 9)
+    return Error("navaid TYPE ID FREQ LAT LON HEIGHT HEADING \"NAME\", or navaid clear");
+  NavAid aid;
+  for (auto& row : kNavTypes) {
+    if (line.words[1] == row.word) aid.type = row.type;
+  }
+  if (aid.type == 0) return Error("unknown type: " + line.words[1]);
+  int64_t freq = 0;
+  if (!Count(line.words[3], 0, INT32_MAX, &freq)) return Error("not a frequency: " + line.words[3]);
+  double numbers[4] = {};
+  for (size_t i = 0; i < 4; ++i) {
+    if (!ParseDouble(line.words[4 + i], &numbers[i])) return Error("not a number: " + line.words[4 + i]);
+  }
+  aid.id = line.words[2];
+  aid.freq = static_cast<int>(freq);
+  aid.lat = static_cast<float>(numbers[0]);
+  aid.lon = static_cast<float>(numbers[1]);
+  aid.height = static_cast<float>(numbers[2]);
+  aid.heading = static_cast<float>(numbers[3]);
+  aid.name = line.words[8];
+  AddNavAid(aid);
+  return "ok";
+}
+
+std::string Convert(const Line& line) {
+  double in[3] = {}, out[3] = {};
+  for (size_t i = 0; i < 3; ++i) {
+    if (!ParseDouble(line.words[1 + i], &in[i])) return Error("not a number: " + line.words[1 + i]);
+  }
+  auto convert = line.words[0] == "world" ? LocalToWorld : WorldToLocal;
+  convert(in[0], in[1], in[2], &out[0], &out[1], &out[2]);
+  return Ok(FormatDouble(out[0]) + ' ' + FormatDouble(out[1]) + ' ' + FormatDouble(out[2]));
+}
+
+std::string EnableAll(const Line&) { return EnablePlugins() ? "ok" : Error("refused to be enabled"); }
+
+std::string DisableAll(const Line&) {
+  DisablePlugins();
+  return "ok";
+}
+
+std::string Reload(const Line&) {
+  std::string why;
+  return ReloadPlugins(&why) ? "ok" : Error(why);
+}
+
+std::string MenuItem(const Line& line) {
+  std::string item;
+  for (size_t i = 1; i < line.words.size(); ++i) item += (i > 1 ? " " : "") + line.words[i];
+  return MenuConsole(item);
+}
+
+std::string Quit(const Line&) {
+  quitWanted = true;
+  return "ok";
+}
+
+constexpr size_t kAny = 1000000;  // any number of words
+const struct {
+  const char* name;
+  const char* usage;   // what follows the name
+  size_t least, most;  // words, the name included
+  std::string (*run)(const Line&);
+} kCommands[] = {
+    {"get", "NAME", 2, 2, Get},
+    {"set", "NAME VALUE...", 3, kAny, Set},
+    {"define", "NAME TYPE [VALUE]", 3, kAny, Define},
+    {"undefine", "NAME", 2, 2, Undefine},
+    {"command", "NAME", 2, 2, MakeCommand},
+    {"frames", "N", 2, 2, Frames},
+    {"calls", "", 1, 1, Calls},
+    {"writes", "", 1, 1, Writes},
+    {"planes", "N", 2, 2, Planes},
+    {"message", "ID PARAM [from SIGNATURE]", 3, 5, Message},
+    {"plugin", "SIGNATURE on|off", 3, 3, Pretend},
+    {"aircraft", "NAME", 2, 2, Aircraft},
+    {"navaid", "TYPE ID FREQ LAT LON HEIGHT HEADING \"NAME\"", 2, 9, Navaid},
+    {"world", "X Y Z", 4, 4, Convert},
+    {"local", "LAT LON ALT", 4, 4, Convert},
+    {"enable", "", 1, 1, EnableAll},
+    {"disable", "", 1, 1, DisableAll},
+    {"reload", "", 1, 1, Reload},
+    {"menu", "[\"ITEM\"]", 1, kAny, MenuItem},
+    {"loops", "", 1, 1, Loops},
+    {"quit", "", 1, 1, Quit},
+};
+
+const char* const kWidgetCommands[] = {"widgets", "press", "type", "close", "picture"};
+
+// Answers must stay one line, whatever a name or a reason holds.
+std::string OneLine(std::string answer) {
+  for (char& c : answer) {
+    if (c == '\n' || c == '\r' || c == 0) c = ' ';
+  }
+  return answer;
+}
+
+std::string Run(const std::string& text) {
+  size_t begin = text.find_first_not_of(" \t");
+  if (begin == std::string::npos || text[begin] == '#') return "ok";
+  size_t end = std::min(text.find_first_of(" \t", begin), text.size());
+  std::string name = text.substr(begin, end - begin);
+  for (const char* widget : kWidgetCommands) {
+    if (name != widget) continue;
+    if (!widgetHooks) return Error("there is no widget library");
+    size_t rest = std::min(text.find_first_not_of(" \t", end), text.size());
+    std::string answer;
+    widgetHooks->console(widget, text.substr(rest).c_str(), &answer);
+    return answer;
+  }
+  for (auto& command : kCommands) {
+    if (name != command.name) continue;
+    Line line;
+    if (!SplitWords(text.c_str(), &line.words, &line.quoted)) return Error("a quote is not closed");
+    if (line.words.size() < command.least || line.words.size() > command.most) {
+      return Error(*command.usage ? name + ' ' + command.usage : name + " takes no arguments");
+    }
+    return command.run(line);
+  }
+  return Error("unknown command: " + name);
+}
+
+}  // namespace
+
+std::string SimCommand(const std::string& line) {
+  size_t length = line.size();
+  while (length > 0 && (line[length - 1] == '\r' || line[length - 1] == '\n')) --length;
+  std::string answer = OneLine(Run(line.substr(0, length)));
+  std::string why;
+  if (reloadWanted && !ReloadPlugins(&why)) std::fprintf(stderr, "standin: reload: %s\n", why.c_str());
+  return answer;
+}
+
+std::string RunDefinitions(const std::string& file) {
+  std::ifstream in(AbsolutePath(file));
+  if (!in) return file + ": cannot be read";
+  std::string line;
+  for (int number = 1; std::getline(in, line); ++number) {
+    while (!line.empty() && line.back() == '\r') line.pop_back();
+    size_t begin = std::min(line.find_first_not_of(" \t"), line.size());
+    size_t end = std::min(line.find_first_of(" \t", begin), line.size());
+    std::string name = line.substr(begin, end - begin);
+    bool allowed = name.empty() || name[0] == '#' || name == "define" || name == "command";
+    std::string answer = allowed ? SimCommand(line) : Error("only define and command may stand here");
+    if (answer != "ok") return file + ':' + FormatInt(number) + ": " + answer;
+  }
+  return "";
+}
+
+}  // namespace sim

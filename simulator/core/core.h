@@ -1,0 +1,145 @@
+// The core's inner interface: what its own files tell each other. The core keeps datarefs, commands,
+// flight loops, menus, plug-ins and messages, offers them to plug-ins as the XPLM functions, and runs the
+// frames and the console.
+//
+// Simulator's thread only, but for what says otherwise. A plug-in is known by its identifier, 1 and up;
+// 0 is the simulator.
+#pragma once
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/host_system.h"
+#include "core/sim.h"
+
+namespace sim {
+
+// --- Callers -------------------------------------------------------------------------------------
+// The thread that may call us; 0 while nobody may (nothing started, or plug-ins being unloaded).
+extern std::atomic<uintptr_t> callerThread;
+void CallerBreach(const char* function);
+// Beginning of every exported function, cheap enough for the dataref accessors.
+inline void Check(const char* function) {
+  if (CurrentThread() != callerThread.load(std::memory_order_relaxed)) [[unlikely]] {
+    CallerBreach(function);
+  }
+}
+
+// --- Plug-ins ------------------------------------------------------------------------------------
+struct Plugin {
+  int id = 0;
+  std::string name, signature, description, file;
+  void* module = nullptr;
+  PluginEntry entry = {};
+  bool started = false;
+  bool enabled = false;
+  bool pretended = false;    // only its name is known: the console or the aircraft brought it
+  bool nativePaths = false;  // wants forward slashes
+  bool reflections = false;
+};
+extern std::vector<std::unique_ptr<Plugin>> plugins;
+extern int currentPlugin;  // whose code is running, 0 none
+Plugin* FindPlugin(int id);
+Plugin* FindPluginBySignature(const std::string& signature);
+bool PluginEnabled(int id);
+// A callback of plug-in `id` runs while this lives.
+struct InPlugin {
+  explicit InPlugin(int id) : saved(currentPlugin) { currentPlugin = id; }
+  ~InPlugin() { currentPlugin = saved; }
+  InPlugin(const InPlugin&) = delete;
+  InPlugin& operator=(const InPlugin&) = delete;
+  int saved;
+};
+// Load and start all, then enable all. 0 with a line on standard error when one fails.
+int StartPlugins(const Options& options);
+// Disables, stops and unloads all; checks for what they left. 0 when a module stays in memory.
+int StopPlugins();
+int EnablePlugins();  // 0 when one refuses
+void DisablePlugins();
+int EnablePlugin(int id);
+void DisablePlugin(int id);
+void ForgetPlugins();  // after StopPlugins
+int ReloadPlugins(std::string* why);
+extern bool reloadWanted;  // a plug-in asked for it; done before the next frame
+void PretendPlugin(const std::string& signature, bool on);
+void FollowAircraftPlugin();  // pretends the add-on plug-in that the aircraft brings
+// Number of plug-ins that got it. `to` -1 means all.
+int SendPluginMessage(int from, int to, int message, intptr_t param);
+
+// What the rest of the core keeps for plug-in `owner` is dropped; returns how many there were that the
+// plug-in should have removed itself, and names one of them.
+int DropLoops(int owner, std::string* which);
+int DropCommandHandlers(int owner, std::string* which);
+int DropHeldCommands(int owner, std::string* which);
+int DropAccessors(int owner, std::string* which);
+int DropProbes(int owner);
+void DropMenus(int owner);
+void DropPlanes(int owner);
+
+// --- Datarefs, as the console sees them ------------------------------------------------------------
+void ResetData();
+// Finds "NAME" or "NAME[I]": *index is -1 when the whole dataref is meant.
+DataRef* FindByText(const std::string& text, int* index);
+std::string PrintDataRef(DataRef* ref, int index);
+// Sets from words of a console line; an empty text means success, else why not.
+std::string SetDataRef(DataRef* ref, int index, const std::vector<std::string>& words,
+                       const std::vector<bool>& quoted, size_t first);
+// "int", "float[8]" ...
+bool ParseShape(const std::string& text, Kind* kind, int* count);
+std::string TakeWrites();
+// Stores into a Float or Double scalar, whatever else it is is left alone.
+void StoreNumber(DataRef* ref, double value);
+
+// --- Commands and what else plug-ins fire ------------------------------------------------------------
+void ResetCommands();
+void ContinueHeldCommands();
+void LogCall(std::string text);
+std::string TakeCalls();
+// A command that nobody acts on, unless there is one of the name.
+void PublishCommandIfMissing(const std::string& name);
+
+// --- Flight loops and time ---------------------------------------------------------------------------
+extern double elapsed;  // seconds since start
+extern int cycle;       // frames since start
+void ResetLoops();
+void RunLoops(int phase, double sinceLastFrame);
+std::string DescribeLoops();
+
+// --- Menus, navigation, aircraft -----------------------------------------------------------------------
+void ResetMenus();
+std::string MenuConsole(const std::string& item);
+void ResetNavigation();
+// Adds a record behind the others of its type.
+void AddNavAid(const NavAid& aid);
+void ClearNavAids();
+void SetActivePlanes(int count);  // tells world and plug-ins
+int ActivePlanes();
+void ResetPlanes(int count);
+// Selects the aircraft and tells the plug-ins. 0 when there is none of that name.
+int ChangeAircraft(const std::string& name);
+
+// --- Frames ------------------------------------------------------------------------------------------
+extern Options running;  // of this run
+// One frame at `now` seconds of simulated time.
+void Frame(double now);
+// Runs `count` frames as `frames N` does: back to back, or in real time at a rate. A stop signal ends it.
+void ConsoleFrames(int count);
+void ResetPace();
+extern const WidgetHooks* widgetHooks;
+extern bool quitWanted;
+// Runs the lines of a --define file; an empty text means success, else file, line and reason.
+std::string RunDefinitions(const std::string& file);
+void StorePath(const std::string& path, char* out, size_t size);  // in the caller's path style
+extern void (*errorCallback)(const char* message);
+
+// --- Text --------------------------------------------------------------------------------------------
+std::string FormatInt(int64_t value);
+std::string FormatFloat(float value);  // shortest that reads back, always with a point
+std::string FormatDouble(double value);
+bool ParseInt(const std::string& text, int64_t* value);  // decimal or 0x
+bool ParseDouble(const std::string& text, double* value);
+void CopyText(const std::string& text, char* out, size_t size);  // out may be null
+void Join(std::string* list, const std::string& item);           // with "; " between
+
+}  // namespace sim

@@ -1,0 +1,275 @@
+// The plug-ins' life: load, start, enable, messages, disable, stop, unload, and what they must not leave.
+#include <algorithm>
+#include <cstdio>
+
+#include "XPLMPlugin.h"
+#include "core/core.h"
+
+namespace sim {
+
+std::vector<std::unique_ptr<Plugin>> plugins;
+int currentPlugin = 0;
+bool reloadWanted = false;
+
+namespace {
+
+int lastId = 0;
+std::string aircraftSignature;  // of the plug-in that the aircraft brought
+
+bool Fail(const Plugin& plugin, const std::string& why) {
+  std::fprintf(stderr, "standin: %s: %s\n", plugin.file.c_str(), why.c_str());
+  std::fflush(stderr);
+  return false;
+}
+
+template <class F>
+bool Resolve(const Plugin& plugin, const char* name, F* function) {
+  *function = reinterpret_cast<F>(ModuleSymbol(plugin.module, name));
+  return *function != nullptr;
+}
+
+bool Load(Plugin* plugin) {
+  if (!plugin->module && plugin->entry.start) return true;  // linked into the program
+  std::string why;
+  InPlugin inside(plugin->id);  // its static constructors may call us
+  plugin->module = LoadModule(plugin->file, &why);
+  if (!plugin->module) return Fail(*plugin, "cannot be loaded: " + why);
+  PluginEntry& entry = plugin->entry;
+  const char* missing = nullptr;
+  if (!Resolve(*plugin, "XPluginStart", &entry.start)) missing = "XPluginStart";
+  if (!Resolve(*plugin, "XPluginStop", &entry.stop)) missing = "XPluginStop";
+  if (!Resolve(*plugin, "XPluginEnable", &entry.enable)) missing = "XPluginEnable";
+  if (!Resolve(*plugin, "XPluginDisable", &entry.disable)) missing = "XPluginDisable";
+  if (!Resolve(*plugin, "XPluginReceiveMessage", &entry.message)) missing = "XPluginReceiveMessage";
+  return missing ? Fail(*plugin, std::string("does not export ") + missing) : true;
+}
+
+bool Start(Plugin* plugin) {
+  char name[256] = "", signature[256] = "", description[256] = "";
+  {
+    InPlugin inside(plugin->id);
+    plugin->started = plugin->entry.start(name, signature, description) != 0;
+  }
+  for (char* text : {name, signature, description}) text[255] = 0;
+  plugin->name = name;
+  plugin->description = description;
+  if (!plugin->started) return Fail(*plugin, "refused to start");
+  Plugin* other = FindPluginBySignature(signature);
+  plugin->signature = signature;
+  if (other && other != plugin) return Fail(*plugin, "its signature is taken: " + plugin->signature);
+  return true;
+}
+
+bool Enable(Plugin* plugin) {
+  if (plugin->pretended || plugin->enabled) return true;
+  if (!plugin->started) return false;
+  InPlugin inside(plugin->id);
+  plugin->enabled = plugin->entry.enable() != 0;
+  return plugin->enabled;
+}
+
+void Disable(Plugin* plugin) {
+  if (plugin->pretended || !plugin->enabled) return;
+  InPlugin inside(plugin->id);
+  plugin->entry.disable();
+  plugin->enabled = false;
+}
+
+void Leftover(int count, const char* what, const std::string& which) {
+  if (count == 0) return;
+  std::string why = FormatInt(count) + ' ' + what + " left";
+  Breach("XPluginStop", (which.empty() ? why : why + ": " + which).c_str());
+}
+
+// Removes what is still there of the plug-in. What it should have removed itself is a breach, unless it
+// never got to its stop.
+void Clean(Plugin* plugin, bool report) {
+  std::string which[4];
+  int loops = DropLoops(plugin->id, &which[0]);
+  int held = DropHeldCommands(plugin->id, &which[1]);
+  int handlers = DropCommandHandlers(plugin->id, &which[2]);
+  int accessors = DropAccessors(plugin->id, &which[3]);
+  int probes = DropProbes(plugin->id);
+  DropMenus(plugin->id);
+  DropPlanes(plugin->id);
+  if (!report) return;
+  Leftover(loops, "flight loops", which[0]);
+  Leftover(held, "begun commands", which[1]);
+  Leftover(handlers, "command handlers", which[2]);
+  Leftover(accessors, "data accessors", which[3]);
+  Leftover(probes, "probes", "");
+}
+
+// Anything that the plug-in calls from now on comes after its stop.
+int Unload(Plugin* plugin) {
+  if (!plugin->module) return 1;
+  callerThread = 0;
+  UnloadModule(plugin->module);
+  callerThread = CurrentThread();
+  plugin->module = nullptr;
+  plugin->entry = {};
+  if (!ModuleInMemory(plugin->file)) return 1;
+  Breach("unload", (plugin->file + " stays in memory").c_str());
+  return 0;
+}
+
+int StartAll() {
+  for (size_t i = 0; i < plugins.size(); ++i) {
+    Plugin* plugin = plugins[i].get();
+    if (!plugin->pretended && (!Load(plugin) || !Start(plugin))) return 0;
+  }
+  EnablePlugins();
+  return 1;
+}
+
+Plugin* Add(const std::string& file) {
+  plugins.push_back(std::make_unique<Plugin>());
+  plugins.back()->id = ++lastId;
+  plugins.back()->file = file;
+  return plugins.back().get();
+}
+
+}  // namespace
+
+int CallingPlugin() {
+  if (currentPlugin != 0 || plugins.empty()) return currentPlugin;
+  return plugins[0]->pretended ? 0 : plugins[0]->id;
+}
+
+int EnterPlugin(int id, int* saved) {
+  // While its own code is running a plug-in is called back whatever its state: it asked for it.
+  if (id != currentPlugin && !PluginEnabled(id)) return 0;
+  *saved = currentPlugin;
+  currentPlugin = id;
+  return 1;
+}
+
+void LeavePlugin(int saved) { currentPlugin = saved; }
+
+Plugin* FindPlugin(int id) {
+  for (auto& plugin : plugins) {
+    if (plugin->id == id) return plugin.get();
+  }
+  return nullptr;
+}
+
+Plugin* FindPluginBySignature(const std::string& signature) {
+  for (auto& plugin : plugins) {
+    if (plugin->signature == signature) return plugin.get();
+  }
+  return nullptr;
+}
+
+bool PluginEnabled(int id) {
+  Plugin* plugin = FindPlugin(id);
+  return id == 0 || (plugin && plugin->enabled);
+}
+
+int StartPlugins(const Options& options) {
+  if (options.linked) {
+    Plugin* plugin = Add(SystemFolder() + "linked.xpl");
+    plugin->entry = *options.linked;
+  }
+  for (const std::string& file : options.plugins) Add(AbsolutePath(file));
+  FollowAircraftPlugin();
+  return StartAll();
+}
+
+int EnablePlugins() {
+  int all = 1;
+  for (size_t i = 0; i < plugins.size(); ++i) all &= Enable(plugins[i].get());
+  return all;
+}
+
+void DisablePlugins() {
+  for (size_t i = 0; i < plugins.size(); ++i) Disable(plugins[i].get());
+}
+
+int EnablePlugin(int id) {
+  Plugin* plugin = FindPlugin(id);
+  return plugin && Enable(plugin);
+}
+
+void DisablePlugin(int id) {
+  if (Plugin* plugin = FindPlugin(id)) Disable(plugin);
+}
+
+int StopPlugins() {
+  bool any = false;
+  DisablePlugins();
+  std::vector<bool> stopped;
+  for (auto& plugin : plugins) {
+    stopped.push_back(plugin->started);
+    if (!plugin->started) continue;
+    any = true;
+    InPlugin inside(plugin->id);
+    plugin->entry.stop();
+    plugin->started = false;
+  }
+  for (size_t i = 0; i < stopped.size(); ++i) Clean(plugins[i].get(), stopped[i]);
+  if (widgetHooks) {
+    if (any) Leftover(widgetHooks->count(), "widgets", "");
+    widgetHooks->purge();
+  }
+  errorCallback = nullptr;
+  int clean = 1;
+  for (auto& plugin : plugins) {
+    if (!plugin->pretended) clean &= Unload(plugin.get());
+  }
+  return clean;
+}
+
+void ForgetPlugins() {
+  plugins.clear();
+  lastId = 0;
+  aircraftSignature.clear();
+  reloadWanted = false;
+}
+
+int ReloadPlugins(std::string* why) {
+  reloadWanted = false;
+  if (!StopPlugins()) {
+    *why = "a module stays in memory";
+    return 0;
+  }
+  if (!StartAll()) {
+    *why = "a plug-in could not be loaded or refused to start";
+    return 0;
+  }
+  return 1;
+}
+
+void PretendPlugin(const std::string& signature, bool on) {
+  Plugin* known = FindPluginBySignature(signature);
+  if (on && !known) {
+    Plugin* plugin =
+        Add(SystemFolder() + "Resources" + kSeparator + "plugins" + kSeparator + signature + ".xpl");
+    plugin->name = plugin->signature = signature;
+    plugin->description = "pretended";
+    plugin->pretended = plugin->enabled = true;
+  } else if (!on && known && known->pretended) {
+    std::erase_if(plugins, [&](auto& plugin) { return plugin.get() == known; });
+  }
+}
+
+void FollowAircraftPlugin() {
+  std::string now = WorldAircraftPluginSignature();
+  if (now == aircraftSignature) return;
+  if (!aircraftSignature.empty()) PretendPlugin(aircraftSignature, false);
+  if (!now.empty()) PretendPlugin(now, true);
+  aircraftSignature = now;
+}
+
+int SendPluginMessage(int from, int to, int message, intptr_t param) {
+  int delivered = 0;
+  for (size_t i = 0; i < plugins.size(); ++i) {
+    Plugin* plugin = plugins[i].get();
+    if (plugin->pretended || !plugin->enabled || (to != XPLM_NO_PLUGIN_ID && to != plugin->id)) continue;
+    InPlugin inside(plugin->id);
+    plugin->entry.message(from, message, reinterpret_cast<void*>(param));
+    ++delivered;
+  }
+  return delivered;
+}
+
+}  // namespace sim

@@ -1,0 +1,147 @@
+// The text field: a line of text (the descriptor) with a selection, edited by keys while it has the
+// keyboard. Selection and caret are properties; positions count characters from 0.
+#include <algorithm>
+
+#include "widgets/widgets.h"
+
+namespace sim {
+namespace {
+
+constexpr int kMargin = 3;  // pixels before the first character
+// Virtual keys that have no character of their own.
+constexpr unsigned char kEnd = 0x23, kHome = 0x24, kForwardDelete = 0x2E;
+
+struct Selection {
+  size_t start = 0, end = 0;
+};
+
+Selection GetSelection(const Widget* field) {
+  const intptr_t length = static_cast<intptr_t>(field->text.size());
+  const intptr_t start = std::clamp<intptr_t>(Property(field, xpProperty_EditFieldSelStart), 0, length);
+  const intptr_t end = std::clamp<intptr_t>(Property(field, xpProperty_EditFieldSelEnd), start, length);
+  return {static_cast<size_t>(start), static_cast<size_t>(end)};
+}
+
+void Select(Widget* field, size_t start, size_t end) {
+  SetProperty(field, xpProperty_EditFieldSelStart, static_cast<intptr_t>(start));
+  SetProperty(field, xpProperty_EditFieldSelEnd, static_cast<intptr_t>(end));
+}
+
+// Puts `piece` in place of the characters from start to end, within the limit, and tells the parents.
+void Replace(Widget* field, size_t start, size_t end, const std::string& piece) {
+  std::string text = field->text;
+  text.replace(start, end - start, piece);
+  const intptr_t limit = Property(field, xpProperty_MaxCharacters);
+  if (limit > 0 && text.size() > static_cast<size_t>(limit) && text.size() > field->text.size()) return;
+  const bool changed = text != field->text;
+  Select(field, start + piece.size(), start + piece.size());
+  if (!changed || !IsLive(field)) return;
+  SetText(field, text);
+  if (IsLive(field)) Send(field, xpMsg_TextFieldChanged, xpMode_UpChain, AsParam(field), 0);
+}
+
+// Moves the caret; with shift the selection's active end (property 1: the right one).
+void MoveCaret(Widget* field, size_t to, bool extend) {
+  if (!extend) return Select(field, to, to);
+  const Selection now = GetSelection(field);
+  if (now.start == now.end) SetProperty(field, xpProperty_ActiveEditSide, to > now.start);
+  const size_t fixed = Property(field, xpProperty_ActiveEditSide) ? now.start : now.end;
+  SetProperty(field, xpProperty_ActiveEditSide, to >= fixed);
+  Select(field, std::min(fixed, to), std::max(fixed, to));
+}
+
+void GatherFields(Widget* widget, std::vector<Widget*>* fields) {
+  if (!widget->visible) return;
+  if (widget->type == xpWidgetClass_TextField && IsEnabled(widget)) fields->push_back(widget);
+  for (Widget* child : widget->children) GatherFields(child, fields);
+}
+
+// The keyboard goes to the next (or previous) field of the window, round its end.
+void FocusNeighbour(Widget* field, bool back) {
+  std::vector<Widget*> fields;
+  if (Widget* window = RootOf(field)) GatherFields(window, &fields);
+  const auto self = std::find(fields.begin(), fields.end(), field);
+  if (self == fields.end()) return;
+  const size_t at = static_cast<size_t>(self - fields.begin());
+  Widget* next = fields[(at + (back ? fields.size() - 1 : 1)) % fields.size()];
+  if (next != field && SetFocus(next) == next) Select(next, 0, next->text.size());
+}
+
+int KeyPressed(Widget* field, const XPKeyState_t& state) {
+  const unsigned char key = static_cast<unsigned char>(state.key);
+  const unsigned char virtualKey = static_cast<unsigned char>(state.vkey);
+  const bool release = (state.flags & xplm_UpFlag) && !(state.flags & xplm_DownFlag);
+  const bool shift = state.flags & xplm_ShiftFlag;
+  const Selection now = GetSelection(field);
+  const size_t length = field->text.size();
+  const bool selected = now.end > now.start;
+  const bool rightActive = Property(field, xpProperty_ActiveEditSide) != 0;
+  const size_t caret = selected && !rightActive ? now.start : now.end;
+
+  if (key == XPLM_KEY_RETURN || key == XPLM_KEY_ESCAPE) {
+    if (!release) LoseFocus(field);
+  } else if (key == XPLM_KEY_TAB) {
+    if (!release) FocusNeighbour(field, shift);
+  } else if (virtualKey == kForwardDelete) {
+    if (!release) Replace(field, now.start, selected ? now.end : std::min(now.end + 1, length), "");
+  } else if (key == XPLM_KEY_DELETE) {
+    if (!release) Replace(field, selected || now.start == 0 ? now.start : now.start - 1, now.end, "");
+  } else if (key == 28 || virtualKey == 0x25) {  // left
+    if (!release) MoveCaret(field, selected && !shift ? now.start : caret - (caret > 0), shift);
+  } else if (key == 29 || virtualKey == 0x27) {  // right
+    if (!release) MoveCaret(field, selected && !shift ? now.end : caret + (caret < length), shift);
+  } else if (virtualKey == kHome) {
+    if (!release) MoveCaret(field, 0, shift);
+  } else if (virtualKey == kEnd) {
+    if (!release) MoveCaret(field, length, shift);
+  } else if (key >= 32 && key != 127 && !(state.flags & xplm_ControlFlag)) {
+    if (!release) Replace(field, now.start, now.end, std::string(1, state.key));
+  } else {
+    return 0;
+  }
+  return 1;
+}
+
+size_t CharacterAt(const Widget* field, int x) {
+  const intptr_t first = std::max<intptr_t>(0, Property(field, xpProperty_ScrollPosition));
+  const intptr_t at = first + (x - field->box.left - kMargin + kCharacterWidth / 2) / kCharacterWidth;
+  return static_cast<size_t>(std::clamp<intptr_t>(at, 0, static_cast<intptr_t>(field->text.size())));
+}
+
+}  // namespace
+
+int TextFieldFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t) {
+  Widget* field = static_cast<Widget*>(id);
+  switch (message) {
+    case xpMsg_KeyPress:
+      return KeyPressed(field, *reinterpret_cast<const XPKeyState_t*>(param1));
+    case xpMsg_KeyTakeFocus:
+      if (!IsEnabled(field)) return 0;
+      Select(field, field->text.size(), field->text.size());
+      return 1;
+    case xpMsg_KeyLoseFocus:
+      return 1;
+    case xpMsg_MouseDown:
+      if (SetFocus(field) == field) {
+        const size_t at = CharacterAt(field, reinterpret_cast<const XPMouseState_t*>(param1)->x);
+        SetProperty(field, xpProperty_EditFieldSelDragStart, static_cast<intptr_t>(at));
+        Select(field, at, at);
+      }
+      return 1;
+    case xpMsg_MouseDrag:
+      if (keyboardFocus == field) {
+        const size_t at = CharacterAt(field, reinterpret_cast<const XPMouseState_t*>(param1)->x);
+        const size_t from = std::min(static_cast<size_t>(Property(field, xpProperty_EditFieldSelDragStart)),
+                                     field->text.size());
+        SetProperty(field, xpProperty_ActiveEditSide, at >= from);
+        Select(field, std::min(at, from), std::max(at, from));
+      }
+      return 1;
+    case xpMsg_MouseUp:
+      return 1;
+    default:
+      return 0;
+  }
+}
+
+}  // namespace sim

@@ -1,0 +1,93 @@
+// Keyboard focus, and the mouse and keys of the user whom the console stands for.
+
+#include "widgets/widgets.h"
+
+namespace sim {
+
+Widget* SetFocus(Widget* widget) {
+  Hold hold;
+  if (widget == keyboardFocus) return keyboardFocus;
+  if (widget) {
+    if (!Send(widget, xpMsg_KeyTakeFocus, xpMode_Direct, 0, 0) || !IsLive(widget)) return keyboardFocus;
+    if (widget->dying) return keyboardFocus;
+  }
+  Widget* old = keyboardFocus;
+  keyboardFocus = widget;
+  if (old && old != widget) Send(old, xpMsg_KeyLoseFocus, xpMode_Direct, widget != nullptr, 0);
+  return keyboardFocus;
+}
+
+void LoseFocus(Widget* widget) {
+  if (keyboardFocus != widget) return;
+  Hold hold;
+  keyboardFocus = nullptr;
+  Send(widget, xpMsg_KeyLoseFocus, xpMode_Direct, 0, 0);
+  // The callback may have placed the focus itself, or have destroyed the family.
+  for (Widget* at = widget->parent; at && IsLive(at) && !keyboardFocus; at = at->parent) {
+    if (Send(at, xpMsg_KeyTakeFocus, xpMode_Direct, 1, 0) && IsLive(at)) {
+      if (!keyboardFocus) keyboardFocus = at;
+      return;
+    }
+  }
+}
+
+int ReachablePoint(Widget* widget, int* x, int* y) {
+  Widget* window = RootOf(widget);
+  if (!window || !IsVisible(widget)) return 0;
+  const Rect box = Exposed(widget);
+  // The centre first, then a grid: something may lie on top of a part of it.
+  static const int kSixths[] = {3, 1, 2, 4, 5};
+  for (int down : kSixths) {
+    for (int across : kSixths) {
+      *x = box.left + box.Width() * across / 6;
+      *y = box.bottom + box.Height() * down / 6;
+      if (WidgetAt(window, *x, *y, true, true) == widget) return 1;
+    }
+  }
+  return 0;
+}
+
+int Click(Widget* window, int x, int y) {
+  Hold hold;
+  BringToFront(window);
+  XPMouseState_t mouse = {x, y, 0, 0};
+  Widget* target = WidgetAt(window, x, y, true, true);
+  // Up the chain; the one that takes the click owns the rest of it.
+  while (target && IsLive(target) && !Send(target, xpMsg_MouseDown, xpMode_Direct, AsParam(&mouse), 0))
+    target = target->parent;
+  if (!target) return 0;
+  if (IsLive(target)) Send(target, xpMsg_MouseUp, xpMode_Direct, AsParam(&mouse), 0);
+  return 1;
+}
+
+void TypeKey(char key, unsigned char virtualKey, int modifiers) {
+  for (int flag : {static_cast<int>(xplm_DownFlag), static_cast<int>(xplm_UpFlag)}) {
+    XPKeyState_t state = {key, flag | modifiers, static_cast<char>(virtualKey)};
+    if (keyboardFocus) Send(keyboardFocus, xpMsg_KeyPress, xpMode_UpChain, AsParam(&state), 0);
+  }
+}
+
+void TypeCharacter(char character) {
+  // Keys of a US keyboard: plain character, shifted character, virtual key.
+  static const struct {
+    char plain, shifted;
+    unsigned char virtualKey;
+  } kKeys[] = {{'=', '+', 0xB0}, {'-', '_', 0xB1},  {']', '}', 0xB2}, {'[', '{', 0xB3}, {'\'', '"', 0xB4},
+               {';', ':', 0xB5}, {'\\', '|', 0xB6}, {',', '<', 0xB7}, {'/', '?', 0xB8}, {'.', '>', 0xB9},
+               {'`', '~', 0xBA}, {'1', '!', 0x31},  {'2', '@', 0x32}, {'3', '#', 0x33}, {'4', '$', 0x34},
+               {'5', '%', 0x35}, {'6', '^', 0x36},  {'7', '&', 0x37}, {'8', '*', 0x38}, {'9', '(', 0x39},
+               {'0', ')', 0x30}, {' ', ' ', 0x20}};
+  if ((character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z')) {
+    const bool upper = character <= 'Z';
+    const int letter = upper ? character : character - 'a' + 'A';
+    TypeKey(character, static_cast<unsigned char>(letter), upper ? xplm_ShiftFlag : 0);
+    return;
+  }
+  for (const auto& key : kKeys) {
+    if (character == key.plain) return TypeKey(character, key.virtualKey, 0);
+    if (character == key.shifted) return TypeKey(character, key.virtualKey, xplm_ShiftFlag);
+  }
+  TypeKey(character, 0, 0);
+}
+
+}  // namespace sim

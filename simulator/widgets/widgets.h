@@ -1,0 +1,111 @@
+// The stand-in's widget library: windows, buttons, fields and the like, as plug-ins see them through the
+// XPWidgets functions. Nothing is drawn on a screen; the console lists the windows, presses, types and
+// closes with the very mouse and key messages that a user would cause, and draws pictures into files.
+//
+//   widget_tree.cpp     records, message dispatch, creation, destruction, families, places, properties
+//   widget_input.cpp    keyboard focus, simulated mouse clicks and keys
+//   widget_classes.cpp  behaviour of windows, buttons and scroll bars; text_field.cpp that of fields
+//   widget_utils.cpp    the helpers that export as XPU...
+//   widget_console.cpp  console commands; picture.h and its files draw
+//
+// Everything belongs to the simulator's own thread. Coordinates are screen pixels, y upwards.
+#pragma once
+#include <map>
+#include <string>
+#include <vector>
+
+#include "XPStandardWidgets.h"
+#include "XPWidgetUtils.h"
+#include "XPWidgets.h"
+
+namespace sim {
+
+struct Rect {
+  int left = 0, top = 0, right = 0, bottom = 0;
+  bool operator==(const Rect&) const = default;
+  // Edges belong to the rectangle.
+  bool Holds(int x, int y) const { return x >= left && x <= right && y >= bottom && y <= top; }
+  int Width() const { return right - left; }
+  int Height() const { return top - bottom; }
+};
+
+// One widget. The handle that plug-ins hold is the address of its record.
+struct Widget {
+  XPWidgetClass type = xpWidgetClass_None;  // None for custom widgets
+  bool root = false;
+  bool visible = false;  // its own flag; IsVisible asks the parents too
+  bool dying = false;    // inside its destruction
+  Rect box;
+  std::string text;
+  Widget* parent = nullptr;
+  std::vector<Widget*> children;          // the last one lies on top
+  std::vector<XPWidgetFunc_t> callbacks;  // oldest first: the class function
+  std::map<XPWidgetPropertyID, intptr_t> properties;
+};
+
+// Root widgets, front one first, hidden ones included.
+extern std::vector<Widget*> roots;
+// Who has the keyboard, null when the simulator has.
+extern Widget* keyboardFocus;
+
+// Records that are destroyed while a Hold exists stay readable until the outermost one ends, so that code
+// that sends messages may go on looking at its widget (and ask IsLive) afterwards.
+struct Hold {
+  Hold();
+  ~Hold();
+  Hold(const Hold&) = delete;
+  Hold& operator=(const Hold&) = delete;
+};
+
+bool IsLive(const Widget* widget);
+int WidgetCount();
+// Frees every record without telling anyone: the owners are gone.
+void PurgeWidgets();
+
+int Send(Widget* widget, XPWidgetMessage message, XPDispatchMode mode, intptr_t param1, intptr_t param2);
+// Value of a property, 0 when it was never set.
+intptr_t Property(const Widget* widget, XPWidgetPropertyID id);
+// A new value is announced to the widget; setting the value it has is silent.
+void SetProperty(Widget* widget, XPWidgetPropertyID id, intptr_t value);
+void SetText(Widget* widget, const std::string& text);
+void SetBox(Widget* widget, const Rect& box);
+// Enabled unless the property says 0.
+bool IsEnabled(const Widget* widget);
+bool IsVisible(const Widget* widget);
+Widget* RootOf(Widget* widget);
+bool IsWithin(const Widget* widget, const Widget* ancestor);
+void BringToFront(Widget* widget);
+// No other visible window lies before the widget's own, which is visible.
+bool IsInFront(Widget* widget);
+// The part that lies inside all parents; all zero when nothing does.
+Rect Exposed(const Widget* widget);
+Widget* WidgetAt(Widget* container, int x, int y, bool recursive, bool visibleOnly);
+
+// Moves the keyboard (null: to the simulator) and returns who has it then; a widget may refuse.
+Widget* SetFocus(Widget* widget);
+// The widget gives the keyboard to the nearest parent that wants it, else to the simulator.
+void LoseFocus(Widget* widget);
+// A point where the mouse would really meet this widget, its window being in front. 0 when there is none.
+int ReachablePoint(Widget* widget, int* x, int* y);
+// Left button down and up at a point of a window. 1 when some widget handled it.
+int Click(Widget* window, int x, int y);
+// One key down and up for whoever has the keyboard.
+void TypeKey(char key, unsigned char virtualKey, int modifiers);
+// The key that produces a character, with shift where a keyboard needs it.
+void TypeCharacter(char character);
+
+// Class functions, to be used as the oldest callback of a widget.
+XPWidgetFunc_t ClassFunction(XPWidgetClass type);
+int TextFieldFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t param2);
+// The k-th close box (0 left, 1 right) of a main window.
+Rect CloseBox(const Widget* window, int k);
+constexpr int kTitleHeight = 20;
+constexpr int kCharacterWidth = 6;
+
+// The console's words; the answer is the whole line.
+void WidgetConsole(const char* command, const char* arguments, std::string* answer);
+
+inline Widget* AsWidget(intptr_t param) { return reinterpret_cast<Widget*>(param); }
+inline intptr_t AsParam(const void* pointer) { return reinterpret_cast<intptr_t>(pointer); }
+
+}  // namespace sim

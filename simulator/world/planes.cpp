@@ -1,0 +1,131 @@
+// Other aircraft: up to 19 fly level circles around the field at different heights, each with a place of
+// its own by the clock. The first one's circle passes close to where the user's circuit starts.
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "flight/flight.h"
+#include "world/refs.h"
+#include "world/world.h"
+
+namespace sim {
+
+int activePlanes = 1;
+
+namespace {
+
+constexpr int otherPlanes = 19;
+constexpr int modelCount = 97;  // aircraft that can be active have a model
+
+struct PlaneRefs {
+  DataRef *x, *y, *z, *lat, *lon, *el, *the, *phi, *psi, *vx, *vy, *vz;
+};
+PlaneRefs planes[otherPlanes];
+int shownPlanes = 1;  // active ones when the datarefs were last filled
+
+struct Member {
+  const char* name;
+  Kind kind;
+  bool always;  // plug-ins may set it whatever the number of the aircraft (else from the tenth on)
+  DataRef* PlaneRefs::*slot;
+};
+const Member members[] = {
+    {"x", Kind::Double, true, &PlaneRefs::x},        {"y", Kind::Double, true, &PlaneRefs::y},
+    {"z", Kind::Double, true, &PlaneRefs::z},        {"lat", Kind::Double, false, &PlaneRefs::lat},
+    {"lon", Kind::Double, false, &PlaneRefs::lon},   {"el", Kind::Double, false, &PlaneRefs::el},
+    {"the", Kind::Float, true, &PlaneRefs::the},     {"phi", Kind::Float, true, &PlaneRefs::phi},
+    {"psi", Kind::Float, true, &PlaneRefs::psi},     {"v_x", Kind::Float, true, &PlaneRefs::vx},
+    {"v_y", Kind::Float, true, &PlaneRefs::vy},      {"v_z", Kind::Float, true, &PlaneRefs::vz},
+};
+
+// Circle of aircraft n (from 1): centre east and north of the field, radius, height above the field, speed,
+// bearing from the centre at the start.
+struct Circle {
+  double east, north, radius, height, speed, bearing;
+};
+
+Circle CircleOf(int n) {
+  double course = runwayCourse * degToRad;
+  if (n == 1) {
+    // Inside the jet's downwind leg (left of the runway), 150 m above it and 900 m abeam at the start.
+    double side = 6030 - 900 - 1500;
+    return {-side * std::cos(course), side * std::sin(course), 1500, 632, 75, runwayCourse - 90};
+  }
+  double bearing = 47.0 * n;
+  double away = 3000.0 + 1900.0 * n;
+  return {away * std::sin(bearing * degToRad), away * std::cos(bearing * degToRad), 1800.0 + 150.0 * n,
+          500.0 + 180.0 * n, 70.0 + 4.0 * n, 19.0 * n};
+}
+
+void Place(int n, double now) {
+  Circle circle = CircleOf(n);
+  double rate = circle.speed / circle.radius;  // clockwise, rad/s
+  double bearing = circle.bearing * degToRad + rate * now;
+  double x = circle.east + circle.radius * std::sin(bearing);
+  double z = -(circle.north + circle.radius * std::cos(bearing));
+  double heading = std::fmod(bearing * radToDeg + 90, 360);
+  if (heading < 0) heading += 360;
+  PlaneRefs& plane = planes[n - 1];
+  double lat, lon, alt;
+  LocalToWorld(x, circle.height, z, &lat, &lon, &alt);
+  D(plane.x) = x;
+  D(plane.y) = circle.height;
+  D(plane.z) = z;
+  D(plane.lat) = lat;
+  D(plane.lon) = lon;
+  D(plane.el) = alt;
+  F(plane.the) = 3;
+  F(plane.phi) = static_cast<float>(std::atan(circle.speed * rate / gravity) * radToDeg);
+  F(plane.psi) = static_cast<float>(heading);
+  F(plane.vx) = static_cast<float>(circle.speed * std::cos(bearing));
+  F(plane.vy) = 0;
+  F(plane.vz) = static_cast<float>(circle.speed * std::sin(bearing));
+}
+
+void Clear(int n) {
+  for (const Member& member : members) {
+    D(planes[n - 1].*member.slot) = 0;
+    F(planes[n - 1].*member.slot) = 0;
+  }
+}
+
+}  // namespace
+
+void PublishPlanes(int active) {
+  for (int n = 1; n <= otherPlanes; n++) {
+    for (const Member& member : members) {
+      std::string name = "sim/multiplayer/position/plane" + std::to_string(n) + "_" + member.name;
+      DataRef* ref = Publish(name.c_str(), member.kind, 1, member.always || n >= 10);
+      planes[n - 1].*member.slot = ref != nullptr ? ref : FindLive(name);
+    }
+    Clear(n);
+  }
+  shownPlanes = 1;
+  WorldSetActivePlanes(active);
+}
+
+void WorldSetActivePlanes(int count) {
+  activePlanes = std::clamp(count, 1, 128);
+  int shown = std::min(activePlanes, otherPlanes + 1);
+  for (int n = shownPlanes; n < shown; n++) Place(n, FlightTime());
+  for (int n = shown; n < shownPlanes; n++) Clear(n);
+  shownPlanes = shown;
+}
+
+void StepPlanes(double now) {
+  for (int n = 1; n < shownPlanes; n++) Place(n, now);
+}
+
+int WorldAircraftModel(int index, std::string* fileName, std::string* path) {
+  if (index < 0 || index >= std::min(activePlanes, modelCount)) return 0;
+  const Aircraft& model = index == 0 ? *aircraft : aircraftTable[(index - 1) % 4];
+  *fileName = model.file;
+  *path = SystemFolder();
+  char separator = path->empty() ? '/' : path->back();
+  for (const char* c = model.folder; *c != '\0'; c++) path->push_back(*c == '/' ? separator : *c);
+  path->push_back(separator);
+  path->append(model.file);
+  return 1;
+}
+
+}  // namespace sim

@@ -1,0 +1,57 @@
+// Publishing of the dataref table, typed access to the records, and the start of the world.
+#include <algorithm>
+#include <cstring>
+
+#include "flight/flight.h"
+#include "world/refs.h"
+#include "world/world.h"
+
+namespace sim {
+
+bool circuitFlight = true;
+
+DataRef* PublishRow(const DataRefRow& row) {
+  DataRef* ref = Publish(row.name, row.kind, row.count, row.writable);
+  if (ref == nullptr) return nullptr;
+  std::fill(ref->ints.begin(), ref->ints.end(), static_cast<int>(row.start));
+  std::fill(ref->floats.begin(), ref->floats.end(), static_cast<float>(row.start));
+  std::fill(ref->doubles.begin(), ref->doubles.end(), row.start);
+  SetText(ref, row.text);
+  return ref;
+}
+
+float& F(DataRef* ref, int i) {
+  static float dummy;
+  return static_cast<size_t>(i) < ref->floats.size() ? ref->floats[static_cast<size_t>(i)] : dummy;
+}
+
+int& I(DataRef* ref, int i) {
+  static int dummy;
+  return static_cast<size_t>(i) < ref->ints.size() ? ref->ints[static_cast<size_t>(i)] : dummy;
+}
+
+double& D(DataRef* ref, int i) {
+  static double dummy;
+  return static_cast<size_t>(i) < ref->doubles.size() ? ref->doubles[static_cast<size_t>(i)] : dummy;
+}
+
+void SetText(DataRef* ref, const char* text) {
+  if (ref->bytes.empty()) return;
+  size_t length = std::min(std::strlen(text), ref->bytes.size() - 1);
+  std::memcpy(ref->bytes.data(), text, length);
+  std::fill(ref->bytes.begin() + static_cast<std::ptrdiff_t>(length), ref->bytes.end(), uint8_t{0});
+}
+
+void WorldStart(bool circuit, int planes) {
+  circuitFlight = circuit;
+  for (int i = 0; i < datarefRowCount; i++) PublishRow(datarefRows[i]);
+  BindRefs();
+  PublishCommands();
+  FillNavAids();
+  WorldNavAidsChanged();
+  PublishPlanes(planes);
+  FlightStart();
+  WorldSelectAircraft(aircraftTable[0].name);
+}
+
+}  // namespace sim

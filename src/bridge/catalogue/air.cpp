@@ -1,0 +1,96 @@
+// Pressure, temperature, density.
+#include <cmath>
+
+#include "bridge/catalogue.h"
+
+namespace {
+
+// The altimeter's own conversion differs from that of the sea-level pressure in the third digit; clients
+// are used to both.
+constexpr double altimeterUnits = 33.8639 * 16;  // inHg to millibar x 16
+constexpr double seaLevelUnits = 33.86 * 16;
+constexpr double celsiusUnits = 256;
+
+// The nearest hundredth of an inch, so that 29.92 comes back as 29.92.
+double SettingFromUnits(double units) { return std::round(units / altimeterUnits * 100) / 100; }
+
+constexpr OffsetRow Temperature(uint32_t offset, const char* name, const char* meaning, Cycle cycle,
+                                uint32_t slot) {
+  return {.offset = offset,
+          .type = Stored::S16,
+          .name = name,
+          .meaning = meaning,
+          .unit = "degC",
+          .unitScale = 1 / celsiusUnits,
+          .cycle = cycle,
+          .source = FloatAt(slot),
+          .factor = celsiusUnits};
+}
+
+constexpr OffsetRow rows[] = {
+    {.offset = 0x0330,
+     .type = Stored::U16,
+     .name = "altimeter",
+     .meaning = "altimeter setting",
+     .unit = "mb",
+     .unitScale = 1.0 / 16,
+     .cycle = Cycle::C13,
+     .source = FloatAt(0x0330),
+     .factor = altimeterUnits,
+     .write = {.target = FloatAt(0x0330), .convert = SettingFromUnits},
+     .lossy = "set in hundredths of an inch: up to 3 sixteenths of a millibar off"},
+    Temperature(0x0E8C, "oat", "outside air temperature", Cycle::C13, 0x0E8C),
+    Temperature(0x11D0, "tat", "total air temperature, the same as the outside one", Cycle::C13, 0x0E8C),
+
+    {.offset = 0x28C0,
+     .type = Stored::F64,
+     .name = "air_density",
+     .meaning = "air density",
+     .unit = "slug/ft3",
+     .cycle = Cycle::C59,
+     .source = FloatAt(0x28C0),
+     .factor = 0.00194032},
+
+    {.offset = 0x0F48,
+     .type = Stored::U16,
+     .name = "qnh",
+     .meaning = "sea-level pressure, settable",
+     .unit = "mb",
+     .unitScale = 1.0 / 16,
+     .cycle = Cycle::C313,
+     .source = FloatAt(0x0F48),
+     .factor = seaLevelUnits,
+     .write = {.target = FloatAt(0x0F48), .factor = 0.0625 * 0.02953},
+     .lossy = "0.02953 inches a millibar: reads back 0.011 % lower"},
+    {.offset = 0x0EC6,
+     .type = Stored::U16,
+     .name = "sea_level_pressure",
+     .meaning = "sea-level pressure",
+     .unit = "mb",
+     .unitScale = 1.0 / 16,
+     .cycle = Cycle::C313,
+     .source = FloatAt(0x0F48),
+     .factor = seaLevelUnits},
+    {.offset = 0x34A0,
+     .type = Stored::F64,
+     .name = "sea_level_pressure_exact",
+     .meaning = "sea-level pressure, unrounded",
+     .unit = "mb",
+     .cycle = Cycle::C313,
+     .source = FloatAt(0x0F48),
+     .factor = 33.86},
+    Temperature(0x0EC0, "sea_level_temperature", "sea-level temperature", Cycle::C313, 0x0EC0),
+    Temperature(0x04C8, "dew_point", "dew point", Cycle::C313, 0x04C8),
+
+    {.offset = 0x04D4,
+     .type = Stored::S16,
+     .name = "dew_point_set",
+     .meaning = "dew point control",
+     .unit = "degC",
+     .unitScale = 1 / celsiusUnits,
+     .write = {.target = FloatAt(0x04D4), .factor = 1 / celsiusUnits}},
+};
+
+}  // namespace
+
+const RowTable airRows = {"Air", rows};

@@ -1,0 +1,152 @@
+// Visibility, precipitation, clouds. Three cloud layers: 0 low, 1 middle, 2 high.
+#include <algorithm>
+#include <array>
+
+#include "bridge/catalogue.h"
+
+namespace {
+
+constexpr double metresPerMile = 1609.344;
+constexpr int cloudTypes = 5;  // clear, cirrus, scattered, broken, overcast, stratus
+
+constexpr Source rain = FloatAt(0x04CB);
+constexpr Source seaLevelTemperature = FloatAt(0x04CC);
+
+// --- Precipitation -------------------------------------------------------------------------------------
+double RateOfRain(double share) {
+  constexpr double thresholds[] = {0.16, 0.33, 0.5, 0.67, 0.84};
+  int rate = 0;
+  for (double threshold : thresholds) rate += share > threshold;
+  return rate;
+}
+double KindOfPrecipitation(double seaLevelCelsius) { return seaLevelCelsius > 0 ? 1 : 2; }
+
+// Low byte rate 0-5, high byte kind. The kind is not a dataref: what falls follows from the temperature,
+// which is moved across the freezing point where needed, and no rain falls from a clear sky.
+void ApplyPrecipitation(const OffsetRow&, const Staged& staged) {
+  constexpr int rainKind = 1, snowKind = 2;
+  constexpr double perRate = 0.17;  // just above the threshold at which the same rate reads back
+  constexpr double overcast = 4;
+  const int rate = std::min(static_cast<int>(staged.integer & 0xFF), 5);
+  const int kind = static_cast<int>(staged.integer >> 8);
+  SetSource(rain, kind == 0 ? 0 : rate * perRate);
+  if (rate == 0 || kind == 0) return;
+  SetSource(IntAt(0x0EA6), overcast);
+  const double present = ReadSource(seaLevelTemperature);
+  if (kind == rainKind && present <= 0) SetSource(seaLevelTemperature, 1);
+  if (kind == snowKind && present > 0) SetSource(seaLevelTemperature, -1);
+}
+
+// --- Layers --------------------------------------------------------------------------------------------
+struct LayerPlaces {
+  uint32_t base, tops, type;
+  const char* layer[3];  // what base, tops and type mean
+};
+constexpr LayerPlaces layers[3] = {
+    {0x0EA4, 0x0EA2, 0x0EA6, {"low cloud base", "low cloud tops", "low cloud type"}},
+    {0x6F11, 0x6F0F, 0x6F13, {"middle cloud base", "middle cloud tops", "middle cloud type"}},
+    {0x0E9C, 0x0E9A, 0x0E9E, {"high cloud base", "high cloud tops", "high cloud type"}},
+};
+
+// The middle layer has a coverage beside its type; both take the same number.
+void ApplyMiddleType(const OffsetRow& row, const Staged& staged) {
+  const double type = std::min(staged.number, static_cast<double>(cloudTypes));
+  SetSource(row.source, type);
+  SetSource(AuxFloatAt(row.offset), type);
+}
+
+constexpr OffsetRow Height(uint32_t offset, const char* name, int member, const char* meaning) {
+  return {.offset = offset,
+          .type = Stored::U16,
+          .name = name,
+          .member = member,
+          .meaning = meaning,
+          .unit = "m",
+          .cycle = Cycle::C59,
+          .source = FloatAt(offset),
+          .write = {.target = FloatAt(offset)}};
+}
+
+constexpr std::array<OffsetRow, 3> LayerRows(int layer) {
+  const LayerPlaces& at = layers[layer];
+  OffsetRow type = {.offset = at.type,
+                    .type = Stored::U16,
+                    .name = "cloud_type",
+                    .member = layer + 1,
+                    .meaning = at.layer[2],
+                    .cycle = Cycle::C59,
+                    .source = IntAt(at.type),
+                    .write = {.target = IntAt(at.type), .high = cloudTypes},
+                    .lossy = "above 5 counts as 5",
+                    .note = "0 clear, 1 cirrus, 2 scattered, 3 broken, 4 overcast, 5 stratus"};
+  if (layer == 1) type.write = {.apply = ApplyMiddleType};
+  return {Height(at.base, "cloud_base", layer + 1, at.layer[0]),
+          Height(at.tops, "cloud_tops", layer + 1, at.layer[1]), type};
+}
+
+constexpr OffsetRow otherRows[] = {
+    {.offset = 0x04CB,
+     .type = Stored::U8,
+     .name = "precipitation_rate",
+     .meaning = "precipitation rate, 0 to 5",
+     .cycle = Cycle::C313,
+     .source = rain,
+     .convert = RateOfRain},
+    {.offset = 0x04CC,
+     .type = Stored::U8,
+     .name = "precipitation_kind",
+     .meaning = "precipitation kind: 1 rain, 2 snow",
+     .cycle = Cycle::C313,
+     .source = seaLevelTemperature,
+     .convert = KindOfPrecipitation,
+     .note = "tells what would fall; look at the rate first"},
+    {.offset = 0x04D2,
+     .type = Stored::U16,
+     .name = "precipitation_set",
+     .meaning = "precipitation control",
+     .show = Show::Bits,
+     .write = {.apply = ApplyPrecipitation},
+     .note = "low byte rate 0 to 5, high byte kind: 0 none, 1 rain, 2 snow"},
+
+    {.offset = 0x0E8A,
+     .type = Stored::U16,
+     .name = "visibility",
+     .meaning = "visibility",
+     .unit = "mi",
+     .unitScale = 0.01,
+     .cycle = Cycle::C59,
+     .source = FloatAt(0x0E8A),
+     .factor = 100 / metresPerMile,
+     .write = {.target = FloatAt(0x0E8A), .factor = metresPerMile / 100}},
+    {.offset = 0x6DAF,
+     .type = Stored::U8,
+     .name = "thunderstorm",
+     .meaning = "thunderstorms",
+     .unit = "%",
+     .cycle = Cycle::C59,
+     .source = FloatAt(0x6DAF),
+     .factor = 100,
+     .write = {.target = FloatAt(0x6DAF), .factor = 0.01}},
+    {.offset = 0x6F15,
+     .type = Stored::U8,
+     .name = "real_weather",
+     .meaning = "real weather in use",
+     .show = Show::Flag,
+     .cycle = Cycle::C59,
+     .source = IntAt(0x6F15),
+     .write = {.target = IntAt(0x6F15)}},
+};
+
+constexpr auto rows = [] {
+  std::array<OffsetRow, std::size(otherRows) + 9> all = {};
+  auto end = std::copy(std::begin(otherRows), std::end(otherRows), all.begin());
+  for (int layer = 0; layer < 3; ++layer) {
+    const auto layerRows = LayerRows(layer);
+    end = std::copy(layerRows.begin(), layerRows.end(), end);
+  }
+  return all;
+}();
+
+}  // namespace
+
+const RowTable cloudRows = {"Visibility, precipitation, clouds", rows};

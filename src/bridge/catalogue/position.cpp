@@ -1,0 +1,107 @@
+// Position, attitude, ground and altimeter. Writers run in this order: position before attitude.
+#include <cmath>
+
+#include "bridge/catalogue.h"
+#include "bridge/catalogue/reposition.h"
+
+namespace {
+
+constexpr double twoTo32 = 4294967296.0;
+constexpr double twoTo64 = twoTo32 * twoTo32;
+constexpr double latitudeUnits = 10001750.0;  // metres from the equator to a pole
+
+// In this order of operations 90 degrees is exact.
+double LatitudeWord(double degrees) { return degrees * latitudeUnits / 90 * twoTo32; }
+
+// The antimeridian is stored as -180: +180 does not fit, and both are the same line.
+double LongitudeWord(double degrees) {
+  const double word = degrees * twoTo64 / 360;
+  return word >= twoTo64 / 2 ? word - twoTo64 : word;
+}
+
+// The whole metres are the upper half of the fine altitude: below the sea they are one less, not truncated.
+double WholeMetres(double metres) { return std::floor(std::trunc(metres * twoTo32) / twoTo32); }
+
+// A full turn starts again at 0.
+double HeadingWord(double degrees) {
+  if (degrees < 0) degrees += 360;
+  return std::fmod(std::trunc(degrees * (twoTo32 / 360)), twoTo32);
+}
+
+// Height of the ground above the sea, metres. The first of the two rows asks the simulator, the second,
+// which follows it, stores the same height in its own unit.
+double groundMetres = 0;
+
+int ReadGroundFine(const OffsetRow&, double* value) {
+  groundMetres = ReadSource(DoubleAt(0x0020)) - ReadSource(FloatAt(0x31E4));
+  *value = groundMetres * 256;
+  return 1;
+}
+
+int ReadGroundMetres(const OffsetRow&, double* value) {
+  *value = groundMetres;
+  return 1;
+}
+
+// Clients choose the altimeter's unit by the word at 0x0C18: 2 is metres.
+int ReadAltimeter(const OffsetRow&, double* value) {
+  uint16_t unit = 0;
+  if (!TryCopyFromMemory(0x0C18, sizeof(unit), &unit)) return 0;
+  const double feet = ReadSource(FloatAt(0x3324));
+  *value = unit == 2 ? feet * 0.3048 : feet;
+  return 1;
+}
+
+constexpr OffsetRow rows[] = {
+    {.offset = 0x0558, .type = Stored::U32, .meaning = "opens a repositioning: forgets the last one",
+     .write = {.apply = ClearReposition}},
+    {.offset = 0x0560, .type = Stored::S64, .name = "latitude", .meaning = "latitude, positive north",
+     .unit = "deg", .unitScale = 90 / (latitudeUnits * twoTo32), .cycle = Cycle::C1,
+     .source = DoubleAt(0x0560), .convert = LatitudeWord, .write = {.group = ApplyPosition},
+     .note = "degrees x 10001750 x 2^32 / 90; moves the aircraft, with what else of the position is written"},
+    {.offset = 0x0568, .type = Stored::S64, .name = "longitude", .meaning = "longitude, positive east",
+     .unit = "deg", .unitScale = 360 / twoTo64, .cycle = Cycle::C1, .source = DoubleAt(0x0568),
+     .convert = LongitudeWord, .write = {.group = ApplyPosition},
+     .note = "degrees x 2^64 / 360; +180 is stored as -180"},
+    {.offset = 0x0570, .type = Stored::S64, .name = "altitude", .meaning = "altitude above the sea",
+     .unit = "m", .unitScale = 1 / twoTo32, .cycle = Cycle::C1, .source = DoubleAt(0x0570),
+     .factor = twoTo32, .write = {.group = ApplyPosition},
+     .note = "metres x 2^32; four bytes written here change the fraction of a metre only"},
+    {.offset = 0x0574, .type = Stored::S32, .name = "altitude_m",
+     .meaning = "altitude above the sea, whole metres", .unit = "m", .cycle = Cycle::C1,
+     .source = DoubleAt(0x0570), .convert = WholeMetres, .write = {.group = ApplyPosition},
+     .note = "upper half of the fine altitude; written alone it means exactly that many metres"},
+    {.offset = 0x0578, .type = Stored::S32, .name = "pitch", .meaning = "pitch, positive nose down",
+     .unit = "deg", .unitScale = 360 / twoTo32, .cycle = Cycle::C1, .source = FloatAt(0x0578),
+     .factor = -(twoTo32 / 360), .write = {.group = ApplyAttitude}},
+    {.offset = 0x2F70, .type = Stored::F64, .name = "indicator_pitch",
+     .meaning = "attitude indicator pitch, positive nose down", .unit = "deg", .cycle = Cycle::C1,
+     .source = FloatAt(0x0578), .factor = -1},
+    {.offset = 0x057C, .type = Stored::S32, .name = "bank", .meaning = "bank, positive left wing down",
+     .unit = "deg", .unitScale = 360 / twoTo32, .cycle = Cycle::C1, .source = FloatAt(0x057C),
+     .factor = -(twoTo32 / 360), .write = {.group = ApplyAttitude}},
+    {.offset = 0x2F78, .type = Stored::F64, .name = "indicator_bank",
+     .meaning = "attitude indicator bank, positive left wing down", .unit = "deg", .cycle = Cycle::C1,
+     .source = FloatAt(0x057C), .factor = -1},
+    {.offset = 0x0580, .type = Stored::U32, .name = "heading", .meaning = "true heading", .unit = "deg",
+     .unitScale = 360 / twoTo32, .cycle = Cycle::C1, .source = FloatAt(0x0580), .convert = HeadingWord,
+     .write = {.group = ApplyAttitude}},
+    {.offset = 0x0020, .type = Stored::S32, .name = "ground_altitude",
+     .meaning = "height of the ground above the sea", .unit = "m", .unitScale = 1.0 / 256,
+     .cycle = Cycle::C1, .read = ReadGroundFine},
+    {.offset = 0x0B4C, .type = Stored::S16, .name = "ground_altitude_m",
+     .meaning = "height of the ground above the sea, whole metres", .unit = "m", .cycle = Cycle::C1,
+     .read = ReadGroundMetres},
+    {.offset = 0x31E4, .type = Stored::S32, .name = "radio_altitude", .meaning = "height above the ground",
+     .unit = "m", .unitScale = 1.0 / 65536, .cycle = Cycle::C1, .source = FloatAt(0x31E4), .factor = 65536},
+    {.offset = 0x3324, .type = Stored::S32, .name = "altimeter", .meaning = "altimeter reading",
+     .unit = "ft", .cycle = Cycle::C1, .read = ReadAltimeter,
+     .note = "metres while the word at 0x0C18 is 2"},
+    {.offset = 0x02A0, .type = Stored::S16, .name = "magnetic_variation",
+     .meaning = "magnetic variation, positive east", .unit = "deg", .unitScale = 360.0 / 65536,
+     .cycle = Cycle::C313, .source = FloatAt(0x02A0), .factor = -(65536.0 / 360)},
+};
+
+}  // namespace
+
+const RowTable positionRows = {"Position and attitude", rows};

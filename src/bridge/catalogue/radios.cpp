@@ -1,0 +1,189 @@
+// Radio frequencies, transponder and audio panel. Frequencies are four BCD digits; the leading 1 of COM and
+// NAV frequencies is dropped (123.45 MHz is 0x2345).
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "bridge/catalogue.h"
+#include "bridge/stations.h"
+
+namespace {
+
+// Frequencies of 100 MHz and above count from here, in tens of kilohertz.
+constexpr int droppedDigit = 10000;
+
+double ToBcd(double value) {
+  int rest = std::isnan(value) ? 0 : static_cast<int>(std::clamp(value, 0.0, 9999.0));
+  int digits = 0;
+  for (int shift = 0; shift < 16; shift += 4, rest /= 10) digits |= (rest % 10) << shift;
+  return digits;
+}
+
+// A digit above 9 makes the whole word void: NaN is set nowhere.
+double FromBcd(double word) {
+  const int digits = static_cast<int>(word);
+  int value = 0;
+  for (int shift = 12; shift >= 0; shift -= 4) {
+    const int digit = (digits >> shift) & 0xF;
+    if (digit > 9) return std::numeric_limits<double>::quiet_NaN();
+    value = value * 10 + digit;
+  }
+  return value;
+}
+
+double FrequencyToBcd(double tensOfKilohertz) { return ToBcd(tensOfKilohertz - droppedDigit); }
+double FrequencyFromBcd(double word) { return droppedDigit + FromBcd(word); }
+
+// The tuned frequencies come from the values with which this cycle looked the stations up.
+int ReadNavFrequency(const OffsetRow& row, double* value) {
+  *value = FrequencyToBcd(navRadios[row.member - 1].frequency);
+  return 1;
+}
+int ReadAdfFrequency(const OffsetRow& row, double* value) {
+  *value = ToBcd(adfRadios[row.member - 1].frequency);
+  return 1;
+}
+
+constexpr OffsetRow Frequency(uint32_t offset, const char* name, int member, const char* meaning, Cycle cycle) {
+  return {.offset = offset,
+          .type = Stored::U16,
+          .name = name,
+          .member = member,
+          .meaning = meaning,
+          .unit = "MHz",
+          .show = Show::Bcd,
+          .cycle = cycle,
+          .source = IntAt(offset),
+          .convert = FrequencyToBcd,
+          .write = {.target = IntAt(offset), .convert = FrequencyFromBcd},
+          .note = "leading 1 dropped; steps of 10 kHz; a word with a digit above 9 is ignored"};
+}
+constexpr OffsetRow NavFrequency(uint32_t offset, int member, Cycle cycle) {
+  OffsetRow row = Frequency(offset, "nav", member, "NAV frequency", cycle);
+  row.source = {};
+  row.convert = nullptr;
+  row.read = ReadNavFrequency;
+  return row;
+}
+constexpr OffsetRow AdfFrequency(uint32_t offset, int member, Cycle cycle) {
+  return {.offset = offset,
+          .type = Stored::U16,
+          .name = "adf",
+          .member = member,
+          .meaning = "ADF frequency",
+          .unit = "kHz",
+          .show = Show::Bcd,
+          .cycle = cycle,
+          .read = ReadAdfFrequency,
+          .write = {.target = IntAt(offset), .convert = FromBcd},
+          .note = "whole kilohertz, all four digits; a word with a digit above 9 is ignored"};
+}
+
+// --- Audio panel ---------------------------------------------------------------------------------------
+struct AudioBit {
+  int mask;
+  Source selector;
+};
+constexpr int com1Bit = 0x80, com2Bit = 0x40, bothComBit = 0x20;
+constexpr AudioBit audioBits[] = {
+    {com1Bit, AuxIntAt(0x3129)}, {com2Bit, AuxIntAt(0x3128)}, {0x10, AuxIntAt(0x3126)},
+    {0x08, AuxIntAt(0x3125)},    {0x04, AuxIntAt(0x3124)},    {0x02, AuxIntAt(0x3123)},
+    {0x01, AuxIntAt(0x3122)},
+};
+
+int ReadAudio(const OffsetRow&, double* value) {
+  int panel = 0;
+  for (const AudioBit& bit : audioBits) {
+    if (IsOn(bit.selector)) panel |= bit.mask;
+  }
+  if ((panel & com1Bit) != 0 && (panel & com2Bit) != 0) panel |= bothComBit;
+  *value = panel;
+  return 1;
+}
+
+void ApplyAudio(const OffsetRow&, const Staged& staged) {
+  int panel = static_cast<int>(staged.integer);
+  if ((panel & bothComBit) != 0) panel |= com1Bit | com2Bit;
+  for (const AudioBit& bit : audioBits) SetSource(bit.selector, (panel & bit.mask) != 0);
+}
+
+// --- Exchange of active and standby --------------------------------------------------------------------
+struct Exchange {
+  int mask;
+  Source active, standby;
+};
+constexpr Exchange exchanges[] = {
+    {0x01, IntAt(0x0352), IntAt(0x3120)},  // NAV2
+    {0x02, IntAt(0x0350), IntAt(0x311E)},  // NAV1
+    {0x08, IntAt(0x034E), IntAt(0x311A)},  // COM1
+    {0x04, IntAt(0x3118), IntAt(0x311C)},  // COM2
+};
+
+void ApplyExchange(const OffsetRow& row, const Staged& staged) {
+  for (const Exchange& exchange : exchanges) {
+    if ((staged.integer & exchange.mask) == 0) continue;
+    // Half an exchange would leave 0 in the other window.
+    if (HandleOf(exchange.active) == nullptr || HandleOf(exchange.standby) == nullptr) continue;
+    const double active = ReadSource(exchange.active);
+    const double standby = ReadSource(exchange.standby);
+    SetSource(exchange.active, standby);
+    SetSource(exchange.standby, active);
+  }
+  // Taken: else the same exchange could not be asked for a second time.
+  const uint8_t none = 0;
+  CopyToMemory(row.offset, 1, &none);
+}
+
+constexpr OffsetRow rows[] = {
+    {.offset = 0x3122,
+     .type = Stored::U8,
+     .name = "audio_panel",
+     .meaning = "audio panel",
+     .show = Show::Bits,
+     .cycle = Cycle::C3,
+     .read = ReadAudio,
+     .write = {.apply = ApplyAudio},
+     .note = "bit 7 COM1, 6 COM2, 5 both COM, 4 NAV1, 3 NAV2, 2 markers, 1 DME, 0 ADF1"},
+
+    Frequency(0x034E, "com", 1, "COM1 frequency", Cycle::C31Navigation),
+    Frequency(0x311A, "com_standby", 1, "COM1 standby frequency", Cycle::C31Navigation),
+    NavFrequency(0x0350, 1, Cycle::C31Navigation),
+    Frequency(0x311E, "nav_standby", 1, "NAV1 standby frequency", Cycle::C31Navigation),
+    AdfFrequency(0x034C, 1, Cycle::C31Navigation),
+
+    Frequency(0x3118, "com", 2, "COM2 frequency", Cycle::C31),
+    Frequency(0x311C, "com_standby", 2, "COM2 standby frequency", Cycle::C31),
+    NavFrequency(0x0352, 2, Cycle::C31),
+    Frequency(0x3120, "nav_standby", 2, "NAV2 standby frequency", Cycle::C31),
+    AdfFrequency(0x02D4, 2, Cycle::C31),
+    {.offset = 0x0354,
+     .type = Stored::U16,
+     .name = "transponder",
+     .meaning = "transponder code",
+     .show = Show::Bcd,
+     .cycle = Cycle::C31,
+     .source = IntAt(0x0354),
+     .convert = ToBcd,
+     .write = {.target = IntAt(0x0354), .convert = FromBcd},
+     .note = "a word with a digit above 9 is ignored"},
+    {.offset = 0x6D8C,
+     .type = Stored::U8,
+     .name = "transponder_mode",
+     .meaning = "transponder mode: 0 off, 1 standby, 2 on, 3 test",
+     .cycle = Cycle::C31,
+     .source = IntAt(0x6D8C),
+     .write = {.target = IntAt(0x6D8C)}},
+
+    {.offset = 0x3123,
+     .type = Stored::U8,
+     .name = "radio_exchange",
+     .meaning = "exchange active and standby frequency",
+     .show = Show::Bits,
+     .write = {.apply = ApplyExchange},
+     .lossy = "a request: set back to 0 once taken",
+     .note = "bit 3 COM1, 2 COM2, 1 NAV1, 0 NAV2"},
+};
+
+}  // namespace
+
+const RowTable radioRows = {"Radios", rows};

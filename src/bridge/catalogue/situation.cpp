@@ -1,0 +1,72 @@
+// Situation and movie files: a client writes the file's name, then the command.
+#include <algorithm>
+#include <cstring>
+
+#include "XPLMUtilities.h"
+#include "bridge/catalogue.h"
+
+namespace {
+
+constexpr uint32_t nameOffset = 0x3F04;
+constexpr uint32_t nameSize = 252;
+constexpr uint32_t loadCountOffset = 0x3F02;
+
+// Whether the name that was written last is that of a situation.
+int nameIsSituation = 0;
+
+// Cuts the name at its first zero byte and clears what is left of an older, longer one.
+void ApplyName(const OffsetRow&, const Staged& staged) {
+  char name[nameSize] = {};
+  const size_t width = std::min<size_t>(staged.width, nameSize - 1);
+  const void* end = std::memchr(staged.bytes, 0, width);
+  const size_t length =
+      end == nullptr ? width : static_cast<size_t>(static_cast<const uint8_t*>(end) - staged.bytes);
+  std::memcpy(name, staged.bytes, length);
+  nameIsSituation = std::strstr(name, ".sit") != nullptr;
+  CopyToMemory(nameOffset, nameSize, name);
+}
+
+void ApplyCommand(const OffsetRow&, const Staged& staged) {
+  char name[nameSize];
+  CopyFromMemory(nameOffset, nameSize, name);
+  name[nameSize - 1] = 0;
+  XPLMDataFileType kind = 0;
+  if (nameIsSituation && std::strstr(name, ".sit") != nullptr) kind = xplm_DataFile_Situation;
+  if (!nameIsSituation && std::strstr(name, ".smo") != nullptr) kind = xplm_DataFile_ReplayMovie;
+  if (kind == 0) return;
+  if (staged.integer != 0) {
+    XPLMSaveDataFile(kind, name);
+    return;
+  }
+  if (XPLMLoadDataFile(kind, name) == 0) return;
+  uint16_t count = 0;
+  CopyFromMemory(loadCountOffset, sizeof count, &count);
+  ++count;
+  CopyToMemory(loadCountOffset, sizeof count, &count);
+}
+
+// The name stands before the command, so that a client may stage both for the same frame.
+constexpr OffsetRow rows[] = {
+    {.offset = nameOffset,
+     .type = Stored::Text,
+     .length = nameSize,
+     .name = "situation_file",
+     .meaning = "name of a situation (.sit) or movie (.smo) file",
+     .show = Show::Text,
+     .write = {.apply = ApplyName},
+     .note = "relative to the simulator's folder; at most 251 characters"},
+    {.offset = 0x3F00,
+     .type = Stored::U16,
+     .name = "situation_command",
+     .meaning = "0 loads, another value saves the file at 0x3F04",
+     .write = {.apply = ApplyCommand},
+     .note = "taken at every write, also of the value that stands there; send the name in a record of its own"},
+    {.offset = loadCountOffset,
+     .type = Stored::U16,
+     .name = "situation_loads",
+     .meaning = "files loaded so far"},
+};
+
+}  // namespace
+
+const RowTable situationRows = {"Situation files", rows};

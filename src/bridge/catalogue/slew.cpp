@@ -1,0 +1,87 @@
+#include "bridge/catalogue/slew.h"
+
+#include "bridge/catalogue.h"
+
+int pushbackMode = 3;
+
+namespace {
+
+constexpr Source localX = AuxDoubleAt(0x0560), localZ = AuxDoubleAt(0x0570);
+constexpr Source planePathOverride = AuxIntElementAt(0x0084, 0);  // element 0: the user's aircraft
+
+int slewing = 0;
+int frozen = 0;
+int pathTaken = 0;  // 1: the override is on because we set it
+double frozenX = 0, frozenZ = 0;
+
+void UpdatePlanePath() {
+  const int wanted = slewing || frozen;
+  if (wanted == pathTaken) return;
+  SetSource(planePathOverride, wanted);
+  pathTaken = wanted;
+}
+
+void WriteSlew(const OffsetRow&, const Staged& staged) {
+  slewing = staged.integer != 0;
+  UpdatePlanePath();
+}
+
+int ReadFreeze(const OffsetRow&, double* value) {
+  *value = frozen;
+  return 1;
+}
+
+void WriteFreeze(const OffsetRow&, const Staged& staged) {
+  frozen = staged.integer != 0;
+  if (frozen) {
+    frozenX = ReadSource(localX);
+    frozenZ = ReadSource(localZ);
+  }
+  UpdatePlanePath();
+}
+
+int ReadPushback(const OffsetRow&, double* value) {
+  *value = pushbackMode;
+  return 1;
+}
+
+constexpr OffsetRow rows[] = {
+    {.offset = 0x05DC, .type = Stored::U16, .name = "slew", .meaning = "slew mode", .show = Show::Flag,
+     .write = {.apply = WriteSlew}, .note = "not refreshed: holds what the last client wrote"},
+    {.offset = 0x3541, .type = Stored::U8, .name = "position_freeze",
+     .meaning = "holds the place over ground; height and attitude stay free", .show = Show::Flag,
+     .cycle = Cycle::C1, .read = ReadFreeze, .write = {.apply = WriteFreeze},
+     .note = "any changed value but 0 takes the place of that moment; reads back as 1"},
+    {.offset = 0x31F0, .type = Stored::U32, .name = "pushback_state",
+     .meaning = "pushback: 0 straight, 1 and 2 turning, 3 off", .cycle = Cycle::C31Navigation,
+     .read = ReadPushback},
+    {.offset = 0x31F4, .type = Stored::U32, .name = "pushback",
+     .meaning = "pushback command: 0 straight, 1 tail to the left, 2 tail to the right, 3 stop",
+     .cycle = Cycle::C31Navigation, .read = ReadPushback, .write = {.staged = true},
+     .note = "shows the pushback state again after a stop, so that the next command differs"},
+};
+
+}  // namespace
+
+const RowTable slewRows = {"Slew, freeze, pushback", rows};
+
+void SlewStep() {
+  if (!frozen) return;
+  if (ReadSource(localX) == frozenX && ReadSource(localZ) == frozenZ) return;
+  SetSource(localX, frozenX);
+  SetSource(localZ, frozenZ);
+}
+
+void MoveFreeze(double x, double z) {
+  frozenX = x;
+  frozenZ = z;
+}
+
+void ClearSlew() {
+  slewing = 0;
+  frozen = 0;
+  UpdatePlanePath();
+  const uint8_t off[2] = {};
+  CopyToMemory(0x05DC, 2, off);
+  CopyToMemory(0x3541, 1, off);
+}

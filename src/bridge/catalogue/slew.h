@@ -1,0 +1,16 @@
+// Slew mode, position freeze and the pushback words.
+//
+// While slew or freeze is on, the simulator's own flight path is switched off (its path override). The
+// freeze holds the place over ground only: height and attitude stay free. Simulator's thread, no lock held.
+#pragma once
+
+// Pushback as clients see it: 0 straight, 1 and 2 turning, 3 off.
+extern int pushbackMode;
+
+// Every frame: puts a frozen aircraft back to its place when it has moved.
+void SlewStep();
+// A client moved the frozen aircraft itself: the new place (local metres) is the one to hold from now on.
+void MoveFreeze(double x, double z);
+// Ends slew and freeze, gives the flight path back when we have taken it, and stores 0 at both offsets so
+// that the next 1 is taken again. At disable, while the locks still exist.
+void ClearSlew();

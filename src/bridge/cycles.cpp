@@ -1,0 +1,161 @@
+#include "bridge/cycles.h"
+
+#include "aircraft/adapters.h"
+#include "bridge/reader_groups.h"
+#include "bridge/slew.h"
+#include "bridge/stations.h"
+#include "bridge/weather_area.h"
+#include "bridge/writer_list.h"
+#include "offsets/dispatcher.h"
+#include "settings/settings.h"
+#include "shell/log.h"
+
+int crashCountdown = -1;
+int navigationPending;
+int aircraftChanged;
+OverrideState overrideState;
+MultiplayerProbe multiplayerProbe;
+int joystickButtons[maxJoystickButtons];
+int joystickButtonCount;
+
+namespace {
+
+constexpr Source runningTime = AuxFloatAt(0x0100);
+constexpr uint32_t crashOffset = 0x0840;
+constexpr Source overrides[4] = {AuxIntAt(0x0020), AuxIntAt(0x0021), AuxIntAt(0x0022), AuxIntAt(0x0023)};
+
+uint16_t crashWord;
+bool crashWordDue;  // not stored yet: the lock was busy
+
+// Saves ATC texts that a client has written: the settings file is written by this thread alone.
+void SaveAtcTexts() {
+  const uint32_t changed = atcTexts.changed.exchange(0);
+  if (changed == 0) return;
+  char number[atcTextSize + 1];
+  char tailNumber[atcTextSize + 1];
+  {
+    LockScope lock(&offsetLock);
+    std::memcpy(number, atcTexts.number, sizeof number);
+    std::memcpy(tailNumber, atcTexts.tailNumber, sizeof tailNumber);
+  }
+  constexpr char section[] = "TAVRIX ATC SETTINGS";
+  if ((changed & 1) != 0) {
+    std::memcpy(settings.atcNumber, number, sizeof number);
+    WriteSetting(section, "ATC Number", number);
+  }
+  if ((changed & 2) != 0) {
+    std::memcpy(settings.atcTailNumber, tailNumber, sizeof tailNumber);
+    WriteSetting(section, "ATC Tail Number", tailNumber);
+  }
+}
+
+void StoreCrashWord() {
+  if (TryEnterLock(&offsetLock) == 0) return;  // again at the next call
+  Store<uint16_t>(crashOffset, crashWord);
+  NoteMemoryChanged();
+  LeaveLock(&offsetLock);
+  crashWordDue = false;
+}
+
+}  // namespace
+
+int BuildCycles() {
+  BuildReaders();
+  BuildWriters();
+  return 1;
+}
+
+float WriteCycle(float, float, int, void*) {
+  PublishRunningTime(static_cast<float>(ReadSource(runningTime)));
+  RunWriters();
+  ApplyWeatherArea();
+  SlewStep();
+  if (atcTexts.changed.load(std::memory_order_relaxed) != 0) SaveAtcTexts();
+  return -1;
+}
+
+float RefreshCycle1(float, float, int, void*) {
+  RunReaders(Cycle::C1);
+  return -1;
+}
+
+float RefreshCycle3(float, float, int, void*) {
+  RunReaders(Cycle::C3);
+  return -3;
+}
+
+float RefreshCycle7(float, float, int, void*) {
+  RunReaders(Cycle::C7);
+  return -7;
+}
+
+float RefreshCycle13(float, float, int, void*) {
+  RunReaders(Cycle::C13);
+  return -13;
+}
+
+float RefreshCycle31Navigation(float, float, int, void*) {
+  TuneStations();
+  RunReaders(Cycle::C31Navigation);
+  // The radios of a new aircraft settle late: they are read again half a second later.
+  if (navigationPending != 0) {
+    navigationPending = 0;
+    return 0.5F;
+  }
+  return -31;
+}
+
+float RefreshCycle31(float, float, int, void*) {
+  RunReaders(Cycle::C31);
+  return -31;
+}
+
+float RefreshCycle59(float, float, int, void*) {
+  RunReaders(Cycle::C59);
+  RunEc135Adapter();
+  return -59;
+}
+
+float RefreshCycle157(float, float, int, void*) {
+  RunReaders(Cycle::C157);
+  return -157;
+}
+
+float RefreshCycle313(float, float, int, void*) {
+  RunReaders(Cycle::C313);
+  aircraftChanged = 0;
+  RecogniseAircraft();
+  return -313;
+}
+
+float OverrideWatch(float, float, int, void*) {
+  overrideState = {IsOn(overrides[0]), IsOn(overrides[1]), IsOn(overrides[2]), IsOn(overrides[3])};
+  if (crashCountdown > 0 && --crashCountdown == 0) {
+    crashCountdown = -1;
+    crashWord = 0;
+    crashWordDue = true;
+  }
+  if (crashWordDue) StoreCrashWord();
+  return 1.0F;
+}
+
+float ButtonCycle(float, float, int, void*) {
+  XPLMDataRef buttons = AuxDataRefMemBlock[0x010B];
+  joystickButtonCount =
+      buttons == nullptr ? 0 : XPLMGetDatavi(buttons, joystickButtons, 0, maxJoystickButtons);
+  return -1;
+}
+
+float MultiplayerCycle(float, float, int, void*) {
+  multiplayerProbe = {ReadSource(DoubleAt(0xF088)), ReadSource(DoubleAt(0x0560)), ReadSource(DoubleAt(0x0568))};
+  return 0.1F;
+}
+
+void SetCrashed() {
+  crashWord = 1;
+  crashCountdown = 5;
+  LockScope lock(&offsetLock);
+  Store<uint16_t>(crashOffset, crashWord);
+  NoteMemoryChanged();
+  crashWordDue = false;
+}

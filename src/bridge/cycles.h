@@ -1,0 +1,62 @@
+// Refresh cycles and write cycle: the flight loops that keep the offset memory current and apply what
+// clients wrote. All of it runs on the simulator's thread.
+//
+// A reader serves a tight group of rows: it reads the simulator with no lock held, converts, and then only
+// tries the offset lock to store; when the lock is busy the values are dropped until its next run. A writer
+// enters the lock only to take its staged value and calls the simulator after leaving it.
+#pragma once
+#include <cstdint>
+
+#include "bridge/catalogue.h"
+
+// Derives readers, writers and dispatch widths from the catalogue. At start, after the look-ups. Returns 1.
+int BuildCycles();
+
+// Flight-loop callbacks, with the simulator's signature; each returns its next interval.
+float WriteCycle(float, float, int, void*);
+float RefreshCycle1(float, float, int, void*);
+float RefreshCycle3(float, float, int, void*);
+float RefreshCycle7(float, float, int, void*);
+float RefreshCycle13(float, float, int, void*);
+float RefreshCycle31Navigation(float, float, int, void*);
+float RefreshCycle31(float, float, int, void*);
+float RefreshCycle59(float, float, int, void*);
+float RefreshCycle157(float, float, int, void*);
+float RefreshCycle313(float, float, int, void*);
+float OverrideWatch(float, float, int, void*);
+float ButtonCycle(float, float, int, void*);
+float MultiplayerCycle(float, float, int, void*);
+
+// Runs the readers of one cycle once (the callbacks above call it; benchmarks and tests too).
+void RunReaders(Cycle cycle);
+// Runs all writers once, in their fixed order.
+void RunWriters();
+
+// Counters of refreshes that were stored and of those dropped because the lock was busy.
+struct RefreshCounters {
+  uint64_t stored, dropped;
+};
+extern RefreshCounters refreshCounters;
+
+// The crash word at 0x0840: set by the simulator's crash message, cleared after `crashCountdown` calls of
+// the override watch.
+extern int crashCountdown;
+void SetCrashed();
+// The four override switches of the axes as the watch saw them last (pitch, roll, heading, throttles).
+struct OverrideState {
+  int pitch, roll, heading, throttles;
+};
+extern OverrideState overrideState;
+// First other aircraft's longitude and the own position, as the multiplayer position cycle read them.
+struct MultiplayerProbe {
+  double otherLongitude, ownLatitude, ownLongitude;
+};
+extern MultiplayerProbe multiplayerProbe;
+// Joystick buttons as the button cycle read them; older simulators have fewer than the newest.
+constexpr int maxJoystickButtons = 1600;
+extern int joystickButtons[maxJoystickButtons];
+extern int joystickButtonCount;
+
+// The user's aircraft was loaded: consumed by the navigation cycle and the aircraft readers.
+extern int navigationPending;
+extern int aircraftChanged;

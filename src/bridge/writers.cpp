@@ -1,0 +1,100 @@
+// Writers: what client writes do to the simulator, applied on its own thread in a fixed order.
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "bridge/cycles.h"
+#include "bridge/writer_list.h"
+#include "offsets/dispatcher.h"
+
+namespace {
+
+struct Writer {
+  const OffsetRow* row;  // null for a group
+  void (*group)();
+  uint32_t width;
+};
+
+std::vector<Writer> writers;
+
+bool HasWriter(const OffsetRow& row) {
+  const WriteRule& write = row.write;
+  return write.target.block != Block::None || write.apply != nullptr || write.staged;
+}
+
+uint32_t WriteWidth(const OffsetRow& row) { return row.write.width != 0 ? row.write.width : StoredWidth(row); }
+
+DispatchAction ActionOf(const OffsetRow& row) {
+  switch (row.offset) {
+    case 0x0558: return DispatchAction::StageTwoOrFour;
+    case 0x3F00: return DispatchAction::StageAlways;
+    case 0x3F04: return DispatchAction::StageText;
+    default: return DispatchAction::Stage;
+  }
+}
+
+// A double that is not a number has no meaning in the simulator: the write is consumed without effect.
+bool IsUsable(Stored type, double number) {
+  return (type != Stored::F32 && type != Stored::F64) || std::isfinite(number);
+}
+
+void Apply(const OffsetRow& row, const uint8_t* bytes, uint32_t width) {
+  const double number = DecodeNumber(row.type, bytes);
+  if (!IsUsable(row.type, number)) return;
+  const WriteRule& write = row.write;
+  if (write.apply != nullptr) {
+    write.apply(row, {number, DecodeInteger(row.type, bytes), bytes, width});
+  } else if (write.target.block != Block::None) {
+    const double value = write.convert != nullptr ? write.convert(number) : number * write.factor;
+    SetSource(write.target, std::clamp(value, write.low, write.high));
+  }
+}
+
+void RunWriter(const Writer& writer) {
+  if (writer.group != nullptr) {
+    writer.group();
+    return;
+  }
+  uint8_t bytes[256] = {};
+  EnterLock(&offsetLock);
+  if (pendingFlags.flags[writer.row->offset] == 0) {
+    LeaveLock(&offsetLock);
+    return;
+  }
+  pendingFlags.flags[writer.row->offset] = 0;
+  std::memcpy(bytes, pendingValues.bytes + writer.row->offset, writer.width);
+  LeaveLock(&offsetLock);
+  Apply(*writer.row, bytes, writer.width);
+}
+
+}  // namespace
+
+void BuildWriters() {
+  writers.clear();
+  ResetDispatchTable();
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) {
+      const bool known = std::any_of(writers.begin(), writers.end(), [&](const Writer& writer) {
+        return writer.group != nullptr && writer.group == row.write.group;
+      });
+      if (row.write.group != nullptr) {
+        if (!known) writers.push_back({nullptr, row.write.group, 0});
+      } else if (HasWriter(row)) {
+        writers.push_back({&row, nullptr, WriteWidth(row)});
+      } else {
+        continue;
+      }
+      AddDispatchEntry(row.offset, WriteWidth(row), ActionOf(row));
+    }
+  }
+}
+
+void RunWriters() {
+  // Frames in which no client has written pass here: the mark is raised together with any flag.
+  if (anythingPending.load(std::memory_order_relaxed) == 0) return;
+  {
+    LockScope lock(&offsetLock);
+    anythingPending.store(0, std::memory_order_relaxed);
+  }
+  for (const Writer& writer : writers) RunWriter(writer);
+}

@@ -1,0 +1,64 @@
+// The dispatcher: every client write, local or remote, passes through it before its bytes are copied into
+// the offset memory. It decides offset by offset whether the write means anything to the simulator, stages
+// the new value for the write cycle, or takes an immediate action. Reads never pass through it.
+//
+// It never calls the simulator: whatever needs the simulator's thread is left as a flag or a record that
+// the write cycle takes.
+#pragma once
+#include <atomic>
+#include <cstdint>
+
+constexpr uint32_t relayRecordOffset = 0x11125;
+constexpr uint32_t relayRecordSize = 120;
+constexpr uint32_t weatherAreaOffset = 0xC800;
+constexpr uint32_t atcTextSize = 12;
+
+// A client's relay record, kept until the relay takes it. Under the offset lock; `waiting` may be read by
+// any thread.
+struct RelayRecordStore {
+  std::atomic<uint32_t> waiting;
+  uint8_t bytes[relayRecordSize];
+};
+extern RelayRecordStore relayRecordStore;
+
+// The weather area from 0xC800 is acted on only after the whole request that wrote it: the dispatcher
+// raises `Requested`, the request handler turns it into `Ready`, the write cycle takes that.
+extern std::atomic<uint32_t> weatherBlockRequested;
+extern std::atomic<uint32_t> weatherBlockReady;
+
+// New ATC number and tail number that the write cycle saves into the settings file. Under the offset lock.
+struct AtcTexts {
+  std::atomic<uint32_t> changed;  // bit 0 number, bit 1 tail number
+  char number[atcTextSize + 1];
+  char tailNumber[atcTextSize + 1];
+};
+extern AtcTexts atcTexts;
+
+// How the dispatcher treats an offset; derived from the catalogue when the cycles are built.
+enum class DispatchAction : uint8_t {
+  None,          // no meaning for writes: ends the walk
+  Stage,         // compare, stage, raise the flag
+  StageAlways,   // without the comparison (a command whose 0 is the start content)
+  StageText,     // as wide as the rest of the record, up to the width; the remainder is zero
+  StageTwoOrFour,  // 4 bytes when the record holds them, else 2
+  AtcNumber,
+  AtcTailNumber,
+  WeatherArea,
+  RelayRecord,
+};
+
+// Forgets all entries and puts in those with an immediate action. Simulator's thread, at start.
+void ResetDispatchTable();
+// Makes an offset dispatchable, `width` bytes wide (1 to 252). Simulator's thread, at start.
+void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action);
+// Width with which writes at this offset are dispatched, 0 for none.
+uint32_t DispatchWidth(uint32_t offset);
+
+// Walks a client's write of `size` bytes at `offset`; `data` is private memory (never the client's own).
+// offset + size lies within the offset memory. Any thread, offset lock held; call it before the bytes are
+// copied into the offset memory. Returns 1 when every byte was recognised, 0 when the walk stopped at an
+// offset without a meaning for writes (the bytes behind it are not examined).
+int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data);
+
+// Ends a request: a weather area that it wrote is ready now. Any thread.
+void FinishRequest();

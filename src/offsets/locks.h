@@ -1,0 +1,28 @@
+// The program's locks, and the one place that states their order.
+//
+// They live from enable to disable, created in the order below, deleted as DeleteLocks does it.
+//
+// Lock order (a thread that holds one may take only those below it):
+//   1. client list lock   (network client table)
+//   2. traffic lock       (list of other aircraft)
+//   3. traffic slot lock  (slots of the traffic threads)
+//   4. offset lock        (offset memory, pending values and flags, request counters)
+// The trace lock is taken only with no other lock held. The spare lock is never entered. No simulator call
+// is ever made while any of them is held. Log lines may be written with any of them held: the log's own lock
+// is the innermost of all and is known to the log alone.
+#pragma once
+#include "platform/lock.h"
+
+extern Lock offsetLock;
+extern Lock traceLock;
+extern Lock trafficLock;
+extern Lock trafficSlotLock;
+extern Lock spareLock;
+extern Lock clientListLock;
+
+// Creates the six locks. Simulator's thread, at enable. Returns 1, or 0 when the system refuses one (those
+// made are deleted again).
+int CreateLocks();
+// Deletes them: offset, trace, traffic slot, traffic, spare, client list. Simulator's thread, at disable,
+// after every thread that uses them has been joined.
+void DeleteLocks();

@@ -1,0 +1,107 @@
+#include "offsets/request_walk.h"
+
+#include "bridge/registry.h"
+#include "offsets/dispatcher.h"
+#include "shell/log.h"
+
+namespace {
+
+struct RecordHeader {
+  uint32_t type, offset, size;
+};
+
+uint32_t FetchWord(const uint8_t* from) {
+  uint32_t word;
+  std::memcpy(&word, from, sizeof word);
+  return word;
+}
+
+int WithinMemory(const RecordHeader& record) {
+  return record.offset <= offsetMemorySize && record.size <= offsetMemorySize - record.offset;
+}
+
+void TraceServed(int isWrite, uint32_t request, const RecordHeader& record, const uint8_t* bytes) {
+  LockScope lock(&traceLock);
+  TraceRecord(isWrite, request, record.offset, record.size, bytes);
+}
+
+void ServeRead(const RecordHeader& record, uint8_t* answer, PathSource source, uint32_t request,
+               RequestScratch* scratch) {
+  if (record.size == 0) return;
+  const bool traced = readTrace.load(std::memory_order_relaxed) != 0;
+  {
+    LockScope lock(&offsetLock);
+    requestCounters.bytesRead += record.size;
+    FillPathBlock(record.offset, record.size, source);
+    std::memcpy(answer, offsetMemory.bytes + record.offset, record.size);
+    if (traced) std::memcpy(scratch->bytes, offsetMemory.bytes + record.offset, record.size);
+  }
+  if (traced) TraceServed(0, request, record, scratch->bytes);
+}
+
+void ServeWrite(const RecordHeader& record, const uint8_t* data, uint32_t request, RequestScratch* scratch) {
+  if (record.size == 0) return;
+  std::memcpy(scratch->bytes, data, record.size);
+  {
+    LockScope lock(&offsetLock);
+    requestCounters.bytesWritten += record.size;
+    DispatchWrite(record.offset, record.size, scratch->bytes);
+    std::memcpy(offsetMemory.bytes + record.offset, scratch->bytes, record.size);
+    NoteMemoryChanged();
+  }
+  if (writeTrace.load(std::memory_order_relaxed) != 0) TraceServed(1, request, record, scratch->bytes);
+}
+
+// What an unknown record leaves: a line in the trace log, whatever the switches say, and its type zeroed.
+void RefuseUnknown(uint8_t* record) {
+  {
+    LockScope lock(&traceLock);
+    TraceLine(" %07.2f default, headesize=%zi void*=%zi\n", static_cast<double>(PublishedRunningTime()),
+              static_cast<ptrdiff_t>(readHeaderSize), static_cast<ptrdiff_t>(sizeof(void*)));
+    FlushTrace();
+  }
+  const uint32_t none = recordEnd;
+  std::memcpy(record, &none, sizeof none);
+}
+
+int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch) {
+  size_t at = 0;
+  for (;;) {
+    if (size - at < sizeof(uint32_t)) return 0;  // no end before the block's end
+    const uint32_t type = FetchWord(block + at);
+    if (type == recordEnd) return 1;
+    if (type != recordRead && type != recordWrite) {
+      RefuseUnknown(block + at);
+      return 0;
+    }
+    const uint32_t headerSize = type == recordRead ? readHeaderSize : writeHeaderSize;
+    if (size - at < headerSize) return 0;
+    const RecordHeader record = {type, FetchWord(block + at + 4), FetchWord(block + at + 8)};
+    if (!WithinMemory(record) || record.size > size - at - headerSize) return 0;
+    uint8_t* data = block + at + headerSize;
+    if (type == recordRead) {
+      ServeRead(record, data, source, request, scratch);
+    } else if (record.offset == offsetMemorySize ||
+               VariablesAccessMemBlock[record.offset] != accessReadOnly) {
+      ServeWrite(record, data, request, scratch);
+    }
+    at += headerSize + record.size;
+  }
+}
+
+}  // namespace
+
+uint32_t CountRequest() {
+  LockScope lock(&offsetLock);
+  return ++requestCounters.requests;
+}
+
+int ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch) {
+  const int result = WalkRecords(block, size, source, request, scratch);
+  FinishRequest();
+  if (readTrace.load(std::memory_order_relaxed) != 0 || writeTrace.load(std::memory_order_relaxed) != 0) {
+    LockScope lock(&traceLock);
+    FlushTrace();
+  }
+  return result;
+}

@@ -1,0 +1,30 @@
+// Serving a request: the list of read and write records that a client puts into its shared block or sends
+// over the network. Portable; the window server and the network server call it.
+//
+// The memory of a request may be changed by its client at any moment. Every header is therefore copied once
+// before it is checked, and written bytes are copied once into private memory before they are dispatched
+// and stored.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+#include "offsets/memory.h"
+
+constexpr uint32_t recordEnd = 0;
+constexpr uint32_t recordRead = 1;
+constexpr uint32_t recordWrite = 2;
+constexpr uint32_t readHeaderSize = 16;   // type, offset, size, client word
+constexpr uint32_t writeHeaderSize = 12;  // type, offset, size
+
+// Private memory of one server thread, for the bytes of one record.
+struct RequestScratch {
+  uint8_t bytes[offsetMemorySize];
+};
+
+// Counts a request message and returns its number. Any server thread, no lock held.
+uint32_t CountRequest();
+// Serves the records of `block` (size bytes, readable and writable throughout) in order. Takes offset lock
+// and trace lock for each record by itself. Returns 1, or 0 when a record was unknown (its type word is
+// zeroed) or would leave the offset memory or the block, or when the list has no end; records before it
+// stay served, nothing of it is applied.
+int ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch);

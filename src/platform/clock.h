@@ -1,0 +1,12 @@
+// Wall clock, monotonic clock and sleeping. Any thread.
+#pragma once
+#include <cstdint>
+
+struct UtcTime {
+  int hour, minute, second, millisecond;
+};
+
+UtcTime ReadUtcTime();
+// Monotonic time in nanoseconds from an arbitrary start.
+int64_t MonotonicNanoseconds();
+void SleepMilliseconds(int milliseconds);

@@ -1,0 +1,15 @@
+// Auto-reset events: a signal wakes one waiter, or the next one that waits.
+#pragma once
+#include <cstdint>
+
+struct Event {
+  void* handle;  // null while it does not exist
+};
+
+// Creates an event, not signalled. Returns 1, or 0 when the system refuses.
+int CreateAutoEvent(Event* event);
+void CloseEvent(Event* event);
+// Any thread.
+void SignalEvent(Event* event);
+// Waits for the signal: 1 signalled, 0 timed out. timeoutMs < 0 waits without limit.
+int WaitEvent(Event* event, int timeoutMs);

@@ -1,0 +1,73 @@
+// An auto-reset event: a flag under a mutex, with a condition that wakes one waiter.
+#include "platform/event.h"
+
+#include <pthread.h>
+
+#include <new>
+
+#include "platform/clock.h"
+#include "platform/posix/deadline.h"
+
+namespace {
+
+struct EventState {
+  pthread_mutex_t mutex;
+  pthread_cond_t raised;
+  bool signalled;
+};
+
+}  // namespace
+
+int CreateAutoEvent(Event* event) {
+  event->handle = nullptr;
+  auto* state = new (std::nothrow) EventState{};
+  if (!state) return 0;
+  if (pthread_mutex_init(&state->mutex, nullptr) != 0) {
+    delete state;
+    return 0;
+  }
+  if (!InitCondition(&state->raised)) {
+    pthread_mutex_destroy(&state->mutex);
+    delete state;
+    return 0;
+  }
+  event->handle = state;
+  return 1;
+}
+
+void CloseEvent(Event* event) {
+  auto* state = static_cast<EventState*>(event->handle);
+  if (!state) return;
+  pthread_cond_destroy(&state->raised);
+  pthread_mutex_destroy(&state->mutex);
+  delete state;
+  event->handle = nullptr;
+}
+
+void SignalEvent(Event* event) {
+  auto* state = static_cast<EventState*>(event->handle);
+  if (!state) return;
+  pthread_mutex_lock(&state->mutex);
+  state->signalled = true;
+  pthread_cond_signal(&state->raised);
+  pthread_mutex_unlock(&state->mutex);
+}
+
+int WaitEvent(Event* event, int timeoutMs) {
+  auto* state = static_cast<EventState*>(event->handle);
+  if (!state) {
+    SleepMilliseconds(timeoutMs);
+    return 0;
+  }
+  const timespec deadline = DeadlineAfter(timeoutMs < 0 ? 0 : timeoutMs);
+  pthread_mutex_lock(&state->mutex);
+  int failure = 0;
+  while (!state->signalled && failure == 0) {
+    failure = timeoutMs < 0 ? pthread_cond_wait(&state->raised, &state->mutex)
+                            : pthread_cond_timedwait(&state->raised, &state->mutex, &deadline);
+  }
+  const int got = state->signalled ? 1 : 0;
+  state->signalled = false;
+  pthread_mutex_unlock(&state->mutex);
+  return got;
+}

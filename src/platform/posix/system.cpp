@@ -1,0 +1,98 @@
+#include "platform/system.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <system_error>
+
+std::string ComputerName() {
+  char name[256] = {};
+  if (gethostname(name, sizeof name - 1) != 0) return "";
+  std::string result = name;
+  return result.substr(0, 16);
+}
+
+std::vector<SharedFolder> ListSharedFolders() { return {}; }
+
+int IsDirectory(const char* path) {
+  struct stat info {};
+  return stat(path, &info) == 0 && S_ISDIR(info.st_mode) ? 1 : 0;
+}
+
+int IsFile(const char* path) {
+  struct stat info {};
+  return stat(path, &info) == 0 && !S_ISDIR(info.st_mode) ? 1 : 0;
+}
+
+int CreateFolders(const char* path) {
+  const std::string whole = path;
+  int reason = 0;  // of the first folder that could not be made
+  for (size_t i = 1; i <= whole.size(); ++i) {
+    if (i < whole.size() && whole[i] != '/') continue;
+    const std::string above = whole.substr(0, i);
+    if (IsDirectory(above.c_str()) || mkdir(above.c_str(), 0777) == 0) {
+      reason = 0;
+    } else if (reason == 0) {
+      reason = errno;
+    }
+  }
+  if (IsDirectory(path)) return 1;
+  errno = reason;
+  return 0;
+}
+
+int FlushToDisk(FILE* file) {
+  if (fflush(file) != 0) return 0;
+  return fsync(fileno(file)) == 0 ? 1 : 0;
+}
+
+int ReplaceFile(const char* from, const char* to) {
+  if (rename(from, to) != 0) return 0;
+  // The new name is on the disk when its folder is. A file system that cannot do that changes nothing.
+  std::string folder = to;
+  const size_t slash = folder.rfind('/');
+  folder = slash == std::string::npos ? "." : folder.substr(0, slash + 1);
+  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor >= 0) {
+    fsync(descriptor);
+    close(descriptor);
+  }
+  return 1;
+}
+
+std::string SystemErrorText() { return std::system_category().message(errno); }
+
+int CountProcessHandles() {
+  DIR* folder = opendir("/proc/self/fd");
+  if (!folder) return -1;
+  int count = 0;
+  while (const dirent* entry = readdir(folder)) {
+    if (entry->d_name[0] != '.') ++count;
+  }
+  closedir(folder);
+  return count - 1;  // without the one that reads the folder
+}
+
+int64_t ProcessMemoryBytes() {
+  // The roll-up is exact; the per-thread counters behind /proc/self/statm lag by pages.
+  FILE* file = fopen("/proc/self/smaps_rollup", "r");
+  if (!file) return -1;
+  int64_t kilobytes = 0;
+  int found = 0;
+  char line[256];
+  while (fgets(line, sizeof line, file)) {
+    for (const char* name : {"Private_Dirty:", "Private_Clean:"}) {
+      if (strncmp(line, name, strlen(name)) != 0) continue;
+      kilobytes += strtoll(line + strlen(name), nullptr, 10);
+      found = 1;
+    }
+  }
+  fclose(file);
+  return found ? kilobytes * 1024 : -1;
+}

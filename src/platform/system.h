@@ -1,0 +1,42 @@
+// Facts about this computer and its file system, and the few file operations that differ by system.
+// Paths are in the system's own form; on Windows in the active code page, as the simulator gives them.
+#pragma once
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+struct SharedFolder {
+  std::string name;    // share name
+  std::string folder;  // local folder that is shared
+};
+
+constexpr char pathSeparator =
+#if defined(_WIN32)
+    '\\';
+#else
+    '/';
+#endif
+
+// This computer's network name, at most 16 characters; "" when the system does not tell.
+std::string ComputerName();
+// Folders that this computer shares over the network, read from the registry on Windows ("PATH=" values,
+// compared regardless of case); empty elsewhere. Never fails: what cannot be read is left out.
+std::vector<SharedFolder> ListSharedFolders();
+// 1 when the path names an existing directory.
+int IsDirectory(const char* path);
+// 1 when the path names an existing file that is not a directory.
+int IsFile(const char* path);
+// Makes a folder and the missing ones above it. Returns 1 when it exists afterwards.
+int CreateFolders(const char* path);
+// Writes everything of the stream down to the disk (not only to the system's cache). Returns 1 or 0.
+int FlushToDisk(FILE* file);
+// Puts `from` in the place of `to` in one step, so that at every moment either the old or the new content
+// stands under the name. Returns 1, or 0 with both files as they were.
+int ReplaceFile(const char* from, const char* to);
+// Last system error as text, for log lines.
+std::string SystemErrorText();
+// Open handles or file descriptors of this process, or -1; for tests and diagnostics.
+int CountProcessHandles();
+// Bytes of private memory in use by this process, or -1; for tests and diagnostics.
+int64_t ProcessMemoryBytes();

@@ -1,0 +1,170 @@
+#include "platform/system.h"
+
+#include <windows.h>
+// windows.h first
+#include <io.h>
+#include <psapi.h>
+
+#include <cerrno>
+#include <cstring>
+#undef ReplaceFile  // the system's macro of the same name
+
+namespace {
+
+constexpr char sharesKey[] = "SYSTEM\\CurrentControlSet\\Services\\lanmanserver\\Shares";
+constexpr DWORD largestShareValue = 1u << 20;  // bytes; what is larger is not a list of share properties
+
+// The folder in a list of NUL-separated texts, of which one begins with "PATH="; "" when none does. The
+// list need not be terminated.
+std::string PathOfShare(const std::vector<char>& list, size_t length) {
+  constexpr size_t prefixLength = 5;
+  size_t begin = 0;
+  while (begin < length) {
+    size_t end = begin;
+    while (end < length && list[end] != '\0') ++end;
+    if (end - begin > prefixLength && _strnicmp(&list[begin], "PATH=", prefixLength) == 0) {
+      return {&list[begin + prefixLength], end - begin - prefixLength};
+    }
+    begin = end + 1;
+  }
+  return "";
+}
+
+HKEY OpenSharesKey() {
+  HKEY key = nullptr;
+  // The flag is unknown to the oldest systems, which have one view only.
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, sharesKey, 0, KEY_READ | KEY_WOW64_64KEY, &key) == ERROR_SUCCESS) {
+    return key;
+  }
+  return RegOpenKeyExA(HKEY_LOCAL_MACHINE, sharesKey, 0, KEY_READ, &key) == ERROR_SUCCESS ? key : nullptr;
+}
+
+bool IsSeparator(char c) { return c == '\\' || c == '/'; }
+
+}  // namespace
+
+std::string ComputerName() {
+  char name[MAX_COMPUTERNAME_LENGTH + 1] = {};
+  DWORD size = sizeof name;
+  return GetComputerNameA(name, &size) ? std::string(name) : std::string();
+}
+
+std::vector<SharedFolder> ListSharedFolders() {
+  std::vector<SharedFolder> folders;
+  HKEY key = OpenSharesKey();
+  if (!key) return folders;
+  DWORD longestName = 0, largestValue = 0;
+  if (RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &longestName,
+                       &largestValue, nullptr, nullptr) != ERROR_SUCCESS ||
+      longestName > 16383 || largestValue > largestShareValue) {
+    RegCloseKey(key);
+    return folders;
+  }
+  // Twice the name: it is counted in characters, of which one may take two bytes.
+  std::vector<char> name(longestName * 2 + 1), list(largestValue + 2);
+  for (DWORD index = 0;; ++index) {
+    auto nameLength = static_cast<DWORD>(name.size());
+    auto listLength = static_cast<DWORD>(list.size());
+    DWORD type = 0;
+    const LONG result = RegEnumValueA(key, index, name.data(), &nameLength, nullptr, &type,
+                                      reinterpret_cast<BYTE*>(list.data()), &listLength);
+    if (result == ERROR_MORE_DATA) continue;  // grew meanwhile
+    if (result != ERROR_SUCCESS) break;
+    if (type != REG_MULTI_SZ) continue;
+    std::string folder = PathOfShare(list, listLength);
+    if (!folder.empty()) folders.push_back({std::string(name.data(), nameLength), std::move(folder)});
+  }
+  RegCloseKey(key);
+  return folders;
+}
+
+int IsDirectory(const char* path) {
+  const DWORD attributes = GetFileAttributesA(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? 1 : 0;
+}
+
+int IsFile(const char* path) {
+  const DWORD attributes = GetFileAttributesA(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0 ? 1 : 0;
+}
+
+int CreateFolders(const char* path) {
+  const std::string whole = path;
+  DWORD reason = ERROR_SUCCESS;  // of the first folder that could not be made; drives and shares fail, too
+  const auto make = [&reason](const std::string& folder) {
+    if (IsDirectory(folder.c_str()) || CreateDirectoryA(folder.c_str(), nullptr)) {
+      reason = ERROR_SUCCESS;
+    } else if (reason == ERROR_SUCCESS) {
+      reason = GetLastError();
+    }
+  };
+  for (size_t i = 0; i < whole.size(); ++i) {
+    if (IsDBCSLeadByte(static_cast<BYTE>(whole[i]))) {
+      ++i;  // the second byte of a character may look like a backslash
+    } else if (i > 0 && IsSeparator(whole[i])) {
+      make(whole.substr(0, i));
+    }
+  }
+  make(whole);
+  if (IsDirectory(path)) return 1;
+  SetLastError(reason);
+  return 0;
+}
+
+int FlushToDisk(FILE* file) {
+  if (fflush(file) != 0) return 0;
+  return _commit(_fileno(file)) == 0 ? 1 : 0;
+}
+
+int ReplaceFile(const char* from, const char* to) {
+  // Virus scanners and indexers hold a fresh file open for a moment, during which it cannot be replaced.
+  constexpr int tries = 5;
+  constexpr DWORD pauseMs = 20;
+  for (int i = 0; i < tries; ++i) {
+    if (i > 0) Sleep(pauseMs);
+    if (MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return 1;
+    const DWORD error = GetLastError();
+    if (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED && error != ERROR_LOCK_VIOLATION)
+      break;
+  }
+  return 0;
+}
+
+std::string SystemErrorText() {
+  const DWORD error = GetLastError();
+  if (error == ERROR_SUCCESS) return strerror(errno);
+  char text[512] = {};
+  DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0,
+                                text, sizeof text, nullptr);
+  while (length > 0 && (static_cast<unsigned char>(text[length - 1]) <= ' ' || text[length - 1] == '.'))
+    --length;
+  if (length == 0) return "system error " + std::to_string(error);
+  return {text, length};
+}
+
+int CountProcessHandles() {
+  DWORD count = 0;
+  return GetProcessHandleCount(GetCurrentProcess(), &count) ? static_cast<int>(count) : -1;
+}
+
+int64_t ProcessMemoryBytes() {
+  using QueryMemory = BOOL(WINAPI*)(HANDLE, PROCESS_MEMORY_COUNTERS*, DWORD);
+  // Newer systems have it in the kernel's library, older ones in one of its own; neither is linked.
+  HMODULE own = nullptr;
+  FARPROC found = GetProcAddress(GetModuleHandleA("kernel32.dll"), "K32GetProcessMemoryInfo");
+  if (!found) {
+    own = LoadLibraryA("psapi.dll");
+    if (own) found = GetProcAddress(own, "GetProcessMemoryInfo");
+  }
+  int64_t bytes = -1;
+  if (found) {
+    auto query = reinterpret_cast<QueryMemory>(reinterpret_cast<void*>(found));
+    PROCESS_MEMORY_COUNTERS_EX counters{};
+    counters.cb = sizeof counters;
+    if (query(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters)) {
+      bytes = static_cast<int64_t>(counters.PrivateUsage);
+    }
+  }
+  if (own) FreeLibrary(own);
+  return bytes;
+}

@@ -1,0 +1,69 @@
+// The settings file "TAVRIX.ini": the user's settings, in sections of "key = value" lines.
+//
+// The file lies in the plug-in's folder. All of it is read at enable, missing keys are completed with
+// their defaults, and single keys are rewritten when a window or a client changes them. A rewrite goes
+// through a temporary file that takes the old one's place in one step, so a kill at any moment leaves
+// either the old or the new file.
+//
+// Everything here is for the simulator's thread alone. An unreadable or unwritable file is never fatal:
+// a log line tells, and the defaults hold.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+constexpr int maxSettingValue = 130;  // characters; longer values are cut when written
+constexpr int maxFlapDetents = 10;
+
+struct AxisCombination {
+  int active;  // 0: not assigned
+  int joystick;
+  int axis;
+};
+
+struct FlapDetent {
+  double values[3];
+  int count;  // numbers given, 0 for an empty value (values[0] is 0 then)
+};
+
+struct Settings {
+  int tuneValue;
+  char serverAddress[20];
+  int clientMode;
+  char atcNumber[maxSettingValue + 1];
+  char atcTailNumber[maxSettingValue + 1];
+  char atcAirlineName[maxSettingValue + 1];
+  char atcAircraftType[maxSettingValue + 1];
+  int invertElevator, invertAileron, invertRudder;
+  AxisCombination combineRudder, combineAileron, combineElevator, combineTiller;
+  AxisCombination combineLeftToeBrake, combineRightToeBrake;
+  double pushbackMaxSpeed;
+  double toeBrakeNullZone;
+  int flapsActive;
+  int flapDetents;  // 2..10
+  FlapDetent flapDetent[maxFlapDetents];
+};
+
+extern Settings settings;
+
+// Tells where the file lies (full path, shorter than 1,000 characters). Called once at start.
+void SetSettingsPath(const char* path);
+// Looks a key up within its section and copies the value (cut to size - 1) into the buffer. Returns the
+// length of the value found; 0 for an empty value, -1 when the key, the section or the file is missing
+// (the buffer is then "").
+int ReadSetting(const char* section, const char* key, char* buffer, size_t size);
+// Reads the whole file into `text`, for callers that want many keys (NextSettingLine and FindSetting of
+// settings_text.h take it apart). Returns 1, 0 when there is no file, or -1 when it cannot be read (a log
+// line tells why); `text` is empty then.
+int ReadSettingsText(std::string* text);
+// Sets one key, making section and key when missing; all other lines stay as they are. Values are cut at
+// control characters and to 130 characters; a missing file is created with all defaults. Returns 1, or 0
+// (old file in place, a log line tells why). `settings` does not change.
+int WriteSetting(const char* section, const char* key, const char* value);
+// Creates the file anew with its header, the six sections and every key at its default. Returns 1, or 0
+// (a log line tells why).
+int CreateDefaultSettings();
+// Sets `settings` to the defaults, then creates a missing file, reads every key of the table and writes
+// the default of each that is missing, all in one rewrite. Always leaves usable settings; returns 1, or 0
+// when the file could neither be read nor written. An existing file that cannot be read is not touched.
+int ReadAllSettings();

@@ -1,0 +1,221 @@
+#include "shell/lifecycle.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "XPLMPlugin.h"
+#include "XPLMScenery.h"
+#include "XPLMUtilities.h"
+#include "aircraft/adapters.h"
+#include "bridge/catalogue/misc_actions.h"
+#include "bridge/catalogue/throttle_actions.h"
+#include "bridge/cycles.h"
+#include "bridge/reader_groups.h"
+#include "bridge/registry.h"
+#include "bridge/slew.h"
+#include "offsets/dispatcher.h"
+#include "offsets/memory.h"
+#include "offsets/window_server.h"
+#include "platform/system.h"
+#include "settings/settings.h"
+#include "shell/flight_loops.h"
+#include "shell/log.h"
+#include "shell/menu.h"
+#include "shell/version.h"
+
+char pluginVersionText[64];
+char networkVersionText[64];
+int simulatorVersion;
+
+namespace {
+
+constexpr size_t identitySize = 256;
+constexpr char separatorLine[] = "--------------------------------------------------\n";
+
+int clientModeAtEnable;  // disable acts on the mode that enable chose
+int threadsStarted;      // once per load
+XPLMProbeRef terrainProbe;
+
+void CopyIdentity(char* target, const char* text) { std::snprintf(target, identitySize, "%s", text); }
+
+// A line with the time stamp in front, as most shutdown lines have it.
+void LogStamped(const char* text) {
+  char stamp[timeStampSize];
+  LogLine("%s %s\n", TimeStamp(stamp), text);
+}
+
+std::string SystemFolder() {
+  char path[1024] = "";
+  XPLMGetSystemPath(path);
+  std::string folder = path;
+  if (!folder.empty() && folder.back() != '/' && folder.back() != '\\') folder += pathSeparator;
+  return folder;
+}
+
+std::string PluginFolder(const std::string& systemFolder) {
+  const std::string separator(1, pathSeparator);
+  return systemFolder + "Resources" + separator + "plugins" + separator + "TAVRIX" + separator;
+}
+
+// A client compares with what it reads here, and so does the dispatcher. At enable, before the locks exist.
+void PublishAtcTexts() {
+  const auto publish = [](uint32_t offset, const char* text) {
+    char field[atcTextSize] = {};
+    const size_t length = std::min<size_t>(std::char_traits<char>::length(text), atcTextSize);
+    std::copy_n(text, length, field);
+    std::copy_n(field, atcTextSize, offsetMemory.bytes + offset);
+  };
+  publish(0x3130, settings.atcNumber);
+  publish(0x313C, settings.atcTailNumber);
+  NoteMemoryChanged();
+}
+
+void StartThreads() {
+  if (windowServerExists) {
+    LogLine(StartWindowServer() ? "TAVRIX->Create KORL Thread OK!\n" : "TAVRIX->Create KORL Thread failed!\n");
+  }
+}
+
+float DeferredStart(float, float, int, void*) {
+  try {
+    if (threadsStarted != 0) {
+      LogLine("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
+    } else {
+      threadsStarted = 1;
+      StartThreads();
+    }
+    FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr"));
+  } catch (...) {
+  }
+  return 0;
+}
+
+void EnableServerMode() {
+  LogLine("TAVRIX->TAVRIX2TAVRIX mode not active, init flightloops\n");
+  ForgetStoredValues();
+  anythingPending = 1;  // flags that were raised while nobody applied them
+  navigationPending = 1;
+  aircraftChanged = 1;
+  RegisterFlightLoops(DeferredStart);
+  if (terrainProbe == nullptr) terrainProbe = XPLMCreateProbe(xplm_ProbeY);
+}
+
+// Gives back everything of the simulator that we hold: overrides, held commands, slew.
+void ReleaseHeld() {
+  ClearSlew();
+  ReleaseOverrides();
+  ReleaseStarters();
+  ReleaseThrottleOverrides();
+  ReleaseContactAtc();
+}
+
+void DisableServerMode() {
+  UnregisterFlightLoops();
+  ReleaseHeld();
+  LogStamped("TAVRIX->Closing KORL main window.....");
+  if (windowServerExists) {
+    LogStamped("TAVRIX->Closing KORLMain Thread......");
+    StopWindowServer();
+  }
+}
+
+}  // namespace
+
+int StartPlugin(char* name, char* signature, char* description) {
+  CopyIdentity(name, "TAVRIX/TAVFARNET");
+  CopyIdentity(signature, "TAVRIX/TAVFARNET.");
+  CopyIdentity(description, "A plugin that emulates morven.dll and FARNET.");
+  readTrace = 0;
+  writeTrace = 0;
+
+  const std::string systemFolder = SystemFolder();
+  const std::string folder = PluginFolder(systemFolder);
+  OpenLogs(folder.c_str(), [](const char* line) { XPLMDebugString(line); });
+  LogBoth("TAVRIX Version %s %s\n", pluginVersion, buildWord);
+  LogBoth("TAVFARNET Version %s %s\n", networkVersion, buildWord);
+  std::snprintf(pluginVersionText, sizeof pluginVersionText, "TAVRIX Version %s\n", pluginVersion);
+  std::snprintf(networkVersionText, sizeof networkVersionText, "TAVFARNET Version %s\n", networkVersion);
+  SetSettingsPath((folder + "TAVRIX.ini").c_str());
+
+  BuildMenu();
+
+  LogLine("Start Init!\n");
+  InitMemoryBlocks();
+  LookUpDataRefs();
+  LookUpCommands();
+  BuildCycles();
+
+  int programInterface = 0;
+  XPLMHostApplicationID host = 0;
+  XPLMGetVersions(&simulatorVersion, &programInterface, &host);
+  LogBoth("X-Plane Version: %i\n", simulatorVersion);
+
+  PlaceStartValues();
+  PrepareFolders(systemFolder.c_str());
+  FlushLogs();
+  return 1;
+}
+
+int EnablePlugin() {
+  ReadAllSettings();
+  PublishAtcTexts();
+  ReopenMainLog();
+  LogLine("%s", separatorLine);
+  LogStamped("TAVRIX Enable !");
+  LogLine("TAVFARSERVER Enable !\n");
+  LogLine("TAVRIX->Initialise critical sections\n");
+  if (!CreateLocks()) {
+    LogLine("TAVRIX->The system refuses the locks: the plug-in stays disabled; close other programs and try again\n");
+    return 0;
+  }
+  crashCountdown = 5;
+  clientModeAtEnable = settings.clientMode;
+  if (clientModeAtEnable != 0) {
+    LogLine("TAVRIX->TAVRIX2TAVRIX mode active\n");
+  } else {
+    EnableServerMode();
+  }
+  return 1;
+}
+
+void DisablePlugin() {
+  LogLine("%s", separatorLine);
+  LogStamped("TAVRIX->Starting deinit");
+  if (clientModeAtEnable == 0) DisableServerMode();
+  LogLine("TAVRIX->Release critical sections\n");
+  DeleteLocks();
+  ReleaseIxegThrottleOverride();
+  LogStamped("TAVRIX deinit OK!");
+  LogStamped("TAVRIX Disable !");
+  readTrace = 0;
+  writeTrace = 0;
+  FlushLogs();
+}
+
+void StopPlugin() {
+  UnregisterFlightLoops();
+  if (terrainProbe != nullptr) XPLMDestroyProbe(terrainProbe);
+  terrainProbe = nullptr;
+  DestroyMenuAndWindows();
+  CloseLogs();
+}
+
+void ReceivePluginMessage(int from, int message, void* parameter) {
+  if (from != XPLM_PLUGIN_XPLANE) {
+    ReceiveAdapterMessage(from, message, parameter);
+    return;
+  }
+  switch (message) {
+    case XPLM_MSG_PLANE_LOADED:
+      if (reinterpret_cast<intptr_t>(parameter) != 0) break;
+      DetectLoadedAircraft();
+      navigationPending = 1;
+      aircraftChanged = 1;
+      break;
+    case XPLM_MSG_PLANE_CRASHED: SetCrashed(); break;
+    default: break;
+  }
+}

@@ -1,0 +1,22 @@
+// Life of the plug-in: start, enable, disable, stop, and the messages of the simulator.
+//
+// Everything here runs on the simulator's thread. What is created in enable is released in disable, in
+// reverse. Worker threads are started once per load, by the deferred-start flight loop one frame after the
+// first enable, so that the simulator has finished loading the aircraft; each is joined before the locks go.
+#pragma once
+
+// Fills the identity (buffers of 256 bytes), opens the logs, builds the menu, looks up datarefs and
+// commands, places the start values. Returns 1.
+int StartPlugin(char* name, char* signature, char* description);
+// Reads the settings, creates the locks, registers the flight loops. Returns 1, or 0 when the system
+// refuses the locks.
+int EnablePlugin();
+void DisablePlugin();
+void StopPlugin();
+// A message of the simulator (from 0) or of another plug-in.
+void ReceivePluginMessage(int from, int message, void* parameter);
+
+// Status texts of the version window.
+extern char pluginVersionText[64];
+extern char networkVersionText[64];
+extern int simulatorVersion;

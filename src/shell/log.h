@@ -1,0 +1,65 @@
+// Main log "TAVRIX.txt" and trace log "TAVRIX.log" in the plug-in's folder.
+//
+// The main log takes start-up, shutdown and error lines from every thread; each line is one formatted
+// write, flushed at once. A line may be logged with any lock held: the log's own lock is the last in every
+// order. The trace log takes the version banner and, while a
+// trace switch is on, every record that clients read or write; it is written under the trace lock only,
+// so that a record's header and bytes stay together, and flushed once per request.
+// A folder or file that cannot be written makes one line in the simulator's own log, and every call here
+// does nothing from then on, until the logs are opened again.
+//
+// Lines end in a single line feed on every system. Numbers are printed with a decimal point whatever
+// locale another plug-in has set.
+#pragma once
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+#if defined(__MINGW32__)
+#define TAVRIX_PRINTF(formatIndex, firstIndex) __attribute__((format(gnu_printf, formatIndex, firstIndex)))
+#else
+#define TAVRIX_PRINTF(formatIndex, firstIndex) __attribute__((format(printf, formatIndex, firstIndex)))
+#endif
+
+constexpr size_t timeStampSize = 13;  // "hh:mm:ss:mmm" and the terminator
+
+// Trace switches, 0 or 1; any thread reads them, only the simulator's thread sets them (SwitchTrace).
+extern std::atomic<uint32_t> readTrace;
+extern std::atomic<uint32_t> writeTrace;
+
+// Sets the folder that holds both files (full path with trailing separator), makes it when missing, and
+// opens both files empty. `report` gets one line for the simulator's log when that fails; it is called on
+// the simulator's thread only. Returns 1 or 0.
+int OpenLogs(const char* folder, void (*report)(const char* line));
+// Reopens the main log for appending (at enable). Returns 1, or 0 when there is no log or it cannot be
+// opened again (the open file goes on taking lines then). Simulator's thread, others may log meanwhile.
+int ReopenMainLog();
+// Flushes both files. Simulator's thread with no lock held (takes the trace lock).
+void FlushLogs();
+// Closes both files (at stop). Simulator's thread, when all other threads have ended.
+void CloseLogs();
+
+// One line to the main log; the format carries the line end. Any thread.
+void LogLine(const char* format, ...) TAVRIX_PRINTF(1, 2);
+// One line to the trace log. The caller holds the trace lock, or is the only thread (start).
+void TraceLine(const char* format, ...) TAVRIX_PRINTF(1, 2);
+// One line to both logs (start-up banner). Simulator's thread before threads exist.
+void LogBoth(const char* format, ...) TAVRIX_PRINTF(1, 2);
+// Writes the trace lines of a request out. The caller holds the trace lock.
+void FlushTrace();
+
+// Writes "hh:mm:ss:mmm" (UTC) into a buffer of at least timeStampSize characters and returns it.
+char* TimeStamp(char* buffer);
+
+// Trace of one record that was served: header line with the published simulator time, then the bytes
+// (size of them, already copied under the offset lock), 16 a line. Nothing while the switch of its kind is
+// off. The caller holds the trace lock.
+void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes);
+// Switches read (isWrite 0) or write tracing; when both were off the trace log is reopened for appending,
+// so that a user may have moved or deleted the file.
+// Writes "Start Readlogging %f sec\n" and its kin. Takes the trace lock. Simulator's thread.
+void SwitchTrace(int isWrite, int on);
+
+// Simulator's running time in seconds as the last frame published it; any thread.
+float PublishedRunningTime();
+void PublishRunningTime(float seconds);

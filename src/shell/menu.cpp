@@ -1,0 +1,76 @@
+#include "shell/menu.h"
+
+#include <cstring>
+
+#include "XPLMMenus.h"
+#include "windows/windows.h"
+
+namespace {
+
+enum class Entry { Item, Separator, Submenu, EndOfSubmenu };
+
+// The menu as it is built, line by line. A row's `reference` is what the simulator hands back when the item
+// is chosen; `open` shows the window. The rows stand in the menu as long as the module is loaded.
+struct MenuRow {
+  Entry entry;
+  const char* label;
+  const char* reference;
+  void (*open)();
+};
+constexpr MenuRow rows[] = {
+    {Entry::Item, "TAVRIX Version and Info", "Open Version", OpenVersionWindow},
+    {Entry::Separator, "", "", nullptr},
+    {Entry::Submenu, "TAVRIX settings", "", nullptr},
+    {Entry::Item, "Performance settings", "Open performance", OpenPerformanceWindow},
+    {Entry::EndOfSubmenu, "", "", nullptr},
+};
+
+XPLMMenuID rootMenu;
+XPLMMenuID submenus[8];
+int submenuCount;
+
+void MenuHandler(void*, void* itemReference) {
+  try {
+    if (itemReference == nullptr) return;
+    const char* chosen = static_cast<const char*>(itemReference);
+    for (const MenuRow& row : rows) {
+      if (row.open != nullptr && std::strcmp(row.reference, chosen) == 0) row.open();
+    }
+  } catch (...) {
+  }
+}
+
+XPLMMenuID AddSubmenu(XPLMMenuID parent, const char* label) {
+  const int item = XPLMAppendMenuItem(parent, label, nullptr, 1);
+  XPLMMenuID menu = XPLMCreateMenu(label, parent, item, MenuHandler, nullptr);
+  return menu != nullptr ? menu : parent;  // items stay reachable when the simulator refuses a submenu
+}
+
+}  // namespace
+
+void BuildMenu() {
+  rootMenu = AddSubmenu(XPLMFindPluginsMenu(), "TAVRIX");
+  submenuCount = 0;
+  XPLMMenuID open = rootMenu;
+  for (const MenuRow& row : rows) {
+    switch (row.entry) {
+      case Entry::Item:
+        // The simulator only hands the text back; it is never written to.
+        XPLMAppendMenuItem(open, row.label, const_cast<char*>(row.reference), 1);
+        break;
+      case Entry::Separator: XPLMAppendMenuSeparator(open); break;
+      case Entry::Submenu:
+        open = AddSubmenu(open, row.label);
+        submenus[submenuCount++] = open;
+        break;
+      case Entry::EndOfSubmenu: open = rootMenu; break;
+    }
+  }
+}
+
+void DestroyMenuAndWindows() {
+  CloseAllWindows();
+  while (submenuCount > 0) XPLMDestroyMenu(submenus[--submenuCount]);
+  if (rootMenu != nullptr) XPLMDestroyMenu(rootMenu);
+  rootMenu = nullptr;
+}

@@ -1,0 +1,40 @@
+// The five entry points that the simulator calls. No exception leaves them.
+#include "XPLMDefs.h"
+#include "shell/lifecycle.h"
+
+PLUGIN_API int XPluginStart(char* name, char* signature, char* description) {
+  try {
+    return StartPlugin(name, signature, description);
+  } catch (...) {
+    return 0;
+  }
+}
+
+PLUGIN_API int XPluginEnable(void) {
+  try {
+    return EnablePlugin();
+  } catch (...) {
+    return 0;
+  }
+}
+
+PLUGIN_API void XPluginReceiveMessage(XPLMPluginID from, int message, void* parameter) {
+  try {
+    ReceivePluginMessage(from, message, parameter);
+  } catch (...) {
+  }
+}
+
+PLUGIN_API void XPluginDisable(void) {
+  try {
+    DisablePlugin();
+  } catch (...) {
+  }
+}
+
+PLUGIN_API void XPluginStop(void) {
+  try {
+    StopPlugin();
+  } catch (...) {
+  }
+}

@@ -1,0 +1,152 @@
+#include "windows/windows.h"
+
+#include <cstdio>
+#include <string>
+
+#include "XPLMDisplay.h"
+#include "XPStandardWidgets.h"
+#include "XPWidgets.h"
+#include "bridge/cycles.h"
+#include "offsets/memory.h"
+#include "shell/lifecycle.h"
+#include "shell/log.h"
+
+namespace {
+
+constexpr int lineHeight = 20;
+constexpr int margin = 15;
+
+XPWidgetID versionWindow;
+XPWidgetID performanceWindow;
+XPWidgetID readTraceBox;
+XPWidgetID writeTraceBox;
+XPWidgetID requestLine;
+XPWidgetID droppedLine;
+
+// A main window with close boxes, `lines` text lines high, near the screen's upper left corner.
+XPWidgetID MakeWindow(const char* title, int width, int lines, XPWidgetFunc_t handler) {
+  int screenWidth = 0;
+  int screenHeight = 0;
+  XPLMGetScreenSize(&screenWidth, &screenHeight);
+  const int left = 80;
+  const int top = screenHeight - 80;
+  XPWidgetID window = XPCreateWidget(left, top, left + width, top - (lines + 2) * lineHeight, 0, title, 1,
+                                     nullptr, xpWidgetClass_MainWindow);
+  if (window == nullptr) return nullptr;
+  XPSetWidgetProperty(window, xpProperty_MainWindowHasCloseBoxes, 1);
+  XPAddWidgetCallback(window, handler);
+  return window;
+}
+
+struct LinePlace {
+  int left, top, right, bottom;
+};
+
+LinePlace LineOf(XPWidgetID window, int line) {
+  LinePlace place = {};
+  XPGetWidgetGeometry(window, &place.left, &place.top, &place.right, &place.bottom);
+  const int top = place.top - (line + 1) * lineHeight;
+  return {place.left + margin, top, place.right - margin, top - lineHeight + 2};
+}
+
+XPWidgetID AddCaption(XPWidgetID window, int line, const char* text) {
+  const LinePlace place = LineOf(window, line);
+  return XPCreateWidget(place.left, place.top, place.right, place.bottom, 1, text, 0, window,
+                        xpWidgetClass_Caption);
+}
+
+XPWidgetID AddCheckBox(XPWidgetID window, int line, const char* label, int on) {
+  const LinePlace place = LineOf(window, line);
+  XPWidgetID box = XPCreateWidget(place.left, place.top, place.left + 14, place.bottom, 1, label, 0, window,
+                                  xpWidgetClass_Button);
+  XPSetWidgetProperty(box, xpProperty_ButtonType, xpRadioButton);
+  XPSetWidgetProperty(box, xpProperty_ButtonBehavior, xpButtonBehaviorCheckBox);
+  XPSetWidgetProperty(box, xpProperty_ButtonState, on);
+  XPCreateWidget(place.left + 22, place.top, place.right, place.bottom, 1, label, 0, window,
+                 xpWidgetClass_Caption);
+  return box;
+}
+
+std::string WithoutLineEnd(std::string text) {
+  while (!text.empty() && text.back() == '\n') text.pop_back();
+  return text;
+}
+
+int HandleVersion(XPWidgetMessage message, XPWidgetID widget, intptr_t, intptr_t) {
+  if (message != xpMessage_CloseButtonPushed) return 0;
+  XPHideWidget(widget);
+  return 1;
+}
+
+int HandlePerformance(XPWidgetMessage message, XPWidgetID widget, intptr_t param1, intptr_t param2) {
+  if (message == xpMessage_CloseButtonPushed) {
+    XPHideWidget(widget);
+    return 1;
+  }
+  if (message != xpMsg_ButtonStateChanged) return 0;
+  const XPWidgetID box = reinterpret_cast<XPWidgetID>(param1);
+  if (box != readTraceBox && box != writeTraceBox) return 0;
+  SwitchTrace(box == writeTraceBox ? 1 : 0, param2 != 0 ? 1 : 0);
+  return 1;
+}
+
+void MakeVersionWindow() {
+  versionWindow = MakeWindow("TAVRIX Version and Info", 320, 4, HandleVersion);
+  if (versionWindow == nullptr) return;
+  AddCaption(versionWindow, 0, WithoutLineEnd(pluginVersionText).c_str());
+  AddCaption(versionWindow, 1, WithoutLineEnd(networkVersionText).c_str());
+  AddCaption(versionWindow, 2, ("X-Plane Version: " + std::to_string(simulatorVersion)).c_str());
+}
+
+void MakePerformanceWindow() {
+  performanceWindow = MakeWindow("Performance settings", 360, 5, HandlePerformance);
+  if (performanceWindow == nullptr) return;
+  readTraceBox = AddCheckBox(performanceWindow, 0, "Log reads", 0);
+  writeTraceBox = AddCheckBox(performanceWindow, 1, "Log writes", 0);
+  requestLine = AddCaption(performanceWindow, 2, "");
+  droppedLine = AddCaption(performanceWindow, 3, "");
+}
+
+// The figures as they stand when the window is opened; switches are what disable left them.
+void FillPerformanceWindow() {
+  XPSetWidgetProperty(readTraceBox, xpProperty_ButtonState, static_cast<intptr_t>(readTrace.load()));
+  XPSetWidgetProperty(writeTraceBox, xpProperty_ButtonState, static_cast<intptr_t>(writeTrace.load()));
+  RequestCounters counters = {};
+  {
+    LockScope lock(&offsetLock);
+    counters = requestCounters;
+  }
+  XPSetWidgetDescriptor(requestLine, ("Requests: " + std::to_string(counters.requests) +
+                                      ", bytes read: " + std::to_string(counters.bytesRead) +
+                                      ", written: " + std::to_string(counters.bytesWritten))
+                                         .c_str());
+  XPSetWidgetDescriptor(droppedLine, ("Refreshes stored: " + std::to_string(refreshCounters.stored) +
+                                      ", dropped: " + std::to_string(refreshCounters.dropped))
+                                         .c_str());
+}
+
+void Show(XPWidgetID window) {
+  if (window == nullptr) return;
+  if (!XPIsWidgetVisible(window)) XPShowWidget(window);
+  XPBringRootWidgetToFront(window);
+}
+
+}  // namespace
+
+void OpenVersionWindow() {
+  if (versionWindow == nullptr) MakeVersionWindow();
+  Show(versionWindow);
+}
+
+void OpenPerformanceWindow() {
+  if (performanceWindow == nullptr) MakePerformanceWindow();
+  if (performanceWindow != nullptr) FillPerformanceWindow();
+  Show(performanceWindow);
+}
+
+void CloseAllWindows() {
+  for (XPWidgetID* window : {&versionWindow, &performanceWindow}) {
+    if (*window != nullptr) XPDestroyWidget(*window, 1);
+    *window = nullptr;
+  }
+}

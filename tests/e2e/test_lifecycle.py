@@ -1,0 +1,84 @@
+"""Start, enable, disable, stop and reload on the real plug-in file."""
+import re
+
+import pytest
+
+from conftest import wait_for
+
+STAMP = r"\d\d:\d\d:\d\d:\d\d\d"
+
+
+@pytest.fixture(params=["linux", pytest.param("win32", marks=pytest.mark.wine)])
+def build(request):
+    return request.getfixturevalue(request.param)
+
+
+def unstamped(text):
+    return re.sub(f"^{STAMP} ", "* ", text, flags=re.M).splitlines()
+
+
+def test_log_lines_in_order(start, build):
+    standin = start(build, "--rate", "0", "--flight", "none")
+    standin.ask("frames 5")
+    standin.quit()
+    word = "32 bit" if build.preset == "win32" else "64 bit"
+    lines = [line for line in unstamped(standin.log()) if "joystickcapturewindow" not in line]
+    begin = [f"TAVRIX Version 2.0.5.25 {word}", f"TAVFARNET Version 2.0.0.3 {word}", "Start Init!",
+             "Init Mem Blocks OK!", "Init DataRefMemBlock & VariablesAccessMemBlock OK!", "Init Command Block OK!"]
+    assert lines[:6] == begin
+    assert re.match(r"X-Plane Version: \d+$", lines[6])
+    assert lines[7:10] == ["-" * 50, "* TAVRIX Enable !", "TAVFARSERVER Enable !"]
+    text = "\n".join(lines)
+    order = ["TAVRIX->Initialise critical sections", "TAVRIX->TAVRIX2TAVRIX mode not active, init flightloops"]
+    if build.wine:
+        order += ["Starting KORLMain Thread!", "Create KORLMain Window OK!", "Register KORLMain Call message OK!"]
+    order += ["-" * 50 + "\n* TAVRIX->Starting deinit", "* TAVRIX->Closing KORL main window....."]
+    if build.wine:
+        order += ["* TAVRIX->Closing KORLMain Thread......", "TAVRIX->Closing Window",
+                  "TAVRIX->Closed KORLMain Thread!"]
+    order += ["TAVRIX->Release critical sections", "* TAVRIX deinit OK!", "* TAVRIX Disable !"]
+    places = [text.find(line) for line in order]
+    assert -1 not in places and places == sorted(places), dict(zip(order, places))
+    trace = standin.log("TAVRIX.log").splitlines()
+    assert trace[:2] == begin[:2] and re.match(r"X-Plane Version: \d+$", trace[2])
+
+
+def test_client_mode_starts_nothing_else(start, build, tmp_path):
+    root = tmp_path / "X-Plane client"
+    folder = root / "Resources" / "plugins" / "TAVRIX"
+    folder.mkdir(parents=True)
+    (folder / "TAVRIX.ini").write_text("[TAVRIX SETTINGS]\nTAVRIX2TAVRIX Client mode = Yes\n")
+    standin = start(build, "--rate", "0", root=root)
+    standin.ask("frames 70")
+    assert "TAVRIX->TAVRIX2TAVRIX mode active" in standin.log()
+    for line in ("init flightloops", "KORL Thread", "KORLMain"):
+        assert line not in standin.log()
+    standin.quit()
+
+
+def test_reload_and_enable_again(start, build):
+    standin = start(build, "--rate", "0", "--flight", "none")
+    for _ in range(3):
+        standin.ask("frames 70")
+        standin.ask("reload")
+    standin.ask("frames 2")
+    loops = standin.ask("loops").count("next=")
+    standin.ask("disable")
+    assert standin.say("loops") == "ok"
+    standin.ask("enable")
+    standin.ask("frames 2")
+    assert standin.ask("loops").count("next=") == loops
+    if build.wine:
+        wait_for("the line", lambda: "Threads already started once, reload the plug-in" in standin.log())
+    standin.quit()
+
+
+def test_unwritable_folder_is_one_line_and_no_failure(start, build, tmp_path):
+    root = tmp_path / "X-Plane bad"
+    (root / "Resources" / "plugins").mkdir(parents=True)
+    (root / "Resources" / "plugins" / "TAVRIX").write_text("a file where the folder should be\n")
+    standin = start(build, "--rate", "0", root=root)
+    if standin.process.poll() is None:
+        standin.ask("frames 70")
+        standin.quit()
+        assert any("TAVRIX" in line for line in standin.errors)

@@ -1,0 +1,200 @@
+// Main log and trace log: format of the lines, reopening, failure of the folder, use by several threads.
+#include "shell/log.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "offsets/locks.h"
+#include "platform/system.h"
+#include "platform/thread.h"
+
+namespace {
+
+std::vector<std::string> reports;
+void Report(const char* line) { reports.emplace_back(line); }
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+struct Log : testing::Test {
+  std::filesystem::path root = std::filesystem::path(testing::TempDir()) / "tavrix_log_test";
+  std::string folder = (root / "plugins" / "TAVRIX").string() + pathSeparator;
+
+  void SetUp() override {
+    std::filesystem::remove_all(root);
+    reports.clear();
+    readTrace = writeTrace = 0;
+    PublishRunningTime(0);
+    ASSERT_TRUE(CreateLocks());
+    ASSERT_TRUE(OpenLogs(folder.c_str(), Report));
+  }
+  void TearDown() override {
+    CloseLogs();
+    DeleteLocks();
+    readTrace = writeTrace = 0;
+    std::filesystem::remove_all(root);
+  }
+  std::string MainText() const { return ReadFile(folder + "TAVRIX.txt"); }
+  std::string TraceText() const { return ReadFile(folder + "TAVRIX.log"); }
+  static void Trace(int isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes) {
+    const LockScope scope(&traceLock);
+    TraceRecord(isWrite, request, offset, size, bytes);
+    FlushTrace();
+  }
+};
+
+TEST_F(Log, RecordsAreDumpedSixteenBytesALine) {
+  struct Case {
+    int isWrite;
+    float time;
+    uint32_t request, offset, size;
+    const char* expected;
+  };
+  constexpr Case cases[] = {
+      {0, 1.5f, 1, 0x0840, 0, " 0001.50 Req: 000001 READ  Offset: 0840 Bytes: 000 value: \n"},
+      {1, 123456.789f, 1234567, 0x1F000, 2,
+       " 123456.79 Req: 1234567 WRITE Offset: 1F000 Bytes: 002 value: F0 F1 \n"},
+      {0, -1.0f, 0, 0x2, 16,
+       " -001.00 Req: 000000 READ  Offset: 0002 Bytes: 016 value: F0 F1 F2 F3 F4 F5 F6 F7 F8 F9 FA FB FC FD FE "
+       "FF "
+       "\n\n"},
+      {1, 0.0f, 12, 0x3130, 17,
+       " 0000.00 Req: 000012 WRITE Offset: 3130 Bytes: 017 value: F0 F1 F2 F3 F4 F5 F6 F7 F8 F9 FA FB FC FD FE "
+       "FF "
+       "\n00 \n"},
+  };
+  std::vector<uint8_t> bytes;
+  for (int i = 0; i < 17; ++i) bytes.push_back(static_cast<uint8_t>(0xF0 + i));
+  readTrace = writeTrace = 1;
+  std::string expected;
+  for (const Case& c : cases) {
+    PublishRunningTime(c.time);
+    Trace(c.isWrite, c.request, c.offset, c.size, bytes.data());
+    expected += c.expected;
+    EXPECT_EQ(TraceText(), expected);
+  }
+  readTrace = 0;
+  Trace(0, 1, 2, 3, bytes.data());
+  EXPECT_EQ(TraceText(), expected) << "switched off";
+}
+
+TEST_F(Log, TraceIsReopenedOnlyWhenBothSwitchesWereOff) {
+  PublishRunningTime(2.25f);
+  SwitchTrace(0, 1);
+  EXPECT_EQ(TraceText(), "Start Readlogging 2.250000 sec\n");
+#if !defined(_WIN32)  // an open file cannot be moved away on Windows
+  std::filesystem::rename(folder + "TAVRIX.log", folder + "moved");
+  SwitchTrace(1, 1);
+  EXPECT_FALSE(IsFile((folder + "TAVRIX.log").c_str())) << "reading was on: the same file goes on";
+  SwitchTrace(0, 0);
+  SwitchTrace(1, 0);
+  EXPECT_EQ(ReadFile(folder + "moved"),
+            "Start Readlogging 2.250000 sec\nStart Writelogging 2.250000 sec\nStop Readlogging 2.250000 sec\n"
+            "Stop Writelogging 2.250000 sec\n");
+  SwitchTrace(1, 1);
+  EXPECT_EQ(TraceText(), "Start Writelogging 2.250000 sec\n");
+#endif
+}
+
+TEST_F(Log, LinesOfAnyLengthAndNumbersOfEveryKindStandAtOnce) {
+  const std::string longText(5000, 'x');
+  LogLine("%s|\n", longText.c_str());
+  EXPECT_EQ(MainText(), longText + "|\n");
+  LogBoth("%s %05.1f %i %lld %zu %02X %-4s|%*d %c %.3s %% %g\n", longText.c_str(), 2.5, -3, 1LL << 40,
+          size_t{7}, 0xABu, "ab", 4, 42, 'c', "abcdef", 1e20);
+  const std::string expected = longText + " 002.5 -3 1099511627776 7 AB ab  |  42 c abc % 1e+20\n";
+  EXPECT_EQ(MainText(), longText + "|\n" + expected);
+  EXPECT_EQ(TraceText(), expected);
+}
+
+TEST_F(Log, DecimalCommasOfTheLocaleDoNotReachTheFile) {
+  const std::string before = std::setlocale(LC_NUMERIC, nullptr);
+  int found = 0;
+  for (const char* name :
+       {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "German", "German_Germany.1252", "fr_FR.UTF-8"}) {
+    if (std::setlocale(LC_NUMERIC, name) && *std::localeconv()->decimal_point == ',') {
+      found = 1;
+      break;
+    }
+  }
+  LogLine("a,b %s %07.2f %g %e %f\n", "1,5", -2.5, 0.125, 1234.5, std::numeric_limits<double>::infinity());
+  std::setlocale(LC_NUMERIC, before.c_str());
+  EXPECT_EQ(MainText(), "a,b 1,5 -002.50 0.125 1.234500e+03 inf\n");
+  if (!found) GTEST_SKIP() << "no locale with a decimal comma here, checked with the point";
+}
+
+TEST_F(Log, TimeStampIsTwelveCharactersOfDigitsAndColons) {
+  char text[timeStampSize + 1];
+  text[timeStampSize] = '#';
+  const std::string stamp = TimeStamp(text);
+  EXPECT_EQ(text[timeStampSize], '#');
+  ASSERT_EQ(stamp.size(), 12u);
+  for (size_t i = 0; i < stamp.size(); ++i) {
+    EXPECT_EQ(stamp[i] == ':', i == 2 || i == 5 || i == 8) << stamp;
+  }
+}
+
+uint32_t LogManyLines(void*) {
+  for (int i = 0; i < 400; ++i) LogLine("line of %s\n", "a worker");
+  return 0;
+}
+
+TEST_F(Log, ReopeningWhileThreadsLogLosesAndTearsNoLine) {
+  Thread threads[3]{};
+  for (Thread& thread : threads) ASSERT_TRUE(StartThread(&thread, LogManyLines, nullptr));
+  for (int i = 0; i < 50; ++i) EXPECT_EQ(ReopenMainLog(), 1);
+  for (Thread& thread : threads) JoinThread(&thread);
+  std::string expected;
+  for (int i = 0; i < 1200; ++i) expected += "line of a worker\n";
+  EXPECT_EQ(MainText(), expected);
+}
+
+TEST_F(Log, OpenedAgainItStartsEmptyAndClosedItIsSilent) {
+  LogLine("first\n");
+  ReopenMainLog();
+  LogLine("second\n");
+  EXPECT_EQ(MainText(), "first\nsecond\n");
+  CloseLogs();
+  LogLine("lost\n");
+  SwitchTrace(0, 1);
+  FlushLogs();
+  EXPECT_EQ(ReopenMainLog(), 0);
+  EXPECT_EQ(MainText(), "first\nsecond\n");
+  ASSERT_TRUE(OpenLogs(folder.c_str(), Report));
+  EXPECT_EQ(MainText(), "");
+  EXPECT_TRUE(reports.empty());
+}
+
+TEST_F(Log, UnusableFolderGivesOneReportAndNoMore) {
+  CloseLogs();
+  const std::string blocked = (root / "file").string();
+  std::ofstream(blocked) << "not a folder";
+  std::filesystem::create_directories(root / "trace" / "TAVRIX.log");
+  const std::string folders[] = {blocked + pathSeparator + "TAVRIX" + pathSeparator,
+                                 (root / "trace").string() + pathSeparator,
+                                 root.string() + pathSeparator + std::string(5000, 'x') + pathSeparator};
+  for (const std::string& unusable : folders) {
+    reports.clear();
+    EXPECT_EQ(OpenLogs(unusable.c_str(), Report), 0);
+    ASSERT_EQ(reports.size(), 1u);
+    EXPECT_NE(reports[0].find(unusable.substr(0, 20)), std::string::npos) << reports[0];
+    EXPECT_EQ(reports[0].find('\n'), reports[0].size() - 1);
+    LogLine("nowhere\n");
+    LogBoth("nowhere %f\n", 1.0);
+    SwitchTrace(1, 1);
+    EXPECT_EQ(ReopenMainLog(), 0);
+    FlushLogs();
+    EXPECT_EQ(reports.size(), 1u);
+  }
+}
+
+}  // namespace

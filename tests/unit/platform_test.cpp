@@ -1,0 +1,243 @@
+// Locks, threads, events and file operations, on whichever system the tests run.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "offsets/locks.h"
+#include "platform/clock.h"
+#include "platform/event.h"
+#include "platform/lock.h"
+#include "platform/system.h"
+#include "platform/thread.h"
+
+namespace {
+
+constexpr int patienceMs = 20000;  // a wait that takes longer has hung
+
+struct Held {
+  Lock lock;
+  Event taken, release;
+};
+
+uint32_t HoldUntilReleased(void* argument) {
+  auto* held = static_cast<Held*>(argument);
+  const LockScope scope(&held->lock);
+  SignalEvent(&held->taken);
+  return static_cast<uint32_t>(WaitEvent(&held->release, patienceMs));
+}
+
+TEST(Locks, TryFailsWhileAnotherThreadHoldsAndSucceedsAfter) {
+  static Held held;
+  Thread thread{};
+  ASSERT_TRUE(CreateLock(&held.lock) && CreateAutoEvent(&held.taken) && CreateAutoEvent(&held.release));
+  ASSERT_TRUE(StartThread(&thread, HoldUntilReleased, &held));
+  ASSERT_TRUE(WaitEvent(&held.taken, patienceMs));
+  EXPECT_EQ(TryEnterLock(&held.lock), 0);
+  SignalEvent(&held.release);
+  EXPECT_EQ(JoinThread(&thread), 1u);
+  EXPECT_EQ(TryEnterLock(&held.lock), 1);
+  EXPECT_EQ(HoldsLock(&held.lock), 1);
+  LeaveLock(&held.lock);
+  DeleteLock(&held.lock);
+  CloseEvent(&held.taken);
+  CloseEvent(&held.release);
+}
+
+TEST(Locks, AbsentLocksLetTheOnlyThreadPass) {
+  static Lock lock;
+  EnterLock(&lock);
+  EXPECT_EQ(TryEnterLock(&lock), 1);
+  LeaveLock(&lock);
+  EXPECT_EQ(HoldsLock(&lock), 1);
+  DeleteLock(&lock);
+}
+
+struct Counter {
+  Lock lock;
+  int value;  // plain on purpose: the lock alone keeps it right
+};
+
+uint32_t CountUp(void* argument) {
+  auto* counter = static_cast<Counter*>(argument);
+  for (int i = 0; i < 5000; ++i) {
+    if (i % 2 == 0) {
+      EnterLock(&counter->lock);
+    } else {
+      while (!TryEnterLock(&counter->lock)) SleepMilliseconds(0);
+    }
+    ++counter->value;
+    LeaveLock(&counter->lock);
+  }
+  return 0;
+}
+
+TEST(Locks, MixedEntriesLoseNoUpdate) {
+  static Counter counter;
+  ASSERT_TRUE(CreateLock(&counter.lock));
+  Thread threads[4]{};
+  for (Thread& thread : threads) ASSERT_TRUE(StartThread(&thread, CountUp, &counter));
+  for (Thread& thread : threads) JoinThread(&thread);
+  EXPECT_EQ(counter.value, 20000);
+  DeleteLock(&counter.lock);
+}
+
+TEST(Events, OneSignalWakesOneWaitAndIsKeptUntilThen) {
+  Event event{};
+  ASSERT_TRUE(CreateAutoEvent(&event));
+  EXPECT_EQ(WaitEvent(&event, 0), 0);
+  SignalEvent(&event);
+  SignalEvent(&event);
+  EXPECT_EQ(WaitEvent(&event, -1), 1);
+  const int64_t start = MonotonicNanoseconds();
+  EXPECT_EQ(WaitEvent(&event, 30), 0);
+  EXPECT_GE(MonotonicNanoseconds() - start, 15 * 1000000);  // Windows rounds to its tick
+  CloseEvent(&event);
+  CloseEvent(&event);
+  SignalEvent(&event);
+  EXPECT_EQ(WaitEvent(&event, 0), 0);
+}
+
+struct PingPong {
+  Event ping, pong;
+  int rounds;
+};
+
+uint32_t AnswerPings(void* argument) {
+  auto* game = static_cast<PingPong*>(argument);
+  for (int i = 0; i < game->rounds; ++i) {
+    if (!WaitEvent(&game->ping, patienceMs)) return 0;
+    SignalEvent(&game->pong);
+  }
+  return 1;
+}
+
+TEST(Events, NoWakeUpIsLost) {
+  PingPong game{.ping = {}, .pong = {}, .rounds = 3000};
+  ASSERT_TRUE(CreateAutoEvent(&game.ping) && CreateAutoEvent(&game.pong));
+  Thread thread{};
+  ASSERT_TRUE(StartThread(&thread, AnswerPings, &game));
+  for (int i = 0; i < game.rounds; ++i) {
+    SignalEvent(&game.ping);
+    ASSERT_TRUE(WaitEvent(&game.pong, i % 2 == 0 ? -1 : patienceMs)) << "round " << i;
+  }
+  EXPECT_EQ(JoinThread(&thread), 1u);
+  CloseEvent(&game.ping);
+  CloseEvent(&game.pong);
+}
+
+struct Reader {
+  Event ready, go;
+  std::atomic<uint32_t> sum;
+};
+
+uint32_t SumMessagesUntilQuit(void* argument) {
+  auto* reader = static_cast<Reader*>(argument);
+  PrepareThreadMessages();
+  SignalEvent(&reader->ready);
+  WaitEvent(&reader->go, patienceMs);
+  uint32_t message = 0;
+  uintptr_t value = 0;
+  int result = 0;
+  while ((result = WaitThreadMessage(-1, &message, &value)) > 0) {
+    reader->sum = reader->sum * 10 + message % 1000 + static_cast<uint32_t>(value);
+  }
+  return result == 0 ? 1 : 0;
+}
+
+TEST(ThreadMessages, ArriveInOrderWhetherPostedBeforeOrDuringTheWait) {
+  constexpr uint32_t first = 1001 + 0x8000 / 1000 * 1000;  // the private range of Windows begins at 0x8000
+  for (const bool before : {true, false}) {
+    Reader reader{};
+    ASSERT_TRUE(CreateAutoEvent(&reader.ready) && CreateAutoEvent(&reader.go));
+    Thread thread{};
+    EXPECT_EQ(PostMessageToThread(&thread, messageQuit, 0), 0) << "not started";
+    ASSERT_TRUE(StartThread(&thread, SumMessagesUntilQuit, &reader));
+    EXPECT_NE(thread.id, 0u);
+    ASSERT_TRUE(WaitEvent(&reader.ready, patienceMs));
+    if (!before) SignalEvent(&reader.go);
+    EXPECT_EQ(PostMessageToThread(&thread, first, 0), 1);
+    EXPECT_EQ(PostMessageToThread(&thread, first, 2), 1);
+    EXPECT_EQ(PostMessageToThread(&thread, messageQuit, 0), 1);
+    if (before) SignalEvent(&reader.go);
+    EXPECT_EQ(JoinThread(&thread), 1u);
+    EXPECT_EQ(reader.sum, 13u);
+    EXPECT_EQ(thread.started, 0u);
+    CloseEvent(&reader.ready);
+    CloseEvent(&reader.go);
+  }
+}
+
+uint32_t WaitInVain(void*) {
+  PrepareThreadMessages();
+  uint32_t message = 0;
+  uintptr_t value = 0;
+  return WaitThreadMessage(20, &message, &value) == -1 ? 7 : 0;
+}
+
+uint32_t Throw(void*) { throw std::runtime_error("thrown by the test"); }
+
+TEST(Threads, TimeOutsExitCodesAndExceptions) {
+  Thread thread{};
+  EXPECT_EQ(JoinThread(&thread), 0u) << "not started";
+  ASSERT_TRUE(StartThread(&thread, WaitInVain, nullptr));
+  EXPECT_EQ(StartThread(&thread, WaitInVain, nullptr), 0) << "started and not joined";
+  EXPECT_EQ(JoinThread(&thread), 7u);
+  ASSERT_TRUE(StartThread(&thread, Throw, nullptr));
+  EXPECT_EQ(JoinThread(&thread), 0u);
+}
+
+TEST(Threads, RoundsLeaveNoHandleOrThreadBehind) {
+  const auto round = [] {
+    ASSERT_TRUE(CreateLocks());
+    Event event{};
+    Thread thread{};
+    ASSERT_TRUE(CreateAutoEvent(&event));
+    ASSERT_TRUE(StartThread(&thread, WaitInVain, nullptr));
+    JoinThread(&thread);
+    CloseEvent(&event);
+    DeleteLocks();
+  };
+  round();
+  const int handles = CountProcessHandles(), threads = CountProcessThreads();
+  ASSERT_GT(handles, 0);
+  ASSERT_GT(threads, 0);
+  for (int i = 0; i < 30; ++i) round();
+  EXPECT_LE(CountProcessHandles(), handles);
+  EXPECT_LE(CountProcessThreads(), threads);
+}
+
+TEST(System, MemoryGrowsWithUse) {
+  const int64_t before = ProcessMemoryBytes();
+  const std::vector<char> block(32u << 20, 'x');
+  EXPECT_GE(ProcessMemoryBytes(), before + (24 << 20)) << block[100];
+}
+
+TEST(System, FoldersAndReplacedFiles) {
+  const std::filesystem::path root = std::filesystem::path(testing::TempDir()) / "tavrix_platform_test";
+  std::filesystem::remove_all(root);
+  const std::string folder = (root / "a" / "b").string() + pathSeparator;
+  ASSERT_EQ(CreateFolders(folder.c_str()), 1);
+  EXPECT_EQ(CreateFolders(folder.c_str()), 1);
+  EXPECT_EQ(IsDirectory(folder.c_str()), 1);
+  EXPECT_EQ(IsFile(folder.c_str()), 0);
+
+  const std::string from = folder + "new", to = folder + "old";
+  std::ofstream(from) << "new";
+  std::ofstream(to) << "old";
+  EXPECT_EQ(CreateFolders((from + pathSeparator + "c").c_str()), 0) << "below a file";
+  EXPECT_FALSE(SystemErrorText().empty());
+  EXPECT_EQ(ReplaceFile(from.c_str(), to.c_str()), 1);
+  EXPECT_EQ(IsFile(from.c_str()), 0);
+  std::string content;
+  std::ifstream(to) >> content;
+  EXPECT_EQ(content, "new");
+  EXPECT_EQ(ReplaceFile(from.c_str(), to.c_str()), 0) << "nothing to put there";
+  EXPECT_EQ(IsFile(to.c_str()), 1);
+  EXPECT_LE(ComputerName().size(), 16u);
+  std::filesystem::remove_all(root);
+}
+
+}  // namespace

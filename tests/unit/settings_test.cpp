@@ -1,0 +1,260 @@
+// The settings file: its text and its life on the disk.
+#include "settings/settings.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "platform/system.h"
+#include "settings/settings_text.h"
+#include "shell/log.h"
+
+namespace {
+
+TEST(SettingsText, SetsOneKeyAndKeepsTheRestByteForByte) {
+  struct Case {
+    const char* text;
+    const char* section;
+    const char* key;
+    const char* value;
+    const char* expected;
+  };
+  const std::string longValue(140, 'v'), cutLine = "[A]\nx = " + std::string(130, 'v') + "\n";
+  const Case cases[] = {
+      {"", "A", "x", "1", "[A]\nx = 1\n"},
+      {"[A]", "A", "x", "1", "[A]\nx = 1\n"},
+      {"[A]\nx=0", "A", "x", "1", "[A]\nx = 1\n"},
+      {"; c\n\n[A]\n x=0 \ny = 2\njunk\n=\n", "A", "x", "1", "; c\n\n[A]\nx = 1\ny = 2\njunk\n=\n"},
+      {"[A]\ny = 2\n\n[B]\nx = 3\n", "A", "x", "1", "[A]\ny = 2\nx = 1\n\n[B]\nx = 3\n"},
+      {"[A]\n\n\n[B]\n", "B", "x", "1", "[A]\n\n\n[B]\nx = 1\n"},
+      {"[A]\n\n\n[B]\n", "A", "x", "1", "[A]\nx = 1\n\n\n[B]\n"},
+      {"x = 0\n[A]", "C", "x", "1", "x = 0\n[A]\n[C]\nx = 1\n"},
+      {"[A]\r\nx = 0\r\ny = 2\r\n", "A", "x", "1", "[A]\r\nx = 1\r\ny = 2\r\n"},
+      {"[A]\r\nx = 0\r\n", "A", "y", "1", "[A]\r\nx = 0\r\ny = 1\r\n"},
+      {"\xEF\xBB\xBF[A]\nx = 0\n", "A", "x", "1", "\xEF\xBB\xBF[A]\nx = 1\n"},
+      {"[A]\n;x = 0\n#x = 0\n", "A", "x", "1", "[A]\n;x = 0\n#x = 0\nx = 1\n"},
+      {"[a]\nX = 0\n", "A", "x", "1", "[a]\nx = 1\n"},
+      {"[A]\nX = 0\nx = 0\n", "A", "x", "1", "[A]\nX = 0\nx = 1\n"},
+      {"[A]\nx = 0\n[B]\ny = 0\ny = 0\n[A]\nx = 2\n", "A", "x", "1",
+       "[A]\nx = 1\n[B]\ny = 0\ny = 0\n[A]\nx = 1\n"},
+      {"[A]\n[B]\n[A]\nx = 2\n", "A", "x", "1", "[A]\n[B]\n[A]\nx = 1\n"},
+      {"[A\nx = 0\n", "A", "x", "1", "[A\nx = 0\n[A]\nx = 1\n"},
+      {"[A]\nx = 0\n", "A", "x", "1\n[B]\ny = 2", "[A]\nx = 1\n"},
+      {"[A]\n", "A", "x", longValue.c_str(), cutLine.c_str()},
+      {"[A]\nx = 5\n", "A", "x", "", "[A]\nx = \n"},
+  };
+  for (const Case& c : cases) {
+    const std::string changed = SetSettingInText(c.text, c.section, c.key, c.value);
+    EXPECT_EQ(changed, c.expected);
+    EXPECT_EQ(SetSettingInText(changed, c.section, c.key, c.value), changed) << "set twice";
+    std::string_view value;
+    EXPECT_TRUE(FindSetting(changed, c.section, c.key, &value));
+    EXPECT_EQ(value, CutSettingValue(c.value));
+  }
+}
+
+TEST(SettingsText, FindsValues) {
+  struct Case {
+    const char* text;
+    const char* expected;  // null: missing
+  };
+  constexpr Case cases[] = {
+      {"[A]\nx=1", "1"},
+      {"[A]\n\tx \t=\t 1 2 \t\r\n", "1 2"},
+      {"[A]\nx = a=b\n", "a=b"},
+      {"[A]\nx =\n", ""},
+      {"[ A ]\nx = 1\n", "1"},
+      {"[B]\nx = 1\n", nullptr},
+      {"x = 1\n[A]\n", nullptr},
+      {"[A]\nx1 = 1\n", nullptr},
+      {"[A]\nx = 1\x01zz\n", "1"},
+      {"[A]\nx\n", nullptr},
+      {"[A]\nX = 2\nx = 1\n", "1"},
+      {"[a]\nX = 2\n", "2"},
+      {"[A] tail\nx = 1", "1"},
+  };
+  for (const Case& c : cases) {
+    std::string_view value = "?";
+    EXPECT_EQ(FindSetting(c.text, "A", "x", &value), c.expected ? 1 : 0) << c.text;
+    if (c.expected) EXPECT_EQ(value, c.expected) << c.text;
+  }
+}
+
+TEST(SettingsText, ParsesValues) {
+  EXPECT_EQ(ParseInteger(" 12abc"), 12);
+  EXPECT_EQ(ParseInteger("+7"), 7);
+  EXPECT_EQ(ParseInteger("-3"), -3);
+  EXPECT_EQ(ParseInteger("x9"), 0);
+  EXPECT_EQ(ParseInteger("+-5"), 0);
+  EXPECT_EQ(ParseInteger("99999999999"), 2147483647);
+  EXPECT_EQ(ParseInteger("-99999999999"), -2147483647 - 1);
+  EXPECT_EQ(ParseNumber("-1.5"), -1.5);
+  EXPECT_EQ(ParseNumber(" +0.10 m"), 0.10);
+  EXPECT_EQ(ParseNumber("nan"), 0.0);
+  EXPECT_EQ(ParseNumber("1e999"), 0.0);
+  EXPECT_EQ(ParseNumber(""), 0.0);
+  for (const char* yes : {"Yes", "YES"}) EXPECT_EQ(ParseYesNo(yes), 1);
+  for (const char* no : {"yes", "No", "", "Yes.", "1"}) EXPECT_EQ(ParseYesNo(no), 0);
+  for (const char* off : {"Not assigned", "NOT ASSIGNED", ""}) EXPECT_EQ(ParseAxis(off).active, 0);
+  const AxisCombination axis = ParseAxis("1, 12"), half = ParseAxis("3");
+  EXPECT_TRUE(axis.active == 1 && axis.joystick == 1 && axis.axis == 12);
+  EXPECT_TRUE(half.active == 1 && half.joystick == 3 && half.axis == 0);
+  const FlapDetent full = ParseFlapDetent("0.25, 1,-2,9"), one = ParseFlapDetent("5"),
+                   none = ParseFlapDetent("");
+  EXPECT_TRUE(full.count == 3 && full.values[0] == 0.25 && full.values[1] == 1 && full.values[2] == -2);
+  EXPECT_TRUE(one.count == 1 && one.values[0] == 5);
+  EXPECT_TRUE(none.count == 0 && none.values[0] == 0);
+}
+
+struct SettingsFile : testing::Test {
+  std::filesystem::path root = std::filesystem::path(testing::TempDir()) / "tavrix_settings_test";
+  std::string path = (root / "TAVRIX.ini").string();
+  std::string logFolder = (root / "log").string() + pathSeparator;
+
+  void SetUp() override {
+    std::filesystem::remove_all(root);
+    std::filesystem::create_directories(root);
+    ASSERT_TRUE(OpenLogs(logFolder.c_str(), nullptr));
+    SetSettingsPath(path.c_str());
+  }
+  void TearDown() override {
+    CloseLogs();
+    std::filesystem::remove_all(root);
+  }
+  static std::string Read(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  void Put(const std::string& text) const { std::ofstream(path, std::ios::binary) << text; }
+  long LogLines() const {
+    const std::string text = Read(logFolder + "TAVRIX.txt");
+    return std::count(text.begin(), text.end(), '\n');
+  }
+};
+
+TEST_F(SettingsFile, MissingFileIsCreatedWithEveryDefaultInOrder) {
+  EXPECT_EQ(ReadAllSettings(), 1);
+  const std::string expected =
+      "TAVRIX Version 2.0.5.25 ini file\n\n"
+      "[TAVRIX SETTINGS]\nTune value = 0\nServer Address = 192.168.0.1\nTAVRIX2TAVRIX Client mode = No\n"
+      "[TAVRIX ATC SETTINGS]\nATC Number = LH 5363\nATC Tail Number = D-ABIB\nATC Airline name = Lufthansa\n"
+      "ATC Aircraft type = Boeing 737-800\n"
+      "[TAVRIX AXIS SETTINGS]\nInvert Elevator Axis = No\nInvert Aileron Axis = No\nInvert Rudder Axis = No\n"
+      "Combine Rudder Axis = Not assigned\nCombine Aileron Axis = Not assigned\n"
+      "Combine Elevator Axis = Not assigned\nCombine Tiller Axis = Not assigned\n"
+      "Combine Left Toebrake Axis = Not assigned\nCombine Right Toebrake Axis = Not assigned\n"
+      "[PUSHBACK SETTINGS]\nMaxSpeed = -1.5\n[OTHER SETTINGS]\nToeBrakeNullZonePercent = 0.10\n"
+      "[TAVRIX FLAPS SETTINGS]\nFlap Settings = Inactive\nNumber of Detends = 02\nFlap detend 1 = \n"
+      "Flap detend 2 = \nFlap detend 3 = \nFlap detend 4 = \nFlap detend 5 = \nFlap detend 6 = \n"
+      "Flap detend 7 = \nFlap detend 8 = \nFlap detend 9 = \nFlap detend 10 = \n";
+  EXPECT_EQ(Read(path), expected);
+  EXPECT_STREQ(settings.serverAddress, "192.168.0.1");
+  EXPECT_STREQ(settings.atcNumber, "LH 5363");
+  EXPECT_EQ(settings.pushbackMaxSpeed, -1.5);
+  EXPECT_EQ(settings.toeBrakeNullZone, 0.10);
+  EXPECT_EQ(settings.flapDetents, 2);
+  EXPECT_EQ(settings.combineTiller.active, 0);
+  EXPECT_EQ(LogLines(), 0);
+}
+
+TEST_F(SettingsFile, UserValuesAreReadAndMissingKeysCompleted) {
+  Put("[TAVRIX SETTINGS]\r\nTune value=5x\r\nTAVRIX2TAVRIX Client mode = YES\r\n\r\nmine\r\n"
+      "[TAVRIX ATC SETTINGS]\nATC Number =\n[TAVRIX AXIS SETTINGS]\nInvert Elevator Axis = yes\n"
+      "Combine Tiller Axis = 2,3\n[TAVRIX FLAPS SETTINGS]\nFlap Settings = Active\nNumber of Detends = 11\n"
+      "Flap detend 10 = 1,0.5");
+  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_EQ(settings.tuneValue, 5);
+  EXPECT_EQ(settings.clientMode, 1);
+  EXPECT_STREQ(settings.atcNumber, "") << "an empty key is present";
+  EXPECT_STREQ(settings.atcTailNumber, "D-ABIB");
+  EXPECT_EQ(settings.invertElevator, 0);
+  EXPECT_TRUE(settings.combineTiller.active == 1 && settings.combineTiller.joystick == 2);
+  EXPECT_EQ(settings.flapsActive, 1);
+  EXPECT_EQ(settings.flapDetents, 2) << "11 is not taken";
+  EXPECT_EQ(settings.flapDetent[9].count, 2);
+  const std::string text = Read(path);
+  EXPECT_TRUE(
+      text.starts_with("[TAVRIX SETTINGS]\r\nTune value=5x\r\nTAVRIX2TAVRIX Client mode = YES\r\n\r\nmine\r\n"
+                       "Server Address = 192.168.0.1\r\n[TAVRIX ATC SETTINGS]\nATC Number =\n"))
+      << text;
+  EXPECT_NE(text.find("\n[PUSHBACK SETTINGS]\nMaxSpeed = -1.5\n[OTHER SETTINGS]\nToe"), std::string::npos)
+      << text;
+  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_EQ(Read(path), text) << "nothing to complete any more";
+}
+
+TEST_F(SettingsFile, MisspelledAddressOutlivesTheSecondStart) {
+  Put("[TAVRIX SETTINGS]\nServer Adress = 10.0.0.5\n");
+  for (int start = 1; start <= 2; ++start) {
+    EXPECT_EQ(ReadAllSettings(), 1);
+    EXPECT_STREQ(settings.serverAddress, "10.0.0.5") << "start " << start;
+    char text[40];
+    EXPECT_EQ(ReadSetting("TAVRIX SETTINGS", "Server Address", text, sizeof text), 11);
+    EXPECT_STREQ(text, "192.168.0.1");
+  }
+  EXPECT_EQ(WriteSetting("TAVRIX SETTINGS", "Server Address", "10.1.2.3"), 1);
+  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_STREQ(settings.serverAddress, "10.1.2.3");
+  EXPECT_EQ(WriteSetting("TAVRIX SETTINGS", "Server Address", std::string(60, '1').c_str()), 1);
+  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_EQ(std::string(settings.serverAddress), std::string(19, '1'));
+}
+
+TEST_F(SettingsFile, ReadsSmallBuffersAndTellsMissingFromEmpty) {
+  char text[4] = "zzz";
+  EXPECT_EQ(ReadSetting("A", "x", text, sizeof text), -1) << "no file";
+  EXPECT_STREQ(text, "");
+  Put("[A]\nx = 12345\ny =\n");
+  EXPECT_EQ(ReadSetting("A", "x", text, sizeof text), 5);
+  EXPECT_STREQ(text, "123");
+  EXPECT_EQ(ReadSetting("A", "y", text, sizeof text), 0);
+  EXPECT_EQ(ReadSetting("A", "z", text, sizeof text), -1);
+  EXPECT_EQ(ReadSetting("A", "x", nullptr, 0), 5);
+  EXPECT_EQ(LogLines(), 0);
+  EXPECT_EQ(WriteSetting("A", "x=y", "1"), 0);
+  EXPECT_EQ(WriteSetting("A]", "x", "1"), 0);
+  EXPECT_EQ(LogLines(), 2);
+}
+
+TEST_F(SettingsFile, KillDuringARewriteLeavesTheOldFileAndNoTrouble) {
+  Put("[A]\nx = 1\n");
+  std::ofstream(path + ".tmp") << "half a fi";  // what a killed program leaves
+  EXPECT_EQ(WriteSetting("A", "x", "2"), 1);
+  EXPECT_EQ(Read(path), "[A]\nx = 2\n");
+  EXPECT_FALSE(std::filesystem::exists(path + ".tmp"));
+}
+
+TEST_F(SettingsFile, UnwritableFileGivesOneLineAndKeepsTheSettings) {
+  std::filesystem::create_directories(path + ".tmp");  // nothing can be created under that name
+  EXPECT_EQ(ReadAllSettings(), 0) << "neither read nor written";
+  EXPECT_STREQ(settings.atcAircraftType, "Boeing 737-800");
+  EXPECT_EQ(LogLines(), 1);
+  EXPECT_FALSE(std::filesystem::exists(path));
+  Put("[TAVRIX SETTINGS]\nTune value = 9\n");
+  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_EQ(settings.tuneValue, 9);
+  EXPECT_EQ(WriteSetting("TAVRIX SETTINGS", "Tune value", "8"), 0);
+  EXPECT_EQ(Read(path), "[TAVRIX SETTINGS]\nTune value = 9\n");
+  EXPECT_EQ(LogLines(), 3);
+}
+
+TEST_F(SettingsFile, UnreadableFilesAreLeftAlone) {
+  const std::string utf16("\xFF\xFE[\0A\0]\0", 8);
+  const std::string huge((4u << 20) + 1, 'x');
+  for (const std::string& content : {utf16, huge}) {
+    Put(content);
+    EXPECT_EQ(ReadAllSettings(), 0);
+    EXPECT_EQ(WriteSetting("A", "x", "1"), 0);
+    EXPECT_EQ(Read(path), content);
+  }
+  std::filesystem::remove(path);
+  std::filesystem::create_directories(path);
+  EXPECT_EQ(ReadAllSettings(), 0);
+  EXPECT_EQ(settings.flapDetents, 2);
+  EXPECT_EQ(LogLines(), 5);
+}
+
+}  // namespace

@@ -1,0 +1,45 @@
+// One named offset as the client tool knows it: the record of tools/offsetctl/offset_table.inc, which the
+// reference generator writes from the plug-in's catalogue.
+#pragma once
+#include <cstdint>
+#include <span>
+
+namespace ctl {
+
+enum class ValueType : uint8_t { U8, S8, U16, S16, U32, S32, U64, S64, F32, F64, Hex, Text };
+
+// How a stored number is shown.
+enum class Form : uint8_t {
+  Number,  // stored x unitScale + unitBias, with unit
+  Flag,    // 0 off, else on
+  Bcd,     // decimal digits, one per four bits: 0x1870 is 118.70 with unit MHz, 0x7000 is 7000 without
+  Bits,    // hexadecimal
+  Text,
+};
+
+struct OffsetName {
+  uint32_t offset;
+  ValueType type;
+  uint16_t length;  // bytes of the value
+  const char* name;  // "" when it has none
+  const char* meaning;
+  const char* unit;
+  double unitScale;
+  double unitBias;
+  Form show;
+  bool readOnly;  // the server drops writes to it
+  bool writable;  // a write reaches the simulator
+};
+
+// A stretch of offsets, both ends included.
+struct OffsetRange {
+  uint32_t first, last;
+};
+
+// What the tool knows about offsets: rows in the order of the catalogue, and everything read-only.
+struct NameTable {
+  std::span<const OffsetName> rows;
+  std::span<const OffsetRange> readOnly;
+};
+
+}  // namespace ctl

@@ -1,0 +1,271 @@
+#include "encode.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "numbers.h"
+
+namespace ctl {
+
+namespace {
+
+int Fail(std::string* error, const std::string& text) {
+  *error = text;
+  return 0;
+}
+
+int HexDigit(char letter) {
+  if (letter >= '0' && letter <= '9') return letter - '0';
+  if (letter >= 'a' && letter <= 'f') return letter - 'a' + 10;
+  if (letter >= 'A' && letter <= 'F') return letter - 'A' + 10;
+  return -1;
+}
+
+// Pairs of hexadecimal digits, with spaces between pairs or not.
+int ParseHexBytes(std::string_view text, std::vector<uint8_t>* bytes) {
+  std::vector<uint8_t> parsed;
+  for (size_t at = 0; at < text.size();) {
+    if (text[at] == ' ') {
+      ++at;
+      continue;
+    }
+    const int high = HexDigit(text[at]);
+    const int low = at + 1 < text.size() ? HexDigit(text[at + 1]) : -1;
+    if (high < 0 || low < 0) return 0;
+    parsed.push_back(static_cast<uint8_t>(high * 16 + low));
+    at += 2;
+  }
+  *bytes = std::move(parsed);
+  return 1;
+}
+
+int ParseQuoted(std::string_view text, std::vector<uint8_t>* bytes) {
+  if (text.size() < 2 || text.front() != '"' || text.back() != '"') return 0;
+  std::vector<uint8_t> parsed;
+  text = text.substr(1, text.size() - 2);
+  for (size_t at = 0; at < text.size(); ++at) {
+    char letter = text[at];
+    if (letter == '"') return 0;
+    if (letter == '\\') {
+      if (++at == text.size()) return 0;
+      letter = text[at];
+      if (letter == 'n') letter = '\n';
+      if (letter == 'x') {
+        std::vector<uint8_t> one;
+        if (at + 2 >= text.size() || !ParseHexBytes(text.substr(at + 1, 2), &one) || one.size() != 1) return 0;
+        letter = static_cast<char>(one[0]);
+        at += 2;
+      }
+    }
+    parsed.push_back(static_cast<uint8_t>(letter));
+  }
+  *bytes = std::move(parsed);
+  return 1;
+}
+
+void PutBits(uint64_t bits, Item* item) {
+  for (uint8_t& byte : item->bytes) {
+    byte = static_cast<uint8_t>(bits);
+    bits >>= 8;
+  }
+}
+
+uint64_t LargestMagnitude(ValueType type, uint32_t size, bool negative) {
+  const uint64_t all = size == 8 ? ~uint64_t{0} : (uint64_t{1} << (8 * size)) - 1;
+  if (!IsSigned(type)) return negative ? 0 : all;
+  return negative ? all / 2 + 1 : all / 2;
+}
+
+std::string RangeText(ValueType type, uint32_t size) {
+  const std::string low = IsSigned(type) ? "-" + WholeText(LargestMagnitude(type, size, true)) : "0";
+  return low + " to " + WholeText(LargestMagnitude(type, size, false));
+}
+
+int EncodeWhole(std::string_view text, Item* item, std::string* error) {
+  WholeNumber value;
+  if (!ParseWhole(text, &value)) return Fail(error, "\"" + std::string(text) + "\" is no whole number");
+  if (value.magnitude > LargestMagnitude(item->type, item->size, value.negative)) {
+    return Fail(error, std::string(text) + " does not fit " + TypeText(item->type, item->size) + ", which holds " +
+                           RangeText(item->type, item->size));
+  }
+  PutBits(value.negative ? uint64_t{0} - value.magnitude : value.magnitude, item);
+  return 1;
+}
+
+void PutReal(double value, Item* item) {
+  if (item->type == ValueType::F64) {
+    std::memcpy(item->bytes.data(), &value, 8);
+  } else {
+    const float single = static_cast<float>(value);
+    std::memcpy(item->bytes.data(), &single, 4);
+  }
+}
+
+int EncodeReal(std::string_view text, double value, Item* item, std::string* error) {
+  if (item->type == ValueType::F32 && std::isfinite(value) && std::isinf(static_cast<float>(value))) {
+    return Fail(error, std::string(text) + " does not fit f32");
+  }
+  PutReal(value, item);
+  return 1;
+}
+
+int ParseFraction(std::string_view text, double* value, std::string* error) {
+  if (text.find_first_of("xX") != std::string_view::npos) {
+    return Fail(error, "values are in engineering units here; for the stored number give the type too");
+  }
+  if (!ParseReal(text, value)) return Fail(error, "\"" + std::string(text) + "\" is no number");
+  return 1;
+}
+
+// Engineering units into the stored number, rounded to the nearest step.
+int EncodeScaled(std::string_view text, Item* item, std::string* error) {
+  const OffsetName& row = *item->row;
+  double value = 0;
+  if (!ParseFraction(text, &value, error)) return 0;
+  const double stored = (value - row.unitBias) / row.unitScale;
+  if (!IsInteger(item->type)) return EncodeReal(text, stored, item, error);
+  const double rounded = std::round(stored);
+  const double high = std::ldexp(1.0, static_cast<int>(item->size) * 8 - (IsSigned(item->type) ? 1 : 0));
+  const double low = IsSigned(item->type) ? -high : 0;
+  // NaN fails both comparisons.
+  if (!(rounded >= low && rounded < high)) {
+    const double first = low * row.unitScale + row.unitBias;
+    const double last = (high - 1) * row.unitScale + row.unitBias;
+    return Fail(error, std::string(text) + " is outside " + RealText(static_cast<float>(std::fmin(first, last))) + " to " +
+                           RealText(static_cast<float>(std::fmax(first, last))) + (row.unit[0] != 0 ? " " : "") + row.unit);
+  }
+  PutBits(IsSigned(item->type) ? static_cast<uint64_t>(static_cast<int64_t>(rounded))
+                               : static_cast<uint64_t>(rounded),
+          item);
+  return 1;
+}
+
+bool IsMegahertz(const OffsetName& row) { return std::strcmp(row.unit, "MHz") == 0 && row.length == 2; }
+
+// Decimal digits, four bits each. Megahertz drop the leading 1 and what does not fit behind the point.
+int EncodeBcd(std::string_view text, Item* item, std::string* error) {
+  double value = 0;
+  if (!ParseFraction(text, &value, error)) return 0;
+  const double first = IsMegahertz(*item->row) ? 100 : 0;
+  const double scale = IsMegahertz(*item->row) ? 100 : 1;
+  const double count = std::floor((value - first) * scale + 1e-6);
+  const double limit = std::pow(10.0, 2 * item->size);
+  if (!(count >= 0 && count < limit)) {
+    return Fail(error, std::string(text) + " is outside " + RealText(first) + " to " +
+                           RealText((limit - 1) / scale + first));
+  }
+  uint64_t rest = static_cast<uint64_t>(count);
+  uint64_t bits = 0;
+  for (uint32_t digit = 0; digit < 2 * item->size; ++digit, rest /= 10) bits |= (rest % 10) << (4 * digit);
+  PutBits(bits, item);
+  return 1;
+}
+
+int EncodeFlag(std::string_view text, Item* item, std::string* error) {
+  if (text == "on" || text == "true") text = "1";
+  if (text == "off" || text == "false") text = "0";
+  if (IsInteger(item->type)) return EncodeWhole(text, item, error);
+  double value = 0;
+  return ParseFraction(text, &value, error) && EncodeReal(text, value, item, error);
+}
+
+int EncodeText(std::string_view text, Item* item, std::string* error) {
+  std::vector<uint8_t> bytes(text.begin(), text.end());
+  if (text.starts_with('"') && !ParseQuoted(text, &bytes)) {
+    return Fail(error, std::string(text) + " is no quoted text: inside use \\\" \\\\ \\n \\xHH");
+  }
+  if (bytes.size() > item->size) {
+    return Fail(error, std::to_string(bytes.size()) + " characters do not fit into " + std::to_string(item->size));
+  }
+  std::copy(bytes.begin(), bytes.end(), item->bytes.begin());
+  return 1;
+}
+
+int EncodeHex(std::string_view digits, Item* item, std::string* error) {
+  std::vector<uint8_t> bytes;
+  if (!ParseHexBytes(digits, &bytes)) return Fail(error, "hex: takes pairs of digits, like hex:533F");
+  if (bytes.size() != item->size) {
+    return Fail(error, std::to_string(bytes.size()) + " bytes given, " + TypeText(item->type, item->size) + " has " +
+                           std::to_string(item->size));
+  }
+  item->bytes = std::move(bytes);
+  return 1;
+}
+
+}  // namespace
+
+bool IsSigned(ValueType type) {
+  return type == ValueType::S8 || type == ValueType::S16 || type == ValueType::S32 || type == ValueType::S64;
+}
+
+bool IsInteger(ValueType type) { return type <= ValueType::S64; }
+
+int ParseBytes(std::string_view text, std::vector<uint8_t>* bytes) {
+  if (text.starts_with("hex:")) return ParseHexBytes(text.substr(4), bytes);
+  return ParseQuoted(text, bytes);
+}
+
+int EncodeValue(std::string_view text, Item* item, std::string* error) {
+  if (text.empty() && item->type != ValueType::Text) return Fail(error, "the value is missing");
+  if (text.starts_with("hex:")) return EncodeHex(text.substr(4), item, error);
+  if (item->type == ValueType::Hex) return EncodeHex(text, item, error);
+  if (item->type == ValueType::Text) return EncodeText(text, item, error);
+  if (item->row != nullptr) {
+    const OffsetName& row = *item->row;
+    if (row.show == Form::Flag) return EncodeFlag(text, item, error);
+    if (row.show == Form::Bcd) return EncodeBcd(text, item, error);
+    if (row.unitScale != 1 || row.unitBias != 0) return EncodeScaled(text, item, error);
+  }
+  if (IsInteger(item->type)) return EncodeWhole(text, item, error);
+  double value = 0;
+  if (!ParseReal(text, &value)) return Fail(error, "\"" + std::string(text) + "\" is no number");
+  return EncodeReal(text, value, item, error);
+}
+
+uint64_t StoredBits(const Item& item) {
+  if (!IsInteger(item.type)) return 0;
+  uint64_t bits = 0;
+  for (uint32_t i = 0; i < item.size; ++i) bits |= uint64_t{item.bytes[i]} << (8 * i);
+  if (IsSigned(item.type) && item.size < 8 && (bits >> (8 * item.size - 1)) != 0) {
+    bits |= ~uint64_t{0} << (8 * item.size);
+  }
+  return bits;
+}
+
+double StoredNumber(const Item& item) {
+  if (item.type == ValueType::F32) {
+    float value = 0;
+    std::memcpy(&value, item.bytes.data(), 4);
+    return static_cast<double>(value);
+  }
+  if (item.type == ValueType::F64) {
+    double value = 0;
+    std::memcpy(&value, item.bytes.data(), 8);
+    return value;
+  }
+  const uint64_t bits = StoredBits(item);
+  return IsSigned(item.type) ? static_cast<double>(static_cast<int64_t>(bits)) : static_cast<double>(bits);
+}
+
+int EngineeringNumber(const Item& item, double* value) {
+  if (item.type == ValueType::Hex || item.type == ValueType::Text) return 0;
+  if (item.row == nullptr || item.row->show == Form::Flag || item.row->show == Form::Bits) {
+    *value = StoredNumber(item);
+    return 1;
+  }
+  if (item.row->show != Form::Bcd) {
+    *value = StoredNumber(item) * item.row->unitScale + item.row->unitBias;
+    return 1;
+  }
+  uint64_t number = 0;
+  const uint64_t bits = StoredBits(item);
+  for (uint32_t digit = 2 * item.size; digit-- > 0;) {
+    const uint64_t one = (bits >> (4 * digit)) & 15;
+    if (one > 9) return 0;
+    number = number * 10 + one;
+  }
+  *value = IsMegahertz(*item.row) ? static_cast<double>(number + 10000) / 100 : static_cast<double>(number);
+  return 1;
+}
+
+}  // namespace ctl

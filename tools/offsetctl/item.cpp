@@ -1,0 +1,140 @@
+#include "item.h"
+
+#include <cstring>
+
+#include "encode.h"
+#include "names.h"
+#include "numbers.h"
+
+namespace ctl {
+
+namespace {
+
+struct TypeName {
+  const char* text;
+  ValueType type;
+  uint32_t size;
+};
+constexpr TypeName typeNames[] = {
+    {"u8", ValueType::U8, 1},   {"s8", ValueType::S8, 1},   {"u16", ValueType::U16, 2}, {"s16", ValueType::S16, 2},
+    {"u32", ValueType::U32, 4}, {"s32", ValueType::S32, 4}, {"u64", ValueType::U64, 8}, {"s64", ValueType::S64, 8},
+    {"f32", ValueType::F32, 4}, {"f64", ValueType::F64, 8},
+};
+
+constexpr char typeList[] = "u8 s8 u16 s16 u32 s32 u64 s64 f32 f64 hex:N text:N";
+
+int Fail(std::string* error, const std::string& text) {
+  *error = text;
+  return 0;
+}
+
+std::string Quote(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+int ParseType(std::string_view text, Item* item, std::string* error) {
+  for (const TypeName& known : typeNames) {
+    if (text == known.text) {
+      item->type = known.type;
+      item->size = known.size;
+      return 1;
+    }
+  }
+  const bool isHex = text.starts_with("hex:");
+  if (isHex || text.starts_with("text:")) {
+    item->type = isHex ? ValueType::Hex : ValueType::Text;
+    if (!ParseUnsigned(text.substr(isHex ? 4 : 5), offsetMemorySize, &item->size) || item->size == 0) {
+      return Fail(error, Quote(text) + ": N is the number of bytes, 1 to 131072");
+    }
+    return 1;
+  }
+  return Fail(error, "no type " + Quote(text) + ": types are " + typeList);
+}
+
+// The offset or name before the type. Leaves the known row in `item->row`, if there is one.
+int ParsePlace(std::string_view text, const NameTable& names, Item* item, std::string* error) {
+  if (text.empty()) return Fail(error, "an item is OFFSET:TYPE or a name");
+  item->shown = text;
+  if (text[0] >= '0' && text[0] <= '9') {
+    if (!ParseUnsigned(text, offsetMemorySize - 1, &item->offset)) {
+      return Fail(error, "no offset " + Quote(text) + ": offsets are 0 to 0x1FFFF");
+    }
+    item->row = FindByOffset(names, item->offset);
+    return 1;
+  }
+  item->row = FindByName(names, text);
+  if (item->row == nullptr) {
+    return Fail(error, "no offset is named " + Quote(text) + ": see offsetctl list");
+  }
+  item->offset = item->row->offset;
+  return 1;
+}
+
+int CheckRange(Item* item, std::string* error) {
+  if (item->size > offsetMemorySize - item->offset) {
+    return Fail(error, item->shown + ": " + std::to_string(item->size) + " bytes from " +
+                           HexText(item->offset, 4) + " leave the offset memory, which ends at 0x1FFFF");
+  }
+  item->bytes.assign(item->size, 0);
+  return 1;
+}
+
+// An item whose type is left to its value (hex: or quoted text) gets size 0 and is completed later.
+int ParsePlaceAndType(std::string_view text, const NameTable& names, bool typeFromValue, Item* item,
+                      std::string* error) {
+  *item = {};
+  const size_t colon = text.find(':');
+  if (!ParsePlace(text.substr(0, colon), names, item, error)) return 0;
+  if (colon != std::string_view::npos) {
+    item->row = nullptr;
+    return ParseType(text.substr(colon + 1), item, error);
+  }
+  if (item->row != nullptr) {
+    item->type = item->row->type;
+    item->size = item->row->length;
+    return 1;
+  }
+  if (typeFromValue) return 1;
+  return Fail(error, item->shown + " needs a type, like " + item->shown + ":u16 (types are " + typeList + ")");
+}
+
+}  // namespace
+
+std::string TypeText(ValueType type, uint32_t size) {
+  if (type == ValueType::Hex) return "hex:" + std::to_string(size);
+  if (type == ValueType::Text) return "text:" + std::to_string(size);
+  for (const TypeName& known : typeNames) {
+    if (type == known.type) return known.text;
+  }
+  return "";
+}
+
+int ParseItem(std::string_view text, const NameTable& names, Item* item, std::string* error) {
+  return ParsePlaceAndType(text, names, false, item, error) && CheckRange(item, error);
+}
+
+int ParseAssignment(std::string_view text, const NameTable& names, Item* item, std::string* error) {
+  const size_t equals = text.find('=');
+  if (equals == std::string_view::npos) {
+    return Fail(error, Quote(text) + " has no value: write ITEM=VALUE");
+  }
+  const std::string_view value = text.substr(equals + 1);
+  const bool ownType = value.starts_with("hex:") || value.starts_with('"');
+  if (!ParsePlaceAndType(text.substr(0, equals), names, ownType, item, error)) return 0;
+  if (item->size == 0) {
+    item->type = value[0] == '"' ? ValueType::Text : ValueType::Hex;
+    if (!ParseBytes(value, &item->bytes) || item->bytes.empty()) {
+      return Fail(error, item->shown + ": " + Quote(value) + " is neither hex:BYTES nor quoted text");
+    }
+    item->size = static_cast<uint32_t>(item->bytes.size());
+  }
+  if (!CheckRange(item, error)) return 0;
+  std::string reason;
+  if (!EncodeValue(value, item, &reason)) return Fail(error, item->shown + ": " + reason);
+  const uint32_t refused = FirstReadOnly(names, item->offset, item->size);
+  if (refused != offsetMemorySize) {
+    const bool whole = refused == item->offset;
+    return Fail(error, item->shown + (whole ? " is read-only" : " covers " + HexText(refused, 4) + ", which is read-only"));
+  }
+  return 1;
+}
+
+}  // namespace ctl

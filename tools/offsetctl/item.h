@@ -1,0 +1,32 @@
+// What the user asks for on the command line: OFFSET:TYPE, NAME, NAME:TYPE, each with =VALUE for writing.
+// Pure; any thread.
+//
+// An item without a type is a known offset and speaks in its engineering units (knots, degrees, MHz); with
+// a type it is the stored number.
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "offset_names.h"
+
+namespace ctl {
+
+struct Item {
+  std::string shown;  // as typed, without type and value
+  uint32_t offset = 0;
+  ValueType type = ValueType::U8;
+  uint32_t size = 0;
+  const OffsetName* row = nullptr;   // the known offset when no type was given, else null
+  std::vector<uint8_t> bytes = {};   // the value in memory order, `size` of them
+};
+
+// "u16", "hex:4" ...
+std::string TypeText(ValueType type, uint32_t size);
+// Reads an item. Returns 1, or 0 with a sentence in `error`. `bytes` is `size` zeros then.
+int ParseItem(std::string_view text, const NameTable& names, Item* item, std::string* error);
+// Reads ITEM=VALUE and encodes the value into `bytes`. Values that the type cannot hold and read-only
+// offsets are errors. Returns 1, or 0 with a sentence in `error`.
+int ParseAssignment(std::string_view text, const NameTable& names, Item* item, std::string* error);
+
+}  // namespace ctl

@@ -1,0 +1,25 @@
+// Looking up the offsets that the plug-in knows by name. Pure; any thread.
+#pragma once
+#include <string_view>
+#include <vector>
+
+#include "offset_names.h"
+
+namespace ctl {
+
+constexpr uint32_t offsetMemorySize = 0x20000;
+
+// The table made from the plug-in's catalogue.
+NameTable KnownOffsets();
+
+// The row of that name (letters in either case), or null.
+const OffsetName* FindByName(const NameTable& names, std::string_view name);
+// The row whose value starts at that offset, one with a name first, or null.
+const OffsetName* FindByOffset(const NameTable& names, uint32_t offset);
+// The first read-only offset among `size` bytes from `offset`, or offsetMemorySize when there is none.
+uint32_t FirstReadOnly(const NameTable& names, uint32_t offset, uint32_t size);
+// Named rows that hold the text in name or meaning (letters in either case), or start at the offset that it
+// spells; all of them for "".
+std::vector<const OffsetName*> Search(const NameTable& names, std::string_view text);
+
+}  // namespace ctl

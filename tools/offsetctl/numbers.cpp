@@ -1,0 +1,84 @@
+#include "numbers.h"
+
+#include <charconv>
+
+namespace ctl {
+
+namespace {
+
+template <typename T>
+std::string Shortest(T value) {
+  char text[64];
+  const auto end = std::to_chars(text, text + sizeof text, value);
+  return std::string(text, end.ptr);
+}
+
+}  // namespace
+
+int ParseWhole(std::string_view text, WholeNumber* value) {
+  WholeNumber parsed = {};
+  if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
+    parsed.negative = text[0] == '-';
+    text.remove_prefix(1);
+  }
+  int base = 10;
+  if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+    base = 16;
+    text.remove_prefix(2);
+  }
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, parsed.magnitude, base);
+  if (text.empty() || result.ec != std::errc() || result.ptr != end) return 0;
+  *value = parsed;
+  return 1;
+}
+
+int ParseUnsigned(std::string_view text, uint32_t limit, uint32_t* value) {
+  WholeNumber whole;
+  if (text.empty() || text[0] < '0' || text[0] > '9') return 0;
+  if (!ParseWhole(text, &whole) || whole.magnitude > limit) return 0;
+  *value = static_cast<uint32_t>(whole.magnitude);
+  return 1;
+}
+
+int ParseReal(std::string_view text, double* value) {
+  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+  const char* end = text.data() + text.size();
+  double parsed = 0;
+  const auto result = std::from_chars(text.data(), end, parsed);
+  if (text.empty() || result.ec != std::errc() || result.ptr != end) return 0;
+  *value = parsed;
+  return 1;
+}
+
+std::string RealText(double value) { return Shortest(value); }
+std::string RealText(float value) { return Shortest(value); }
+
+std::string FixedText(double value, int decimals) {
+  char text[512];
+  const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
+  return end.ec == std::errc() ? std::string(text, end.ptr) : RealText(value);
+}
+
+std::string WholeText(uint64_t value) { return std::to_string(value); }
+std::string WholeText(int64_t value) { return std::to_string(value); }
+
+std::string HexText(uint64_t value, int digits) {
+  std::string text(static_cast<size_t>(digits), '0');
+  for (size_t at = text.size(); at-- > 0 && value != 0; value >>= 4) {
+    text[at] = "0123456789ABCDEF"[value & 15];
+  }
+  return "0x" + text;
+}
+
+std::string BytesText(const uint8_t* bytes, size_t size) {
+  std::string text;
+  for (size_t i = 0; i < size; ++i) {
+    if (i != 0) text += ' ';
+    text += "0123456789ABCDEF"[bytes[i] >> 4];
+    text += "0123456789ABCDEF"[bytes[i] & 15];
+  }
+  return text;
+}
+
+}  // namespace ctl

@@ -1,0 +1,171 @@
+#include "options.h"
+
+#include "numbers.h"
+
+namespace ctl {
+
+namespace {
+
+// Options of the commands, as bits.
+enum : unsigned { json = 1, rate = 2, seconds = 4, count = 8, server = 16 };
+
+struct CommandLine {
+  const char* word;
+  Command command;
+  unsigned options;
+  size_t fewest, most;  // items
+  const char* usage;
+  const char* about;
+};
+
+constexpr size_t anyNumber = 1000000;
+
+constexpr CommandLine commandLines[] = {
+    {"read", Command::Read, server | json, 1, anyNumber, "read ITEM... [--json]",
+     "Reads all items in one request and prints a line each:\n"
+     "  0x0330 = 16211 (53 3F)                    value, bytes in memory order\n"
+     "  heading = 269.978 deg, 49148 (FC BF)      value in units, stored value, bytes\n"
+     "Values that need no conversion are printed once.\n"
+     "--json prints one array of {name, offset, type, value, raw, unit} instead; integers of 64 bits are\n"
+     "strings there.\n"},
+    {"write", Command::Write, server, 1, anyNumber, "write ITEM=VALUE...",
+     "Writes all values in one request, in the order given.\n"
+     "VALUE is decimal or 0x, a fraction for f32 and f64, hex:BYTES in memory order, or text with or without\n"
+     "double quotes (inside them \\\" \\\\ \\n \\xHH). A name without a type takes engineering units and rounds\n"
+     "to the nearest step (heading=270, com1=118.70, parking_brake=on); with a type the value is stored as\n"
+     "it is (heading:u16=49152). Read-only offsets and values that do not fit are refused, nothing is\n"
+     "written then.\n"},
+    {"watch", Command::Watch, server | json | rate | seconds | count, 1, anyNumber,
+     "watch ITEM... [--rate N] [--count N] [--seconds N] [--json]",
+     "Prints every item once and then whenever its bytes change, until Ctrl-C, N printed values (--count) or\n"
+     "N seconds. --rate samples a second, 10 by default, at most 1000. --json prints an object a line.\n"},
+    {"dump", Command::Dump, server, 1, 1, "dump FILE",
+     "Writes the 131,072 bytes of the offset memory, as they are at one moment, into FILE.\n"},
+    {"monitor", Command::Monitor, server | rate | seconds, 0, 0, "monitor [--seconds N] [--rate N]",
+     "A live table of the cockpit, until Ctrl-C or N seconds. Into a file or pipe it prints one table a second.\n"},
+    {"list", Command::List, json, 0, 1, "list [TEXT] [--json]",
+     "Names that hold TEXT in name or meaning, or start at the offset TEXT; all without it. Needs no server.\n"},
+};
+
+const CommandLine* LineOf(Command command) {
+  for (const CommandLine& line : commandLines) {
+    if (line.command == command) return &line;
+  }
+  return nullptr;
+}
+
+int Fail(std::string* error, const std::string& text) {
+  *error = text;
+  return 0;
+}
+
+int TakeNumber(const std::string& option, const std::string& text, double least, double most, double* value,
+               std::string* error) {
+  double parsed = 0;
+  if (ParseReal(text, &parsed) && parsed >= least && parsed <= most) {
+    *value = parsed;
+    return 1;
+  }
+  return Fail(error, option + " takes a number from " + RealText(least) + " to " + RealText(most) + ", not \"" + text + "\"");
+}
+
+// An option with a number. Returns 1 taken, 0 failed, -1 not one of them.
+int TakeNumberOption(const std::string& option, unsigned allowed, const std::string& value, Options* options,
+                     std::string* error) {
+  if (option == "--timeout" && (allowed & server)) {
+    return TakeNumber(option, value, 0.01, 3600, &options->timeout, error);
+  }
+  if (option == "--rate" && (allowed & rate)) return TakeNumber(option, value, 0.01, 1000, &options->rate, error);
+  if (option == "--seconds" && (allowed & seconds)) {
+    return TakeNumber(option, value, 0.01, 1e6, &options->seconds, error);
+  }
+  if (option == "--count" && (allowed & count)) {
+    if (ParseUnsigned(value, UINT32_MAX, &options->count) && options->count > 0) return 1;
+    return Fail(error, "--count takes a whole number from 1, not \"" + value + "\"");
+  }
+  return -1;
+}
+
+int CheckItems(const CommandLine& line, const Options& options, std::string* error) {
+  const size_t items = options.items.size();
+  if (items >= line.fewest && items <= line.most) return 1;
+  return Fail(error, std::string(items < line.fewest ? "something is missing" : "too much is given") +
+                         ": offsetctl " + line.usage);
+}
+
+}  // namespace
+
+int ParseOptions(const std::vector<std::string>& words, Options* options, std::string* error) {
+  *options = {};
+  const CommandLine* line = nullptr;
+  bool optionsEnded = false;
+  for (size_t i = 0; i < words.size(); ++i) {
+    const std::string& word = words[i];
+    if (optionsEnded || word.size() < 2 || word[0] != '-') {
+      if (line != nullptr) {
+        options->items.push_back(word);
+        continue;
+      }
+      for (const CommandLine& known : commandLines) {
+        if (word == known.word) line = &known;
+      }
+      if (line == nullptr) return Fail(error, "no command \"" + word + "\": see offsetctl --help");
+      options->command = line->command;
+      continue;
+    }
+    const unsigned allowed = line == nullptr ? ~0u : line->options;
+    if (word == "--") {
+      optionsEnded = true;
+    } else if (word == "--help" || word == "-h") {
+      options->help = true;
+    } else if (word == "--json" && (allowed & json)) {
+      options->json = true;
+    } else if (word == "--local" && (allowed & server)) {
+      options->local = true;
+    } else {
+      const size_t equals = word.find('=');
+      const std::string option = word.substr(0, equals);
+      const bool hasNext = equals != std::string::npos || i + 1 < words.size();
+      const std::string value = equals != std::string::npos ? word.substr(equals + 1) : hasNext ? words[i + 1] : "";
+      const int taken = TakeNumberOption(option, allowed, value, options, error);
+      if (taken == 0) return 0;
+      if (taken < 0) {
+        return Fail(error, "no option " + option + (line != nullptr ? std::string(" of ") + line->word : "") +
+                               ": see offsetctl --help");
+      }
+      if (equals == std::string::npos) ++i;
+    }
+  }
+  if (options->help) return 1;
+  if (line == nullptr) return Fail(error, "a command is missing: see offsetctl --help");
+  // An option that stands before its command was taken without knowing it.
+  return CheckItems(*line, *options, error);
+}
+
+std::string HelpText(Command command) {
+  std::string text;
+  if (const CommandLine* line = LineOf(command)) {
+    text = std::string("offsetctl ") + line->usage + "\n\n" + line->about;
+    if (line->options & server) {
+      text += "\nEvery command that talks to the server takes --timeout SECONDS (5) and --local.\n";
+    }
+    return text;
+  }
+  text = "offsetctl reads and writes the offsets of a running TAVRIX plug-in.\n\n";
+  for (const CommandLine& line : commandLines) text += std::string("  offsetctl ") + line.usage + "\n";
+  text +=
+      "\nITEM is OFFSET:TYPE, NAME or NAME:TYPE. OFFSET is decimal or 0x, 0 to 0x1FFFF.\n"
+      "TYPE is u8 s8 u16 s16 u32 s32 u64 s64 f32 f64 hex:N or text:N (N bytes).\n"
+      "A NAME without a type speaks in engineering units (deg, kt, ft, MHz), with a type it is the stored\n"
+      "number. So does an OFFSET without a type, when the plug-in has a meaning for it.\n"
+      "\n  --timeout SECONDS   longest wait for an answer, 5 by default\n"
+      "  --local             ask the window server on this computer (Windows; the default there)\n"
+      "  COMMAND --help      more about one command\n"
+      "\nExit status: 0 done; 1 no server, refused or no answer in time; 2 wrong usage, name, type or value.\n"
+      "\n  offsetctl read heading ias 0x0330:u16\n"
+      "  offsetctl write com1=118.70 0x0330:u16=16211\n"
+      "  offsetctl watch altitude --rate 2 --seconds 60\n";
+  return text;
+}
+
+}  // namespace ctl

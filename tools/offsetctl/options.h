@@ -1,0 +1,28 @@
+// The command line. Pure; any thread.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace ctl {
+
+enum class Command { None, Read, Write, Watch, Dump, Monitor, List };
+
+struct Options {
+  Command command = Command::None;
+  std::vector<std::string> items;  // what is no option
+  bool help = false;
+  bool json = false;
+  bool local = false;
+  double timeout = 5;  // seconds for every answer
+  double rate = 10;    // samples a second
+  double seconds = 0;  // 0: without end
+  uint32_t count = 0;  // printed values, 0: without end
+};
+
+// Reads the words behind the program's name. Returns 1, or 0 with a sentence in `error`.
+int ParseOptions(const std::vector<std::string>& words, Options* options, std::string* error);
+// The page for `offsetctl --help`, or for one command.
+std::string HelpText(Command command);
+
+}  // namespace ctl

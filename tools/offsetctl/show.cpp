@@ -1,0 +1,144 @@
+#include "show.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "encode.h"
+#include "numbers.h"
+
+namespace ctl {
+
+namespace {
+
+// Up to the first zero byte: what follows it is left over from longer texts.
+std::string PlainText(const Item& item) {
+  const auto end = std::find(item.bytes.begin(), item.bytes.end(), uint8_t{0});
+  return std::string(item.bytes.begin(), end);
+}
+
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char letter : text) {
+    const uint8_t code = static_cast<uint8_t>(letter);
+    if (letter == '"' || letter == '\\') {
+      quoted += '\\';
+      quoted += letter;
+    } else if (code < 0x20 || code >= 0x7F) {
+      quoted += "\\x" + HexText(code, 2).substr(2);
+    } else {
+      quoted += letter;
+    }
+  }
+  return quoted + "\"";
+}
+
+// Bytes above 0x7E are taken for their Latin-1 characters.
+std::string JsonString(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char letter : text) {
+    const uint8_t code = static_cast<uint8_t>(letter);
+    if (letter == '"' || letter == '\\') {
+      quoted += '\\';
+      quoted += letter;
+    } else if (code < 0x20 || code >= 0x7F) {
+      quoted += "\\u" + HexText(code, 4).substr(2);
+    } else {
+      quoted += letter;
+    }
+  }
+  return quoted + "\"";
+}
+
+bool HasScale(const Item& item) {
+  return item.row != nullptr && item.row->show == Form::Number &&
+         (item.row->unitScale != 1 || item.row->unitBias != 0);
+}
+
+// As many decimals as one step of the stored integer needs, six at most.
+int Decimals(double step) {
+  if (!(step > 0)) return 6;
+  return std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1e-9)), 0, 6);
+}
+
+std::string ScaledText(const Item& item) {
+  const double value = StoredNumber(item) * item.row->unitScale + item.row->unitBias;
+  if (!std::isfinite(value)) return RealText(value);
+  std::string text =
+      FixedText(value, IsInteger(item.type) ? Decimals(std::fabs(item.row->unitScale)) : 6);
+  if (!IsInteger(item.type) && std::fabs(value) >= 1e15) text = RealText(value);
+  return text.find_first_not_of("-0.") == std::string::npos && text[0] == '-' ? text.substr(1) : text;
+}
+
+std::string BcdText(const Item& item) {
+  double value = 0;
+  if (!EngineeringNumber(item, &value)) return "no decimal digits";
+  if (std::strcmp(item.row->unit, "MHz") == 0) return FixedText(value, 2);
+  std::string digits = FixedText(value, 0);
+  const size_t width = item.row->unit[0] == 0 ? 2 * item.size : 1;
+  return digits.size() < width ? std::string(width - digits.size(), '0') + digits : digits;
+}
+
+std::string JsonNumber(double value) { return std::isfinite(value) ? RealText(value) : "null"; }
+
+std::string JsonValue(const Item& item) {
+  if (item.type == ValueType::Hex) return JsonString(StoredText(item));
+  if (item.type == ValueType::Text) return JsonString(PlainText(item));
+  double value = 0;
+  if (!EngineeringNumber(item, &value)) return "null";
+  if (HasScale(item)) return JsonNumber(value);
+  if (item.row != nullptr && item.row->show == Form::Bcd) return JsonNumber(value);
+  if (item.type == ValueType::U64 || item.type == ValueType::S64) return JsonString(StoredText(item));
+  return std::isfinite(value) ? StoredText(item) : "null";
+}
+
+}  // namespace
+
+std::string StoredText(const Item& item) {
+  switch (item.type) {
+    case ValueType::Hex: return BytesText(item.bytes.data(), item.bytes.size());
+    case ValueType::Text: return Quoted(PlainText(item));
+    case ValueType::F32: return RealText(static_cast<float>(StoredNumber(item)));
+    case ValueType::F64: return RealText(StoredNumber(item));
+    default: break;
+  }
+  const uint64_t bits = StoredBits(item);
+  return IsSigned(item.type) ? WholeText(static_cast<int64_t>(bits)) : WholeText(bits);
+}
+
+std::string EngineeringText(const Item& item) {
+  if (item.row == nullptr || item.type == ValueType::Text) return StoredText(item);
+  switch (item.row->show) {
+    case Form::Flag: return StoredNumber(item) != 0 ? "on" : "off";
+    case Form::Bcd: return BcdText(item);
+    case Form::Bits: {
+      const uint64_t bits = StoredBits(item);
+      const uint64_t mask = item.size >= 8 ? ~uint64_t{0} : (uint64_t{1} << (8 * item.size)) - 1;
+      return HexText(bits & mask, static_cast<int>(2 * item.size));
+    }
+    default: return HasScale(item) ? ScaledText(item) : StoredText(item);
+  }
+}
+
+std::string ItemLine(const Item& item) {
+  std::string line = item.shown + " = " + EngineeringText(item);
+  if (item.type == ValueType::Hex) return line;
+  if (item.row != nullptr && item.type != ValueType::Text) {
+    if (item.row->unit[0] != 0) line += std::string(" ") + item.row->unit;
+    if (item.row->show == Form::Bcd) {
+      line += ", " + HexText(StoredBits(item), static_cast<int>(2 * item.size));
+    } else if (HasScale(item) || item.row->show == Form::Flag) {
+      line += ", " + StoredText(item);
+    }
+  }
+  return line + " (" + BytesText(item.bytes.data(), item.bytes.size()) + ")";
+}
+
+std::string ItemJson(const Item& item) {
+  return "{\"name\": " + JsonString(item.shown) + ", \"offset\": " + std::to_string(item.offset) +
+         ", \"type\": " + JsonString(TypeText(item.type, item.size)) + ", \"value\": " + JsonValue(item) +
+         ", \"raw\": " + JsonString(BytesText(item.bytes.data(), item.bytes.size())) +
+         ", \"unit\": " + JsonString(item.row != nullptr ? item.row->unit : "") + "}";
+}
+
+}  // namespace ctl

@@ -1,0 +1,21 @@
+// Values as text: the lines of read and watch, JSON, and cells of the monitor. Pure; any thread.
+#pragma once
+#include <string>
+
+#include "item.h"
+
+namespace ctl {
+
+// The stored value: shortest numbers that read back the same, text in quotes up to its first zero byte,
+// hex as bytes.
+std::string StoredText(const Item& item);
+// The value in the units of the item's row, without the unit; the stored value for items without one.
+std::string EngineeringText(const Item& item);
+// "0x0330 = 16211 (53 3F)", "heading = 269.978 deg, 49148 (FC BF)"; without line end.
+std::string ItemLine(const Item& item);
+// {"name": ..., "offset": ..., "type": ..., "value": ..., "raw": ..., "unit": ...}. The value is a number in
+// engineering units for items with a row that has them, else the stored one; integers of 64 bits are
+// strings, what JSON has no number for is null.
+std::string ItemJson(const Item& item);
+
+}  // namespace ctl

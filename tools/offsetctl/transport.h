@@ -1,0 +1,32 @@
+// How the tool reaches the offset memory of a running plug-in. One way at a time, main thread only.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace ctl {
+
+// One stretch of the offset memory and the bytes that come from it or go to it.
+struct Transfer {
+  uint32_t offset;
+  uint32_t size;
+  uint8_t* bytes;
+};
+
+struct Transport {
+  const char* title;  // names the way, for the monitor
+  // Finds the server. `timeoutMs` bounds every call from here on. Returns 1, or 0 with a line in `error`.
+  int (*open)(int timeoutMs, std::string* error);
+  // Both return 1, or 0 with a line in `error` when the server is gone, refused or did not answer in time.
+  // Of several requests that a long list needs, the first may have been served by then. `readOffsets` also
+  // ends, with 0, soon after Ctrl-C.
+  int (*readOffsets)(const std::vector<Transfer>& transfers, std::string* error);
+  int (*writeOffsets)(const std::vector<Transfer>& transfers, std::string* error);
+  // Gives everything back. Does nothing when it is not open.
+  void (*close)();
+};
+
+// The window server of the plug-in on this computer; null on systems that have none.
+const Transport* LocalTransport();
+
+}  // namespace ctl
