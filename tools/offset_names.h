@@ -20,7 +20,7 @@ enum class Form : uint8_t {
 struct OffsetName {
   uint32_t offset;
   ValueType type;
-  uint16_t length;  // bytes of the value
+  uint16_t length;   // bytes of the value
   const char* name;  // "" when it has none
   const char* meaning;
   const char* unit;

@@ -39,7 +39,7 @@ void SetScalar(DataRef* ref, T value, bool own, Setter store, void (*Provider::*
   bool writable = ref->live && ref->writable;
   Provider* other = Answering(ref);
   bool takes = writable && (own || (other && other->*provided));
-  sim::RecordWrite(ref, -1, value, !takes);
+  sim::RecordWrite(ref, sim::kWhole, value, !takes);
   if (!takes) return;
   if (own) {
     store();
@@ -58,7 +58,8 @@ void SetArray(DataRef* ref, std::vector<T>* storage, T* values, int offset, int 
   Provider* other = Answering(ref);
   bool given = other && other->*provided;
   int taken = !writable ? 0 : given ? count : Fitting(storage->size(), offset, count);
-  for (int i = 0; i < count; ++i) sim::RecordWrite(ref, offset + i, values[i], i >= taken);
+  for (int i = 0; i < count && offset <= INT32_MAX - i; ++i)
+    sim::RecordWrite(ref, offset + i, values[i], i >= taken);
   if (taken <= 0) return;
   if (given) {
     sim::InPlugin inside(other->owner);

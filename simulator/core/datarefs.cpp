@@ -15,7 +15,7 @@ std::vector<DataRef*> live;                                        // in order o
 constexpr size_t kKeptWrites = 100000;
 struct Write {
   DataRef* ref;
-  int index;  // -1 scalar; for bytes the offset
+  int index;  // kWhole, element, or offset into the bytes
   enum : uint8_t { Int, Float, Double, Text } type;
   bool ignored;
   union {
@@ -43,7 +43,8 @@ Write& NextWrite(DataRef* ref, int index, bool ignored) {
 
 std::string PrintWrite(const Write& write) {
   std::string line = write.ref->name;
-  if (write.index > 0 || (write.index == 0 && write.type != Write::Text)) {
+  bool text = write.type == Write::Text;
+  if (write.index != (text ? 0 : kWhole)) {
     line += '[' + FormatInt(write.index) + ']';
   }
   line += '=';

@@ -26,7 +26,8 @@ struct Provider {
   void* writeRef = nullptr;
 };
 
-// Lists what a plug-in set; the newest 100,000 are kept. Index -1: scalar.
+// Lists what a plug-in set; the newest 100,000 are kept. The index of a scalar is kWhole.
+constexpr int kWhole = INT32_MIN;
 void RecordWrite(DataRef* ref, int index, int value, bool ignored);
 void RecordWrite(DataRef* ref, int index, float value, bool ignored);
 void RecordWrite(DataRef* ref, int index, double value, bool ignored);

@@ -77,8 +77,8 @@ void Disable(Plugin* plugin) {
 
 void Leftover(int count, const char* what, const std::string& which) {
   if (count == 0) return;
-  std::string why = FormatInt(count) + ' ' + what + " left";
-  Breach("XPluginStop", (which.empty() ? why : why + ": " + which).c_str());
+  std::string why = std::string(what) + " left: " + FormatInt(count);
+  Breach("XPluginStop", (which.empty() ? why : why + " (" + which + ')').c_str());
 }
 
 // Removes what is still there of the plug-in. What it should have removed itself is a breach, unless it

@@ -22,23 +22,25 @@ struct Vec {
 
 struct Flight {
   double time = 0;
-  Vec velocity;                       // over the ground, world axes
-  double q[4] = {1, 0, 0, 0};         // attitude, scalar first
+  double zulu = 0;       // seconds since midnight UTC
+  float shownZulu = -1;  // what the dataref held last
+  Vec velocity;                        // over the ground, world axes
+  double q[4] = {1, 0, 0, 0};          // attitude, scalar first
   double phi = 0, theta = 0, psi = 0;  // of q, radians
-  Vec rate;                           // body rates P, Q, R, rad/s
-  Vec rateChange;                     // rad/s2
-  Vec acceleration;                   // of the velocity, world axes, m/s2
+  Vec rate;                            // body rates P, Q, R, rad/s
+  Vec rateChange;                      // rad/s2
+  Vec acceleration;                    // of the velocity, world axes, m/s2
   double mass = 1;
   double fuel[9] = {};
   Air air;
   double airspeed = 0, indicated = 0;  // m/s
   double alpha = 0, beta = 0;
-  double lift = 0;            // lift coefficient in use
-  double liftLimit = 1.5;     // at which the wing stalls
+  double lift = 0;              // lift coefficient in use
+  double liftLimit = 1.5;       // at which the wing stalls
   double alphaNeutral = 0.035;  // angle of attack that a centred elevator asks for
-  double thrust = 0;          // newtons, all engines
-  bool ground = false;        // wheels touch
-  double groundHeight = 0;    // terrain above sea level
+  double thrust = 0;            // newtons, all engines
+  bool ground = false;          // wheels touch
+  double groundHeight = 0;      // terrain above sea level
   // Commands in use this frame, -1..1: nose up, right wing down, nose right.
   double elevator = 0, aileron = 0, rudder = 0;
   double flap = 0, gear = 1, speedBrake = 0;  // as deployed
@@ -77,27 +79,29 @@ enum : int {
   apVnav = 262144,
 };
 constexpr int apLateral = apHeading | apLeveler | apNav | apTogaLateral;
-constexpr int apVertical = apSpeedByPitch | apVerticalSpeed | apLevelChange | apPitch | apGlide | apAltitude |
-                           apTogaVertical | apVnav;
+constexpr int apVertical =
+    apSpeedByPitch | apVerticalSpeed | apLevelChange | apPitch | apGlide | apAltitude | apTogaVertical | apVnav;
 // The state after the buttons of all bits of `wanted` have been pressed once.
 int PressedState(int state, int wanted);
 void PressModes(int modes);  // presses them on the panel
 void DisconnectAutopilot();
 void PressBackCourse();
 void PressToga();
-void StepModes();  // captures: armed modes become engaged ones
+void HookAutopilot();
+double NavDeflection();  // NAV 1 needle in dots, as the autopilot uses it (back course reversed)
+void StepModes();        // captures: armed modes become engaged ones
 
 // --- Parts of a step ------------------------------------------------------------------------------
-void TakeOverSetValues();         // model.cpp
-void Move(double dt);             // model.cpp: forces and movement
-void ShowMovement();              // instruments.cpp: position, attitude, speeds, forces
-void ShowClocks(double dt, double simulated);
-void StepLevers(double dt);       // controls.cpp: flaps, gear, speed brake, brakes, surfaces
-void HookControls();              // controls.cpp: twins of levers, hands on levers
-void RequestFlaps(double ratio);  // as a hand would
+void TakeOverSetValues();           // model.cpp
+void Move(double dt);               // model.cpp: forces and movement
+void ShowMovement();                // instruments.cpp: position, attitude, speeds, forces
+void ShowClocks(double simulated);  // time of day, cabin
+void StepLevers(double dt);         // controls.cpp: flaps, gear, speed brake, brakes, surfaces
+void HookControls();                // controls.cpp: twins of levers, hands on levers
+void RequestFlaps(double ratio);    // as a hand would
 void RequestGear(bool down);
-void StepEngines(double dt);      // engines.cpp
-void StartEngines();              // running, at the throttle's setting
+void StepEngines(double dt);  // engines.cpp
+void StartEngines();          // running, at the throttle's setting
 void HoldStarter(int engine, bool held);
 double ThrottleForThrust(double newtons);  // lever ratio 0..1 that gives it, all engines together
 void SetThrottles(double ratio);           // as the pilot or the autothrottle

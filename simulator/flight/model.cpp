@@ -35,7 +35,9 @@ void Normalise(double q[4]) {
   for (int i = 0; i < 4; i++) q[i] /= length;
 }
 
-double Finite(double value, double low, double high) { return std::isfinite(value) ? std::clamp(value, low, high) : 0; }
+double Finite(double value, double low, double high) {
+  return std::isfinite(value) ? std::clamp(value, low, high) : 0;
+}
 
 void Remember() {
   shown.x = D(refs.x);
@@ -54,12 +56,15 @@ void Remember() {
   for (int i = 0; i < 9; i++) shown.fuel[i] = F(refs.fuel, i);
 }
 
-Vec Cross(const Vec& a, const Vec& b) { return {a.e * b.d - a.d * b.e, a.d * b.n - a.n * b.d, a.n * b.e - a.e * b.n}; }
+Vec Cross(const Vec& a, const Vec& b) {
+  return {a.e * b.d - a.d * b.e, a.d * b.n - a.n * b.d, a.n * b.e - a.e * b.n};
+}
 double Dot(const Vec& a, const Vec& b) { return a.n * b.n + a.e * b.e + a.d * b.d; }
 
 // Air data of the present attitude and velocity.
 void FindAirData() {
-  Vec through = {flight.velocity.n - flight.air.windNorth, flight.velocity.e - flight.air.windEast, flight.velocity.d};
+  Vec through = {flight.velocity.n - flight.air.windNorth, flight.velocity.e - flight.air.windEast,
+                 flight.velocity.d};
   Vec body = BodyOf(flight.q, through);
   flight.airspeed = std::sqrt(Dot(through, through));
   flight.indicated = flight.airspeed * std::sqrt(flight.air.rho / 1.225);
@@ -111,10 +116,9 @@ void Turn(double dt) {
   flight.rate.d = Finite(flight.rate.d + change.d * dt, -3, 3);
   const double* q = flight.q;
   double p = flight.rate.n, r = flight.rate.e, y = flight.rate.d;
-  double next[4] = {q[0] + 0.5 * dt * (-q[1] * p - q[2] * r - q[3] * y),
-                    q[1] + 0.5 * dt * (q[0] * p + q[2] * y - q[3] * r),
-                    q[2] + 0.5 * dt * (q[0] * r - q[1] * y + q[3] * p),
-                    q[3] + 0.5 * dt * (q[0] * y + q[1] * r - q[2] * p)};
+  double next[4] = {
+      q[0] + 0.5 * dt * (-q[1] * p - q[2] * r - q[3] * y), q[1] + 0.5 * dt * (q[0] * p + q[2] * y - q[3] * r),
+      q[2] + 0.5 * dt * (q[0] * r - q[1] * y + q[3] * p), q[3] + 0.5 * dt * (q[0] * y + q[1] * r - q[2] * p)};
   Normalise(next);
   std::copy(next, next + 4, flight.q);
 }
@@ -138,8 +142,9 @@ void Roll(double dt) {
   along += push * dt;
   along = along > 0 ? std::max(0.0, along - friction * dt) : std::min(0.0, along + friction * dt);
   across *= std::exp(-8 * dt);
-  double steer = (flight.rudder + static_cast<double>(F(refs.brakeRight)) - static_cast<double>(F(refs.brakeLeft))) *
-                 (std::fabs(along) > 20 ? 5 : 50) * degToRad;
+  double steer =
+      (flight.rudder + static_cast<double>(F(refs.brakeRight)) - static_cast<double>(F(refs.brakeLeft))) *
+      (std::fabs(along) > 20 ? 5 : 50) * degToRad;
   steer = std::clamp(steer, -60 * degToRad, 60 * degToRad);
   double turn = along * std::tan(steer) / aircraft->wheelBase;
   psi += turn * dt;
@@ -268,6 +273,7 @@ void TakeOverSetValues() {
   if (!(flight.mass > 100)) flight.mass = 100;
   double lat, lon, altitude;
   LocalToWorld(D(refs.x), D(refs.y), D(refs.z), &lat, &lon, &altitude);
+  D(refs.elevation) = altitude;  // the pilot looks at it
   flight.groundHeight = WorldGround(D(refs.x), D(refs.z));
   flight.air = AirAt(altitude);
   AnglesOf(flight.q, &flight.phi, &flight.theta, &flight.psi);
@@ -292,6 +298,7 @@ void FlightStart() {
   flight = Flight{};
   hands = Hands{};
   HookControls();
+  HookAutopilot();
 }
 
 void FlightAircraftChanged() {
@@ -300,7 +307,11 @@ void FlightAircraftChanged() {
     F(refs.fuel, i) = static_cast<float>(flight.fuel[i]);
   }
   hands = Hands{};
-  bool fresh = flight.time == 0;
+  bool fresh = flight.time == 0 && RunningTime() <= 0;
+  if (!circuitFlight && !fresh) {
+    StartEngines();
+    return;
+  }
   double x = 0, z = 0, heading = runwayCourse;
   if (circuitFlight && fresh) {
     CircuitStart(&x, &z, &heading);
@@ -343,6 +354,7 @@ void FlightAircraftChanged() {
     double pressure = 0.5 * flight.air.rho * flight.airspeed * flight.airspeed * aircraft->wingArea;
     double lift = flight.mass * gravity / pressure;
     QuaternionOf(0, AngleForLift(lift), psi, flight.q);
+    F(refs.elevatorTrim) = static_cast<float>((AngleForLift(lift) - flight.alphaNeutral) / elevatorReach);
     SetThrottles(ThrottleForThrust(pressure * DragCoefficient(lift)));
   } else {
     SetThrottles(0);
@@ -362,7 +374,7 @@ void FlightAircraftChanged() {
 void WorldStep(double dt) {
   if (!circuitFlight || !(dt > 0)) return;
   double simulated = dt * std::clamp(I(refs.simSpeed), 0, 64);
-  ShowClocks(dt, simulated);
+  ShowClocks(simulated);
   if (simulated <= 0) return;
   flight.time += simulated;
   TakeOverSetValues();

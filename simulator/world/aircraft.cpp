@@ -213,7 +213,8 @@ void SetName(const char* name, const char* text) {
 // The datarefs that tell a plug-in what is being flown.
 void DescribeAircraft(const Aircraft& it) {
   for (int i = 0; i < 8; i++) {
-    if (DataRef* types = FindLive("sim/aircraft/prop/acf_en_type")) I(types, i) = i < it.engines ? it.engineType : 0;
+    if (DataRef* types = FindLive("sim/aircraft/prop/acf_en_type"))
+      I(types, i) = i < it.engines ? it.engineType : 0;
   }
   SetInt("sim/aircraft/engine/acf_num_engines", it.engines);
   SetInt("sim/aircraft/overflow/acf_num_tanks", it.tanks);

@@ -11,7 +11,19 @@ namespace sim {
 
 namespace {
 
-enum Type { Airport = 1, Ndb = 2, Vor = 4, Ils = 8, Loc = 16, Gs = 32, Om = 64, Mm = 128, Im = 256, Fix = 512, Dme = 1024 };
+enum Type {
+  Airport = 1,
+  Ndb = 2,
+  Vor = 4,
+  Ils = 8,
+  Loc = 16,
+  Gs = 32,
+  Om = 64,
+  Mm = 128,
+  Im = 256,
+  Fix = 512,
+  Dme = 1024
+};
 
 // Place in runway terms: metres along the runway course from its centre, metres to the right of it.
 struct AidRow {
@@ -29,15 +41,46 @@ const AidRow aidRows[] = {
     {.type = Airport, .id = "XTAV", .name = "Standin Field"},
     {.type = Airport, .id = "XTAE", .along = 52000, .right = 21000, .height = 510, .name = "Eastwood"},
     {.type = Ndb, .id = "SN", .freq = 375, .along = -8900, .heading = 0, .name = "Standin NDB"},
-    {.type = Ndb, .id = "EW", .freq = 416, .along = 52000, .right = 21000, .height = 510, .name = "Eastwood NDB"},
-    {.type = Vor, .id = "STV", .freq = 11380, .along = 900, .right = 1200, .heading = -magneticVariation,
+    {.type = Ndb,
+     .id = "EW",
+     .freq = 416,
+     .along = 52000,
+     .right = 21000,
+     .height = 510,
+     .name = "Eastwood NDB"},
+    {.type = Vor,
+     .id = "STV",
+     .freq = 11380,
+     .along = 900,
+     .right = 1200,
+     .heading = -magneticVariation,
      .name = "Standin VOR/DME"},
-    {.type = Vor, .id = "EWD", .freq = 11625, .along = 49000, .right = 26000, .height = 640,
-     .heading = -magneticVariation, .name = "Eastwood VOR/DME"},
-    {.type = Ils, .id = "ISF", .freq = 10950, .along = 1700, .heading = runwayCourse, .name = "Standin Field 07 ILS"},
-    {.type = Loc, .id = "ISW", .freq = 11090, .along = -1700, .heading = runwayCourse + 180,
+    {.type = Vor,
+     .id = "EWD",
+     .freq = 11625,
+     .along = 49000,
+     .right = 26000,
+     .height = 640,
+     .heading = -magneticVariation,
+     .name = "Eastwood VOR/DME"},
+    {.type = Ils,
+     .id = "ISF",
+     .freq = 10950,
+     .along = 1700,
+     .heading = runwayCourse,
+     .name = "Standin Field 07 ILS"},
+    {.type = Loc,
+     .id = "ISW",
+     .freq = 11090,
+     .along = -1700,
+     .heading = runwayCourse + 180,
      .name = "Standin Field 25 LOC"},
-    {.type = Gs, .id = "ISF", .freq = 10950, .along = -1200, .right = 120, .heading = 300000 + runwayCourse,
+    {.type = Gs,
+     .id = "ISF",
+     .freq = 10950,
+     .along = -1200,
+     .right = 120,
+     .heading = 300000 + runwayCourse,
      .name = "Standin Field 07 GS"},
     {.type = Om, .id = "OM", .along = -8900, .heading = runwayCourse, .name = "Standin Field 07 OM"},
     {.type = Mm, .id = "MM", .along = -2600, .heading = runwayCourse, .name = "Standin Field 07 MM"},
@@ -45,7 +88,12 @@ const AidRow aidRows[] = {
     {.type = Fix, .id = "SABLE", .along = -18000, .height = 0, .name = "SABLE"},
     {.type = Fix, .id = "NORTA", .along = 6000, .right = -14000, .height = 0, .name = "NORTA"},
     {.type = Dme, .id = "STV", .freq = 11380, .along = 900, .right = 1200, .name = "Standin VOR/DME DME"},
-    {.type = Dme, .id = "EWD", .freq = 11625, .along = 49000, .right = 26000, .height = 640,
+    {.type = Dme,
+     .id = "EWD",
+     .freq = 11625,
+     .along = 49000,
+     .right = 26000,
+     .height = 640,
      .name = "Eastwood VOR/DME DME"},
     {.type = Dme, .id = "ISF", .freq = 10950, .along = -1200, .right = 120, .name = "Standin Field 07 DME-ILS"},
 };
@@ -58,7 +106,7 @@ struct Receiver {
 Receiver nav[2], adf[2];
 double nextSearch = 0;
 
-struct Sight {        // from the aircraft to an aid
+struct Sight {         // from the aircraft to an aid
   double bearing = 0;  // degrees true
   double metres = 0;   // along the ground
   double slant = 0;
@@ -66,8 +114,8 @@ struct Sight {        // from the aircraft to an aid
 
 Sight Look(const NavAid& aid, double x, double z, double altitude) {
   double ax, ay, az;
-  WorldToLocal(static_cast<double>(aid.lat), static_cast<double>(aid.lon), static_cast<double>(aid.height), &ax, &ay,
-               &az);
+  WorldToLocal(static_cast<double>(aid.lat), static_cast<double>(aid.lon), static_cast<double>(aid.height), &ax,
+               &ay, &az);
   Sight sight;
   double east = ax - x, south = az - z;
   sight.metres = std::hypot(east, south);
@@ -80,10 +128,14 @@ double Wrap180(double angle) { return std::remainder(angle, 360.0); }
 
 double RangeOf(int type) {
   switch (type) {
-    case Vor: return 150000;
-    case Ndb: return 110000;
-    case Gs: return 25000;
-    default: return 60000;
+    case Vor:
+      return 150000;
+    case Ndb:
+      return 110000;
+    case Gs:
+      return 25000;
+    default:
+      return 60000;
   }
 }
 
@@ -168,7 +220,8 @@ void ShowNav(int i, double x, double z, double altitude, double heading) {
   bool dme = receiver.dme >= 0;
   I(refs.navHasDme[i]) = dme ? 1 : 0;
   F(refs.navDme[i]) =
-      dme ? static_cast<float>(Look(aids[static_cast<size_t>(receiver.dme)], x, z, altitude).slant / 1852) : 0.0F;
+      dme ? static_cast<float>(Look(aids[static_cast<size_t>(receiver.dme)], x, z, altitude).slant / 1852)
+          : 0.0F;
   if (code == 0 && dme) code = 12;
   I(refs.navType, i) = code;
   if (i == 1) F(refs.nav2Course) = static_cast<float>(std::fmod(courseTrue + 360, 360));

@@ -30,12 +30,12 @@ struct Member {
   DataRef* PlaneRefs::*slot;
 };
 const Member members[] = {
-    {"x", Kind::Double, true, &PlaneRefs::x},        {"y", Kind::Double, true, &PlaneRefs::y},
-    {"z", Kind::Double, true, &PlaneRefs::z},        {"lat", Kind::Double, false, &PlaneRefs::lat},
-    {"lon", Kind::Double, false, &PlaneRefs::lon},   {"el", Kind::Double, false, &PlaneRefs::el},
-    {"the", Kind::Float, true, &PlaneRefs::the},     {"phi", Kind::Float, true, &PlaneRefs::phi},
-    {"psi", Kind::Float, true, &PlaneRefs::psi},     {"v_x", Kind::Float, true, &PlaneRefs::vx},
-    {"v_y", Kind::Float, true, &PlaneRefs::vy},      {"v_z", Kind::Float, true, &PlaneRefs::vz},
+    {"x", Kind::Double, true, &PlaneRefs::x},      {"y", Kind::Double, true, &PlaneRefs::y},
+    {"z", Kind::Double, true, &PlaneRefs::z},      {"lat", Kind::Double, false, &PlaneRefs::lat},
+    {"lon", Kind::Double, false, &PlaneRefs::lon}, {"el", Kind::Double, false, &PlaneRefs::el},
+    {"the", Kind::Float, true, &PlaneRefs::the},   {"phi", Kind::Float, true, &PlaneRefs::phi},
+    {"psi", Kind::Float, true, &PlaneRefs::psi},   {"v_x", Kind::Float, true, &PlaneRefs::vx},
+    {"v_y", Kind::Float, true, &PlaneRefs::vy},    {"v_z", Kind::Float, true, &PlaneRefs::vz},
 };
 
 // Circle of aircraft n (from 1): centre east and north of the field, radius, height above the field, speed,
@@ -53,8 +53,12 @@ Circle CircleOf(int n) {
   }
   double bearing = 47.0 * n;
   double away = 3000.0 + 1900.0 * n;
-  return {away * std::sin(bearing * degToRad), away * std::cos(bearing * degToRad), 1800.0 + 150.0 * n,
-          500.0 + 180.0 * n, 70.0 + 4.0 * n, 19.0 * n};
+  return {away * std::sin(bearing * degToRad),
+          away * std::cos(bearing * degToRad),
+          1800.0 + 150.0 * n,
+          500.0 + 180.0 * n,
+          70.0 + 4.0 * n,
+          19.0 * n};
 }
 
 void Place(int n, double now) {
@@ -94,7 +98,8 @@ void Clear(int n) {
 void PublishPlanes(int active) {
   for (int n = 1; n <= otherPlanes; n++) {
     for (const Member& member : members) {
-      std::string name = "sim/multiplayer/position/plane" + std::to_string(n) + "_" + member.name;
+      std::string name = "sim/multiplayer/position/plane";
+      name.append(std::to_string(n)).append("_").append(member.name);
       DataRef* ref = Publish(name.c_str(), member.kind, 1, member.always || n >= 10);
       planes[n - 1].*member.slot = ref != nullptr ? ref : FindLive(name);
     }

@@ -34,7 +34,8 @@ double WorldGround(double x, double z) {
   double away = std::hypot(x, z) - 25000;
   if (!(away > 0)) return fieldElevation;
   double rise = std::fmin(away / 20000, 1.0);
-  return fieldElevation + rise * (120 * std::sin(x / 7300) * std::cos(z / 9100) + 60 * std::sin((x + z) / 15700));
+  return fieldElevation +
+         rise * (120 * std::sin(x / 7300) * std::cos(z / 9100) + 60 * std::sin((x + z) / 15700));
 }
 
 }  // namespace sim

@@ -46,6 +46,7 @@ void WorldStart(bool circuit, int planes) {
   circuitFlight = circuit;
   for (int i = 0; i < datarefRowCount; i++) PublishRow(datarefRows[i]);
   BindRefs();
+  ForgetAddon();
   PublishCommands();
   FillNavAids();
   WorldNavAidsChanged();

@@ -22,8 +22,10 @@ void WindAt(double altitude, double* east, double* north) {
   int below = -1, above = -1;
   for (int i = 0; i < 3; i++) {
     double height = static_cast<double>(F(refs.windAltitude[i]));
-    if (height <= altitude && (below < 0 || height > static_cast<double>(F(refs.windAltitude[below])))) below = i;
-    if (height > altitude && (above < 0 || height < static_cast<double>(F(refs.windAltitude[above])))) above = i;
+    if (height <= altitude && (below < 0 || height > static_cast<double>(F(refs.windAltitude[below]))))
+      below = i;
+    if (height > altitude && (above < 0 || height < static_cast<double>(F(refs.windAltitude[above]))))
+      above = i;
   }
   if (below < 0 || above < 0) {
     LayerWind(below < 0 ? above : below, east, north);

@@ -25,9 +25,9 @@ struct DataRefRow {
   Kind kind = Kind::Float;
   int count = 1;
   bool writable = false;
-  double start = 0;         // every element
-  const char* text = "";    // start content of Kind::Bytes
-  const char* unit = "";    // for the reader of the table
+  double start = 0;       // every element
+  const char* text = "";  // start content of Kind::Bytes
+  const char* unit = "";  // for the reader of the table
 };
 extern const DataRefRow datarefRows[];
 extern const int datarefRowCount;
@@ -49,10 +49,10 @@ void PublishCommands();  // every stock command
 // Figures of one aircraft. The flight model's coefficients are chosen for a plausible feel, not taken
 // from any type's data.
 struct Aircraft {
-  const char* name = "";    // as --aircraft takes it
-  const char* title = "";   // acf_descrip
-  const char* file = "";    // file name of the model
-  const char* folder = "";  // below the system folder, with '/' as separator
+  const char* name = "";       // as --aircraft takes it
+  const char* title = "";      // acf_descrip
+  const char* file = "";       // file name of the model
+  const char* folder = "";     // below the system folder, with '/' as separator
   const char* signature = "";  // plug-in that comes with the aircraft
   int engineType = 5;          // codes of acf_en_type
   int engines = 2;
@@ -65,9 +65,9 @@ struct Aircraft {
   double liftZero = 0.25;   // lift coefficient at angle of attack 0, flaps in
   double liftMax = 1.5;     // clean
   double flapLift = 0.9, flapDrag = 0.08, flapDegrees = 40, gearDrag = 0.02, brakeDrag = 0.06;
-  double maxThrust = 0;     // newtons per engine, at rest at sea level
-  double thrustFade = 0;    // share of thrust lost at Vne (propellers)
-  double fuelFlow = 0;      // kg/s per engine at full power
+  double maxThrust = 0;                           // newtons per engine, at rest at sea level
+  double thrustFade = 0;                          // share of thrust lost at Vne (propellers)
+  double fuelFlow = 0;                            // kg/s per engine at full power
   double vne = 0, circuitKt = 0, approachKt = 0;  // knots indicated
   double circuitHeight = 0;                       // metres above the airport
   double gearHeight = 1;                          // reference point above ground on the wheels, metres
@@ -83,6 +83,8 @@ extern const Aircraft* aircraft;  // the user's, never null
 
 // Publishes what the add-on of the aircraft brings and withdraws what the previous one brought.
 void PublishAddon(const Aircraft& which);
+// The records of an earlier run are gone: nothing is to be withdrawn.
+void ForgetAddon();
 // Copies flight values into the add-on's own datarefs (temperatures, fuel), once per frame.
 void StepAddon();
 

@@ -9,7 +9,8 @@ struct Event {
 // Creates an event, not signalled. Returns 1, or 0 when the system refuses.
 int CreateAutoEvent(Event* event);
 void CloseEvent(Event* event);
-// Any thread.
+// Any thread, while the event exists.
 void SignalEvent(Event* event);
 // Waits for the signal: 1 signalled, 0 timed out. timeoutMs < 0 waits without limit.
+// For an event that does not exist the time-out passes (0 at once without limit).
 int WaitEvent(Event* event, int timeoutMs);

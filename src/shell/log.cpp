@@ -4,7 +4,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 #include "offsets/locks.h"
@@ -59,11 +58,8 @@ void CloseFile(FILE** file) {
 
 // Path of a log file in the folder. Returns 1, or 0 when it is too long.
 int JoinPath(char* path, const char* folder, const char* name) {
-  const size_t folderLength = std::strlen(folder), nameSize = std::strlen(name) + 1;
-  if (folderLength + nameSize > longestPath) return 0;
-  std::memcpy(path, folder, folderLength);
-  std::memcpy(path + folderLength, name, nameSize);
-  return 1;
+  const int length = std::snprintf(path, longestPath, "%s%s", folder, name);
+  return length >= 0 && static_cast<size_t>(length) < longestPath ? 1 : 0;
 }
 
 int ReportFailure(const char* what, const std::string& reason, void (*report)(const char* line)) {

@@ -127,22 +127,24 @@ std::string FormatPieces(const char* format, va_list arguments) {
 
 void FormatWhole(const char* format, va_list arguments, void (*write)(const char* text, size_t length)) {
   char usual[usualLine];
-  va_list again;
-  va_copy(again, arguments);
-  const int length = std::vsnprintf(usual, sizeof usual, format, arguments);
+  va_list once;
+  va_copy(once, arguments);
+  // The analyzer does not see that va_copy has filled `once`.
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
+  const int length = std::vsnprintf(usual, sizeof usual, format, once);
+  va_end(once);
   if (length >= 0 && static_cast<size_t>(length) < sizeof usual) {
     write(usual, static_cast<size_t>(length));
   } else if (length >= 0) {
     try {
       std::string line(static_cast<size_t>(length) + 1, '\0');
-      std::vsnprintf(line.data(), line.size(), format, again);
+      std::vsnprintf(line.data(), line.size(), format, arguments);
       write(line.data(), static_cast<size_t>(length));
     } catch (...) {
       usual[sizeof usual - 2] = '\n';
       write(usual, sizeof usual - 1);  // no memory: its beginning
     }
   }
-  va_end(again);
 }
 
 }  // namespace

@@ -125,7 +125,7 @@ void FillPerformanceWindow() {
                                          .c_str());
 }
 
-void Show(XPWidgetID window) {
+void BringUp(XPWidgetID window) {
   if (window == nullptr) return;
   if (!XPIsWidgetVisible(window)) XPShowWidget(window);
   XPBringRootWidgetToFront(window);
@@ -135,13 +135,13 @@ void Show(XPWidgetID window) {
 
 void OpenVersionWindow() {
   if (versionWindow == nullptr) MakeVersionWindow();
-  Show(versionWindow);
+  BringUp(versionWindow);
 }
 
 void OpenPerformanceWindow() {
   if (performanceWindow == nullptr) MakePerformanceWindow();
   if (performanceWindow != nullptr) FillPerformanceWindow();
-  Show(performanceWindow);
+  BringUp(performanceWindow);
 }
 
 void CloseAllWindows() {

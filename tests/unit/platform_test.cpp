@@ -76,6 +76,7 @@ uint32_t CountUp(void* argument) {
 
 TEST(Locks, MixedEntriesLoseNoUpdate) {
   static Counter counter;
+  counter.value = 0;
   ASSERT_TRUE(CreateLock(&counter.lock));
   Thread threads[4]{};
   for (Thread& thread : threads) ASSERT_TRUE(StartThread(&thread, CountUp, &counter));

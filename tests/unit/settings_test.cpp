@@ -79,7 +79,9 @@ TEST(SettingsText, FindsValues) {
   for (const Case& c : cases) {
     std::string_view value = "?";
     EXPECT_EQ(FindSetting(c.text, "A", "x", &value), c.expected ? 1 : 0) << c.text;
-    if (c.expected) EXPECT_EQ(value, c.expected) << c.text;
+    if (c.expected) {
+      EXPECT_EQ(value, c.expected) << c.text;
+    }
   }
 }
 

@@ -85,8 +85,8 @@ int EncodeWhole(std::string_view text, Item* item, std::string* error) {
   WholeNumber value;
   if (!ParseWhole(text, &value)) return Fail(error, "\"" + std::string(text) + "\" is no whole number");
   if (value.magnitude > LargestMagnitude(item->type, item->size, value.negative)) {
-    return Fail(error, std::string(text) + " does not fit " + TypeText(item->type, item->size) + ", which holds " +
-                           RangeText(item->type, item->size));
+    return Fail(error, std::string(text) + " does not fit " + TypeText(item->type, item->size) +
+                           ", which holds " + RangeText(item->type, item->size));
   }
   PutBits(value.negative ? uint64_t{0} - value.magnitude : value.magnitude, item);
   return 1;
@@ -131,8 +131,10 @@ int EncodeScaled(std::string_view text, Item* item, std::string* error) {
   if (!(rounded >= low && rounded < high)) {
     const double first = low * row.unitScale + row.unitBias;
     const double last = (high - 1) * row.unitScale + row.unitBias;
-    return Fail(error, std::string(text) + " is outside " + RealText(static_cast<float>(std::fmin(first, last))) + " to " +
-                           RealText(static_cast<float>(std::fmax(first, last))) + (row.unit[0] != 0 ? " " : "") + row.unit);
+    return Fail(error, std::string(text) + " is outside " +
+                           RealText(static_cast<float>(std::fmin(first, last))) + " to " +
+                           RealText(static_cast<float>(std::fmax(first, last))) +
+                           (row.unit[0] != 0 ? " " : "") + row.unit);
   }
   PutBits(IsSigned(item->type) ? static_cast<uint64_t>(static_cast<int64_t>(rounded))
                                : static_cast<uint64_t>(rounded),
@@ -175,7 +177,8 @@ int EncodeText(std::string_view text, Item* item, std::string* error) {
     return Fail(error, std::string(text) + " is no quoted text: inside use \\\" \\\\ \\n \\xHH");
   }
   if (bytes.size() > item->size) {
-    return Fail(error, std::to_string(bytes.size()) + " characters do not fit into " + std::to_string(item->size));
+    return Fail(error,
+                std::to_string(bytes.size()) + " characters do not fit into " + std::to_string(item->size));
   }
   std::copy(bytes.begin(), bytes.end(), item->bytes.begin());
   return 1;
@@ -185,8 +188,8 @@ int EncodeHex(std::string_view digits, Item* item, std::string* error) {
   std::vector<uint8_t> bytes;
   if (!ParseHexBytes(digits, &bytes)) return Fail(error, "hex: takes pairs of digits, like hex:533F");
   if (bytes.size() != item->size) {
-    return Fail(error, std::to_string(bytes.size()) + " bytes given, " + TypeText(item->type, item->size) + " has " +
-                           std::to_string(item->size));
+    return Fail(error, std::to_string(bytes.size()) + " bytes given, " + TypeText(item->type, item->size) +
+                           " has " + std::to_string(item->size));
   }
   item->bytes = std::move(bytes);
   return 1;

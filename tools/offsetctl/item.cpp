@@ -16,9 +16,10 @@ struct TypeName {
   uint32_t size;
 };
 constexpr TypeName typeNames[] = {
-    {"u8", ValueType::U8, 1},   {"s8", ValueType::S8, 1},   {"u16", ValueType::U16, 2}, {"s16", ValueType::S16, 2},
-    {"u32", ValueType::U32, 4}, {"s32", ValueType::S32, 4}, {"u64", ValueType::U64, 8}, {"s64", ValueType::S64, 8},
-    {"f32", ValueType::F32, 4}, {"f64", ValueType::F64, 8},
+    {"u8", ValueType::U8, 1},   {"s8", ValueType::S8, 1},   {"u16", ValueType::U16, 2},
+    {"s16", ValueType::S16, 2}, {"u32", ValueType::U32, 4}, {"s32", ValueType::S32, 4},
+    {"u64", ValueType::U64, 8}, {"s64", ValueType::S64, 8}, {"f32", ValueType::F32, 4},
+    {"f64", ValueType::F64, 8},
 };
 
 constexpr char typeList[] = "u8 s8 u16 s16 u32 s32 u64 s64 f32 f64 hex:N text:N";
@@ -132,7 +133,8 @@ int ParseAssignment(std::string_view text, const NameTable& names, Item* item, s
   const uint32_t refused = FirstReadOnly(names, item->offset, item->size);
   if (refused != offsetMemorySize) {
     const bool whole = refused == item->offset;
-    return Fail(error, item->shown + (whole ? " is read-only" : " covers " + HexText(refused, 4) + ", which is read-only"));
+    return Fail(error, item->shown + (whole ? " is read-only"
+                                            : " covers " + HexText(refused, 4) + ", which is read-only"));
   }
   return 1;
 }

@@ -17,8 +17,8 @@ struct Item {
   uint32_t offset = 0;
   ValueType type = ValueType::U8;
   uint32_t size = 0;
-  const OffsetName* row = nullptr;   // the known offset when no type was given, else null
-  std::vector<uint8_t> bytes = {};   // the value in memory order, `size` of them
+  const OffsetName* row = nullptr;  // the known offset when no type was given, else null
+  std::vector<uint8_t> bytes = {};  // the value in memory order, `size` of them
 };
 
 // "u16", "hex:4" ...

@@ -105,8 +105,12 @@ Answer SendBlock(int timeoutMs) {
 
 int Explain(Answer answer, std::string* error) {
   switch (answer) {
-    case Answer::Refused: *error = "the server refused the request"; break;
-    case Answer::Gone: *error = "the server has gone"; break;
+    case Answer::Refused:
+      *error = "the server refused the request";
+      break;
+    case Answer::Gone:
+      *error = "the server has gone";
+      break;
     default:
       *error = "no answer from the server within " + std::to_string(requestTimeoutMs) + " ms";
       break;
@@ -124,7 +128,8 @@ int Transact(RecordKind kind, const std::vector<Transfer>& transfers, std::strin
     const size_t last = PackRecords(kind, transfers, first, block.view, block.size);
     const int remaining = RemainingMs(deadline);
     const Answer answer = SendBlock(kind == RecordKind::Read ? std::min(remaining, attemptMs) : remaining);
-    if (answer == Answer::TimedOut && kind == RecordKind::Read && RemainingMs(deadline) > 0 && !StopRequested()) {
+    if (answer == Answer::TimedOut && kind == RecordKind::Read && RemainingMs(deadline) > 0 &&
+        !StopRequested()) {
       continue;
     }
     if (answer != Answer::Served) return Explain(answer, error);

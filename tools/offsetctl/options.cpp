@@ -31,7 +31,8 @@ constexpr CommandLine commandLines[] = {
     {"write", Command::Write, server, 1, anyNumber, "write ITEM=VALUE...",
      "Writes all values in one request, in the order given.\n"
      "VALUE is decimal or 0x, a fraction for f32 and f64, hex:BYTES in memory order, or text with or without\n"
-     "double quotes (inside them \\\" \\\\ \\n \\xHH). A name without a type takes engineering units and rounds\n"
+     "double quotes (inside them \\\" \\\\ \\n \\xHH). A name without a type takes engineering units and "
+     "rounds\n"
      "to the nearest step (heading=270, com1=118.70, parking_brake=on); with a type the value is stored as\n"
      "it is (heading:u16=49152). Read-only offsets and values that do not fit are refused, nothing is\n"
      "written then.\n"},
@@ -42,9 +43,11 @@ constexpr CommandLine commandLines[] = {
     {"dump", Command::Dump, server, 1, 1, "dump FILE",
      "Writes the 131,072 bytes of the offset memory, as they are at one moment, into FILE.\n"},
     {"monitor", Command::Monitor, server | rate | seconds, 0, 0, "monitor [--seconds N] [--rate N]",
-     "A live table of the cockpit, until Ctrl-C or N seconds. Into a file or pipe it prints one table a second.\n"},
+     "A live table of the cockpit, until Ctrl-C or N seconds. Into a file or pipe it prints one table a "
+     "second.\n"},
     {"list", Command::List, json, 0, 1, "list [TEXT] [--json]",
-     "Names that hold TEXT in name or meaning, or start at the offset TEXT; all without it. Needs no server.\n"},
+     "Names that hold TEXT in name or meaning, or start at the offset TEXT; all without it. Needs no "
+     "server.\n"},
 };
 
 const CommandLine* LineOf(Command command) {
@@ -66,7 +69,8 @@ int TakeNumber(const std::string& option, const std::string& text, double least,
     *value = parsed;
     return 1;
   }
-  return Fail(error, option + " takes a number from " + RealText(least) + " to " + RealText(most) + ", not \"" + text + "\"");
+  return Fail(error, option + " takes a number from " + RealText(least) + " to " + RealText(most) + ", not \"" +
+                         text + "\"");
 }
 
 // An option with a number. Returns 1 taken, 0 failed, -1 not one of them.
@@ -75,7 +79,8 @@ int TakeNumberOption(const std::string& option, unsigned allowed, const std::str
   if (option == "--timeout" && (allowed & server)) {
     return TakeNumber(option, value, 0.01, 3600, &options->timeout, error);
   }
-  if (option == "--rate" && (allowed & rate)) return TakeNumber(option, value, 0.01, 1000, &options->rate, error);
+  if (option == "--rate" && (allowed & rate))
+    return TakeNumber(option, value, 0.01, 1000, &options->rate, error);
   if (option == "--seconds" && (allowed & seconds)) {
     return TakeNumber(option, value, 0.01, 1e6, &options->seconds, error);
   }
@@ -113,7 +118,10 @@ int ParseOptions(const std::vector<std::string>& words, Options* options, std::s
       options->command = line->command;
       continue;
     }
-    const unsigned allowed = line == nullptr ? ~0u : line->options;
+    if (line == nullptr && word != "--help" && word != "-h") {
+      return Fail(error, "the command comes before " + word + ": see offsetctl --help");
+    }
+    const unsigned allowed = line == nullptr ? 0 : line->options;
     if (word == "--") {
       optionsEnded = true;
     } else if (word == "--help" || word == "-h") {
@@ -125,20 +133,23 @@ int ParseOptions(const std::vector<std::string>& words, Options* options, std::s
     } else {
       const size_t equals = word.find('=');
       const std::string option = word.substr(0, equals);
-      const bool hasNext = equals != std::string::npos || i + 1 < words.size();
-      const std::string value = equals != std::string::npos ? word.substr(equals + 1) : hasNext ? words[i + 1] : "";
+      std::string value;
+      if (equals != std::string::npos) {
+        value = word.substr(equals + 1);
+      } else if (i + 1 < words.size()) {
+        value = words[i + 1];
+      }
       const int taken = TakeNumberOption(option, allowed, value, options, error);
       if (taken == 0) return 0;
       if (taken < 0) {
-        return Fail(error, "no option " + option + (line != nullptr ? std::string(" of ") + line->word : "") +
-                               ": see offsetctl --help");
+        return Fail(error, std::string(line->word) + " has no option " + option + ": see offsetctl " +
+                               line->word + " --help");
       }
       if (equals == std::string::npos) ++i;
     }
   }
   if (options->help) return 1;
   if (line == nullptr) return Fail(error, "a command is missing: see offsetctl --help");
-  // An option that stands before its command was taken without knowing it.
   return CheckItems(*line, *options, error);
 }
 

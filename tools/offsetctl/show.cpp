@@ -64,8 +64,7 @@ int Decimals(double step) {
 std::string ScaledText(const Item& item) {
   const double value = StoredNumber(item) * item.row->unitScale + item.row->unitBias;
   if (!std::isfinite(value)) return RealText(value);
-  std::string text =
-      FixedText(value, IsInteger(item.type) ? Decimals(std::fabs(item.row->unitScale)) : 6);
+  std::string text = FixedText(value, IsInteger(item.type) ? Decimals(std::fabs(item.row->unitScale)) : 6);
   if (!IsInteger(item.type) && std::fabs(value) >= 1e15) text = RealText(value);
   return text.find_first_not_of("-0.") == std::string::npos && text[0] == '-' ? text.substr(1) : text;
 }
@@ -96,11 +95,16 @@ std::string JsonValue(const Item& item) {
 
 std::string StoredText(const Item& item) {
   switch (item.type) {
-    case ValueType::Hex: return BytesText(item.bytes.data(), item.bytes.size());
-    case ValueType::Text: return Quoted(PlainText(item));
-    case ValueType::F32: return RealText(static_cast<float>(StoredNumber(item)));
-    case ValueType::F64: return RealText(StoredNumber(item));
-    default: break;
+    case ValueType::Hex:
+      return BytesText(item.bytes.data(), item.bytes.size());
+    case ValueType::Text:
+      return Quoted(PlainText(item));
+    case ValueType::F32:
+      return RealText(static_cast<float>(StoredNumber(item)));
+    case ValueType::F64:
+      return RealText(StoredNumber(item));
+    default:
+      break;
   }
   const uint64_t bits = StoredBits(item);
   return IsSigned(item.type) ? WholeText(static_cast<int64_t>(bits)) : WholeText(bits);
@@ -109,14 +113,17 @@ std::string StoredText(const Item& item) {
 std::string EngineeringText(const Item& item) {
   if (item.row == nullptr || item.type == ValueType::Text) return StoredText(item);
   switch (item.row->show) {
-    case Form::Flag: return StoredNumber(item) != 0 ? "on" : "off";
-    case Form::Bcd: return BcdText(item);
+    case Form::Flag:
+      return StoredNumber(item) != 0 ? "on" : "off";
+    case Form::Bcd:
+      return BcdText(item);
     case Form::Bits: {
       const uint64_t bits = StoredBits(item);
       const uint64_t mask = item.size >= 8 ? ~uint64_t{0} : (uint64_t{1} << (8 * item.size)) - 1;
       return HexText(bits & mask, static_cast<int>(2 * item.size));
     }
-    default: return HasScale(item) ? ScaledText(item) : StoredText(item);
+    default:
+      return HasScale(item) ? ScaledText(item) : StoredText(item);
   }
 }
 

@@ -1,5 +1,7 @@
 // What belongs to no other subject.
-#include "bridge/catalogue/misc.h"
+#include "bridge/catalogue/misc_actions.h"
+
+#include <numbers>
 
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
@@ -54,6 +56,15 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C1,
      .source = FloatElementAt(0x1070A, 1)},
 
+    {.offset = 0x2E98,
+     .type = Stored::F64,
+     .name = "elevator_trim_position",
+     .meaning = "elevator trim position, radians at ten degrees a unit",
+     .unit = "rad",
+     .cycle = Cycle::C3,
+     .source = FloatAt(0x0BC2),
+     .factor = std::numbers::pi / 18},
+
     {.offset = 0x079C,
      .type = Stored::U32,
      .name = "has_toe_brakes",
@@ -90,13 +101,6 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C313,
      .source = FloatAt(0x02C4),
      .factor = 128},
-    {.offset = 0x6F02,
-     .type = Stored::U8,
-     .name = "gear_is_skid",
-     .meaning = "landing gear is a skid",
-     .show = Show::Flag,
-     .cycle = Cycle::C313,
-     .source = IntAt(0x6F02)},
     {.offset = 0x16020,
      .type = Stored::F32,
      .name = "jettison_total",
@@ -118,6 +122,12 @@ constexpr OffsetRow rows[] = {
      .meaning = "contact traffic control (push to talk), held while not 0",
      .show = Show::Flag,
      .write = {.apply = ApplyContactAtc}},
+    {.offset = 0x3380,
+     .type = Stored::Text,
+     .length = 128,
+     .name = "message_text",
+     .meaning = "text of the message that 0x32FA shows, at most 127 characters",
+     .show = Show::Text},
 };
 
 }  // namespace

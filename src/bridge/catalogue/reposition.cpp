@@ -5,7 +5,7 @@
 #include <numbers>
 
 #include "XPLMGraphics.h"
-#include "bridge/catalogue/slew.h"
+#include "bridge/slew.h"
 #include "offsets/memory.h"
 
 RepositionRecord repositionRecord;

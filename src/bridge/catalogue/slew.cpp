@@ -1,4 +1,4 @@
-#include "bridge/catalogue/slew.h"
+#include "bridge/slew.h"
 
 #include "bridge/catalogue.h"
 
@@ -46,18 +46,35 @@ int ReadPushback(const OffsetRow&, double* value) {
 }
 
 constexpr OffsetRow rows[] = {
-    {.offset = 0x05DC, .type = Stored::U16, .name = "slew", .meaning = "slew mode", .show = Show::Flag,
-     .write = {.apply = WriteSlew}, .note = "not refreshed: holds what the last client wrote"},
-    {.offset = 0x3541, .type = Stored::U8, .name = "position_freeze",
-     .meaning = "holds the place over ground; height and attitude stay free", .show = Show::Flag,
-     .cycle = Cycle::C1, .read = ReadFreeze, .write = {.apply = WriteFreeze},
+    {.offset = 0x05DC,
+     .type = Stored::U16,
+     .name = "slew",
+     .meaning = "slew mode",
+     .show = Show::Flag,
+     .write = {.apply = WriteSlew},
+     .note = "not refreshed: holds what the last client wrote"},
+    {.offset = 0x3541,
+     .type = Stored::U8,
+     .name = "position_freeze",
+     .meaning = "holds the place over ground; height and attitude stay free",
+     .show = Show::Flag,
+     .cycle = Cycle::C1,
+     .read = ReadFreeze,
+     .write = {.apply = WriteFreeze},
      .note = "any changed value but 0 takes the place of that moment; reads back as 1"},
-    {.offset = 0x31F0, .type = Stored::U32, .name = "pushback_state",
-     .meaning = "pushback: 0 straight, 1 and 2 turning, 3 off", .cycle = Cycle::C31Navigation,
+    {.offset = 0x31F0,
+     .type = Stored::U32,
+     .name = "pushback_state",
+     .meaning = "pushback: 0 straight, 1 and 2 turning, 3 off",
+     .cycle = Cycle::C31Navigation,
      .read = ReadPushback},
-    {.offset = 0x31F4, .type = Stored::U32, .name = "pushback",
+    {.offset = 0x31F4,
+     .type = Stored::U32,
+     .name = "pushback",
      .meaning = "pushback command: 0 straight, 1 tail to the left, 2 tail to the right, 3 stop",
-     .cycle = Cycle::C31Navigation, .read = ReadPushback, .write = {.staged = true},
+     .cycle = Cycle::C31Navigation,
+     .read = ReadPushback,
+     .write = {.staged = true},
      .note = "shows the pushback state again after a stop, so that the next command differs"},
 };
 

@@ -1,4 +1,4 @@
-// Slew mode, position freeze and the pushback words.
+// Slew mode, position freeze, the pushback words, and what writes have taken from the simulator.
 //
 // While slew or freeze is on, the simulator's own flight path is switched off (its path override). The
 // freeze holds the place over ground only: height and attitude stay free. Simulator's thread, no lock held.
@@ -14,3 +14,6 @@ void MoveFreeze(double x, double z);
 // Ends slew and freeze, gives the flight path back when we have taken it, and stores 0 at both offsets so
 // that the next 1 is taken again. At disable, while the locks still exist.
 void ClearSlew();
+// Switches off those joystick and throttle overrides that a client's write at 0x310A switched on, and
+// stores 0 there. At disable, while the locks still exist.
+void ReleaseOverrides();

@@ -1,0 +1,54 @@
+// Aircraft and plug-ins that publish systems of their own, which the simulator's stock datarefs do not
+// cover. Each is recognised at run time; its datarefs and commands are then looked up into the registry and
+// the rows that know them switch over (ActiveVariant in bridge/aircraft_state.h). When it goes away, or
+// another aircraft is loaded, its handles become null again and the rows are back at the stock datarefs.
+//
+// The look-ups are made once per recognition, never again while the add-on stays. The names are in
+// adapters_table.cpp; which offsets follow which add-on is told in docs/aircraft.md.
+//
+// Everything here: simulator's thread, no lock held.
+#pragma once
+#include <cstdint>
+
+#include "aircraft/adapter_commands.h"
+#include "bridge/aircraft_state.h"
+
+// 1 once a client's throttle write has taken over the IXEG 737's throttles. Set by the throttle writers.
+extern int ixegThrottleOverrideOn;
+
+// Tests for every add-on but the EC135; called in the 313-frame cycle after its readers, which refresh the
+// aircraft title that one of the tests looks at. Logs one line per block of names that it loads.
+void RecogniseAircraft();
+// The same for the EC135, in the 59-frame cycle.
+void RunEc135Adapter();
+// Another aircraft of the user was loaded (message 102, parameter 0): drops what belongs to the previous
+// one, stores the new title and tests at once, so that no row reads the old aircraft's handles.
+void DetectLoadedAircraft();
+// Drops every add-on, network clients included (at disable). Logs nothing.
+void ResetAdapters();
+// Gives the IXEG 737 its throttles back when a client had taken them, with a log line (at disable, before
+// ResetAdapters).
+void ReleaseIxegThrottleOverride();
+
+// --- XSquawkBox ----------------------------------------------------------------------------------------
+// What the network client has told. The texts are copied while its message is being delivered: they are not
+// valid at any other time.
+struct XSquawkBoxState {
+  int connected, receiving, transmitting;                                               // 1: yes
+  uint32_t frequencyChanges, metarsReceived, textsReceived, commandsTyped, aboutShown;  // notifications so far
+  char callsign[64];  // station asked for last, and its frequency in kHz, 0 unknown
+  int frequency;
+  char metar[1024];
+  char from[64], text[1024];
+  char command[512];  // as typed by the user; left for XSquawkBox to act on
+  char version[64];
+  int versionNumber;  // version x 100
+};
+extern XSquawkBoxState xSquawkBoxState;
+
+// A message of another plug-in: hands it to the adapter it belongs to; messages of plug-ins that are not
+// recognised are ignored.
+void ReceiveAdapterMessage(int from, int message, void* parameter);
+// Takes one of its notifications, 0x80000001 to 0x80000009; others are ignored. An integer parameter is the
+// pointer's value itself.
+void ReceiveXSquawkBoxMessage(int message, void* parameter);

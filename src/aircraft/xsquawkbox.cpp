@@ -1,0 +1,56 @@
+// Notifications of the XSquawkBox network client.
+#include "aircraft/adapter_slots.h"
+#include "aircraft/adapters.h"
+
+XSquawkBoxState xSquawkBoxState;
+
+namespace {
+
+template <size_t Size>
+void KeepText(const Source& slot, char (&text)[Size]) {
+  ReadText(slot.block, slot.index, text, Size);
+}
+
+}  // namespace
+
+void ReceiveXSquawkBoxMessage(int message, void* parameter) {
+  XSquawkBoxState& state = xSquawkBoxState;
+  const int value = static_cast<int>(reinterpret_cast<intptr_t>(parameter));
+  switch (static_cast<uint32_t>(message)) {
+    case 0x80000001:
+      state.connected = 1;
+      break;
+    case 0x80000002:
+      state.connected = state.receiving = state.transmitting = 0;
+      break;
+    case 0x80000003:
+      state.receiving = value != 0;
+      break;
+    case 0x80000004:
+      state.transmitting = value != 0;
+      break;
+    case 0x80000005:
+      ++state.frequencyChanges;
+      KeepText(xsbCallsign, state.callsign);
+      state.frequency = ReadInt(xsbFreq);
+      break;
+    case 0x80000006:
+      ++state.metarsReceived;
+      KeepText(xsbMetar, state.metar);
+      break;
+    case 0x80000007:
+      ++state.textsReceived;
+      KeepText(xsbFrom, state.from);
+      KeepText(xsbMsg, state.text);
+      break;
+    case 0x80000008:
+      ++state.commandsTyped;
+      KeepText(xsbString, state.command);
+      break;
+    case 0x80000009:
+      ++state.aboutShown;
+      break;
+    default:
+      break;
+  }
+}

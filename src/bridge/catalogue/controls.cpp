@@ -1,0 +1,490 @@
+// Flight controls, trim, brakes, gear, flaps, speed brake, nose wheel.
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <numbers>
+
+#include "XPLMUtilities.h"
+#include "aircraft/adapter_commands.h"
+#include "aircraft/adapter_slots.h"
+#include "bridge/aircraft_state.h"
+#include "bridge/catalogue.h"
+#include "bridge/slew.h"
+#include "shell/log.h"
+
+namespace {
+
+constexpr double full = 16383;  // full travel of most controls
+// Trims and surfaces in radians at a tenth of the scale: full trim is 10 degrees.
+constexpr double tenDegrees = std::numbers::pi / 18;
+
+// --- Trim -----------------------------------------------------------------------------------------
+
+// The 737's stabiliser travels further nose up than nose down: its words run from -6230 to 16270.
+constexpr double stabiliserSteps = 11250, stabiliserZero = 5020;
+
+double ElevatorTrimWord(double trim) {
+  return adapters.x737 ? (trim + stabiliserZero / stabiliserSteps) * stabiliserSteps : trim * full;
+}
+
+double ElevatorTrimRatio(double word) {
+  return adapters.x737 ? word / stabiliserSteps - stabiliserZero / stabiliserSteps : word / full;
+}
+
+// --- Brakes ---------------------------------------------------------------------------------------
+
+constexpr Source leftBrake = FloatAt(0x0BC4), rightBrake = FloatAt(0x0BC6), parkBrake = FloatAt(0x0BC8);
+
+// The brake rows share one look at the simulator, taken by the first of them.
+struct Brakes {
+  double left, right, parking;
+} brakes = {};
+
+double ParkingBrake() { return ReadSource(adapters.b738Extended ? b738ParkingBrake : parkBrake); }
+
+int ReadLeftBrake(const OffsetRow&, double* value) {
+  brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ParkingBrake()};
+  *value = brakes.parking > 0.5 ? full : brakes.left * full;
+  return 1;
+}
+
+int ReadRightBrake(const OffsetRow&, double* value) {
+  *value = brakes.parking > 0.5 ? full : brakes.right * full;
+  return 1;
+}
+
+int ReadLeftBrakeAxis(const OffsetRow&, double* value) {
+  *value = brakes.left * full;
+  return 1;
+}
+
+int ReadRightBrakeAxis(const OffsetRow&, double* value) {
+  *value = brakes.right * full;
+  return 1;
+}
+
+int ReadParkingBrake(const OffsetRow&, double* value) {
+  if (adapters.b738Extended) {
+    *value = brakes.parking > 0.2 ? 32767 : 0;
+  } else {
+    *value = brakes.parking * 32767;
+  }
+  return 1;
+}
+
+int ReadBrakesApplied(const OffsetRow&, double* value) {
+  *value = brakes.left > 0.2 || brakes.right > 0.2 || brakes.parking > 0.2 ? full : 0;
+  return 1;
+}
+
+void WriteRightBrake(const OffsetRow&, const Staged& staged) {
+  int16_t left = 0;
+  CopyFromMemory(0x0BC4, sizeof(left), &left);
+  const float ratio = static_cast<float>(staged.number * (1 / full));
+  SetSource(rightBrake, ratio);
+  // Formatted here: the line's decimal point must not follow the computer's locale.
+  char number[32];
+  *std::to_chars(number, number + sizeof(number) - 1, ratio, std::chars_format::fixed, 6).ptr = '\0';
+  LogLine("Offset 0x0BC6 tavrixWriteValue = %i bc6Value = %i FSVar = %s\n", static_cast<int>(staged.integer),
+          static_cast<int>(left), number);
+}
+
+void WriteParkingBrake(const OffsetRow&, const Staged& staged) {
+  const double wanted = staged.number / 32767;
+  if (!adapters.b738Extended) {
+    SetSource(parkBrake, std::min(wanted, 1.0));
+  } else if ((wanted > 0.2) != (ReadSource(b738ParkingBrake) > 0.2)) {
+    FireCommand(b738Commands.parkBrakeOnOff);
+  }
+}
+
+// --- Speed brake ----------------------------------------------------------------------------------
+
+// Clients know the lever as 0 down, 4800 armed, 5620 to 16383 deployed.
+constexpr double armedWord = 4800, deployedWord = 5620;
+constexpr double stockArmed = -0.5, x737Armed = 0.125, b738Armed = 0.0889, ixegArmed = 0.1;
+constexpr Source speedBrakeRequest = FloatAt(0x0BD0);
+
+// An add-on's lever: down, armed within a narrow stretch, else deployed in proportion. Compared in single
+// precision, as the lever's detents are.
+double LeverWord(double position, float down, float deployed) {
+  const float lever = static_cast<float>(position);
+  if (lever <= down) return 0;
+  if (lever < deployed) return armedWord;
+  return std::max(armedWord, std::trunc(position * full));
+}
+
+int ReadSpeedBrake(const OffsetRow&, double* value) {
+  if (adapters.x737) {
+    *value = LeverWord(ReadSource(x737SpdbrkLeverPos), 0.1f, 0.15f);
+  } else if (adapters.b738Extended) {
+    *value = LeverWord(ReadSource(b738SpeedbrakeLever), 0.07f, 0.145f);
+  } else {
+    const double request = ReadSource(speedBrakeRequest);
+    *value = request < 0    ? armedWord
+             : request == 0 ? 0
+                            : std::min(full, armedWord + request * (full - armedWord));
+  }
+  return 1;
+}
+
+void WriteSpeedBrake(const OffsetRow&, const Staged& staged) {
+  const double word = staged.number;
+  const bool armed = word >= armedWord && word < deployedWord;
+  const double lever = word < armedWord ? 0 : std::min(1.0, word / full);
+  if (adapters.x737) {
+    SetSource(x737SpdbrkLeverPos, armed ? x737Armed : lever);
+  } else if (adapters.b738Extended) {
+    SetSource(b738SpeedbrakeLever, armed ? b738Armed : lever);
+  } else if (adapters.ixeg733) {
+    SetSource(ixegSpeedbrakeAct, std::min(1.0, word / full));
+  } else {
+    const double deployed = std::clamp((word - deployedWord) * (1 / (full - deployedWord)), 0.0, 1.0);
+    SetSource(speedBrakeRequest, armed ? stockArmed : deployed);
+  }
+}
+
+int ReadSpeedBrakeArmed(const OffsetRow&, double* value) {
+  if (adapters.x737) {
+    *value = IsOn(x737SpdbrkIsArmedLight);
+  } else if (adapters.b738Extended) {
+    const float lever = static_cast<float>(ReadSource(b738SpeedbrakeLever));
+    *value = lever > 0.04f && lever < 0.15f;
+  } else {
+    *value = ReadSource(speedBrakeRequest) < 0;
+  }
+  return 1;
+}
+
+void WriteSpeedBrakeArmed(const OffsetRow&, const Staged& staged) {
+  const bool wanted = staged.integer != 0;
+  if (adapters.x737) {
+    SetSource(x737SpdbrkIsArmed, wanted);
+  } else if (adapters.b738Extended) {
+    SetSource(b738SpeedbrakeLever, wanted ? b738Armed : 0);
+  } else if (adapters.ixeg733) {
+    SetSource(ixegSpeedbrakeAct, wanted ? ixegArmed : 0);
+  } else {
+    SetSource(speedBrakeRequest, wanted ? stockArmed : 0);
+  }
+}
+
+// --- Flaps and gear -------------------------------------------------------------------------------
+
+void WriteFlaps(const OffsetRow&, const Staged& staged) {
+  if (!adapters.b738Extended) {
+    SetSource(FloatAt(0x0BDC), std::min(1.0, staged.number / full));
+    return;
+  }
+  // Eight steps between the nine detents 0, 1, 2, 5, 10, 15, 25, 30, 40.
+  const double detent = std::min(8.0, std::round(staged.number * 8 / full));
+  FireCommand(b738Commands.flaps[static_cast<int>(detent)]);
+}
+
+bool IsGearDown() { return adapters.b738Extended ? ReadSource(b738GearHandleDown) > 0.5 : IsOn(IntAt(0x0BE8)); }
+
+int ReadGear(const OffsetRow&, double* value) {
+  *value = IsGearDown() ? full : 0;
+  return 1;
+}
+
+void WriteGear(const OffsetRow&, const Staged& staged) {
+  const bool down = staged.integer >= 8192;
+  if (adapters.b738Extended) {
+    SetSource(b738GearHandleDown, down);
+  } else if (down != IsGearDown()) {
+    PushButton(down ? xplm_joy_gear_down : xplm_joy_gear_up);
+  }
+}
+
+// --- Joystick disconnect --------------------------------------------------------------------------
+
+// Overrides by bit: elevator, aileron, rudder, throttles.
+constexpr Source overrides[4] = {AuxIntAt(0x0020), AuxIntAt(0x0021), AuxIntAt(0x0022), AuxIntAt(0x0023)};
+unsigned overridesTaken = 0;  // bits that were off before a client's write switched them on
+
+void WriteOverrides(const OffsetRow&, const Staged& staged) {
+  for (unsigned bit = 0; bit < 4; ++bit) {
+    const unsigned mask = 1u << bit;
+    const bool wanted = (static_cast<unsigned>(staged.integer) & mask) != 0;
+    if (!wanted) {
+      overridesTaken &= ~mask;
+    } else if (!IsOn(overrides[bit])) {
+      overridesTaken |= mask;
+    }
+    SetSource(overrides[bit], wanted);
+  }
+}
+
+// --- Rows -----------------------------------------------------------------------------------------
+
+// A control surface or lever that follows one dataref in steps of full travel.
+constexpr OffsetRow Travel(uint32_t offset, Stored type, const char* name, const char* meaning, Cycle cycle,
+                           Source source, double steps = full) {
+  return {.offset = offset,
+          .type = type,
+          .name = name,
+          .meaning = meaning,
+          .unit = "%",
+          .unitScale = 100 / full,
+          .cycle = cycle,
+          .source = source,
+          .factor = steps};
+}
+
+// The same when clients move it.
+constexpr OffsetRow Axis(uint32_t offset, const char* name, const char* meaning, Cycle cycle) {
+  OffsetRow row = Travel(offset, Stored::S16, name, meaning, cycle, FloatAt(offset));
+  row.write = {.target = FloatAt(offset), .factor = 1 / full};
+  return row;
+}
+
+// Trim as an angle.
+constexpr OffsetRow TrimAngle(uint32_t offset, const char* name, const char* meaning) {
+  return {.offset = offset,
+          .type = Stored::F64,
+          .name = name,
+          .meaning = meaning,
+          .unit = "deg",
+          .unitScale = 180 / std::numbers::pi,
+          .cycle = Cycle::C13,
+          .source = FloatAt(offset),
+          .factor = tenDegrees,
+          .write = {.target = FloatAt(offset), .factor = 1 / tenDegrees, .low = -1, .high = 1}};
+}
+
+// One flap panel, degrees x 256.
+constexpr OffsetRow FlapAngle(uint32_t offset, const char* name, const char* meaning) {
+  return {.offset = offset,
+          .type = Stored::S16,
+          .name = name,
+          .meaning = meaning,
+          .unit = "deg",
+          .unitScale = 1.0 / 256,
+          .cycle = Cycle::C7,
+          .source = FloatAt(offset),
+          .factor = 256};
+}
+
+constexpr Source slats = FloatAt(0x30E8);
+
+constexpr OffsetRow rows[] = {
+    Axis(0x0BB2, "elevator", "elevator input, positive pulled", Cycle::C1),
+    Travel(0x584A, Stored::S16, "elevator_copy", "elevator input, second copy", Cycle::C1, FloatAt(0x0BB2)),
+    Travel(0x0BB4, Stored::S16, "elevator_position", "elevator position", Cycle::C1, FloatAt(0x0BB4),
+           -(16363.0 / 15)),
+    Travel(0x0BB8, Stored::S16, "aileron_position", "aileron position", Cycle::C1, FloatAt(0x0BB8),
+           -(full / 30)),
+    {.offset = 0x2EA8,
+     .type = Stored::F64,
+     .name = "aileron_deflection",
+     .meaning = "aileron deflection, ten times the angle in radians",
+     .unit = "deg",
+     .unitScale = 18 / std::numbers::pi,
+     .cycle = Cycle::C1,
+     .source = FloatAt(0x0BB8),
+     .factor = -tenDegrees},
+    Axis(0x0BBA, "rudder", "rudder input, positive right", Cycle::C1),
+    Travel(0x0BBC, Stored::S16, "rudder_position", "rudder position", Cycle::C1, FloatAt(0x0BBC), full / 30),
+    {.offset = 0x2EB8,
+     .type = Stored::F64,
+     .name = "rudder_deflection",
+     .meaning = "rudder deflection, ten times the angle in radians",
+     .unit = "deg",
+     .unitScale = 18 / std::numbers::pi,
+     .cycle = Cycle::C1,
+     .source = FloatAt(0x0BBC),
+     .factor = tenDegrees},
+    {.offset = 0x0BBE,
+     .type = Stored::U16,
+     .name = "blade_pitch",
+     .meaning = "blade pitch of engine 1",
+     .unit = "deg",
+     .unitScale = 30.0 / 65536,
+     .cycle = Cycle::C1,
+     .source = FloatElementAt(0x0BBE, 0),
+     .factor = 65536.0 / 30,
+     .write = {.target = FloatElementAt(0x0BBE, 0), .factor = 30.0 / 65536}},
+    Axis(0x0BB6, "aileron", "aileron input, positive right", Cycle::C3),
+    Travel(0x584C, Stored::S16, "aileron_copy", "aileron input, second copy", Cycle::C3, FloatAt(0x0BB6)),
+    {.offset = 0x0BC0,
+     .type = Stored::S16,
+     .name = "elevator_trim",
+     .meaning = "elevator trim control, positive nose up",
+     .unit = "%",
+     .unitScale = 100 / full,
+     .cycle = Cycle::C3,
+     .source = FloatAt(0x0BC0),
+     .convert = ElevatorTrimWord,
+     .write = {.target = FloatAt(0x0BC0), .low = -1, .high = 1, .convert = ElevatorTrimRatio},
+     .note = "with the x737: -6230 full nose down, 5020 neutral, 16270 full nose up"},
+    {.offset = 0x0BC2,
+     .type = Stored::S16,
+     .name = "elevator_trim_indicator",
+     .meaning = "elevator trim indicator, positive nose up",
+     .unit = "%",
+     .unitScale = 100 / full,
+     .cycle = Cycle::C3,
+     .source = FloatAt(0x0BC0),
+     .convert = ElevatorTrimWord},
+    {.offset = 0x2E98,
+     .type = Stored::F64,
+     .name = "elevator_trim_indicator_angle",
+     .meaning = "elevator trim indicator, radians, positive nose up",
+     .unit = "deg",
+     .unitScale = 180 / std::numbers::pi,
+     .cycle = Cycle::C3,
+     .source = FloatAt(0x0BC0),
+     .factor = tenDegrees},
+    Axis(0x0C02, "aileron_trim", "aileron trim, positive right", Cycle::C3),
+    Axis(0x0C04, "rudder_trim", "rudder trim, positive right", Cycle::C3),
+    TrimAngle(0x2EA0, "elevator_trim_angle", "elevator trim, radians, positive nose up"),
+    TrimAngle(0x2EB0, "aileron_trim_angle", "aileron trim, radians, positive right"),
+    TrimAngle(0x2EC0, "rudder_trim_angle", "rudder trim, radians, positive right"),
+
+    {.offset = 0x0BC4,
+     .type = Stored::S16,
+     .name = "left_brake",
+     .meaning = "left toe brake",
+     .unit = "%",
+     .unitScale = 100 / full,
+     .cycle = Cycle::C3,
+     .read = ReadLeftBrake,
+     .write = {.target = leftBrake, .factor = 1 / full},
+     .note = "16383 while the parking brake is set"},
+    {.offset = 0x0BC6,
+     .type = Stored::S16,
+     .name = "right_brake",
+     .meaning = "right toe brake",
+     .unit = "%",
+     .unitScale = 100 / full,
+     .cycle = Cycle::C3,
+     .read = ReadRightBrake,
+     .write = {.apply = WriteRightBrake},
+     .note = "16383 while the parking brake is set"},
+    {.offset = 0x0BC8,
+     .type = Stored::U16,
+     .name = "parking_brake",
+     .meaning = "parking brake",
+     .unit = "%",
+     .unitScale = 100.0 / 32767,
+     .cycle = Cycle::C3,
+     .read = ReadParkingBrake,
+     .write = {.apply = WriteParkingBrake}},
+    {.offset = 0x0BCA,
+     .type = Stored::U16,
+     .name = "brakes_applied",
+     .meaning = "16383 while a brake is above 20 %",
+     .show = Show::Flag,
+     .cycle = Cycle::C3,
+     .read = ReadBrakesApplied},
+    {.offset = 0x3416,
+     .type = Stored::S16,
+     .name = "left_brake_axis",
+     .meaning = "left brake axis input",
+     .unit = "%",
+     .unitScale = 100 / full,
+     .cycle = Cycle::C3,
+     .read = ReadLeftBrakeAxis},
+    {.offset = 0x3418,
+     .type = Stored::S16,
+     .name = "right_brake_axis",
+     .meaning = "right brake axis input",
+     .unit = "%",
+     .unitScale = 100 / full,
+     .cycle = Cycle::C3,
+     .read = ReadRightBrakeAxis},
+
+    {.offset = 0x0BCC,
+     .type = Stored::U32,
+     .name = "speed_brake_armed",
+     .meaning = "speed brake armed",
+     .show = Show::Flag,
+     .cycle = Cycle::C13,
+     .read = ReadSpeedBrakeArmed,
+     .write = {.apply = WriteSpeedBrakeArmed}},
+    {.offset = 0x0BD0,
+     .type = Stored::U32,
+     .name = "speed_brake",
+     .meaning = "speed brake lever: 0 down, 4800 armed, 5620 to 16383 deployed",
+     .cycle = Cycle::C13,
+     .read = ReadSpeedBrake,
+     .write = {.apply = WriteSpeedBrake},
+     .lossy = "everything below 4800 puts the lever down; between armed and full it reads up to 820 higher"},
+    Travel(0x0BD4, Stored::U32, "left_spoiler", "left spoiler position", Cycle::C13, FloatAt(0x0BD4)),
+    Travel(0x0BD8, Stored::U32, "right_spoiler", "right spoiler position", Cycle::C13, FloatAt(0x0BD4)),
+
+    {.offset = 0x0BDC,
+     .type = Stored::U32,
+     .name = "flaps",
+     .meaning = "flap lever",
+     .unit = "%",
+     .unitScale = 100 / full,
+     .cycle = Cycle::C7,
+     .source = FloatAt(0x0BDC),
+     .factor = full,
+     .write = {.apply = WriteFlaps},
+     .note = "the extended 737-800 goes to the nearest of its nine detents"},
+    Travel(0x0BE0, Stored::U32, "left_flap_position", "left flap position", Cycle::C3, FloatAt(0x0BE0)),
+    Travel(0x0BE4, Stored::U32, "right_flap_position", "right flap position", Cycle::C3, FloatAt(0x0BE0)),
+    Travel(0x30E8, Stored::S16, "slat_left_inboard", "leading edge, left inboard", Cycle::C7, slats),
+    Travel(0x30EA, Stored::S16, "slat_left_outboard", "leading edge, left outboard", Cycle::C7, slats),
+    Travel(0x30EC, Stored::S16, "slat_right_inboard", "leading edge, right inboard", Cycle::C7, slats),
+    Travel(0x30EE, Stored::S16, "slat_right_outboard", "leading edge, right outboard", Cycle::C7, slats),
+    FlapAngle(0x30F0, "flap_left_inboard", "trailing edge, left inboard"),
+    FlapAngle(0x30F2, "flap_left_outboard", "trailing edge, left outboard"),
+    FlapAngle(0x30F4, "flap_right_inboard", "trailing edge, right inboard"),
+    FlapAngle(0x30F6, "flap_right_outboard", "trailing edge, right outboard"),
+
+    {.offset = 0x0BE8,
+     .type = Stored::U32,
+     .name = "gear",
+     .meaning = "gear lever: 0 up, 16383 down",
+     .unit = "%",
+     .unitScale = 100 / full,
+     .cycle = Cycle::C3,
+     .read = ReadGear,
+     .write = {.apply = WriteGear},
+     .lossy = "a lever with two places: from 8192 on it is down"},
+    Travel(0x0BEC, Stored::U32, "nose_gear", "nose gear", Cycle::C3, FloatElementAt(0x0BEC, 0)),
+    Travel(0x0BF0, Stored::U32, "right_gear", "right main gear", Cycle::C3, FloatElementAt(0x0BEC, 2)),
+    Travel(0x0BF4, Stored::U32, "left_gear", "left main gear", Cycle::C3, FloatElementAt(0x0BEC, 1)),
+    {.offset = 0x6D8A,
+     .type = Stored::S16,
+     .name = "nose_wheel_angle",
+     .meaning = "nose-wheel steering angle",
+     .unit = "deg",
+     .unitScale = 0.01,
+     .cycle = Cycle::C3,
+     .source = FloatElementAt(0x6D8A, 0),
+     .factor = 100},
+    {.offset = 0x6F00,
+     .type = Stored::S16,
+     .name = "nose_wheel_speed",
+     .meaning = "nose-wheel speed",
+     .unitScale = 0.1,
+     .cycle = Cycle::C13,
+     .source = FloatAt(0x6F00),
+     .factor = 10},
+
+    {.offset = 0x310A,
+     .type = Stored::U8,
+     .name = "joystick_disconnect",
+     .meaning = "takes controls from the joystick: bit 0 elevator, 1 aileron, 2 rudder, 3 throttles",
+     .show = Show::Bits,
+     .write = {.apply = WriteOverrides},
+     .note = "all four are set with every write; given back when the program is switched off"},
+};
+
+}  // namespace
+
+const RowTable controlRows = {"Flight controls", rows};
+
+void ReleaseOverrides() {
+  for (unsigned bit = 0; bit < 4; ++bit) {
+    if (overridesTaken & (1u << bit)) SetSource(overrides[bit], 0);
+  }
+  overridesTaken = 0;
+  const uint8_t none = 0;
+  CopyToMemory(0x310A, 1, &none);
+}

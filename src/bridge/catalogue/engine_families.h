@@ -1,0 +1,73 @@
+// Rows that repeat per engine: one shape, and the places of the up to four engines beside it. The engines'
+// blocks lie at irregular offsets, so the places are listed and not computed.
+#pragma once
+#include <array>
+#include <cmath>
+
+#include "bridge/catalogue.h"
+
+constexpr int engineCount = 4;
+
+// In a shape: the dataref bound at the row's own offset (or at `indices`), element n for engine n + 1.
+constexpr Source ownIntElement = IntElementAt(0, 0);
+constexpr Source ownFloatElement = FloatElementAt(0, 0);
+
+struct Family {
+  OffsetRow shape;                     // without offset and member; sources at index 0 are filled in
+  uint32_t offsets[engineCount];       // 0: this engine has no such row
+  uint32_t indices[engineCount] = {};  // registry indices of the dataref; 0: the row's own offset
+};
+
+constexpr bool IsArray(Accessor accessor) {
+  return accessor == Accessor::IntArray || accessor == Accessor::FloatArray;
+}
+constexpr Source SourceOf(Source shape, uint32_t index, int engine) {
+  if (shape.block == Block::None) return shape;
+  if (shape.index == 0) shape.index = index;
+  if (IsArray(shape.accessor)) shape.element = engine;
+  return shape;
+}
+constexpr OffsetRow RowOf(const Family& family, int engine) {
+  OffsetRow row = family.shape;
+  row.offset = family.offsets[engine];
+  row.member = engine + 1;
+  const uint32_t index = family.indices[engine] != 0 ? family.indices[engine] : row.offset;
+  row.source = SourceOf(row.source, index, engine);
+  row.write.target = SourceOf(row.write.target, index, engine);
+  return row;
+}
+constexpr size_t Members(const Family& family) {
+  size_t members = 0;
+  for (uint32_t offset : family.offsets) members += offset != 0 ? 1 : 0;
+  return members;
+}
+
+// The rows of families that read the same datarefs, engine by engine, so that the rows of one engine stand
+// together and share the simulator call.
+template <const Family&... families>
+constexpr auto EngineRows() {
+  std::array<OffsetRow, (Members(families) + ...)> rows = {};
+  size_t filled = 0;
+  const auto add = [&](const Family& family, int engine) {
+    if (family.offsets[engine] != 0) rows[filled++] = RowOf(family, engine);
+  };
+  for (int engine = 0; engine < engineCount; engine++) (add(families, engine), ...);
+  return rows;
+}
+
+// Several pieces as one table.
+template <size_t... counts>
+constexpr auto Joined(const std::array<OffsetRow, counts>&... parts) {
+  std::array<OffsetRow, (counts + ...)> rows = {};
+  size_t filled = 0;
+  const auto add = [&](const auto& part) {
+    for (const OffsetRow& row : part) rows[filled++] = row;
+  };
+  (add(parts), ...);
+  return rows;
+}
+
+// Switches: 1 for anything but 0. A dataref that is not a number counts as 0.
+inline double OnOff(double value) { return value != 0 && !std::isnan(value) ? 1 : 0; }
+inline double Positive(double value) { return value > 0 ? 1 : 0; }
+constexpr const char* flagLoss = "a switch: anything but 0 reads back 1";

@@ -1,0 +1,401 @@
+// Engine readings. Most stand in two or three places: a 16-bit word of the engine's block, and a double.
+#include <numbers>
+
+#include "aircraft/adapter_slots.h"
+#include "bridge/aircraft_state.h"
+#include "bridge/catalogue/engine_families.h"
+
+namespace {
+
+constexpr double perPercent = 16384.0 / 100;
+constexpr double poundsPerHour = 7936.6;  // of one kg/s: 3600 s x 2.2046 lb
+constexpr double poundsPerNewton = 0.224809;
+constexpr double poundsPerNewtonProp = 0.225011;  // as clients know the propeller rows
+constexpr double psfPerPsi = 144;
+constexpr double psfPerInHg = 70.7262;   // pounds per square foot in an inch of mercury
+constexpr double egtPerDegree = 19.051;  // about 16384 at 860 deg C
+constexpr double footPoundsPerNm = 0.74;
+constexpr double nmPerFootPound = 1.35;
+constexpr double rankinePerKelvin = 1.8;
+constexpr double absoluteZero = 273.15;  // below 0 deg C
+constexpr double revolution = 2 * std::numbers::pi;
+
+double exhaustTemperature[engineCount];  // deg C, kept for the row in degrees Rankine
+
+// --- Speeds and fuel flow -----------------------------------------------------------------------------
+
+constexpr Family running = {{.type = Stored::U16,
+                             .name = "running_eng",
+                             .meaning = "engine running",
+                             .show = Show::Flag,
+                             .cycle = Cycle::C7,
+                             .source = ownIntElement,
+                             .convert = OnOff},
+                            {0x0894, 0x092C, 0x09C4, 0}};
+constexpr Family running4 = {{.type = Stored::U16,
+                              .name = "running_eng",
+                              .meaning = "engine running",
+                              .show = Show::Flag,
+                              .cycle = Cycle::C13,
+                              .source = ownIntElement,
+                              .convert = OnOff},
+                             {0, 0, 0, 0x0A5C}};
+
+constexpr Family n2Word = {{.type = Stored::U16,
+                            .name = "n2_word_eng",
+                            .meaning = "N2",
+                            .unit = "%",
+                            .unitScale = 1 / perPercent,
+                            .cycle = Cycle::C1,
+                            .source = ownFloatElement,
+                            .factor = perPercent},
+                           {0x0896, 0x092E, 0x09C6, 0x0A5E}};
+constexpr Family n2 = {{.type = Stored::F64,
+                        .name = "n2_eng",
+                        .meaning = "N2",
+                        .unit = "%",
+                        .cycle = Cycle::C1,
+                        .source = ownFloatElement},
+                       {0x2008, 0x2108, 0x2208, 0x2308},
+                       {0x0896, 0x092E, 0x09C6, 0x0A5E}};
+constexpr Family n2Corrected = {{.type = Stored::F64,
+                                 .name = "n2_corrected_eng",
+                                 .meaning = "corrected N2",
+                                 .unit = "%",
+                                 .cycle = Cycle::C1,
+                                 .source = ownFloatElement,
+                                 .note = "same value as N2"},
+                                {0x2018, 0x2118, 0, 0},
+                                {0x0896, 0x092E, 0, 0}};
+constexpr Family n1Word = {{.type = Stored::U16,
+                            .name = "n1_word_eng",
+                            .meaning = "N1",
+                            .unit = "%",
+                            .unitScale = 1 / perPercent,
+                            .cycle = Cycle::C1,
+                            .source = ownFloatElement,
+                            .factor = perPercent},
+                           {0x0898, 0x0930, 0x09C8, 0x0A60}};
+constexpr Family n1 = {{.type = Stored::F64,
+                        .name = "n1_eng",
+                        .meaning = "N1",
+                        .unit = "%",
+                        .cycle = Cycle::C1,
+                        .source = ownFloatElement},
+                       {0x2000, 0x2100, 0x2200, 0x2300},
+                       {0x0898, 0x0930, 0x09C8, 0x0A60}};
+
+constexpr Family fuelFlowWord = {{.type = Stored::U16,
+                                  .name = "fuel_flow_word_eng",
+                                  .meaning = "fuel flow",
+                                  .unit = "lb/h",
+                                  .cycle = Cycle::C1,
+                                  .source = ownFloatElement,
+                                  .factor = poundsPerHour,
+                                  .note = "whole pounds per hour"},
+                                 {0x08A0, 0x0938, 0x09D0, 0x0A68}};
+constexpr Family fuelFlow = {{.type = Stored::F64,
+                              .name = "fuel_flow_eng",
+                              .meaning = "fuel flow",
+                              .unit = "lb/h",
+                              .cycle = Cycle::C1,
+                              .source = ownFloatElement,
+                              .factor = poundsPerHour},
+                             {0x0918, 0x09B0, 0x0A48, 0x0AE0},
+                             {0x08A0, 0x0938, 0x09D0, 0x0A68}};
+constexpr Family fuelFlowSecond = {{.type = Stored::F64,
+                                    .name = "fuel_flow_turbine_eng",
+                                    .meaning = "fuel flow, turbine block",
+                                    .unit = "lb/h",
+                                    .cycle = Cycle::C1,
+                                    .source = ownFloatElement,
+                                    .factor = poundsPerHour},
+                                   {0x2060, 0x2160, 0x2260, 0x2360},
+                                   {0x08A0, 0x0938, 0x09D0, 0x0A68}};
+
+// --- Oil, pressure ratio, temperatures ----------------------------------------------------------------
+
+constexpr Family oilTemperature = {{.type = Stored::S16,
+                                    .name = "oil_temp_eng",
+                                    .meaning = "oil temperature",
+                                    .unit = "deg C",
+                                    .unitScale = 140.0 / 16384,
+                                    .cycle = Cycle::C1,
+                                    .source = ownFloatElement,
+                                    .factor = 16384.0 / 140},
+                                   {0x08B8, 0x0950, 0x09E8, 0x0A80}};
+constexpr Family oilPressureWord = {{.type = Stored::U16,
+                                     .name = "oil_pressure_eng",
+                                     .meaning = "oil pressure",
+                                     .unit = "psi",
+                                     .unitScale = 55.0 / 16384,
+                                     .cycle = Cycle::C1,
+                                     .source = ownFloatElement,
+                                     .factor = 16384.0 / 55,
+                                     .note = "ends at 220 psi"},
+                                    {0x08BA, 0x0952, 0x09EA, 0x0A82}};
+constexpr Family oilPressure = {{.type = Stored::F64,
+                                 .name = "oil_pressure_psf_eng",
+                                 .meaning = "oil pressure",
+                                 .unit = "psi",
+                                 .unitScale = 1 / psfPerPsi,
+                                 .cycle = Cycle::C1,
+                                 .source = ownFloatElement,
+                                 .factor = psfPerPsi,
+                                 .note = "stored in pounds per square foot"},
+                                {0x3B60, 0x3AA0, 0x39E0, 0x3920},
+                                {0x08BA, 0x0952, 0x09EA, 0x0A82}};
+constexpr Family pressureRatioWord = {{.type = Stored::U16,
+                                       .name = "epr_word_eng",
+                                       .meaning = "engine pressure ratio",
+                                       .unitScale = 1.6 / 16384,
+                                       .cycle = Cycle::C1,
+                                       .source = ownFloatElement,
+                                       .factor = 16384 / 1.6},
+                                      {0x08BC, 0x0954, 0x09EC, 0x0A84}};
+constexpr Family pressureRatio = {{.type = Stored::F64,
+                                   .name = "epr_eng",
+                                   .meaning = "engine pressure ratio",
+                                   .cycle = Cycle::C1,
+                                   .source = ownFloatElement},
+                                  {0x2030, 0x2130, 0, 0},
+                                  {0x08BC, 0x0954, 0, 0}};
+
+int ReadExhaust(const OffsetRow& row, double* value) {
+  const int engine = row.member - 1;
+  Source source = FloatElementAt(row.offset, engine);
+  if (adapters.b738Extended != 0 && engine < 2) source = engine == 0 ? b738Eng1Egt : b738Eng2Egt;
+  exhaustTemperature[engine] = ReadSource(source);
+  *value = exhaustTemperature[engine] * egtPerDegree;
+  return 1;
+}
+int ReadExhaustRankine(const OffsetRow& row, double* value) {
+  *value = (exhaustTemperature[row.member - 1] + absoluteZero) * rankinePerKelvin;
+  return 1;
+}
+
+constexpr Family exhaustWord = {{.type = Stored::S16,
+                                 .name = "egt_eng",
+                                 .meaning = "exhaust gas temperature",
+                                 .unit = "deg C",
+                                 .unitScale = 1 / egtPerDegree,
+                                 .cycle = Cycle::C1,
+                                 .read = ReadExhaust},
+                                {0x08BE, 0x0956, 0x09EE, 0x0A86}};
+constexpr Family exhaust = {{.type = Stored::F64,
+                             .name = "egt_rankine_eng",
+                             .meaning = "exhaust gas temperature",
+                             .unit = "deg C",
+                             .unitScale = 1 / rankinePerKelvin,
+                             .unitBias = -absoluteZero,
+                             .cycle = Cycle::C1,
+                             .read = ReadExhaustRankine,
+                             .note = "stored in degrees Rankine"},
+                            {0x3B70, 0x3AB0, 0, 0}};
+constexpr Family turbineTemperature = {{.type = Stored::F64,
+                                        .name = "itt_eng",
+                                        .meaning = "inter-turbine temperature",
+                                        .unit = "deg C",
+                                        .unitScale = 1 / rankinePerKelvin,
+                                        .unitBias = -absoluteZero,
+                                        .cycle = Cycle::C1,
+                                        .source = ownFloatElement,
+                                        .factor = rankinePerKelvin,
+                                        .add = 491.67,
+                                        .note = "stored in degrees Rankine"},
+                                       {0x2038, 0x2138, 0, 0}};
+constexpr Family manifoldWord = {{.type = Stored::U16,
+                                  .name = "manifold_eng",
+                                  .meaning = "manifold pressure",
+                                  .unit = "inHg",
+                                  .unitScale = 1.0 / 1024,
+                                  .cycle = Cycle::C1,
+                                  .source = ownFloatElement,
+                                  .factor = 1024},
+                                 {0x08C0, 0x0958, 0x09F0, 0x0A88}};
+constexpr Family manifold = {{.type = Stored::F64,
+                              .name = "manifold_psf_eng",
+                              .meaning = "manifold pressure",
+                              .unit = "inHg",
+                              .unitScale = 1 / psfPerInHg,
+                              .cycle = Cycle::C1,
+                              .source = ownFloatElement,
+                              .factor = psfPerInHg,
+                              .note = "stored in pounds per square foot"},
+                             {0x37E8, 0x3728, 0, 0},
+                             {0x08C0, 0x0958, 0, 0}};
+constexpr Family oilQuantity = {{.type = Stored::S32,
+                                 .name = "oil_quantity_eng",
+                                 .meaning = "oil quantity",
+                                 .unit = "%",
+                                 .unitScale = 100.0 / 16384,
+                                 .cycle = Cycle::C313,
+                                 .source = ownFloatElement,
+                                 .factor = 16384},
+                                {0x08D0, 0x0968, 0x0A00, 0x0A98}};
+
+// --- Vibration and hydraulics -------------------------------------------------------------------------
+
+constexpr OffsetRow Vibration(uint32_t offset, int engine, Source source) {
+  return {.offset = offset,
+          .type = Stored::S32,
+          .name = "vibration_eng",
+          .member = engine,
+          .meaning = "engine vibration",
+          .unitScale = 17.25 / 10000,
+          .cycle = Cycle::C1,
+          .source = source,
+          .factor = 10000 / 17.25,
+          .note = "x737 only, else 0"};
+}
+constexpr auto vibration =
+    std::to_array<OffsetRow>({Vibration(0x08D4, 1, x737Viblevel1), Vibration(0x096C, 2, x737Viblevel2)});
+
+// The one hydraulic system serves all engines. Its pressure is taken as a share of 3000 psi.
+constexpr OffsetRow hydraulicPressureShape = {
+    .type = Stored::S32,
+    .name = "hyd_pressure_eng",
+    .meaning = "hydraulic pressure",
+    .unit = "psi",
+    .unitScale = 0.25,
+    .cycle = Cycle::C13,
+    .source = FloatAt(0x08D8),
+    .factor = 12000,
+    .note = "an aircraft that gives psi instead of a share of 3000 psi reads too high"};
+constexpr OffsetRow EveryFrame(OffsetRow shape) {
+  shape.cycle = Cycle::C1;
+  shape.source = FloatAt(0x0A08);
+  return shape;
+}
+constexpr Family hydraulicPressure = {hydraulicPressureShape, {0x08D8, 0x0970, 0, 0}};
+constexpr Family hydraulicPressureRear = {EveryFrame(hydraulicPressureShape), {0, 0, 0x0A08, 0x0AA0}};
+constexpr Family hydraulicQuantity = {{.type = Stored::S32,
+                                       .name = "hyd_quantity_eng",
+                                       .meaning = "hydraulic quantity",
+                                       .unit = "%",
+                                       .unitScale = 100.0 / 16384,
+                                       .cycle = Cycle::C313,
+                                       .source = FloatAt(0x08DC),
+                                       .factor = 16384},
+                                      {0x08DC, 0x0974, 0x0A0C, 0x0AA4}};
+
+// --- Torque, thrust, propellers -----------------------------------------------------------------------
+
+int ReadTorqueRatio(const OffsetRow& row, double* value) {
+  const double limit = ReadSource(AuxFloatAt(row.offset)) * nmPerFootPound;
+  *value = limit == 0 ? 0 : ReadSource(FloatElementAt(row.offset, row.member - 1)) / limit;
+  return 1;
+}
+int ReadPropRatio(const OffsetRow& row, double* value) {
+  const double redline = ReadSource(AuxFloatAt(row.offset));  // rad/s
+  const double speed = ReadSource(FloatElementAt(row.offset, row.member - 1)) * revolution / 60;
+  *value = redline == 0 ? 0 : speed / redline;
+  return 1;
+}
+
+constexpr Family torque = {{.type = Stored::S32,
+                            .name = "torque_eng",
+                            .meaning = "torque",
+                            .unit = "lb ft",
+                            .cycle = Cycle::C1,
+                            .source = ownFloatElement,
+                            .factor = footPoundsPerNm},
+                           {0x0920, 0x09B8, 0x0A50, 0x0AE8}};
+constexpr Family torqueRatio = {{.type = Stored::F64,
+                                 .name = "torque_ratio_eng",
+                                 .meaning = "torque as a share of the limit",
+                                 .unit = "%",
+                                 .unitScale = 100,
+                                 .cycle = Cycle::C1,
+                                 .read = ReadTorqueRatio,
+                                 .note = "0 when the aircraft has no limit"},
+                                {0x2028, 0x2128, 0, 0}};
+constexpr Family thrust = {{.type = Stored::F64,
+                            .name = "thrust_eng",
+                            .meaning = "jet thrust",
+                            .unit = "lbf",
+                            .cycle = Cycle::C1,
+                            .source = FloatElementAt(0x204C, 0),
+                            .factor = poundsPerNewton},
+                           {0x204C, 0x214C, 0x224C, 0x234C}};
+constexpr Family propThrust = {{.type = Stored::F64,
+                                .name = "thrust_prop",
+                                .meaning = "propeller thrust",
+                                .unit = "lbf",
+                                .cycle = Cycle::C1,
+                                .source = FloatElementAt(0x204C, 0),
+                                .factor = poundsPerNewtonProp},
+                               {0x2410, 0x2510, 0, 0}};
+constexpr Family propSpeed = {{.type = Stored::F64,
+                               .name = "rpm_prop",
+                               .meaning = "propeller speed",
+                               .unit = "rpm",
+                               .cycle = Cycle::C1,
+                               .source = ownFloatElement,
+                               .factor = 60 / revolution},
+                              {0x2400, 0x2500, 0, 0}};
+constexpr Family propRatio = {{.type = Stored::F64,
+                               .name = "rpm_ratio_prop",
+                               .meaning = "propeller speed as a share of the maximum",
+                               .unit = "%",
+                               .unitScale = 100,
+                               .cycle = Cycle::C1,
+                               .read = ReadPropRatio,
+                               .note = "0 when the aircraft has no redline"},
+                              {0x2408, 0x2508, 0, 0}};
+constexpr Family engineSpeed = {{.type = Stored::U16,
+                                 .name = "rpm_eng",
+                                 .meaning = "engine speed",
+                                 .unit = "rpm",
+                                 .cycle = Cycle::C1,
+                                 .source = ownFloatElement},
+                                {0x10708, 0x1070A, 0, 0}};
+constexpr auto rotor = std::to_array<OffsetRow>({{.offset = 0x0908,
+                                                  .type = Stored::S32,
+                                                  .name = "rotor_speed",
+                                                  .meaning = "rotor speed",
+                                                  .unit = "rpm",
+                                                  .unitScale = 1 / perPercent,
+                                                  .cycle = Cycle::C1,
+                                                  .source = FloatElementAt(0x0908, 0),
+                                                  .factor = perPercent}});
+
+// --- What is built in ---------------------------------------------------------------------------------
+
+// Clients: 0 piston, 1 jet, 2 none, 3 helicopter turbine, 4 rocket, 5 turboprop. Electric motors count as
+// piston engines; only those have magnetos.
+double EngineType(double simulatorType) {
+  constexpr double types[] = {0, 0, 5, 0, 1, 1, 4, 4, 5};
+  const int type = static_cast<int>(simulatorType);
+  return type >= 0 && type < static_cast<int>(std::size(types)) ? types[type] : 1;
+}
+
+constexpr auto installation =
+    std::to_array<OffsetRow>({{.offset = 0x0609,
+                               .type = Stored::U8,
+                               .name = "engine_type",
+                               .meaning = "engine type",
+                               .cycle = Cycle::C313,
+                               .source = IntElementAt(0x0609, 0),
+                               .convert = EngineType,
+                               .note = "0 piston or electric, 1 jet, 4 rocket, 5 turboprop or turboshaft"},
+                              {.offset = 0x0AEC,
+                               .type = Stored::U16,
+                               .name = "engine_count",
+                               .meaning = "number of engines",
+                               .cycle = Cycle::C313,
+                               .source = IntAt(0x0AEC)}});
+
+constexpr auto rows =
+    Joined(EngineRows<running, running4>(), EngineRows<n2Word, n2, n2Corrected>(), EngineRows<n1Word, n1>(),
+           EngineRows<fuelFlowWord, fuelFlow, fuelFlowSecond>(), EngineRows<oilTemperature>(),
+           EngineRows<oilPressureWord, oilPressure>(), EngineRows<pressureRatioWord, pressureRatio>(),
+           EngineRows<exhaustWord, exhaust>(), EngineRows<turbineTemperature>(),
+           EngineRows<manifoldWord, manifold>(), EngineRows<oilQuantity>(), vibration,
+           EngineRows<hydraulicPressure, hydraulicPressureRear>(), EngineRows<hydraulicQuantity>(), rotor,
+           EngineRows<torque>(), EngineRows<torqueRatio>(), EngineRows<thrust, propThrust>(),
+           EngineRows<propSpeed>(), EngineRows<propRatio>(), EngineRows<engineSpeed>(), installation);
+
+}  // namespace
+
+const RowTable engineRows = {"Engines", rows};

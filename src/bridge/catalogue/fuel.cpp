@@ -1,0 +1,178 @@
+// Fuel: capacity and level of nine tanks, total and density.
+//
+// Levels are shares of the capacity in whole gallons as it is stored beside them, so that level times
+// capacity gives a client the true gallons. The capacities are kept here as well, because clients can
+// overwrite some of the stored ones. Until they have been read once, they and the levels are 0.
+#include <algorithm>
+#include <cmath>
+
+#include "aircraft/adapter_slots.h"
+#include "bridge/aircraft_state.h"
+#include "bridge/catalogue/engine_families.h"
+
+namespace {
+
+enum class Tank { Centre, LeftMain, LeftAux, LeftTip, RightMain, RightAux, RightTip, Centre2, Centre3 };
+
+constexpr size_t maxTanks = 9;
+constexpr double fullLevel = 128 * 65536;  // 8388608
+constexpr double poundsPerGallon = 6.82;
+constexpr double poundsPerKg = 2.205;
+constexpr double kgPerPound = 0.453592;
+constexpr double gallonsPerKg = 0.323415;  // of the stock aircraft's tanks: 1 / 3.092
+constexpr double gallonsPerKgX737 = 0.323254;
+constexpr uint32_t levelOffsets[maxTanks] = {0x0B74, 0x0B7C, 0x0B84, 0x0B8C, 0x0B94,
+                                             0x0B9C, 0x0BA4, 0x1244, 0x124C};
+
+int tankCount;
+double fullFuel;              // kg in all tanks together
+double capacities[maxTanks];  // whole gallons
+
+// Element of a tank in the simulator's arrays; -1 when an aircraft with so many tanks has no such tank.
+int ElementOf(Tank tank, int count) {
+  constexpr int of3AndMore[maxTanks] = {1, 0, 3, 5, 2, 4, 6, 7, 8};
+  if (count <= 0) return -1;
+  if (count == 1) return tank == Tank::Centre ? 0 : -1;
+  if (count == 2) return tank == Tank::LeftMain ? 0 : tank == Tank::RightMain ? 1 : -1;
+  const int element = of3AndMore[static_cast<size_t>(tank)];
+  return element < count ? element : -1;
+}
+
+struct X737Tank {
+  Source kg, share;
+};
+// The x737 publishes its three main tanks only; the others have no source.
+X737Tank X737TankOf(Tank tank) {
+  switch (tank) {
+    case Tank::Centre:
+      return {x737FuelCenterTankKg, x737FuelCenterTankPerc};
+    case Tank::LeftMain:
+      return {x737FuelLeftMainTankKg, x737FuelLeftMainTankPerc};
+    case Tank::RightMain:
+      return {x737FuelRightMainTankKg, x737FuelRightMainTankPerc};
+    default:
+      return {};
+  }
+}
+
+// Where a tank's kilograms stand; Block::None when the aircraft has no such tank.
+Source ContentsOf(Tank tank) {
+  if (adapters.x737) return X737TankOf(tank).kg;
+  const int element = ElementOf(tank, tankCount);
+  return element < 0 ? Source{} : FloatElementAt(levelOffsets[static_cast<size_t>(tank)], element);
+}
+
+double Gallons(Tank tank) {
+  if (!adapters.x737) {
+    const int element = ElementOf(tank, tankCount);
+    return element < 0 ? 0 : fullFuel * ReadSource(AuxFloatElementAt(0x0032, element)) * gallonsPerKg;
+  }
+  const X737Tank x737 = X737TankOf(tank);
+  if (x737.kg.block == Block::None) return 0;
+  const double share = ReadSource(x737.share);
+  // An empty tank does not tell its size.
+  return share == 0 ? capacities[static_cast<size_t>(tank)] : ReadSource(x737.kg) / share * gallonsPerKgX737;
+}
+
+template <Tank tank>
+int ReadCapacity(const OffsetRow&, double* value) {
+  if (tank == Tank::Centre) {  // the first row of the table
+    fullFuel = ReadSource(AuxFloatAt(0x0030));
+    tankCount = ReadInt(AuxIntAt(0x0031));
+  }
+  const double gallons = Gallons(tank);
+  constexpr double most = std::numeric_limits<uint32_t>::max();
+  capacities[static_cast<size_t>(tank)] = gallons > 0 ? std::trunc(std::min(gallons, most)) : 0;
+  *value = capacities[static_cast<size_t>(tank)];
+  return 1;
+}
+
+template <Tank tank>
+int ReadLevel(const OffsetRow&, double* value) {
+  const double capacity = capacities[static_cast<size_t>(tank)];
+  const double gallons = ReadSource(ContentsOf(tank)) * poundsPerKg / poundsPerGallon;
+  *value = capacity == 0 ? 0 : gallons / capacity * fullLevel;
+  return 1;
+}
+
+template <Tank tank>
+void ApplyLevel(const OffsetRow&, const Staged& staged) {
+  const double capacity = capacities[static_cast<size_t>(tank)];
+  if (capacity == 0) return;
+  const double kg = staged.number / fullLevel * capacity * poundsPerGallon * kgPerPound;
+  SetSource(ContentsOf(tank), std::max(kg, 0.0));
+}
+
+int ReadDensity(const OffsetRow&, double* value) {
+  *value = poundsPerGallon * 256;
+  return 1;
+}
+
+template <Tank tank>
+constexpr OffsetRow Capacity(uint32_t offset, const char* name, const char* meaning) {
+  return {.offset = offset,
+          .type = Stored::U32,
+          .name = name,
+          .meaning = meaning,
+          .unit = "US gal",
+          .cycle = Cycle::C313,
+          .read = ReadCapacity<tank>};
+}
+template <Tank tank>
+constexpr OffsetRow Level(const char* name, const char* meaning) {
+  return {.offset = levelOffsets[static_cast<size_t>(tank)],
+          .type = Stored::S32,
+          .name = name,
+          .meaning = meaning,
+          .unit = "%",
+          .unitScale = 100 / fullLevel,
+          .cycle = Cycle::C59,
+          .read = ReadLevel<tank>,
+          .write = {.apply = ApplyLevel<tank>},
+          .lossy = "reads back 0.017 % higher; an aircraft without this tank ignores it",
+          .note = "8388608 full; a full small tank may read slightly above"};
+}
+
+// The row of the centre tank's capacity reads the number of tanks for all rows behind it.
+constexpr OffsetRow rows[] = {
+    Capacity<Tank::Centre>(0x0B78, "fuel_centre_capacity", "capacity of the centre tank"),
+    Capacity<Tank::LeftMain>(0x0B80, "fuel_left_capacity", "capacity of the left main tank"),
+    Capacity<Tank::LeftAux>(0x0B88, "fuel_left_aux_capacity", "capacity of the left auxiliary tank"),
+    Capacity<Tank::LeftTip>(0x0B90, "fuel_left_tip_capacity", "capacity of the left tip tank"),
+    Capacity<Tank::RightMain>(0x0B98, "fuel_right_capacity", "capacity of the right main tank"),
+    Capacity<Tank::RightAux>(0x0BA0, "fuel_right_aux_capacity", "capacity of the right auxiliary tank"),
+    Capacity<Tank::RightTip>(0x0BA8, "fuel_right_tip_capacity", "capacity of the right tip tank"),
+    Capacity<Tank::Centre2>(0x1248, "fuel_centre2_capacity", "capacity of the second centre tank"),
+    Capacity<Tank::Centre3>(0x1250, "fuel_centre3_capacity", "capacity of the third centre tank"),
+    {.offset = 0x0AF4,
+     .type = Stored::U16,
+     .name = "fuel_density",
+     .meaning = "fuel weight",
+     .unit = "lb/US gal",
+     .unitScale = 1.0 / 256,
+     .cycle = Cycle::C313,
+     .read = ReadDensity},
+    Level<Tank::Centre>("fuel_centre", "level of the centre tank"),
+    Level<Tank::LeftMain>("fuel_left", "level of the left main tank"),
+    Level<Tank::LeftAux>("fuel_left_aux", "level of the left auxiliary tank"),
+    Level<Tank::LeftTip>("fuel_left_tip", "level of the left tip tank"),
+    Level<Tank::RightMain>("fuel_right", "level of the right main tank"),
+    Level<Tank::RightAux>("fuel_right_aux", "level of the right auxiliary tank"),
+    Level<Tank::RightTip>("fuel_right_tip", "level of the right tip tank"),
+    Level<Tank::Centre2>("fuel_centre2", "level of the second centre tank"),
+    Level<Tank::Centre3>("fuel_centre3", "level of the third centre tank"),
+    {.offset = 0x126C,
+     .type = Stored::S32,
+     .name = "fuel_total",
+     .meaning = "total fuel",
+     .unit = "lb",
+     .cycle = Cycle::C313,
+     .source = FloatAt(0x126C),
+     .factor = 2.2046,
+     .write = {.target = FloatAt(0x126C), .factor = 1 / 2.2046},
+     .lossy = "the simulator adds the tanks up itself and ignores a write"},
+};
+
+}  // namespace
+
+const RowTable fuelRows = {"Fuel", rows};

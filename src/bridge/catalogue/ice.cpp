@@ -1,0 +1,48 @@
+// Ice protection and wipers.
+#include "bridge/catalogue/engine_families.h"
+
+namespace {
+
+constexpr Family inletHeat = {{.type = Stored::U16,
+                               .name = "anti_ice_eng",
+                               .meaning = "engine anti-ice or carburettor heat",
+                               .show = Show::Flag,
+                               .cycle = Cycle::C59,
+                               .source = ownIntElement,
+                               .convert = OnOff,
+                               .write = {.target = ownIntElement, .convert = OnOff},
+                               .lossy = flagLoss},
+                              {0x08B2, 0x094A, 0x09E2, 0x0A7A}};
+
+constexpr OffsetRow Switch(uint32_t offset, const char* name, const char* meaning, Cycle cycle) {
+  return {.offset = offset,
+          .type = Stored::U8,
+          .name = name,
+          .meaning = meaning,
+          .show = Show::Flag,
+          .cycle = cycle,
+          .source = IntAt(offset),
+          .convert = OnOff,
+          .write = {.target = IntAt(offset), .convert = OnOff},
+          .lossy = flagLoss};
+}
+
+constexpr auto switches =
+    std::to_array<OffsetRow>({Switch(0x029C, "pitot_heat", "pitot heat", Cycle::C31Navigation),
+                              Switch(0x337D, "deice", "structural de-ice", Cycle::C59),
+                              Switch(0x6F0B, "deice_left", "surface heat, left wing", Cycle::C59),
+                              Switch(0x6F0C, "deice_right", "surface heat, right wing", Cycle::C59),
+                              {.offset = 0x6D88,
+                               .type = Stored::U8,
+                               .name = "wiper",
+                               .meaning = "wiper speed",
+                               .cycle = Cycle::C31,
+                               .source = IntAt(0x6D88),
+                               .write = {.target = IntAt(0x6D88)},
+                               .note = "0 off to 3 full"}});
+
+constexpr auto rows = Joined(EngineRows<inletHeat>(), switches);
+
+}  // namespace
+
+const RowTable iceRows = {"Ice protection", rows};

@@ -1,0 +1,330 @@
+// Throttle, mixture, magnetos and starters of the four engines.
+#include <algorithm>
+
+#include "aircraft/adapter_slots.h"
+#include "aircraft/adapters.h"
+#include "bridge/catalogue/engine_families.h"
+#include "bridge/catalogue/throttle_actions.h"
+
+LeverCommands b738LeverCommands[2];
+
+namespace {
+
+constexpr Source reverserWord = AuxIntAt(0x0010);  // bit n: reverser of engine n + 1 is out
+constexpr Source throttleOverride = AuxIntAt(0x0023);
+
+constexpr uint32_t throttleOffsets[] = {0x088C, 0x0924, 0x09BC, 0x0A54};
+constexpr uint32_t ignitionOffsets[] = {0x0892, 0x092A, 0x09C2, 0x0A5A};
+constexpr uint32_t engineTypeOffset = 0x0609;
+
+constexpr double forwardFull = 16384;
+constexpr double reverseFull = 4096;
+constexpr double cutoffFull = 16383;  // of the fuel levers of engines 1 and 2
+
+int starterHeld[engineCount];
+
+// Kept from one row for the row behind it, which stores the same reading in another place.
+double throttleWord[engineCount];
+double starterEngaged[engineCount];
+
+int EngineOf(const OffsetRow& row) { return row.member - 1; }
+Source LeverOf(int engine) { return FloatElementAt(throttleOffsets[engine], engine); }
+// What the engine gets; the simulator takes it instead of the lever while the override is on.
+Source UsedThrottleOf(int engine) { return AuxFloatElementAt(throttleOffsets[engine], engine); }
+
+// --- Throttles ----------------------------------------------------------------------------------------
+
+int ReadThrottle(const OffsetRow& row, double* value) {
+  const int engine = EngineOf(row);
+  const bool overridden = engine < 2 && IsOn(throttleOverride);
+  const double ratio = ReadSource(overridden ? UsedThrottleOf(engine) : LeverOf(engine));
+  const bool reverse = (ReadInt(reverserWord) >> engine & 1) != 0;
+  *value = throttleWord[engine] = ratio * (reverse ? -reverseFull : forwardFull);
+  return 1;
+}
+
+int ReadLeverInput(const OffsetRow& row, double* value) {
+  *value = throttleWord[EngineOf(row)];
+  return 1;
+}
+
+// -1 full reverse ... 1 full forward.
+double SignedRatio(double word) {
+  return std::clamp(word >= 0 ? word / forwardFull : word / reverseFull, -1.0, 1.0);
+}
+
+// Propeller mode: normal or reverse. Feathered and beta propellers are not disturbed by forward thrust.
+void SetPropMode(int engine, bool reverse) {
+  constexpr int normalMode = 1;
+  constexpr int reverseMode = 3;
+  const Source mode = AuxIntElementAt(0x003A, engine);
+  const bool isReverse = ReadInt(mode) == reverseMode;
+  if (isReverse != reverse) SetSource(mode, reverse ? reverseMode : normalMode);
+}
+
+// The IXEG 737 has inputs of its own for its two levers; returns 0 when they are not there.
+int SetIxegLever(int engine, double signedRatio) {
+  if (adapters.ixeg733 == 0 || engine > 1) return 0;
+  const Source input = engine == 0 ? ixegTavrixThro1 : ixegTavrixThro2;
+  if (HandleOf(input) == nullptr) return 0;
+  ixegThrottleOverrideOn = 1;
+  SetSource(input, signedRatio);
+  return 1;
+}
+
+void ApplyThrottle(const OffsetRow& row, const Staged& staged) {
+  const int engine = EngineOf(row);
+  const double signedRatio = SignedRatio(staged.number);
+  const double ratio = std::abs(signedRatio);
+  SetPropMode(engine, signedRatio < 0);
+  if (SetIxegLever(engine, signedRatio) == 0) SetSource(LeverOf(engine), ratio);
+  if (IsOn(throttleOverride)) SetSource(UsedThrottleOf(engine), ratio);
+}
+
+// Past the axis cut-off: straight to the place that counts at the moment.
+void ApplyDirectThrottle(const OffsetRow& row, const Staged& staged) {
+  const int engine = EngineOf(row);
+  const double signedRatio = SignedRatio(staged.number);
+  SetPropMode(engine, signedRatio < 0);
+  SetSource(IsOn(throttleOverride) ? UsedThrottleOf(engine) : LeverOf(engine), std::abs(signedRatio));
+}
+
+constexpr Family throttle = {
+    {.type = Stored::S16,
+     .name = "throttle",
+     .meaning = "throttle lever",
+     .unit = "%",
+     .unitScale = 100 / forwardFull,
+     .cycle = Cycle::C1,
+     .read = ReadThrottle,
+     .write = {.apply = ApplyThrottle},
+     .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
+     .note = "16384 full forward, -4096 full reverse"},
+    {0x088C, 0x0924, 0x09BC, 0x0A54}};
+constexpr Family leverInput = {{.type = Stored::S16,
+                                .name = "throttle_input",
+                                .meaning = "throttle lever input",
+                                .unit = "%",
+                                .unitScale = 100 / forwardFull,
+                                .cycle = Cycle::C1,
+                                .read = ReadLeverInput},
+                               {0, 0, 0x3334, 0x3336}};
+constexpr Family directThrottle = {
+    {.type = Stored::S16,
+     .name = "throttle_direct",
+     .meaning = "throttle past the axis cut-off",
+     .unit = "%",
+     .unitScale = 100 / forwardFull,
+     .write = {.apply = ApplyDirectThrottle},
+     .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
+    {0x089A, 0x0932, 0, 0}};
+constexpr Family directThrust = {{.type = Stored::S16,
+                                  .name = "throttle_direct",
+                                  .meaning = "throttle past the axis cut-off",
+                                  .unit = "%",
+                                  .unitScale = 100 / forwardFull,
+                                  .write = {.target = ownFloatElement, .convert = SignedRatio},
+                                  .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
+                                 {0, 0, 0x09CA, 0x0A62}};
+
+// --- Mixture and fuel valves --------------------------------------------------------------------------
+
+Source X737LeverOf(int engine) { return engine == 0 ? x737LeftCutoffLeverPos : x737RightCutoffLeverPos; }
+Source B738RatioOf(int engine) { return engine == 0 ? b738MixtureRatio1 : b738MixtureRatio2; }
+Source MixtureOf(const OffsetRow& row) { return FloatElementAt(row.offset, EngineOf(row)); }
+
+int ReadCutoffLever(const OffsetRow& row, double* value) {
+  const int engine = EngineOf(row);
+  const Source lever = adapters.x737           ? X737LeverOf(engine)
+                       : adapters.b738Extended ? B738RatioOf(engine)
+                                               : MixtureOf(row);
+  *value = ReadSource(lever) * cutoffFull;
+  return 1;
+}
+
+// The extended 737-800 moves its fuel levers itself, from one stop to the other, at a command.
+void MoveB738Lever(int engine, double word) {
+  const Source ratio = B738RatioOf(engine);
+  const bool wantsIdle = word > 8191;
+  const XPLMCommandRef command = wantsIdle ? b738LeverCommands[engine].idle : b738LeverCommands[engine].cutoff;
+  if (command == nullptr) {
+    SetSource(ratio, std::clamp(word / cutoffFull, 0.0, 1.0));
+  } else if (wantsIdle != (ReadSource(ratio) >= 0.5)) {
+    XPLMCommandBegin(command);
+    XPLMCommandEnd(command);
+  }
+}
+
+void ApplyCutoffLever(const OffsetRow& row, const Staged& staged) {
+  const int engine = EngineOf(row);
+  if (adapters.x737) {
+    SetSource(X737LeverOf(engine), std::clamp(staged.number / 16384, 0.0, 1.0));
+  } else if (adapters.b738Extended) {
+    MoveB738Lever(engine, staged.number);
+  } else {
+    SetSource(MixtureOf(row), std::clamp(staged.number / cutoffFull, 0.0, 1.0));
+  }
+}
+
+constexpr Family cutoffLever = {
+    {.type = Stored::U16,
+     .name = "mixture",
+     .meaning = "mixture or fuel cut-off lever",
+     .unit = "%",
+     .unitScale = 100 / cutoffFull,
+     .cycle = Cycle::C7,
+     .read = ReadCutoffLever,
+     .write = {.apply = ApplyCutoffLever},
+     .lossy = "above 16383 reads back 16383; the extended 737-800 knows only cut-off and idle",
+     .note = "16383 full rich or open"},
+    {0x0890, 0x0928, 0, 0}};
+constexpr Family mixture = {{.type = Stored::U16,
+                             .name = "mixture",
+                             .meaning = "mixture lever",
+                             .unit = "%",
+                             .unitScale = 100.0 / 16384,
+                             .cycle = Cycle::C7,
+                             .source = ownFloatElement,
+                             .factor = 16384,
+                             .write = {.target = ownFloatElement, .factor = 1.0 / 16384, .low = 0, .high = 1},
+                             .lossy = "above 16384 reads back 16384",
+                             .note = "16384 full rich"},
+                            {0, 0, 0x09C0, 0x0A58}};
+constexpr Family fuelValve = {{.type = Stored::S32,
+                               .name = "fuel_valve",
+                               .meaning = "fuel valve open",
+                               .show = Show::Flag,
+                               .cycle = Cycle::C13,
+                               .source = ownFloatElement,
+                               .convert = Positive,
+                               .write = {.target = ownFloatElement, .convert = OnOff},
+                               .lossy = flagLoss},
+                              {0x3590, 0x3594, 0, 0}};
+
+// --- Magnetos and starters ----------------------------------------------------------------------------
+
+constexpr uint8_t pistonEngine = 0;  // every other engine type is a turbine to the starter switch
+
+void HoldStarter(int engine) {
+  if (starterHeld[engine] != 0) return;
+  starterHeld[engine] = 1;
+  XPLMCommandButtonPress(xplm_joy_start_0 + engine);
+}
+void LetStarterGo(int engine) {
+  if (starterHeld[engine] == 0) return;
+  starterHeld[engine] = 0;
+  XPLMCommandButtonRelease(xplm_joy_start_0 + engine);
+}
+
+// The key counts off, left, right, both; clients count off, right, left, both.
+double PistonSwitch(int key) {
+  switch (key) {
+    case 1:
+      return 2;
+    case 2:
+      return 1;
+    case 3:
+      return 3;
+    default:
+      return 0;
+  }
+}
+
+int ReadMagnetoSwitch(const OffsetRow& row, double* value) {
+  const int engine = EngineOf(row);
+  const bool engaged = ReadSource(AuxFloatElementAt(0x0038, engine)) > 0;
+  const int key = ReadInt(IntElementAt(ignitionOffsets[engine], engine));
+  starterEngaged[engine] = engaged;
+  uint8_t engineType = pistonEngine;
+  if (TryCopyFromMemory(engineTypeOffset, sizeof engineType, &engineType) == 0) return 0;
+  if (engineType == pistonEngine) {
+    *value = engaged ? 4 : PistonSwitch(key);
+  } else {
+    *value = engaged ? 1 : key != 0 ? 2 : 0;
+  }
+  return 1;
+}
+
+int ReadStarter(const OffsetRow& row, double* value) {
+  *value = starterEngaged[EngineOf(row)];
+  return 1;
+}
+
+// Off, right, left, both, start: the key springs back from start when any other position is written.
+void TurnPistonSwitch(int engine, int64_t position) {
+  constexpr int64_t start = 4;
+  const EngineCommands& commands = commandBlock.engines[engine];
+  const XPLMCommandRef positions[] = {commands.magnetosOff, commands.magnetosRight, commands.magnetosLeft,
+                                      commands.magnetosBoth, commands.magnetosBoth};
+  if (position != start) LetStarterGo(engine);
+  if (position > start) return;
+  FireCommand(positions[position]);
+  if (position == start) HoldStarter(engine);
+}
+
+// Off, start, generator.
+void TurnTurbineSwitch(int engine, int64_t position) {
+  if (position > 2) return;
+  const bool start = position == 1;
+  if (!start) LetStarterGo(engine);
+  SetSource(AuxIntElementAt(0x0039, engine), start);
+  if (start) HoldStarter(engine);
+}
+
+void ApplyMagnetoSwitch(const OffsetRow& row, const Staged& staged) {
+  uint8_t engineType = pistonEngine;
+  CopyFromMemory(engineTypeOffset, sizeof engineType, &engineType);
+  if (engineType == pistonEngine) {
+    TurnPistonSwitch(EngineOf(row), staged.integer);
+  } else {
+    TurnTurbineSwitch(EngineOf(row), staged.integer);
+  }
+}
+
+constexpr Family magneto = {
+    {.type = Stored::U16,
+     .name = "magneto",
+     .meaning = "magneto or starter switch",
+     .cycle = Cycle::C13,
+     .read = ReadMagnetoSwitch,
+     .write = {.apply = ApplyMagnetoSwitch},
+     .lossy = "shows what the engine does, so start reads back only while the starter turns",
+     .note = "piston: 0 off, 1 right, 2 left, 3 both, 4 start; turbine: 0 off, 1 start, 2 generator"},
+    {0x0892, 0x092A, 0x09C2, 0x0A5A}};
+constexpr Family starter = {{.type = Stored::U8,
+                             .name = "starter",
+                             .meaning = "starter engaged",
+                             .show = Show::Flag,
+                             .cycle = Cycle::C13,
+                             .read = ReadStarter},
+                            {0x0506, 0x0507, 0x0508, 0x0509}};
+constexpr Family ignition = {{.type = Stored::S32,
+                              .name = "ignition",
+                              .meaning = "ignition switch",
+                              .show = Show::Flag,
+                              .cycle = Cycle::C13,
+                              .source = ownIntElement,
+                              .write = {.target = ownIntElement, .convert = OnOff},
+                              .lossy = flagLoss},
+                             {0x208C, 0x218C, 0x228C, 0x238C}};
+constexpr Family igniter = {{.type = Stored::U8,
+                             .name = "igniter",
+                             .meaning = "igniter switch",
+                             .show = Show::Flag,
+                             .write = {.target = ownIntElement, .convert = OnOff},
+                             .note = "keeps what a client wrote"},
+                            {0x6D8E, 0x6D8F, 0, 0}};
+
+constexpr auto rows = Joined(EngineRows<throttle, leverInput>(), EngineRows<directThrottle, directThrust>(),
+                             EngineRows<cutoffLever, mixture>(), EngineRows<fuelValve>(),
+                             EngineRows<magneto, starter>(), EngineRows<ignition>(), EngineRows<igniter>());
+
+}  // namespace
+
+const RowTable throttleRows = {"Throttle, mixture, starter", rows};
+
+void ReleaseStarters() {
+  for (int engine = 0; engine < engineCount; engine++) LetStarterGo(engine);
+}
+
+void ReleaseThrottleOverrides() { ReleaseIxegThrottleOverride(); }

@@ -1,0 +1,353 @@
+// The modes of rude_client_win32 that run for a while: random blocks, a busy client, a block that changes
+// while it is served, dying clients, and the measurement of a request against a bare window message. Each
+// prints its line and returns the exit status.
+#pragma once
+#include <algorithm>
+#include <random>
+
+#include "client_block.h"
+
+// Offsets from 0x18000 on have no meaning to the plug-in: 63 slots of 512 bytes for busy clients, and a word
+// for single checks behind them.
+constexpr uint32_t slotBase = 0x18000;
+constexpr uint32_t slotSize = 512;
+constexpr uint32_t slotCount = 63;
+constexpr uint32_t scratchOffset = 0x1FF00;
+
+inline int64_t CounterTicks() {
+  LARGE_INTEGER ticks;
+  QueryPerformanceCounter(&ticks);
+  return ticks.QuadPart;
+}
+
+inline double Microseconds(int64_t ticks) {
+  LARGE_INTEGER frequency;
+  QueryPerformanceFrequency(&frequency);
+  return static_cast<double>(ticks) * 1e6 / static_cast<double>(frequency.QuadPart);
+}
+
+inline void SpinMicroseconds(double duration) {
+  const int64_t start = CounterTicks();
+  while (Microseconds(CounterTicks() - start) < duration) {
+  }
+}
+
+// Fills the block with 1,000-byte reads, so that serving it takes a while.
+inline void FillWithReads(ClientBlock* block) {
+  RecordWriter records = {block->view, 0};
+  while (records.at + 16 + 1000 + 4 <= block->size) records.Read(0x100, 1000);
+  records.End();
+}
+
+// --- A request on a thread of its own -------------------------------------------------------------------
+struct AsyncCall {
+  const Server* server;
+  ATOM atom;
+  int answer;
+};
+
+inline DWORD WINAPI AsyncProcedure(void* argument) {
+  AsyncCall* call = static_cast<AsyncCall*>(argument);
+  call->answer = Call(*call->server, call->atom);
+  return 0;
+}
+
+inline HANDLE StartCall(AsyncCall* call) { return CreateThread(nullptr, 0, AsyncProcedure, call, 0, nullptr); }
+
+// --- This program as another process --------------------------------------------------------------------
+// Starts it with the given words. Returns its handle or null.
+inline HANDLE StartSelf(const std::string& words) {
+  char path[MAX_PATH] = "";
+  GetModuleFileNameA(nullptr, path, sizeof path);
+  std::string line = std::string("\"") + path + "\" " + words;
+  STARTUPINFOA startup = {};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process = {};
+  if (!CreateProcessA(path, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+    return nullptr;
+  }
+  CloseHandle(process.hThread);
+  return process.hProcess;
+}
+
+// Waits for its end; one that does not end in time is ended. Returns 1 when it exited with 0.
+inline int FinishProcess(HANDLE process, DWORD timeoutMs) {
+  DWORD status = 1;
+  if (WaitForSingleObject(process, timeoutMs) != WAIT_OBJECT_0) {
+    TerminateProcess(process, 1);
+  } else {
+    GetExitCodeProcess(process, &status);
+  }
+  CloseHandle(process);
+  return status == 0;
+}
+
+inline int RunSelf(const std::string& words, DWORD timeoutMs) {
+  HANDLE process = StartSelf(words);
+  return process != nullptr && FinishProcess(process, timeoutMs);
+}
+
+// Ends this process so many microseconds after its request was sent.
+inline int DieDuringRequest(const Server& server, uint32_t delay) {
+  ClientBlock block;
+  if (!MakeBlock(256 * 1024, &block)) return 1;
+  FillWithReads(&block);
+  AsyncCall call = {&server, block.atom, noAnswer};
+  if (StartCall(&call) == nullptr) return 1;
+  SpinMicroseconds(delay);
+  TerminateProcess(GetCurrentProcess(), 0);
+  return 1;
+}
+
+// --- Random blocks --------------------------------------------------------------------------------------
+// What serving this block must give: the answer, and in `image` its bytes afterwards, with `known` 0 where a
+// read puts its data.
+struct Forecast {
+  int answer;
+  std::vector<uint8_t> image;
+  std::vector<uint8_t> known;
+};
+
+inline Forecast Foretell(const ClientBlock& block) {
+  Forecast forecast = {0, std::vector<uint8_t>(block.view, block.view + block.size),
+                       std::vector<uint8_t>(block.size, 1)};
+  uint32_t at = 0;
+  while (block.size - at >= 4) {
+    const uint32_t type = WordAt(&forecast.image[at]);
+    if (type == 0) {
+      forecast.answer = 1;
+      break;
+    }
+    if (type > 2) {
+      std::memset(&forecast.image[at], 0, 4);
+      break;
+    }
+    const uint32_t header = type == 1 ? 16 : 12;
+    if (block.size - at < header) break;
+    const uint64_t offset = WordAt(&forecast.image[at + 4]);
+    const uint32_t size = WordAt(&forecast.image[at + 8]);
+    if (offset + size > 0x20000 || size > block.size - at - header) break;
+    at += header;
+    if (type == 1) std::memset(forecast.known.data() + at, 0, size);
+    at += size;
+  }
+  return forecast;
+}
+
+// One block: plain noise, or records with fields that are right, just wrong, or anything.
+inline void FillAtRandom(std::mt19937* random, ClientBlock* block) {
+  const auto pick = [random](uint32_t limit) { return static_cast<uint32_t>((*random)() % limit); };
+  for (uint32_t i = 0; i < block->size; ++i) block->view[i] = static_cast<uint8_t>((*random)());
+  if (pick(10) == 0) return;
+  const uint32_t offsets[] = {0, 0x3E00, 0x1FFFC, 0x1FFFF, 0x1FFFE, 0x20001, 0xFFFFFFFF, 0x80000000};
+  const uint32_t sizes[] = {0, 1, 2, 4, 8, 12, 255, 0x20000, 0x20001, 0xFFFFFFFC};
+  for (uint32_t at = 0; at + 20 < block->size;) {
+    const uint32_t kind = pick(40);
+    const uint32_t type = kind == 0 ? 0 : kind == 1 ? 3 + pick(1000) : 1 + kind % 2;
+    const uint32_t offset = pick(12) == 0 ? offsets[pick(8)] : pick(0x20000);
+    const uint32_t size = pick(12) == 0 ? sizes[pick(10)] : pick(300);
+    std::memcpy(block->view + at, &type, 4);
+    std::memcpy(block->view + at + 4, &offset, 4);
+    std::memcpy(block->view + at + 8, &size, 4);
+    if (type == 0 || size > block->size) break;
+    at += (type == 1 ? 16 : 12) + size;
+  }
+}
+
+// Every block is answered as its content says, and nothing else of it changes.
+inline int RunGarbage(const Server& server, uint32_t seed, uint32_t requests) {
+  std::mt19937 random(seed);
+  ClientBlock block;
+  if (!MakeBlock(4096, &block)) return 1;
+  uint32_t accepted = 0;
+  for (uint32_t request = 0; request < requests; ++request) {
+    FillAtRandom(&random, &block);
+    const Forecast forecast = Foretell(block);
+    const int answer = Call(server, block.atom);
+    const char* problem = answer != forecast.answer ? "wrong answer" : nullptr;
+    for (uint32_t i = 0; i < block.size && problem == nullptr; ++i) {
+      if (forecast.known[i] && forecast.image[i] != block.view[i])
+        problem = "bytes changed that are not its own";
+    }
+    if (problem != nullptr) {
+      std::printf("garbage: FAILED: %s to request %u of seed %u (answer %d)\n", problem, request, seed, answer);
+      FreeBlock(&block);
+      return 1;
+    }
+    accepted += static_cast<uint32_t>(answer);
+  }
+  FreeBlock(&block);
+  std::printf("garbage: ok, %u requests, %u of them accepted\n", requests, accepted);
+  return 0;
+}
+
+// --- A busy client --------------------------------------------------------------------------------------
+// Writes its slot's words and reads each back within the same request.
+inline int RunHammer(const Server& server, uint32_t seconds, uint32_t records, uint32_t slot) {
+  const uint32_t pairs = std::clamp(records / 2, 1u, slotSize / 4);
+  const uint32_t base = slotBase + slot % slotCount * slotSize;
+  ClientBlock block;
+  if (!MakeBlock(pairs * (12 + 4 + 16 + 4) + 4, &block)) return 1;
+  uint32_t requests = 0;
+  uint32_t errors = 0;
+  std::vector<uint8_t*> echoes(pairs);
+  const DWORD start = GetTickCount();
+  while (GetTickCount() - start < seconds * 1000) {
+    RecordWriter writer = {block.view, 0};
+    for (uint32_t i = 0; i < pairs; ++i) {
+      const uint32_t value = (requests + 1) * 2654435761u + i;
+      writer.Write(base + 4 * i, 4, &value);
+      echoes[i] = writer.Read(base + 4 * i, 4);
+      std::memset(echoes[i], 0, 4);
+    }
+    writer.End();
+    uint32_t wrong = Call(server, block.atom) != 1;
+    for (uint32_t i = 0; i < pairs; ++i) wrong |= WordAt(echoes[i]) != (requests + 1) * 2654435761u + i;
+    errors += wrong;
+    ++requests;
+  }
+  FreeBlock(&block);
+  std::printf("hammer: %s, %u requests, %u errors\n", errors == 0 && requests > 0 ? "ok" : "FAILED", requests,
+              errors);
+  return errors == 0 && requests > 0 ? 0 : 1;
+}
+
+// --- A block that changes while it is served ------------------------------------------------------------
+struct Changer {
+  volatile LONG stop;
+  uint8_t* sizeFields[2];
+};
+
+inline DWORD WINAPI ChangeSizes(void* argument) {
+  Changer* changer = static_cast<Changer*>(argument);
+  const uint32_t sizes[] = {8, 0xFFFFFFF0, 4096, 0x20000, 60000, 0};
+  for (uint32_t i = 0; !changer->stop; ++i) {
+    for (uint8_t* field : changer->sizeFields) {
+      *reinterpret_cast<volatile uint32_t*>(field) = sizes[i % 6];
+    }
+  }
+  return 0;
+}
+
+// Answers may be 1 or 0, but every request gets one.
+inline int RunChangeWhileServed(const Server& server, uint32_t seconds) {
+  ClientBlock block;
+  if (!MakeBlock(64 * 1024, &block)) return 1;
+  Changer changer = {};
+  uint32_t answers[2] = {};
+  int unanswered = 0;
+  const auto build = [&] {
+    std::memset(block.view, 0, block.size);
+    RecordWriter records = {block.view, 0};
+    for (int i = 0; i < 100; ++i) records.Read(0x100, 4);
+    changer.sizeFields[0] = block.view + records.at + 8;
+    records.Read(0x100, 8);
+    changer.sizeFields[1] = block.view + records.at + 8;
+    const uint64_t value = 0;
+    records.Write(slotBase, 8, &value);
+    records.End();
+  };
+  build();
+  HANDLE thread = CreateThread(nullptr, 0, ChangeSizes, &changer, 0, nullptr);
+  const DWORD start = GetTickCount();
+  while (GetTickCount() - start < seconds * 1000 && !unanswered) {
+    const int answer = Call(server, block.atom);
+    unanswered = answer != 0 && answer != 1;
+    if (!unanswered) ++answers[answer];
+    build();
+  }
+  changer.stop = 1;
+  WaitForSingleObject(thread, INFINITE);
+  CloseHandle(thread);
+  FreeBlock(&block);
+  std::printf("change-while-served: %s, answered 1: %u times, 0: %u times\n", unanswered ? "FAILED" : "ok",
+              answers[1], answers[0]);
+  return unanswered;
+}
+
+// --- A request against a bare window message ------------------------------------------------------------
+// The helper process has a window that does what any server must: find, open and map the block.
+inline LRESULT CALLBACK HelperProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_CLOSE) PostQuitMessage(0);
+  if (message != WM_APP) return DefWindowProcA(window, message, wParam, lParam);
+  char name[260] = "";
+  if (GlobalGetAtomNameA(static_cast<ATOM>(wParam), name, sizeof name) == 0) return 0;
+  HANDLE mapping = OpenFileMappingA(FILE_MAP_WRITE, FALSE, name);
+  if (mapping == nullptr) return 0;
+  const void* view = MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0);
+  const LRESULT result = view != nullptr && WordAt(view) == 1;
+  if (view != nullptr) UnmapViewOfFile(view);
+  CloseHandle(mapping);
+  return result;
+}
+
+// Runs until its window is closed or `parent` (a process id) has ended.
+inline int RunLatencyHelper(const char* parent) {
+  const std::string name = std::string("CRAFTEDHELPER:") + parent;
+  WNDCLASSEXA windowClass = {};
+  windowClass.cbSize = sizeof windowClass;
+  windowClass.lpfnWndProc = HelperProcedure;
+  windowClass.hInstance = GetModuleHandleA(nullptr);
+  windowClass.lpszClassName = name.c_str();
+  if (RegisterClassExA(&windowClass) == 0) return 1;
+  HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(std::stoul(parent)));
+  if (process == nullptr) return 1;
+  if (CreateWindowExA(0, name.c_str(), name.c_str(), WS_POPUP, 0, 0, 10, 10, nullptr, nullptr,
+                      windowClass.hInstance, nullptr) == nullptr) {
+    return 1;
+  }
+  MSG message;
+  while (MsgWaitForMultipleObjects(1, &process, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) {
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+      if (message.message == WM_QUIT) return 0;
+      DispatchMessageA(&message);
+    }
+  }
+  return 0;
+}
+
+inline double Median(std::vector<double>* values) {
+  std::sort(values->begin(), values->end());
+  return (*values)[values->size() / 2];
+}
+
+// Alternates between the two, so that whatever else the computer does meets both.
+inline int RunLatency(const Server& server, uint32_t requests, uint32_t records) {
+  const std::string parent = std::to_string(GetCurrentProcessId());
+  const std::string helperName = "CRAFTEDHELPER:" + parent;
+  HANDLE helper = StartSelf("latency-helper " + parent);
+  Server bare = {nullptr, WM_APP};
+  for (int attempt = 0; attempt < 200 && helper != nullptr && bare.window == nullptr; ++attempt) {
+    bare.window = FindWindowA(helperName.c_str(), helperName.c_str());
+    if (bare.window == nullptr) Sleep(50);
+  }
+  ClientBlock block;
+  const int ready = MakeBlock(std::max(records, 1u) * 20 + 4, &block);
+  if (bare.window == nullptr || !ready) {
+    std::printf("latency: FAILED: no helper process\n");
+    if (helper != nullptr) FinishProcess(helper, 0);
+    return 1;
+  }
+  RecordWriter writer = {block.view, 0};
+  for (uint32_t i = 0; i < std::max(records, 1u); ++i) writer.Read(0x0560 + 8 * (i % 64), 4);
+  writer.End();
+  std::vector<double> served;
+  std::vector<double> sent;
+  uint32_t errors = 0;
+  for (uint32_t i = 0; i < std::max(requests, 1u); ++i) {
+    const int64_t start = CounterTicks();
+    errors += Call(server, block.atom) != 1;
+    const int64_t middle = CounterTicks();
+    errors += Call(bare, block.atom) != 1;
+    served.push_back(Microseconds(middle - start));
+    sent.push_back(Microseconds(CounterTicks() - middle));
+  }
+  FreeBlock(&block);
+  PostMessageA(bare.window, WM_CLOSE, 0, 0);
+  FinishProcess(helper, 5000);
+  const double request = Median(&served);
+  const double message = Median(&sent);
+  std::printf("latency: %s, request of %u records %.1f us, bare message %.1f us, ratio %.2f\n",
+              errors == 0 ? "ok" : "FAILED", records, request, message, request / message);
+  return errors != 0;
+}

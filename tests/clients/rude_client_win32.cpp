@@ -1,0 +1,375 @@
+// A client of the local window server that breaks the rules, one rule for each mode:
+//
+//   rude_client_win32 MODE [argument...]
+//
+// Prints one line and exits with 0 when the server answered as it should, with 1 when it did not, with 2 for
+// wrong usage or when there is no server. After each mode a plain request must be served still. What each
+// mode expects stands at its function; load_modes.h has those that run for a while.
+#include <cstdlib>
+
+#include "client_block.h"
+#include "load_modes.h"
+
+namespace {
+
+// 0x3304 holds 0x50000008 from the plug-in's start on and is read-only.
+constexpr uint32_t constantOffset = 0x3304;
+constexpr uint32_t constantValue = 0x50000008;
+constexpr uint32_t memorySize = 0x20000;
+constexpr uint32_t pageSize = 4096;
+
+Server server;
+std::string why;  // what went wrong, for the printed line
+
+int Expect(bool truth, const std::string& what) {
+  if (!truth && why.empty()) why = what;
+  return truth;
+}
+
+int ExpectAnswer(WPARAM atom, int wanted, const char* what) {
+  const int answer = Call(server, atom);
+  return Expect(answer == wanted, std::string(what) + ": answered " +
+                                      (answer == noAnswer ? "nothing" : std::to_string(answer)) + ", not " +
+                                      std::to_string(wanted));
+}
+
+// A well-formed request of its own is served.
+int ExpectAlive() {
+  ClientBlock block;
+  if (!Expect(MakeBlock(pageSize, &block), "no block")) return 0;
+  RecordWriter records = {block.view, 0};
+  const uint8_t* data = records.Read(constantOffset, 4);
+  records.End();
+  ExpectAnswer(block.atom, 1, "plain request afterwards");
+  Expect(WordAt(data) == constantValue, "plain request afterwards: wrong data");
+  FreeBlock(&block);
+  return why.empty();
+}
+
+uint32_t ReadWord(uint32_t offset) {
+  ClientBlock block;
+  uint32_t word = 0;
+  if (!Expect(MakeBlock(pageSize, &block), "no block")) return 0;
+  RecordWriter records = {block.view, 0};
+  const uint8_t* data = records.Read(offset, 4);
+  records.End();
+  if (ExpectAnswer(block.atom, 1, "reading back")) word = WordAt(data);
+  FreeBlock(&block);
+  return word;
+}
+
+// Sets the scratch word to a value that no record of the mode under test holds.
+void PrepareScratch(uint32_t value) {
+  ClientBlock block;
+  if (!Expect(MakeBlock(pageSize, &block), "no block")) return;
+  RecordWriter records = {block.view, 0};
+  records.Write(scratchOffset, 4, &value);
+  records.End();
+  ExpectAnswer(block.atom, 1, "preparing the scratch word");
+  FreeBlock(&block);
+}
+
+// Read, unknown type 7, write: 0, the read served, the type zeroed, the write not served.
+void UnknownRecord(ClientBlock* block) {
+  PrepareScratch(0x11111111);
+  const uint32_t value = 0x22222222;
+  RecordWriter records = {block->view, 0};
+  const uint8_t* data = records.Read(constantOffset, 4);
+  uint8_t* unknown = block->view + records.at;
+  records.Word(7);
+  records.Word(0x5A5A5A5A);
+  records.Write(scratchOffset, 4, &value);
+  records.End();
+  ExpectAnswer(block->atom, 0, "unknown record");
+  Expect(WordAt(data) == constantValue, "the read before it was not served");
+  Expect(WordAt(unknown) == 0 && WordAt(unknown + 4) == 0x5A5A5A5A, "not just its type was zeroed");
+  Expect(ReadWord(scratchOffset) == 0x11111111, "the write behind it was served");
+}
+
+// Records up to the very end of the view and no terminator: 0, and all of them served.
+void NoTerminator(ClientBlock* block) {
+  RecordWriter records = {block->view, 0};
+  const uint8_t* data = records.Read(constantOffset, 4);
+  const uint32_t rest = block->size - static_cast<uint32_t>(records.at) - 16;
+  const uint8_t* tail = records.Read(constantOffset, rest);
+  Expect(records.at == block->size, "the mode fills the block wrongly");
+  ExpectAnswer(block->atom, 0, "no terminator");
+  Expect(WordAt(data) == constantValue, "the first record was not served");
+  Expect(WordAt(tail) == constantValue, "the record that ends with the view was not served");
+}
+
+// The last header is cut by the view's end, or its data is one byte too long: 0, nothing of it applied.
+void CutRecord(ClientBlock* block) {
+  PrepareScratch(0x33333333);
+  std::vector<uint8_t> bytes(block->size, 0x44);
+  for (const uint32_t left : {4u, 8u, 12u, 15u}) {
+    std::memset(block->view, 0, block->size);
+    RecordWriter records = {block->view, 0};
+    records.Read(0, block->size - 16 - left);
+    const uint32_t words[3] = {left == 15 ? 1u : 2u, scratchOffset, left == 15 ? 0u : 1u};
+    std::memcpy(block->view + records.at, words, left < 12 ? left : 12);
+    ExpectAnswer(block->atom, 0, "cut header");
+  }
+  RecordWriter records = {block->view, 0};
+  records.Word(2);
+  records.Word(scratchOffset);
+  records.Word(block->size - 12 + 1);
+  std::memcpy(block->view + records.at, bytes.data(), block->size - 12);
+  ExpectAnswer(block->atom, 0, "data beyond the view");
+  Expect(ReadWord(scratchOffset) == 0x33333333, "a part of a record was applied");
+}
+
+// Sizes that leave the memory or wrap around: 0, the block unchanged.
+void Oversize(ClientBlock* block) {
+  const uint32_t cases[][3] = {
+      {1, 0, memorySize + 1},      {1, 0, 0xFFFFFFFF},     {1, 0x10, 0xFFFFFFF0},
+      {1, 4, memorySize - 3},      {2, 0, memorySize + 1}, {2, scratchOffset, 0xFFFFFFFF},
+      {2, 0x10, 0xFFFFFFF0},       {1, 0xFFFFFFF0, 0x10},  {2, 0xFFFFFFFF, 2},
+      {1, 0x80000000, 0x80000000},
+  };
+  PrepareScratch(0x55555555);
+  for (const auto& words : cases) {
+    std::memset(block->view, 0xAB, block->size);
+    std::memcpy(block->view, words, sizeof words);
+    ExpectAnswer(block->atom, 0, "oversize record");
+    for (uint32_t i = sizeof words; i < block->size; ++i) {
+      if (!Expect(block->view[i] == 0xAB, "the block was changed at " + std::to_string(i))) break;
+    }
+  }
+  Expect(ReadWord(scratchOffset) == 0x55555555, "an oversize write was applied");
+}
+
+// The memory's last bytes are served, one byte more is not.
+void BeyondMemory(ClientBlock* block) {
+  for (const uint32_t offset : {memorySize - 4, memorySize - 3, memorySize - 1, memorySize, memorySize + 4}) {
+    RecordWriter records = {block->view, 0};
+    records.Read(offset, 4);
+    records.End();
+    ExpectAnswer(block->atom, offset == memorySize - 4, "read at the memory's end");
+  }
+  const uint32_t before = ReadWord(memorySize - 4);
+  const uint32_t value = before + 0x01010101;
+  for (const uint32_t offset : {memorySize - 2, memorySize}) {
+    RecordWriter records = {block->view, 0};
+    records.Write(offset, 4, &value);
+    records.End();
+    ExpectAnswer(block->atom, 0, "write at the memory's end");
+    Expect(ReadWord(memorySize - 4) == before, "a part of the write was applied");
+  }
+}
+
+// A list of nothing: 1.
+void Empty(ClientBlock* block) {
+  std::memset(block->view, 0, block->size);
+  ExpectAnswer(block->atom, 1, "empty list");
+}
+
+// Records of size 0 still take their header's room: 1, and the read behind them is served.
+void ZeroSizes(ClientBlock* block) {
+  RecordWriter records = {block->view, 0};
+  records.Read(0x1234, 0);
+  records.Write(scratchOffset, 0, nullptr);
+  records.Read(0, 0);
+  const uint8_t* data = records.Read(constantOffset, 4);
+  records.End();
+  ExpectAnswer(block->atom, 1, "records of size 0");
+  Expect(WordAt(data) == constantValue, "the read behind them was not served");
+}
+
+// A write to a read-only offset is passed over: 1, nothing changed, the next write applied.
+void ReadOnlyWrite(ClientBlock* block) {
+  PrepareScratch(0);
+  const uint32_t value = 0x66666666;
+  RecordWriter records = {block->view, 0};
+  records.Write(constantOffset, 4, &value);
+  records.Write(scratchOffset, 4, &value);
+  const uint8_t* data = records.Read(constantOffset, 4);
+  records.End();
+  ExpectAnswer(block->atom, 1, "write to a read-only offset");
+  Expect(WordAt(data) == constantValue, "a read-only offset was written");
+  Expect(ReadWord(scratchOffset) == value, "the write behind it was not applied");
+}
+
+// A request at the start of 64 MiB: 1, and the whole memory is read in one record.
+void HugeMapping(ClientBlock* block) {
+  FreeBlock(block);
+  if (!Expect(MakeBlock(64u << 20, block), "no block of 64 MiB")) return;
+  RecordWriter records = {block->view, 0};
+  const uint8_t* data = records.Read(0, memorySize);
+  records.End();
+  ExpectAnswer(block->atom, 1, "huge block");
+  Expect(WordAt(data + constantOffset) == constantValue, "wrong data");
+}
+
+// Of 1 MiB of address space only the first page is there: records inside it are served, 1; one that runs
+// into the rest is refused, 0.
+void ReservedMapping(ClientBlock* block) {
+  FreeBlock(block);
+  if (!Expect(MakeBlock(1u << 20, block, PAGE_READWRITE | SEC_RESERVE), "no reserved block")) return;
+  ExpectAnswer(block->atom, 0, "block without a page");
+  if (!Expect(VirtualAlloc(block->view, pageSize, MEM_COMMIT, PAGE_READWRITE) != nullptr, "no page")) return;
+  RecordWriter records = {block->view, 0};
+  const uint8_t* data = records.Read(constantOffset, 4);
+  records.End();
+  ExpectAnswer(block->atom, 1, "inside the page");
+  Expect(WordAt(data) == constantValue, "wrong data");
+  records = {block->view, 0};
+  records.Word(1);
+  records.Word(0);
+  records.Word(2 * pageSize);
+  ExpectAnswer(block->atom, 0, "beyond the page");
+}
+
+// Mappings of a few bytes, which the system rounds up to a page: an end is found, 1; a record longer than
+// the page is not served, 0.
+void TinyMapping(ClientBlock* block) {
+  for (const uint32_t size : {1u, 4u, 15u}) {
+    FreeBlock(block);
+    if (!Expect(MakeBlock(size, block), "no tiny block")) return;
+    ExpectAnswer(block->atom, 1, "tiny block without records");
+    if (size < 4) continue;
+    const uint32_t words[3] = {1, 0, pageSize};
+    std::memcpy(block->view, words, sizeof words);
+    ExpectAnswer(block->atom, 0, "tiny block, long record");
+  }
+}
+
+// Atoms that name nothing: 0.
+void BadAtom(ClientBlock*) {
+  char name[256];
+  for (const WPARAM atom : {WPARAM{0}, WPARAM{1}, WPARAM{0xBFFF}, WPARAM{0xFFFF}, WPARAM{0x7FFFFFFF}}) {
+    ExpectAnswer(atom, 0, "bad atom");
+  }
+  for (WPARAM atom = 0xFFF0; atom > 0xFF00; --atom) {
+    if (GlobalGetAtomNameA(static_cast<ATOM>(atom), name, sizeof name) != 0) continue;
+    ExpectAnswer(atom, 0, "unused atom");
+    return;
+  }
+}
+
+// An atom whose name is no mapping, is too long for a name, or belongs to an event: 0.
+void MissingMapping(ClientBlock*) {
+  HANDLE event = CreateEventA(nullptr, TRUE, FALSE, "CRAFTED:EVENT");
+  for (const std::string& name : {std::string("CRAFTED:NOWHERE"), std::string(255, 'x'), std::string("a\\b"),
+                                  std::string("CRAFTED:EVENT")}) {
+    const ATOM atom = GlobalAddAtomA(name.c_str());
+    if (!Expect(atom != 0, "no atom")) break;
+    ExpectAnswer(atom, 0, "name without a mapping");
+    GlobalDeleteAtom(atom);
+  }
+  CloseHandle(event);
+}
+
+// A mapping that nobody may write: 0.
+void ReadOnlyMapping(ClientBlock* block) {
+  FreeBlock(block);
+  if (!Expect(MakeBlock(pageSize, block, PAGE_READONLY), "no read-only block")) return;
+  ExpectAnswer(block->atom, 0, "read-only mapping");
+}
+
+// The client's own view and handle go while its request is served: the server has a view of its own. The
+// answer is 1, or 0 when the mapping was gone before it was opened.
+void UnmapDuring(ClientBlock* block) {
+  FreeBlock(block);
+  for (int round = 0; round < 40; ++round) {
+    ClientBlock own;
+    if (!Expect(MakeBlock(256 * 1024, &own), "no block")) return;
+    FillWithReads(&own);
+    AsyncCall call = {&server, own.atom, noAnswer};
+    HANDLE thread = StartCall(&call);
+    SpinMicroseconds(round * 20);
+    UnmapViewOfFile(own.view);
+    CloseHandle(own.mapping);
+    own.view = nullptr;
+    own.mapping = nullptr;
+    WaitForSingleObject(thread, 30000);
+    CloseHandle(thread);
+    FreeBlock(&own);
+    Expect(call.answer == 0 || call.answer == 1, "no answer to a request whose view was unmapped");
+  }
+}
+
+// Processes that end while their request is served. The server goes on.
+void DieMidRequest(ClientBlock*) {
+  for (int round = 0; round < 12; ++round) {
+    const std::string delay = std::to_string(round * 100);
+    if (!Expect(RunSelf("die-child " + delay, 30000), "the dying client could not be run")) return;
+    if (!ExpectAlive()) return;
+  }
+}
+
+struct Mode {
+  const char* name;
+  void (*run)(ClientBlock* block);
+};
+constexpr Mode modes[] = {
+    {"unknown-record", UnknownRecord},   {"no-terminator", NoTerminator},
+    {"cut-record", CutRecord},           {"oversize-read", Oversize},
+    {"beyond-memory", BeyondMemory},     {"empty", Empty},
+    {"zero-sizes", ZeroSizes},           {"readonly-write", ReadOnlyWrite},
+    {"huge-mapping", HugeMapping},       {"reserved-mapping", ReservedMapping},
+    {"tiny-mapping", TinyMapping},       {"bad-atom", BadAtom},
+    {"missing-mapping", MissingMapping}, {"readonly-mapping", ReadOnlyMapping},
+    {"unmap-during", UnmapDuring},       {"die-mid-request", DieMidRequest},
+};
+
+int RunMode(const Mode& mode) {
+  why.clear();
+  ClientBlock block;
+  if (Expect(MakeBlock(pageSize, &block), "no block")) mode.run(&block);
+  FreeBlock(&block);
+  ExpectAlive();
+  std::printf("%s: %s\n", mode.name, why.empty() ? "ok" : ("FAILED: " + why).c_str());
+  return why.empty() ? 0 : 1;
+}
+
+uint32_t Argument(int count, char** words, int index, uint32_t fallback) {
+  return count > index ? static_cast<uint32_t>(std::strtoul(words[index], nullptr, 0)) : fallback;
+}
+
+int Usage() {
+  std::printf("usage: rude_client_win32 MODE\n  all, or one of:");
+  for (const Mode& mode : modes) std::printf(" %s", mode.name);
+  std::printf(
+      "\n  garbage SEED REQUESTS           random blocks; the answer follows from the block\n"
+      "  hammer SECONDS RECORDS SLOT     a busy client with its own bytes at slot 0..63, read back each time\n"
+      "  change-while-served SECONDS     another thread changes a record's size meanwhile\n"
+      "  latency REQUESTS RECORDS        median time of a request and of a bare window message\n");
+  return 2;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  if (count < 2) return Usage();
+  const std::string name = words[1];
+  if (name == "latency-helper" && count == 3) return RunLatencyHelper(words[2]);
+  if (!FindServer(&server)) {
+    std::printf("%s: no window KORLMAIN\n", name.c_str());
+    return 2;
+  }
+  if (name == "die-child") return DieDuringRequest(server, Argument(count, words, 2, 0));
+  int load = -1;
+  if (name == "garbage")
+    load = RunGarbage(server, Argument(count, words, 2, 1), Argument(count, words, 3, 1000));
+  if (name == "hammer") {
+    load = RunHammer(server, Argument(count, words, 2, 5), Argument(count, words, 3, 50),
+                     Argument(count, words, 4, 0));
+  }
+  if (name == "change-while-served") load = RunChangeWhileServed(server, Argument(count, words, 2, 2));
+  if (name == "latency")
+    load = RunLatency(server, Argument(count, words, 2, 1000), Argument(count, words, 3, 50));
+  if (load >= 0) {
+    if (ExpectAlive()) return load;
+    std::printf("%s: FAILED: %s\n", name.c_str(), why.c_str());
+    return 1;
+  }
+  int failed = 0;
+  int found = 0;
+  for (const Mode& mode : modes) {
+    if (name != "all" && name != mode.name) continue;
+    found = 1;
+    failed |= RunMode(mode);
+  }
+  return found ? failed : Usage();
+}

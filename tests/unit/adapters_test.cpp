@@ -1,0 +1,238 @@
+// Add-ons that come and go: flags, handles, log lines, and the rows that follow them.
+#include "aircraft/adapters.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "XPLMPlugin.h"
+#include "aircraft/adapter_slots.h"
+#include "bridge/catalogue/identity.h"
+#include "row_harness.h"
+#include "shell/log.h"
+
+namespace {
+
+class Adapters : public testing::Test {
+ protected:
+  void SetUp() override {
+    folder = std::filesystem::temp_directory_path() / "tavrix_adapters_test";
+    ASSERT_EQ(OpenLogs((folder / "").string().c_str(), [](const char*) {}), 1);
+    rows::Start();
+  }
+  void TearDown() override {
+    rows::Stop();
+    CloseLogs();
+    std::filesystem::remove_all(folder);
+  }
+
+  // How often a text stands in the main log.
+  int Logged(const std::string& text) const {
+    std::ifstream file(folder / "TAVRIX.txt");
+    const std::string log{std::istreambuf_iterator<char>(file), {}};
+    int count = 0;
+    for (size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) ++count;
+    return count;
+  }
+  // What the two cycles that recognise do.
+  static void RunCycles() {
+    rows::Refresh(Cycle::C313);
+    RecogniseAircraft();
+    RunEc135Adapter();
+  }
+  static int LoadedCount() {
+    return adapters.x737 + adapters.xSquawkBox + adapters.pilotEdge + adapters.ixeg733 + adapters.b738Extended +
+           adapters.b738Stock + adapters.ec135;
+  }
+
+  std::filesystem::path folder;
+};
+
+TEST_F(Adapters, AircraftComeAndGo) {
+  struct Case {
+    const char* aircraft;
+    int AdapterState::*flag;
+    Source slot;  // one of its datarefs
+    std::initializer_list<const char*> lines;
+  };
+  const Case cases[] = {
+      {"x737", &AdapterState::x737, x737CMDA, {"x737 found pluginID="}},
+      {"ixeg733",
+       &AdapterState::ixeg733,
+       ixegSeatbeltAct,
+       {" IXEG found, datarefs loaded\n", "\nIXEG found, commands loaded\n"}},
+      {"b738-extended",
+       &AdapterState::b738Extended,
+       b738CmdAStatus,
+       {" Extended 737-800 found, datarefs loaded\n", " Extended 737-800 found, commands loaded\n"}},
+      {"b738",
+       &AdapterState::b738Stock,
+       {},
+       {" Stock 737-800 found, datarefs loaded\n", " Stock 737-800 found, commands loaded\n"}},
+      {"ec135", &AdapterState::ec135, {}, {" EC135 found pluginID="}},
+  };
+  int round = 0;
+  for (const Case& c : cases) {
+    // Once by the message of the new aircraft, once by the cycles alone: the result is the same.
+    for (const bool byMessage : {true, false}) {
+      SCOPED_TRACE(testing::Message() << c.aircraft << (byMessage ? " by message" : " by cycle"));
+      const int before = Logged(*c.lines.begin());
+      ASSERT_EQ(sim::SimCommand(std::string("aircraft ") + c.aircraft), "ok");
+      EXPECT_EQ(LoadedCount(), 0);
+      if (byMessage)
+        DetectLoadedAircraft();
+      else
+        RunCycles();
+      EXPECT_EQ(adapters.*c.flag, 1);
+      EXPECT_EQ(LoadedCount(), 1);
+      if (c.slot.block != Block::None) EXPECT_NE(HandleOf(c.slot), nullptr);
+      RunCycles();
+      RunCycles();
+      for (const char* line : c.lines) EXPECT_EQ(Logged(line), before + 1) << "looked up once: " << line;
+
+      ASSERT_EQ(sim::SimCommand("aircraft jet"), "ok");
+      if (byMessage)
+        DetectLoadedAircraft();
+      else
+        RunCycles();
+      EXPECT_EQ(LoadedCount(), 0);
+      if (c.slot.block != Block::None) EXPECT_EQ(HandleOf(c.slot), nullptr);
+      ++round;
+    }
+  }
+  EXPECT_EQ(round, 10);
+}
+
+TEST_F(Adapters, EveryDocumentedNameIsBound) {
+  sim::SimCommand("aircraft b738-extended");
+  DetectLoadedAircraft();
+  EXPECT_NE(b738Commands.parkBrakeOnOff, nullptr);
+  for (XPLMCommandRef flaps : b738Commands.flaps) EXPECT_NE(flaps, nullptr);
+  for (uint32_t slot = 0x07000; slot <= 0x07019; ++slot) EXPECT_NE(AuxDataRefMemBlock[slot], nullptr) << slot;
+  sim::SimCommand("aircraft x737");
+  DetectLoadedAircraft();
+  EXPECT_EQ(b738Commands.flaps[8], nullptr);
+  EXPECT_EQ(AuxDataRefMemBlock[0x07019], nullptr);
+  for (uint32_t slot = 0x10002; slot <= 0x1002E; ++slot) EXPECT_NE(DataRefMemBlock[slot], nullptr) << slot;
+}
+
+TEST_F(Adapters, RowsFollowTheAircraftAndReturn) {
+  rows::Set("sim/cockpit/autopilot/autopilot_state", 0);
+  sim::SimCommand("aircraft x737");
+  DetectLoadedAircraft();
+  rows::Set("x737/systems/afds/HDG", 1);
+  rows::Refresh(Cycle::C7);
+  EXPECT_EQ(rows::Read<uint32_t>(0x07C8), 1U);
+  sim::SimCommand("aircraft jet");
+  DetectLoadedAircraft();
+  rows::Refresh(Cycle::C7);
+  EXPECT_EQ(rows::Read<uint32_t>(0x07C8), 0U) << "back at the stock autopilot";
+}
+
+TEST_F(Adapters, TitleDecidesToTheLastCharacter) {
+  struct Case {
+    const char* title;
+    int stock;
+  };
+  for (const Case& c : {Case{"Boeing B737-800 ", 1},
+                        {"Boeing B737-800", 0},
+                        {"Boeing B737-800X", 0},
+                        {"boeing B737-800 x", 0},
+                        {" Boeing B737-800 ", 0},
+                        {"", 0}}) {
+    sim::SimCommand(std::string("set sim/aircraft/view/acf_descrip \"") + c.title + "\"");
+    RunCycles();
+    EXPECT_EQ(adapters.b738Stock, c.stock) << c.title;
+  }
+  sim::SimCommand("set sim/aircraft/view/acf_descrip \"" + std::string(255, 'a') + "\"");
+  DetectLoadedAircraft();
+  sim::SimCommand("set sim/aircraft/view/acf_descrip \"short\"");
+  RunCycles();
+  char title[aircraftTextSize];
+  CopyFromMemory(aircraftTitleOffset, sizeof title, title);
+  EXPECT_EQ(std::string(title, sizeof title), "short" + std::string(sizeof title - 5, '\0'));
+}
+
+TEST_F(Adapters, AircraftFileIsBelowTheSimulatorsFolder) {
+  sim::SimCommand("aircraft x737");
+  rows::Refresh(Cycle::C59);
+  char file[aircraftTextSize];
+  CopyFromMemory(0x3C00, sizeof file, file);
+  std::string shown(file);
+  for (char& c : shown) c = c == '\\' ? '/' : c;
+  EXPECT_EQ(shown, "Aircraft/Heavy Metal/x737/x737_800.acf");
+}
+
+TEST_F(Adapters, NetworkClients) {
+  const std::string signature = "vatsim.protodev.clients.xsquawkbox";
+  sim::SimCommand("define xsquawkbox/text/from byte[32]");
+  sim::SimCommand("define xsquawkbox/text/msg byte[64]");
+  sim::SimCommand("define xsquawkbox/vers/number int 120");
+  sim::SimCommand("command PilotEdge/Connect");
+  sim::SimCommand("plugin " + signature + " on");
+  sim::SimCommand("plugin com.pilotedge.plugin.xplane on");
+  RunCycles();
+  RunCycles();
+  EXPECT_EQ(LoadedCount(), 2);
+  EXPECT_EQ(Logged("XSB found pluginID="), 1);
+  EXPECT_EQ(Logged("Init pilotEdge dataref Block OK!\nInit pilotEdge command Block OK!\n"), 1);
+  EXPECT_NE(pilotEdgeCommands.connect, nullptr);
+  EXPECT_EQ(pilotEdgeCommands.disconnect, nullptr) << "not published";
+  EXPECT_EQ(xSquawkBoxState.versionNumber, 120);
+  const int id = XPLMFindPluginBySignature(signature.c_str());
+  EXPECT_EQ(rows::Calls(), "plugin-message 16777217 15") << "subscribed once";
+
+  struct Case {
+    uint32_t message;
+    intptr_t parameter;
+    int connected, receiving, transmitting;
+  };
+  const Case cases[] = {{0x80000003, 1, 0, 1, 0}, {0x80000001, 0, 1, 1, 0}, {0x80000004, 1, 1, 1, 1},
+                        {0x80000003, 0, 1, 0, 1}, {0x8000000A, 1, 1, 0, 1}, {0x80000002, 0, 0, 0, 0}};
+  for (const Case& c : cases) {
+    ReceiveAdapterMessage(id, static_cast<int>(c.message), reinterpret_cast<void*>(c.parameter));
+    EXPECT_EQ(xSquawkBoxState.connected, c.connected) << c.message;
+    EXPECT_EQ(xSquawkBoxState.receiving, c.receiving) << c.message;
+    EXPECT_EQ(xSquawkBoxState.transmitting, c.transmitting) << c.message;
+  }
+  ReceiveAdapterMessage(id + 1000, static_cast<int>(0x80000001), nullptr);
+  EXPECT_EQ(xSquawkBoxState.connected, 0) << "of another plug-in";
+  sim::SimCommand("set xsquawkbox/text/from \"EDDF_TWR\"");
+  sim::SimCommand("set xsquawkbox/text/msg \"" + std::string(64, 'm') + "\"");  // fills the dataref: no NUL
+  ReceiveAdapterMessage(id, static_cast<int>(0x80000007), nullptr);
+  EXPECT_STREQ(xSquawkBoxState.from, "EDDF_TWR");
+  EXPECT_EQ(xSquawkBoxState.text, std::string(64, 'm'));
+
+  sim::SimCommand("aircraft ec135");
+  DetectLoadedAircraft();
+  EXPECT_EQ(LoadedCount(), 3) << "another aircraft leaves the network clients alone";
+  sim::SimCommand("plugin " + signature + " off");
+  RunCycles();
+  EXPECT_EQ(adapters.xSquawkBox, 0);
+  EXPECT_EQ(xSquawkBoxState.textsReceived, 0U);
+  EXPECT_EQ(DataRefMemBlock[xsbMsg.index], nullptr);
+  ReceiveAdapterMessage(id, static_cast<int>(0x80000001), nullptr);
+  EXPECT_EQ(xSquawkBoxState.connected, 0) << "gone";
+  ResetAdapters();
+  EXPECT_EQ(LoadedCount(), 0);
+  EXPECT_EQ(pilotEdgeCommands.connect, nullptr);
+}
+
+TEST_F(Adapters, IxegThrottlesAreGivenBackOnce) {
+  const std::string line = " disabling IXEG throttle overwrite OK!\n";
+  sim::SimCommand("aircraft ixeg733");
+  DetectLoadedAircraft();
+  rows::Set("ixeg/733/hardware/tavrix_thro1", 0.5);
+  ReleaseIxegThrottleOverride();
+  EXPECT_EQ(rows::Get("ixeg/733/hardware/tavrix_thro1"), 0.5) << "no client has taken them";
+  EXPECT_EQ(Logged(line), 0);
+  ixegThrottleOverrideOn = 1;
+  ReleaseIxegThrottleOverride();
+  ReleaseIxegThrottleOverride();
+  EXPECT_EQ(rows::Get("ixeg/733/hardware/tavrix_thro1"), 0);
+  EXPECT_EQ(Logged(line), 1);
+}
+
+}  // namespace

@@ -1,0 +1,278 @@
+// The client tool's reading of items, values and options, its output, and its request blocks.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "offsetctl/encode.h"
+#include "offsetctl/item.h"
+#include "offsetctl/names.h"
+#include "offsetctl/options.h"
+#include "offsetctl/request_block.h"
+#include "offsetctl/show.h"
+
+namespace {
+
+using namespace ctl;
+
+constexpr OffsetName rows[] = {
+    {0x0580, ValueType::U16, 2, "heading", "true heading", "deg", 360.0 / 65536, 0, Form::Number, false, true},
+    {0x0D0C, ValueType::U16, 2, "lights", "light switches", "", 1, 0, Form::Bits, false, true},
+    {0x0BC8, ValueType::U16, 2, "brake", "parking brake", "", 1, 0, Form::Flag, false, true},
+    {0x034E, ValueType::U16, 2, "com1", "COM1", "MHz", 1, 0, Form::Bcd, false, true},
+    {0x0354, ValueType::U16, 2, "squawk", "transponder", "", 1, 0, Form::Bcd, false, true},
+    {0x0E8C, ValueType::S16, 2, "oat", "outside air", "degC", 1.0 / 256, -10, Form::Number, false, false},
+    {0x0560, ValueType::S64, 8, "latitude", "latitude", "deg", 90.0 / (10001750.0 * 65536 * 65536), 0,
+     Form::Number, false, true},
+    {0x3130, ValueType::Text, 12, "tail", "tail number", "", 1, 0, Form::Text, false, true},
+    {0x0238, ValueType::U8, 1, "hour", "local hour", "h", 1, 0, Form::Number, true, false},
+};
+constexpr OffsetRange readOnly[] = {{0x0238, 0x023A}, {0x3304, 0x330B}};
+constexpr NameTable names = {rows, readOnly};
+
+Item Parsed(const char* text, const char* hex = nullptr) {
+  Item item;
+  std::string error;
+  EXPECT_EQ(ParseItem(text, names, &item, &error), 1) << text << ": " << error;
+  if (hex != nullptr) {
+    EXPECT_TRUE(ParseBytes(std::string("hex:") + hex, &item.bytes));
+  }
+  return item;
+}
+
+TEST(OffsetctlItem, ReadsPlacesAndTypes) {
+  const struct {
+    const char* text;
+    uint32_t offset, size;
+    const char* type;
+  } cases[] = {
+      {"0x0330:u16", 0x330, 2, "u16"},           {"816:s64", 816, 8, "s64"},
+      {"0x1FFFF:u8", 0x1FFFF, 1, "u8"},          {"0x1FFF8:f64", 0x1FFF8, 8, "f64"},
+      {"0:hex:131072", 0, 131072, "hex:131072"}, {"heading", 0x580, 2, "u16"},
+      {"HEADING:s32", 0x580, 4, "s32"},          {"0x0580", 0x580, 2, "u16"},
+      {"tail", 0x3130, 12, "text:12"},           {"0x3e00:text:256", 0x3E00, 256, "text:256"},
+  };
+  for (const auto& row : cases) {
+    const Item item = Parsed(row.text);
+    EXPECT_EQ(item.offset, row.offset) << row.text;
+    EXPECT_EQ(item.size, row.size) << row.text;
+    EXPECT_EQ(TypeText(item.type, item.size), row.type) << row.text;
+    EXPECT_EQ(item.bytes.size(), row.size) << row.text;
+  }
+}
+
+TEST(OffsetctlItem, RefusesBrokenItems) {
+  const char* cases[] = {"",        "0x0330",      "0x20000:u8",   "0x1FFFF:u16",    "0x1FFF9:f64",
+                         "0x0330:", "0x0330:u12",  "0x0330:hex:0", "0x0330:hex:",    "1:hex:131072",
+                         "headin",  ":u16",        "0x:u8",        "0x0330:u16:u16", "4294967297:u8",
+                         "-1:u8",   "0x10:hex:-1", "0x3 :u8"};
+  for (const char* text : cases) {
+    Item item;
+    std::string error;
+    EXPECT_EQ(ParseItem(text, names, &item, &error), 0) << text;
+    EXPECT_FALSE(error.empty()) << text;
+  }
+}
+
+TEST(OffsetctlWrite, EncodesValues) {
+  const struct {
+    const char* text;
+    const char* bytes;
+  } cases[] = {
+      {"0x0330:u16=16211", "53 3F"},
+      {"0x0330:u16=0x3F53", "53 3F"},
+      {"0x0330:s16=-32768", "00 80"},
+      {"0x0330:u64=18446744073709551615", "FF FF FF FF FF FF FF FF"},
+      {"0x0330:s64=-9223372036854775808", "00 00 00 00 00 00 00 80"},
+      {"0x0330:f32=0.1", "CD CC CC 3D"},
+      {"0x0330:f64=-1.5e3", "00 00 00 00 00 70 97 C0"},
+      {"0x0330:u16=hex:53 3f", "53 3F"},
+      {"0x0330:hex:3=010203", "01 02 03"},
+      {"0x0330=hex:0102", "01 02"},
+      {"0x0330:text:4=\"a\\\"\\x7f\"", "61 22 7F 00"},
+      {"tail=D-EABC", "44 2D 45 41 42 43 00 00 00 00 00 00"},
+      {"tail=", "00 00 00 00 00 00 00 00 00 00 00 00"},
+      {"heading=270", "00 C0"},
+      {"heading=359.997", "FF FF"},
+      {"heading:u16=270", "0E 01"},
+      {"oat=-10.002", "FF FF"},
+      {"com1=118.705", "70 18"},
+      {"squawk=7000", "00 70"},
+      {"brake=on", "01 00"},
+      {"lights=0x8001", "01 80"},
+  };
+  for (const auto& row : cases) {
+    Item item;
+    std::string error;
+    ASSERT_EQ(ParseAssignment(row.text, names, &item, &error), 1) << row.text << ": " << error;
+    std::vector<uint8_t> expected;
+    ASSERT_TRUE(ParseBytes(std::string("hex:") + row.bytes, &expected));
+    EXPECT_EQ(item.bytes, expected) << row.text;
+  }
+}
+
+TEST(OffsetctlWrite, RefusesWhatDoesNotFit) {
+  const char* cases[] = {
+      "0x0330:u16",
+      "0x0330:u16=",
+      "0x0330:u16=65536",
+      "0x0330:u16=-1",
+      "0x0330:s16=32768",
+      "0x0330:u8=0x100",
+      "0x0330:u64=18446744073709551616",
+      "0x0330:u16=1.5",
+      "0x0330:u16=1 ",
+      "0x0330:f32=1e39",
+      "0x0330:f64=1,5",
+      "0x0330:u16=hex:53",
+      "0x0330:u16=hex:533",
+      "0x0330:hex:2=0102 03",
+      "0x0330=hex:",
+      "0x0330=5",
+      "heading=360",
+      "heading=-0.1",
+      "heading=nan",
+      "heading=0xC000",
+      "com1=99.99",
+      "com1=200",
+      "squawk=10000",
+      "tail=\"D-EABCDEFGHIJ\"",
+      "tail=\"open",
+      "0x0238:u8=1",
+      "hour=5",
+      "0x0237:u16=0",
+      "0x3300:hex:8=0000000000000000",
+      "latitude=1e9",
+  };
+  for (const char* text : cases) {
+    Item item;
+    std::string error;
+    EXPECT_EQ(ParseAssignment(text, names, &item, &error), 0) << text;
+    EXPECT_FALSE(error.empty()) << text;
+  }
+}
+
+TEST(OffsetctlShow, PrintsLinesAndJson) {
+  const struct {
+    const char* item;
+    const char* bytes;
+    const char* line;
+    const char* value;  // in JSON
+  } cases[] = {
+      {"0x0330:u16", "53 3F", "0x0330 = 16211 (53 3F)", "16211"},
+      {"0x0330:s8", "80", "0x0330 = -128 (80)", "-128"},
+      {"0x0330:u64", "FFFFFFFFFFFFFFFF", "0x0330 = 18446744073709551615 (FF FF FF FF FF FF FF FF)",
+       "\"18446744073709551615\""},
+      {"0x0330:f32", "CDCCCC3D", "0x0330 = 0.1 (CD CC CC 3D)", "0.1"},
+      {"0x0330:f32", "0000C07F", "0x0330 = nan (00 00 C0 7F)", "null"},
+      {"0x0330:hex:2", "0A0B", "0x0330 = 0A 0B", "\"0A 0B\""},
+      {"0x0330:text:4", "412200FF", "0x0330 = \"A\\\"\" (41 22 00 FF)", "\"A\\\"\""},
+      {"0x0330:text:1", "E9", "0x0330 = \"\\xE9\" (E9)", "\"\\u00E9\""},
+      {"heading", "FCBF", "heading = 269.978 deg, 49148 (FC BF)", "269.97802734375"},
+      {"heading:u16", "FCBF", "heading = 49148 (FC BF)", "49148"},
+      {"oat", "00F6", "oat = -20.000 degC, -2560 (00 F6)", "-20"},
+      {"com1", "7018", "com1 = 118.70 MHz, 0x1870 (70 18)", "118.7"},
+      {"com1", "7A18", "com1 = no decimal digits MHz, 0x187A (7A 18)", "null"},
+      {"squawk", "2100", "squawk = 0021, 0x0021 (21 00)", "21"},
+      {"brake", "FF7F", "brake = on, 32767 (FF 7F)", "32767"},
+      {"lights", "0180", "lights = 0x8001 (01 80)", "32769"},
+  };
+  for (const auto& row : cases) {
+    const Item item = Parsed(row.item, row.bytes);
+    EXPECT_EQ(ItemLine(item), row.line);
+    EXPECT_NE(ItemJson(item).find(std::string("\"value\": ") + row.value + ", \"raw\""), std::string::npos)
+        << ItemJson(item);
+  }
+  EXPECT_EQ(ItemJson(Parsed("heading", "FCBF")),
+            "{\"name\": \"heading\", \"offset\": 1408, \"type\": \"u16\", \"value\": 269.97802734375, "
+            "\"raw\": \"FC BF\", \"unit\": \"deg\"}");
+}
+
+// Every stored value of a scaled type comes back when its engineering value is written.
+TEST(OffsetctlWrite, TakesBackWhatJsonShows) {
+  for (uint32_t stored = 0; stored < 0x10000; stored += 7) {
+    for (const char* name : {"heading", "oat"}) {
+      Item item = Parsed(name);
+      item.bytes = {static_cast<uint8_t>(stored), static_cast<uint8_t>(stored >> 8)};
+      double value = 0;
+      ASSERT_TRUE(EngineeringNumber(item, &value));
+      Item written;
+      std::string error;
+      ASSERT_TRUE(ParseAssignment(std::string(name) + "=" + std::to_string(value), names, &written, &error))
+          << error;
+      ASSERT_EQ(written.bytes, item.bytes) << name << " " << stored;
+    }
+  }
+}
+
+TEST(OffsetctlBlock, SplitsWhereTheBlockIsFull) {
+  uint8_t data[40];
+  for (size_t i = 0; i < sizeof data; ++i) data[i] = static_cast<uint8_t>(i);
+  const std::vector<Transfer> transfers = {{0x10, 8, data}, {0x20, 8, data + 8}, {0x30, 8, data + 16}};
+  EXPECT_EQ(BlockSize(RecordKind::Read, transfers, 0), 3 * 24u + 4);
+  EXPECT_EQ(BlockSize(RecordKind::Write, transfers, 1), 2 * 20u + 4);
+  for (const size_t capacity : {size_t{4}, size_t{27}, size_t{28}, size_t{75}, size_t{76}}) {
+    std::vector<uint8_t> block(capacity + 8, 0xEE);
+    const size_t last = PackRecords(RecordKind::Read, transfers, 0, block.data(), capacity);
+    EXPECT_EQ(last, (capacity - 4) / 24) << capacity;
+    uint32_t end = 1;
+    std::memcpy(&end, block.data() + last * 24, 4);
+    EXPECT_EQ(end, 0u);
+    for (size_t i = 0; i < 8; ++i) EXPECT_EQ(block[capacity + i], 0xEE) << capacity;
+  }
+  // What the server fills in behind the headers goes to the transfers, the first of which was left out.
+  std::vector<uint8_t> block(76);
+  ASSERT_EQ(PackRecords(RecordKind::Read, transfers, 1, block.data(), block.size()), 3u);
+  for (size_t i = 0; i < 8; ++i) block[16 + i] = 0xA1, block[24 + 16 + i] = 0xA2;
+  UnpackReads(transfers, 1, 3, block.data());
+  EXPECT_EQ(data[7], 7);
+  EXPECT_EQ(data[8], 0xA1);
+  EXPECT_EQ(data[23], 0xA2);
+  EXPECT_EQ(data[24], 24);
+}
+
+TEST(OffsetctlOptions, ReadsTheCommandLine) {
+  const struct {
+    std::vector<std::string> words;
+    int result;
+  } cases[] = {
+      {{"read", "a", "--json", "--timeout", "2.5"}, 1},
+      {{"watch", "a", "--count=3", "--rate", "20"}, 1},
+      {{"write", "--", "-odd=1"}, 1},
+      {{"list"}, 1},
+      {{"--help"}, 1},
+      {{"dump", "--help"}, 1},
+      {{}, 0},
+      {{"read"}, 0},
+      {{"raed", "a"}, 0},
+      {{"dump", "a", "b"}, 0},
+      {{"write", "a=1", "--json"}, 0},
+      {{"watch", "a", "--count", "0"}, 0},
+      {{"watch", "a", "--rate"}, 0},
+      {{"read", "a", "--timeout", "nan"}, 0},
+      {{"read", "a", "--timeout", "0"}, 0},
+      {{"list", "--timeout", "1"}, 0},
+      {{"--json", "read", "a"}, 0},
+      {{"monitor", "--seconds", "1s"}, 0},
+  };
+  for (const auto& row : cases) {
+    Options options;
+    std::string error;
+    EXPECT_EQ(ParseOptions(row.words, &options, &error), row.result)
+        << testing::PrintToString(row.words) << error;
+    EXPECT_EQ(error.empty(), row.result == 1) << testing::PrintToString(row.words);
+  }
+}
+
+TEST(OffsetctlNames, TableOfTheCatalogueHoldsTogether) {
+  const NameTable known = KnownOffsets();
+  for (const OffsetName& row : known.rows) {
+    EXPECT_LE(row.offset + row.length, offsetMemorySize) << row.name;
+    EXPECT_NE(row.unitScale, 0) << row.name;
+    if (row.name[0] != 0) {
+      EXPECT_EQ(FindByName(known, row.name), &row) << row.name << " is not unique";
+    }
+    EXPECT_EQ(FirstReadOnly(known, row.offset, 1) == row.offset, row.readOnly) << row.name;
+  }
+}
+
+}  // namespace

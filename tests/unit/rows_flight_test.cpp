@@ -1,0 +1,619 @@
+// Time, position, attitude, speeds, forces, autopilot, flight controls, slew: what clients read for a state
+// of the simulator, and what the simulator gets from a client's write. Expected values come from the units
+// (a quarter turn, a hundred knots), not from the rows.
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <numbers>
+#include <set>
+#include <sstream>
+
+#include "bridge/catalogue/reposition.h"
+#include "bridge/slew.h"
+#include "row_harness.h"
+#include "shell/log.h"
+
+namespace {
+
+using rows::Calls;
+using rows::Get;
+using rows::Read;
+using rows::ReadCase;
+using rows::Refresh;
+using rows::Set;
+using rows::Write;
+using rows::WriteAndRun;
+using rows::WriteCase;
+using enum Stored;
+using enum Cycle;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double pi = std::numbers::pi;
+constexpr double quarterTurn = 0x40000000;
+
+#define POSITION "sim/flightmodel/position/"
+#define AUTOPILOT "sim/cockpit/autopilot/"
+#define CONTROLS "sim/flightmodel/controls/"
+#define LAMINAR "laminar/B738/"
+#define PANEL "x737/systems/"
+
+class FlightRows : public testing::Test {
+ protected:
+  void SetUp() override { rows::Start(); }
+  void TearDown() override {
+    ClearSlew();
+    ReleaseOverrides();
+    rows::Stop();
+  }
+  void Restart(const char* aircraft, std::initializer_list<const char*> missing = {}) {
+    rows::Stop();
+    rows::Start(aircraft, missing);
+  }
+};
+
+// --- Registry ---------------------------------------------------------------------------------------
+
+TEST_F(FlightRows, RegistryHoldsWhatTheSimulatorPublishes) {
+  std::set<uint32_t> primary, auxiliary;
+  for (uint32_t i = 0; i < bindingCount; i++) {
+    const Binding& binding = bindings[i];
+    const bool first = binding.block == Block::Primary;
+    EXPECT_TRUE((first ? primary : auxiliary).insert(binding.index).second) << "bound twice: " << binding.index;
+    const XPLMDataRef handle = (first ? DataRefMemBlock : AuxDataRefMemBlock)[binding.index];
+    EXPECT_EQ(handle != nullptr, sim::FindLive(binding.name) != nullptr) << binding.name;
+  }
+  EXPECT_EQ(primary.size(), 507u);
+  EXPECT_EQ(auxiliary.size(), 127u);
+
+  size_t readOnly = 0;
+  for (const uint8_t access : VariablesAccessMemBlock) readOnly += access == accessReadOnly;
+  EXPECT_EQ(readOnly, 108u);
+  for (const uint32_t offset : {0x0238u, 0x023Au, 0x0265u, 0x030Fu, 0x31E7u, 0x6F0Au, 0x16023u})
+    EXPECT_EQ(VariablesAccessMemBlock[offset], accessReadOnly) << offset;
+  for (const uint32_t offset : {0x0237u, 0x023Bu, 0x0266u, 0x0310u, 0x31E8u, 0x6F0Bu, 0x16024u})
+    EXPECT_EQ(VariablesAccessMemBlock[offset], accessReadWrite) << offset;
+
+  std::set<XPLMCommandRef> commands = {commandBlock.backCourse, commandBlock.approach,
+                                       commandBlock.autothrottleToggle, commandBlock.takeOffGoAround,
+                                       commandBlock.contactAtc};
+  for (const EngineCommands& engine : commandBlock.engines)
+    commands.insert({engine.magnetosOff, engine.magnetosRight, engine.magnetosLeft, engine.magnetosBoth,
+                     engine.engageStarter});
+  commands.erase(nullptr);
+  EXPECT_EQ(commands.size(), 25u);
+}
+
+// --- Readers ----------------------------------------------------------------------------------------
+
+TEST_F(FlightRows, ReadsSimpleValues) {
+  const ReadCase cases[] = {
+      {0x0238, U8, C13, "sim/time/local_time_sec", 45296.9, 12},
+      {0x0239, U8, C13, "sim/time/local_time_sec", 45296.9, 34},
+      {0x023A, U8, C13, "sim/time/local_time_sec", 45296.9, 56},
+      {0x0238, U8, C13, "sim/time/local_time_sec", nan, 0},
+      {0x023B, U8, C31Navigation, "sim/time/zulu_time_sec", 86399, 23},
+      {0x023C, U8, C31Navigation, "sim/time/zulu_time_sec", 86399, 59},
+      {0x023E, U16, C313, "sim/time/local_date_days", 0, 1},
+      {0x0248, U16, C313, "sim/time/local_date_days", 58, 0},
+      {0x0248, U16, C313, "sim/time/local_date_days", 59, 1},
+      {0x0248, U16, C313, "sim/time/local_date_days", 151, 2},
+      {0x0248, U16, C313, "sim/time/local_date_days", 242, 2},
+      {0x0248, U16, C313, "sim/time/local_date_days", 243, 3},
+      {0x0248, U16, C313, "sim/time/local_date_days", 334, 0},
+      {0x0274, U16, C31Navigation, "sim/operation/misc/frame_rate_period", 0.02, 655},
+      {0x0274, U16, C31Navigation, "sim/operation/misc/frame_rate_period", 3, 65535},
+      {0x0C1A, U16, C31, "sim/time/sim_speed", 2, 512},
+      {0x0578, S32, C1, POSITION "theta", 90, -quarterTurn},
+      {0x0578, S32, C1, POSITION "theta", nan, 0},
+      {0x2F70, F64, C1, POSITION "theta", 12.5, -12.5},
+      {0x057C, S32, C1, POSITION "phi", -45, quarterTurn / 2},
+      {0x057C, S32, C1, POSITION "phi", -180, 2147483647},  // one step short of half a turn
+      {0x2F78, F64, C1, POSITION "phi", -30, 30},
+      {0x0580, U32, C1, POSITION "psi", 90, quarterTurn},
+      {0x0580, U32, C1, POSITION "psi", -90, 3 * quarterTurn},
+      {0x0580, U32, C1, POSITION "psi", 360, 0},
+      {0x02A0, S16, C313, POSITION "magnetic_variation", 90, -16384},
+      {0x31E4, S32, C1, POSITION "y_agl", 100, 6553600},
+      {0x31E4, S32, C1, POSITION "y_agl", 40000, 2147483647},
+      {0x02B8, S32, C1, POSITION "true_airspeed", 51.44444, 12800, 1},
+      {0x02BC, S32, C1, POSITION "indicated_airspeed", 100, 12800},
+      {0x02BC, S32, C1, POSITION "indicated_airspeed", nan, 0},
+      {0x02C8, S32, C1, POSITION "vh_ind", -5, -1280},
+      {0x0842, S16, C1, POSITION "vh_ind", -5, 300},
+      {0x0842, S16, C1, POSITION "vh_ind", 600, -32768},
+      {0x31A0, F64, C1, POSITION "vh_ind_fpm", 600, 10, 1e-9},
+      {0x11C6, U16, C1, "sim/flightmodel/misc/machno", 0.75, 15360},
+      {0x11C6, U16, C1, "sim/flightmodel/misc/machno", -1, 0},
+      {0x036E, S8, C1, "sim/flightmodel/misc/slip", 1, -30},
+      {0x036E, S8, C1, "sim/flightmodel/misc/slip", 10, -128},
+      {0x037C, S16, C1, "sim/cockpit2/gauges/indicators/turn_rate_heading_deg_pilot", -20, -512},
+      {0x02B4, S32, C3, POSITION "groundspeed", 10, 655360},
+      {0x6030, F64, C3, POSITION "groundspeed", 10, 10},
+      {0x0366, U16, C3, "sim/flightmodel/failures/onground_any", 3, 1},
+      {0x3068, F64, C1, "sim/flightmodel/forces/g_nrml", 1, -32.1726, 1e-9},
+      {0x3090, F64, C1, "sim/flightmodel/forces/vz_acf_axis", -30.48, 100, 1e-5},
+      {0x30A8, F64, C1, POSITION "Qrad", 0.25, 0.25},
+      {0x31A8, F64, C1, POSITION "Qrad", 0.25, 0.25},
+      {0x2ED0, F64, C1, POSITION "alpha", 180, pi, 1e-9},
+      {0x11BE, U16, C1, POSITION "alpha", 100, 0},
+      {0x11BE, U16, C1, POSITION "alpha", 0, 32767},
+      {0x11BE, U16, C1, POSITION "alpha", -200, 65535},
+      {0x11BA, S16, C3, POSITION "local_ay", 9.81, 1250, 1},
+      {0x11BA, S16, C3, POSITION "local_ay", -9.81, 0, 1},
+      {0x07CC, U16, C7, AUTOPILOT "heading_mag", 270, 49152},
+      {0x07CC, U16, C7, AUTOPILOT "heading_mag", 360, 0},
+      {0x07CC, U16, C7, AUTOPILOT "heading_mag", -90, 49152},
+      {0x07D4, S32, C7, AUTOPILOT "altitude", 10000, 3048 * 65536.0},
+      {0x07F2, S16, C7, AUTOPILOT "vertical_velocity", -1800, -1800},
+      {0x0BB4, S16, C1, CONTROLS "hstab1_elv1def", 15, -16363},
+      {0x0BB8, S16, C1, CONTROLS "lail1def", 30, -16383},
+      {0x2EA8, F64, C1, CONTROLS "lail1def", 18, -pi, 1e-9},
+      {0x0BBC, S16, C1, CONTROLS "ldruddef", -30, -16383},
+      {0x2EA0, F64, C13, CONTROLS "elv_trim", 1, 10 * pi / 180, 1e-9},
+      {0x0BD4, U32, C13, CONTROLS "sbrkrat", -0.5, 0},
+      {0x0BD8, U32, C13, CONTROLS "sbrkrat", 1, 16383},
+      {0x30F4, S16, C7, CONTROLS "wing1r_fla1def", 40, 10240},
+      {0x0BE8, U32, C3, "sim/cockpit/switches/gear_handle_status", 1, 16383},
+      {0x0BF0, U32, C3, "sim/aircraft/parts/acf_gear_deploy", 0.5, 8191, 0, 2},
+      {0x0BF4, U32, C3, "sim/aircraft/parts/acf_gear_deploy", 0.25, 4095, 0, 1},
+      {0x6D8A, S16, C3, "sim/flightmodel/parts/tire_steer_act", -12.5, -1250},
+      {0x0BCA, U16, C3, CONTROLS "r_brake_add", 0.25, 16383},
+      {0x0BC8, U16, C3, CONTROLS "parkbrake", 1, 32767},
+      {0x0BC4, S16, C3, CONTROLS "parkbrake", 1, 16383},
+      {0x3416, S16, C3, CONTROLS "l_brake_add", 0.5, 8191},
+      {0x2F80, U8, C31, "sim/cockpit/switches/auto_brake_settings", 4, 4},
+  };
+  for (const ReadCase& test : cases) rows::CheckRead(test);
+
+  Set("sim/time/local_time_sec", 45296);
+  Refresh(C13);
+  char text[9] = {};
+  CopyFromMemory(0x0C20, sizeof text, text);
+  EXPECT_STREQ(text, "12:34:56");
+  EXPECT_EQ(text[8], 0);
+}
+
+TEST_F(FlightRows, PositionKeepsAllItsBits) {
+  const struct {
+    double latitude, longitude, altitude;
+    int64_t latitudeWord, longitudeWord, altitudeWord;
+  } cases[] = {
+      {90, 90, 1000.5, int64_t{10001750} << 32, 0x4000000000000000, (int64_t{1000} << 32) + 0x80000000},
+      {-45, -90, -0.25, -(int64_t{5000875} << 32), -0x4000000000000000, -0x40000000},
+      {0, 180, 0, 0, std::numeric_limits<int64_t>::min(), 0},
+      {nan, nan, nan, 0, 0, 0},
+      {0, -180, 3e9, 0, std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::max()},
+  };
+  for (const auto& test : cases) {
+    Set(POSITION "latitude", test.latitude);
+    Set(POSITION "longitude", test.longitude);
+    Set(POSITION "elevation", test.altitude);
+    Set(POSITION "y_agl", 2);
+    Refresh(C1);
+    EXPECT_EQ(Read<int64_t>(0x0560), test.latitudeWord) << test.latitude;
+    EXPECT_EQ(Read<int64_t>(0x0568), test.longitudeWord) << test.longitude;
+    EXPECT_EQ(Read<int64_t>(0x0570), test.altitudeWord) << test.altitude;
+    EXPECT_EQ(Read<int32_t>(0x0574), test.altitudeWord >> 32) << test.altitude;
+    if (test.altitude != 1000.5) continue;
+    EXPECT_EQ(Read<int32_t>(0x0020), 255616);  // 998.5 m
+    EXPECT_EQ(Read<int16_t>(0x0B4C), 998);
+  }
+}
+
+TEST_F(FlightRows, ReadsDerivedValues) {
+  const struct {
+    double zulu, local;
+    int hours;
+  } zones[] = {{64800, 43200.008, 6}, {3600, 82800, 2}, {82800, 3600, -2}, {43200, 0, 12},
+               {0, 43200, 12},        {7199.99, 0, 2},  {0, 19800, -5}};  // half hours toward 0
+  for (const auto& zone : zones) {
+    Set("sim/time/zulu_time_sec", zone.zulu);
+    Set("sim/time/local_time_sec", zone.local);
+    Refresh(C31Navigation);
+    EXPECT_EQ(Read<int16_t>(0x0246), zone.hours) << zone.zulu;
+  }
+
+  // The last vertical speed in the air stays on the ground.
+  Set("sim/flightmodel/failures/onground_any", 0);
+  Set(POSITION "vh_ind", -2);
+  Refresh(C1);
+  Set("sim/flightmodel/failures/onground_any", 1);
+  Set(POSITION "vh_ind", 0);
+  Refresh(C1);
+  EXPECT_EQ(Read<int32_t>(0x030C), -512);
+  EXPECT_EQ(Read<int32_t>(0x02C8), 0);
+
+  Set("sim/cockpit2/gauges/indicators/altitude_ft_pilot", 5000);
+  Refresh(C1);
+  EXPECT_EQ(Read<int32_t>(0x3324), 5000);
+  Write<uint16_t>(0x0C18, 2);
+  Refresh(C1);
+  EXPECT_EQ(Read<int32_t>(0x3324), 1524);
+
+  const uint16_t runs = Read<uint16_t>(0x337E);
+  Refresh(C1);
+  EXPECT_EQ(Read<uint16_t>(0x337E), static_cast<uint16_t>(runs + 1));
+
+  // Mach 0.5 and knots are two forms of one selection; with no air there is no Mach number.
+  Set("sim/weather/speed_sound_ms", 340);
+  Set("sim/weather/sigma", 1);
+  Set(AUTOPILOT "airspeed", 0.5);
+  Set(AUTOPILOT "airspeed_is_mach", 1);
+  Refresh(C7);
+  EXPECT_EQ(Read<uint16_t>(0x07E2), 330);  // 170 m/s
+  EXPECT_EQ(Read<int32_t>(0x07E8), 32768);
+  Set(AUTOPILOT "airspeed", 250);
+  Set(AUTOPILOT "airspeed_is_mach", 0);
+  Set("sim/weather/sigma", 0);
+  Refresh(C7);
+  EXPECT_EQ(Read<uint16_t>(0x07E2), 250);
+  EXPECT_EQ(Read<int32_t>(0x07E8), 0);
+}
+
+TEST_F(FlightRows, MissingDatarefsReadZeroAndTakeWrites) {
+  Restart("jet", {POSITION "latitude", POSITION "q", POSITION "local_x", "sim/joystick/yolk_pitch_ratio",
+                  AUTOPILOT "autopilot_state"});
+  for (const Cycle cycle : {C1, C3, C7, C13, C31Navigation, C31, C313}) Refresh(cycle);
+  EXPECT_EQ(Read<int64_t>(0x0560), 0);
+  EXPECT_EQ(Read<int16_t>(0x0BB2), 0);
+  Write<int64_t>(0x0560, 1000);
+  Write<int32_t>(0x0578, 1000);
+  Write<int32_t>(0x02BC, 1000);
+  WriteAndRun<int16_t>(0x0BB2, 1000);
+  for (uint32_t flag : {0x0560u, 0x0578u, 0x02BCu, 0x0BB2u}) EXPECT_EQ(pendingFlags.flags[flag], 0u);
+}
+
+// --- Writers ----------------------------------------------------------------------------------------
+
+TEST_F(FlightRows, WritesSimpleValues) {
+  const WriteCase cases[] = {
+      {0x023E, U16, 1, "sim/time/local_date_days", 0, 0, 0, 200},
+      {0x023E, U16, 0, "sim/time/local_date_days", 0, 0, 0, 200},
+      {0x023E, U16, 65535, "sim/time/local_date_days", 365, 0, 0, 200},
+      {0x0C1A, U16, 0, "sim/time/sim_speed", 1, 0, 0, 3},
+      {0x0C1A, U16, 1023, "sim/time/sim_speed", 3, 0, 0, 1},
+      {0x0BB2, S16, -16383, "sim/joystick/yolk_pitch_ratio", -1},
+      {0x0BC0, S16, 16384, CONTROLS "elv_trim", 1},
+      {0x2EA0, F64, 5 * pi / 180, CONTROLS "elv_trim", 0.5, 1e-6},
+      {0x2EB0, F64, -1e300, CONTROLS "ail_trim", -1},
+      {0x2EC0, F64, nan, CONTROLS "rud_trim", 0.37, 1e-6},
+      {0x0BC4, S16, 16383, CONTROLS "l_brake_add", 1},
+      {0x0BC8, U16, 65535, CONTROLS "parkbrake", 1},
+      {0x0BDC, U32, 4294967295.0, CONTROLS "flaprqst", 1},
+      {0x0BCC, U32, 1, CONTROLS "sbrkrqst", -0.5},
+      {0x0BD0, U32, 4799, CONTROLS "sbrkrqst", 0},
+      {0x0BD0, U32, 4800, CONTROLS "sbrkrqst", -0.5},
+      {0x0BD0, U32, 5619, CONTROLS "sbrkrqst", -0.5},
+      {0x0BD0, U32, 5620, CONTROLS "sbrkrqst", 0},
+      {0x0BD0, U32, 16383, CONTROLS "sbrkrqst", 1},
+      {0x07CC, U16, 16380, AUTOPILOT "heading_mag", 90},
+      {0x07CC, U16, 65520, AUTOPILOT "heading_mag", 0},
+      {0x07D4, S32, 3048 * 65536.0, AUTOPILOT "altitude", 10000, 0.2},
+      {0x07F2, S16, -700, AUTOPILOT "vertical_velocity", -700},
+      {0x2F80, U8, 200, "sim/cockpit/switches/auto_brake_settings", 5},
+      {0x0BBE, U16, 32768, "sim/flightmodel/engine/POINT_pitch_deg", 15},
+      {0x02BC, S32, 12800, POSITION "local_vy", 0},
+      {0x0808, U32, 7, "sim/cockpit/switches/yaw_damper_on", 1},
+      {0x0810, U32, 7, "sim/cockpit2/autopilot/autothrottle_enabled", 1},
+  };
+  for (const WriteCase& test : cases) rows::CheckWrite(test);
+
+  // Hour and minute leave each other and the seconds alone.
+  Set("sim/time/zulu_time_sec", 45296.5);
+  WriteAndRun<uint8_t>(0x023B, 200);
+  EXPECT_NEAR(Get("sim/time/zulu_time_sec"), 23 * 3600 + 34 * 60 + 56.5, 0.01);
+  WriteAndRun<uint8_t>(0x023C, 7);
+  EXPECT_NEAR(Get("sim/time/zulu_time_sec"), 23 * 3600 + 7 * 60 + 56.5, 0.01);
+}
+
+TEST_F(FlightRows, EveryControlValueReadsBack) {
+  const struct {
+    uint32_t offset;
+    Cycle cycle;
+  } axes[] = {{0x0BB2, C1}, {0x0BB6, C3}, {0x0BBA, C1}, {0x0C02, C3}, {0x0C04, C3}, {0x0BC0, C3}};
+  for (const auto& axis : axes) {
+    for (int value = -16383; value <= 16383; value += 7) {
+      Write<int16_t>(axis.offset, static_cast<int16_t>(value));
+      RunWriters();
+      Refresh(axis.cycle);
+      ASSERT_EQ(Read<int16_t>(axis.offset), value) << std::hex << axis.offset;
+    }
+  }
+}
+
+TEST_F(FlightRows, MovesTheAircraftOnce) {
+  const struct Place { double latitude, longitude, altitude; } place = {47, 8, 1500.5};
+  uint8_t record[24];
+  const int64_t words[3] = {static_cast<int64_t>(10001750.0 / 90 * place.latitude * 4294967296.0),
+                            static_cast<int64_t>(place.longitude / 360 * 18446744073709551616.0),
+                            static_cast<int64_t>(place.altitude * 4294967296.0)};
+  std::memcpy(record, words, sizeof record);
+  ASSERT_EQ(rows::WriteBytes(0x0560, record, sizeof record), 1);
+  RunWriters();
+  const auto expect = [](const Place& at) {
+    double x, y, z;
+    sim::WorldToLocal(at.latitude, at.longitude, at.altitude, &x, &y, &z);
+    EXPECT_NEAR(Get(POSITION "local_x"), x, 0.01);
+    EXPECT_NEAR(Get(POSITION "local_y"), y, 0.01);
+    EXPECT_NEAR(Get(POSITION "local_z"), z, 0.01);
+  };
+  expect(place);
+  // Whole metres alone drop the fraction; four bytes at the fine altitude change the fraction alone.
+  WriteAndRun<int32_t>(0x0574, 2000);
+  expect({place.latitude, place.longitude, 2000});
+  WriteAndRun<uint32_t>(0x0570, 0x40000000);
+  expect({place.latitude, place.longitude, 2000.25});
+  WriteAndRun<int64_t>(0x0560, std::numeric_limits<int64_t>::max());
+  EXPECT_EQ(repositionRecord.latitude, 90);
+  WriteAndRun<uint32_t>(0x0558, 1);
+  EXPECT_EQ(repositionRecord.latitude, 0);
+}
+
+TEST_F(FlightRows, QuaternionAndEulerAngles) {
+  const double half = std::sqrt(0.5);
+  const struct {
+    Attitude attitude;
+    double q[4];
+  } quarters[] = {{{0, 0, 0}, {1, 0, 0, 0}},
+                  {{0, 90, 0}, {half, half, 0, 0}},
+                  {{90, 0, 0}, {half, 0, half, 0}},
+                  {{0, 0, 90}, {half, 0, 0, half}}};
+  for (const auto& quarter : quarters) {
+    const Quaternion q = EulerToQuaternion(quarter.attitude);
+    EXPECT_NEAR(q.e0, quarter.q[0], 1e-12);
+    EXPECT_NEAR(q.e1, quarter.q[1], 1e-12);
+    EXPECT_NEAR(q.e2, quarter.q[2], 1e-12);
+    EXPECT_NEAR(q.e3, quarter.q[3], 1e-12);
+  }
+  for (double pitch = -80; pitch <= 80; pitch += 20) {
+    for (double bank = -170; bank <= 170; bank += 20) {
+      for (double heading = -170; heading <= 170; heading += 20) {
+        const Attitude back = QuaternionToEuler(EulerToQuaternion({pitch, bank, heading}));
+        ASSERT_NEAR(back.pitch, pitch, 1e-9);
+        ASSERT_NEAR(back.bank, bank, 1e-9);
+        ASSERT_NEAR(back.heading, heading, 1e-9);
+      }
+    }
+  }
+}
+
+TEST_F(FlightRows, VelocityFollowsTheNewHeading) {
+  Set("sim/flightmodel/forces/vx_acf_axis", 0);
+  Set("sim/flightmodel/forces/vy_acf_axis", 0);
+  Write<int32_t>(0x0578, 1);
+  Write<int32_t>(0x057C, 1);
+  RunWriters();
+  // One request, velocity first: level, due east, 100 ft/s.
+  Write<double>(0x3090, 100);
+  Write<int32_t>(0x0578, 0);
+  Write<int32_t>(0x057C, 0);
+  Write<uint32_t>(0x0580, 0x40000000);
+  RunWriters();
+  EXPECT_NEAR(Get(POSITION "local_vx"), 30.48, 1e-4);
+  EXPECT_NEAR(Get(POSITION "local_vy"), 0, 1e-4);
+  EXPECT_NEAR(Get(POSITION "local_vz"), 0, 1e-4);
+  // 30 degrees nose up, north: half of the speed climbs.
+  Write<int32_t>(0x0578, static_cast<int32_t>(-quarterTurn / 3));
+  Write<uint32_t>(0x0580, 0);
+  WriteAndRun<double>(0x3090, 200);
+  EXPECT_NEAR(Get(POSITION "local_vy"), 30.48, 1e-4);
+  EXPECT_NEAR(Get(POSITION "local_vz"), -60.96 * std::sqrt(0.75), 1e-4);
+  // Due south at 100 knots: 51.44 m/s along the southward axis.
+  Write<uint32_t>(0x0580, 0x80000000);
+  WriteAndRun<int32_t>(0x02BC, 12800);
+  EXPECT_NEAR(Get(POSITION "local_vx"), 0, 1e-4);
+  EXPECT_NEAR(Get(POSITION "local_vz"), 51.444, 1e-2);
+}
+
+TEST_F(FlightRows, KeysFireOnlyWhenTheStateDiffers) {
+  const struct {
+    uint32_t offset;
+    const char* dataref;
+    double state;
+    uint32_t value;
+    const char* calls;
+  } cases[] = {
+      {0x07C4, AUTOPILOT "autopilot_state", 0, 1, "key 15"},
+      {0x07C4, AUTOPILOT "autopilot_state", 0x100, 2, ""},  // armed counts as on
+      {0x07C8, AUTOPILOT "autopilot_state", 2, 0, "key 12"},
+      {0x07D0, AUTOPILOT "autopilot_state", 0x20, 1, "key 16"},  // armed is not held
+      {0x07DC, AUTOPILOT "autopilot_state", 1, 1, ""},
+      {0x07EC, AUTOPILOT "autopilot_state", 0, 5, "key 17"},
+      {0x0800, AUTOPILOT "autopilot_state", 0, 1, "once sim/autopilot/approach"},
+      {0x0804, AUTOPILOT "autopilot_state", 0, 1, "once sim/autopilot/back_course"},
+      {0x080C, AUTOPILOT "autopilot_state", 0, 1, ""},
+      {0x0BE8, "sim/cockpit/switches/gear_handle_status", 1, 8191, "press 52; release 52"},
+      {0x0BE8, "sim/cockpit/switches/gear_handle_status", 0, 8192, "press 53; release 53"},
+      {0x0BE8, "sim/cockpit/switches/gear_handle_status", 1, 16383, ""},
+  };
+  for (const auto& test : cases) {
+    Set(test.dataref, test.state);
+    rows::Write<uint32_t>(test.offset, test.value ^ 0x100);
+    RunWriters();
+    Set(test.dataref, test.state);
+    Calls();
+    WriteAndRun<uint32_t>(test.offset, test.value);
+    EXPECT_EQ(Calls(), test.calls) << std::hex << test.offset << " = " << test.value;
+  }
+  Set("sim/time/paused", 0);
+  WriteAndRun<uint16_t>(0x0262, 2);
+  EXPECT_EQ(Calls(), "key 0");
+}
+
+TEST_F(FlightRows, AutopilotModes) {
+  const struct {
+    uint32_t offset;
+    int bits;
+  } modes[] = {{0x07C4, 0x100}, {0x07C4, 0x200}, {0x07C8, 0x2},    {0x07D0, 0x4000},
+               {0x07DC, 0x1},   {0x07E4, 0x1},   {0x07EC, 0x10},   {0x07F4, 0x40},
+               {0x0800, 0x400}, {0x0800, 0x800}, {0x080C, 0x8000}, {0x080C, 0x10000}};
+  for (const auto& mode : modes) {
+    for (const int state : {mode.bits, 0x7FFFF}) {
+      Set(AUTOPILOT "autopilot_state", state);
+      Refresh(C7);
+      EXPECT_EQ(Read<uint32_t>(mode.offset), 1u) << std::hex << mode.offset;
+    }
+    Set(AUTOPILOT "autopilot_state", 0);
+    Refresh(C7);
+    EXPECT_EQ(Read<uint32_t>(mode.offset), 0u) << std::hex << mode.offset;
+  }
+  // Off leaves the flight director as the client knows it.
+  Set(AUTOPILOT "autopilot_mode", 0);
+  WriteAndRun<uint32_t>(0x07BC, 1);
+  EXPECT_EQ(Get(AUTOPILOT "autopilot_mode"), 2);
+  WriteAndRun<uint32_t>(0x2EE0, 1);
+  EXPECT_EQ(Get(AUTOPILOT "autopilot_mode"), 2);
+  WriteAndRun<uint32_t>(0x07BC, 0);
+  EXPECT_EQ(Get(AUTOPILOT "autopilot_mode"), 1);
+  WriteAndRun<uint32_t>(0x2EE0, 0);
+  EXPECT_EQ(Get(AUTOPILOT "autopilot_mode"), 0);
+}
+
+TEST_F(FlightRows, MessageIsSpokenOnceAndCanBeRepeated) {
+  rows::WriteBytes(0x3380, "Hello", 6);
+  for (int round = 0; round < 2; round++) {
+    WriteAndRun<int16_t>(0x32FA, 5);
+    EXPECT_EQ(Calls(), "speak \"Hello\"");
+    EXPECT_EQ(Read<int16_t>(0x32FA), 0);
+  }
+  rows::WriteBytes(0x3380, "", 1);
+  WriteAndRun<int16_t>(0x32FA, 5);
+  EXPECT_EQ(Calls(), "");
+}
+
+TEST_F(FlightRows, RightBrakeAppliesTheLastValueAndLogsIt) {
+  const std::string folder = testing::TempDir() + "rows_flight_log/";
+  std::filesystem::create_directories(folder);
+  ASSERT_EQ(OpenLogs(folder.c_str(), nullptr), 1);
+  Write<int16_t>(0x0BC4, -7);
+  Write<int16_t>(0x0BC6, 100);
+  WriteAndRun<int16_t>(0x0BC6, 8192);
+  CloseLogs();
+  EXPECT_NEAR(Get(CONTROLS "r_brake_add"), 0.500031, 1e-6);
+  std::stringstream text;
+  text << std::ifstream(folder + "TAVRIX.txt").rdbuf();
+  EXPECT_EQ(text.str(), "Offset 0x0BC6 tavrixWriteValue = 8192 bc6Value = -7 FSVar = 0.500031\n");
+}
+
+// --- Slew, freeze, overrides ------------------------------------------------------------------------
+
+TEST_F(FlightRows, FreezeHoldsThePlaceUntilItEnds) {
+  const char* path = "sim/operation/override/override_planepath";
+  Set(POSITION "local_x", 100);
+  Set(POSITION "local_z", 200);
+  WriteAndRun<uint8_t>(0x3541, 5);
+  EXPECT_EQ(Get(path), 1);
+  Set(POSITION "local_x", 110);
+  Set(POSITION "local_y", 77);
+  SlewStep();
+  EXPECT_EQ(Get(POSITION "local_x"), 100);
+  EXPECT_EQ(Get(POSITION "local_y"), 77);
+  Refresh(C1);
+  EXPECT_EQ(Read<uint8_t>(0x3541), 1);
+  // A client that moves the frozen aircraft moves the place that is held.
+  WriteAndRun<int64_t>(0x0560, int64_t{5000875} << 32);
+  const double z = Get(POSITION "local_z");
+  SlewStep();
+  EXPECT_EQ(Get(POSITION "local_z"), z);
+  // The override is given back by the last of the two.
+  WriteAndRun<uint16_t>(0x05DC, 1);
+  WriteAndRun<uint8_t>(0x3541, 0);
+  EXPECT_EQ(Get(path), 1);
+  ClearSlew();
+  EXPECT_EQ(Get(path), 0);
+  EXPECT_EQ(Read<uint16_t>(0x05DC), 0);
+  Set(path, 1);  // somebody else's
+  ClearSlew();
+  EXPECT_EQ(Get(path), 1);
+}
+
+TEST_F(FlightRows, OverridesThatAreNotOursStay) {
+  const std::string name = "sim/operation/override/override_";
+  Set(name + "joystick_roll", 1);
+  WriteAndRun<uint8_t>(0x310A, 0x0B);
+  EXPECT_EQ(Get(name + "joystick_pitch"), 1);
+  EXPECT_EQ(Get(name + "joystick_heading"), 0);
+  EXPECT_EQ(Get(name + "throttles"), 1);
+  ReleaseOverrides();
+  EXPECT_EQ(Get(name + "joystick_pitch"), 0);
+  EXPECT_EQ(Get(name + "joystick_roll"), 1);
+  EXPECT_EQ(Get(name + "throttles"), 0);
+  EXPECT_EQ(Read<uint8_t>(0x310A), 0);
+}
+
+TEST_F(FlightRows, PushbackWordsShowTheMode) {
+  Refresh(C31Navigation);
+  EXPECT_EQ(Read<uint32_t>(0x31F0), 3u);
+  EXPECT_EQ(Read<uint32_t>(0x31F4), 3u);
+}
+
+// --- Add-on aircraft --------------------------------------------------------------------------------
+
+TEST_F(FlightRows, ExtendedBoeingUsesItsOwnPanel) {
+  Restart("b738-extended");
+  ASSERT_EQ(ActiveVariant(), Variant::B738);
+  const ReadCase reads[] = {
+      {0x07C4, U32, C7, LAMINAR "autopilot/vorloc_status", 1, 1},
+      {0x07DC, U32, C7, LAMINAR "autopilot/vnav_status1", 1, 1},
+      {0x07DC, U32, C7, LAMINAR "autopilot/vnav_status1", 0.4, 0},
+      {0x0808, U32, C31, LAMINAR "annunciator/yaw_damp", 0, 1},  // the light says off
+      {0x0808, U32, C31, LAMINAR "annunciator/yaw_damp", 1, 0},
+      {0x0BC8, U16, C3, LAMINAR "annunciator/parking_brake", 0.3, 32767},
+      {0x0BC4, S16, C3, LAMINAR "annunciator/parking_brake", 0.6, 16383},
+      {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.07, 0},
+      {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 4800},
+      {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.2, 4800},
+      {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 1, 16383},
+      {0x0BCC, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 1},
+      {0x0BE8, U32, C3, LAMINAR "controls/gear_handle_down", 0.4, 0},
+  };
+  for (const ReadCase& test : reads) rows::CheckRead(test);
+  const WriteCase writes[] = {
+      {0x0BD0, U32, 5000, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 1e-6},
+      {0x0BD0, U32, 16384, LAMINAR "flt_ctrls/speedbrake_lever", 1},
+      {0x0BE8, U32, 8192, LAMINAR "controls/gear_handle_down", 1},
+  };
+  for (const WriteCase& test : writes) rows::CheckWrite(test);
+  Calls();
+  const struct {
+    uint32_t value;
+    const char* detent;
+  } flaps[] = {{1023, "0"}, {1025, "1"}, {16383, "40"}, {4000000000, "40"}, {8192, "10"}};
+  for (const auto& flap : flaps) {
+    WriteAndRun<uint32_t>(0x0BDC, flap.value);
+    EXPECT_EQ(Calls(), std::string("once " LAMINAR "push_button/flaps_") + flap.detent);
+  }
+  Set(LAMINAR "autopilot/disconnect_pos", 1);
+  Set(LAMINAR "autopilot/cmd_a_status", 0);
+  WriteAndRun<uint32_t>(0x07BC, 1);
+  EXPECT_EQ(Calls(), "once " LAMINAR "autopilot/disconnect_toggle; once " LAMINAR "autopilot/cmd_a_press");
+}
+
+TEST_F(FlightRows, X737UsesItsOwnPanel) {
+  Restart("x737");
+  ASSERT_EQ(ActiveVariant(), Variant::X737);
+  const ReadCase reads[] = {
+      {0x07BC, U32, C13, PANEL "afds/CMD_B", 1, 1},
+      {0x07EC, U32, C7, PANEL "afds/VS_arm", 1, 1},
+      {0x07CC, U16, C7, PANEL "afds/HDG_magnhdg", 90, 16384},
+      {0x0BD0, U32, C13, PANEL "speedbrake/spdbrkLeverPos", 0.1, 0},
+      {0x0BD0, U32, C13, PANEL "speedbrake/spdbrkLeverPos", 0.12, 4800},
+      {0x0BD0, U32, C13, PANEL "speedbrake/spdbrkLeverPos", 0.5, 8191},
+      {0x0BC0, S16, C3, CONTROLS "elv_trim", -1, -6230},
+      {0x0BC2, S16, C3, CONTROLS "elv_trim", 1, 16270},
+  };
+  for (const ReadCase& test : reads) rows::CheckRead(test);
+  const WriteCase writes[] = {
+      {0x07C8, U32, 3, PANEL "afds/HDG", 1},
+      {0x07BC, U32, 1, PANEL "afds/CMD_A", 1},
+      {0x07E2, U16, 180, PANEL "athr/MCPSPD_spd", 180},
+      {0x07F2, S16, -900, PANEL "afds/VS", 1},
+      {0x07F2, S16, -900, PANEL "afds/VS_vvi", -900},
+      {0x0BD0, U32, 4800, PANEL "speedbrake/spdbrkLeverPos", 0.125},
+      {0x0BC0, S16, 5020, CONTROLS "elv_trim", 0},
+  };
+  for (const WriteCase& test : writes) rows::CheckWrite(test);
+}
+
+}  // namespace

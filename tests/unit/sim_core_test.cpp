@@ -1,0 +1,388 @@
+// The stand-in's core: flight loop intervals, dataref rules, console grammar, the lists of what plug-ins
+// did, commands, breaches, reload and restart. A small plug-in is linked in and driven by the console.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <map>
+#include <thread>
+
+#include "XPLMGraphics.h"
+#include "XPLMScenery.h"
+#include "core/more_api.h"
+#include "core/sim.h"
+
+namespace {
+
+std::vector<std::string> events;            // what the plug-in was told
+std::function<void()> onDisable;            // what the test wants done there
+std::map<intptr_t, std::vector<int>> runs;  // cycles in which the loop of this reference ran
+std::map<intptr_t, float> answers;          // and what it returns
+
+int Start(char* name, char* signature, char* description) {
+  std::strcpy(name, "Test");
+  std::strcpy(signature, "test.core");
+  std::strcpy(description, "plug-in of the core's tests");
+  events.push_back("start");
+  return 1;
+}
+void Stop() { events.push_back("stop"); }
+int Enable() {
+  events.push_back("enable");
+  return 1;
+}
+void Disable() {
+  events.push_back("disable");
+  if (onDisable) onDisable();
+}
+void Message(int from, int message, void* param) {
+  events.push_back("message " + std::to_string(from) + ' ' + std::to_string(message) + ' ' +
+                   std::to_string(reinterpret_cast<intptr_t>(param)));
+}
+const sim::PluginEntry kEntry = {Start, Stop, Enable, Disable, Message};
+
+float Loop(float, float, int counter, void* ref) {
+  intptr_t key = reinterpret_cast<intptr_t>(ref);
+  runs[key].push_back(counter);
+  return answers[key];
+}
+void* Key(intptr_t key) { return reinterpret_cast<void*>(key); }
+
+class SimCore : public testing::Test {
+ protected:
+  void SetUp() override { Begin(); }
+  void TearDown() override {
+    onDisable = nullptr;
+    EXPECT_EQ(sim::SimStop(), 0);
+    EXPECT_EQ(sim::TakeBreaches(), std::vector<std::string>{});
+  }
+  void Begin() {
+    events.clear();
+    runs.clear();
+    answers.clear();
+    sim::Options options;
+    options.linked = &kEntry;
+    options.rate = 0;
+    options.circuit = false;
+    options.tolerant = true;
+    ASSERT_EQ(sim::SimStart(options), 0);
+  }
+  static std::string Do(const std::string& line) { return sim::SimCommand(line); }
+};
+
+TEST_F(SimCore, StartsStopsAndStartsAgain) {
+  const std::vector<std::string> started = {"start", "enable", "message 0 102 0", "message 0 103 0"};
+  EXPECT_EQ(events, started);
+  Do("define test/kept int 1");
+  sim::SimFrames(3);
+  EXPECT_EQ(sim::SimStop(), 0);
+  Begin();
+  EXPECT_EQ(events, started);
+  EXPECT_EQ(XPLMFindDataRef("test/kept"), nullptr);
+  EXPECT_EQ(XPLMGetCycleNumber(), 0);
+}
+
+TEST_F(SimCore, LoopIntervals) {
+  // First interval, later ones, and the cycles of the first 200 in which the loop must run.
+  const struct {
+    float first, later;
+    std::vector<int> cycles;
+  } kRows[] = {
+      {1.0f, 1.0f, {60, 120, 180}},
+      {0.1f, 3.0f, {6, 186}},  // 0.1 in single precision lies behind the
+                               // sixth frame
+      {0.7f, 0.7f, {42, 84, 126, 168}},
+      {-7, -50, {7, 57, 107, 157}},
+      {-1, 0, {1}},
+      {0, 1, {}},
+      {0.5f, 0, {30}},
+      {0.0001f, -199, {1, 200}},
+  };
+  for (size_t i = 0; i < std::size(kRows); ++i) {
+    answers[static_cast<intptr_t>(i)] = kRows[i].later;
+    XPLMRegisterFlightLoopCallback(Loop, kRows[i].first, Key(static_cast<intptr_t>(i)));
+  }
+  sim::SimFrames(200);
+  for (size_t i = 0; i < std::size(kRows); ++i) {
+    EXPECT_EQ(runs[static_cast<intptr_t>(i)], kRows[i].cycles) << "row " << i;
+  }
+  EXPECT_NE(Do("loops").find(" off; "), std::string::npos);
+  // A loop that is off is still registered and comes back with an interval: from now, or from its last run
+  // in cycle 30.
+  XPLMSetFlightLoopCallbackInterval(Loop, -5, 1, Key(4));
+  XPLMSetFlightLoopCallbackInterval(Loop, 3, 0, Key(6));
+  sim::SimFrames(20);
+  EXPECT_EQ(runs[4].back(), 205);
+  EXPECT_EQ(runs[6].back(), 210);
+  for (size_t i = 0; i < std::size(kRows); ++i) {
+    XPLMUnregisterFlightLoopCallback(Loop, Key(static_cast<intptr_t>(i)));
+  }
+  EXPECT_EQ(Do("loops"), "ok");
+}
+
+TEST_F(SimCore, NoCallbacksWhileDisabled) {
+  answers[1] = -1;
+  XPLMRegisterFlightLoopCallback(Loop, -1, Key(1));
+  sim::SimFrames(2);
+  EXPECT_EQ(Do("disable"), "ok");
+  sim::SimFrames(3);
+  EXPECT_EQ(Do("message 200 7"), "error: disabled");
+  EXPECT_EQ(Do("enable"), "ok");
+  sim::SimFrames(1);
+  EXPECT_EQ(runs[1], (std::vector<int>{1, 2, 6}));
+  XPLMUnregisterFlightLoopCallback(Loop, Key(1));
+}
+
+TEST_F(SimCore, ArrayRanges) {
+  Do("define test/a int[4] 10 11 12 13");
+  XPLMDataRef ref = XPLMFindDataRef("test/a");
+  const struct {
+    int offset, max, copied;
+  } kReads[] = {{0, 4, 4},  {0, 9, 4}, {1, 2, 2},  {3, 5, 1},        {4, 1, 0},
+                {-1, 2, 0}, {0, 0, 0}, {2, -1, 0}, {0, INT32_MAX, 4}};
+  for (auto& row : kReads) {
+    int out[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
+    EXPECT_EQ(XPLMGetDatavi(ref, out, row.offset, row.max), row.copied) << row.offset << ' ' << row.max;
+    EXPECT_EQ(out[row.copied], -1);
+    if (row.copied == 0) continue;
+    EXPECT_EQ(out[row.copied - 1], 10 + row.offset + row.copied - 1);
+  }
+  EXPECT_EQ(XPLMGetDatavi(ref, nullptr, 99, 0), 4);
+  int values[] = {1, 2, 3};
+  XPLMSetDatavi(ref, values, 2, 3);
+  XPLMSetDatavi(ref, values, -1, 1);
+  EXPECT_EQ(Do("get test/a"), "ok 10 11 1 2");
+  EXPECT_EQ(Do("writes"), "ok test/a[2]=1; test/a[3]=2; test/a[4]=3 (ignored); test/a[-1]=1 (ignored)");
+}
+
+TEST_F(SimCore, TypesAreNotConverted) {
+  Do("define test/i int 5");
+  Do("define test/d double 0.1");
+  Do("define test/v float[2] 1 2");
+  XPLMDataRef i = XPLMFindDataRef("test/i"), d = XPLMFindDataRef("test/d"), v = XPLMFindDataRef("test/v");
+  EXPECT_EQ(XPLMGetDataf(i), 0.0f);
+  EXPECT_EQ(XPLMGetDatad(i), 0.0);
+  EXPECT_EQ(XPLMGetDatavi(i, nullptr, 0, 0), 0);
+  EXPECT_EQ(XPLMGetDataf(v), 0.0f);
+  EXPECT_EQ(XPLMGetDataf(d), 0.1f);
+  EXPECT_EQ(XPLMGetDataRefTypes(d), xplmType_Float | xplmType_Double);
+  XPLMSetDataf(i, 2);
+  XPLMSetDataf(d, 0.5f);
+  XPLMSetDatad(v, 3);
+  for (XPLMDataRef none : {XPLMDataRef{nullptr}}) {
+    XPLMSetDatai(none, 1);
+    EXPECT_EQ(XPLMGetDatai(none) + XPLMGetDatab(none, nullptr, 0, 0) + XPLMCanWriteDataRef(none), 0);
+  }
+  EXPECT_EQ(Do("writes"), "ok test/i=2.0 (ignored); test/d=0.5; test/v=3.0 (ignored)");
+  EXPECT_EQ(Do("get test/i"), "ok 5");
+  EXPECT_EQ(Do("get test/d"), "ok 0.5");
+}
+
+TEST_F(SimCore, WithdrawnHandlesRevive) {
+  Do("define test/x int 5");
+  XPLMDataRef ref = XPLMFindDataRef("test/x");
+  EXPECT_EQ(Do("undefine test/x"), "ok");
+  EXPECT_EQ(XPLMFindDataRef("test/x"), nullptr);
+  EXPECT_EQ(XPLMGetDatai(ref), 0);
+  XPLMSetDatai(ref, 9);
+  EXPECT_EQ(Do("writes"), "ok test/x=9 (ignored)");
+  EXPECT_EQ(Do("undefine test/x").rfind("error: ", 0), 0u);
+  Do("define test/x float[3] 1 2 3");  // another shape under the same handle
+  float out[3];
+  EXPECT_EQ(XPLMGetDatavf(ref, out, 1, 5), 2);
+  EXPECT_EQ(out[1], 3.0f);
+  EXPECT_EQ(XPLMGetDatai(ref), 0);
+}
+
+TEST_F(SimCore, ConsoleAnswers) {
+  const char* const kRows[][2] = {
+      {"", "ok"},
+      {"  # nothing\r", "ok"},
+      {"define a/i int -3\r", "ok"},
+      {"get a/i", "ok -3"},
+      {"set a/i 0x10", "ok"},
+      {"get a/i[0]", "ok 16"},
+      {"define a/i int", "error: a/i exists already"},
+      {"define a/f[1] float 100000", "ok"},  // the bracket is part of the name
+      {"get a/f[1]", "ok 100000.0"},
+      {"set a/f[1] 0.1", "ok"},
+      {"get a/f[1]", "ok 0.1"},
+      {"set a/f[1] 1e-30", "ok"},
+      {"get a/f[1]", "ok 1.0e-30"},
+      {"define a/d double -0.30000000000000004", "ok"},
+      {"get a/d", "ok -0.30000000000000004"},
+      {"set a/d 1,5", "error: not a number: 1,5"},
+      {"define a/v float[3] 1", "ok"},
+      {"set a/v[2] 7", "ok"},
+      {"get a/v", "ok 1.0 0.0 7.0"},
+      {"get a/v[3]", "error: no such element"},
+      {"set a/v 1 2 3 4", "error: more values than elements"},
+      {"set a/v 8 x", "error: not a number: x"},
+      {"get a/v[0]", "ok 1.0"},  // a bad line changes nothing
+      {"set a/i 3000000000", "error: out of range: 3000000000"},
+      {"define a/t byte[12] \"a\\\"b\\\\c\\n\\x41\\x01\"", "ok"},
+      {"get a/t", "ok \"a\\\"b\\\\c\\nA\\x01\""},
+      {"set a/t \"Z\"", "ok"},
+      {"get a/t", "ok \"Z\""},
+      {"get a/t[0]", "ok 90"},
+      {"set a/t \"1234567890123\"", "error: the text is longer than 12 bytes"},
+      {"set a/t \"open", "error: a quote is not closed"},
+      {"set a/none 1", "error: unknown name: a/none"},
+      {"get", "error: get NAME"},
+      {"frames -1", "error: not a number of frames: -1"},
+      {"planes 129", "error: the number of planes is 1 to 128"},
+      {"jump", "error: unknown command: jump"},
+  };
+  for (auto& row : kRows) EXPECT_EQ(Do(row[0]), row[1]) << row[0];
+}
+
+TEST_F(SimCore, TextIsCutAndCopiedRaw) {
+  Do("define test/t byte[4] \"ab\"");
+  XPLMDataRef ref = XPLMFindDataRef("test/t");
+  char out[5] = "....";
+  EXPECT_EQ(XPLMGetDatab(ref, out, 1, 9), 3);
+  EXPECT_EQ(std::string(out, 5), std::string("b\0\0.\0", 5));
+  XPLMSetDatab(ref, const_cast<char*>("wxyz!"), 2, 5);
+  EXPECT_EQ(Do("get test/t"), "ok \"abwx\"");
+  EXPECT_EQ(Do("writes"), "ok test/t[2]=\"wxyz!\"");
+}
+
+TEST_F(SimCore, NewestWritesAreKept) {
+  Do("define test/n int");
+  XPLMDataRef ref = XPLMFindDataRef("test/n");
+  for (int i = 0; i < 100003; ++i) XPLMSetDatai(ref, i);
+  std::string list = Do("writes");
+  EXPECT_EQ(list.rfind("ok test/n=3; test/n=4; ", 0), 0u);
+  EXPECT_EQ(list.substr(list.rfind(' ')), " test/n=100002");
+  EXPECT_EQ(Do("writes"), "ok");
+}
+
+std::vector<std::string> phases;
+int blockFrom = 99;  // a phase from which on the first handler passes nothing on
+int OnCommand(XPLMCommandRef, XPLMCommandPhase phase, void* ref) {
+  phases.push_back(static_cast<const char*>(ref) + std::to_string(phase));
+  return phase < blockFrom;
+}
+
+TEST_F(SimCore, CommandPhases) {
+  phases.clear();
+  Do("command test/c");
+  XPLMCommandRef command = XPLMFindCommand("test/c");
+  ASSERT_EQ(command, XPLMCreateCommand("test/c", "again"));
+  sim::PublishCommand(
+      "test/c", [](int phase, int tag) { phases.push_back(std::to_string(tag) + std::to_string(phase)); }, 7);
+  XPLMRegisterCommandHandler(command, OnCommand, 0, const_cast<char*>("after"));
+  XPLMRegisterCommandHandler(command, OnCommand, 1, const_cast<char*>("before"));
+  blockFrom = 1;
+  XPLMCommandBegin(command);
+  XPLMCommandBegin(command);  // held twice: one begin is seen
+  sim::SimFrames(2);
+  XPLMCommandEnd(command);
+  EXPECT_EQ(phases, (std::vector<std::string>{"before0", "70", "after0", "before1", "before1"}));
+  phases.clear();
+  blockFrom = 99;
+  XPLMCommandEnd(command);
+  sim::SimFrames(1);
+  XPLMCommandOnce(command);
+  EXPECT_EQ(phases, (std::vector<std::string>{"before2", "72", "after2", "before0", "70", "after0", "before2",
+                                              "72", "after2"}));
+  XPLMUnregisterCommandHandler(command, OnCommand, 0, const_cast<char*>("after"));
+  XPLMUnregisterCommandHandler(command, OnCommand, 1, const_cast<char*>("before"));
+  XPLMSpeakString("say \"it\"");
+  EXPECT_EQ(Do("calls"),
+            "ok begin test/c; begin test/c; end test/c; end test/c; once test/c; speak \"say \\\"it\\\"\"");
+  EXPECT_EQ(Do("calls"), "ok");
+}
+
+TEST_F(SimCore, BreachesAreTold) {
+  Do("command test/c");
+  XPLMCommandRef command = XPLMFindCommand("test/c");
+  const struct {
+    const char* told;
+    std::function<void()> act;
+  } kRows[] = {
+      {"XPLMCommandOnce: null command handle", [] { XPLMCommandOnce(nullptr); }},
+      {"XPLMCommandEnd: test/c was not begun", [&] { XPLMCommandEnd(command); }},
+      {"XPLMGetElapsedTime: called from another thread than the simulator's own",
+       [] { std::thread([] { XPLMGetElapsedTime(); }).join(); }},
+      {"XPluginStop: probes left: 1", [] { XPLMCreateProbe(xplm_ProbeY), Do("reload"); }},
+      {"XPluginStop: begun commands left: 1 (test/c)", [&] { XPLMCommandBegin(command), Do("reload"); }},
+      {"XPluginStop: command handlers left: 1 (test/c)",
+       [&] { XPLMRegisterCommandHandler(command, OnCommand, 1, nullptr), Do("reload"); }},
+      {"XPLMFindCommand: called after stop", [&] { sim::SimStop(), XPLMFindCommand("x"); }},
+  };
+  for (auto& row : kRows) {
+    row.act();
+    EXPECT_EQ(sim::TakeBreaches(), std::vector<std::string>{row.told});
+  }
+  Begin();
+  XPLMRegisterFlightLoopCallback(Loop, 1, Key(1));
+  XPLMRegisterFlightLoopCallback(Loop, 1, Key(2));  // another reference is another loop
+  EXPECT_TRUE(sim::TakeBreaches().empty());
+  XPLMRegisterFlightLoopCallback(Loop, 1, Key(1));
+  EXPECT_EQ(sim::TakeBreaches().size(), 1u);
+  onDisable = [] { XPLMUnregisterFlightLoopCallback(Loop, Key(1)); };
+  EXPECT_EQ(Do("reload"), "ok");
+  std::vector<std::string> told = sim::TakeBreaches();
+  ASSERT_EQ(told.size(), 1u);
+  EXPECT_EQ(told[0].rfind("XPluginStop: flight loops left: 1 (", 0), 0u);
+}
+
+TEST_F(SimCore, MessagesAndReload) {
+  events.clear();
+  EXPECT_EQ(Do("message 0x80000004 -1 from pretended.one"), "error: no such sender");
+  Do("plugin pretended.one on");
+  int other = XPLMFindPluginBySignature("pretended.one");
+  EXPECT_GT(other, 0);
+  Do("message 0x80000004 -1 from pretended.one");
+  XPLMSendMessageToPlugin(other, 0x01000001, Key(15));
+  Do("plugin pretended.one off");
+  EXPECT_EQ(XPLMFindPluginBySignature("pretended.one"), XPLM_NO_PLUGIN_ID);
+  Do("planes 5");
+  int total = 0, active = 0;
+  XPLMCountAircraft(&total, &active, nullptr);
+  EXPECT_EQ(total * 100 + active, 2005);
+  EXPECT_EQ(Do("reload"), "ok");
+  EXPECT_EQ(events, (std::vector<std::string>{"message " + std::to_string(other) + " -2147483644 -1",
+                                              "message 0 105 0", "disable", "stop", "start", "enable"}));
+  EXPECT_EQ(Do("calls"), "ok plugin-message 16777217 15");
+}
+
+std::string chosen;
+void OnMenu(void* menu, void* item) {
+  chosen += std::string(static_cast<char*>(menu)) + static_cast<char*>(item);
+}
+
+TEST_F(SimCore, MenusAndNavigation) {
+  XPLMMenuID plugins = XPLMFindPluginsMenu();
+  for (const char* name : {"A", "B"}) {
+    int place = XPLMAppendMenuItem(plugins, name, nullptr, 1);
+    XPLMMenuID menu = XPLMCreateMenu(name, plugins, place, OnMenu, const_cast<char*>(name));
+    EXPECT_EQ(XPLMAppendMenuItem(menu, "Same", const_cast<char*>("1"), 1), 0);
+    XPLMAppendMenuSeparator(menu);
+    EXPECT_EQ(XPLMAppendMenuItem(menu, (std::string("Only ") + name).c_str(), const_cast<char*>("2"), 1), 2);
+  }
+  EXPECT_EQ(Do("menu"), "ok A > Same; A > -; A > Only A; B > Same; B > -; B > Only B");
+  EXPECT_EQ(Do("menu \"Same\""), "error: ambiguous");
+  EXPECT_EQ(Do("menu \"B > Same\""), "ok");
+  EXPECT_EQ(Do("menu \"Only A\""), "ok");
+  EXPECT_EQ(chosen, "B1A2");
+
+  EXPECT_EQ(Do("navaid clear"), "ok");
+  Do("navaid vor NEAR 11030 47 8 400 0 \"Near by\"");
+  Do("navaid ndb ZZ 345 40 8 0 0 \"Between\"");
+  Do("navaid vor FAR 11030 10 8 400 0 \"Far off\"");
+  float lat = 46, lon = 8;
+  int freq = 11030;
+  XPLMNavRef nearest = XPLMFindNavAid(nullptr, nullptr, &lat, &lon, &freq, xplm_Nav_VOR | xplm_Nav_NDB);
+  XPLMNavRef last = XPLMFindNavAid(nullptr, "A", nullptr, nullptr, nullptr, xplm_Nav_VOR);
+  char id[32] = "";
+  XPLMGetNavAidInfo(nearest, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, id, nullptr, nullptr);
+  EXPECT_STREQ(id, "NEAR");
+  XPLMGetNavAidInfo(last, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, id, nullptr, nullptr);
+  EXPECT_STREQ(id, "FAR");
+  EXPECT_EQ(XPLMGetNextNavAid(nearest), last);  // like types lie together
+  EXPECT_EQ(XPLMGetNextNavAid(last), XPLM_NAV_NOT_FOUND);
+}
+
+}  // namespace

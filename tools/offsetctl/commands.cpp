@@ -1,0 +1,159 @@
+#include "commands.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+#include "console.h"
+#include "item.h"
+#include "names.h"
+#include "numbers.h"
+#include "show.h"
+
+namespace ctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+// Returns 1, or 0 with the sentence in `error`.
+int ParseItems(const Options& options, std::vector<Item>* items, std::string* error) {
+  const NameTable names = KnownOffsets();
+  for (const std::string& text : options.items) {
+    Item item;
+    const int parsed = options.command == Command::Write ? ParseAssignment(text, names, &item, error)
+                                                         : ParseItem(text, names, &item, error);
+    if (!parsed) return 0;
+    items->push_back(item);
+  }
+  return 1;
+}
+
+std::vector<Transfer> TransfersOf(std::vector<Item>* items) {
+  std::vector<Transfer> transfers;
+  for (Item& item : *items) transfers.push_back({item.offset, item.size, item.bytes.data()});
+  return transfers;
+}
+
+void PrintLine(const std::string& line) { std::printf("%s\n", line.c_str()); }
+
+int MillisecondsUntil(Clock::time_point time) {
+  const double left = Seconds(time - Clock::now()).count();
+  return left > 0 ? static_cast<int>(left * 1000) + 1 : 0;
+}
+
+Clock::duration Period(double seconds) { return std::chrono::duration_cast<Clock::duration>(Seconds(seconds)); }
+
+}  // namespace
+
+int Report(int status, const std::string& text) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "offsetctl: %s\n", text.c_str());
+  return status;
+}
+
+int ReportFailure(const std::string& error) { return StopRequested() ? exitDone : Report(exitNoAnswer, error); }
+
+int CheckItems(const Options& options) {
+  if (options.command != Command::Read && options.command != Command::Write &&
+      options.command != Command::Watch) {
+    return exitDone;
+  }
+  std::vector<Item> items;
+  std::string error;
+  return ParseItems(options, &items, &error) ? exitDone : Report(exitUsage, error);
+}
+
+int RunRead(const Options& options, const Transport& transport) {
+  std::vector<Item> items;
+  std::string error;
+  if (!ParseItems(options, &items, &error)) return Report(exitUsage, error);
+  if (!transport.readOffsets(TransfersOf(&items), &error)) return ReportFailure(error);
+  std::string text = options.json ? "[\n" : "";
+  for (size_t i = 0; i < items.size(); ++i) {
+    text += options.json ? "  " + ItemJson(items[i]) + (i + 1 < items.size() ? ",\n" : "\n]")
+                         : (i > 0 ? "\n" : "") + ItemLine(items[i]);
+  }
+  PrintLine(text);
+  return exitDone;
+}
+
+int RunWrite(const Options& options, const Transport& transport) {
+  std::vector<Item> items;
+  std::string error;
+  if (!ParseItems(options, &items, &error)) return Report(exitUsage, error);
+  for (const Item& item : items) {
+    if (item.row != nullptr && !item.row->writable) {
+      Report(exitDone, item.shown + " only shows: the simulator does not follow this write");
+    }
+  }
+  return transport.writeOffsets(TransfersOf(&items), &error) ? exitDone : ReportFailure(error);
+}
+
+int RunWatch(const Options& options, const Transport& transport) {
+  std::vector<Item> items;
+  std::string error;
+  if (!ParseItems(options, &items, &error)) return Report(exitUsage, error);
+  const std::vector<Transfer> transfers = TransfersOf(&items);
+  const Clock::time_point start = Clock::now();
+  const Clock::time_point end = start + Period(options.seconds);
+  std::vector<Item> before;
+  uint32_t printed = 0;
+  for (Clock::time_point next = start; !StopRequested();) {
+    if (!transport.readOffsets(transfers, &error)) return ReportFailure(error);
+    for (size_t i = 0; i < items.size(); ++i) {
+      if (!before.empty() && items[i].bytes == before[i].bytes) continue;
+      PrintLine(options.json ? ItemJson(items[i]) : ItemLine(items[i]));
+      if (++printed == options.count) return exitDone;
+    }
+    before = items;
+    if (std::fflush(stdout) != 0) return exitDone;  // the reader of our output has gone
+    next = std::max(next + Period(1 / options.rate), Clock::now());
+    if (options.seconds > 0 && next > end) {
+      WaitForStop(MillisecondsUntil(end));
+      return exitDone;
+    }
+    WaitForStop(MillisecondsUntil(next));
+  }
+  return exitDone;
+}
+
+int RunDump(const Options& options, const Transport& transport) {
+  std::vector<uint8_t> bytes(offsetMemorySize);
+  std::string error;
+  if (!transport.readOffsets({{0, offsetMemorySize, bytes.data()}}, &error)) return ReportFailure(error);
+  const char* path = options.items[0].c_str();
+  FILE* file = std::fopen(path, "wb");
+  if (file == nullptr) return Report(exitUsage, std::string("cannot write ") + path);
+  const size_t written = std::fwrite(bytes.data(), 1, bytes.size(), file);
+  if (std::fclose(file) != 0 || written != bytes.size()) {
+    return Report(exitUsage, std::string("cannot write all of ") + path + ": is the disk full?");
+  }
+  return exitDone;
+}
+
+int RunList(const Options& options) {
+  const std::string wanted = options.items.empty() ? "" : options.items[0];
+  const std::vector<const OffsetName*> found = Search(KnownOffsets(), wanted);
+  if (found.empty()) return Report(exitUsage, "no name or meaning holds \"" + wanted + "\"");
+  size_t width = 0;
+  for (const OffsetName* row : found) width = std::max(width, std::string(row->name).size());
+  for (size_t i = 0; i < found.size(); ++i) {
+    const OffsetName& row = *found[i];
+    const std::string type = TypeText(row.type, row.length);
+    const char* access = row.readOnly ? "read-only" : row.writable ? "read/write" : "read";
+    if (options.json) {
+      std::printf(
+          "%s  {\"name\": \"%s\", \"offset\": %u, \"type\": \"%s\", \"unit\": \"%s\", \"access\": \"%s\"}%s",
+          i == 0 ? "[\n" : "", row.name, row.offset, type.c_str(), row.unit, access,
+          i + 1 < found.size() ? ",\n" : "\n]\n");
+      continue;
+    }
+    std::printf("%-*s  %-7s  %-8s %-10s %-8s %s\n", static_cast<int>(width), row.name,
+                HexText(row.offset, 4).c_str(), type.c_str(), access, row.unit, row.meaning);
+  }
+  return exitDone;
+}
+
+}  // namespace ctl

@@ -1,0 +1,30 @@
+// The commands. Main thread. Each returns the program's exit status and has printed a line on standard error
+// when that is not 0.
+#pragma once
+#include <string>
+
+#include "options.h"
+#include "transport.h"
+
+namespace ctl {
+
+constexpr int exitDone = 0;
+constexpr int exitNoAnswer = 1;  // no server, refused, or no answer in time
+constexpr int exitUsage = 2;
+
+// One line on standard error; returns the status.
+int Report(int status, const std::string& text);
+// What a failed read or write means: 0 when the user has stopped it, else exitNoAnswer.
+int ReportFailure(const std::string& error);
+
+// Commands with a server take an open transport.
+int RunRead(const Options& options, const Transport& transport);
+int RunWrite(const Options& options, const Transport& transport);
+int RunWatch(const Options& options, const Transport& transport);
+int RunDump(const Options& options, const Transport& transport);
+int RunMonitor(const Options& options, const Transport& transport);
+int RunList(const Options& options);
+// Items and values without a server: exitDone when a read, watch or write may go on.
+int CheckItems(const Options& options);
+
+}  // namespace ctl

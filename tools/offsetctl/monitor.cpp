@@ -1,0 +1,163 @@
+// The live cockpit table: a few rows of named offsets, read in one request per sample and drawn in place.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+#include "commands.h"
+#include "console.h"
+#include "item.h"
+#include "names.h"
+#include "numbers.h"
+#include "show.h"
+
+namespace ctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+constexpr size_t lineWidth = 78;
+constexpr size_t columnWidth = 38;
+constexpr size_t labelWidth = 12;
+
+// One line of a column. Names that the plug-in does not know are left out.
+struct MonitorRow {
+  const char* label;
+  const char* names[4];
+  const char* between;  // between the values
+};
+
+constexpr MonitorRow leftRows[] = {
+    {"Time", {"zulu_hour", "zulu_minute", "second"}, ":"},
+    {"Aircraft", {"aircraft_model"}, ""},
+    {"Latitude", {"latitude"}, ""},
+    {"Longitude", {"longitude"}, ""},
+    {"Altitude", {"altitude"}, ""},
+    {"Above ground", {"radio_altitude"}, ""},
+    {"Heading", {"heading"}, ""},
+    {"Pitch", {"pitch"}, ""},
+    {"Bank", {"bank"}, ""},
+    {"IAS", {"ias"}, ""},
+    {"TAS", {"tas"}, ""},
+    {"Ground speed", {"ground_speed"}, ""},
+    {"Vertical", {"vertical_speed"}, ""},
+    {"Wind", {"wind_from", "wind"}, " / "},
+    {"QNH", {"qnh"}, ""},
+};
+
+constexpr MonitorRow rightRows[] = {
+    {"Gear", {"gear"}, ""},
+    {"Flaps", {"flaps"}, ""},
+    {"Parking brk", {"parking_brake"}, ""},
+    {"On ground", {"on_ground"}, ""},
+    {"Autopilot", {"autopilot"}, ""},
+    {"AP heading", {"ap_heading"}, ""},
+    {"AP altitude", {"ap_altitude"}, ""},
+    {"Throttle", {"throttle1", "throttle2"}, "  "},
+    {"N1", {"n1_eng1", "n1_eng2", "n1_eng3", "n1_eng4"}, "  "},
+    {"Fuel", {"fuel_total"}, ""},
+    {"COM", {"com1", "com2"}, "  "},
+    {"NAV", {"nav1", "nav2"}, "  "},
+    {"ADF", {"adf1", "adf2"}, "  "},
+    {"Transponder", {"transponder"}, ""},
+    {"Pause", {"paused"}, ""},
+};
+
+// A row that is shown, with its place among the items that are read.
+struct ShownRow {
+  const MonitorRow* row;
+  size_t first, count;
+};
+
+std::vector<ShownRow> Choose(const MonitorRow* rows, size_t count, std::vector<Item>* items) {
+  const NameTable names = KnownOffsets();
+  std::vector<ShownRow> shown;
+  for (size_t i = 0; i < count; ++i) {
+    const size_t first = items->size();
+    for (const char* name : rows[i].names) {
+      Item item;
+      std::string error;
+      if (name != nullptr && ParseItem(name, names, &item, &error)) items->push_back(item);
+    }
+    if (items->size() > first) shown.push_back({&rows[i], first, items->size() - first});
+  }
+  return shown;
+}
+
+// Two digits for the parts of a time of day.
+std::string Cell(const Item& item, const MonitorRow& row) {
+  std::string text = EngineeringText(item);
+  if (row.between[0] == ':' && text.size() == 1) text = "0" + text;
+  const size_t point = text.find('.');
+  // A step finer than a thousandth is noise here, but for the position.
+  const size_t kept = item.size == 8 ? 6 : 3;
+  if (point != std::string::npos && item.type != ValueType::Text && text.size() > point + kept) {
+    text.resize(point + kept);
+  }
+  return text;
+}
+
+std::string Column(const std::vector<ShownRow>& rows, size_t index, const std::vector<Item>& items) {
+  if (index >= rows.size()) return std::string(columnWidth, ' ');
+  const ShownRow& shown = rows[index];
+  std::string line = shown.row->label;
+  line.resize(labelWidth + 1, ' ');
+  for (size_t i = 0; i < shown.count; ++i) {
+    if (i != 0) line += shown.row->between;
+    line += Cell(items[shown.first + i], *shown.row);
+  }
+  const Item& last = items[shown.first + shown.count - 1];
+  if (shown.row->between[0] != ':' && last.row != nullptr && last.row->unit[0] != 0) {
+    line += std::string(" ") + last.row->unit;
+  }
+  line.resize(columnWidth, ' ');
+  return line;
+}
+
+void PrintPadded(std::string line) {
+  line.resize(lineWidth, ' ');
+  std::printf("%s\n", line.c_str());
+}
+
+}  // namespace
+
+int RunMonitor(const Options& options, const Transport& transport) {
+  std::vector<Item> items;
+  const std::vector<ShownRow> left = Choose(leftRows, std::size(leftRows), &items);
+  const std::vector<ShownRow> right = Choose(rightRows, std::size(rightRows), &items);
+  std::vector<Transfer> transfers;
+  for (Item& item : items) transfers.push_back({item.offset, item.size, item.bytes.data()});
+
+  const bool inPlace = StdoutIsTerminal();
+  const double period = inPlace ? 1 / options.rate : 1;
+  const Clock::time_point start = Clock::now();
+  std::string error;
+  int done = 1;
+  if (inPlace) ClearTerminal();
+  for (double wanted = 0; !StopRequested();
+       wanted = std::max(wanted + period, Seconds(Clock::now() - start).count())) {
+    double elapsed = Seconds(Clock::now() - start).count();
+    if (options.seconds > 0 && wanted > options.seconds) {
+      WaitForStop(static_cast<int>((options.seconds - elapsed) * 1000));
+      break;
+    }
+    if (elapsed < wanted && WaitForStop(static_cast<int>((wanted - elapsed) * 1000) + 1)) break;
+    done = transport.readOffsets(transfers, &error);
+    if (!done) break;
+    elapsed = Seconds(Clock::now() - start).count();
+    if (inPlace) CursorHome();
+    PrintPadded(std::string("TAVRIX  ") + transport.title + "   " + FixedText(elapsed, 1) + " s");
+    PrintPadded("");
+    for (size_t i = 0; i < std::max(left.size(), right.size()); ++i) {
+      PrintPadded(Column(left, i, items) + "  " + Column(right, i, items));
+    }
+    if (!inPlace) PrintPadded("");
+    if (std::fflush(stdout) != 0) break;  // the reader of our output has gone
+    if (options.seconds > 0 && elapsed >= options.seconds) break;
+  }
+  if (inPlace) RestoreTerminal();
+  return done ? exitDone : ReportFailure(error);
+}
+
+}  // namespace ctl

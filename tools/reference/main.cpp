@@ -1,0 +1,344 @@
+// Writes what is derived from the catalogue: the reference page for client authors, the same as data, and
+// the name table of offsetctl. `offset_reference FOLDER` writes into a source tree, `offset_reference FOLDER
+// --check` compares with what stands there and names the first stale file.
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "bridge/catalogue.h"
+#include "bridge/registry.h"
+#include "platform/system.h"
+
+namespace {
+
+struct Output {
+  const char* path;  // below the folder, with /
+  std::string text;
+};
+
+struct TypeNames {
+  const char* shown;  // on the page
+  const char* code;   // enumerator of offsetctl
+};
+
+TypeNames NamesOf(Stored type) {
+  switch (type) {
+    case Stored::U8:
+      return {"u8", "U8"};
+    case Stored::S8:
+      return {"s8", "S8"};
+    case Stored::U16:
+      return {"u16", "U16"};
+    case Stored::S16:
+      return {"s16", "S16"};
+    case Stored::U32:
+      return {"u32", "U32"};
+    case Stored::S32:
+      return {"s32", "S32"};
+    case Stored::S64:
+      return {"s64", "S64"};
+    case Stored::F32:
+      return {"f32", "F32"};
+    case Stored::F64:
+      return {"f64", "F64"};
+    case Stored::Text:
+      return {"text", "Text"};
+  }
+  return {"?", "?"};
+}
+
+const char* FormCode(const OffsetRow& row) {
+  switch (row.show) {
+    case Show::Number:
+      return row.type == Stored::Text ? "Text" : "Number";
+    case Show::Flag:
+      return "Flag";
+    case Show::Bcd:
+      return "Bcd";
+    case Show::Bits:
+      return "Bits";
+    case Show::Text:
+      return "Text";
+  }
+  return "?";
+}
+
+int CycleFrames(Cycle cycle) {
+  switch (cycle) {
+    case Cycle::C1:
+      return 1;
+    case Cycle::C3:
+      return 3;
+    case Cycle::C7:
+      return 7;
+    case Cycle::C13:
+      return 13;
+    case Cycle::C31Navigation:
+    case Cycle::C31:
+      return 31;
+    case Cycle::C59:
+      return 59;
+    case Cycle::C157:
+      return 157;
+    case Cycle::C313:
+      return 313;
+    default:
+      return 0;
+  }
+}
+
+std::string Number(double value) {
+  char text[64];
+  return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+}
+
+std::string Hex(uint32_t offset) {
+  char text[16];
+  std::string digits(text, std::to_chars(text, text + sizeof text, offset, 16).ptr);
+  for (char& letter : digits) {
+    if (letter >= 'a') letter = static_cast<char>(letter - 'a' + 'A');
+  }
+  return "0x" + (digits.size() < 4 ? std::string(4 - digits.size(), '0') : "") + digits;
+}
+
+// A string literal for C++ and JSON alike; the catalogue holds plain ASCII.
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char letter : text) {
+    if (letter == '"' || letter == '\\') quoted += '\\';
+    quoted += letter;
+  }
+  return quoted + "\"";
+}
+
+std::string TableCell(const std::string& text) {
+  std::string cell;
+  for (const char letter : text) {
+    if (letter == '|') cell += '\\';
+    cell += letter;
+  }
+  return cell;
+}
+
+std::string RowName(const OffsetRow& row) {
+  return row.name[0] == 0 || row.member == 0 ? row.name : row.name + std::to_string(row.member);
+}
+
+bool IsReadOnly(uint32_t offset) {
+  for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
+    if (offset >= readOnlyRanges[i].first && offset <= readOnlyRanges[i].last) return true;
+  }
+  return false;
+}
+
+bool HasWriteRule(const OffsetRow& row) {
+  const WriteRule& rule = row.write;
+  return rule.target.block != Block::None || rule.apply != nullptr || rule.group != nullptr || rule.staged;
+}
+
+bool IsWritable(const OffsetRow& row) { return HasWriteRule(row) && !IsReadOnly(row.offset); }
+
+// The dataref's name, with the element of an array: the last one that is looked up for the place.
+std::string SourceName(const Source& source) {
+  std::string name;
+  for (uint32_t i = 0; i < bindingCount; ++i) {
+    if (bindings[i].block == source.block && bindings[i].index == source.index) name = bindings[i].name;
+  }
+  const bool isArray = source.accessor == Accessor::IntArray || source.accessor == Accessor::FloatArray;
+  return name.empty() || !isArray ? name : name + "[" + std::to_string(source.element) + "]";
+}
+
+std::string SourceText(const OffsetRow& row) {
+  if (row.source.block != Block::None) return SourceName(row.source);
+  return row.read != nullptr || row.readText != nullptr ? "derived" : "";
+}
+
+std::string TypeText(const OffsetRow& row) {
+  const std::string type = NamesOf(row.type).shown;
+  return row.type == Stored::Text ? type + ":" + std::to_string(StoredWidth(row)) : type;
+}
+
+// How the stored number becomes the unit: "kt = stored x 0.0078125".
+std::string UnitText(const OffsetRow& row) {
+  const std::string unit = row.unit;
+  if (row.show == Show::Flag) return "0 off, else on";
+  if (row.show == Show::Bits) return "bits";
+  if (row.show == Show::Bcd) return unit.empty() ? "BCD" : unit + ", BCD";
+  if (row.unitScale == 1 && row.unitBias == 0) return unit;
+  std::string text = (unit.empty() ? "value" : unit) + " = stored";
+  if (row.unitScale != 1) text += " x " + Number(row.unitScale);
+  if (row.unitBias > 0) text += " + " + Number(row.unitBias);
+  if (row.unitBias < 0) text += " - " + Number(-row.unitBias);
+  return text;
+}
+
+std::string AccessText(const OffsetRow& row) {
+  if (IsReadOnly(row.offset)) return "read-only";
+  return HasWriteRule(row) ? "yes" : "no";
+}
+
+std::string NoteText(const OffsetRow& row) {
+  std::string text = row.lossy[0] != 0 ? "Lossy: " + std::string(row.lossy) : "";
+  if (row.note[0] != 0) text += (text.empty() ? "" : ". ") + std::string(row.note);
+  const std::string target = SourceName(row.write.target);
+  if (!target.empty() && target != SourceName(row.source)) {
+    text += (text.empty() ? "" : ". ") + ("Write sets `" + target + "`");
+  }
+  return text;
+}
+
+constexpr char pageHead[] =
+    "# Offsets\n\n"
+    "<!-- Written by offset_reference from the catalogue in src/bridge/catalogue; do not edit. -->\n\n"
+    "Every offset that the plug-in keeps current or acts on, by subject. Values are little-endian.\n\n"
+    "- **Type**: u unsigned, s signed, f floating point, with the number of bits; text:N is N bytes, padded\n"
+    "  with zeros.\n"
+    "- **Unit**: the unit of the stored number, or how to compute it. BCD holds one decimal digit in four\n"
+    "  bits; with MHz the leading 1 is left out, 0x1870 is 118.70.\n"
+    "- **Write**: \"yes\" when a written value reaches the simulator; \"no\" when it only stands in the "
+    "memory\n"
+    "  until the next refresh; \"read-only\" when the server drops it.\n"
+    "- **Frames**: the offset is refreshed once in so many frames; \"-\" when nothing refreshes it.\n"
+    "- **Name** is what `offsetctl` calls it.\n"
+    "- Lossy: a written value does not read back within one step of the encoding, for the reason given.\n";
+
+std::string PageRow(const OffsetRow& row) {
+  const int frames = CycleFrames(row.cycle);
+  const std::string name = RowName(row);
+  const std::string source = SourceText(row);
+  const bool isDataref = row.source.block != Block::None && !source.empty();
+  return "| " + Hex(row.offset) + " | " + TypeText(row) + " | " + TableCell(UnitText(row)) + " | " +
+         TableCell(row.meaning) + " | " + (name.empty() ? "" : "`" + name + "`") + " | " + AccessText(row) +
+         " | " + (frames == 0 ? "-" : std::to_string(frames)) + " | " +
+         (isDataref ? "`" + source + "`" : source) + " | " + TableCell(NoteText(row)) + " |\n";
+}
+
+std::string MakePage() {
+  std::string page = pageHead;
+  for (const RowTable* table : Catalogue()) {
+    page += std::string("\n## ") + table->subject + "\n\n";
+    page += "| Offset | Type | Unit | Meaning | Name | Write | Frames | Source | Remarks |\n";
+    page += "|---|---|---|---|---|---|---|---|---|\n";
+    for (const OffsetRow& row : table->rows) page += PageRow(row);
+  }
+  page +=
+      "\n## Read-only offsets\n\nWrites that start at one of these are dropped by the server; the rest of the\n"
+      "request goes on.\n\n";
+  for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
+    const ReadOnlyRange& range = readOnlyRanges[i];
+    page +=
+        "- " + Hex(range.first) + (range.last != range.first ? std::string("-") + Hex(range.last) : "") + "\n";
+  }
+  return page;
+}
+
+std::string JsonRow(const OffsetRow& row, const char* subject) {
+  const int frames = CycleFrames(row.cycle);
+  return "  {\"offset\": " + std::to_string(row.offset) + ", \"type\": " + Quoted(TypeText(row)) +
+         ", \"size\": " + std::to_string(StoredWidth(row)) + ", \"subject\": " + Quoted(subject) +
+         ", \"name\": " + Quoted(RowName(row)) + ", \"meaning\": " + Quoted(row.meaning) +
+         ", \"unit\": " + Quoted(row.unit) + ", \"unitScale\": " + Number(row.unitScale) +
+         ", \"unitBias\": " + Number(row.unitBias) + ", \"form\": " + Quoted(FormCode(row)) +
+         ", \"readOnly\": " + (IsReadOnly(row.offset) ? "true" : "false") +
+         ", \"writable\": " + (IsWritable(row) ? "true" : "false") +
+         ", \"frames\": " + (frames == 0 ? "null" : std::to_string(frames)) +
+         ", \"source\": " + Quoted(SourceText(row)) + ", \"target\": " + Quoted(SourceName(row.write.target)) +
+         ", \"lossy\": " + Quoted(row.lossy) + ", \"note\": " + Quoted(row.note) + "}";
+}
+
+std::string MakeJson() {
+  std::string text = "[";
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) {
+      text += (text.size() == 1 ? "\n" : ",\n") + JsonRow(row, table->subject);
+    }
+  }
+  return text + "\n]\n";
+}
+
+std::string MakeNameTable() {
+  std::string text =
+      "// Written by offset_reference from the plug-in's catalogue; do not edit.\n"
+      "// clang-format off\n"
+      "constexpr OffsetName offsetNames[] = {\n";
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) {
+      text += "    {" + Hex(row.offset) + ", ValueType::" + NamesOf(row.type).code + ", " +
+              std::to_string(StoredWidth(row)) + ", " + Quoted(RowName(row)) + ", " + Quoted(row.meaning) +
+              ", " + Quoted(row.unit) + ", " + Number(row.unitScale) + ", " + Number(row.unitBias) +
+              ", Form::" + FormCode(row) + ", " + (IsReadOnly(row.offset) ? "true" : "false") + ", " +
+              (IsWritable(row) ? "true" : "false") + "},\n";
+    }
+  }
+  text += "};\nconstexpr OffsetRange readOnlyOffsets[] = {\n";
+  for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
+    text += "    {" + Hex(readOnlyRanges[i].first) + ", " + Hex(readOnlyRanges[i].last) + "},\n";
+  }
+  return text + "};\n// clang-format on\n";
+}
+
+// Two rows of one name would hide the second from offsetctl. Returns 1, or 0 after naming the pair.
+int CheckNames() {
+  std::map<std::string, uint32_t> offsets;
+  int unique = 1;
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) {
+      const std::string name = RowName(row);
+      if (name.empty()) continue;
+      const auto [place, isNew] = offsets.emplace(name, row.offset);
+      if (isNew) continue;
+      std::fprintf(stderr,
+                   "offset_reference: %s and %s are both named %s: rename one in src/bridge/catalogue\n",
+                   Hex(place->second).c_str(), Hex(row.offset).c_str(), name.c_str());
+      unique = 0;
+    }
+  }
+  return unique;
+}
+
+int WriteOutput(const std::string& folder, const Output& output) {
+  const std::string path = folder + "/" + output.path;
+  CreateFolders(path.substr(0, path.rfind('/')).c_str());
+  std::ofstream file(path, std::ios::binary);
+  file << output.text;
+  file.close();
+  if (!file.fail()) return 1;
+  std::fprintf(stderr, "offset_reference: cannot write %s\n", path.c_str());
+  return 0;
+}
+
+int CheckOutput(const std::string& folder, const Output& output) {
+  const std::string path = folder + "/" + output.path;
+  std::ifstream file(path, std::ios::binary);
+  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  if (file.is_open() && text == output.text) return 1;
+  std::fprintf(stderr, "offset_reference: %s is stale: run offset_reference on the tree and keep its result\n",
+               output.path);
+  return 0;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  const bool check = count == 3 && std::strcmp(words[2], "--check") == 0;
+  if (count < 2 || (count > 2 && !check)) {
+    std::fprintf(stderr, "usage: offset_reference FOLDER [--check]\n");
+    return 2;
+  }
+  if (!CheckNames()) return 1;
+  const Output outputs[] = {
+      {"docs/offsets.md", MakePage()},
+      {"docs/offsets.json", MakeJson()},
+      {"tools/offsetctl/offset_table.inc", MakeNameTable()},
+  };
+  for (const Output& output : outputs) {
+    if (!(check ? CheckOutput(words[1], output) : WriteOutput(words[1], output))) return 1;
+  }
+  return 0;
+}
