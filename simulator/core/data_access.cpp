@@ -58,8 +58,9 @@ void SetArray(DataRef* ref, std::vector<T>* storage, T* values, int offset, int 
   Provider* other = Answering(ref);
   bool given = other && other->*provided;
   int taken = !writable ? 0 : given ? count : Fitting(storage->size(), offset, count);
-  for (int i = 0; i < count && offset <= INT32_MAX - i; ++i)
+  for (int i = 0; i < count && offset <= INT32_MAX - i; ++i) {
     sim::RecordWrite(ref, offset + i, values[i], i >= taken);
+  }
   if (taken <= 0) return;
   if (given) {
     sim::InPlugin inside(other->owner);

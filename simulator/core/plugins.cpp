@@ -30,6 +30,9 @@ bool Resolve(const Plugin& plugin, const char* name, F* function) {
 
 bool Load(Plugin* plugin) {
   if (!plugin->module && plugin->entry.start) return true;  // linked into the program
+  for (auto& other : plugins) {
+    if (other->module && other->file == plugin->file) return Fail(*plugin, "is given twice");
+  }
   std::string why;
   InPlugin inside(plugin->id);  // its static constructors may call us
   plugin->module = LoadModule(plugin->file, &why);

@@ -22,8 +22,8 @@ struct Vec {
 
 struct Flight {
   double time = 0;
-  double zulu = 0;       // seconds since midnight UTC
-  float shownZulu = -1;  // what the dataref held last
+  double zulu = 0;                     // seconds since midnight UTC
+  float shownZulu = -1;                // what the dataref held last
   Vec velocity;                        // over the ground, world axes
   double q[4] = {1, 0, 0, 0};          // attitude, scalar first
   double phi = 0, theta = 0, psi = 0;  // of q, radians

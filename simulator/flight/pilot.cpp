@@ -167,7 +167,7 @@ double ModeClimb(int modes) {
   }
   if ((modes & (apSpeedByPitch | apLevelChange)) != 0) {
     // Too fast: climb the speed away.
-    double climb = std::clamp((flight.indicated - SelectedSpeed()) * 0.8, -12.0, 12.0);
+    double climb = std::clamp((flight.indicated - SelectedSpeed()) * 0.8, -20.0, 20.0);
     if ((modes & apLevelChange) == 0) return climb;
     bool up = selected > D(refs.elevation);
     return up ? std::max(climb, 0.5) : std::min(climb, -0.5);
@@ -192,7 +192,7 @@ double ModeBank(int modes) {
   if ((modes & apNav) != 0) {
     double course = static_cast<double>(F(refs.navObs[0])) - magneticVariation;
     if (I(refs.navType, 0) != 3 && circuit.atField) course = runwayCourse;
-    double cut = std::clamp(NavDeflection() * 18, -40.0, 40.0);
+    double cut = std::clamp(NavDeflection() * 12, -30.0, 30.0);
     return BankForTrack((course + cut) * degToRad);
   }
   return 0;
@@ -227,6 +227,7 @@ void FlyGround(double dt) {
   flight.rudder = Hand(refs.overrideYaw) ? Yoke(refs.yokeYaw) : 0;
   bool takeOff = ReadThrottle(0) > 0.5 && flight.indicated > 1.05 * Ias(aircraft->approachKt);
   flight.elevator = Hand(refs.overridePitch) ? Yoke(refs.yokePitch) : takeOff ? 0.7 : 0;
+  if (!hands.gear) I(refs.gearHandle) = 1;
   bool landed = !hands.throttle && (I(refs.apState) & apAutothrottle) == 0;
   if (landed) {
     double now = static_cast<double>(F(refs.engineThrottle));

@@ -48,9 +48,6 @@ void Run(const AddonCommand& row) {
   bool on = *row.status != '\0' && Value(row.status) > 0.5F;
   auto toggle = [&] { SetValue(row.status, on ? 0 : 1); };
   switch (row.effect) {
-    case AddonEffect::Lamp:
-      toggle();
-      break;
     case AddonEffect::Mode:
       toggle();
       if (circuitFlight) PressModes(row.number);
@@ -68,10 +65,6 @@ void Run(const AddonCommand& row) {
       toggle();
       if (circuitFlight && ((I(refs.apState) & apAutothrottle) != 0) == on) PressModes(apAutothrottle);
       break;
-    case AddonEffect::Toga:
-      SetValue(row.status, 1);
-      if (circuitFlight) PressToga();
-      break;
     case AddonEffect::YawDamper:
       toggle();
       SetValue("sim/cockpit/switches/yaw_damper_on", on ? 1 : 0);
@@ -83,19 +76,6 @@ void Run(const AddonCommand& row) {
     case AddonEffect::Flaps:
       RequestFlaps(row.number / 8.0);
       break;
-    case AddonEffect::Gear:
-      SetValue(row.status, row.number / 2.0);
-      if (row.number != 1) RequestGear(row.number == 2);
-      break;
-    case AddonEffect::Cutoff:
-    case AddonEffect::Idle: {
-      float ratio = row.effect == AddonEffect::Idle ? 1.0F : 0.0F;
-      SetValue(row.status, static_cast<double>(ratio));
-      F(refs.mixture, row.number - 1) = ratio;
-      if (DataRef* twin = FindLive("sim/cockpit2/engine/actuators/mixture_ratio"))
-        F(twin, row.number - 1) = ratio;
-      break;
-    }
   }
 }
 
@@ -140,6 +120,9 @@ void SwitchSet(DataRef* self, int, int) {
       }
       case AddonLinkKind::Mixture:
         F(refs.mixture, it.row->number) = F(self);
+        break;
+      case AddonLinkKind::Gear:
+        if (F(self) < 0.25F || F(self) > 0.75F) RequestGear(F(self) > 0.75F);  // between: the "off" notch
         break;
       case AddonLinkKind::Temperature:
         break;

@@ -15,30 +15,25 @@ extern const AddonRows addonRows[];
 extern const int addonRowsCount;
 
 enum class AddonEffect {
-  Lamp,         // toggles the status
   Mode,         // presses the stock autopilot mode `number` and toggles the status
   Master,       // lights the status and engages the autopilot, unless the disconnect bar is down
   Disconnect,   // toggles the bar; pulled down it puts all autopilot lamps out
   ArmThrottle,  // toggles the status and the stock autothrottle
-  Toga,         // lights the status, take-off power
   YawDamper,    // the status is the "off" light
   ParkBrake,    // toggles the light and the brake
   Flaps,        // detent `number` of 0 to 8
-  Gear,         // lever: 0 up, 1 off, 2 down
-  Cutoff,       // fuel lever of engine `number`, from 1
-  Idle,
 };
 struct AddonCommand {
   const char* aircraft = "";
   const char* name = "";
   const char* status = "";
-  AddonEffect effect = AddonEffect::Lamp;
+  AddonEffect effect = AddonEffect::Mode;
   int number = 0;
 };
 extern const AddonCommand addonCommands[];
 extern const int addonCommandCount;
 
-enum class AddonLinkKind { Mode, Master, Copy, CopyInt, Tank, Temperature, Throttle, Mixture };
+enum class AddonLinkKind { Mode, Master, Copy, CopyInt, Tank, Temperature, Throttle, Mixture, Gear };
 struct AddonLink {
   const char* name = "";
   AddonLinkKind link = AddonLinkKind::Copy;

@@ -6,6 +6,8 @@
 #include "bridge/stations.h"
 #include "bridge/weather_area.h"
 #include "bridge/writer_list.h"
+#include "controls/buttons.h"
+#include "custom/custom.h"
 #include "offsets/dispatcher.h"
 #include "settings/settings.h"
 #include "shell/log.h"
@@ -70,12 +72,15 @@ float WriteCycle(float, float, int, void*) {
   RunWriters();
   ApplyWeatherArea();
   SlewStep();
+  ApplyPendingCustomWrites();
+  TakeCustomReload();
   if (atcTexts.changed.load(std::memory_order_relaxed) != 0) SaveAtcTexts();
   return -1;
 }
 
 float RefreshCycle1(float, float, int, void*) {
   RunReaders(Cycle::C1);
+  RefreshCustomOffsets(1);
   return -1;
 }
 
@@ -86,17 +91,20 @@ float RefreshCycle3(float, float, int, void*) {
 
 float RefreshCycle7(float, float, int, void*) {
   RunReaders(Cycle::C7);
+  RefreshCustomOffsets(2);
   return -7;
 }
 
 float RefreshCycle13(float, float, int, void*) {
   RunReaders(Cycle::C13);
+  RefreshCustomOffsets(3);
   return -13;
 }
 
 float RefreshCycle31Navigation(float, float, int, void*) {
   TuneStations();
   RunReaders(Cycle::C31Navigation);
+  RefreshCustomOffsets(4);
   // The radios of a new aircraft settle late: they are read again half a second later.
   if (navigationPending != 0) {
     navigationPending = 0;
@@ -107,22 +115,26 @@ float RefreshCycle31Navigation(float, float, int, void*) {
 
 float RefreshCycle31(float, float, int, void*) {
   RunReaders(Cycle::C31);
+  RefreshCustomOffsets(5);
   return -31;
 }
 
 float RefreshCycle59(float, float, int, void*) {
   RunReaders(Cycle::C59);
+  RefreshCustomOffsets(6);
   RunEc135Adapter();
   return -59;
 }
 
 float RefreshCycle157(float, float, int, void*) {
   RunReaders(Cycle::C157);
+  RefreshCustomOffsets(7);
   return -157;
 }
 
 float RefreshCycle313(float, float, int, void*) {
   RunReaders(Cycle::C313);
+  RefreshCustomOffsets(8);
   aircraftChanged = 0;
   RecogniseAircraft();
   return -313;
@@ -141,8 +153,8 @@ float OverrideWatch(float, float, int, void*) {
 
 float ButtonCycle(float, float, int, void*) {
   XPLMDataRef buttons = AuxDataRefMemBlock[0x010B];
-  joystickButtonCount =
-      buttons == nullptr ? 0 : XPLMGetDatavi(buttons, joystickButtons, 0, maxJoystickButtons);
+  joystickButtonCount = buttons == nullptr ? 0 : XPLMGetDatavi(buttons, joystickButtons, 0, maxJoystickButtons);
+  WatchButtons(joystickButtons, joystickButtonCount);
   return -1;
 }
 

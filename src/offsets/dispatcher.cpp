@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "custom/custom.h"
 #include "offsets/memory.h"
 
 RelayRecordStore relayRecordStore;
@@ -32,6 +33,25 @@ void KeepAtcText(uint32_t bit, char (&text)[atcTextSize + 1], const uint8_t* byt
   atcTexts.changed.fetch_or(bit);
 }
 
+// Hands a value to the user's own entries at this offset. Returns how far the walk goes on, 0 when there is no
+// custom offset (a command alone does not end the look-ups).
+uint32_t DispatchCustom(uint32_t at, const uint8_t* data, uint32_t supplied) {
+  uint8_t value[8];
+  const auto take = [&](uint32_t offset, uint32_t size) {
+    const uint32_t given = std::min(size, supplied);
+    std::memcpy(value, data, given);
+    std::memcpy(value + given, offsetMemory.bytes + offset + given, size - given);
+    return value;
+  };
+  if (const CustomCommandEntry* command = FindCustomCommand(at)) {
+    WriteCommandOffset(*command, take(command->offset, command->size));
+  }
+  const CustomOffsetEntry* entry = FindCustomOffset(at);
+  if (entry == nullptr || entry->size == 0) return 0;
+  WriteCustomOffset(*entry, take(entry->offset, entry->size));
+  return entry->size;
+}
+
 }  // namespace
 
 void ResetDispatchTable() {
@@ -40,6 +60,8 @@ void ResetDispatchTable() {
   AddDispatchEntry(0x313C, atcTextSize, DispatchAction::AtcTailNumber);
   AddDispatchEntry(weatherAreaOffset, 1, DispatchAction::WeatherArea);
   AddDispatchEntry(relayRecordOffset, relayRecordSize, DispatchAction::RelayRecord);
+  AddDispatchEntry(customReloadOffset, 1, DispatchAction::CustomReload);
+  AddDispatchEntry(customClearOffset, 1, DispatchAction::CustomReload);
 }
 
 void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action) {
@@ -52,6 +74,10 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data) {
   uint32_t done = 0;
   while (done < size) {
     const uint32_t at = offset + done;
+    if (const uint32_t custom = DispatchCustom(at, data + done, size - done); custom != 0) {
+      done += custom;
+      continue;
+    }
     const DispatchEntry entry = table[at];
     if (entry.action == DispatchAction::None) return 0;
     const uint32_t supplied = size - done;
@@ -72,17 +98,24 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data) {
     const bool differs = std::memcmp(value, offsetMemory.bytes + at, width) != 0;
 
     switch (entry.action) {
-      case DispatchAction::StageAlways: Raise(at, value, width); break;
+      case DispatchAction::StageAlways:
+        Raise(at, value, width);
+        break;
       case DispatchAction::AtcNumber:
         if (differs) KeepAtcText(1, atcTexts.number, value);
         break;
       case DispatchAction::AtcTailNumber:
         if (differs) KeepAtcText(2, atcTexts.tailNumber, value);
         break;
-      case DispatchAction::WeatherArea: weatherBlockRequested = 1; break;
+      case DispatchAction::WeatherArea:
+        weatherBlockRequested = 1;
+        break;
       case DispatchAction::RelayRecord:
         std::memcpy(relayRecordStore.bytes, value, relayRecordSize);
         relayRecordStore.waiting = 1;
+        break;
+      case DispatchAction::CustomReload:
+        if (differs && value[0] == 1) RequestCustomReload(at);
         break;
       default:
         if (differs) Raise(at, value, width);

@@ -36,15 +36,16 @@ extern AtcTexts atcTexts;
 
 // How the dispatcher treats an offset; derived from the catalogue when the cycles are built.
 enum class DispatchAction : uint8_t {
-  None,          // no meaning for writes: ends the walk
-  Stage,         // compare, stage, raise the flag
-  StageAlways,   // without the comparison (a command whose 0 is the start content)
-  StageText,     // as wide as the rest of the record, up to the width; the remainder is zero
+  None,            // no meaning for writes: ends the walk
+  Stage,           // compare, stage, raise the flag
+  StageAlways,     // without the comparison (a command whose 0 is the start content)
+  StageText,       // as wide as the rest of the record, up to the width; the remainder is zero
   StageTwoOrFour,  // 4 bytes when the record holds them, else 2
   AtcNumber,
   AtcTailNumber,
   WeatherArea,
   RelayRecord,
+  CustomReload,  // a changed 1 asks for the user's offsets file to be read again
 };
 
 // Forgets all entries and puts in those with an immediate action. Simulator's thread, at start.

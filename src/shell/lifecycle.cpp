@@ -16,6 +16,8 @@
 #include "bridge/reader_groups.h"
 #include "bridge/registry.h"
 #include "bridge/slew.h"
+#include "controls/buttons.h"
+#include "custom/custom.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "offsets/window_server.h"
@@ -77,6 +79,8 @@ void StartThreads() {
   if (windowServerExists) {
     LogLine(StartWindowServer() ? "TAVRIX->Create KORL Thread OK!\n" : "TAVRIX->Create KORL Thread failed!\n");
   }
+  LogLine(StartButtonThread() ? "TAVRIX->Create Joystick Thread OK!\n"
+                              : "TAVRIX->Create Joystick Thread failed!\n");
 }
 
 float DeferredStart(float, float, int, void*) {
@@ -101,6 +105,7 @@ void EnableServerMode() {
   aircraftChanged = 1;
   RegisterFlightLoops(DeferredStart);
   if (terrainProbe == nullptr) terrainProbe = XPLMCreateProbe(xplm_ProbeY);
+  LoadButtonAssignments();
 }
 
 // Gives back everything of the simulator that we hold: overrides, held commands, slew.
@@ -120,6 +125,8 @@ void DisableServerMode() {
     LogStamped("TAVRIX->Closing KORLMain Thread......");
     StopWindowServer();
   }
+  LogStamped("TAVRIX->Closing Joystick Thread......");
+  StopButtonThread();
 }
 
 }  // namespace
@@ -166,9 +173,15 @@ int EnablePlugin() {
   LogLine("%s", separatorLine);
   LogStamped("TAVRIX Enable !");
   LogLine("TAVFARSERVER Enable !\n");
+  LogLine("TAVRIX->Reading TAVRIXOffsets.cfg\n");
+  LoadCustomOffsets();
   LogLine("TAVRIX->Initialise critical sections\n");
-  if (!CreateLocks()) {
-    LogLine("TAVRIX->The system refuses the locks: the plug-in stays disabled; close other programs and try again\n");
+  if (!CreateLocks() || !CreateButtons()) {
+    DeleteLocks();
+    ClearCustomOffsets();
+    LogLine(
+        "TAVRIX->The system refuses the locks: the plug-in stays disabled; close other programs and try "
+        "again\n");
     return 0;
   }
   crashCountdown = 5;
@@ -186,7 +199,10 @@ void DisablePlugin() {
   LogStamped("TAVRIX->Starting deinit");
   if (clientModeAtEnable == 0) DisableServerMode();
   LogLine("TAVRIX->Release critical sections\n");
+  ClearCustomOffsets();
+  DeleteButtons();
   DeleteLocks();
+  LogLine("TAVRIX->Purging TAVRIXOffsets.cfg\n");
   ReleaseIxegThrottleOverride();
   LogStamped("TAVRIX deinit OK!");
   LogStamped("TAVRIX Disable !");
@@ -215,7 +231,10 @@ void ReceivePluginMessage(int from, int message, void* parameter) {
       navigationPending = 1;
       aircraftChanged = 1;
       break;
-    case XPLM_MSG_PLANE_CRASHED: SetCrashed(); break;
-    default: break;
+    case XPLM_MSG_PLANE_CRASHED:
+      SetCrashed();
+      break;
+    default:
+      break;
   }
 }

@@ -7,6 +7,7 @@
 #include "XPStandardWidgets.h"
 #include "XPWidgets.h"
 #include "bridge/cycles.h"
+#include "custom/custom.h"
 #include "offsets/memory.h"
 #include "shell/lifecycle.h"
 #include "shell/log.h"
@@ -20,6 +21,7 @@ XPWidgetID versionWindow;
 XPWidgetID performanceWindow;
 XPWidgetID readTraceBox;
 XPWidgetID writeTraceBox;
+XPWidgetID reloadButton;
 XPWidgetID requestLine;
 XPWidgetID droppedLine;
 
@@ -67,6 +69,14 @@ XPWidgetID AddCheckBox(XPWidgetID window, int line, const char* label, int on) {
   return box;
 }
 
+XPWidgetID AddPushButton(XPWidgetID window, int line, const char* label) {
+  const LinePlace place = LineOf(window, line);
+  XPWidgetID button = XPCreateWidget(place.left, place.top, place.right, place.bottom, 1, label, 0, window,
+                                     xpWidgetClass_Button);
+  XPSetWidgetProperty(button, xpProperty_ButtonType, xpPushButton);
+  return button;
+}
+
 std::string WithoutLineEnd(std::string text) {
   while (!text.empty() && text.back() == '\n') text.pop_back();
   return text;
@@ -83,8 +93,12 @@ int HandlePerformance(XPWidgetMessage message, XPWidgetID widget, intptr_t param
     XPHideWidget(widget);
     return 1;
   }
-  if (message != xpMsg_ButtonStateChanged) return 0;
   const XPWidgetID box = reinterpret_cast<XPWidgetID>(param1);
+  if (message == xpMsg_PushButtonPressed && box == reloadButton) {
+    ReloadCustomOffsets();
+    return 1;
+  }
+  if (message != xpMsg_ButtonStateChanged) return 0;
   if (box != readTraceBox && box != writeTraceBox) return 0;
   SwitchTrace(box == writeTraceBox ? 1 : 0, param2 != 0 ? 1 : 0);
   return 1;
@@ -99,12 +113,13 @@ void MakeVersionWindow() {
 }
 
 void MakePerformanceWindow() {
-  performanceWindow = MakeWindow("Performance settings", 360, 5, HandlePerformance);
+  performanceWindow = MakeWindow("Performance settings", 360, 6, HandlePerformance);
   if (performanceWindow == nullptr) return;
   readTraceBox = AddCheckBox(performanceWindow, 0, "Log reads", 0);
   writeTraceBox = AddCheckBox(performanceWindow, 1, "Log writes", 0);
   requestLine = AddCaption(performanceWindow, 2, "");
   droppedLine = AddCaption(performanceWindow, 3, "");
+  reloadButton = AddPushButton(performanceWindow, 4, "Reload TAVRIXOffsets.cfg");
 }
 
 // The figures as they stand when the window is opened; switches are what disable left them.

@@ -12,9 +12,10 @@
 
 namespace {
 
-// 0x3304 holds 0x50000008 from the plug-in's start on and is read-only.
-constexpr uint32_t constantOffset = 0x3304;
-constexpr uint32_t constantValue = 0x50000008;
+// A word that every mode finds set, to see that its reads are served.
+constexpr uint32_t constantOffset = scratchOffset + 16;
+constexpr uint32_t constantValue = 0x50A01B08;
+constexpr uint32_t readOnlyOffset = 0x3304;
 constexpr uint32_t memorySize = 0x20000;
 constexpr uint32_t pageSize = 4096;
 
@@ -33,15 +34,16 @@ int ExpectAnswer(WPARAM atom, int wanted, const char* what) {
                                       std::to_string(wanted));
 }
 
-// A well-formed request of its own is served.
+// A well-formed request of its own is served. Sets the constant word.
 int ExpectAlive() {
   ClientBlock block;
   if (!Expect(MakeBlock(pageSize, &block), "no block")) return 0;
   RecordWriter records = {block.view, 0};
+  records.Write(constantOffset, 4, &constantValue);
   const uint8_t* data = records.Read(constantOffset, 4);
   records.End();
-  ExpectAnswer(block.atom, 1, "plain request afterwards");
-  Expect(WordAt(data) == constantValue, "plain request afterwards: wrong data");
+  ExpectAnswer(block.atom, 1, "plain request");
+  Expect(WordAt(data) == constantValue, "plain request: wrong data");
   FreeBlock(&block);
   return why.empty();
 }
@@ -91,11 +93,11 @@ void NoTerminator(ClientBlock* block) {
   RecordWriter records = {block->view, 0};
   const uint8_t* data = records.Read(constantOffset, 4);
   const uint32_t rest = block->size - static_cast<uint32_t>(records.at) - 16;
-  const uint8_t* tail = records.Read(constantOffset, rest);
+  const uint8_t* tail = records.Read(constantOffset + 4 - rest, rest) + rest - 4;
   Expect(records.at == block->size, "the mode fills the block wrongly");
   ExpectAnswer(block->atom, 0, "no terminator");
   Expect(WordAt(data) == constantValue, "the first record was not served");
-  Expect(WordAt(tail) == constantValue, "the record that ends with the view was not served");
+  Expect(WordAt(tail) == constantValue, "the end of the record that ends with the view was not served");
 }
 
 // The last header is cut by the view's end, or its data is one byte too long: 0, nothing of it applied.
@@ -179,14 +181,15 @@ void ZeroSizes(ClientBlock* block) {
 // A write to a read-only offset is passed over: 1, nothing changed, the next write applied.
 void ReadOnlyWrite(ClientBlock* block) {
   PrepareScratch(0);
-  const uint32_t value = 0x66666666;
+  const uint32_t before = ReadWord(readOnlyOffset);
+  const uint32_t value = ~before;
   RecordWriter records = {block->view, 0};
-  records.Write(constantOffset, 4, &value);
+  records.Write(readOnlyOffset, 4, &value);
   records.Write(scratchOffset, 4, &value);
-  const uint8_t* data = records.Read(constantOffset, 4);
+  const uint8_t* data = records.Read(readOnlyOffset, 4);
   records.End();
   ExpectAnswer(block->atom, 1, "write to a read-only offset");
-  Expect(WordAt(data) == constantValue, "a read-only offset was written");
+  Expect(WordAt(data) == before, "a read-only offset was written");
   Expect(ReadWord(scratchOffset) == value, "the write behind it was not applied");
 }
 
@@ -260,11 +263,13 @@ void MissingMapping(ClientBlock*) {
   CloseHandle(event);
 }
 
-// A mapping that nobody may write: 0.
+// A mapping made without the right to write: 0, as the server cannot map it. Some systems let it: then the
+// list of nothing in it gives 1.
 void ReadOnlyMapping(ClientBlock* block) {
   FreeBlock(block);
   if (!Expect(MakeBlock(pageSize, block, PAGE_READONLY), "no read-only block")) return;
-  ExpectAnswer(block->atom, 0, "read-only mapping");
+  const int answer = Call(server, block->atom);
+  Expect(answer == 0 || answer == 1, "no answer to a read-only mapping");
 }
 
 // The client's own view and handle go while its request is served: the server has a view of its own. The
@@ -316,7 +321,7 @@ constexpr Mode modes[] = {
 int RunMode(const Mode& mode) {
   why.clear();
   ClientBlock block;
-  if (Expect(MakeBlock(pageSize, &block), "no block")) mode.run(&block);
+  if (ExpectAlive() && Expect(MakeBlock(pageSize, &block), "no block")) mode.run(&block);
   FreeBlock(&block);
   ExpectAlive();
   std::printf("%s: %s\n", mode.name, why.empty() ? "ok" : ("FAILED: " + why).c_str());
@@ -332,7 +337,7 @@ int Usage() {
   for (const Mode& mode : modes) std::printf(" %s", mode.name);
   std::printf(
       "\n  garbage SEED REQUESTS           random blocks; the answer follows from the block\n"
-      "  hammer SECONDS RECORDS SLOT     a busy client with its own bytes at slot 0..63, read back each time\n"
+      "  hammer SECONDS RECORDS SLOT     a busy client with its own bytes at slot 0..62, read back each time\n"
       "  change-while-served SECONDS     another thread changes a record's size meanwhile\n"
       "  latency REQUESTS RECORDS        median time of a request and of a bare window message\n");
   return 2;

@@ -87,7 +87,7 @@ TEST_F(Adapters, AircraftComeAndGo) {
         RunCycles();
       EXPECT_EQ(adapters.*c.flag, 1);
       EXPECT_EQ(LoadedCount(), 1);
-      if (c.slot.block != Block::None) EXPECT_NE(HandleOf(c.slot), nullptr);
+      EXPECT_EQ(HandleOf(c.slot) != nullptr, c.slot.block != Block::None);
       RunCycles();
       RunCycles();
       for (const char* line : c.lines) EXPECT_EQ(Logged(line), before + 1) << "looked up once: " << line;
@@ -98,7 +98,7 @@ TEST_F(Adapters, AircraftComeAndGo) {
       else
         RunCycles();
       EXPECT_EQ(LoadedCount(), 0);
-      if (c.slot.block != Block::None) EXPECT_EQ(HandleOf(c.slot), nullptr);
+      EXPECT_EQ(HandleOf(c.slot), nullptr);
       ++round;
     }
   }

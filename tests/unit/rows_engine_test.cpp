@@ -1,5 +1,6 @@
 // Engine, fuel, weight, light, electric and failure rows against the stand-in simulator. Expectations are
 // worked out from the units, not from the rows' factors.
+#include <algorithm>
 #include <cmath>
 
 #include "aircraft/adapter_slots.h"
@@ -59,6 +60,31 @@ class EngineRows : public testing::Test {
   void TearDown() override { Stop(); }
 };
 
+// --- Places -------------------------------------------------------------------------------------------
+
+// The engines' blocks have fixed distances, and element n of an array belongs to engine n + 1.
+TEST_F(EngineRows, FamiliesKeepTheDistancesOfTheirBlocks) {
+  const std::initializer_list<int64_t> distances = {0x98, 0x100, -0xC0, 1, 2, 4};
+  for (const RowTable* table : {&throttleRows, &engineRows, &iceRows}) {
+    for (const OffsetRow& row : table->rows) {
+      SCOPED_TRACE(testing::Message() << row.name << row.member);
+      if (row.source.block != Block::None && row.offset != 0x1330 && row.source.index < 0x10000) {
+        EXPECT_NE(HandleOf(row.source), nullptr);
+      }
+      if (row.member == 0) continue;
+      for (const Source& source : {row.source, row.write.target}) {
+        const bool isArray = source.accessor == Accessor::IntArray || source.accessor == Accessor::FloatArray;
+        EXPECT_EQ(source.element, isArray ? row.member - 1 : 0);
+      }
+      for (const OffsetRow& next : table->rows) {
+        if (std::string(next.name) != row.name || next.member != row.member + 1) continue;
+        const int64_t distance = int64_t{next.offset} - int64_t{row.offset};
+        EXPECT_NE(std::find(distances.begin(), distances.end(), distance), distances.end()) << distance;
+      }
+    }
+  }
+}
+
 // --- Readings -----------------------------------------------------------------------------------------
 
 TEST_F(EngineRows, ReadsOneDatarefEach) {
@@ -101,6 +127,7 @@ TEST_F(EngineRows, ReadsOneDatarefEach) {
       {0x2510, Stored::F64, Cycle::C1, "sim/flightmodel/engine/POINT_thrust", 10000, 2250.11, 2e-02, 1},
       // 40 revolutions a second.
       {0x2400, Stored::F64, Cycle::C1, "sim/flightmodel/engine/POINT_tacrad", 251.32741, 2400, 2e-02},
+      {0x1070A, Stored::U16, Cycle::C1, "sim/cockpit2/engine/indicators/engine_speed_rpm", 2450.5, 2450, 0, 1},
       {0x09C4, Stored::U16, Cycle::C7, "sim/flightmodel/engine/ENGN_running", 1, 1, 0, 2},
       {0x0A5C, Stored::U16, Cycle::C13, "sim/flightmodel/engine/ENGN_running", 1, 1, 0, 3},
       {0x228C, Stored::S32, Cycle::C13, "sim/cockpit/engine/igniters_on", 1, 1, 0, 2},
@@ -364,7 +391,7 @@ TEST_F(EngineRows, WritesReachTheirDatarefs) {
       {0x3104, Stored::U8, 1, "sim/cockpit/engine/fuel_pump_on", 1, 0, 0, 3},
       {0x3102, Stored::U8, 9, "sim/cockpit/electrical/battery_on", 1, 0, 0, 3},
       {0x6DA9, Stored::U8, 2, "sim/cockpit/engine/APU_switch", 2, 0, 0, 3},
-      {0x0B20, Stored::U16, 0, "sim/operation/sound/sound_on", 0, 1e-06},
+      {0x0B20, Stored::U16, 0, "sim/operation/sound/sound_on", 0, 0, 0, 1},
       {0x6DA8, Stored::U8, 200, "sim/weather/runway_friction", 2, 2e-05},
       {0x031C, Stored::S32, -500, "sim/cockpit/pressure/cabin_altitude_set_m_msl", -500, 5e-03},
       {0x1334, Stored::S32, 2204.6 * 256, "sim/aircraft/weight/acf_m_max", 1000, 1e-02},
@@ -372,9 +399,9 @@ TEST_F(EngineRows, WritesReachTheirDatarefs) {
       {0x1400, Stored::F64, -5, "sim/flightmodel/weight/m_fixed", 0, 1e-06},
       {0x2EF8, Stored::F64, -0.25, "sim/flightmodel/misc/cgz_ref_to_default", -0.25, 3e-06},
       {0x16024, Stored::F32, -1, "sim/flightmodel/weight/m_jettison", 0, 1e-06},
-      {0x0B68, Stored::U8, 1, "sim/operation/failures/rel_g_comrad1", 6, 6e-05},
-      {0x0B65, Stored::U8, 1, "sim/operation/failures/rel_ss_asi", 6, 6e-05},
-      {0x0B65, Stored::U8, 0, "sim/operation/failures/rel_ss_asi", 0, 1e-06},
+      {0x0B68, Stored::U8, 1, "sim/operation/failures/rel_g_comrad1", 6},
+      {0x0B65, Stored::U8, 1, "sim/operation/failures/rel_ss_asi", 6},
+      {0x0B65, Stored::U8, 0, "sim/operation/failures/rel_ss_asi", 0, 0, 0, 6},
   };
   for (const rows::WriteCase& test : cases) rows::CheckWrite(test);
   Set(weight + "m_fixed", 50);

@@ -72,9 +72,11 @@ int RunRead(const Options& options, const Transport& transport) {
   if (!transport.readOffsets(TransfersOf(&items), &error)) return ReportFailure(error);
   std::string text = options.json ? "[\n" : "";
   for (size_t i = 0; i < items.size(); ++i) {
-    text += options.json ? "  " + ItemJson(items[i]) + (i + 1 < items.size() ? ",\n" : "\n]")
-                         : (i > 0 ? "\n" : "") + ItemLine(items[i]);
+    if (options.json) text += "  ";
+    text += options.json ? ItemJson(items[i]) : ItemLine(items[i]);
+    if (i + 1 < items.size()) text += options.json ? ",\n" : "\n";
   }
+  if (options.json) text += "\n]";
   PrintLine(text);
   return exitDone;
 }

@@ -77,13 +77,14 @@ uint64_t LargestMagnitude(ValueType type, uint32_t size, bool negative) {
 }
 
 std::string RangeText(ValueType type, uint32_t size) {
-  const std::string low = IsSigned(type) ? "-" + WholeText(LargestMagnitude(type, size, true)) : "0";
-  return low + " to " + WholeText(LargestMagnitude(type, size, false));
+  const std::string low = IsSigned(type) ? "-" : "";
+  return low + WholeText(LargestMagnitude(type, size, true)) + " to " +
+         WholeText(LargestMagnitude(type, size, false));
 }
 
 int EncodeWhole(std::string_view text, Item* item, std::string* error) {
   WholeNumber value;
-  if (!ParseWhole(text, &value)) return Fail(error, "\"" + std::string(text) + "\" is no whole number");
+  if (!ParseWhole(text, &value)) return Fail(error, Quote(text) + " is no whole number");
   if (value.magnitude > LargestMagnitude(item->type, item->size, value.negative)) {
     return Fail(error, std::string(text) + " does not fit " + TypeText(item->type, item->size) +
                            ", which holds " + RangeText(item->type, item->size));
@@ -113,7 +114,7 @@ int ParseFraction(std::string_view text, double* value, std::string* error) {
   if (text.find_first_of("xX") != std::string_view::npos) {
     return Fail(error, "values are in engineering units here; for the stored number give the type too");
   }
-  if (!ParseReal(text, value)) return Fail(error, "\"" + std::string(text) + "\" is no number");
+  if (!ParseReal(text, value)) return Fail(error, Quote(text) + " is no number");
   return 1;
 }
 
@@ -221,7 +222,7 @@ int EncodeValue(std::string_view text, Item* item, std::string* error) {
   }
   if (IsInteger(item->type)) return EncodeWhole(text, item, error);
   double value = 0;
-  if (!ParseReal(text, &value)) return Fail(error, "\"" + std::string(text) + "\" is no number");
+  if (!ParseReal(text, &value)) return Fail(error, Quote(text) + " is no number");
   return EncodeReal(text, value, item, error);
 }
 

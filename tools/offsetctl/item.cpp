@@ -29,8 +29,6 @@ int Fail(std::string* error, const std::string& text) {
   return 0;
 }
 
-std::string Quote(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
 int ParseType(std::string_view text, Item* item, std::string* error) {
   for (const TypeName& known : typeNames) {
     if (text == known.text) {
@@ -56,7 +54,8 @@ int ParsePlace(std::string_view text, const NameTable& names, Item* item, std::s
   item->shown = text;
   if (text[0] >= '0' && text[0] <= '9') {
     if (!ParseUnsigned(text, offsetMemorySize - 1, &item->offset)) {
-      return Fail(error, "no offset " + Quote(text) + ": offsets are 0 to 0x1FFFF");
+      return Fail(error, "no offset " + Quote(text) +
+                             ": offsets are 0 to 131071, or with 0x before hexadecimal digits 0x0 to 0x1FFFF");
     }
     item->row = FindByOffset(names, item->offset);
     return 1;

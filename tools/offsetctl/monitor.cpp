@@ -29,11 +29,12 @@ struct MonitorRow {
 };
 
 constexpr MonitorRow leftRows[] = {
-    {"Time", {"zulu_hour", "zulu_minute", "second"}, ":"},
-    {"Aircraft", {"aircraft_model"}, ""},
+    {"UTC", {"zulu_hour", "zulu_minute", "second"}, ":"},
+    {"Aircraft", {"aircraft"}, ""},
     {"Latitude", {"latitude"}, ""},
     {"Longitude", {"longitude"}, ""},
-    {"Altitude", {"altitude"}, ""},
+    {"Altimeter", {"indicated_altitude"}, ""},
+    {"Above sea", {"altitude"}, ""},
     {"Above ground", {"radio_altitude"}, ""},
     {"Heading", {"heading"}, ""},
     {"Pitch", {"pitch"}, ""},
@@ -49,19 +50,20 @@ constexpr MonitorRow leftRows[] = {
 constexpr MonitorRow rightRows[] = {
     {"Gear", {"gear"}, ""},
     {"Flaps", {"flaps"}, ""},
+    {"Brakes l/r", {"left_brake", "right_brake"}, "  "},
     {"Parking brk", {"parking_brake"}, ""},
     {"On ground", {"on_ground"}, ""},
-    {"Autopilot", {"autopilot"}, ""},
-    {"AP heading", {"ap_heading"}, ""},
-    {"AP altitude", {"ap_altitude"}, ""},
+    {"Autopilot", {"ap"}, ""},
+    {"AP heading", {"ap_heading_bug"}, ""},
+    {"AP altitude", {"ap_altitude_set"}, ""},
     {"Throttle", {"throttle1", "throttle2"}, "  "},
-    {"N1", {"n1_eng1", "n1_eng2", "n1_eng3", "n1_eng4"}, "  "},
+    {"N1", {"n1_eng1", "n1_eng2"}, "  "},
     {"Fuel", {"fuel_total"}, ""},
     {"COM", {"com1", "com2"}, "  "},
     {"NAV", {"nav1", "nav2"}, "  "},
     {"ADF", {"adf1", "adf2"}, "  "},
     {"Transponder", {"transponder"}, ""},
-    {"Pause", {"paused"}, ""},
+    {"Paused", {"paused"}, ""},
 };
 
 // A row that is shown, with its place among the items that are read.

@@ -71,6 +71,12 @@ std::string HexText(uint64_t value, int digits) {
   return "0x" + text;
 }
 
+std::string Quote(std::string_view text) {
+  std::string quoted = "\"";
+  quoted += text;
+  return quoted + "\"";
+}
+
 std::string BytesText(const uint8_t* bytes, size_t size) {
   std::string text;
   for (size_t i = 0; i < size; ++i) {

@@ -29,6 +29,8 @@ std::string WholeText(uint64_t value);
 std::string WholeText(int64_t value);
 // Upper case, padded with zeros, with 0x before it.
 std::string HexText(uint64_t value, int digits);
+// In double quotes, for messages.
+std::string Quote(std::string_view text);
 // Bytes in memory order: "53 3F".
 std::string BytesText(const uint8_t* bytes, size_t size);
 

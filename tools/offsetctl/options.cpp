@@ -24,7 +24,7 @@ constexpr CommandLine commandLines[] = {
     {"read", Command::Read, server | json, 1, anyNumber, "read ITEM... [--json]",
      "Reads all items in one request and prints a line each:\n"
      "  0x0330 = 16211 (53 3F)                    value, bytes in memory order\n"
-     "  heading = 269.978 deg, 49148 (FC BF)      value in units, stored value, bytes\n"
+     "  ias = 140.5 kt, 17984 (40 46 00 00)       value in units, stored value, bytes\n"
      "Values that need no conversion are printed once.\n"
      "--json prints one array of {name, offset, type, value, raw, unit} instead; integers of 64 bits are\n"
      "strings there.\n"},
@@ -33,8 +33,8 @@ constexpr CommandLine commandLines[] = {
      "VALUE is decimal or 0x, a fraction for f32 and f64, hex:BYTES in memory order, or text with or without\n"
      "double quotes (inside them \\\" \\\\ \\n \\xHH). A name without a type takes engineering units and "
      "rounds\n"
-     "to the nearest step (heading=270, com1=118.70, parking_brake=on); with a type the value is stored as\n"
-     "it is (heading:u16=49152). Read-only offsets and values that do not fit are refused, nothing is\n"
+     "to the nearest step (heading=270, com1=118.70, pause=on); with a type the value is stored as\n"
+     "it is (com1:u16=0x1870). Read-only offsets and values that do not fit are refused, nothing is\n"
      "written then.\n"},
     {"watch", Command::Watch, server | json | rate | seconds | count, 1, anyNumber,
      "watch ITEM... [--rate N] [--count N] [--seconds N] [--json]",

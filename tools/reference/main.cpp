@@ -185,10 +185,10 @@ std::string AccessText(const OffsetRow& row) {
 
 std::string NoteText(const OffsetRow& row) {
   std::string text = row.lossy[0] != 0 ? "Lossy: " + std::string(row.lossy) : "";
-  if (row.note[0] != 0) text += (text.empty() ? "" : ". ") + std::string(row.note);
+  if (row.note[0] != 0) text += (text.empty() ? "" : "; ") + std::string(row.note);
   const std::string target = SourceName(row.write.target);
   if (!target.empty() && target != SourceName(row.source)) {
-    text += (text.empty() ? "" : ". ") + ("Write sets `" + target + "`");
+    text += (text.empty() ? "" : "; ") + ("a write sets `" + target + "`");
   }
   return text;
 }

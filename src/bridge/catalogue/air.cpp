@@ -30,7 +30,7 @@ constexpr OffsetRow Temperature(uint32_t offset, const char* name, const char* m
 constexpr OffsetRow rows[] = {
     {.offset = 0x0330,
      .type = Stored::U16,
-     .name = "altimeter",
+     .name = "altimeter_setting",
      .meaning = "altimeter setting",
      .unit = "mb",
      .unitScale = 1.0 / 16,

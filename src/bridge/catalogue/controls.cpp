@@ -250,7 +250,8 @@ constexpr OffsetRow TrimAngle(uint32_t offset, const char* name, const char* mea
           .cycle = Cycle::C13,
           .source = FloatAt(offset),
           .factor = tenDegrees,
-          .write = {.target = FloatAt(offset), .factor = 1 / tenDegrees, .low = -1, .high = 1}};
+          .write = {.target = FloatAt(offset), .factor = 1 / tenDegrees, .low = -1, .high = 1},
+          .lossy = "held in single precision, and limited to 10 degrees either way"};
 }
 
 // One flap panel, degrees x 256.
@@ -327,15 +328,6 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C3,
      .source = FloatAt(0x0BC0),
      .convert = ElevatorTrimWord},
-    {.offset = 0x2E98,
-     .type = Stored::F64,
-     .name = "elevator_trim_indicator_angle",
-     .meaning = "elevator trim indicator, radians, positive nose up",
-     .unit = "deg",
-     .unitScale = 180 / std::numbers::pi,
-     .cycle = Cycle::C3,
-     .source = FloatAt(0x0BC0),
-     .factor = tenDegrees},
     Axis(0x0C02, "aileron_trim", "aileron trim, positive right", Cycle::C3),
     Axis(0x0C04, "rudder_trim", "rudder trim, positive right", Cycle::C3),
     TrimAngle(0x2EA0, "elevator_trim_angle", "elevator trim, radians, positive nose up"),

@@ -1,10 +1,7 @@
 // What belongs to no other subject.
-#include "bridge/catalogue/misc_actions.h"
-
-#include <numbers>
-
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/misc_actions.h"
 
 namespace {
 
@@ -29,9 +26,6 @@ void ApplyContactAtc(const OffsetRow&, const Staged& staged) {
   }
 }
 
-// Total and jettisonable load are extended offsets, for this program's own windows and clients that know it.
-constexpr Source jettison = FloatAt(0x16024);
-
 constexpr OffsetRow rows[] = {
     {.offset = 0x6F0D,
      .type = Stored::U8,
@@ -39,31 +33,6 @@ constexpr OffsetRow rows[] = {
      .meaning = "write 1 to read the custom offsets file again",
      .cycle = Cycle::C1,
      .read = ReadZero},
-    {.offset = 0x10708,
-     .type = Stored::U16,
-     .name = "engine_speed_eng",
-     .member = 1,
-     .meaning = "engine speed",
-     .unit = "rpm",
-     .cycle = Cycle::C1,
-     .source = FloatElementAt(0x10708, 0)},
-    {.offset = 0x1070A,
-     .type = Stored::U16,
-     .name = "engine_speed_eng",
-     .member = 2,
-     .meaning = "engine speed",
-     .unit = "rpm",
-     .cycle = Cycle::C1,
-     .source = FloatElementAt(0x1070A, 1)},
-
-    {.offset = 0x2E98,
-     .type = Stored::F64,
-     .name = "elevator_trim_position",
-     .meaning = "elevator trim position, radians at ten degrees a unit",
-     .unit = "rad",
-     .cycle = Cycle::C3,
-     .source = FloatAt(0x0BC2),
-     .factor = std::numbers::pi / 18},
 
     {.offset = 0x079C,
      .type = Stored::U32,
@@ -101,27 +70,27 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C313,
      .source = FloatAt(0x02C4),
      .factor = 128},
-    {.offset = 0x16020,
-     .type = Stored::F32,
-     .name = "jettison_total",
-     .meaning = "jettisonable load, total",
-     .unit = "kg",
-     .cycle = Cycle::C313,
-     .source = jettison},
-    {.offset = 0x16024,
-     .type = Stored::F32,
-     .name = "jettison",
-     .meaning = "jettisonable load",
-     .unit = "kg",
-     .cycle = Cycle::C313,
-     .source = jettison},
-
     {.offset = 0x6F16,
      .type = Stored::U8,
      .name = "contact_atc",
      .meaning = "contact traffic control (push to talk), held while not 0",
      .show = Show::Flag,
      .write = {.apply = ApplyContactAtc}},
+    {.offset = 0x0840,
+     .type = Stored::U16,
+     .name = "crashed",
+     .meaning = "1 for about five seconds after the aircraft has crashed",
+     .show = Show::Flag},
+    {.offset = 0x6F0E,
+     .type = Stored::U8,
+     .name = "custom_clear",
+     .meaning = "write 1 to drop the custom offsets and read their file again",
+     .show = Show::Flag},
+    {.offset = 0xC800,
+     .type = Stored::U16,
+     .name = "weather_selector",
+     .meaning = "1 to 4 apply the weather area 0xC800-0xC87F, once the whole request has been read",
+     .note = "set back to 0 once taken"},
     {.offset = 0x3380,
      .type = Stored::Text,
      .length = 128,

@@ -28,6 +28,9 @@ double HeadingWord(double degrees) {
   return std::fmod(std::trunc(degrees * twoTo32 / 360), twoTo32);
 }
 
+constexpr char inLocalAxes[] = "the simulator keeps places in local axes: reads back within a centimetre or so";
+constexpr char inSinglePrecision[] = "the simulator keeps attitude in single precision";
+
 // Height of the ground above the sea, metres. The first of the two rows asks the simulator, the second,
 // which follows it, stores the same height in its own unit.
 double groundMetres = 0;
@@ -67,6 +70,7 @@ constexpr OffsetRow rows[] = {
      .source = DoubleAt(0x0560),
      .convert = LatitudeWord,
      .write = {.group = ApplyPosition},
+     .lossy = inLocalAxes,
      .note = "degrees x 10001750 x 2^32 / 90; moves the aircraft, with what else of the position is written"},
     {.offset = 0x0568,
      .type = Stored::S64,
@@ -78,6 +82,7 @@ constexpr OffsetRow rows[] = {
      .source = DoubleAt(0x0568),
      .convert = LongitudeWord,
      .write = {.group = ApplyPosition},
+     .lossy = inLocalAxes,
      .note = "degrees x 2^64 / 360; +180 is stored as -180"},
     {.offset = 0x0570,
      .type = Stored::S64,
@@ -89,6 +94,7 @@ constexpr OffsetRow rows[] = {
      .source = DoubleAt(0x0570),
      .factor = twoTo32,
      .write = {.group = ApplyPosition},
+     .lossy = inLocalAxes,
      .note = "metres x 2^32; four bytes written here change the fraction of a metre only"},
     {.offset = 0x0574,
      .type = Stored::S32,
@@ -99,6 +105,7 @@ constexpr OffsetRow rows[] = {
      .source = DoubleAt(0x0570),
      .convert = WholeMetres,
      .write = {.group = ApplyPosition},
+     .lossy = inLocalAxes,
      .note = "upper half of the fine altitude; written alone it means exactly that many metres"},
     {.offset = 0x0578,
      .type = Stored::S32,
@@ -109,7 +116,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C1,
      .source = FloatAt(0x0578),
      .factor = -(twoTo32 / 360),
-     .write = {.group = ApplyAttitude}},
+     .write = {.group = ApplyAttitude},
+     .lossy = inSinglePrecision},
     {.offset = 0x2F70,
      .type = Stored::F64,
      .name = "indicator_pitch",
@@ -127,7 +135,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C1,
      .source = FloatAt(0x057C),
      .factor = -(twoTo32 / 360),
-     .write = {.group = ApplyAttitude}},
+     .write = {.group = ApplyAttitude},
+     .lossy = inSinglePrecision},
     {.offset = 0x2F78,
      .type = Stored::F64,
      .name = "indicator_bank",
@@ -145,7 +154,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C1,
      .source = FloatAt(0x0580),
      .convert = HeadingWord,
-     .write = {.group = ApplyAttitude}},
+     .write = {.group = ApplyAttitude},
+     .lossy = inSinglePrecision},
     {.offset = 0x0020,
      .type = Stored::S32,
      .name = "ground_altitude",
@@ -172,7 +182,7 @@ constexpr OffsetRow rows[] = {
      .factor = 65536},
     {.offset = 0x3324,
      .type = Stored::S32,
-     .name = "altimeter",
+     .name = "indicated_altitude",
      .meaning = "altimeter reading",
      .unit = "ft",
      .cycle = Cycle::C1,

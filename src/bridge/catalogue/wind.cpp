@@ -60,6 +60,7 @@ constexpr OffsetRow Settable(uint32_t offset, const Quantity& quantity, int laye
 constexpr OffsetRow Copy(OffsetRow row, uint32_t offset) {
   row.offset = offset;
   row.name = "";
+  row.member = 0;
   row.write = {};
   row.note = "copy";
   return row;

@@ -1,0 +1,222 @@
+#include "controls/buttons.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+
+#include "bridge/registry.h"
+#include "controls/button_settings.h"
+#include "offsets/dispatcher.h"
+#include "offsets/memory.h"
+#include "platform/clock.h"
+#include "platform/event.h"
+#include "platform/thread.h"
+#include "shell/log.h"
+
+namespace {
+
+struct Change {
+  int32_t button;
+  bool pressed;
+};
+// A ring: the frames between two wake-ups of the thread are few.
+constexpr uint32_t queueSize = 4096;
+
+Lock buttonLock;  // guards all up to the blank line
+ButtonAssignment assignments[maxButtons];
+Change queue[queueSize];
+uint32_t queueHead, queueLength;
+bool listening;  // the thread takes changes
+
+Event wakeEvent;
+Thread buttonThread;
+std::atomic<uint32_t> buttonRun;
+
+// Simulator's thread.
+int rawStates[maxButtons];    // as the simulator gave them last
+bool heldStates[maxButtons];  // whose changes have been queued
+int lastPressed = -1;
+
+// Puts a change at the queue's end; the button lock is held. Returns 0 when it is full: the change is found
+// again in the next frame.
+int Enqueue(Change change) {
+  if (!listening) return 1;
+  if (queueLength == queueSize) return 0;
+  queue[(queueHead + queueLength++) % queueSize] = change;
+  return 1;
+}
+
+int TakeChange(Change* change, ButtonAssignment* assignment) {
+  const LockScope lock(&buttonLock);
+  if (queueLength == 0) return 0;
+  *change = queue[queueHead];
+  *assignment = assignments[change->button];
+  queueHead = (queueHead + 1) % queueSize;
+  --queueLength;
+  return 1;
+}
+
+// What a change of the button does, for either direction.
+struct Action {
+  int32_t value;
+  bool set, clear, toggle;
+  bool nothing;
+  bool clearsFirst;  // the bit is cleared before the other steps
+};
+
+Action ActionOf(const ButtonAssignment& a, bool pressed) {
+  if (pressed) {
+    return {a.pressedValue,       a.setOnPress == 1,     a.clearOnPress == 1,
+            a.toggleOnPress == 1, a.nothingOnPress != 0, false};
+  }
+  // On release a 4-byte offset loses the bit first, so that toggling always leaves it set.
+  return {a.releasedValue,        a.setOnRelease == 1,     a.clearOnRelease == 1,
+          a.toggleOnRelease == 1, a.nothingOnRelease != 0, a.size == 4};
+}
+
+uint32_t ChangeBit(uint32_t current, const Action& action) {
+  const uint32_t bit = 1u << (action.value % 32);
+  if (action.clearsFirst) current &= ~bit;
+  if (action.set) current |= bit;
+  if (action.clear) current &= ~bit;
+  if (action.toggle) current ^= bit;
+  return current;
+}
+
+void Act(const ButtonAssignment& assignment, bool pressed) {
+  const Action action = ActionOf(assignment, pressed);
+  if (assignment.offset <= 0 || action.value < 0 || action.nothing) return;
+  const auto offset = static_cast<uint32_t>(assignment.offset);
+  const auto size = static_cast<uint32_t>(assignment.size);
+  auto value = static_cast<uint32_t>(action.value);
+  {
+    const LockScope lock(&offsetLock);
+    if (action.set || action.clear || action.toggle) {
+      uint32_t current = 0;
+      std::memcpy(&current, offsetMemory.bytes + offset, size);
+      value = ChangeBit(current, action);
+    }
+    uint8_t bytes[sizeof value];
+    std::memcpy(bytes, &value, sizeof value);
+    DispatchWrite(offset, size, bytes);
+    std::memcpy(offsetMemory.bytes + offset, bytes, size);
+    NoteMemoryChanged();
+  }
+  FinishRequest();
+}
+
+uint32_t ButtonProcedure(void*) {
+  while (buttonRun.load() != 0) {
+    if (!WaitEvent(&wakeEvent, -1)) {
+      LogLine("Wait error (%d)\n", errno);
+      SleepMilliseconds(100);
+    }
+    ApplyButtonChanges();
+  }
+  return 0;
+}
+
+void SetListening(bool on) {
+  const LockScope lock(&buttonLock);
+  listening = on;
+  queueHead = queueLength = 0;
+}
+
+bool IsButton(int button) { return button >= 0 && button < maxButtons; }
+
+}  // namespace
+
+int CreateButtons() {
+  if (!CreateLock(&buttonLock)) return 0;
+  if (!CreateAutoEvent(&wakeEvent)) {
+    DeleteLock(&buttonLock);
+    return 0;
+  }
+  std::fill_n(rawStates, maxButtons, 0);
+  std::fill_n(heldStates, maxButtons, false);
+  std::fill_n(assignments, maxButtons, noAssignment);
+  lastPressed = -1;
+  queueHead = queueLength = 0;
+  return 1;
+}
+
+void DeleteButtons() {
+  CloseEvent(&wakeEvent);
+  DeleteLock(&buttonLock);
+}
+
+int StartButtonThread() {
+  buttonRun = 1;
+  SetListening(true);
+  if (StartThread(&buttonThread, ButtonProcedure, nullptr)) return 1;
+  buttonRun = 0;
+  SetListening(false);
+  return 0;
+}
+
+void StopButtonThread() {
+  buttonRun = 0;
+  if (buttonThread.started.load() == 0) return;
+  SetListening(false);
+  SignalEvent(&wakeEvent);
+  SleepMilliseconds(100);
+  JoinThread(&buttonThread);
+}
+
+void LoadButtonAssignments() {
+  static ButtonAssignment loaded[maxButtons];
+  ReadButtonSettings(loaded);
+  const LockScope lock(&buttonLock);
+  std::copy_n(loaded, maxButtons, assignments);
+}
+
+int SaveButtonAssignment(int button, const ButtonAssignment& assignment) {
+  if (!IsButton(button)) return 0;
+  const int written = WriteButtonSetting(button, assignment);
+  LoadButtonAssignments();
+  return written;
+}
+
+int ClearButtonAssignment(int button) { return SaveButtonAssignment(button, {}); }
+
+ButtonAssignment AssignmentOfButton(int button) {
+  if (!IsButton(button)) return noAssignment;
+  const LockScope lock(&buttonLock);
+  return assignments[button];
+}
+
+void WatchButtons(const int* states, int count) {
+  count = std::clamp(count, 0, maxButtons);
+  // Nearly always nothing has changed since the last frame.
+  if (std::equal(states, states + count, rawStates) &&
+      std::all_of(rawStates + count, rawStates + maxButtons, [](int state) { return state == 0; })) {
+    return;
+  }
+  std::copy_n(states, count, rawStates);
+  std::fill(rawStates + count, rawStates + maxButtons, 0);
+  bool changed = false;
+  {
+    const LockScope lock(&buttonLock);
+    for (int button = 0; button < maxButtons; ++button) {
+      const bool held = rawStates[button] != 0;
+      if (held == heldStates[button]) continue;
+      if (!Enqueue({button, held})) {
+        rawStates[button] = heldStates[button] ? 1 : 0;  // differs again in the next frame
+        continue;
+      }
+      heldStates[button] = held;
+      changed = true;
+      if (held) lastPressed = button;
+    }
+  }
+  if (changed) SignalEvent(&wakeEvent);
+}
+
+int LastPressedButton() { return lastPressed; }
+
+void ApplyButtonChanges() {
+  Change change = {};
+  ButtonAssignment assignment = {};
+  while (TakeChange(&change, &assignment)) Act(assignment, change.pressed);
+}

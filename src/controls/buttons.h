@@ -1,0 +1,53 @@
+// Joystick buttons that write offsets: when the user presses or releases an assigned button, a value is
+// written, or one bit set, cleared or toggled, in an offset of 1, 2 or 4 bytes.
+//
+// The simulator's thread watches the buttons every frame and queues each change; a thread of its own carries
+// the changes out, each write going through the dispatcher like a client's. Queue and table lie under a lock
+// that is known to this room alone and is never held together with another one.
+#pragma once
+#include <cstdint>
+
+constexpr int maxButtons = 1600;
+
+// One button's assignment. Values are the number to write or, for the bit actions, the bit (modulo 32); a
+// negative one means no action. Flags act when they are 1, the `nothing` ones whenever they are not 0.
+struct ButtonAssignment {
+  int32_t offset;  // inactive unless above 0
+  int32_t size;    // 1, 2 or 4 bytes
+  int32_t pressedValue, releasedValue;
+  int32_t setOnPress, setOnRelease;
+  int32_t clearOnPress, clearOnRelease;
+  int32_t nothingOnPress, nothingOnRelease;
+  int32_t toggleOnPress, toggleOnRelease;
+};
+constexpr ButtonAssignment noAssignment = {-1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
+
+// --- Simulator's thread, no lock held -----------------------------------------------------------------
+// Makes the wake event and forgets button states and queued changes. At enable, after the program's locks.
+// Returns 1, or 0 when the system refuses.
+int CreateButtons();
+// Gives them back. At disable, after StopButtonThread.
+void DeleteButtons();
+// Returns 1, or 0 when no thread could be made.
+int StartButtonThread();
+// Ends and joins the thread; nothing happens when it was not started.
+void StopButtonThread();
+// Fills the table from the settings file, which is read once. Assignments that cannot work are left inactive,
+// with a log line each.
+void LoadButtonAssignments();
+// The settings window's save: writes the button's line and loads again. Returns 1, or 0 when the number is
+// no button or the file could not be written.
+int SaveButtonAssignment(int button, const ButtonAssignment& assignment);
+// The settings window's clear: writes a line of zeros, which marks the button as not assigned.
+int ClearButtonAssignment(int button);
+// What is in force for a button; noAssignment for a number that is none.
+ButtonAssignment AssignmentOfButton(int button);
+// Takes the states of the first `count` buttons (not 0: held down; the others count as released), queues
+// what has changed since the last call and wakes the thread. Every frame.
+void WatchButtons(const int* states, int count);
+// The button that was pressed last, -1 for none since enable.
+int LastPressedButton();
+
+// --- The button's thread ---------------------------------------------------------------------------
+// Carries out the queued changes in their order.
+void ApplyButtonChanges();
