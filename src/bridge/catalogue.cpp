@@ -1,6 +1,7 @@
 #include "bridge/catalogue.h"
 
 #include <array>
+#include <bit>
 #include <cmath>
 
 namespace {
@@ -13,20 +14,14 @@ constexpr std::array<const RowTable*, 24> tables = {
     &fuelRows,   &weightRows,   &pressurisationRows, &failureRows, &radioRows,     &navigationRows,
     &identityRows, &airRows,    &cloudRows,          &windRows,    &situationRows, &miscRows};
 
-// Truncates toward zero and saturates at the limits of T; NaN is 0.
+// Truncates toward zero and saturates at the limits of T. The value is not NaN.
 template <typename T>
 T Truncated(double value) {
   using Limits = std::numeric_limits<T>;
-  if (std::isnan(value)) return 0;
   // 2^63 and 2^64 are exact in double precision where the largest integers are not: hence >=.
   if (value >= static_cast<double>(Limits::max())) return Limits::max();
   if (value <= static_cast<double>(Limits::min())) return Limits::min();
   return static_cast<T>(value);
-}
-
-template <typename T>
-void Put(T value, uint8_t* bytes) {
-  std::memcpy(bytes, &value, sizeof value);
 }
 
 template <typename T>
@@ -60,19 +55,26 @@ uint32_t StoredWidth(const OffsetRow& row) {
   return 0;
 }
 
-void EncodeNumber(const OffsetRow& row, double value, uint8_t bytes[8]) {
-  switch (row.type) {
-    case Stored::U8: Put(Truncated<uint8_t>(Rounded(value)), bytes); break;
-    case Stored::S8: Put(Truncated<int8_t>(Rounded(value)), bytes); break;
-    case Stored::U16: Put(Truncated<uint16_t>(Rounded(value)), bytes); break;
-    case Stored::S16: Put(Truncated<int16_t>(Rounded(value)), bytes); break;
-    case Stored::U32: Put(Truncated<uint32_t>(value), bytes); break;
-    case Stored::S32: Put(Truncated<int32_t>(value), bytes); break;
-    case Stored::S64: Put(Truncated<int64_t>(value), bytes); break;
-    case Stored::F32: Put(std::isnan(value) ? 0.0F : static_cast<float>(value), bytes); break;
-    case Stored::F64: Put(std::isnan(value) ? 0.0 : value, bytes); break;
+uint64_t EncodedWord(Stored type, double value) {
+  if (value != value) value = 0;  // NaN has no stored form
+  switch (type) {
+    case Stored::U8: return Truncated<uint8_t>(Rounded(value));
+    case Stored::S8: return static_cast<uint8_t>(Truncated<int8_t>(Rounded(value)));
+    case Stored::U16: return Truncated<uint16_t>(Rounded(value));
+    case Stored::S16: return static_cast<uint16_t>(Truncated<int16_t>(Rounded(value)));
+    case Stored::U32: return Truncated<uint32_t>(value);
+    case Stored::S32: return static_cast<uint32_t>(Truncated<int32_t>(value));
+    case Stored::S64: return static_cast<uint64_t>(Truncated<int64_t>(value));
+    case Stored::F32: return std::bit_cast<uint32_t>(static_cast<float>(value));
+    case Stored::F64: return std::bit_cast<uint64_t>(value);
     case Stored::Text: break;
   }
+  return 0;
+}
+
+void EncodeNumber(const OffsetRow& row, double value, uint8_t bytes[8]) {
+  const uint64_t word = EncodedWord(row.type, value);
+  std::memcpy(bytes, &word, sizeof word);
 }
 
 double DecodeNumber(Stored type, const uint8_t* bytes) {
@@ -92,8 +94,11 @@ int64_t DecodeInteger(Stored type, const uint8_t* bytes) {
     case Stored::U32: return Get<uint32_t>(bytes);
     case Stored::S32: return Get<int32_t>(bytes);
     case Stored::S64: return Get<int64_t>(bytes);
-    case Stored::F32: return Truncated<int64_t>(static_cast<double>(Get<float>(bytes)));
-    case Stored::F64: return Truncated<int64_t>(Get<double>(bytes));
+    case Stored::F32:
+    case Stored::F64: {
+      const double number = DecodeNumber(type, bytes);
+      return std::isnan(number) ? 0 : Truncated<int64_t>(number);
+    }
     case Stored::Text: break;
   }
   return 0;

@@ -18,20 +18,26 @@ struct Item {
   Accessor accessor;
   int element;
   bool again;  // the same dataref as the item before: its value is used again
+  // Copied from the row, so that a frame walks this array alone.
+  Stored type;
   uint32_t width;
+  uint32_t offset;
+  double factor, add;
+  double (*convert)(double value);
+  int (*read)(const OffsetRow& row, double* value);
 };
 
 struct Group {
   uint32_t first, count;  // items
   uint32_t generation;    // of the memory when the group was last stored
   bool stored;            // `last` holds what the memory got
-  uint8_t last[groupRows][8];
+  uint64_t last[groupRows];
 };
 
 // What one run of a group has gathered before it takes the lock.
 struct Gathered {
-  uint8_t bytes[groupRows][8];
-  bool store[groupRows];
+  uint64_t words[groupRows];
+  uint32_t left;  // bit i: row i is left as it is
 };
 
 std::vector<Item> items;
@@ -43,7 +49,8 @@ bool SameSource(const Source& a, const Source& b) {
 }
 
 Item MakeItem(const OffsetRow& row, const OffsetRow* before) {
-  Item item = {&row, nullptr, Accessor::None, 0, false, StoredWidth(row)};
+  Item item = {&row,       nullptr, Accessor::None, 0,           false,   row.type, StoredWidth(row),
+               row.offset, row.factor, row.add,     row.convert, row.read};
   if (row.read != nullptr || row.readText != nullptr || row.source.block == Block::None) return item;
   const bool primary = row.source.block == Block::Primary;
   item.handle = (primary ? DataRefMemBlock : AuxDataRefMemBlock) + row.source.index;
@@ -78,10 +85,6 @@ void AddSubject(const RowTable& table, Cycle cycle) {
   }
 }
 
-double Convert(const OffsetRow& row, double value) {
-  return row.convert != nullptr ? row.convert(value) : value * row.factor + row.add;
-}
-
 void RunText(const Item& item) {
   std::memset(textBytes, 0, sizeof textBytes);
   if (item.row->readText == nullptr || item.row->readText(*item.row, textBytes) == 0) return;
@@ -97,33 +100,42 @@ void RunText(const Item& item) {
 // Reads and converts with no lock held. Returns true when something differs from what was stored last.
 bool Gather(const Group& group, Gathered* gathered) {
   double value = 0;
-  bool changed = !group.stored;
-  for (uint32_t i = 0; i < group.count; i++) {
-    const Item& item = items[group.first + i];
+  uint64_t differing = group.stored ? 0 : 1;
+  const Item* item = items.data() + group.first;
+  for (uint32_t i = 0; i < group.count; i++, item++) {
     double converted = 0;
-    gathered->store[i] = true;
-    if (item.row->read != nullptr) {
-      gathered->store[i] = item.row->read(*item.row, &converted) != 0;
+    if (item->read != nullptr) {
+      if (item->read(*item->row, &converted) == 0) {
+        gathered->left |= 1U << i;
+        continue;
+      }
     } else {
-      if (!item.again) value = ReadNumber(*item.handle, item.accessor, item.element);
-      converted = Convert(*item.row, value);
+      if (!item->again) value = ReadNumber(*item->handle, item->accessor, item->element);
+      converted = item->convert != nullptr ? item->convert(value) : value * item->factor + item->add;
     }
-    if (!gathered->store[i]) {
-      std::memcpy(gathered->bytes[i], group.last[i], sizeof group.last[i]);
-      continue;
-    }
-    EncodeNumber(*item.row, converted, gathered->bytes[i]);
-    changed = changed || std::memcmp(gathered->bytes[i], group.last[i], item.width) != 0;
+    gathered->words[i] = EncodedWord(item->type, converted);
+    differing |= gathered->words[i] ^ group.last[i];
   }
-  return changed;
+  return differing != 0;
+}
+
+void StoreWord(uint32_t offset, uint32_t width, uint64_t word) {
+  uint8_t* place = offsetMemory.bytes + offset;
+  switch (width) {
+    case 1: std::memcpy(place, &word, 1); break;
+    case 2: std::memcpy(place, &word, 2); break;
+    case 4: std::memcpy(place, &word, 4); break;
+    default: std::memcpy(place, &word, 8); break;
+  }
 }
 
 void RunGroup(Group& group) {
-  if (items[group.first].row->type == Stored::Text) {
+  if (items[group.first].type == Stored::Text) {
     RunText(items[group.first]);
     return;
   }
-  Gathered gathered = {};
+  Gathered gathered;
+  gathered.left = 0;
   const bool changed = Gather(group, &gathered);
   // Nobody but us has touched the memory since these very bytes were stored: they are there.
   if (!changed && group.generation == memoryGeneration.load(std::memory_order_relaxed)) {
@@ -134,17 +146,15 @@ void RunGroup(Group& group) {
     refreshCounters.dropped++;
     return;
   }
-  bool all = true;
-  for (uint32_t i = 0; i < group.count; i++) {
-    const Item& item = items[group.first + i];
-    all = all && gathered.store[i];
-    if (!gathered.store[i]) continue;
-    std::memcpy(offsetMemory.bytes + item.row->offset, gathered.bytes[i], item.width);
-    std::memcpy(group.last[i], gathered.bytes[i], sizeof group.last[i]);
+  const Item* item = items.data() + group.first;
+  for (uint32_t i = 0; i < group.count; i++, item++) {
+    if ((gathered.left >> i & 1) != 0) continue;
+    StoreWord(item->offset, item->width, gathered.words[i]);
+    group.last[i] = gathered.words[i];
   }
   group.generation = memoryGeneration.load(std::memory_order_relaxed);
   LeaveLock(&offsetLock);
-  group.stored = all;
+  group.stored = true;
   refreshCounters.stored++;
 }
 

@@ -20,9 +20,10 @@ int WithinMemory(const RecordHeader& record) {
   return record.offset <= offsetMemorySize && record.size <= offsetMemorySize - record.offset;
 }
 
-void TraceServed(int isWrite, uint32_t request, const RecordHeader& record, const uint8_t* bytes) {
+void TraceServed(int isWrite, uint32_t request, const RecordHeader& record, const uint8_t* bytes,
+                 PathSource source) {
   LockScope lock(&traceLock);
-  TraceRecord(isWrite, request, record.offset, record.size, bytes);
+  TraceRecord(isWrite, request, record.offset, record.size, bytes, source == PathSource::Network ? '*' : ' ');
 }
 
 void ServeRead(const RecordHeader& record, uint8_t* answer, PathSource source, uint32_t request,
@@ -36,10 +37,11 @@ void ServeRead(const RecordHeader& record, uint8_t* answer, PathSource source, u
     std::memcpy(answer, offsetMemory.bytes + record.offset, record.size);
     if (traced) std::memcpy(scratch->bytes, offsetMemory.bytes + record.offset, record.size);
   }
-  if (traced) TraceServed(0, request, record, scratch->bytes);
+  if (traced) TraceServed(0, request, record, scratch->bytes, source);
 }
 
-void ServeWrite(const RecordHeader& record, const uint8_t* data, uint32_t request, RequestScratch* scratch) {
+void ServeWrite(const RecordHeader& record, const uint8_t* data, PathSource source, uint32_t request,
+                RequestScratch* scratch) {
   if (record.size == 0) return;
   std::memcpy(scratch->bytes, data, record.size);
   {
@@ -49,12 +51,15 @@ void ServeWrite(const RecordHeader& record, const uint8_t* data, uint32_t reques
     std::memcpy(offsetMemory.bytes + record.offset, scratch->bytes, record.size);
     NoteMemoryChanged();
   }
-  if (writeTrace.load(std::memory_order_relaxed) != 0) TraceServed(1, request, record, scratch->bytes);
+  if (writeTrace.load(std::memory_order_relaxed) != 0) {
+    TraceServed(1, request, record, scratch->bytes, source);
+  }
 }
 
-// What an unknown record leaves: a line in the trace log, whatever the switches say, and its type zeroed.
-void RefuseUnknown(uint8_t* record) {
-  {
+// What an unknown record leaves: its type zeroed and, for a local client, a line in the trace log whatever the
+// switches say.
+void RefuseUnknown(uint8_t* record, PathSource source) {
+  if (source == PathSource::Local) {
     LockScope lock(&traceLock);
     TraceLine(" %07.2f default, headesize=%zi void*=%zi\n", static_cast<double>(PublishedRunningTime()),
               static_cast<ptrdiff_t>(readHeaderSize), static_cast<ptrdiff_t>(sizeof(void*)));
@@ -64,14 +69,18 @@ void RefuseUnknown(uint8_t* record) {
   std::memcpy(record, &none, sizeof none);
 }
 
-int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch) {
-  size_t at = 0;
+int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
+                size_t* position) {
+  size_t& at = *position;
   for (;;) {
     if (size - at < sizeof(uint32_t)) return 0;  // no end before the block's end
     const uint32_t type = FetchWord(block + at);
-    if (type == recordEnd) return 1;
+    if (type == recordEnd) {
+      at += sizeof type;
+      return 1;
+    }
     if (type != recordRead && type != recordWrite) {
-      RefuseUnknown(block + at);
+      RefuseUnknown(block + at, source);
       return 0;
     }
     const uint32_t headerSize = type == recordRead ? readHeaderSize : writeHeaderSize;
@@ -81,9 +90,8 @@ int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request
     uint8_t* data = block + at + headerSize;
     if (type == recordRead) {
       ServeRead(record, data, source, request, scratch);
-    } else if (record.offset == offsetMemorySize ||
-               VariablesAccessMemBlock[record.offset] != accessReadOnly) {
-      ServeWrite(record, data, request, scratch);
+    } else if (record.offset == offsetMemorySize || VariablesAccessMemBlock[record.offset] != accessReadOnly) {
+      ServeWrite(record, data, source, request, scratch);
     }
     at += headerSize + record.size;
   }
@@ -96,8 +104,11 @@ uint32_t CountRequest() {
   return ++requestCounters.requests;
 }
 
-int ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch) {
-  const int result = WalkRecords(block, size, source, request, scratch);
+int ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
+                 size_t* consumed) {
+  size_t position = 0;
+  const int result = WalkRecords(block, size, source, request, scratch, &position);
+  if (consumed != nullptr) *consumed = position;
   FinishRequest();
   if (readTrace.load(std::memory_order_relaxed) != 0 || writeTrace.load(std::memory_order_relaxed) != 0) {
     LockScope lock(&traceLock);

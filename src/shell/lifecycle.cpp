@@ -16,6 +16,7 @@
 #include "bridge/reader_groups.h"
 #include "bridge/registry.h"
 #include "bridge/slew.h"
+#include "bridge/stations.h"
 #include "controls/buttons.h"
 #include "custom/custom.h"
 #include "offsets/dispatcher.h"
@@ -100,6 +101,7 @@ float DeferredStart(float, float, int, void*) {
 void EnableServerMode() {
   LogLine("TAVRIX->TAVRIX2TAVRIX mode not active, init flightloops\n");
   ForgetStoredValues();
+  ForgetStations();
   anythingPending = 1;  // flags that were raised while nobody applied them
   navigationPending = 1;
   aircraftChanged = 1;
@@ -113,7 +115,6 @@ void ReleaseHeld() {
   ClearSlew();
   ReleaseOverrides();
   ReleaseStarters();
-  ReleaseThrottleOverrides();
   ReleaseContactAtc();
 }
 
@@ -204,6 +205,7 @@ void DisablePlugin() {
   DeleteLocks();
   LogLine("TAVRIX->Purging TAVRIXOffsets.cfg\n");
   ReleaseIxegThrottleOverride();
+  ResetAdapters();
   LogStamped("TAVRIX deinit OK!");
   LogStamped("TAVRIX Disable !");
   readTrace = 0;

@@ -185,12 +185,13 @@ char* TimeStamp(char* buffer) {
   return buffer;
 }
 
-void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes) {
+void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes,
+                 char mark) {
   const std::atomic<uint32_t>& traced = isWrite ? writeTrace : readTrace;
   if (!traced.load(std::memory_order_relaxed)) return;
-  TraceLine(
-      " %07.2f Req: %06i %s Offset: %04X Bytes: %03i value: ", static_cast<double>(PublishedRunningTime()),
-      static_cast<int>(request), isWrite ? "WRITE" : "READ ", offset, static_cast<int>(size));
+  TraceLine("%c%07.2f Req: %06i %s Offset: %04X Bytes: %03i value: ", mark,
+            static_cast<double>(PublishedRunningTime()), static_cast<int>(request), isWrite ? "WRITE" : "READ ",
+            offset, static_cast<int>(size));
   constexpr char digits[] = "0123456789ABCDEF";
   char line[bytesPerLine * 3 + 1];
   size_t length = 0;

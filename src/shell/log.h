@@ -53,8 +53,10 @@ char* TimeStamp(char* buffer);
 
 // Trace of one record that was served: header line with the published simulator time, then the bytes
 // (size of them, already copied under the offset lock), 16 a line. Nothing while the switch of its kind is
-// off. The caller holds the trace lock.
-void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes);
+// off. The header line begins with `mark`: a blank for local clients, '*' for those on the network. The caller
+// holds the trace lock.
+void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes,
+                 char mark = ' ');
 // Switches read (isWrite 0) or write tracing; when both were off the trace log is reopened for appending,
 // so that a user may have moved or deleted the file.
 // Writes "Start Readlogging %f sec\n" and its kin. Takes the trace lock. Simulator's thread.

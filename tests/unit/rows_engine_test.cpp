@@ -289,8 +289,9 @@ TEST_F(EngineRows, ExtendedB738MovesItsLeversOnlyWhenTheyStandElsewhere) {
   b738LeverCommands[1] = {};
   Write(0x0928, Stored::U16, 0);
   EXPECT_EQ(Get(ratio), 0) << "no command known: the ratio itself";
-  b738LeverCommands[1] = {XPLMFindCommand("laminar/B738/engine/mixture2_idle"),
-                          XPLMFindCommand("laminar/B738/engine/mixture2_cutoff")};
+  sim::SimCommand("command lever/idle");
+  sim::SimCommand("command lever/cutoff");
+  b738LeverCommands[1] = {XPLMFindCommand("lever/idle"), XPLMFindCommand("lever/cutoff")};
   struct Case {
     double stands;
     int value;
@@ -298,9 +299,9 @@ TEST_F(EngineRows, ExtendedB738MovesItsLeversOnlyWhenTheyStandElsewhere) {
   };
   const Case cases[] = {
       {1, 8192, ""},
-      {1, 8191, "begin laminar/B738/engine/mixture2_cutoff; end laminar/B738/engine/mixture2_cutoff"},
+      {1, 8191, "begin lever/cutoff; end lever/cutoff"},
       {0, 100, ""},
-      {0, 8192, "begin laminar/B738/engine/mixture2_idle; end laminar/B738/engine/mixture2_idle"},
+      {0, 8192, "begin lever/idle; end lever/idle"},
   };
   for (const Case& c : cases) {
     Set(ratio, c.stands);

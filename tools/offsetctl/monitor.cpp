@@ -2,9 +2,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 
 #include "commands.h"
 #include "console.h"
+#include "encode.h"
 #include "item.h"
 #include "names.h"
 #include "numbers.h"
@@ -87,17 +89,18 @@ std::vector<ShownRow> Choose(const MonitorRow* rows, size_t count, std::vector<I
   return shown;
 }
 
-// Two digits for the parts of a time of day.
+// Two decimals are enough here, five for a position; the parts of a time of day have two digits.
 std::string Cell(const Item& item, const MonitorRow& row) {
   std::string text = EngineeringText(item);
   if (row.between[0] == ':' && text.size() == 1) text = "0" + text;
-  const size_t point = text.find('.');
-  // A step finer than a thousandth is noise here, but for the position.
-  const size_t kept = item.size == 8 ? 6 : 3;
-  if (point != std::string::npos && item.type != ValueType::Text && text.size() > point + kept) {
-    text.resize(point + kept);
+  double value = 0;
+  if (item.row->show != Form::Number || text.find('.') == std::string::npos ||
+      !EngineeringNumber(item, &value)) {
+    return text;
   }
-  return text;
+  const bool isPlace = item.size == 8 && std::strcmp(item.row->unit, "deg") == 0;
+  text = FixedText(value, isPlace ? 5 : 2);
+  return text.find_first_not_of("-0.") == std::string::npos && text[0] == '-' ? text.substr(1) : text;
 }
 
 std::string Column(const std::vector<ShownRow>& rows, size_t index, const std::vector<Item>& items) {
@@ -110,7 +113,7 @@ std::string Column(const std::vector<ShownRow>& rows, size_t index, const std::v
     line += Cell(items[shown.first + i], *shown.row);
   }
   const Item& last = items[shown.first + shown.count - 1];
-  if (shown.row->between[0] != ':' && last.row != nullptr && last.row->unit[0] != 0) {
+  if (shown.row->between[0] != ':' && last.row->unit[0] != 0) {
     line += std::string(" ") + last.row->unit;
   }
   line.resize(columnWidth, ' ');

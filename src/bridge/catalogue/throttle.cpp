@@ -326,5 +326,3 @@ const RowTable throttleRows = {"Throttle, mixture, starter", rows};
 void ReleaseStarters() {
   for (int engine = 0; engine < engineCount; engine++) LetStarterGo(engine);
 }
-
-void ReleaseThrottleOverrides() { ReleaseIxegThrottleOverride(); }

@@ -11,6 +11,3 @@ extern LeverCommands b738LeverCommands[2];
 
 // Releases every starter button that a magneto write holds down. At disable; harmless when none is held.
 void ReleaseStarters();
-// Gives the aircraft back the throttles that a throttle write took over. At disable, before the adapters are
-// reset.
-void ReleaseThrottleOverrides();

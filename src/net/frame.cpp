@@ -1,0 +1,42 @@
+#include "net/frame.h"
+
+#include <cstring>
+
+namespace {
+
+uint16_t Fetch(const uint8_t* from) {
+  uint16_t word;
+  std::memcpy(&word, from, sizeof word);
+  return word;
+}
+
+void Put(uint8_t* to, size_t value) {
+  const auto word = static_cast<uint16_t>(value);
+  std::memcpy(to, &word, sizeof word);
+}
+
+}  // namespace
+
+int ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame) {
+  if (at > size || size - at < frameOverhead) return 0;
+  uint8_t* start = buffer + at;
+  *frame = {start[0], Fetch(start + 2), Fetch(start + 4), start + frameHeaderSize};
+  if (frame->type != frameRequestList && frame->type != frameSubscription) return 0;
+  if (frame->length > size - at - frameOverhead) return 0;
+  const uint16_t endMarker = frame->type == frameRequestList ? endRequestList : endSubscription;
+  return Fetch(frame->payload + frame->length) == frame->length &&
+                 Fetch(frame->payload + frame->length + 2) == endMarker
+             ? 1
+             : 0;
+}
+
+size_t FinishFrame(uint8_t* frame, uint8_t type, size_t payloadSize, uint16_t endMarker) {
+  frame[0] = type;
+  frame[1] = 0;
+  Put(frame + 2, payloadSize);
+  Put(frame + 4, 0);
+  uint8_t* end = frame + frameHeaderSize + payloadSize;
+  Put(end, payloadSize);
+  Put(end + 2, endMarker);
+  return payloadSize + frameOverhead;
+}

@@ -1,0 +1,88 @@
+// IPv4 sockets behind plain functions, and the one way to end another thread's wait on a socket.
+//
+// A socket has one owner, the thread that opened it or took it over; only the owner uses and closes it.
+// Another thread that wants the owner to stop waiting signals the owner's SocketWaker, never the socket:
+// a handle closed under a waiting thread may already name another socket when the thread looks again.
+// OpenSocketLibrary is called once before everything else and CloseSocketLibrary once after it, both on the
+// simulator's thread; all other functions are for any thread.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+struct Socket {
+  intptr_t handle = -1;   // -1: no socket
+  void* event = nullptr;  // Windows: signalled when something can be received or accepted
+};
+
+struct SocketAddress {
+  uint32_t ip;  // 127.0.0.1 is 0x7F000001
+  uint16_t port;
+};
+
+// Wakes the thread that waits with it: once woken, every wait ends at once until the waker is made anew.
+struct SocketWaker {
+  intptr_t handle = -1;
+};
+
+enum class Transport { Stream, Datagram };
+
+// What a failed call was about, for the line that tells the user what to do.
+enum class SocketFault { PortTaken, AddressNotHere, Other };
+
+// Starts the system's socket library. Returns 1 or 0.
+int OpenSocketLibrary();
+void CloseSocketLibrary();
+
+// Returns 1, or 0 when the system refuses. Made before the waiting thread starts, closed after its join.
+int CreateWaker(SocketWaker* waker);
+void CloseWaker(SocketWaker* waker);
+// Any thread, while the waker exists.
+void WakeSocket(SocketWaker* waker);
+// Waits for the wake-up alone: 1 woken, 0 timed out.
+int WaitWaker(SocketWaker* waker, int timeoutMs);
+
+// Returns 1, or 0 and the record is without socket.
+int OpenSocket(Socket* socket, Transport transport);
+// Nothing happens without socket.
+void CloseSocket(Socket* socket);
+// Binds to an address of this computer (ip 0: all of them). A stream port whose old connections are still
+// closing can be bound. Returns 1 or 0.
+int BindSocket(Socket* socket, const SocketAddress& address);
+// Opens a datagram socket that receives what is sent to the address, broadcasts of its network included.
+// Returns 1, or 0 (no socket left) when the address is not this computer's or the port is taken.
+int OpenBroadcastReceiver(Socket* socket, const SocketAddress& address);
+// Returns 1 or 0.
+int ListenSocket(Socket* socket, int backlog);
+// Waits for a connection. Returns 1 with the accepted socket and its peer, 0 woken, -1 failed; connections
+// that are gone before they are accepted are passed over.
+int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketAddress* peer);
+
+constexpr int receiveFailed = -1;
+constexpr int receiveWoken = -2;
+constexpr int receiveTimedOut = -3;
+// Waits for data and takes at most `size` bytes (at most 65,535) of it: a part of the stream, or one
+// datagram. Returns the number of bytes (0: the peer has closed the stream, or an empty datagram) or one of
+// the values above. timeoutMs < 0 waits without limit.
+int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size);
+// Sends all of it, or as much as the connection takes without waiting. Returns 1 when all has gone, else 0.
+int SendStream(Socket* socket, const void* data, size_t size);
+// Sends one datagram, the rest again when the system took a part only. Returns 1, or 0 when a call failed.
+int SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddress& to);
+void ShutdownReceive(Socket* socket);
+void ShutdownSend(Socket* socket);
+
+// Options. Each returns 1 or 0.
+int AllowBroadcast(Socket* socket);
+// Multicast datagrams leave through the interface with this address and do not come back to this computer.
+int SetMulticastInterface(Socket* socket, uint32_t ip);
+// A peer that vanished without closing makes the receive fail within 30 s: first probe after 10 s of
+// silence, then one every 5 s (closer where the system fixes the number of probes at ten).
+int SetKeepAlive(Socket* socket);
+
+// Name of a peer by reverse lookup (may take seconds), cut to size - 1. Returns 1, or 0 when it has none.
+int LookUpPeerName(const SocketAddress& peer, char* name, size_t size);
+// About the calling thread's last failed call: the system's number, its text, and what to tell the user.
+int SocketErrorNumber();
+std::string SocketErrorText(int number);
+SocketFault ClassifySocketError(int number);

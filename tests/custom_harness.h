@@ -1,0 +1,82 @@
+// Harness for tests of the custom offsets: the stand-in simulator without a plug-in, logs and the offsets file
+// in a folder of the test's own, and the program's registry and cycles filled as at start.
+#pragma once
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "custom/custom.h"
+#include "row_harness.h"
+#include "shell/log.h"
+
+namespace custom {
+
+inline std::string Folder() { return testing::TempDir() + "tavrix_custom/Resources/plugins/TAVRIX/"; }
+
+inline std::string ReadText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void WriteFile(const std::string& text) {
+  std::ofstream(Folder() + "TAVRIXOffsets.cfg", std::ios::binary) << text;
+}
+
+inline std::string Log() { return ReadText(Folder() + "TAVRIX.txt"); }
+
+// Writes the file and loads it; the log begins anew.
+inline void Load(const std::string& text) {
+  WriteFile(text);
+  OpenLogs(Folder().c_str(), nullptr);
+  LoadCustomOffsets();
+}
+
+inline void Start() {
+  std::filesystem::remove_all(testing::TempDir() + "tavrix_custom");
+  std::filesystem::create_directories(Folder());
+  sim::Options options;
+  options.root = testing::TempDir() + "tavrix_custom";
+  options.rate = 0;
+  options.circuit = false;
+  ASSERT_EQ(sim::SimStart(options), 0);
+  ASSERT_EQ(CreateLocks(), 1);
+  InitMemoryBlocks();
+  LookUpDataRefs();
+  LookUpCommands();
+  BuildCycles();
+  OpenLogs(Folder().c_str(), nullptr);
+  sim::SimCommand("calls");
+  sim::SimCommand("writes");
+}
+
+inline void Stop() {
+  ClearCustomOffsets();
+  CloseLogs();
+  rows::Stop();
+}
+
+// The write cycle of one frame.
+inline void WriteFrame() { WriteCycle(0, 0, 0, nullptr); }
+
+// Datarefs set since the last call, as the console lists them.
+inline std::string Writes() {
+  const std::string answer = sim::SimCommand("writes");
+  return answer.size() > 3 ? answer.substr(3) : "";
+}
+
+// The text of each fenced block of that kind in a document.
+inline std::vector<std::string> Blocks(const std::string& document, const std::string& kind) {
+  const std::string text = ReadText(std::string(TAVRIX_SOURCE_DIR) + "/docs/" + document);
+  std::vector<std::string> blocks;
+  const std::string fence = "```" + kind + "\n";
+  for (size_t at = text.find(fence); at != std::string::npos; at = text.find(fence, at)) {
+    at += fence.size();
+    blocks.push_back(text.substr(at, text.find("```", at) - at));
+  }
+  return blocks;
+}
+
+}  // namespace custom

@@ -1,0 +1,236 @@
+// Expressions: every operator and quirk, and the compiled way against the plain one.
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <sstream>
+
+#include "custom/custom_parser.h"
+#include "custom/custom_values.h"
+#include "custom/expression.h"
+#include "custom_harness.h"
+
+namespace {
+
+const std::vector<CustomDatarefEntry> aliases = {{"alt", "", nullptr, 1000, datarefInt},
+                                                 {"bad", "", nullptr, 0, datarefNone},
+                                                 {"n1", "", nullptr, -7, datarefInt}};
+
+// In these tests a dataref's value is its index; "bad" is not a number.
+double ReadIndex(const CustomDatarefEntry& dataref) {
+  return dataref.kind == datarefNone ? std::numeric_limits<double>::quiet_NaN() : dataref.index;
+}
+
+struct Results {
+  double plain, compiled;
+};
+
+Results Evaluate(const std::vector<std::string_view>& tokens, size_t first, double input) {
+  const auto from = static_cast<int32_t>(first), count = static_cast<int32_t>(tokens.size());
+  std::vector<Operation> operations;
+  CompileExpression(tokens.data(), from, count, aliases, &operations);
+  return {EvaluateTokens(tokens.data(), from, count, input, aliases, ReadIndex),
+          RunExpression(operations.data(), static_cast<uint32_t>(operations.size()), input, ReadIndex)};
+}
+
+std::vector<std::string> Split(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
+Results Evaluate(const std::string& text, double input = 0, size_t first = 0) {
+  const std::vector<std::string> words = Split(text);
+  return Evaluate(std::vector<std::string_view>(words.begin(), words.end()), first, input);
+}
+
+bool Same(double a, double b) {
+  return (std::isnan(a) && std::isnan(b)) || std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b);
+}
+
+TEST(CustomExpression, OperatorsAndQuirks) {
+  struct Case {
+    const char* tokens;
+    double expected;
+    double input = 0;
+  };
+  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+  const Case cases[] = {{"$alt 3.5 *", 3500},
+                        {"7 3 -", 4},
+                        {"7 2 %", 1},
+                        {"-7 2 %", -1},
+                        {"7.9 -2.5 %", 1},
+                        {"7 0.5 %", 0},
+                        {"7.9 2.5 \\", 3.5},
+                        {"1 0.9 \\", inf},
+                        {"1 0 /", inf},
+                        {"0 0 /", nan},
+                        {"2 10 ^", 1024},
+                        {"2 -1 ^", 0.5},
+                        {"6.9 3.9 &", 2},
+                        {"-1 255.5 &", 255},
+                        {"6 3 |", 7},
+                        {"-8.5 1 |", -7},
+                        {"1e300 1 &", 1},
+                        {"$bad 1 |", 1},
+                        {"3 3 ==", 1},
+                        {"3 3 !=", 0},
+                        {"3 2 >", 1},
+                        {"2 2 >", 0},
+                        {"2 2 >=", 1},
+                        {"1 2 >=", 0},
+                        {"1 2 <", 1},
+                        {"2 2 <=", 1},
+                        {"$bad 1 ==", 0},
+                        {"$bad 1 !=", 1},
+                        {"$bad 1 >", 0},
+                        {"$bad 1 >=", 0},
+                        {"$bad 1 <", 0},
+                        {"1 $bad <=", 0},
+                        {"$bad $bad !=", 1},
+                        // c a b ?: the chosen value below, a above it
+                        {"0 10 20 ? -", 0},
+                        {"1 10 20 ? -", 10},
+                        {"$bad 10 20 ? -", 10},
+                        {"1 10 20 ?", 88},
+                        {"10 20 ?", 222},
+                        {"-3 abs", 3},
+                        {"2.5 round", 3},
+                        {"-2.5 round", -3},
+                        {"2.4 round", 2},
+                        {"1e12 round", 2147483647},
+                        {"-1e12 round", -2147483648.0},
+                        {"$bad round", 0},
+                        {"@ 2 *", 42, 21},
+                        {"PI", 3.141592653589793},
+                        {"", 88},
+                        {"1 2", 88},
+                        {"+", 222},
+                        {"1 +", 222},
+                        {"abs", 222},
+                        {"$none", 111},
+                        {"+ $none", 222},
+                        {"$none +", 111},
+                        {">x 1", 88},
+                        {"1 >x 2 +", 1},
+                        {"1 2 >x +", 88},
+                        // numbers, and what is none
+                        {"+.5", 0.5},
+                        {"-1.25e2", -125},
+                        {"12abc", 12},
+                        {"1e", 1},
+                        {"0x10", 0},
+                        {"abc", 0},
+                        {"nan", 0},
+                        {"inf", 0},
+                        {"-", 222},
+                        {".", 0},
+                        {"1e999", inf},
+                        {"-1e999", -inf},
+                        {"1e-999", 0},
+                        {"3,5", 3},
+                        {"$", 0},
+                        {"ABS", 0},
+                        {"2 1 >", 1},
+                        {"--5", 0},
+                        {"+-5", 0}};
+  for (const Case& c : cases) {
+    const Results results = Evaluate(c.tokens, c.input);
+    EXPECT_TRUE(Same(results.plain, c.expected)) << c.tokens << " gives " << results.plain;
+    EXPECT_TRUE(Same(results.compiled, results.plain)) << c.tokens << " compiled gives " << results.compiled;
+  }
+  EXPECT_EQ(Evaluate("$alt >n1 @ 2 *", 5, 2).compiled, 10);
+  EXPECT_EQ(Evaluate("1 2 3", 0, 3).plain, 88) << "first not below count";
+}
+
+TEST(CustomExpression, StackHolds256Values) {
+  std::vector<std::string_view> tokens(256, "1");
+  tokens.resize(256 + 255, "+");
+  EXPECT_EQ(Evaluate(tokens, 0, 0).compiled, 256);
+  tokens.insert(tokens.begin(), "1");
+  tokens.push_back("$none");
+  EXPECT_EQ(Evaluate(tokens, 0, 0).plain, 99);
+  EXPECT_EQ(Evaluate(tokens, 0, 0).compiled, 99);
+}
+
+// Mostly sound expressions: what is not an operator is drawn more often while few values are there.
+TEST(CustomExpression, CompiledEqualsPlain) {
+  constexpr std::string_view values[] = {"$alt", "$n1",   "$bad",  "@",   "PI",   "0",
+                                         "2",    "-3.75", "1e300", "0.5", "9e18", "x"};
+  constexpr std::string_view operators[] = {"+",  "-",  "*", "/",  "\\", "^",  "&", "|",   "%",
+                                            "==", "!=", ">", ">=", "<",  "<=", "?", "abs", "round"};
+  constexpr std::string_view rare[] = {">alt", "$none", ">none", "$", "+"};
+  std::mt19937 random(20260);
+  const auto draw = [&random](const auto& list) { return list[random() % std::size(list)]; };
+  int sound = 0;
+  for (int round = 0; round < 20000; ++round) {
+    std::vector<std::string_view> tokens;
+    const size_t length = random() % 14;
+    size_t depth = 0;
+    while (tokens.size() < length) {
+      const bool push = depth < 1 + random() % 3;
+      tokens.push_back(random() % 60 == 0 ? draw(rare) : push ? draw(values) : draw(operators));
+      depth = push ? depth + 1 : depth > 1 ? depth - 1 : depth;
+    }
+    const size_t first = random() % 8 == 0 && length > 0 ? random() % length : 0;
+    const Results results = Evaluate(tokens, first, -2.5);
+    sound += results.plain != 88 && results.plain != 111 && results.plain != 222;
+    if (Same(results.plain, results.compiled)) continue;
+    std::string text;
+    for (const std::string_view token : tokens) text += std::string(token) + " ";
+    FAIL() << text << "from " << first << ": " << results.plain << " and " << results.compiled;
+  }
+  EXPECT_GT(sound, 4000);
+}
+
+TEST(CustomExpression, DocumentedResults) {
+  int lines = 0;
+  for (const std::string& block : custom::Blocks("custom-offsets.md", "results")) {
+    std::istringstream stream(block);
+    for (std::string line; std::getline(stream, line); ++lines) {
+      const size_t arrow = line.find("->"), input = line.find("@=");
+      ASSERT_NE(arrow, std::string::npos) << line;
+      double expected = 0, written = 0;
+      ParseCustomNumber(Split(line.substr(arrow + 2)).at(0), &expected);
+      if (input != std::string::npos) ParseCustomNumber(Split(line.substr(input + 2)).at(0), &written);
+      EXPECT_DOUBLE_EQ(Evaluate(line.substr(0, arrow), written).compiled, expected) << line;
+    }
+  }
+  EXPECT_GE(lines, 10);
+}
+
+TEST(CustomValues, ConvertBothWays) {
+  struct Case {
+    CustomType type;
+    double value;
+    uint64_t bytes;  // low byte first
+    double readBack;
+  };
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const Case cases[] = {{CustomType::U8, 300.9, 44, 44},
+                        {CustomType::U8, -1.5, 0xFF, 255},
+                        {CustomType::S8, 200, 200, -56},
+                        {CustomType::U16, 65536 + 7, 7, 7},
+                        {CustomType::S16, -2.9, 0xFFFE, -2},
+                        {CustomType::U32, -1, 0xFFFFFFFF, 4294967295.0},
+                        {CustomType::S32, 4294967295.0, 0xFFFFFFFF, -1},
+                        {CustomType::S32, nan, 0, 0},
+                        {CustomType::U64, 1e19, 10000000000000000000u, 1e19},
+                        {CustomType::U64, 1e30, ~uint64_t{0}, 18446744073709551616.0},
+                        {CustomType::S64, -1e30, uint64_t{1} << 63, -9223372036854775808.0},
+                        {CustomType::S64, nan, 0, 0},
+                        {CustomType::U16, 1e30, 0xFFFF, 65535},
+                        {CustomType::F32, 0.1, 0x3DCCCCCD, double{0.1F}},
+                        {CustomType::F64, -2, 0xC000000000000000, -2}};
+  for (const Case& c : cases) {
+    uint8_t bytes[8] = {};
+    EncodeCustomValue(c.type, c.value, bytes);
+    const double readBack = DecodeCustomValue(c.type, bytes);
+    EXPECT_EQ(readBack, c.readBack) << c.value;
+    uint64_t kept = 0;
+    constexpr size_t sizes[] = {1, 1, 2, 2, 4, 4, 8, 8, 4, 8};
+    std::memcpy(&kept, bytes, sizes[static_cast<size_t>(c.type)]);
+    EXPECT_EQ(kept, c.bytes) << c.value;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,251 @@
+// The offsets file: grammar, limits, tables, loading with its log lines, and the check for authors.
+#include <algorithm>
+
+#include "custom/custom_parser.h"
+#include "custom_harness.h"
+#include "offsetctl/check.h"
+
+namespace {
+
+struct Parsed : CustomTables {
+  explicit Parsed(const std::string& text) {
+    skipped = 0;
+    result = ParseCustomFile(text, this, [](uint32_t line, CustomLineFault) { skipped = line; });
+  }
+  int result;
+  static inline uint32_t skipped;  // last line left out
+};
+
+TEST(CustomFile, OffsetLines) {
+  struct Case {
+    const char* text;
+    uint16_t offset;
+    CustomType type;
+    uint8_t size;
+    int32_t number;
+    CustomAccess access;
+    int32_t tokenCount;
+  };
+  using enum CustomType;
+  using enum CustomAccess;
+  const Case cases[] = {{"Offset 0x66C0 UINT8 1 r @", 0x66C0, CustomType::U8, 1, 1, Read, 1},
+                        {"Offset 66C0 SINT16 -3 w 1 2 +\r\n", 0x66C0, S16, 2, -3, Write, 3},
+                        {"  Offsets\tfFfe FLOAT64 7x rw", 0xFFFE, F64, 8, 7, ReadWrite, 0},
+                        {"Offset 123456 uint8 5 R 1", 0x3456, CustomType::U8, 0, 5, Read, 1},
+                        {"Offset xyz UINT64 99999999999 rw # 1 2", 0, U64, 8, 2147483647, ReadWrite, 0},
+                        {"Offset", 0, CustomType::U8, 0, 0, Read, -4},
+                        {"Offset 66C0 SINT32 1 r a#b #c d", 0x66C0, S32, 4, 1, Read, 1},
+                        {"Off_\nset 66_\r\nC0 FLOAT32_\n 2 r 1_ \n_\n2", 0x66C0, F32, 4, 2, Read, 1},
+                        {"\xEF\xBB\xBFOffset 10 UINT32 1 r 1", 0x10, U32, 4, 1, Read, 1},
+                        {"#Offset 1\n\n \t\nOffset 11 SINT8 1 r\v", 0x11, S8, 1, 1, Read, 0},
+                        {"Offset 12 SINT64 1 r 1_", 0x12, S64, 8, 1, Read, 1},
+                        {"Offset 13 UINT16 1 r __", 0x13, U16, 2, 1, Read, 0}};
+  for (const Case& c : cases) {
+    const Parsed parsed(c.text);
+    ASSERT_EQ(parsed.offsets.size(), 1u) << c.text;
+    const CustomOffsetEntry& entry = parsed.offsets[0];
+    EXPECT_EQ(entry.offset, c.offset) << c.text;
+    EXPECT_EQ(entry.type, c.type) << c.text;
+    EXPECT_EQ(entry.size, c.size) << c.text;
+    EXPECT_EQ(entry.number, c.number) << c.text;
+    EXPECT_EQ(entry.access, c.access) << c.text;
+    EXPECT_EQ(entry.tokenCount, c.tokenCount) << c.text;
+  }
+  EXPECT_EQ(Parsed("Offset 1 UINT8 1 r 1_\n_\n2").tokens, std::vector<std::string_view>{"12"});
+  EXPECT_EQ(Parsed("offset 1\n\"Offset\" 1\nOffse 1\nX Offset\n").offsets.size(), 0u);
+}
+
+TEST(CustomFile, DatarefsAndCommands) {
+  const Parsed parsed(
+      "Dataref b sim/x/y[3] floatarray\nDataref ab sim/z[-1 int\nDataref a sim/x Int\nDataref \xE9 p[ data\n"
+      "Command 0x9000 UINT8 0 1 cmd/a 1 2.5 cmd/b\nCommand 1000 SINT16 2 3\nCommand 2 UINT8 0 1 c 1 5\nCommand "
+      "3\n");
+  ASSERT_EQ(parsed.datarefs.size(), 4u);
+  const std::string_view order[] = {"a", "ab", "b", "\xE9"};
+  const char* paths[] = {"sim/x", "sim/z", "sim/x/y", "p"};
+  const int indices[] = {0, -1, 3, 0}, kinds[] = {0, 1, 8, 32};
+  for (size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(parsed.datarefs[i].alias, order[i]);
+    EXPECT_STREQ(parsed.datarefs[i].path, paths[i]);
+    EXPECT_EQ(parsed.datarefs[i].index, indices[i]);
+    EXPECT_EQ(parsed.datarefs[i].kind, kinds[i]);
+  }
+  EXPECT_EQ(FindCustomAlias(parsed.datarefs, "ab"), &parsed.datarefs[1]);
+  EXPECT_EQ(FindCustomAlias(parsed.datarefs, "abc"), nullptr);
+  ASSERT_EQ(parsed.commands.size(), 4u);
+  const int offsets[] = {2, 3, 0x1000, 0x9000}, counts[] = {3, -3, 0, 4}, groups[] = {2, 0, 1, 2};
+  for (size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(parsed.commands[i].offset, offsets[i]);
+    EXPECT_EQ(parsed.commands[i].actionCount, counts[i]);
+    EXPECT_EQ(parsed.commands[i].groupCount, static_cast<uint32_t>(groups[i]));
+  }
+  const CommandAction& second = parsed.actions[parsed.commands[3].firstGroup + 1];
+  EXPECT_STREQ(second.name, "cmd/b");
+  EXPECT_EQ(second.mode, 1);
+  EXPECT_EQ(second.value, 2.5);
+}
+
+TEST(CustomFile, OrderIsSigned) {
+  const Parsed parsed(
+      "Offset 1000 UINT8 1 r\nOffset 9000 UINT8 1 r\nOffset FFFF UINT8 1 r\nOffset 0 UINT8 1 r\n");
+  std::vector<uint16_t> order;
+  for (const CustomOffsetEntry& entry : parsed.offsets) order.push_back(entry.offset);
+  EXPECT_EQ(order, (std::vector<uint16_t>{0x9000, 0xFFFF, 0, 0x1000}));
+}
+
+TEST(CustomFile, Limits) {
+  const std::string good = "Offset 1 UINT8 1 r 1\n";
+  EXPECT_EQ(Parsed(good + "#" + std::string(4094, 'x') + "\r\n" + good).offsets.size(), 2u);
+  EXPECT_EQ(Parsed(good + "#" + std::string(4095, 'x') + "\n").result, 0);
+  EXPECT_EQ(Parsed(good + "#" + std::string(4095, 'x') + "\n").offsets.size(), 0u);
+  // Joined: 2000 + 2095 characters may stand, one more may not.
+  const std::string joined = "#" + std::string(1999, 'x') + "_\n";
+  EXPECT_EQ(Parsed(joined + std::string(2095, 'x') + "\n" + good).offsets.size(), 1u);
+  EXPECT_EQ(Parsed(good + joined + std::string(2096, 'x') + "\n").result, 0);
+  const auto numbers = [](size_t count) {
+    std::string text = "Offset 2 UINT8 1 r";
+    for (size_t i = 0; i < count; ++i) text += " 1";
+    return text;
+  };
+  EXPECT_EQ(Parsed(numbers(251)).offsets.at(0).tokenCount, 251);
+  const Parsed many(good + numbers(252) + "\n" + good);
+  EXPECT_EQ(many.offsets.size(), 2u);
+  EXPECT_EQ(many.skipped, 2u);
+  EXPECT_EQ(Parsed("Dataref " + std::string(255, 'a') + " p int").datarefs.size(), 1u);
+  EXPECT_EQ(Parsed("Dataref " + std::string(256, 'a') + " p int").datarefs.size(), 0u);
+}
+
+TEST(CustomFile, EntriesAreSmall) {
+  std::string text = "Dataref a sim/time/paused int\n";
+  for (int i = 0; i < 5000; ++i)
+    text += "Offset " + std::to_string(i) + " FLOAT64 1 rw $a 2 * 3 + PI / round >a @\n";
+  const Parsed parsed(text);
+  ASSERT_EQ(parsed.offsets.size(), 5000u);
+  const size_t bytes = text.size() + parsed.offsets.capacity() * sizeof(CustomOffsetEntry) +
+                       parsed.tokens.capacity() * sizeof(std::string_view) +
+                       parsed.operations.capacity() * sizeof(Operation);
+  EXPECT_LT(bytes, size_t{5} << 20);
+}
+
+struct CustomLoad : testing::Test {
+  void SetUp() override { custom::Start(); }
+  void TearDown() override { custom::Stop(); }
+};
+
+TEST_F(CustomLoad, LogsWhatIsNotFound) {
+  LoadCustomOffsets();
+  EXPECT_EQ(custom::Log(), "Error reading TAVRIXOffsets.cfg\n");
+  custom::Load("# nothing\n");
+  EXPECT_EQ(custom::Log(), "");
+  custom::Load(
+      "Dataref p sim/time/paused int\nDataref no no/such[2] int\n"
+      "Command 10 UINT8 0 1 no/command 1 2 sim/flight_controls/rudder_ctr\n"
+      "Offset 1 UINT8 1 r $p\nOffset 2 UINT8 1 r " +
+      std::string(256, '1') + "\n");
+  EXPECT_EQ(custom::Log(),
+            "TAVRIX->TAVRIXOffsets.cfg line 5 is left out: one of its words has more than 255 characters\n"
+            "Dataref no/such not found.\n"
+            "Command no/command not found.\nCommand  not found.\nCommand  not found.\n");
+  ASSERT_NE(LoadedCustomTables(), nullptr);
+  EXPECT_NE(LoadedCustomTables()->datarefs[1].handle, nullptr);
+  custom::Load("Offset 1 UINT8 1 r 1\n" + std::string(4096, 'x'));
+  EXPECT_EQ(custom::Log(), "Error reading TAVRIXOffsets.cfg\n");
+  EXPECT_EQ(LoadedCustomTables(), nullptr);
+}
+
+std::string Findings(const std::string& text, const std::string& log = "") {
+  static constexpr ctl::OffsetName rows[] = {{0x02BC, ctl::ValueType::U32, 4, "ias", "indicated airspeed", "kt",
+                                              1, 0, ctl::Form::Number, false, true}};
+  static constexpr ctl::OffsetRange readOnly[] = {{0x3304, 0x330B}};
+  std::string list;
+  for (const ctl::Finding& finding : ctl::CheckOffsetsFile(text, log, {rows, readOnly})) {
+    list += std::to_string(finding.line) + ":" + std::to_string(finding.column) +
+            (finding.note ? " note " : " ") + finding.text + "\n";
+  }
+  return list;
+}
+
+TEST(CustomCheck, PointsAtEveryProblem) {
+  struct Case {
+    const char* line;   // after two Dataref lines
+    const char* place;  // "" for no finding
+    const char* part;
+  };
+  const Case cases[] = {
+      {"Offset 66C0 UINT8 1 rw $a 2 * >f @ 2 /", "", ""},
+      {"Command 66C0 UINT8 0 1 sim/x 1 2 sim/y # c", "", ""},
+      {"Ofset 66C0 UINT8 1 r 1", "3:1 ", "unknown word"},
+      {"Offset 66G0 UINT8 1 r 1", "3:8 ", "read as 0x0066"},
+      {"Offset 166C0 UINT8 1 r 1", "3:8 ", "cut to 0x66C0"},
+      {"Offset 66C0 uint8 1 r 1", "3:13 ", "unknown type \"uint8\""},
+      {"Offset 66C0 UINT8 9 r 1", "3:19 ", "never refreshed"},
+      {"Offset 66C0 UINT8 1 w >f @", "3:19 note ", "shows 77"},
+      {"Offset 66C0 UINT8 1 W 1", "3:21 ", "unknown access"},
+      {"Offset 66C0 UINT8 1 rw 1", "3:21 ", "no target"},
+      {"Offset 66C0 UINT8 1 r $x", "3:23 ", "111"},
+      {"Offset 66C0 UINT8 1 r 1 +", "3:25 ", "222: \"+\" finds only 1"},
+      {"Offset 66C0 UINT8 1 r 1 2", "3:23 ", "leaves 2 values"},
+      {"Offset 66C0 UINT8 1 rw $a >f", "3:27 ", "88: it is empty"},
+      {"Offset 66C0 UINT8 1 rw $a >x @", "3:27 ", "alias \"x\""},
+      {"Offset 66C0 UINT8 1 r 3,5", "3:23 ", "only \"3\" is read"},
+      {"Offset 66C0 UINT8_\n  1 r _\n   1 ABS *", "5:6 ", "\"ABS\" is neither"},
+      {"Offset 02BE UINT8 1 r 1", "3:8 ", "hides the fixed offset 0x02BC (indicated airspeed)"},
+      {"Offset 3300 UINT64 1 r 1", "3:8 ", "0x3304 is read-only"},
+      {"Offset 6F0D UINT16 1 r 1", "3:8 ", "read again"},
+      {"Offset 10 UINT16 1 r 1\nOffset 10 UINT8 1 r 1", "4:8 ", "defined in line 3 already"},
+      {"Offset 10 UINT16 1 r 1\nOffset 11 UINT8 1 r 1", "4:8 ", "belong also to line 3"},
+      {"Command 10 UINT8 0 1", "3:20 ", "5 words found"},
+      {"Command 10 UINT8 2 1 sim/x", "3:18 ", "never ends"},
+      {"Command 10 UINT8 0 256 sim/x", "3:20 ", "never has the value"},
+      {"Command 10 UINT8 0 1 s\nCommand 10 UINT8 0 2 s", "4:9 ", "line 3"},
+      {"Dataref a sim/q int", "3:9 ", "twice"},
+      {"Dataref q sim/q Int\nOffset 1 UINT8 1 r $q", "3:17 ", "unknown kind"},
+      {"Dataref q sim/q[1] int\nOffset 1 UINT8 1 r $q", "3:20 ", "write intarray"},
+      {"Dataref q sim/q[x] data\nOffset 1 UINT8 1 r $q", "3:11 ", "[3]"},
+      {"Dataref q sim/q int", "3:9 note ", "no expression uses"},
+      {"# text_\nOffset 1 UINT8 1 r $x", "3:1 ", "belongs to the comment"},
+      {"Offset 1 UINT8 1 r 1 _", "3:1 ", "announces another line"}};
+  const std::string head = "Dataref a sim/a int\nDataref f sim/f[2] floatarray\n";
+  const std::string use = "\nOffset 7FF0 FLOAT64 1 r $a $f +\n";
+  for (const Case& c : cases) {
+    const bool cutShort = std::string_view(c.line).ends_with('_');
+    const std::string list = Findings(cutShort ? head + use.substr(1) + c.line : head + c.line + use);
+    if (*c.place == 0) EXPECT_EQ(list, "") << c.line;
+    const std::string place = cutShort ? "4:1 " : c.place;
+    EXPECT_TRUE(list.starts_with(place)) << c.line << "\n" << list;
+    EXPECT_NE(list.find(c.part), std::string::npos) << c.line << "\n" << list;
+    EXPECT_LE(std::count(list.begin(), list.end(), '\n'), 1) << c.line << "\n" << list;
+  }
+  EXPECT_NE(Findings("\n#" + std::string(4096, 'x')).find("2:1 the line has more than 4095"),
+            std::string::npos);
+}
+
+TEST(CustomCheck, PointsAtWhatTheSimulatorDidNotFind) {
+  const std::string text = "Dataref a sim/a[1] intarray\nOffset 1 UINT8 1 r $a\nCommand 1 UINT8 0 1 sim/c\n";
+  const std::string old = "TAVRIX->Reading TAVRIXOffsets.cfg\nDataref sim/a not found.\nCommand  not found.\n";
+  EXPECT_EQ(Findings(text, old + "Reload TAVRIXOffsets.cfg\n"), "") << "the last load counts";
+  const std::string list =
+      Findings(text, old + "Reload TAVRIXOffsets.cfg\r\nCommand  not found.\r\nCommand sim/c not found.\r\n");
+  EXPECT_TRUE(list.starts_with("3:21 the simulator did not find the command \"sim/c\"")) << list;
+  EXPECT_TRUE(Findings(text, old).starts_with("1:11 the simulator did not find the dataref \"sim/a\""));
+}
+
+// What the documents show works: no problem, and everything is found in the simulator.
+TEST_F(CustomLoad, DocumentedFilesAreFaultless) {
+  std::vector<std::string> files = custom::Blocks("custom-offsets.md", "offsets");
+  EXPECT_GE(files.size(), 4u);
+  files.push_back(custom::ReadText(std::string(TAVRIX_SOURCE_DIR) + "/docs/TAVRIXOffsets.example.cfg"));
+  for (const std::string& file : files) {
+    EXPECT_FALSE(file.empty());
+    for (const ctl::Finding& finding : ctl::CheckOffsetsFile(file, "", ctl::KnownOffsets())) {
+      ADD_FAILURE() << finding.line << ":" << finding.column << " " << finding.text << "\n" << file;
+    }
+    custom::Load(file);
+    const std::string log = custom::Log();
+    for (size_t at = 0; at < log.size(); at = log.find('\n', at) + 1) {
+      EXPECT_EQ(log.compare(at, 19, "Command  not found."), 0) << log << file;
+    }
+  }
+}
+
+}  // namespace
