@@ -1,8 +1,9 @@
 #include "bridge/catalogue.h"
 
 #include <array>
-#include <bit>
 #include <cmath>
+
+#include "bridge/encode.h"
 
 namespace {
 
@@ -14,26 +15,12 @@ constexpr std::array<const RowTable*, 24> tables = {
     &fuelRows,   &weightRows,   &pressurisationRows, &failureRows, &radioRows,     &navigationRows,
     &identityRows, &airRows,    &cloudRows,          &windRows,    &situationRows, &miscRows};
 
-// Truncates toward zero and saturates at the limits of T. The value is not NaN.
-template <typename T>
-T Truncated(double value) {
-  using Limits = std::numeric_limits<T>;
-  // 2^63 and 2^64 are exact in double precision where the largest integers are not: hence >=.
-  if (value >= static_cast<double>(Limits::max())) return Limits::max();
-  if (value <= static_cast<double>(Limits::min())) return Limits::min();
-  return static_cast<T>(value);
-}
-
 template <typename T>
 T Get(const uint8_t* bytes) {
   T value;
   std::memcpy(&value, bytes, sizeof value);
   return value;
 }
-
-// A control value that was written as v / 16383 into a float comes back as v only when the product is
-// rounded to the float's own precision before it is truncated.
-double Rounded(double value) { return static_cast<double>(static_cast<float>(value)); }
 
 }  // namespace
 
@@ -51,23 +38,6 @@ uint32_t StoredWidth(const OffsetRow& row) {
     case Stored::S64:
     case Stored::F64: return 8;
     case Stored::Text: return row.length;
-  }
-  return 0;
-}
-
-uint64_t EncodedWord(Stored type, double value) {
-  if (value != value) value = 0;  // NaN has no stored form
-  switch (type) {
-    case Stored::U8: return Truncated<uint8_t>(Rounded(value));
-    case Stored::S8: return static_cast<uint8_t>(Truncated<int8_t>(Rounded(value)));
-    case Stored::U16: return Truncated<uint16_t>(Rounded(value));
-    case Stored::S16: return static_cast<uint16_t>(Truncated<int16_t>(Rounded(value)));
-    case Stored::U32: return Truncated<uint32_t>(value);
-    case Stored::S32: return static_cast<uint32_t>(Truncated<int32_t>(value));
-    case Stored::S64: return static_cast<uint64_t>(Truncated<int64_t>(value));
-    case Stored::F32: return std::bit_cast<uint32_t>(static_cast<float>(value));
-    case Stored::F64: return std::bit_cast<uint64_t>(value);
-    case Stored::Text: break;
   }
   return 0;
 }

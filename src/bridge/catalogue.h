@@ -98,8 +98,6 @@ uint32_t StoredWidth(const OffsetRow& row);
 // Converts a number into the row's stored bytes (up to 8): 8 and 16 bit values are rounded to single
 // precision first, integers truncated toward zero and saturated, NaN is 0. Pure.
 void EncodeNumber(const OffsetRow& row, double value, uint8_t bytes[8]);
-// The same as one word: the stored bytes in its low end, zero above them.
-uint64_t EncodedWord(Stored type, double value);
 // The number that stored bytes of this type mean. Pure; used on staged values and by the tools.
 double DecodeNumber(Stored type, const uint8_t* bytes);
 int64_t DecodeInteger(Stored type, const uint8_t* bytes);

@@ -8,15 +8,18 @@
 #include "bridge/writer_list.h"
 #include "controls/buttons.h"
 #include "custom/custom.h"
+#include "net/relay.h"
 #include "offsets/dispatcher.h"
+#include "pushback/pushback.h"
 #include "settings/settings.h"
 #include "shell/log.h"
+#include "traffic/traffic.h"
+#include "windows/windows.h"
 
 int crashCountdown = -1;
 int navigationPending;
 int aircraftChanged;
 OverrideState overrideState;
-MultiplayerProbe multiplayerProbe;
 int joystickButtons[maxJoystickButtons];
 int joystickButtonCount;
 
@@ -59,6 +62,13 @@ void StoreCrashWord() {
   crashWordDue = false;
 }
 
+// Runs a recognition; when an adapter was loaded or has gone, the readers take their handles anew.
+void WatchAdapters(void (*recognise)()) {
+  const AdapterState before = adapters;
+  recognise();
+  if (std::memcmp(&before, &adapters, sizeof before) != 0) BindReaders();
+}
+
 }  // namespace
 
 int BuildCycles() {
@@ -74,13 +84,16 @@ float WriteCycle(float, float, int, void*) {
   SlewStep();
   ApplyPendingCustomWrites();
   TakeCustomReload();
+  ApplyRelayRecord();
   if (atcTexts.changed.load(std::memory_order_relaxed) != 0) SaveAtcTexts();
+  ShowClientCount();
   return -1;
 }
 
 float RefreshCycle1(float, float, int, void*) {
   RunReaders(Cycle::C1);
   RefreshCustomOffsets(1);
+  PushbackStep();
   return -1;
 }
 
@@ -136,7 +149,7 @@ float RefreshCycle313(float, float, int, void*) {
   RunReaders(Cycle::C313);
   RefreshCustomOffsets(8);
   aircraftChanged = 0;
-  RecogniseAircraft();
+  WatchAdapters(RecogniseAircraft);
   return -313;
 }
 
@@ -159,8 +172,8 @@ float ButtonCycle(float, float, int, void*) {
 }
 
 float MultiplayerCycle(float, float, int, void*) {
-  multiplayerProbe = {ReadSource(DoubleAt(0xF088)), ReadSource(DoubleAt(0x0560)), ReadSource(DoubleAt(0x0568))};
-  return 0.1F;
+  if (TrafficRuns() == 0) return 0.1F;
+  return FillTrafficPositions() ? 0.1F : -1.0F;
 }
 
 void SetCrashed() {

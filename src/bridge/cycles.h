@@ -47,11 +47,6 @@ struct OverrideState {
   int pitch, roll, heading, throttles;
 };
 extern OverrideState overrideState;
-// First other aircraft's longitude and the own position, as the multiplayer position cycle read them.
-struct MultiplayerProbe {
-  double otherLongitude, ownLatitude, ownLongitude;
-};
-extern MultiplayerProbe multiplayerProbe;
 // Joystick buttons as the button cycle read them; older simulators have fewer than the newest.
 constexpr int maxJoystickButtons = 1600;
 extern int joystickButtons[maxJoystickButtons];

@@ -3,5 +3,6 @@
 
 // Derives the reader groups of every cycle. At start, after the look-ups.
 void BuildReaders();
-// Makes every reader store at its next run, whatever it stored before (at enable).
-void ForgetStoredValues();
+// Takes the handles from the registry anew and makes every reader convert and store at its next run,
+// whatever it stored before: at enable, and when an aircraft's adapter was loaded or has gone.
+void BindReaders();

@@ -1,11 +1,8 @@
-// Slew mode, position freeze, the pushback words, and what writes have taken from the simulator.
+// Slew mode, position freeze, and what writes have taken from the simulator.
 //
 // While slew or freeze is on, the simulator's own flight path is switched off (its path override). The
 // freeze holds the place over ground only: height and attitude stay free. Simulator's thread, no lock held.
 #pragma once
-
-// Pushback as clients see it: 0 straight, 1 and 2 turning, 3 off.
-extern int pushbackMode;
 
 // Every frame: puts a frozen aircraft back to its place when it has moved.
 void SlewStep();

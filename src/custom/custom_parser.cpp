@@ -204,7 +204,8 @@ int NextCustomLine(CustomFileReader* reader, CustomLine* line) {
       if (next < 0) return -1;
       if (next == 0) {
         line->cutShort = true;
-        break;
+        StripEnd(&line->text);
+        continue;
       }
       pieces.push_back({line->text.size(), reader->line});
       line->text += physical;

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-constexpr size_t changeEntrySize = 6;          // bank, 0, offset (16 bits), value, 0
+constexpr size_t changeEntrySize = 6;            // bank, 0, offset (16 bits), value, 0
 constexpr uint32_t wantedChangeEntries = 10922;  // the scan ends once it has found more
 constexpr size_t changeEntriesSize = (wantedChangeEntries + 1) * changeEntrySize;
 

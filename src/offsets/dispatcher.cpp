@@ -7,6 +7,7 @@
 #include "offsets/memory.h"
 
 RelayRecordStore relayRecordStore;
+std::atomic<uint32_t> clientEntryWritten;
 std::atomic<uint32_t> weatherBlockRequested;
 std::atomic<uint32_t> weatherBlockReady;
 AtcTexts atcTexts;
@@ -60,6 +61,7 @@ void ResetDispatchTable() {
   AddDispatchEntry(0x313C, atcTextSize, DispatchAction::AtcTailNumber);
   AddDispatchEntry(weatherAreaOffset, 1, DispatchAction::WeatherArea);
   AddDispatchEntry(relayRecordOffset, relayRecordSize, DispatchAction::RelayRecord);
+  AddDispatchEntry(clientEntryOffset, clientEntrySize, DispatchAction::TrafficEntry);
   AddDispatchEntry(customReloadOffset, 1, DispatchAction::CustomReload);
   AddDispatchEntry(customClearOffset, 1, DispatchAction::CustomReload);
 }
@@ -113,6 +115,9 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data) {
       case DispatchAction::RelayRecord:
         std::memcpy(relayRecordStore.bytes, value, relayRecordSize);
         relayRecordStore.waiting = 1;
+        break;
+      case DispatchAction::TrafficEntry:
+        if (done == 0) clientEntryWritten = 1;
         break;
       case DispatchAction::CustomReload:
         if (differs && value[0] == 1) RequestCustomReload(at);

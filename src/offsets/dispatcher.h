@@ -21,6 +21,12 @@ struct RelayRecordStore {
 };
 extern RelayRecordStore relayRecordStore;
 
+// A client's own traffic entry: a write record that begins there raises the flag, the traffic manager takes
+// it. Any thread.
+constexpr uint32_t clientEntryOffset = 0x1F80;
+constexpr uint32_t clientEntrySize = 40;
+extern std::atomic<uint32_t> clientEntryWritten;
+
 // The weather area from 0xC800 is acted on only after the whole request that wrote it: the dispatcher
 // raises `Requested`, the request handler turns it into `Ready`, the write cycle takes that.
 extern std::atomic<uint32_t> weatherBlockRequested;
@@ -45,6 +51,7 @@ enum class DispatchAction : uint8_t {
   AtcTailNumber,
   WeatherArea,
   RelayRecord,
+  TrafficEntry,
   CustomReload,  // a changed 1 asks for the user's offsets file to be read again
 };
 

@@ -4,6 +4,7 @@
 
 #include "XPLMProcessing.h"
 #include "bridge/cycles.h"
+#include "net/relay.h"
 
 namespace {
 
@@ -22,23 +23,33 @@ struct Loop {
   float firstInterval;  // positive seconds, negative frames
 };
 constexpr Loop loops[] = {
-    {Guarded<WriteCycle>, 1.0F},
-    {Guarded<RefreshCycle1>, 0.5F},
-    {Guarded<RefreshCycle3>, 0.5F},
-    {Guarded<RefreshCycle7>, 0.6F},
-    {Guarded<RefreshCycle13>, 0.5F},
-    {Guarded<RefreshCycle31Navigation>, 1.0F},
-    {Guarded<RefreshCycle31>, 1.0F},
-    {Guarded<RefreshCycle59>, 1.0F},
-    {Guarded<RefreshCycle157>, 1.0F},
-    {Guarded<RefreshCycle313>, 1.0F},
-    {Guarded<OverrideWatch>, 1.0F},
-    {Guarded<ButtonCycle>, 1.0F},
+    {Guarded<WriteCycle>, 1.0F},       {Guarded<RefreshCycle1>, 0.5F},
+    {Guarded<RefreshCycle3>, 0.5F},    {Guarded<RefreshCycle7>, 0.6F},
+    {Guarded<RefreshCycle13>, 0.5F},   {Guarded<RefreshCycle31Navigation>, 1.0F},
+    {Guarded<RefreshCycle31>, 1.0F},   {Guarded<RefreshCycle59>, 1.0F},
+    {Guarded<RefreshCycle157>, 1.0F},  {Guarded<RefreshCycle313>, 1.0F},
+    {Guarded<OverrideWatch>, 1.0F},    {Guarded<ButtonCycle>, 1.0F},
     {Guarded<MultiplayerCycle>, 0.2F},
+};
+
+float RelayStarter(float, float, int, void*) {
+  StartRelayThread();
+  return 0;
+}
+
+float RelayFrame(float, float, int, void*) {
+  ApplyRelayRecord();
+  return -1;
+}
+
+constexpr Loop clientLoops[] = {
+    {Guarded<RelayStarter>, -1.0F},
+    {Guarded<RelayFrame>, 1.0F},
 };
 
 XPLMFlightLoop_f registeredStart;
 bool registered;
+bool clientRegistered;
 
 }  // namespace
 
@@ -55,4 +66,18 @@ void UnregisterFlightLoops() {
   for (const Loop& loop : loops) XPLMUnregisterFlightLoopCallback(loop.callback, nullptr);
   XPLMUnregisterFlightLoopCallback(registeredStart, nullptr);
   registered = false;
+}
+
+void RegisterClientFlightLoops() {
+  if (clientRegistered) return;
+  for (const Loop& loop : clientLoops) {
+    XPLMRegisterFlightLoopCallback(loop.callback, loop.firstInterval, nullptr);
+  }
+  clientRegistered = true;
+}
+
+void UnregisterClientFlightLoops() {
+  if (!clientRegistered) return;
+  for (const Loop& loop : clientLoops) XPLMUnregisterFlightLoopCallback(loop.callback, nullptr);
+  clientRegistered = false;
 }

@@ -5,3 +5,6 @@
 void RegisterFlightLoops(float (*deferredStart)(float, float, int, void*));
 // Unregisters those that are registered; nothing happens to the others.
 void UnregisterFlightLoops();
+// The two loops of client mode: the relay's start and its frame step.
+void RegisterClientFlightLoops();
+void UnregisterClientFlightLoops();

@@ -19,15 +19,22 @@
 #include "bridge/stations.h"
 #include "controls/buttons.h"
 #include "custom/custom.h"
+#include "net/net.h"
+#include "net/relay.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "offsets/window_server.h"
+#include "platform/socket.h"
 #include "platform/system.h"
+#include "pushback/pushback.h"
 #include "settings/settings.h"
 #include "shell/flight_loops.h"
 #include "shell/log.h"
 #include "shell/menu.h"
 #include "shell/version.h"
+#include "status/status_page.h"
+#include "traffic/traffic.h"
+#include "windows/windows.h"
 
 char pluginVersionText[64];
 char networkVersionText[64];
@@ -40,6 +47,7 @@ constexpr char separatorLine[] = "----------------------------------------------
 
 int clientModeAtEnable;  // disable acts on the mode that enable chose
 int threadsStarted;      // once per load
+int socketLibraryOpen;
 XPLMProbeRef terrainProbe;
 
 void CopyIdentity(char* target, const char* text) { std::snprintf(target, identitySize, "%s", text); }
@@ -77,11 +85,20 @@ void PublishAtcTexts() {
 }
 
 void StartThreads() {
+  LoadAircraftList();
   if (windowServerExists) {
     LogLine(StartWindowServer() ? "TAVRIX->Create KORL Thread OK!\n" : "TAVRIX->Create KORL Thread failed!\n");
   }
   LogLine(StartButtonThread() ? "TAVRIX->Create Joystick Thread OK!\n"
                               : "TAVRIX->Create Joystick Thread failed!\n");
+  const int networkOpen = OpenNetworkServer();
+  if (!networkOpen) OpenAlertWindow(networkAlertText);
+  const int networkRuns = networkOpen != 0 && StartNetworkServer() != 0;
+  const int trafficRuns = StartTrafficThread();
+  if (!StartAircraftModelThread()) LogLine("TAVRIX->Create aircraft model thread failed!\n");
+  if (!StartStatusPage(SystemFolder().c_str())) LogLine("TAVRIX->Create HTTP thread failed!\n");
+  LogLine(networkRuns ? "TAVFARNET->Create Socket thread OK!\n" : "TAVFARNET->Create Socket thread failed!\n");
+  LogLine(trafficRuns ? "TAVRIX->Create ATC thread OK!\n" : "TAVRIX->Create ATC thread failed!\n");
 }
 
 float DeferredStart(float, float, int, void*) {
@@ -98,15 +115,24 @@ float DeferredStart(float, float, int, void*) {
   return 0;
 }
 
+void EnableClientMode() {
+  LogLine("TAVRIX->TAVRIX2TAVRIX mode active\n");
+  OpenRelay(RelayRole::Receiver);
+  RegisterClientFlightLoops();
+}
+
 void EnableServerMode() {
+  OpenRelay(RelayRole::Sender);
   LogLine("TAVRIX->TAVRIX2TAVRIX mode not active, init flightloops\n");
-  ForgetStoredValues();
+  BindReaders();
   ForgetStations();
   anythingPending = 1;  // flags that were raised while nobody applied them
   navigationPending = 1;
   aircraftChanged = 1;
   RegisterFlightLoops(DeferredStart);
   if (terrainProbe == nullptr) terrainProbe = XPLMCreateProbe(xplm_ProbeY);
+  LogLine("TAVRIX->Init pushback functions\n");
+  InitPushback();
   LoadButtonAssignments();
 }
 
@@ -118,16 +144,29 @@ void ReleaseHeld() {
   ReleaseContactAtc();
 }
 
+void DisableClientMode() {
+  UnregisterClientFlightLoops();
+  StopRelayThread();
+  CloseRelay();
+}
+
 void DisableServerMode() {
   UnregisterFlightLoops();
+  LogStamped("TAVRIX->Stopping pushback.....");
+  StopPushback();
   ReleaseHeld();
   LogStamped("TAVRIX->Closing KORL main window.....");
+  StopNetworkServer();
+  StopAircraftModelThread();
   if (windowServerExists) {
     LogStamped("TAVRIX->Closing KORLMain Thread......");
     StopWindowServer();
   }
   LogStamped("TAVRIX->Closing Joystick Thread......");
   StopButtonThread();
+  LogStamped("TAVRIX->Closing ATC Thread......");
+  StopTrafficThread();
+  CloseRelay();
 }
 
 }  // namespace
@@ -146,6 +185,9 @@ int StartPlugin(char* name, char* signature, char* description) {
   LogBoth("TAVFARNET Version %s %s\n", networkVersion, buildWord);
   std::snprintf(pluginVersionText, sizeof pluginVersionText, "TAVRIX Version %s\n", pluginVersion);
   std::snprintf(networkVersionText, sizeof networkVersionText, "TAVFARNET Version %s\n", networkVersion);
+  socketLibraryOpen = OpenSocketLibrary();
+  if (!socketLibraryOpen)
+    LogLine("TAVFARNET->The system's socket library does not start: no network clients\n");
   SetSettingsPath((folder + "TAVRIX.ini").c_str());
 
   BuildMenu();
@@ -177,7 +219,8 @@ int EnablePlugin() {
   LogLine("TAVRIX->Reading TAVRIXOffsets.cfg\n");
   LoadCustomOffsets();
   LogLine("TAVRIX->Initialise critical sections\n");
-  if (!CreateLocks() || !CreateButtons()) {
+  if (!CreateLocks() || !CreateButtons() || !InitTraffic()) {
+    DeleteButtons();
     DeleteLocks();
     ClearCustomOffsets();
     LogLine(
@@ -186,9 +229,10 @@ int EnablePlugin() {
     return 0;
   }
   crashCountdown = 5;
+  PrepareNetwork(settings.serverAddress);
   clientModeAtEnable = settings.clientMode;
   if (clientModeAtEnable != 0) {
-    LogLine("TAVRIX->TAVRIX2TAVRIX mode active\n");
+    EnableClientMode();
   } else {
     EnableServerMode();
   }
@@ -198,9 +242,18 @@ int EnablePlugin() {
 void DisablePlugin() {
   LogLine("%s", separatorLine);
   LogStamped("TAVRIX->Starting deinit");
-  if (clientModeAtEnable == 0) DisableServerMode();
+  if (StatusPageRuns()) {
+    LogStamped("TAVRIX->Stopping HTTP.....");
+    StopStatusPage();
+  }
+  if (clientModeAtEnable != 0) {
+    DisableClientMode();
+  } else {
+    DisableServerMode();
+  }
   LogLine("TAVRIX->Release critical sections\n");
   ClearCustomOffsets();
+  ReleaseTraffic();
   DeleteButtons();
   DeleteLocks();
   LogLine("TAVRIX->Purging TAVRIXOffsets.cfg\n");
@@ -215,9 +268,12 @@ void DisablePlugin() {
 
 void StopPlugin() {
   UnregisterFlightLoops();
+  UnregisterClientFlightLoops();
   if (terrainProbe != nullptr) XPLMDestroyProbe(terrainProbe);
   terrainProbe = nullptr;
   DestroyMenuAndWindows();
+  if (socketLibraryOpen) CloseSocketLibrary();
+  socketLibraryOpen = 0;
   CloseLogs();
 }
 
@@ -229,12 +285,18 @@ void ReceivePluginMessage(int from, int message, void* parameter) {
   switch (message) {
     case XPLM_MSG_PLANE_LOADED:
       if (reinterpret_cast<intptr_t>(parameter) != 0) break;
+      if (TrafficRuns()) LoadAircraftList();
       DetectLoadedAircraft();
+      BindReaders();
       navigationPending = 1;
       aircraftChanged = 1;
       break;
     case XPLM_MSG_PLANE_CRASHED:
+      AbortPushback();
       SetCrashed();
+      break;
+    case XPLM_MSG_AIRPLANE_COUNT_CHANGED:
+      if (TrafficRuns()) LoadAircraftList();
       break;
     default:
       break;

@@ -8,6 +8,7 @@
 #include "XPWidgets.h"
 #include "bridge/cycles.h"
 #include "custom/custom.h"
+#include "net/net.h"
 #include "offsets/memory.h"
 #include "shell/lifecycle.h"
 #include "shell/log.h"
@@ -17,7 +18,12 @@ namespace {
 constexpr int lineHeight = 20;
 constexpr int margin = 15;
 
+// User message: the network line looks up what it shows.
+constexpr XPWidgetMessage messageNetworkChanged = 10001;
+
 XPWidgetID versionWindow;
+XPWidgetID networkLine;
+uint32_t shownClients;
 XPWidgetID performanceWindow;
 XPWidgetID readTraceBox;
 XPWidgetID writeTraceBox;
@@ -82,6 +88,23 @@ std::string WithoutLineEnd(std::string text) {
   return text;
 }
 
+std::string NetworkLineText() {
+  if (networkStatusText[0] != '\0') return std::string("TAVFARNET") + networkStatusText;
+  return "Network clients: " + std::to_string(shownClients);
+}
+
+int HandleNetworkLine(XPWidgetMessage message, XPWidgetID widget, intptr_t, intptr_t) {
+  if (message != messageNetworkChanged) return 0;
+  XPSetWidgetDescriptor(widget, NetworkLineText().c_str());
+  return 1;
+}
+
+void RefreshNetworkLine() {
+  if (networkLine != nullptr) {
+    XPSendMessageToWidget(networkLine, messageNetworkChanged, xpMode_DirectAllCallbacks, 1, 0);
+  }
+}
+
 int HandleVersion(XPWidgetMessage message, XPWidgetID widget, intptr_t, intptr_t) {
   if (message != xpMessage_CloseButtonPushed) return 0;
   XPHideWidget(widget);
@@ -110,6 +133,8 @@ void MakeVersionWindow() {
   AddCaption(versionWindow, 0, WithoutLineEnd(pluginVersionText).c_str());
   AddCaption(versionWindow, 1, WithoutLineEnd(networkVersionText).c_str());
   AddCaption(versionWindow, 2, ("X-Plane Version: " + std::to_string(simulatorVersion)).c_str());
+  networkLine = AddCaption(versionWindow, 3, "");
+  if (networkLine != nullptr) XPAddWidgetCallback(networkLine, HandleNetworkLine);
 }
 
 void MakePerformanceWindow() {
@@ -150,6 +175,7 @@ void BringUp(XPWidgetID window) {
 
 void OpenVersionWindow() {
   if (versionWindow == nullptr) MakeVersionWindow();
+  RefreshNetworkLine();
   BringUp(versionWindow);
 }
 
@@ -159,9 +185,18 @@ void OpenPerformanceWindow() {
   BringUp(performanceWindow);
 }
 
+void ShowClientCount() {
+  const uint32_t clients = ConnectedClients();
+  if (clients == shownClients) return;
+  shownClients = clients;
+  RefreshNetworkLine();
+}
+
 void CloseAllWindows() {
   for (XPWidgetID* window : {&versionWindow, &performanceWindow}) {
     if (*window != nullptr) XPDestroyWidget(*window, 1);
     *window = nullptr;
   }
+  networkLine = nullptr;
+  CloseAlertWindow();
 }

@@ -7,3 +7,9 @@
 void OpenVersionWindow();
 void OpenPerformanceWindow();
 void CloseAllWindows();
+
+// Tells the user what went wrong at start: a window with one caption and a close box. The text may be long.
+void OpenAlertWindow(const char* text);
+void CloseAlertWindow();
+// Once per frame: when the number of network clients has changed, the version window's line follows.
+void ShowClientCount();

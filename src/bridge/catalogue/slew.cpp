@@ -1,8 +1,7 @@
 #include "bridge/slew.h"
 
 #include "bridge/catalogue.h"
-
-int pushbackMode = 3;
+#include "pushback/pushback.h"
 
 namespace {
 
@@ -45,6 +44,10 @@ int ReadPushback(const OffsetRow&, double* value) {
   return 1;
 }
 
+void WritePushback(const OffsetRow&, const Staged& staged) {
+  CommandPushback(static_cast<uint32_t>(staged.integer));
+}
+
 constexpr OffsetRow rows[] = {
     {.offset = 0x05DC,
      .type = Stored::U16,
@@ -74,7 +77,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "pushback command: 0 straight, 1 tail to the left, 2 tail to the right, 3 stop",
      .cycle = Cycle::C31Navigation,
      .read = ReadPushback,
-     .write = {.staged = true},
+     .write = {.apply = WritePushback},
      .note = "shows the pushback state again after a stop, so that the next command differs"},
 };
 

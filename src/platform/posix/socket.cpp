@@ -140,8 +140,10 @@ int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketA
       case ENETUNREACH:
       case EHOSTDOWN:
       case EHOSTUNREACH:
-      case ENOPROTOOPT: break;
-      default: return -1;
+      case ENOPROTOOPT:
+        break;
+      default:
+        return -1;
     }
   }
 }
@@ -189,7 +191,7 @@ void ShutdownSend(Socket* socket) { shutdown(Fd(socket), SHUT_WR); }
 int AllowBroadcast(Socket* socket) { return SetInt(socket, SOL_SOCKET, SO_BROADCAST, 1); }
 
 int SetMulticastInterface(Socket* socket, uint32_t ip) {
-  in_addr interface{};
+  in_addr interface {};
   interface.s_addr = htonl(ip);
   if (!SetInt(socket, IPPROTO_IP, IP_MULTICAST_LOOP, 0)) return 0;
   return setsockopt(Fd(socket), IPPROTO_IP, IP_MULTICAST_IF, &interface, sizeof interface) == 0 ? 1 : 0;
@@ -218,8 +220,11 @@ std::string SocketErrorText(int number) { return std::generic_category().message
 SocketFault ClassifySocketError(int number) {
   switch (number) {
     case EADDRINUSE:
-    case EACCES: return SocketFault::PortTaken;
-    case EADDRNOTAVAIL: return SocketFault::AddressNotHere;
-    default: return SocketFault::Other;
+    case EACCES:
+      return SocketFault::PortTaken;
+    case EADDRNOTAVAIL:
+      return SocketFault::AddressNotHere;
+    default:
+      return SocketFault::Other;
   }
 }

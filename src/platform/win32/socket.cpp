@@ -27,8 +27,9 @@ sockaddr_in SystemAddress(const SocketAddress& address) {
 }
 
 int SetInt(const Socket* socket, int level, int option, DWORD value) {
-  return setsockopt(Handle(socket), level, option, reinterpret_cast<const char*>(&value), sizeof value) == 0 ? 1
-                                                                                                             : 0;
+  return setsockopt(Handle(socket), level, option, reinterpret_cast<const char*>(&value), sizeof value) == 0
+             ? 1
+             : 0;
 }
 
 // Ties the socket to a network event of its own, once; the socket does not block from then on.
@@ -149,8 +150,10 @@ int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketA
       }
       case WSAEINTR:
       case WSAECONNRESET:
-      case WSAECONNABORTED: break;
-      default: return -1;
+      case WSAECONNABORTED:
+        break;
+      default:
+        return -1;
     }
   }
 }
@@ -233,15 +236,19 @@ std::string SocketErrorText(int number) {
   char text[256] = "";
   DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
                                 static_cast<DWORD>(number), 0, text, sizeof text, nullptr);
-  while (length > 0 && (text[length - 1] == '\n' || text[length - 1] == '\r' || text[length - 1] == '.')) --length;
+  while (length > 0 && (text[length - 1] == '\n' || text[length - 1] == '\r' || text[length - 1] == '.'))
+    --length;
   return length > 0 ? std::string(text, length) : "error " + std::to_string(number);
 }
 
 SocketFault ClassifySocketError(int number) {
   switch (number) {
     case WSAEADDRINUSE:
-    case WSAEACCES: return SocketFault::PortTaken;
-    case WSAEADDRNOTAVAIL: return SocketFault::AddressNotHere;
-    default: return SocketFault::Other;
+    case WSAEACCES:
+      return SocketFault::PortTaken;
+    case WSAEADDRNOTAVAIL:
+      return SocketFault::AddressNotHere;
+    default:
+      return SocketFault::Other;
   }
 }

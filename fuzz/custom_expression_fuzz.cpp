@@ -1,0 +1,51 @@
+// Fuzz target: expressions. The input's first byte is where evaluation begins, the rest are tokens separated by
+// blanks; both ways of evaluating must agree, whatever the tokens are.
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "custom/custom_values.h"
+#include "custom/expression.h"
+
+namespace {
+
+void Require(bool condition) {
+  if (!condition) std::abort();
+}
+
+const std::vector<CustomDatarefEntry> datarefs = {{"a", "", nullptr, 1000, datarefInt},
+                                                  {"b", "", nullptr, -3, datarefInt},
+                                                  {"nan", "", nullptr, 0, datarefNone}};
+
+double ReadIndex(const CustomDatarefEntry& dataref) {
+  return dataref.kind == datarefNone ? std::numeric_limits<double>::quiet_NaN() : dataref.index;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size == 0) return 0;
+  std::string_view rest(reinterpret_cast<const char*>(data) + 1, size - 1);
+  std::vector<std::string_view> tokens;
+  while (!rest.empty()) {
+    const std::string_view token = rest.substr(0, rest.find(' '));
+    rest.remove_prefix(std::min(token.size() + 1, rest.size()));
+    if (!token.empty()) tokens.push_back(token.substr(0, 255));
+  }
+  const auto count = static_cast<int32_t>(tokens.size());
+  const int32_t first = data[0] % (count + 1);
+  std::vector<Operation> operations;
+  CompileExpression(tokens.data(), first, count, datarefs, &operations);
+  const double plain = EvaluateTokens(tokens.data(), first, count, 21.5, datarefs, ReadIndex);
+  const double compiled =
+      RunExpression(operations.data(), static_cast<uint32_t>(operations.size()), 21.5, ReadIndex);
+  Require((std::isnan(plain) && std::isnan(compiled)) ||
+          std::bit_cast<uint64_t>(plain) == std::bit_cast<uint64_t>(compiled));
+  for (int type = 0; type < 10; ++type) {
+    uint8_t bytes[8] = {};
+    EncodeCustomValue(static_cast<CustomType>(type), plain, bytes);
+    DecodeCustomValue(static_cast<CustomType>(type), bytes);
+  }
+  return 0;
+}

@@ -1,0 +1,72 @@
+// Fuzz target: the offsets file. Whatever it holds, loading stays inside its limits, the tables are sorted and
+// every expression of every entry gives the same compiled and token by token.
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "custom/custom_parser.h"
+#include "custom/expression.h"
+
+namespace {
+
+void Require(bool condition) {
+  if (!condition) std::abort();
+}
+
+double ReadIndex(const CustomDatarefEntry& dataref) { return dataref.index; }
+
+void CheckEntry(const CustomTables& tables, const CustomOffsetEntry& entry) {
+  Require(entry.size <= 8);
+  Require(entry.tokenCount <= static_cast<int32_t>(maxCustomTokens) - 5);
+  const std::string_view* tokens = tables.tokens.data() + entry.firstToken;
+  const double plain = EvaluateTokens(tokens, 0, entry.tokenCount, 0, tables.datarefs, ReadIndex);
+  const double compiled =
+      RunExpression(tables.operations.data() + entry.read.first, entry.read.count, 0, ReadIndex);
+  Require((std::isnan(plain) && std::isnan(compiled)) ||
+          std::bit_cast<uint64_t>(plain) == std::bit_cast<uint64_t>(compiled));
+  if (entry.writeTarget != nullptr) {
+    RunExpression(tables.operations.data() + entry.write.first, entry.write.count, 1, ReadIndex);
+    Require(FindCustomAlias(tables.datarefs, entry.writeTarget->alias) != nullptr);
+  }
+}
+
+// Every token lies where the line and column say.
+void CheckPlaces(std::string_view text) {
+  CustomFileReader reader = {text, 0};
+  CustomLine line;
+  uint32_t before = 0;
+  while (NextCustomLine(&reader, &line) > 0) {
+    Require(line.firstLine > before && line.lastLine >= line.firstLine);
+    before = line.lastLine;
+    Require(line.tokens.size() <= maxCustomTokens && line.text.size() <= maxCustomLineLength);
+    for (const CustomToken& token : line.tokens) {
+      Require(!token.text.empty() && token.text.front() != '#');
+      Require(token.line >= line.firstLine && token.line <= line.lastLine && token.column >= 1);
+    }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  CheckPlaces(text);
+  CustomTables tables;
+  if (!ParseCustomFile(text, &tables, nullptr)) {
+    Require(tables.offsets.empty() && tables.datarefs.empty() && tables.commands.empty());
+    return 0;
+  }
+  Require(std::is_sorted(tables.offsetKeys.begin(), tables.offsetKeys.end()));
+  Require(std::is_sorted(tables.commandKeys.begin(), tables.commandKeys.end()));
+  for (const CustomOffsetEntry& entry : tables.offsets) CheckEntry(tables, entry);
+  for (const CustomDatarefEntry& entry : tables.datarefs) {
+    Require(entry.alias.size() <= maxCustomTokenLength && std::strlen(entry.path) <= maxCustomTokenLength);
+  }
+  for (const CustomCommandEntry& entry : tables.commands) {
+    Require(entry.firstGroup + entry.groupCount <= tables.actions.size());
+    for (uint32_t i = 0; i < entry.groupCount; ++i) std::strlen(tables.actions[entry.firstGroup + i].name);
+  }
+  return 0;
+}

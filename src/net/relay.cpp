@@ -1,0 +1,160 @@
+#include "net/relay.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "XPLMDataAccess.h"
+#include "net/address.h"
+#include "net/frame.h"
+#include "net/server.h"
+#include "offsets/locks.h"
+#include "platform/clock.h"
+
+namespace {
+
+constexpr size_t receiveSize = 65535;
+constexpr int failurePauseMs = 100;
+constexpr int stopPauseMs = 200;
+
+Thread relayThread;
+std::atomic<uint32_t> relayRunning;
+SocketWaker relayWaker;
+Socket relaySocket;             // the simulator's thread; in client mode the relay thread's while that one runs
+SocketAddress destination;      // ip 0: nobody to send to
+uint8_t datagram[receiveSize];  // relay thread
+
+template <typename T>
+T Field(const uint8_t* record, size_t at) {
+  T value;
+  std::memcpy(&value, record + at, sizeof value);
+  return value;
+}
+
+void SetDataRef(const uint8_t* record) {
+  char name[relayNameSize + 1] = {};
+  std::memcpy(name, record, relayNameSize);
+  XPLMDataRef ref = name[0] == '\0' ? nullptr : XPLMFindDataRef(name);
+  if (ref == nullptr) return;
+  const int index = record[relayIndexAt];
+  auto whole = Field<int>(record, relayIntAt);
+  auto single = Field<float>(record, relayFloatAt);
+  const auto wide = Field<double>(record, relayDoubleAt);
+  switch (XPLMGetDataRefTypes(ref)) {
+    case xplmType_Int:
+      XPLMSetDatai(ref, whole);
+      break;
+    case xplmType_Float:
+      if (std::isfinite(single)) XPLMSetDataf(ref, single);
+      break;
+    case xplmType_Double:
+    case xplmType_Float | xplmType_Double:
+      if (std::isfinite(wide)) XPLMSetDatad(ref, wide);
+      break;
+    case xplmType_FloatArray:
+      if (std::isfinite(single)) XPLMSetDatavf(ref, &single, index, 1);
+      break;
+    case xplmType_IntArray:
+      XPLMSetDatavi(ref, &whole, index, 1);
+      break;
+    default:
+      break;
+  }
+}
+
+void SendRelay(const uint8_t* record) {
+  if (relaySocket.handle == -1 || destination.ip == 0) return;
+  uint8_t frame[relayFrameSize];
+  BuildRelayFrame(record, frame);
+  SendDatagram(&relaySocket, frame, sizeof frame, destination);
+}
+
+void Receive() {
+  const int size = ReceiveSocket(&relaySocket, &relayWaker, -1, datagram, sizeof datagram);
+  if (size < 0) {
+    WaitWaker(&relayWaker, failurePauseMs);  // nothing to receive for now: no spinning
+    return;
+  }
+  uint8_t record[relayRecordSize];
+  if (!ParseRelayFrame(datagram, static_cast<size_t>(size), record)) return;
+  record[relayForwardAt] = 0;  // or two instances would pass it to and fro for ever
+  LockScope lock(&offsetLock);
+  std::memcpy(relayRecordStore.bytes, record, relayRecordSize);
+  relayRecordStore.waiting = 1;
+}
+
+uint32_t RelayProcedure(void*) {
+  if (relaySocket.handle == -1) WaitWaker(&relayWaker, -1);
+  while (relayRunning.load() != 0) Receive();
+  return 0;
+}
+
+int OpenSender() {
+  if (serverIp == 0 || !OpenSocket(&relaySocket, Transport::Datagram)) return 0;
+  if (!AllowBroadcast(&relaySocket)) return 0;
+  destination = {BroadcastAddress(serverIp), relayPort};
+  return 1;
+}
+
+int OpenReceiver() {
+  return serverIp != 0 && OpenBroadcastReceiver(&relaySocket, {serverIp, relayPort}) ? 1 : 0;
+}
+
+}  // namespace
+
+int OpenRelay(RelayRole role) {
+  destination = {};
+  if (role == RelayRole::Sender ? OpenSender() : OpenReceiver()) {
+    LogLine("TAVRIX->UDP Broadcast server init OK\n");
+    return 1;
+  }
+  const int error = SocketErrorNumber();
+  CloseSocket(&relaySocket);
+  LogLine("TAVRIX->UDP Broadcast server init FAILED\n");
+  LogLine("%s\n", AdviseOnFailure("UDP", relayPort, error).c_str());
+  return 0;
+}
+
+void CloseRelay() { CloseSocket(&relaySocket); }
+
+int StartRelayThread() {
+  relayRunning = 1;
+  if (CreateWaker(&relayWaker) && StartThread(&relayThread, RelayProcedure, nullptr)) return 1;
+  relayRunning = 0;
+  CloseWaker(&relayWaker);
+  return 0;
+}
+
+void StopRelayThread() {
+  relayRunning = 0;
+  WakeSocket(&relayWaker);
+  SleepMilliseconds(stopPauseMs);
+  JoinThread(&relayThread);
+  CloseWaker(&relayWaker);
+}
+
+void ApplyRelayRecord() {
+  if (relayRecordStore.waiting.load(std::memory_order_relaxed) == 0) return;
+  uint8_t record[relayRecordSize];
+  {
+    LockScope lock(&offsetLock);
+    if (relayRecordStore.waiting.exchange(0) == 0) return;
+    std::memcpy(record, relayRecordStore.bytes, relayRecordSize);
+  }
+  SetDataRef(record);
+  if (record[relayForwardAt] != 0) SendRelay(record);
+}
+
+void BuildRelayFrame(const uint8_t* record, uint8_t* frame) {
+  std::memcpy(frame + frameHeaderSize, record, relayRecordSize);
+  FinishFrame(frame, frameRelay, relayRecordSize, endRelay);
+}
+
+int ParseRelayFrame(const uint8_t* received, size_t size, uint8_t* record) {
+  constexpr size_t copyAt = frameHeaderSize + relayRecordSize;
+  std::memset(record, 0, relayRecordSize);
+  if (size < copyAt + sizeof(uint16_t)) return 0;
+  if (Field<uint16_t>(received, 2) != relayRecordSize || Field<uint16_t>(received, copyAt) != relayRecordSize)
+    return 0;
+  std::memcpy(record, received + frameHeaderSize, relayRecordSize);
+  return 1;
+}

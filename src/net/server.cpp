@@ -1,0 +1,271 @@
+// Life of the network server and its accept thread.
+#include "net/server.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "net/address.h"
+#include "net/change_scan.h"
+#include "net/net.h"
+#include "offsets/memory.h"
+#include "platform/clock.h"
+#include "shell/log.h"
+#include "shell/log_format.h"
+
+char networkStatusText[32];
+char networkAlertText[200];
+uint32_t serverIp;
+char serverAddressText[20];
+std::atomic<uint32_t> serverRunning;
+std::atomic<uint32_t> clientThreadsRunning;
+std::atomic<uint32_t> burstRunning;
+std::atomic<uint32_t> newClient;
+
+namespace {
+
+constexpr int backlog = 6;
+constexpr int fullPauseMs = 500;
+constexpr int acceptedPauseMs = 50;
+constexpr int stopPauseMs = 100;
+constexpr uint32_t connectedOffset = 0x3520;  // tells that a client has connected
+constexpr uint16_t connectedMark = 0x8123;
+
+Thread serverThread;
+SocketWaker serverWaker;
+Socket listener;  // the simulator's thread until the accept thread runs, then that one's
+
+enum class Listening { First, Again };
+
+// Opens, binds and listens. Always a new socket: one that was closed cannot be bound again. Returns 1, or 0
+// with the socket closed and the system's error in `error`.
+int SetUpListener(Listening turn, int* error) {
+  if (!OpenSocket(&listener, Transport::Stream)) {
+    *error = SocketErrorNumber();
+    LogLine("TAVFARNET->Bind failed\n");
+    return 0;
+  }
+  if (turn == Listening::First) {
+    LogLine("TAVFARNET->Receive Socket creation %08X OK\n", static_cast<unsigned>(listener.handle));
+  }
+  const char* failure = nullptr;
+  *error = 0;
+  if (serverIp == 0 || !BindSocket(&listener, {serverIp, requestPort})) {
+    *error = serverIp == 0 ? 0 : SocketErrorNumber();
+    failure = "TAVFARNET->Bind failed\n";
+  } else {
+    LogLine("TAVFARNET->Bind OK\n");
+    if (!ListenSocket(&listener, backlog)) {
+      *error = SocketErrorNumber();
+      failure = "TAVFARNET->Listen rec failed\n";
+    }
+  }
+  if (failure != nullptr) {
+    LogLine("%s", failure);
+    CloseSocket(&listener);
+    return 0;
+  }
+  LogLine("TAVFARNET->Listen OK\n");
+  LogLine("TAVFARNET->Socket Thread Init OK\n");
+  return 1;
+}
+
+// The table is full: nobody can connect until a client has left. Returns 1 to go on accepting, 0 to end the
+// thread because nobody could connect any more.
+int WaitForFreeSlot(uint32_t count) {
+  LogLine("%07.3f TAVFARNET->Maximum of clients reached %u\n", static_cast<double>(PublishedRunningTime()),
+          count);
+  CloseSocket(&listener);
+  while (serverRunning.load() != 0 && ConnectedClients() >= maxClients) WaitWaker(&serverWaker, fullPauseMs);
+  if (serverRunning.load() == 0) return 1;
+  int error = 0;
+  if (!SetUpListener(Listening::Again, &error)) {
+    LogLine("%s\n", AdviseOnFailure("TCP", requestPort, error).c_str());
+    return 0;
+  }
+  LogLine("%07.3f TAVFARNET->Release OK\n", static_cast<double>(PublishedRunningTime()));
+  return 1;
+}
+
+// A connection becomes a client, with the client list lock held. Clears serverRunning when the system has no
+// thread for it.
+void AdmitClient(Socket* connection, const SocketAddress& peer, const char* name) {
+  newClient = 1;
+  if (CountClients() == 0 && burstRunning.load() == 0) {
+    if (StartBursts()) {
+      LogNetwork("TAVFARNET->Client Creating burst thread OK\n");
+    } else {
+      LogNetwork("TAVFARNET->Creating burst thread failed\n");
+    }
+  }
+  const int slot = AddClient(peer, name);
+  PublishClientCount();
+  if (slot < 0) {
+    CloseSocket(connection);
+    return;
+  }
+  const uint32_t count = CountClients();
+  if (!StartSession(static_cast<uint32_t>(slot), connection)) {
+    LogNetwork("TAVFARNET->Creating thread no. %i failed\n", static_cast<int>(count));
+    serverRunning = 0;
+    return;
+  }
+  LogNetwork("TAVFARNET->Client Creating thread No. %u to client %s OK\n", count, AddressText(peer.ip).c_str());
+  {
+    LockScope lock(&offsetLock);
+    Store<uint16_t>(connectedOffset, connectedMark);
+    NoteMemoryChanged();
+  }
+  SleepMilliseconds(acceptedPauseMs);
+}
+
+// Accepts clients until the server stops. Returns 1, or 0 when nobody can be accepted any more though the
+// clients that are connected can be served on.
+int AcceptClients() {
+  while (serverRunning.load() != 0) {
+    const uint32_t count = ConnectedClients();
+    if (count >= maxClients) {
+      if (!WaitForFreeSlot(count)) return 0;
+      continue;
+    }
+    LogNetwork("TAVFARNET->Waiting for clients.....%i\n", static_cast<int>(count));
+    Socket connection;
+    SocketAddress peer;
+    if (AcceptSocket(&listener, &serverWaker, &connection, &peer) <= 0) {
+      LogNetwork("TAVFARNET->Client accept failed\n");
+      serverRunning = 0;
+      break;
+    }
+    SetKeepAlive(&connection);
+    char name[peerNameSize];
+    if (!LookUpPeerName(peer, name, sizeof name)) std::snprintf(name, sizeof name, "unknown");
+    LockScope lock(&clientListLock);
+    AdmitClient(&connection, peer, name);
+  }
+  return 1;
+}
+
+void ShutDownServer() {
+  clientThreadsRunning = 0;
+  burstRunning = 0;
+  const uint32_t count = ConnectedClients();
+  if (count > 0) LogNetwork("TAVFARNET->Closing Client threads count = %u\n", count);
+  EndSessions();
+  StopAnnouncement();
+  CloseSocket(&listener);
+  LogNetwork("TAVFARNET->Closed Socket serve thread!\n");
+}
+
+uint32_t ServerProcedure(void*) {
+  StartAnnouncement();
+  if (AcceptClients()) ShutDownServer();
+  return 0;
+}
+
+// The first failure counts for the alert window: the second is its consequence, as a rule.
+void SetFailure(const char* transport, uint16_t port, int error) {
+  LogLine("%s\n", AdviseOnFailure(transport, port, error).c_str());
+  std::snprintf(networkStatusText, sizeof networkStatusText, " FAILED ! Wrong IP address");
+  if (networkAlertText[0] != '\0') return;
+  if (serverIp != 0 && ClassifySocketError(error) == SocketFault::PortTaken) {
+    std::snprintf(networkAlertText, sizeof networkAlertText,
+                  "TAVFARNET FAILED ! %s port %u of %s is taken: close the other program, reload the plug-in",
+                  transport, port, serverAddressText);
+  } else {
+    std::snprintf(
+        networkAlertText, sizeof networkAlertText,
+        "TAVFARNET FAILED ! Wrong IP address %s: change Server Address in TAVRIX.ini, reload the plug-in",
+        serverAddressText);
+  }
+}
+
+}  // namespace
+
+void LogNetwork(const char* format, ...) {
+  char text[200];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  char stamp[timeStampSize];
+  LogLine("%s %s", TimeStamp(stamp), text);
+}
+
+std::string AdviseOnFailure(const char* transport, uint16_t port, int error) {
+  const std::string tried = std::string("TAVFARNET->Tried address ") + serverAddressText + ", " + transport +
+                            " port " + std::to_string(port) + ": ";
+  constexpr char setting[] = "set \"Server Address\" in section [TAVRIX SETTINGS] of TAVRIX.ini to ";
+  if (serverIp == 0) {
+    return tried + "not an address like 192.168.0.1; " + setting +
+           "this computer's address and reload the plug-in";
+  }
+  switch (ClassifySocketError(error)) {
+    case SocketFault::AddressNotHere:
+      return tried + "this computer does not have it; " + setting +
+             "an address of this computer and reload the plug-in";
+    case SocketFault::PortTaken:
+      return tried + "the port is taken; close the other program that uses it and reload the plug-in";
+    default:
+      return tried + SocketErrorText(error) + "; check \"Server Address\" in TAVRIX.ini and the network";
+  }
+}
+
+void PrepareNetwork(const char* serverAddress) {
+  std::snprintf(serverAddressText, sizeof serverAddressText, "%s", serverAddress);
+  if (!ParseAddress(serverAddressText, &serverIp)) serverIp = 0;
+  networkStatusText[0] = '\0';
+  networkAlertText[0] = '\0';
+  ClearShadow();
+  ClearSubscriptions();
+}
+
+int OpenNetworkServer() {
+  int error = 0;
+  const int listening = SetUpListener(Listening::First, &error);
+  if (!listening) {
+    LogNetwork("TAVFARNET->Can`t init TCP.....\n");
+    SetFailure("TCP", requestPort, error);
+  }
+  const int announcing = OpenAnnouncement();
+  if (!announcing) {
+    error = SocketErrorNumber();
+    LogNetwork("TAVFARNET->Can`t init UDP multicast; tried %s.....\n", serverAddressText);
+    SetFailure("UDP", announcePort, error);
+  }
+  if (listening && announcing) return 1;
+  CloseSocket(&listener);
+  CloseAnnouncement();
+  return 0;
+}
+
+int StartNetworkServer() {
+  serverRunning = 1;
+  clientThreadsRunning = 1;
+  newClient = 0;
+  if (CreateWaker(&serverWaker) && StartThread(&serverThread, ServerProcedure, nullptr)) return 1;
+  serverRunning = 0;
+  CloseWaker(&serverWaker);
+  CloseSocket(&listener);
+  CloseAnnouncement();
+  return 0;
+}
+
+void StopNetworkServer() {
+  if (serverThread.started.load() == 0) return;
+  LogNetwork("TAVFARNET->Closing Socket serve thread.....\n");
+  serverRunning = 0;
+  WakeSocket(&serverWaker);
+  SleepMilliseconds(stopPauseMs);
+  JoinThread(&serverThread);
+  // It ends without this when it could not listen again while clients were still connected.
+  if (clientThreadsRunning.load() != 0) ShutDownServer();
+  CloseWaker(&serverWaker);
+  LogLine("TAVFARSERVER deinit OK!\n");
+  LogLine("TAVFARSERVER Disable !\n");
+  burstRunning = 0;
+  SleepMilliseconds(stopPauseMs);
+  JoinBursts();
+}
+
+uint32_t ConnectedClients() { return publishedClientCount.load(); }

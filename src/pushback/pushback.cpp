@@ -1,0 +1,202 @@
+#include "pushback/pushback.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "XPLMDataAccess.h"
+#include "XPLMProcessing.h"
+#include "bridge/catalogue/reposition.h"
+#include "bridge/sources.h"
+#include "settings/settings.h"
+#include "settings/settings_text.h"
+
+int pushbackMode = pushbackOff;
+
+namespace {
+
+constexpr char section[] = "PUSHBACK SETTINGS";
+constexpr double radians = std::numbers::pi / 180;
+constexpr double rampStep = 0.009;     // m/s a frame, towards the wanted speed
+constexpr double rollOutStep = 0.05;   // m/s a frame, back to standing
+constexpr float turnShare = 0.25F;     // of the wanted speed, in a turn
+constexpr double turnRateStep = 0.005; // degrees a frame, a frame
+constexpr double monitoredDistance = 39.5;  // metres
+
+struct Handles {
+  XPLMDataRef parkingBrake, localVx, localVz, heading, pitch, bank;
+  XPLMDataRef overrideJoystick, overrideGearBrake, overrideStability;
+  XPLMDataRef yokeHeading, leftBrake, rightBrake, distance;
+};
+Handles handles;
+
+// Settings.
+double maxSpeed;     // m/s, negative is backwards
+float maxTurnSpeed;  // degrees a frame
+float turnSpeed;     // m/s
+
+int active;
+float speed;        // m/s
+int turning;        // a turn step has run: the turn speed counts
+int hasTurned;      // since the module was loaded
+float turnRate;     // degrees a frame; kept from one turn to the next
+double turnedAngle;
+int distanceReached;
+bool monitored;  // the distance monitor is registered
+
+double ReadFloat(XPLMDataRef handle) { return ReadNumber(handle, Accessor::Float, 0); }
+
+void SetFloat(XPLMDataRef handle, float value) {
+  if (handle != nullptr) XPLMSetDataf(handle, value);
+}
+
+void SetInt(XPLMDataRef handle, int value) {
+  if (handle != nullptr) XPLMSetDatai(handle, value);
+}
+
+bool ParkingBrakeSet() { return ReadFloat(handles.parkingBrake) > 0; }
+
+void SetOverrides(int on) {
+  SetInt(handles.overrideJoystick, on);
+  SetInt(handles.overrideStability, on);
+  SetInt(handles.overrideGearBrake, on);
+}
+
+void Stop() {
+  pushbackMode = pushbackOff;
+  active = 0;
+  SetOverrides(0);
+}
+
+void Start(int mode) {
+  distanceReached = 0;
+  SetFloat(handles.distance, 0);
+  pushbackMode = mode;
+  SetOverrides(1);
+  SetFloat(handles.yokeHeading, 0);
+  SetFloat(handles.leftBrake, 0);
+  SetFloat(handles.rightBrake, 0);
+  active = 1;
+}
+
+void ApplyVelocity() {
+  const double along = static_cast<double>(turning != 0 ? turnSpeed : speed);
+  const double heading = ReadFloat(handles.heading) * radians;
+  SetFloat(handles.localVx, static_cast<float>(along * std::sin(heading)));
+  SetFloat(handles.localVz, static_cast<float>(-(along * std::cos(heading))));
+}
+
+void Turn() {
+  if (hasTurned == 0) {
+    hasTurned = 1;
+    turnedAngle = 0;
+    turnRate = 0;
+  }
+  turning = 1;
+  if (turnRate < maxTurnSpeed) turnRate = static_cast<float>(static_cast<double>(turnRate) + turnRateStep);
+  turnedAngle += static_cast<double>(turnRate);
+  double heading = ReadFloat(handles.heading);
+  if (pushbackMode == pushbackTurnUp) {
+    heading += static_cast<double>(turnRate);
+    if (heading > 360) heading = 0;
+  } else {
+    heading -= static_cast<double>(turnRate);
+    if (heading < 0) heading = 360;
+  }
+  SetQuaternion(EulerToQuaternion({ReadFloat(handles.pitch), ReadFloat(handles.bank), heading}));
+}
+
+// Towards the wanted speed by one step; once there, one step around it.
+void Ramp() {
+  const auto now = static_cast<double>(speed);
+  if (maxSpeed < 0 && now > maxSpeed) {
+    speed = static_cast<float>(now - rampStep);
+  } else if (now < maxSpeed) {
+    speed = static_cast<float>(now + rampStep);
+  }
+}
+
+float DistanceMonitor(float, float, int, void*) {
+  if (active != 0 && distanceReached == 0 && pushbackMode > pushbackStraight &&
+      ReadFloat(handles.distance) > monitoredDistance) {
+    distanceReached = 1;
+  }
+  return 1.0F;
+}
+
+double ReadOrComplete(const char* key, const char* byDefault) {
+  char value[maxSettingValue + 1];
+  if (ReadSetting(section, key, value, sizeof value) < 0) {
+    WriteSetting(section, key, byDefault);
+    if (ReadSetting(section, key, value, sizeof value) < 0) return ParseNumber(byDefault);  // not writable
+  }
+  return ParseNumber(value);
+}
+
+}  // namespace
+
+void LoadPushbackSettings() {
+  maxSpeed = ReadOrComplete("MaxSpeed", "-1.5");
+  maxTurnSpeed = static_cast<float>(ReadOrComplete("MaxTurnSpeed", "0.15"));
+  turnSpeed = static_cast<float>(maxSpeed) * turnShare;
+}
+
+void InitPushback() {
+  handles = {XPLMFindDataRef("sim/flightmodel/controls/parkbrake"),
+             XPLMFindDataRef("sim/flightmodel/position/local_vx"),
+             XPLMFindDataRef("sim/flightmodel/position/local_vz"),
+             XPLMFindDataRef("sim/flightmodel/position/psi"),
+             XPLMFindDataRef("sim/flightmodel/position/theta"),
+             XPLMFindDataRef("sim/flightmodel/position/phi"),
+             XPLMFindDataRef("sim/operation/override/override_joystick"),
+             XPLMFindDataRef("sim/operation/override/override_gearbrake"),
+             XPLMFindDataRef("sim/operation/override/override_artstab"),
+             XPLMFindDataRef("sim/joystick/yoke_heading_ratio"),
+             XPLMFindDataRef("sim/flightmodel/controls/l_brake_add"),
+             XPLMFindDataRef("sim/flightmodel/controls/r_brake_add"),
+             XPLMFindDataRef("sim/flightmodel/controls/dist")};
+  LoadPushbackSettings();
+  if (!monitored) XPLMRegisterFlightLoopCallback(DistanceMonitor, 1.0F, nullptr);
+  monitored = true;
+}
+
+void StopPushback() {
+  AbortPushback();  // it does not roll on at the next enable
+  if (monitored) XPLMUnregisterFlightLoopCallback(DistanceMonitor, nullptr);
+  monitored = false;
+}
+
+void CommandPushback(uint32_t command) {
+  if (command == pushbackOff) {
+    distanceReached = 0;
+    Stop();
+    return;
+  }
+  if (ParkingBrakeSet()) {
+    turning = 0;
+    speed = 0;
+    distanceReached = 0;
+    Stop();
+    return;
+  }
+  Start(command < pushbackOff ? static_cast<int>(command) : pushbackStraight);
+}
+
+void PushbackStep() {
+  if (active == 0) {
+    if (speed >= 0) return;
+    speed = static_cast<float>(static_cast<double>(speed) + rollOutStep);
+    ApplyVelocity();
+    return;
+  }
+  Ramp();
+  ApplyVelocity();
+  if (pushbackMode == pushbackTurnUp || pushbackMode == pushbackTurnDown) Turn();
+  if (!ParkingBrakeSet()) return;
+  AbortPushback();
+}
+
+void AbortPushback() {
+  if (active != 0) Stop();
+  speed = 0;
+  turning = 0;
+}

@@ -1,0 +1,164 @@
+#include "status/status_page.h"
+
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+
+#include "offsets/memory.h"
+#include "platform/clock.h"
+#include "platform/socket.h"
+#include "platform/thread.h"
+#include "shell/log.h"
+#include "shell/version.h"
+
+namespace {
+
+constexpr int backlog = 5;
+constexpr size_t requestSize = 1000;
+constexpr int requestWaitMs = 1000;  // browsers hold spare connections open on which nothing ever comes
+constexpr int drainMs = 100;
+
+Thread pageThread;
+std::atomic<uint32_t> pageRunning;
+SocketWaker pageWaker;
+std::string logPath;  // written before the thread starts
+
+StatusValues ReadStatusValues() {
+  LockScope lock(&offsetLock);
+  return {Load<uint16_t>(0x0274), Load<int32_t>(0x0020), Load<int32_t>(0x02B4), Load<int32_t>(0x02C8),
+          Load<double>(0x2F70),   Load<double>(0x2F78),  Load<uint32_t>(0x0580)};
+}
+
+// As "%f" prints it, with a point in every locale.
+std::string SixDecimals(double value) {
+  char text[400];  // the largest double has 309 digits before the point
+  const auto result = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6);
+  return {text, result.ptr};
+}
+
+std::string Line(const char* label, const std::string& value, const char* unit) {
+  return std::string(label) + ": " + value + " " + unit + "<br/>";
+}
+
+// Truncated to a whole number of units.
+std::string Whole(int32_t stored, int scale) { return std::to_string(stored / scale); }
+
+uint16_t DataRate(uint16_t framePeriod) {
+  return framePeriod == 0 ? uint16_t{0} : static_cast<uint16_t>(static_cast<uint32_t>(32768.0 / framePeriod));
+}
+
+void Write(FILE* log, const char* text) {
+  if (log == nullptr) return;
+  std::fputs(text, log);
+  std::fflush(log);
+}
+
+void LogRequest(FILE* log, const char* request) {
+  if (log == nullptr) return;
+  std::fputs("http command=", log);
+  std::fputs(request, log);
+  std::fputc('\n', log);
+  std::fflush(log);
+}
+
+// Sends the end of the answer and takes what the browser still sends: closing with unread bytes would take
+// the answer away from it.
+void FinishAnswer(Socket* connection) {
+  ShutdownSend(connection);
+  char rest[requestSize];
+  const int64_t deadline = MonotonicNanoseconds() + drainMs * INT64_C(1000000);
+  while (MonotonicNanoseconds() < deadline &&
+         ReceiveSocket(connection, &pageWaker, drainMs, rest, sizeof rest) > 0) {
+  }
+}
+
+void Answer(FILE* log, Socket* connection) {
+  char request[requestSize + 1];
+  const int size = ReceiveSocket(connection, &pageWaker, requestWaitMs, request, requestSize);
+  if (size == receiveWoken) return;
+  request[size > 0 ? size : 0] = '\0';
+  LogRequest(log, request);
+  for (const std::string& piece : StatusPagePieces(ReadStatusValues())) {
+    SendStream(connection, piece.data(), piece.size());
+  }
+  FinishAnswer(connection);
+}
+
+void AnswerBrowsers(FILE* log, Socket* listener) {
+  while (pageRunning.load() != 0) {
+    Socket connection;
+    SocketAddress peer;
+    const int accepted = AcceptSocket(listener, &pageWaker, &connection, &peer);
+    if (accepted < 0) WaitWaker(&pageWaker, requestWaitMs);  // out of handles, perhaps only for now
+    if (accepted <= 0) continue;
+    if (pageRunning.load() != 0) Answer(log, &connection);
+    CloseSocket(&connection);
+  }
+}
+
+uint32_t PageProcedure(void*) {
+  FILE* log = std::fopen(logPath.c_str(), "wb");
+  Write(log, "http log\n");
+  Socket listener;
+  if (!OpenSocket(&listener, Transport::Stream)) {
+    Write(log, "error socket\n");
+    if (log != nullptr) std::fclose(log);
+    return 0;
+  }
+  if (BindSocket(&listener, {0, statusPort}) && ListenSocket(&listener, backlog)) {
+    AnswerBrowsers(log, &listener);
+  } else {
+    const std::string reason = SocketErrorText(SocketErrorNumber());
+    LogLine("error bind\n");
+    LogLine(
+        "TAVRIX->The status page cannot use TCP port %u (%s): close the other program that uses it and reload "
+        "the "
+        "plug-in\n",
+        statusPort, reason.c_str());
+    WaitWaker(&pageWaker, -1);
+  }
+  Write(log, "Closing http thread\n");
+  if (log != nullptr) std::fclose(log);
+  CloseSocket(&listener);
+  return 0;
+}
+
+}  // namespace
+
+int StartStatusPage(const char* systemFolder) {
+  logPath = std::string(systemFolder) + "httpLog.txt";
+  pageRunning = 1;
+  if (CreateWaker(&pageWaker) && StartThread(&pageThread, PageProcedure, nullptr)) return 1;
+  pageRunning = 0;
+  CloseWaker(&pageWaker);
+  return 0;
+}
+
+int StatusPageRuns() { return pageThread.started.load() != 0 ? 1 : 0; }
+
+void StopStatusPage() {
+  pageRunning = 0;
+  WakeSocket(&pageWaker);
+  JoinThread(&pageThread);
+  CloseWaker(&pageWaker);
+}
+
+std::vector<std::string> StatusPagePieces(const StatusValues& values) {
+  constexpr float headingUnit = 360.0F / 4294967296.0F;
+  const auto heading = static_cast<uint32_t>(static_cast<float>(values.heading) * headingUnit);
+  return {
+      "HTTP/1.1 200 OK\nContent-Type: text/html\nConnection: close\nRefresh: 1\n<!DOCTYPE HTML>\n",
+      "\n<html>\n<body>\n",
+      std::string("<h1>TAVRIX version: ") + pluginVersion + " </h1>\n",
+      "\n<tr>\n",
+      Line("TAVRIX Datarate", std::to_string(DataRate(values.framePeriod)), "1/sec"),
+      Line("Ground elevation", Whole(values.groundElevation, 256), "m"),
+      Line("Ground speed", Whole(values.groundSpeed, 65536), "m/sec"),
+      Line("Vertical speed", Whole(values.verticalSpeed, 256), "m/sec"),
+      Line("Aircraft pitch", SixDecimals(-values.pitch), "degrees"),
+      Line("Aircraft bank", SixDecimals(values.bank), "degrees"),
+      Line("Aircraft heading", std::to_string(heading), "degrees"),
+      "\n</tr>\n",
+      "\n</body>\n</html>\n",
+  };
+}

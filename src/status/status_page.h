@@ -1,0 +1,32 @@
+// Status page: a web server on TCP port 4321 that shows version, frame rate and a few flight values to any
+// browser, one connection at a time, and asks it to reload the page every second.
+//
+// Start and Stop are for the simulator's thread. Everything else runs on the page's own thread, which owns
+// its sockets and its log "httpLog.txt" in the simulator's folder.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+constexpr uint16_t statusPort = 4321;
+
+// Values as they stand in the offset memory.
+struct StatusValues {
+  uint16_t framePeriod;     // s x 32768
+  int32_t groundElevation;  // m x 256
+  int32_t groundSpeed;      // m/s x 65536
+  int32_t verticalSpeed;    // m/s x 256
+  double pitch, bank;       // degrees
+  uint32_t heading;         // degrees x 2^32 / 360
+};
+
+// Starts the thread. `systemFolder` is the simulator's folder as it reports it. Returns 1, or 0 when the
+// system refuses.
+int StartStatusPage(const char* systemFolder);
+// 1 from a successful start until StopStatusPage has returned.
+int StatusPageRuns();
+// Ends the thread, whatever it waits for, and joins it. Nothing happens when it was not started.
+void StopStatusPage();
+
+// The answer to a request, in the pieces that are sent one by one. Pure function, any thread.
+std::vector<std::string> StatusPagePieces(const StatusValues& values);

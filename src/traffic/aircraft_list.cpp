@@ -1,0 +1,126 @@
+#include <algorithm>
+#include <cstring>
+
+#include "XPLMPlanes.h"
+#include "offsets/locks.h"
+#include "platform/clock.h"
+#include "platform/event.h"
+#include "platform/lock.h"
+#include "traffic/traffic.h"
+#include "traffic/traffic_state.h"
+
+char modelNames[maxModels][modelNameSize];
+char modelPaths[maxModels][modelPathSize];
+std::atomic<uint32_t> aircraftCount;
+std::atomic<uint32_t> countChanged;
+std::atomic<uint32_t> listBeingBuilt;
+
+namespace {
+
+constexpr uint32_t messageModelsGathered = 0x8001;  // of the numbers that are free for programs
+
+// Models as the simulator told them last, on their way into the tables. The lock is known to this file alone
+// and never held together with another one or across a call into the simulator.
+Lock gatherLock;
+char gatheredNames[maxModels][modelNameSize];
+char gatheredPaths[maxModels][modelPathSize];
+
+Thread modelThread;
+Event modelThreadReady;
+std::atomic<uint32_t> modelRun;
+
+// Moves what was gathered into the tables. Model thread, or the simulator's while that does not run.
+void TakeGathered() {
+  static char names[maxModels][modelNameSize];
+  static char paths[maxModels][modelPathSize];
+  {
+    const LockScope lock(&gatherLock);
+    std::memcpy(names, gatheredNames, sizeof names);
+    std::memcpy(paths, gatheredPaths, sizeof paths);
+  }
+  {
+    const LockScope lock(&trafficLock);
+    std::memcpy(modelNames, names, sizeof names);
+    std::memcpy(modelPaths, paths, sizeof paths);
+  }
+  listBeingBuilt = 0;
+}
+
+uint32_t ModelProcedure(void*) {
+  PrepareThreadMessages();
+  SignalEvent(&modelThreadReady);
+  while (modelRun.load() != 0) {
+    uint32_t message = 0;
+    uintptr_t value = 0;
+    const int got = WaitThreadMessage(-1, &message, &value);
+    if (got == 0) break;
+    if (got < 0) SleepMilliseconds(100);  // the queue is out of order: do not spin
+    if (got > 0 && message == messageModelsGathered) TakeGathered();
+  }
+  return 0;
+}
+
+// Index 0, the user's own aircraft, and those that are not there stay empty.
+void GatherModel(int index, bool exists) {
+  char name[modelNameSize] = "";
+  char path[modelPathSize] = "";
+  if (exists) XPLMGetNthAircraftModel(index, name, path);
+  name[modelNameSize - 1] = 0;
+  path[modelPathSize - 1] = 0;
+  const LockScope lock(&gatherLock);
+  std::strncpy(gatheredNames[index], name, modelNameSize);  // pads with zeros
+  std::strncpy(gatheredPaths[index], path, modelPathSize);
+}
+
+}  // namespace
+
+int InitTraffic() {
+  if (!CreateLock(&gatherLock)) return 0;
+  std::memset(modelNames, 0, sizeof modelNames);
+  std::memset(modelPaths, 0, sizeof modelPaths);
+  std::fill_n(planeSources, maxSlots, PlaneSource{});
+  userPlace = {};
+  for (uint32_t i = 0; i < maxSlots; ++i) {
+    slots[i].index = i;
+    slotDistances[i] = {noDistance, 0};
+  }
+  aircraftCount = 1;
+  countChanged = 0;
+  listBeingBuilt = 0;
+  return 1;
+}
+
+void ReleaseTraffic() { DeleteLock(&gatherLock); }
+
+void LoadAircraftList() {
+  int total = 0, active = 0;
+  XPLMPluginID controller = 0;
+  XPLMCountAircraft(&total, &active, &controller);
+  listBeingBuilt = 1;
+  const int known = std::min(active, static_cast<int>(maxModels));
+  for (int index = 1; index < static_cast<int>(maxModels); ++index) GatherModel(index, index < known);
+  if (!PostMessageToThread(&modelThread, messageModelsGathered, 0)) TakeGathered();
+  aircraftCount = static_cast<uint32_t>(std::max(active, 1));
+  FillTrafficPositions();  // a new slot begins where its aircraft is
+  countChanged = 1;
+}
+
+int StartAircraftModelThread() {
+  if (!CreateAutoEvent(&modelThreadReady)) return 0;
+  modelRun = 1;
+  const int started = StartThread(&modelThread, ModelProcedure, nullptr);
+  if (started) {
+    WaitEvent(&modelThreadReady, -1);  // a message to a thread without a queue is lost
+  } else {
+    modelRun = 0;
+  }
+  CloseEvent(&modelThreadReady);
+  return started;
+}
+
+void StopAircraftModelThread() {
+  if (modelThread.started.load() == 0) return;
+  modelRun = 0;
+  PostMessageToThread(&modelThread, messageQuit, 0);
+  JoinThread(&modelThread);
+}

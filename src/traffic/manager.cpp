@@ -1,0 +1,166 @@
+#include <algorithm>
+#include <cstring>
+
+#include "offsets/dispatcher.h"
+#include "offsets/memory.h"
+#include "platform/clock.h"
+#include "platform/event.h"
+#include "shell/log.h"
+#include "traffic/traffic.h"
+#include "traffic/traffic_state.h"
+
+uint32_t activeSlots;
+uint8_t clientEntry[trafficEntrySize];
+
+namespace {
+
+constexpr uint32_t sizeAndCapacity = 0x00600028;  // 40 bytes an entry, 96 entries
+constexpr uint32_t countField = 0x04, changeField = 0x06, roundsField = 0x08, markField = 0x68;
+constexpr int32_t farthest = 10000;  // 1,000 km in 0.1 km: nothing beyond is near
+constexpr uint16_t changeStep = 10;
+
+Thread managerThread;
+Event managerWake;
+std::atomic<uint32_t> managerRun;
+
+// The manager thread's own.
+uint32_t lastSerial;  // grows as long as the module lives: a slot made anew is a new aircraft to clients
+uint32_t settling;    // slots and aircraft do not agree yet
+uint16_t changeCounter;
+uint16_t nearestEntry;
+
+uint32_t WantedSlots() { return std::clamp(aircraftCount.load(), 1U, maxSlots + 1) - 1; }
+
+// Returns 0 when the slot's former thread has not ended yet: then it is for the next round.
+int AddSlot() {
+  const uint32_t index = activeSlots;
+  if (slots[index].thread.started.load() != 0) return 0;
+  if (!StartSlot(index, lastSerial + 1)) {
+    LogLine("TAVRIX->The system gives no thread for slot %02i, aircraft from there on are not shown\n",
+            static_cast<int>(index));
+    settling = 0;  // the next change of the number tries again
+    return 0;
+  }
+  ++lastSerial;
+  ++activeSlots;
+  return 1;
+}
+
+// One slot at most is added or removed in a round.
+void Settle() {
+  for (uint32_t i = activeSlots; i < maxSlots; ++i) {
+    if (slots[i].ended.load() != 0) JoinSlot(i);
+  }
+  if (countChanged.exchange(0) != 0) settling = 1;
+  if (settling == 0) return;
+  const uint32_t wanted = WantedSlots();
+  if (wanted > activeSlots) {
+    AddSlot();
+  } else if (wanted < activeSlots) {
+    EndSlot(--activeSlots);
+  }
+  if (wanted == activeSlots) settling = 0;
+}
+
+void TakeClientEntry() {
+  if (clientEntryWritten.exchange(0) == 0) return;
+  const LockScope lock(&offsetLock);
+  std::memcpy(clientEntry, offsetMemory.bytes + clientEntryOffset, sizeof clientEntry);
+}
+
+// Offset of the entry of the nearest aircraft, 0 when none is near.
+uint16_t FindNearest() {
+  uint32_t ids[maxSlots];
+  {
+    const LockScope lock(&offsetLock);
+    for (uint32_t i = 0; i < maxSlots; ++i) ids[i] = Load<uint32_t>(trafficEntryOffset + trafficEntrySize * i);
+  }
+  int32_t nearest = farthest;
+  uint32_t entry = 0;
+  const LockScope lock(&trafficSlotLock);
+  for (uint32_t i = 0; i < maxSlots; ++i) {
+    if (ids[i] == 0 || slotDistances[i].distance >= nearest) continue;
+    nearest = slotDistances[i].distance;
+    entry = slotDistances[i].entry;
+  }
+  return static_cast<uint16_t>(entry);
+}
+
+void StoreHeader() {
+  uint8_t header[trafficHeaderSize] = {};
+  const auto count = static_cast<uint16_t>(activeSlots);
+  std::memcpy(header, &sizeAndCapacity, sizeof sizeAndCapacity);
+  std::memcpy(header + countField, &count, sizeof count);
+  std::memcpy(header + changeField, &changeCounter, sizeof changeCounter);
+  for (uint32_t i = 0; i < maxSlots; ++i) {
+    header[roundsField + i] = slotRounds[i].load(std::memory_order_relaxed);
+  }
+  header[markField] = 'P';
+  std::memcpy(header + nearestField, &nearestEntry, sizeof nearestEntry);
+  const LockScope lock(&offsetLock);
+  std::memcpy(offsetMemory.bytes + trafficHeaderOffset, header, sizeof header);
+}
+
+uint32_t ManagerProcedure(void*) {
+  while (managerRun.load() != 0 && listBeingBuilt.load() != 0) WaitEvent(&managerWake, 10);
+  BeginManager();
+  while (managerRun.load() != 0) {
+    RunManagerRound();
+    WaitEvent(&managerWake, slotRoundMs);
+  }
+  EndManager();
+  SleepMilliseconds(100);
+  return 0;
+}
+
+}  // namespace
+
+void BeginManager() {
+  activeSlots = 0;
+  settling = 1;
+  nearestEntry = 0;
+  for (std::atomic<uint8_t>& rounds : slotRounds) rounds = 0;
+  countChanged = 0;
+  for (uint32_t wanted = WantedSlots(); activeSlots < wanted && AddSlot();) {
+  }
+  settling = 0;
+}
+
+void RunManagerRound() {
+  Settle();
+  TakeClientEntry();
+  nearestEntry = FindNearest();
+  changeCounter = static_cast<uint16_t>(changeCounter + changeStep);
+  StoreHeader();
+}
+
+void EndManager() {
+  LogLine("TAVRIX->%02i ATC Threads active......\n", static_cast<int>(activeSlots));
+  for (uint32_t i = 0; i < activeSlots; ++i) EndSlot(i);
+  for (uint32_t i = 0; i < maxSlots; ++i) JoinSlot(i);
+  if (activeSlots != 0) SleepMilliseconds(300);
+  LogLine("Done\n");
+  activeSlots = 0;
+  nearestEntry = 0;
+  StoreHeader();
+}
+
+int TrafficRuns() { return managerRun.load() != 0; }
+
+int StartTrafficThread() {
+  if (!CreateAutoEvent(&managerWake)) return 0;
+  managerRun = 1;
+  if (StartThread(&managerThread, ManagerProcedure, nullptr)) return 1;
+  managerRun = 0;
+  CloseEvent(&managerWake);
+  return 0;
+}
+
+void StopTrafficThread() {
+  managerRun = 0;
+  if (managerThread.started.load() == 0) return;
+  SignalEvent(&managerWake);
+  SleepMilliseconds(100);
+  JoinThread(&managerThread);
+  CloseEvent(&managerWake);
+}

@@ -1,0 +1,276 @@
+// Custom offsets while the simulator runs: refreshing, client writes, commands, reloads.
+#include <atomic>
+#include <functional>
+#include <thread>
+
+#include "custom/custom_parser.h"
+#include "custom_harness.h"
+
+namespace {
+
+using custom::Load;
+using custom::WriteFrame;
+using rows::Calls;
+using rows::Get;
+using rows::Read;
+using rows::Set;
+using rows::Write;
+
+constexpr char psi[] = "sim/flightmodel/position/psi";
+constexpr char park[] = "sim/flightmodel/controls/parkbrake";
+const std::string aliases =
+    "Dataref psi sim/flightmodel/position/psi float\nDataref park sim/flightmodel/controls/parkbrake float\n";
+
+struct CustomRuntime : testing::Test {
+  void SetUp() override { custom::Start(); }
+  void TearDown() override { custom::Stop(); }
+};
+
+TEST_F(CustomRuntime, EachGroupFollowsItsCycle) {
+  using Callback = float (*)(float, float, int, void*);
+  const Callback cycles[] = {RefreshCycle1,  RefreshCycle7,  RefreshCycle13,  RefreshCycle31Navigation,
+                             RefreshCycle31, RefreshCycle59, RefreshCycle157, RefreshCycle313};
+  std::string text = aliases;
+  for (int group = 0; group < 10; ++group) {
+    text += "Offset 66C" + std::to_string(group) + " UINT8 " + std::to_string(group) + " r $psi 1 +\n";
+  }
+  Load(text);
+  for (int cycle = 0; cycle < 8; ++cycle) {
+    Set(psi, 10 * (cycle + 1));
+    cycles[cycle](0, 0, 0, nullptr);
+    for (int group = 0; group < 10; ++group) {
+      const bool done = group >= 1 && group <= cycle + 1;
+      EXPECT_EQ(Read<uint8_t>(0x66C0 + static_cast<uint32_t>(group)), done ? 10 * group + 1 : 0) << group;
+    }
+  }
+}
+
+TEST_F(CustomRuntime, RefreshStoresTypesAndQuirks) {
+  Set(psi, 270.6);
+  Load(aliases +
+       "Dataref none no/such float\nDataref odd sim/time/paused text\n"
+       "Dataref n sim/joystick/joystick_button_values[1599] intarray\n"
+       "Dataref past sim/joystick/joystick_button_values[1600] intarray\n"
+       "Offset 9000 UINT16 1 r $psi\nOffset 66C0 SINT8 1 r $psi\nOffset 66C2 FLOAT32 1 r $psi\n"
+       "Offset 66C8 UINT16 1 w >psi @\nOffset 66CA UINT8 1 r $x\nOffset 66CB UINT8 1 r\n"
+       "Offset 66CC uint8 1 r 5\nOffset 66D0 FLOAT64 1 r $none 1 + $odd $n $past + + +\n");
+  Set("sim/joystick/joystick_button_values", 8, 1599);
+  RefreshCustomOffsets(1);
+  EXPECT_EQ(Read<uint16_t>(0x9000), 270);
+  EXPECT_EQ(Read<int8_t>(0x66C0), 14);
+  EXPECT_EQ(Read<float>(0x66C2), 270.6F);
+  EXPECT_EQ(Read<uint16_t>(0x66C8), 77);
+  EXPECT_EQ(Read<uint8_t>(0x66CA), 111);
+  EXPECT_EQ(Read<uint8_t>(0x66CB), 88);
+  EXPECT_EQ(Read<uint8_t>(0x66CC), 0);
+  EXPECT_EQ(Read<double>(0x66D0), 9);
+  // Stored again when a client has changed the bytes, though the value is the same.
+  Write<uint8_t>(0x66C0, 3);
+  RefreshCustomOffsets(1);
+  EXPECT_EQ(Read<int8_t>(0x66C0), 14);
+  // The named operations work on the loaded tables.
+  const std::string_view tokens[] = {"$psi", "10", "-", "@", "+"};
+  EXPECT_NEAR(EvaluateExpression(tokens, 0, 5, 1000), 1260.6, 1e-4);
+  Set(psi, 20);
+  RefreshCustomOffset(*FindCustomOffset(0x9000));
+  EXPECT_EQ(Read<uint16_t>(0x9000), 20);
+}
+
+// Two entries and a fixed row over the same bytes: the later refresh shows, whether its value changed or not.
+TEST_F(CustomRuntime, SharedBytesAreStoredEveryTime) {
+  Load("Offset 66C0 UINT16 1 r 258\nOffset 66C1 UINT8 2 r 9\nOffset 02BC UINT32 1 r 12345\n");
+  for (int i = 0; i < 3; ++i) {
+    Set("sim/flightmodel/position/indicated_airspeed", 100 + i);
+    RefreshCycle1(0, 0, 0, nullptr);
+    EXPECT_EQ(Read<uint32_t>(0x02BC), 12345u);
+    EXPECT_EQ(Read<uint16_t>(0x66C0), 258);
+    RefreshCycle7(0, 0, 0, nullptr);
+    EXPECT_EQ(Read<uint16_t>(0x66C0), 0x0902);
+  }
+}
+
+TEST_F(CustomRuntime, BusyLockSkipsTheRefreshThread) {
+  Load("Offset 66C0 UINT8 1 r 5\n");
+  std::atomic<int> stage = 0;
+  std::thread holder([&] {
+    const LockScope lock(&offsetLock);
+    stage = 1;
+    while (stage != 2) std::this_thread::yield();
+  });
+  while (stage != 1) std::this_thread::yield();
+  const uint64_t dropped = refreshCounters.dropped;
+  RefreshCustomOffsets(1);  // must not wait: the holder waits for us
+  EXPECT_EQ(refreshCounters.dropped, dropped + 1);
+  stage = 2;
+  holder.join();
+  EXPECT_EQ(Read<uint8_t>(0x66C0), 0);
+  RefreshCustomOffsets(1);
+  EXPECT_EQ(Read<uint8_t>(0x66C0), 5);
+}
+
+TEST_F(CustomRuntime, ClientWritesSetDatarefs) {
+  sim::Publish("t/int", sim::Kind::Int, 1, true);
+  sim::Publish("t/double", sim::Kind::Double, 1, true);
+  sim::Publish("t/floats", sim::Kind::FloatArray, 4, true);
+  sim::Publish("t/ints", sim::Kind::IntArray, 4, true);
+  sim::Publish("t/bytes", sim::Kind::Bytes, 4, true);
+  Load(aliases +
+       "Dataref i t/int int\nDataref d t/double double\nDataref fa t/floats[2] floatarray\n"
+       "Dataref ia t/ints[3] intarray\nDataref b t/bytes[1] data\nDataref none no/such int\n"
+       "Offset 66C0 SINT16 0 w >psi @ 2 /\nOffset 66C2 FLOAT64 0 rw 0 >i @\nOffset 66CA FLOAT64 0 w >d @\n"
+       "Offset 66D2 UINT8 0 w >fa @\nOffset 66D3 SINT8 0 w >ia @\nOffset 66D4 UINT16 0 w >b @\n"
+       "Offset 66D6 UINT8 0 w >psi 1 >x 2 >park 0.5 $psi * >y 3\nOffset 66D7 UINT8 0 r 0 >psi @\n"
+       "Offset 66D8 UINT8 0 w >psi\nOffset 66D9 UINT8 0 w >none @\nOffset 66DA uint8 0 w >psi @\n");
+  struct Case {
+    uint32_t offset;
+    std::function<int()> write;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {0x66C0, [] { return Write<int16_t>(0x66C0, -90); }, "sim/flightmodel/position/psi=-45.0"},
+      {0x66C0, [] { return Write<int16_t>(0x66C0, -90); }, ""},  // already there
+      {0x66C0, [] { return Write<uint8_t>(0x66C0, 0xA8); },
+       "sim/flightmodel/position/psi=-44.0"},  // high byte stays
+      {0x66C2, [] { return Write<double>(0x66C2, -3e9); }, "t/int=-2147483648"},
+      {0x66C2, [] { return Write<double>(0x66C2, 2.9); }, "t/int=2"},
+      {0x66CA, [] { return Write<double>(0x66CA, 0.25); }, "t/double=0.25"},
+      {0x66CA, [] { return Write<double>(0x66CA, std::numeric_limits<double>::quiet_NaN()); }, ""},
+      {0x66D2, [] { return Write<uint8_t>(0x66D2, 200); }, "t/floats[2]=200.0"},
+      {0x66D3, [] { return Write<int8_t>(0x66D3, -5); }, "t/ints[3]=-5"},
+      {0x66D6,
+       [] {
+         Set(psi, 3);
+         return Write<uint8_t>(0x66D6, 9);
+       },
+       "sim/flightmodel/controls/parkbrake=1.5"},
+      {0x66D7, [] { return Write<uint8_t>(0x66D7, 9); }, ""},
+      {0x66D8, [] { return Write<uint8_t>(0x66D8, 9); }, "sim/flightmodel/position/psi=88.0"},
+      {0x66D9, [] { return Write<uint8_t>(0x66D9, 9); }, ""},
+      // Both in one request: one slot, the later one counts.
+      {0x66D2, [] { return Write<uint16_t>(0x66D2, 0x0607); }, "t/ints[3]=6"}};
+  for (const Case& c : cases) {
+    custom::Writes();
+    EXPECT_EQ(c.write(), 1) << c.expected;
+    WriteFrame();
+    EXPECT_EQ(custom::Writes(), c.expected) << std::hex << c.offset;
+    WriteFrame();
+    EXPECT_EQ(custom::Writes(), "") << "applied once";
+  }
+  Write<uint16_t>(0x66D4, 0x1FF);
+  WriteFrame();
+  EXPECT_EQ(Get("t/bytes", 1), 0xFF);
+  // An entry of size 0 is no end of the walk, but nothing fixed lies there either.
+  EXPECT_EQ(Write<uint8_t>(0x66DA, 1), 0);
+  custom::Writes();
+  // Extended offsets are searched by their low 16 bits.
+  EXPECT_EQ(Write<int16_t>(0x166C0, 8), 1);
+  WriteFrame();
+  EXPECT_EQ(custom::Writes(), "sim/flightmodel/position/psi=4.0");
+  const uint8_t last[] = {1};
+  const LockScope lock(&offsetLock);
+  EXPECT_EQ(DispatchWrite(0x1FFFF, 1, last), 0);
+}
+
+TEST_F(CustomRuntime, CommandsByMode) {
+  for (const char* name : {"c/a", "c/b", "c/c"}) sim::PublishCommand(name, nullptr, 0);
+  Load(
+      "Command 66C0 UINT8 0 1 c/a 1 2 c/b 7 3 c/c 1 2 no/such\nCommand 66C1 uint8 1 1 c/b\n"
+      "Command 0BC8 SINT16 1 32767 c/b\n");
+  struct Step {
+    uint8_t value;
+    const char* calls;
+  };
+  // Held once, ended by any other value, other modes never end.
+  const Step steps[] = {{1, "begin c/a"}, {1, ""}, {2, "end c/a; once c/b"}, {0, ""},        {3, "begin c/c"},
+                        {4, ""},          {3, ""}, {1, "begin c/a"},         {5, "end c/a"}, {1, "begin c/a"}};
+  for (const Step& step : steps) {
+    Write<uint8_t>(0x66C0, step.value);
+    WriteFrame();
+    EXPECT_EQ(Calls(), step.calls) << int{step.value};
+  }
+  Write<uint8_t>(0x66C0, 2);
+  Write<uint8_t>(0x66C0, 9);
+  WriteFrame();
+  EXPECT_EQ(Calls(), "end c/a") << "only the last value of a frame counts";
+  Write<uint8_t>(0x66C1, 1);
+  WriteFrame();
+  EXPECT_EQ(Calls(), "") << "an unknown type has no bytes that could differ";
+  // A fixed offset stays one beside its command.
+  EXPECT_EQ(Write<int16_t>(0x0BC8, 32767), 1);
+  WriteFrame();
+  EXPECT_EQ(Calls(), "once c/b");
+  EXPECT_EQ(Get(park), 1);
+  Write<uint8_t>(0x66C0, 1);
+  WriteFrame();
+  Calls();
+  ClearCustomOffsets();
+  EXPECT_EQ(Calls(), "end c/a; end c/c");
+}
+
+TEST_F(CustomRuntime, ReloadsAgainAndAgain) {
+  const auto file = [](int value) {
+    return aliases + "Offset 66C0 UINT8 1 rw " + std::to_string(value) + " >psi @\n";
+  };
+  Load(file(1));
+  for (int round = 2; round < 6; ++round) {
+    const uint32_t request = round == 4 ? customReloadOffset : customClearOffset;
+    custom::WriteFile(file(round));
+    OpenLogs(custom::Folder().c_str(), nullptr);
+    Write<uint8_t>(0x66C0, 200);  // pending, dropped with the tables
+    EXPECT_EQ(Write<uint8_t>(request, 2), 1);
+    EXPECT_EQ(custom::Log(), "") << "only 1 asks";
+    EXPECT_EQ(Write<uint8_t>(request, 1), 1);
+    EXPECT_EQ(FindCustomOffset(0x66C0), nullptr) << "gone at once";
+    RefreshCustomOffsets(1);
+    EXPECT_EQ(Read<uint8_t>(0x66C0), 200);
+    WriteFrame();
+    EXPECT_EQ(custom::Writes(), "");
+    EXPECT_EQ(custom::Log(),
+              std::string(request == customClearOffset ? "Clear TAVRIXOffsets.cfg by user\n" : "") +
+                  "Reload TAVRIXOffsets.cfg\n");
+    EXPECT_EQ(Read<uint8_t>(customClearOffset), 0);
+    RefreshCycle1(0, 0, 0, nullptr);
+    EXPECT_EQ(Read<uint8_t>(customReloadOffset), 0);
+    EXPECT_EQ(Read<uint8_t>(0x66C0), round);
+  }
+  OpenLogs(custom::Folder().c_str(), nullptr);
+  ReloadCustomOffsets();
+  EXPECT_EQ(custom::Log(), "Clear TAVRIXOffsets.cfg by user\nReload TAVRIXOffsets.cfg\n");
+  EXPECT_NE(FindCustomOffset(0x66C0), nullptr);
+}
+
+// Clients write values, commands and reload requests while frames run.
+TEST_F(CustomRuntime, ReloadRaceThreads) {
+  sim::PublishCommand("c/a", nullptr, 0);
+  std::string text = aliases + "Command 6700 UINT8 0 1 c/a 1 2 c/a\n";
+  for (int i = 0; i < 50; ++i)
+    text += "Offset " + std::to_string(6800 + 8 * i) + " FLOAT64 1 rw $psi 1 + >psi @\n";
+  Load(text);
+  std::atomic<bool> run = true;
+  std::vector<std::thread> clients;
+  for (uint32_t client = 0; client < 3; ++client) {
+    clients.emplace_back([&run, client] {
+      for (uint32_t i = client; run; ++i) {
+        Write<double>(0x6800 + 8 * (i % 50), i);
+        Write<uint8_t>(0x6700, static_cast<uint8_t>(i % 4));
+        if (i % 64 == client) Write<uint8_t>(customClearOffset, 1);
+        if (i % 97 == client) Write<uint8_t>(customReloadOffset, 1);
+      }
+    });
+  }
+  for (int frame = 0; frame < 400; ++frame) {
+    WriteFrame();
+    RefreshCustomOffsets(1);
+  }
+  run = false;
+  for (std::thread& client : clients) client.join();
+  WriteFrame();
+  WriteFrame();
+  EXPECT_NE(FindCustomOffset(0x6800), nullptr);
+  ClearCustomOffsets();
+  const std::string calls = Calls();
+  EXPECT_NE(calls.find("begin c/a"), std::string::npos);
+  EXPECT_TRUE(calls.rfind("end c/a") != std::string::npos && calls.rfind("end c/a") > calls.rfind("begin c/a"));
+}
+
+}  // namespace

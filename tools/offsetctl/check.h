@@ -1,0 +1,27 @@
+// offsetctl check: tells authors of a TAVRIXOffsets.cfg what is wrong with it, line by line, through the very
+// grammar and compiler of the plug-in. Needs neither plug-in nor simulator.
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "names.h"
+
+namespace ctl {
+
+struct Finding {
+  uint32_t line, column;  // from 1
+  bool note;              // worth knowing, but the line works
+  std::string text;       // what is wrong and what would be right
+};
+
+// Examines the text of an offsets file, in the order of its lines. `log` is the text of the plug-in's log
+// TAVRIX.txt ("" for none): datarefs and commands that the last load did not find are pointed at, too. `names`
+// tells which offsets have a fixed meaning. Pure.
+std::vector<Finding> CheckOffsetsFile(std::string_view text, std::string_view log, const NameTable& names);
+
+// The command: arguments behind the word "check". Prints "FILE:LINE:COLUMN: ..." for every finding and a
+// summary. Returns 0, 1 when something is wrong or the file cannot be read, 2 for wrong usage.
+int RunCheck(int argc, char** argv);
+
+}  // namespace ctl
