@@ -1,8 +1,8 @@
 // Frame cost: all flight-loop callbacks of one frame against the very simulator calls that they make.
 //
 // The calls are recorded while the callbacks run (the linker routes them through the wrappers below) and
-// then replayed bare, through the same wrappers, in the same order, on the same handles, in the same frame. Time of the flight model
-// is not measured. Figures of one run belong together: look at the ratio.
+// then replayed bare, through the same wrappers, in the same order, on the same handles, in the same frame.
+// Time of the flight model is not measured. Figures of one run belong together: look at the ratio.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -80,17 +80,27 @@ namespace {
 void Replay() {
   for (const Recorded& r : recorded) {
     switch (r.call) {
-      case Call::GetInt: benchmark::DoNotOptimize(XPLMGetDatai(r.ref)); break;
-      case Call::GetFloat: benchmark::DoNotOptimize(XPLMGetDataf(r.ref)); break;
-      case Call::GetDouble: benchmark::DoNotOptimize(XPLMGetDatad(r.ref)); break;
+      case Call::GetInt:
+        benchmark::DoNotOptimize(XPLMGetDatai(r.ref));
+        break;
+      case Call::GetFloat:
+        benchmark::DoNotOptimize(XPLMGetDataf(r.ref));
+        break;
+      case Call::GetDouble:
+        benchmark::DoNotOptimize(XPLMGetDatad(r.ref));
+        break;
       case Call::GetInts:
         XPLMGetDatavi(r.ref, reinterpret_cast<int*>(sink), r.offset, r.max);
         break;
       case Call::GetFloats:
         XPLMGetDatavf(r.ref, reinterpret_cast<float*>(sink), r.offset, r.max);
         break;
-      case Call::GetBytes: XPLMGetDatab(r.ref, sink, r.offset, r.max); break;
-      case Call::Types: benchmark::DoNotOptimize(XPLMGetDataRefTypes(r.ref)); break;
+      case Call::GetBytes:
+        XPLMGetDatab(r.ref, sink, r.offset, r.max);
+        break;
+      case Call::Types:
+        benchmark::DoNotOptimize(XPLMGetDataRefTypes(r.ref));
+        break;
     }
     benchmark::ClobberMemory();
   }
@@ -101,10 +111,10 @@ struct Timed {
   Loop loop;
   int frames;  // the loop is due every so many frames
 };
-constexpr Timed loops[] = {{WriteCycle, 1},         {RefreshCycle1, 1},           {RefreshCycle3, 3},
-                           {RefreshCycle7, 7},      {RefreshCycle13, 13},         {RefreshCycle31Navigation, 31},
-                           {RefreshCycle31, 31},    {RefreshCycle59, 59},         {RefreshCycle157, 157},
-                           {RefreshCycle313, 313},  {OverrideWatch, 60},          {ButtonCycle, 1},
+constexpr Timed loops[] = {{WriteCycle, 1},        {RefreshCycle1, 1},   {RefreshCycle3, 3},
+                           {RefreshCycle7, 7},     {RefreshCycle13, 13}, {RefreshCycle31Navigation, 31},
+                           {RefreshCycle31, 31},   {RefreshCycle59, 59}, {RefreshCycle157, 157},
+                           {RefreshCycle313, 313}, {OverrideWatch, 60},  {ButtonCycle, 1},
                            {MultiplayerCycle, 6}};
 
 void StartAll() {
@@ -192,7 +202,10 @@ BENCHMARK(BM_Cycle<RefreshCycle1>)->Name("BM_Cycle/1")->UseManualTime()->Iterati
 BENCHMARK(BM_Cycle<RefreshCycle3>)->Name("BM_Cycle/3")->UseManualTime()->Iterations(5000);
 BENCHMARK(BM_Cycle<RefreshCycle7>)->Name("BM_Cycle/7")->UseManualTime()->Iterations(5000);
 BENCHMARK(BM_Cycle<RefreshCycle13>)->Name("BM_Cycle/13")->UseManualTime()->Iterations(5000);
-BENCHMARK(BM_Cycle<RefreshCycle31Navigation>)->Name("BM_Cycle/31_navigation")->UseManualTime()->Iterations(5000);
+BENCHMARK(BM_Cycle<RefreshCycle31Navigation>)
+    ->Name("BM_Cycle/31_navigation")
+    ->UseManualTime()
+    ->Iterations(5000);
 BENCHMARK(BM_Cycle<RefreshCycle31>)->Name("BM_Cycle/31")->UseManualTime()->Iterations(5000);
 BENCHMARK(BM_Cycle<RefreshCycle59>)->Name("BM_Cycle/59")->UseManualTime()->Iterations(5000);
 BENCHMARK(BM_Cycle<RefreshCycle157>)->Name("BM_Cycle/157")->UseManualTime()->Iterations(5000);

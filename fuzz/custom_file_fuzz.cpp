@@ -66,7 +66,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   for (const CustomCommandEntry& entry : tables.commands) {
     Require(entry.firstGroup + entry.groupCount <= tables.actions.size());
-    for (uint32_t i = 0; i < entry.groupCount; ++i) std::strlen(tables.actions[entry.firstGroup + i].name);
+    for (uint32_t i = 0; i < entry.groupCount; ++i) {
+      Require(std::strlen(tables.actions[entry.firstGroup + i].name) <= maxCustomTokenLength);
+    }
   }
   return 0;
 }

@@ -68,10 +68,11 @@ inline std::string Writes() {
 }
 
 // The text of each fenced block of that kind in a document.
-inline std::vector<std::string> Blocks(const std::string& document, const std::string& kind) {
-  const std::string text = ReadText(std::string(TAVRIX_SOURCE_DIR) + "/docs/" + document);
+inline std::vector<std::string> Blocks(const char* document, const char* kind) {
+  const std::string text = ReadText(std::string(TAVRIX_SOURCE_DIR "/docs/").append(document));
   std::vector<std::string> blocks;
-  const std::string fence = "```" + kind + "\n";
+  std::string fence = "```";
+  fence.append(kind).append("\n");
   for (size_t at = text.find(fence); at != std::string::npos; at = text.find(fence, at)) {
     at += fence.size();
     blocks.push_back(text.substr(at, text.find("```", at) - at));

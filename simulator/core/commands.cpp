@@ -150,6 +150,7 @@ std::string TakeCalls() {
 
 XPLMCommandRef XPLMFindCommand(const char* name) {
   sim::Check("XPLMFindCommand");
+  sim::lookUps++;
   auto found = sim::commands.find(name ? name : "");
   return found != sim::commands.end() && found->second->live ? found->second.get() : nullptr;
 }

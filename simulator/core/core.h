@@ -26,6 +26,8 @@ inline void Check(const char* function) {
   }
 }
 
+extern uint64_t lookUps;  // by name, of datarefs and commands
+
 // --- Plug-ins ------------------------------------------------------------------------------------
 struct Plugin {
   int id = 0;

@@ -83,8 +83,16 @@ int ProvidedArray(const DataRef* ref, int (*Provider::*provided)(void*, Out*, in
 
 }  // namespace
 
+namespace sim {
+
+uint64_t lookUps;
+uint64_t LookUps() { return lookUps; }
+
+}  // namespace sim
+
 XPLMDataRef XPLMFindDataRef(const char* name) {
   sim::Check("XPLMFindDataRef");
+  sim::lookUps++;
   return name ? sim::FindLive(name) : nullptr;
 }
 

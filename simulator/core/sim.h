@@ -121,6 +121,8 @@ SIM_API void Breach(const char* function, const char* why);
 SIM_API void CheckCaller(const char* function);
 // Everything that Breach has told since the last call of this, as "FUNCTION: WHY" (tolerant mode). Any thread.
 SIM_API std::vector<std::string> TakeBreaches();
+// Datarefs and commands that were looked up by name since the program began.
+SIM_API uint64_t LookUps();
 // Identifier of the plug-in whose code is running. Outside of any callback (a test that calls on its own)
 // the first plug-in, 0 when there is none.
 SIM_API int CallingPlugin();

@@ -10,10 +10,10 @@ namespace {
 // Position comes before attitude and attitude before the velocities, so that a client that sends all of
 // them in one request gets its velocity along the new heading.
 constexpr std::array<const RowTable*, 24> tables = {
-    &timeRows,   &positionRows, &speedRows,          &forceRows,   &autopilotRows, &controlRows,
-    &slewRows,   &throttleRows, &engineRows,         &iceRows,     &lightRows,     &electricRows,
-    &fuelRows,   &weightRows,   &pressurisationRows, &failureRows, &radioRows,     &navigationRows,
-    &identityRows, &airRows,    &cloudRows,          &windRows,    &situationRows, &miscRows};
+    &timeRows,     &positionRows, &speedRows,          &forceRows,   &autopilotRows, &controlRows,
+    &slewRows,     &throttleRows, &engineRows,         &iceRows,     &lightRows,     &electricRows,
+    &fuelRows,     &weightRows,   &pressurisationRows, &failureRows, &radioRows,     &navigationRows,
+    &identityRows, &airRows,      &cloudRows,          &windRows,    &situationRows, &miscRows};
 
 template <typename T>
 T Get(const uint8_t* bytes) {
@@ -29,15 +29,20 @@ std::span<const RowTable* const> Catalogue() { return tables; }
 uint32_t StoredWidth(const OffsetRow& row) {
   switch (row.type) {
     case Stored::U8:
-    case Stored::S8: return 1;
+    case Stored::S8:
+      return 1;
     case Stored::U16:
-    case Stored::S16: return 2;
+    case Stored::S16:
+      return 2;
     case Stored::U32:
     case Stored::S32:
-    case Stored::F32: return 4;
+    case Stored::F32:
+      return 4;
     case Stored::S64:
-    case Stored::F64: return 8;
-    case Stored::Text: return row.length;
+    case Stored::F64:
+      return 8;
+    case Stored::Text:
+      return row.length;
   }
   return 0;
 }
@@ -49,27 +54,38 @@ void EncodeNumber(const OffsetRow& row, double value, uint8_t bytes[8]) {
 
 double DecodeNumber(Stored type, const uint8_t* bytes) {
   switch (type) {
-    case Stored::F32: return static_cast<double>(Get<float>(bytes));
-    case Stored::F64: return Get<double>(bytes);
-    default: return static_cast<double>(DecodeInteger(type, bytes));
+    case Stored::F32:
+      return static_cast<double>(Get<float>(bytes));
+    case Stored::F64:
+      return Get<double>(bytes);
+    default:
+      return static_cast<double>(DecodeInteger(type, bytes));
   }
 }
 
 int64_t DecodeInteger(Stored type, const uint8_t* bytes) {
   switch (type) {
-    case Stored::U8: return Get<uint8_t>(bytes);
-    case Stored::S8: return Get<int8_t>(bytes);
-    case Stored::U16: return Get<uint16_t>(bytes);
-    case Stored::S16: return Get<int16_t>(bytes);
-    case Stored::U32: return Get<uint32_t>(bytes);
-    case Stored::S32: return Get<int32_t>(bytes);
-    case Stored::S64: return Get<int64_t>(bytes);
+    case Stored::U8:
+      return Get<uint8_t>(bytes);
+    case Stored::S8:
+      return Get<int8_t>(bytes);
+    case Stored::U16:
+      return Get<uint16_t>(bytes);
+    case Stored::S16:
+      return Get<int16_t>(bytes);
+    case Stored::U32:
+      return Get<uint32_t>(bytes);
+    case Stored::S32:
+      return Get<int32_t>(bytes);
+    case Stored::S64:
+      return Get<int64_t>(bytes);
     case Stored::F32:
     case Stored::F64: {
       const double number = DecodeNumber(type, bytes);
       return std::isnan(number) ? 0 : Truncated<int64_t>(number);
     }
-    case Stored::Text: break;
+    case Stored::Text:
+      break;
   }
   return 0;
 }

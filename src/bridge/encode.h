@@ -31,17 +31,27 @@ inline T Truncated(double value) {
   return static_cast<T>(value);
 }
 
-// A control value that was written as v / 16383 into a float comes back as v only when the product is
-// rounded to the float's own precision before it is truncated.
-inline double Rounded(double value) { return static_cast<double>(static_cast<float>(value)); }
+// For 8 and 16 bits. A control value that was written as v / 16383 into a float comes back as v only when the
+// product is rounded to the float's own precision before it is truncated. Their limits are exact there, so
+// that limiting comes first and nothing is left to decide.
+template <typename T>
+inline T TruncatedSingle(double value) {
+  static_assert(sizeof(T) <= 2);
+  constexpr auto low = static_cast<float>(std::numeric_limits<T>::min());
+  constexpr auto high = static_cast<float>(std::numeric_limits<T>::max());
+  const auto single = static_cast<float>(value);
+  const float above = single > low ? single : low;
+  const auto whole = static_cast<int32_t>(above < high ? above : high);
+  return static_cast<T>(single == single ? whole : 0);
+}
 
 // The stored bytes in the word's low end, zero above them. NaN has no stored form and gives 0.
 inline uint64_t EncodedWord(Stored type, double value) {
   switch (type) {
-    case Stored::U8: return Truncated<uint8_t>(Rounded(value));
-    case Stored::S8: return static_cast<uint8_t>(Truncated<int8_t>(Rounded(value)));
-    case Stored::U16: return Truncated<uint16_t>(Rounded(value));
-    case Stored::S16: return static_cast<uint16_t>(Truncated<int16_t>(Rounded(value)));
+    case Stored::U8: return TruncatedSingle<uint8_t>(value);
+    case Stored::S8: return static_cast<uint8_t>(TruncatedSingle<int8_t>(value));
+    case Stored::U16: return TruncatedSingle<uint16_t>(value);
+    case Stored::S16: return static_cast<uint16_t>(TruncatedSingle<int16_t>(value));
     case Stored::U32: return Truncated<uint32_t>(value);
     case Stored::S32: return static_cast<uint32_t>(Truncated<int32_t>(value));
     case Stored::S64: return static_cast<uint64_t>(Truncated<int64_t>(value));

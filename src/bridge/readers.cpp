@@ -1,4 +1,8 @@
 // Readers: tight groups of catalogue rows that are read, converted and stored together.
+//
+// A group runs in three passes, each a short loop that does one thing, because that is what a processor is
+// fast at: all calls to the simulator, then all conversions, then (with the lock held) all stores. What a
+// frame needs of a row is laid out for that beforehand, sorted by width and type.
 #include <algorithm>
 #include <vector>
 
@@ -10,161 +14,204 @@ RefreshCounters refreshCounters;
 
 namespace {
 
-constexpr size_t groupRows = 32;
-constexpr uint64_t neverRead = 0x7FF8DEADBEEF0001;  // a NaN that no simulator value has
+constexpr uint32_t groupRows = 32;
 constexpr size_t cycleCount = static_cast<size_t>(Cycle::Count);
 
-// One row as a frame needs it: a cache line each, so that a cycle walks few of them.
-struct alignas(64) Item {
-  // Reads the simulator (or takes `value`, what the item before has read), converts, keeps the stored form.
-  // Returns 1 when that differs from before. Chosen once by accessor and type: no decisions in a frame.
-  int (*run)(Item& item, double* value);
+// A group's numbers of one run: 0 for rows whose handle is null, what the simulator gave, what functions
+// made of it.
+constexpr uint32_t zeroSlot = 0;
+constexpr uint32_t firstFetched = 1;
+constexpr uint32_t firstDerived = firstFetched + groupRows;
+constexpr uint32_t slotCount = firstDerived + groupRows;
+
+// One call to the simulator.
+struct Fetch {
   XPLMDataRef handle;
-  uint64_t lastValue, lastWord;  // bits of the value converted last, and the stored form it gave
-  double factor, add;
-  union {
-    double (*convert)(double value);                      // null: factor and add
-    int (*read)(const OffsetRow& row, double* value);     // when `run` is null
-  };
-  uint32_t offset;
-  int16_t element;
+  int element;
   Accessor accessor;
-  Stored type;
-  uint8_t width;
+};
+
+// The number of a row with a function: its own reading, or a conversion that is more than a factor.
+struct Derivation {
+  int (*read)(const OffsetRow& row, double* value);  // null: `convert`
+  double (*convert)(double value);
+  const OffsetRow* row;
+  uint8_t from;  // slot that is converted
+  uint8_t to;
+  uint8_t item;  // in its group
+};
+
+// stored = encoded (slot x factor + add)
+struct Item {
+  double factor, add;
+  uint32_t offset;
+  uint8_t slot, width;
+};
+
+using Encode = void (*)(const Item* item, uint32_t count, const double* slots, uint8_t* bytes);
+// Items of one type that stand together.
+struct Segment {
+  Encode encode;
+  uint16_t count, bytes;
 };
 
 struct Group {
-  uint32_t first, count;  // items
-  uint32_t generation;    // of the memory when the group was last stored
-  bool stored;            // the memory got every item's `lastWord`
+  const OffsetRow* text;               // a row of text alone, else null
+  std::vector<const OffsetRow*> rows;  // up to groupRows numbers
+  // Laid out when the handles are bound:
+  std::vector<Fetch> fetches;  // by accessor, so many of each kind:
+  uint32_t floatElements, floats, ints;
+  std::vector<Derivation> derivations;
+  std::vector<Item> items;         // widest first
+  std::vector<Segment> segments;   // of items
+  uint32_t eights, fours, twos, ones;  // items of each width
+
 };
 
-std::vector<Item> items;
-std::vector<const OffsetRow*> rowOf;  // row of each item
 std::vector<Group> groups[cycleCount];
 char textBytes[256];
 
-bool SameSource(const Source& a, const Source& b) {
-  return a.block == b.block && a.index == b.index && a.accessor == b.accessor && a.element == b.element;
-}
-
-template <Accessor accessor>
-double ReadAs(const Item& item) {
-  if (item.handle == nullptr) return 0;
-  if constexpr (accessor == Accessor::Float) {
-    return static_cast<double>(XPLMGetDataf(item.handle));
-  } else if constexpr (accessor == Accessor::Int) {
-    return XPLMGetDatai(item.handle);
-  } else if constexpr (accessor == Accessor::FloatArray) {
-    float value = 0;
-    XPLMGetDatavf(item.handle, &value, item.element, 1);
-    return static_cast<double>(value);
-  } else {
-    return ReadNumber(item.handle, item.accessor, item.element);
-  }
-}
-
-int Keep(Item& item, uint64_t word) {
-  const int differs = word != item.lastWord;
-  item.lastWord = word;
-  return differs;
-}
-
-// Accessor::None stands for "the same dataref as the item before".
-template <Accessor accessor, Stored type>
-int RunLinear(Item& item, double* value) {
-  if constexpr (accessor != Accessor::None) *value = ReadAs<accessor>(item);
-  return Keep(item, EncodedWord(type, *value * item.factor + item.add));
-}
-
-// With a conversion function; most of these values stand still from one run to the next.
-template <Accessor accessor>
-int RunConverted(Item& item, double* value) {
-  if constexpr (accessor != Accessor::None) *value = ReadAs<accessor>(item);
-  const auto bits = std::bit_cast<uint64_t>(*value);
-  if (bits == item.lastValue) return 0;
-  item.lastValue = bits;
-  return Keep(item, EncodedWord(item.type, item.convert(*value)));
-}
-
-using Run = int (*)(Item& item, double* value);
-
-template <Accessor accessor>
-Run ChooseByType(Stored type) {
-  switch (type) {
-    case Stored::U8: return RunLinear<accessor, Stored::U8>;
-    case Stored::S8: return RunLinear<accessor, Stored::S8>;
-    case Stored::U16: return RunLinear<accessor, Stored::U16>;
-    case Stored::S16: return RunLinear<accessor, Stored::S16>;
-    case Stored::U32: return RunLinear<accessor, Stored::U32>;
-    case Stored::S32: return RunLinear<accessor, Stored::S32>;
-    case Stored::S64: return RunLinear<accessor, Stored::S64>;
-    case Stored::F32: return RunLinear<accessor, Stored::F32>;
-    case Stored::F64:
-    case Stored::Text: break;
-  }
-  return RunLinear<accessor, Stored::F64>;
-}
-
-template <Accessor accessor>
-Run ChooseForAccessor(const Item& item) {
-  return item.convert != nullptr ? RunConverted<accessor> : ChooseByType<accessor>(item.type);
-}
-
-Run ChooseRun(const Item& item, bool again) {
-  if (again) return ChooseForAccessor<Accessor::None>(item);
-  switch (item.accessor) {
-    case Accessor::Float: return ChooseForAccessor<Accessor::Float>(item);
-    case Accessor::Int: return ChooseForAccessor<Accessor::Int>(item);
-    case Accessor::FloatArray: return ChooseForAccessor<Accessor::FloatArray>(item);
-    default: return ChooseForAccessor<Accessor::Any>(item);
-  }
-}
-
-Item MakeItem(const OffsetRow& row, const OffsetRow* before) {
-  Item item = {};
-  item.lastValue = neverRead;
-  item.factor = row.factor;
-  item.add = row.add;
-  item.offset = row.offset;
-  item.element = static_cast<int16_t>(row.source.element);
-  item.accessor = row.source.accessor;
-  item.type = row.type;
-  item.width = static_cast<uint8_t>(std::min<uint32_t>(StoredWidth(row), 255));
-  if (row.read != nullptr) {
-    item.read = row.read;
-  } else {
-    item.convert = row.convert;
-    item.run = ChooseRun(item, before != nullptr && before->read == nullptr &&
-                                   SameSource(before->source, row.source));
-  }
-  return item;
-}
+// --- Building -----------------------------------------------------------------------------------------
 
 bool HasReader(const OffsetRow& row) {
   return row.cycle != Cycle::None &&
          (row.read != nullptr || row.readText != nullptr || row.source.block != Block::None);
 }
 
+// In a group the wide values are stored first: a row that lies within an earlier, wider one still ends up
+// on top of it, any other overlap needs a group of its own.
+bool FitsInto(const Group& group, const OffsetRow& row) {
+  const uint32_t width = StoredWidth(row);
+  return group.rows.size() < groupRows &&
+         std::none_of(group.rows.begin(), group.rows.end(), [&](const OffsetRow* other) {
+           const uint32_t otherWidth = StoredWidth(*other);
+           return row.offset < other->offset + otherWidth && other->offset < row.offset + width &&
+                  width >= otherWidth;
+         });
+}
+
+// Small subjects share a group, so that a cycle takes the lock a few times only; no subject that fits into
+// one group is torn.
 void AddSubject(const RowTable& table, Cycle cycle) {
-  std::vector<Group>& list = groups[static_cast<size_t>(cycle)];
-  const OffsetRow* before = nullptr;  // of the group being filled
-  size_t filled = 0;
+  std::vector<const OffsetRow*> rows;
   for (const OffsetRow& row : table.rows) {
-    if (row.cycle != cycle || !HasReader(row)) continue;
-    const bool text = row.type == Stored::Text;
-    if (text || before == nullptr || filled == groupRows) {
-      list.push_back({static_cast<uint32_t>(items.size()), 0, 0, false});
-      before = nullptr;
-      filled = 0;
+    if (row.cycle == cycle && HasReader(row)) rows.push_back(&row);
+  }
+  std::vector<Group>& list = groups[static_cast<size_t>(cycle)];
+  bool fresh = list.empty() || (rows.size() <= groupRows && list.back().rows.size() + rows.size() > groupRows);
+  for (const OffsetRow* row : rows) {
+    const bool text = row->type == Stored::Text;
+    if (fresh || text || list.back().text != nullptr || !FitsInto(list.back(), *row)) {
+      list.emplace_back();
+      fresh = false;
     }
-    items.push_back(MakeItem(row, before));
-    rowOf.push_back(&row);
-    list.back().count++;
-    filled++;
-    before = text ? nullptr : &row;
+    if (text) {
+      list.back().text = row;
+    } else {
+      list.back().rows.push_back(row);
+    }
   }
 }
+
+template <Stored type, typename T>
+void EncodeAs(const Item* item, uint32_t count, const double* slots, uint8_t* bytes) {
+  for (uint32_t i = 0; i < count; i++) {
+    const auto word = static_cast<T>(EncodedWord(type, slots[item[i].slot] * item[i].factor + item[i].add));
+    std::memcpy(bytes + i * sizeof word, &word, sizeof word);
+  }
+}
+
+Encode EncoderOf(Stored type) {
+  switch (type) {
+    case Stored::U8: return EncodeAs<Stored::U8, uint8_t>;
+    case Stored::S8: return EncodeAs<Stored::S8, uint8_t>;
+    case Stored::U16: return EncodeAs<Stored::U16, uint16_t>;
+    case Stored::S16: return EncodeAs<Stored::S16, uint16_t>;
+    case Stored::U32: return EncodeAs<Stored::U32, uint32_t>;
+    case Stored::S32: return EncodeAs<Stored::S32, uint32_t>;
+    case Stored::S64: return EncodeAs<Stored::S64, uint64_t>;
+    case Stored::F32: return EncodeAs<Stored::F32, uint32_t>;
+    case Stored::F64:
+    case Stored::Text: break;
+  }
+  return EncodeAs<Stored::F64, uint64_t>;
+}
+
+bool IsFetched(const OffsetRow* row) { return row->read == nullptr && HandleOf(row->source) != nullptr; }
+
+bool SameCall(const Fetch& a, const Fetch& b) {
+  return a.handle == b.handle && a.accessor == b.accessor && a.element == b.element;
+}
+Fetch FetchOf(const OffsetRow* row) {
+  return {HandleOf(row->source), row->source.element, row->source.accessor};
+}
+
+// One call for all rows of the group that read the same; kinds in the order of FetchNumbers.
+void LayOutFetches(Group* group) {
+  std::vector<Fetch> all;
+  for (const OffsetRow* row : group->rows) {
+    if (!IsFetched(row)) continue;
+    const Fetch fetch = FetchOf(row);
+    if (std::none_of(all.begin(), all.end(), [&](const Fetch& known) { return SameCall(known, fetch); })) {
+      all.push_back(fetch);
+    }
+  }
+  group->fetches.clear();
+  const auto take = [&](auto belongs) {
+    const size_t before = group->fetches.size();
+    std::copy_if(all.begin(), all.end(), std::back_inserter(group->fetches), belongs);
+    return static_cast<uint32_t>(group->fetches.size() - before);
+  };
+  group->floatElements = take([](const Fetch& f) { return f.accessor == Accessor::FloatArray; });
+  group->floats = take([](const Fetch& f) { return f.accessor == Accessor::Float; });
+  group->ints = take([](const Fetch& f) { return f.accessor == Accessor::Int; });
+  take([](const Fetch& f) {
+    return f.accessor != Accessor::FloatArray && f.accessor != Accessor::Float && f.accessor != Accessor::Int;
+  });
+}
+
+uint8_t SlotOf(const Group& group, const OffsetRow* row) {
+  if (!IsFetched(row)) return zeroSlot;
+  const Fetch fetch = FetchOf(row);
+  const auto known = std::find_if(group.fetches.begin(), group.fetches.end(),
+                                  [&](const Fetch& other) { return SameCall(other, fetch); });
+  return static_cast<uint8_t>(firstFetched + (known - group.fetches.begin()));
+}
+
+void LayOutItems(Group* group) {
+  std::vector<const OffsetRow*> sorted = group->rows;
+  std::stable_sort(sorted.begin(), sorted.end(), [](const OffsetRow* a, const OffsetRow* b) {
+    return StoredWidth(*a) != StoredWidth(*b) ? StoredWidth(*a) > StoredWidth(*b) : a->type < b->type;
+  });
+  group->items.clear();
+  group->segments.clear();
+  group->eights = group->fours = group->twos = group->ones = 0;
+  for (const OffsetRow* row : sorted) {
+    const uint32_t width = StoredWidth(*row);
+    group->items.push_back(
+        {row->factor, row->add, row->offset, SlotOf(*group, row), static_cast<uint8_t>(width)});
+    (width == 8 ? group->eights : width == 4 ? group->fours : width == 2 ? group->twos : group->ones)++;
+    const Encode encode = EncoderOf(row->type);
+    if (group->segments.empty() || group->segments.back().encode != encode) group->segments.push_back({encode, 0, 0});
+    group->segments.back().count++;
+    group->segments.back().bytes = static_cast<uint16_t>(group->segments.back().bytes + width);
+  }
+  // Functions in the catalogue's order: some rows use what the row before them has read.
+  group->derivations.clear();
+  for (const OffsetRow* row : group->rows) {
+    if (row->read == nullptr && row->convert == nullptr) continue;
+    const auto number = static_cast<uint8_t>(std::find(sorted.begin(), sorted.end(), row) - sorted.begin());
+    Item& item = group->items[number];
+    const auto slot = static_cast<uint8_t>(firstDerived + group->derivations.size());
+    group->derivations.push_back({row->read, row->convert, row, item.slot, slot, number});
+    // Times 1 plus -0 leaves every number as it is, -0 too.
+    item.factor = 1;
+    item.add = -0.0;
+    item.slot = slot;
+  }
+}
+
+// --- Running ------------------------------------------------------------------------------------------
 
 void RunText(const OffsetRow& row) {
   std::memset(textBytes, 0, sizeof textBytes);
@@ -178,68 +225,98 @@ void RunText(const OffsetRow& row) {
   refreshCounters.stored++;
 }
 
-// Reads and converts with no lock held. Returns true when something differs from the run before.
-bool Gather(const Group& group, uint32_t* left) {
-  double value = 0;
-  int differs = 0;
-  Item* item = items.data() + group.first;
-  for (uint32_t i = 0; i < group.count; i++, item++) {
-    if (item->run != nullptr) {
-      differs |= item->run(*item, &value);
-      continue;
-    }
-    double derived = 0;
-    if (item->read(*rowOf[group.first + i], &derived) != 0) {
-      differs |= Keep(*item, EncodedWord(item->type, derived));
-    } else {
-      *left |= 1U << i;
-    }
+// Fills the slots from the simulator. No lock held.
+void FetchNumbers(const Group& group, double* slots) {
+  const Fetch* fetch = group.fetches.data();
+  const Fetch* const end = fetch + group.fetches.size();
+  float elements[groupRows];
+  const uint32_t elementCount = group.floatElements;
+  for (uint32_t i = 0; i < elementCount; i++, fetch++) {
+    elements[i] = 0;  // stays when the array is shorter
+    XPLMGetDatavf(fetch->handle, &elements[i], fetch->element, 1);
   }
-  return differs != 0;
+  double* slot = slots + firstFetched + elementCount;
+  for (const Fetch* last = fetch + group.floats; fetch != last; fetch++) {
+    *slot++ = static_cast<double>(XPLMGetDataf(fetch->handle));
+  }
+  for (const Fetch* last = fetch + group.ints; fetch != last; fetch++) *slot++ = XPLMGetDatai(fetch->handle);
+  for (; fetch != end; fetch++) *slot++ = ReadNumber(fetch->handle, fetch->accessor, fetch->element);
+  // The elements last: a load right behind the store of the same bytes would wait for it.
+  for (uint32_t i = 0; i < elementCount; i++) slots[firstFetched + i] = static_cast<double>(elements[i]);
 }
 
-void StoreWord(uint32_t offset, uint32_t width, uint64_t word) {
-  uint8_t* place = offsetMemory.bytes + offset;
-  switch (width) {
-    case 1: std::memcpy(place, &word, 1); break;
-    case 2: std::memcpy(place, &word, 2); break;
-    case 4: std::memcpy(place, &word, 4); break;
-    default: std::memcpy(place, &word, 8); break;
+// Runs the rows' functions. Returns bit n for item n that is left as it is.
+uint32_t Derive(const Group& group, double* slots) {
+  uint32_t left = 0;
+  for (const Derivation& derivation : group.derivations) {
+    if (derivation.read == nullptr) {
+      slots[derivation.to] = derivation.convert(slots[derivation.from]);
+      continue;
+    }
+    double value = 0;
+    if (derivation.read(*derivation.row, &value) == 0) left |= 1U << derivation.item;
+    slots[derivation.to] = value;
   }
+  return left;
+}
+
+// Copies values of one width to their places; returns what lies behind them.
+template <typename T>
+const uint8_t* StoreAs(const Item* item, uint32_t count, const uint8_t* bytes) {
+  for (uint32_t i = 0; i < count; i++, bytes += sizeof(T)) {
+    std::memcpy(offsetMemory.bytes + item[i].offset, bytes, sizeof(T));
+  }
+  return bytes;
+}
+
+// The lock is held.
+void StoreBytes(const Group& group, const uint8_t* bytes, uint32_t left) {
+  const Item* item = group.items.data();
+  if (left != 0) {
+    for (size_t i = 0; i < group.items.size(); bytes += item[i].width, i++) {
+      if ((left >> i & 1) == 0) std::memcpy(offsetMemory.bytes + item[i].offset, bytes, item[i].width);
+    }
+    return;
+  }
+  bytes = StoreAs<uint64_t>(item, group.eights, bytes);
+  item += group.eights;
+  bytes = StoreAs<uint32_t>(item, group.fours, bytes);
+  item += group.fours;
+  bytes = StoreAs<uint16_t>(item, group.twos, bytes);
+  item += group.twos;
+  StoreAs<uint8_t>(item, group.ones, bytes);
 }
 
 void RunGroup(Group& group) {
-  const Item* item = items.data() + group.first;
-  if (item->type == Stored::Text) {
-    RunText(*rowOf[group.first]);
+  if (group.text != nullptr) {
+    RunText(*group.text);
     return;
   }
-  uint32_t left = 0;  // bit i: item i is left as it is
-  const bool differs = Gather(group, &left);
-  // Nobody but us has touched the memory since these very bytes were stored: they are there.
-  if (!differs && group.stored && group.generation == memoryGeneration.load(std::memory_order_relaxed)) {
-    refreshCounters.stored++;
-    return;
+  double slots[slotCount];
+  slots[zeroSlot] = 0;
+  FetchNumbers(group, slots);
+  const uint32_t left = Derive(group, slots);
+
+  alignas(8) uint8_t bytes[groupRows * sizeof(double)];
+  const Item* item = group.items.data();
+  uint8_t* to = bytes;
+  for (const Segment& segment : group.segments) {
+    segment.encode(item, segment.count, slots, to);
+    item += segment.count;
+    to += segment.bytes;
   }
   if (TryEnterLock(&offsetLock) == 0) {
-    group.stored = false;
     refreshCounters.dropped++;
     return;
   }
-  for (uint32_t i = 0; i < group.count; i++, item++) {
-    if ((left >> i & 1) == 0) StoreWord(item->offset, item->width, item->lastWord);
-  }
-  group.generation = memoryGeneration.load(std::memory_order_relaxed);
+  StoreBytes(group, bytes, left);
   LeaveLock(&offsetLock);
-  group.stored = true;
   refreshCounters.stored++;
 }
 
 }  // namespace
 
 void BuildReaders() {
-  items.clear();
-  rowOf.clear();
   refreshCounters = {};
   for (size_t cycle = 0; cycle < cycleCount; cycle++) {
     groups[cycle].clear();
@@ -250,12 +327,11 @@ void BuildReaders() {
 }
 
 void BindReaders() {
-  for (size_t i = 0; i < items.size(); i++) {
-    items[i].handle = items[i].run == nullptr ? nullptr : HandleOf(rowOf[i]->source);
-    items[i].lastValue = neverRead;
-  }
   for (std::vector<Group>& list : groups) {
-    for (Group& group : list) group.stored = false;
+    for (Group& group : list) {
+      LayOutFetches(&group);
+      LayOutItems(&group);
+    }
   }
 }
 

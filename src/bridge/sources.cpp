@@ -28,33 +28,9 @@ int Saturated(double value) {
 
 }  // namespace
 
-double ReadNumber(XPLMDataRef handle, Accessor accessor, int element) {
-  if (handle == nullptr) return 0;
-  switch (accessor) {
-    case Accessor::Float: return static_cast<double>(XPLMGetDataf(handle));
-    case Accessor::Int: return XPLMGetDatai(handle);
-    case Accessor::Double: return XPLMGetDatad(handle);
-    case Accessor::FloatArray: {
-      float value = 0;
-      XPLMGetDatavf(handle, &value, element, 1);
-      return static_cast<double>(value);
-    }
-    case Accessor::IntArray: {
-      int value = 0;
-      XPLMGetDatavi(handle, &value, element, 1);
-      return value;
-    }
-    case Accessor::Any: {
-      const Accessor fitting = FittingAccessor(handle);
-      return fitting == Accessor::None ? 0 : ReadNumber(handle, fitting, element);
-    }
-    case Accessor::None: break;
-  }
-  return 0;
-}
-
-double ReadSource(const Source& source) {
-  return ReadNumber(HandleOf(source), source.accessor, source.element);
+double ReadFitting(XPLMDataRef handle, int element) {
+  const Accessor fitting = FittingAccessor(handle);
+  return fitting == Accessor::None ? 0 : ReadNumber(handle, fitting, element);
 }
 
 void SetSource(const Source& source, double value) {

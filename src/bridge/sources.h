@@ -45,9 +45,34 @@ inline XPLMDataRef HandleOf(const Source& source) {
                                             : nullptr;
 }
 
-// The number as the simulator has it; 0 for a null handle or an element beyond the dataref's end.
-double ReadSource(const Source& source);
-double ReadNumber(XPLMDataRef handle, Accessor accessor, int element);
+// Accessor::Any: reads with the accessor that the simulator says fits. The handle is not null.
+double ReadFitting(XPLMDataRef handle, int element);
+// The number as the simulator has it; 0 for a null handle or an element beyond the dataref's end. Inline,
+// because nearly all sources are constants: the call that is left then is the simulator's.
+inline double ReadNumber(XPLMDataRef handle, Accessor accessor, int element) {
+  if (handle == nullptr) return 0;
+  switch (accessor) {
+    case Accessor::Float: return static_cast<double>(XPLMGetDataf(handle));
+    case Accessor::Int: return XPLMGetDatai(handle);
+    case Accessor::Double: return XPLMGetDatad(handle);
+    case Accessor::FloatArray: {
+      float value = 0;
+      XPLMGetDatavf(handle, &value, element, 1);
+      return static_cast<double>(value);
+    }
+    case Accessor::IntArray: {
+      int value = 0;
+      XPLMGetDatavi(handle, &value, element, 1);
+      return value;
+    }
+    case Accessor::Any: return ReadFitting(handle, element);
+    case Accessor::None: break;
+  }
+  return 0;
+}
+inline double ReadSource(const Source& source) {
+  return ReadNumber(HandleOf(source), source.accessor, source.element);
+}
 inline int ReadInt(const Source& source) { return static_cast<int>(ReadSource(source)); }
 inline int IsOn(const Source& source) { return ReadSource(source) != 0; }
 // Sets it; int datarefs take the truncated value, saturated. NaN and infinity are not handed on.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 #include "custom/expression.h"
@@ -114,7 +113,7 @@ struct TextStore {
 };
 
 std::string_view Keep(TextStore* store, std::string_view text) {
-  std::memcpy(store->at, text.data(), text.size());
+  text.copy(store->at, text.size());
   store->at[text.size()] = '\0';
   const std::string_view kept(store->at, text.size());
   store->at += text.size() + 1;

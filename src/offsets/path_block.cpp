@@ -60,16 +60,21 @@ int FillPathBlock(uint32_t offset, uint32_t length, PathSource source) {
   uint32_t consumed = 0;
   while (consumed < length) {
     switch (offset + consumed) {
-      case 0x3BFC: consumed += 4; break;
+      case 0x3BFC:
+        consumed += 4;
+        break;
       case 0x3C00:
-      case 0x3D00: consumed += 256; break;
+      case 0x3D00:
+        consumed += 256;
+        break;
       case pathBlock:
         std::memcpy(offsetMemory.bytes + pathBlock, source == PathSource::Local ? localFolder : networkFolder,
                     folderSize);
         NoteMemoryChanged();
         consumed += 256;
         break;
-      default: return 0;
+      default:
+        return 0;
     }
   }
   return 1;

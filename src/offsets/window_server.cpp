@@ -1,8 +1,7 @@
 #include "offsets/window_server.h"
 
-#include <windows.h>
-
 #include <mmsystem.h>
+#include <windows.h>
 
 #include <atomic>
 
@@ -74,17 +73,26 @@ void CaptureJoystick(HWND window) {
   const MMRESULT result = joySetCapture(window, JOYSTICKID1, 50, TRUE);
   const char* text = "Invalid Other !";
   switch (result) {
-    case 0: text = "OK!"; break;
-    case 6: text = "NODRIVER!"; break;
+    case 0:
+      text = "OK!";
+      break;
+    case 6:
+      text = "NODRIVER!";
+      break;
     case 11:
-    case 165: text = "Invalid joystick ID or hwnd is NULL!"; break;
+    case 165:
+      text = "Invalid joystick ID or hwnd is NULL!";
+      break;
     case 166:
       text =
           "Cannot capture joystick input because a required service (such as a Windows timer) is "
           "unavailable!";
       break;
-    case 167: text = "The specified joystick is not connected to the system!"; break;
-    default: break;
+    case 167:
+      text = "The specified joystick is not connected to the system!";
+      break;
+    default:
+      break;
   }
   LogLine("Register of joystickcapturewindow %s\n", text);
   joySetThreshold(JOYSTICKID1, 10);

@@ -1,5 +1,6 @@
 #include "pushback/pushback.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -16,10 +17,10 @@ namespace {
 
 constexpr char section[] = "PUSHBACK SETTINGS";
 constexpr double radians = std::numbers::pi / 180;
-constexpr double rampStep = 0.009;     // m/s a frame, towards the wanted speed
-constexpr double rollOutStep = 0.05;   // m/s a frame, back to standing
-constexpr float turnShare = 0.25F;     // of the wanted speed, in a turn
-constexpr double turnRateStep = 0.005; // degrees a frame, a frame
+constexpr double rampStep = 0.009;          // m/s a frame, towards the wanted speed
+constexpr double rollOutStep = 0.05;        // m/s a frame, back to standing
+constexpr float turnShare = 0.25F;          // of the wanted speed, in a turn
+constexpr double turnRateStep = 0.005;      // degrees a frame, a frame
 constexpr double monitoredDistance = 39.5;  // metres
 
 struct Handles {
@@ -31,14 +32,14 @@ Handles handles;
 
 // Settings.
 double maxSpeed;     // m/s, negative is backwards
-float maxTurnSpeed;  // degrees a frame
+float maxTurnSpeed;  // degrees a frame, never negative
 float turnSpeed;     // m/s
 
 int active;
-float speed;        // m/s
-int turning;        // a turn step has run: the turn speed counts
-int hasTurned;      // since the module was loaded
-float turnRate;     // degrees a frame; kept from one turn to the next
+float speed;     // m/s
+int turning;     // a turn step has run: the turn speed counts
+int hasTurned;   // since the module was loaded
+float turnRate;  // degrees a frame; kept from one turn to the next
 double turnedAngle;
 int distanceReached;
 bool monitored;  // the distance monitor is registered
@@ -92,7 +93,7 @@ void Turn() {
     turnRate = 0;
   }
   turning = 1;
-  if (turnRate < maxTurnSpeed) turnRate = static_cast<float>(static_cast<double>(turnRate) + turnRateStep);
+  turnRate = std::min(static_cast<float>(static_cast<double>(turnRate) + turnRateStep), maxTurnSpeed);
   turnedAngle += static_cast<double>(turnRate);
   double heading = ReadFloat(handles.heading);
   if (pushbackMode == pushbackTurnUp) {
@@ -136,7 +137,7 @@ double ReadOrComplete(const char* key, const char* byDefault) {
 
 void LoadPushbackSettings() {
   maxSpeed = ReadOrComplete("MaxSpeed", "-1.5");
-  maxTurnSpeed = static_cast<float>(ReadOrComplete("MaxTurnSpeed", "0.15"));
+  maxTurnSpeed = std::max(static_cast<float>(ReadOrComplete("MaxTurnSpeed", "0.15")), 0.0F);
   turnSpeed = static_cast<float>(maxSpeed) * turnShare;
 }
 

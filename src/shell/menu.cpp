@@ -58,12 +58,16 @@ void BuildMenu() {
         // The simulator only hands the text back; it is never written to.
         XPLMAppendMenuItem(open, row.label, const_cast<char*>(row.reference), 1);
         break;
-      case Entry::Separator: XPLMAppendMenuSeparator(open); break;
+      case Entry::Separator:
+        XPLMAppendMenuSeparator(open);
+        break;
       case Entry::Submenu:
         open = AddSubmenu(open, row.label);
         submenus[submenuCount++] = open;
         break;
-      case Entry::EndOfSubmenu: open = rootMenu; break;
+      case Entry::EndOfSubmenu:
+        open = rootMenu;
+        break;
     }
   }
 }

@@ -62,12 +62,12 @@ extern std::atomic<uint32_t> listBeingBuilt;  // models are on their way into th
 // --- Slots: the manager thread, but for what is atomic ----------------------------------------------------
 struct Slot {
   Thread thread;
-  Event wake;                     // ends the pause between two rounds
+  Event wake;  // ends the pause between two rounds
   uint32_t index;
-  uint32_t serial;                // identifies the aircraft to clients; a slot made anew gets a new one
-  std::atomic<uint32_t> run;      // 0: the thread clears its entry and ends
-  std::atomic<uint32_t> retire;   // 1: the entry is no longer refreshed, and the thread ends after 5 rounds
-  std::atomic<uint32_t> ended;    // the thread is done and waits to be joined
+  uint32_t serial;               // identifies the aircraft to clients; a slot made anew gets a new one
+  std::atomic<uint32_t> run;     // 0: the thread clears its entry and ends
+  std::atomic<uint32_t> retire;  // 1: the entry is no longer refreshed, and the thread ends after 5 rounds
+  std::atomic<uint32_t> ended;   // the thread is done and waits to be joined
 };
 extern Slot slots[maxSlots];
 // Each slot thread's rounds; the manager copies them into the header.

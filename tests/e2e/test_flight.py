@@ -79,25 +79,24 @@ def test_read_only_offsets_keep_their_value(start, win32):
     standin.quit()
 
 
-MODES = ["empty", "zero-sizes", "unknown-record", "no-terminator", "oversize-read", "beyond-memory", "bad-atom",
-         "missing-mapping", "tiny-mapping", "huge-mapping", "reserved-mapping", "readonly-write", "garbage",
-         "unmap-during", "change-while-served", "die-mid-request"]
-
-
 def test_rude_clients_neither_stop_nor_corrupt_anything(start, win32):
     standin = flying(start, win32)
-    for mode in MODES:
-        result = win32.run("rude_client_win32", mode)
-        if mode != "die-mid-request":
-            assert result.returncode == 0, f"{mode}: {result.stdout}{result.stderr}"
-        assert read_raw(win32, "0x3304:u32") == 0x50000008, mode  # still served, start values untouched
+    # Each mode sends a plain request afterwards and checks its answer.
+    result = win32.run("rude_client_win32", "all", timeout=180)
+    assert result.returncode == 0, result.stdout + result.stderr
+    result = win32.run("rude_client_win32", "change-while-served", 3)
+    assert result.returncode == 0, result.stdout + result.stderr
+    assert read_raw(win32, "0x3304:u32") == 0x50000008  # start values untouched
     assert "default, headesize=16 void*=4" in standin.log("TAVRIX.log")
+    result = win32.run("rude_client_win32", "garbage", 7, 300)  # writes anywhere: last
+    assert result.returncode == 0, result.stdout + result.stderr
+    standin.ask("frames 30")
     standin.quit()
 
 
 def test_eight_clients_at_once(start, win32):
     standin = flying(start, win32)
-    clients = [subprocess.Popen(win32.command("rude_client_win32", "hammer", 5, number), stdout=subprocess.PIPE,
+    clients = [subprocess.Popen(win32.command("rude_client_win32", "hammer", 5, 50, number), stdout=subprocess.PIPE,
                                 stderr=subprocess.STDOUT, text=True) for number in range(8)]
     outputs = [client.communicate(timeout=90)[0] for client in clients]
     assert [client.returncode for client in clients] == [0] * 8, outputs
@@ -107,7 +106,7 @@ def test_eight_clients_at_once(start, win32):
 
 def test_stop_while_a_client_hammers(start, win32):
     standin = flying(start, win32)
-    client = subprocess.Popen(win32.command("rude_client_win32", "hammer", 60, 0), stdout=subprocess.PIPE,
+    client = subprocess.Popen(win32.command("rude_client_win32", "hammer", 60, 50, 0), stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, text=True)
     wait_for("requests", lambda: read_raw(win32, "0x3304:u32"))
     started = time.monotonic()

@@ -176,7 +176,7 @@ TEST(CustomExpression, CompiledEqualsPlain) {
     sound += results.plain != 88 && results.plain != 111 && results.plain != 222;
     if (Same(results.plain, results.compiled)) continue;
     std::string text;
-    for (const std::string_view token : tokens) text += std::string(token) + " ";
+    for (const std::string_view token : tokens) text.append(token).append(" ");
     FAIL() << text << "from " << first << ": " << results.plain << " and " << results.compiled;
   }
   EXPECT_GT(sound, 3000);

@@ -233,7 +233,7 @@ TEST(CustomCheck, PointsAtWhatTheSimulatorDidNotFind) {
 TEST_F(CustomLoad, DocumentedFilesAreFaultless) {
   std::vector<std::string> files = custom::Blocks("custom-offsets.md", "offsets");
   EXPECT_GE(files.size(), 4u);
-  files.push_back(custom::ReadText(std::string(TAVRIX_SOURCE_DIR) + "/docs/TAVRIXOffsets.example.cfg"));
+  files.push_back(custom::ReadText(TAVRIX_SOURCE_DIR "/docs/TAVRIXOffsets.example.cfg"));
   for (const std::string& file : files) {
     EXPECT_FALSE(file.empty());
     for (const ctl::Finding& finding : ctl::CheckOffsetsFile(file, "", ctl::KnownOffsets())) {

@@ -1,5 +1,6 @@
 // Custom offsets while the simulator runs: refreshing, client writes, commands, reloads.
 #include <atomic>
+#include <charconv>
 #include <functional>
 #include <thread>
 
@@ -239,38 +240,50 @@ TEST_F(CustomRuntime, ReloadsAgainAndAgain) {
   EXPECT_NE(FindCustomOffset(0x66C0), nullptr);
 }
 
+std::string Hex(int offset) {
+  char text[8];
+  return {text, std::to_chars(text, text + sizeof text, offset, 16).ptr};
+}
+
 // Clients write values, commands and reload requests while frames run.
 TEST_F(CustomRuntime, ReloadRaceThreads) {
-  sim::PublishCommand("c/a", nullptr, 0);
-  std::string text = aliases + "Command 6700 UINT8 0 1 c/a 1 2 c/a\n";
-  for (int i = 0; i < 50; ++i)
-    text += "Offset " + std::to_string(6800 + 8 * i) + " FLOAT64 1 rw $psi 1 + >psi @\n";
+  for (const char* name : {"c/a", "c/b"}) sim::PublishCommand(name, nullptr, 0);
+  std::string text = aliases + "Command 6700 UINT8 0 1 c/a 1 2 c/b\n";
+  for (int i = 0; i < 50; ++i) text += "Offset " + Hex(0x6800 + 8 * i) + " FLOAT64 1 rw $psi 1 + >psi @\n";
   Load(text);
   std::atomic<bool> run = true;
+  std::atomic<uint32_t> frame = 0;
   std::vector<std::thread> clients;
   for (uint32_t client = 0; client < 3; ++client) {
-    clients.emplace_back([&run, client] {
+    clients.emplace_back([&run, &frame, client] {
       for (uint32_t i = client; run; ++i) {
         Write<double>(0x6800 + 8 * (i % 50), i);
         Write<uint8_t>(0x6700, static_cast<uint8_t>(i % 4));
-        if (i % 64 == client) Write<uint8_t>(customClearOffset, 1);
-        if (i % 97 == client) Write<uint8_t>(customReloadOffset, 1);
+        if (frame % 8 == client) Write<uint8_t>(client == 1 ? customReloadOffset : customClearOffset, 1);
       }
     });
   }
-  for (int frame = 0; frame < 400; ++frame) {
+  for (; frame < 400; ++frame) {
     WriteFrame();
-    RefreshCustomOffsets(1);
+    RefreshCycle1(0, 0, 0, nullptr);
   }
   run = false;
   for (std::thread& client : clients) client.join();
   WriteFrame();
-  WriteFrame();
-  EXPECT_NE(FindCustomOffset(0x6800), nullptr);
+  const std::string log = custom::Log();
+  EXPECT_NE(log.find("Reload"), log.rfind("Reload")) << "more than one reload";
+  // All is in order again.
+  for (const uint8_t value : {uint8_t{0}, uint8_t{1}}) {
+    Write<uint8_t>(0x6700, value);
+    WriteFrame();
+    RefreshCustomOffsets(1);
+  }
+  Set(psi, 41);
+  RefreshCustomOffsets(1);
+  EXPECT_EQ(Read<double>(0x6800), 42);
+  Calls();
   ClearCustomOffsets();
-  const std::string calls = Calls();
-  EXPECT_NE(calls.find("begin c/a"), std::string::npos);
-  EXPECT_TRUE(calls.rfind("end c/a") != std::string::npos && calls.rfind("end c/a") > calls.rfind("begin c/a"));
+  EXPECT_EQ(Calls(), "end c/a");
 }
 
 }  // namespace

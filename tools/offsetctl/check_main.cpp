@@ -4,10 +4,6 @@
 
 #include "check.h"
 
-// The grammar and the compiler are the plug-in's own, compiled into the tool.
-#include "custom/custom_parser.cpp"
-#include "custom/expression.cpp"
-
 namespace ctl {
 
 namespace {

@@ -1,13 +1,64 @@
 // offsetctl: reads, writes and watches the offsets of a running plug-in, as any client program does.
 #include <cmath>
 #include <cstdio>
+#include <string_view>
 
+#include "check.h"
 #include "commands.h"
 #include "console.h"
+#include "net_client.h"
 
 namespace {
 
 using namespace ctl;
+
+constexpr char defaultHost[] = "127.0.0.1";
+constexpr int settleMs = 2500;  // announcements come once a second
+
+int Milliseconds(double seconds) { return static_cast<int>(std::ceil(seconds * 1000)); }
+
+int RunFind(const Options& options) {
+  WatchForStop();
+  std::string error;
+  const std::vector<std::string> found =
+      FindServers(settleMs, Milliseconds(options.timeout), StopRequested, &error);
+  if (found.empty()) return ReportFailure(error);
+  if (options.json) std::fputs("[\n", stdout);
+  for (size_t i = 0; i < found.size(); ++i) {
+    const char* separator = i + 1 < found.size() ? "," : "";
+    if (options.json) {
+      std::printf("  {\"address\": \"%s\"}%s\n", found[i].c_str(), separator);
+    } else {
+      std::printf("%s\n", found[i].c_str());
+    }
+  }
+  if (options.json) std::fputs("]\n", stdout);
+  return exitDone;
+}
+
+// The way to the server that the options name. Null with a status when there is none.
+const Transport* ChooseTransport(const Options& options, int* status) {
+  const bool local = options.local || (LocalTransport() != nullptr && options.net.empty() && !options.find);
+  if (local && LocalTransport() == nullptr) {
+    *status = Report(exitUsage,
+                     "the local window server is a Windows mechanism: run the Windows build of offsetctl, or "
+                     "use --net");
+    return nullptr;
+  }
+  if (local) return LocalTransport();
+  std::string host = options.net.empty() ? defaultHost : options.net;
+  if (options.find) {
+    std::string error;
+    const std::vector<std::string> found = FindServers(0, Milliseconds(options.timeout), StopRequested, &error);
+    if (found.empty()) {
+      *status = ReportFailure(error);
+      return nullptr;
+    }
+    host = found[0];
+    std::fprintf(stderr, "offsetctl: server %s\n", host.c_str());
+  }
+  return NetTransport({host, options.confirm, StopRequested});
+}
 
 int RunCommand(const Options& options, const Transport& transport) {
   switch (options.command) {
@@ -28,16 +79,13 @@ int RunCommand(const Options& options, const Transport& transport) {
 
 int RunWithServer(const Options& options) {
   if (const int status = CheckItems(options); status != exitDone) return status;
-  const Transport* transport = LocalTransport();
-  if (transport == nullptr) {
-    return Report(exitUsage,
-                  "the local window server is a Windows mechanism: run the Windows build of offsetctl");
-  }
   WatchForStop();
+  int status = exitUsage;
+  const Transport* transport = ChooseTransport(options, &status);
+  if (transport == nullptr) return status;
   std::string error;
-  const int timeoutMs = static_cast<int>(std::ceil(options.timeout * 1000));
-  if (!transport->open(timeoutMs, &error)) return Report(exitNoAnswer, error);
-  const int status = RunCommand(options, *transport);
+  if (!transport->open(Milliseconds(options.timeout), &error)) return ReportFailure(error);
+  status = RunCommand(options, *transport);
   transport->close();
   return status;
 }
@@ -45,6 +93,7 @@ int RunWithServer(const Options& options) {
 }  // namespace
 
 int main(int count, char** words) {
+  if (count > 1 && std::string_view(words[1]) == "check") return RunCheck(count - 2, words + 2);
   Options options;
   std::string error;
   if (!ParseOptions(std::vector<std::string>(words + 1, words + count), &options, &error)) {
@@ -54,5 +103,12 @@ int main(int count, char** words) {
     std::fputs(HelpText(options.command).c_str(), stdout);
     return exitDone;
   }
-  return options.command == Command::List ? RunList(options) : RunWithServer(options);
+  switch (options.command) {
+    case Command::List:
+      return RunList(options);
+    case Command::Find:
+      return RunFind(options);
+    default:
+      return RunWithServer(options);
+  }
 }

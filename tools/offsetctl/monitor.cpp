@@ -11,6 +11,7 @@
 #include "names.h"
 #include "numbers.h"
 #include "show.h"
+#include "traffic_rows.h"
 
 namespace ctl {
 
@@ -22,13 +23,17 @@ using Seconds = std::chrono::duration<double>;
 constexpr size_t lineWidth = 78;
 constexpr size_t columnWidth = 38;
 constexpr size_t labelWidth = 12;
+constexpr size_t trafficLines = 3;  // all of it fits a terminal of 24 lines
 
 // One line of a column. Names that the plug-in does not know are left out.
 struct MonitorRow {
   const char* label;
   const char* names[4];
-  const char* between;  // between the values
+  const char* between;                 // between the values
+  const char* const* words = nullptr;  // what the values 0 to 3 mean
 };
+
+constexpr const char* pushbackWords[4] = {"straight", "nose right", "nose left", "off"};
 
 constexpr MonitorRow leftRows[] = {
     {"UTC", {"zulu_hour", "zulu_minute", "second"}, ":"},
@@ -47,6 +52,7 @@ constexpr MonitorRow leftRows[] = {
     {"Vertical", {"vertical_speed"}, ""},
     {"Wind", {"wind_from", "wind"}, " / "},
     {"QNH", {"qnh"}, ""},
+    {"Pushback", {"pushback_state"}, "", pushbackWords},
 };
 
 constexpr MonitorRow rightRows[] = {
@@ -94,6 +100,9 @@ std::string Cell(const Item& item, const MonitorRow& row) {
   std::string text = EngineeringText(item);
   if (row.between[0] == ':' && text.size() == 1) text = "0" + text;
   double value = 0;
+  if (row.words != nullptr && EngineeringNumber(item, &value) && value >= 0 && value <= 3) {
+    return row.words[static_cast<size_t>(value)];
+  }
   if (item.row->show != Form::Number || text.find('.') == std::string::npos ||
       !EngineeringNumber(item, &value)) {
     return text;
@@ -120,6 +129,15 @@ std::string Column(const std::vector<ShownRow>& rows, size_t index, const std::v
   return line;
 }
 
+// Degrees of a named offset among the items, 0 when it is not there.
+double Degrees(const std::vector<Item>& items, const char* name) {
+  double value = 0;
+  for (const Item& item : items) {
+    if (item.shown == name) EngineeringNumber(item, &value);
+  }
+  return value;
+}
+
 void PrintPadded(std::string line) {
   line.resize(lineWidth, ' ');
   std::printf("%s\n", line.c_str());
@@ -133,6 +151,8 @@ int RunMonitor(const Options& options, const Transport& transport) {
   const std::vector<ShownRow> right = Choose(rightRows, std::size(rightRows), &items);
   std::vector<Transfer> transfers;
   for (Item& item : items) transfers.push_back({item.offset, item.size, item.bytes.data()});
+  std::vector<uint8_t> traffic(trafficSize);
+  transfers.push_back({trafficOffset, trafficSize, traffic.data()});
 
   const bool inPlace = StdoutIsTerminal();
   const double period = inPlace ? 1 / options.rate : 1;
@@ -156,6 +176,10 @@ int RunMonitor(const Options& options, const Transport& transport) {
     PrintPadded("");
     for (size_t i = 0; i < std::max(left.size(), right.size()); ++i) {
       PrintPadded(Column(left, i, items) + "  " + Column(right, i, items));
+    }
+    for (const std::string& line :
+         TrafficLines(traffic.data(), Degrees(items, "latitude"), Degrees(items, "longitude"), trafficLines)) {
+      PrintPadded(line);
     }
     if (!inPlace) PrintPadded("");
     if (std::fflush(stdout) != 0) break;  // the reader of our output has gone

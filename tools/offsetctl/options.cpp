@@ -7,7 +7,7 @@ namespace ctl {
 namespace {
 
 // Options of the commands, as bits.
-enum : unsigned { json = 1, rate = 2, seconds = 4, count = 8, server = 16 };
+enum : unsigned { json = 1, rate = 2, seconds = 4, count = 8, server = 16, confirm = 32, timeout = 64 };
 
 struct CommandLine {
   const char* word;
@@ -28,14 +28,17 @@ constexpr CommandLine commandLines[] = {
      "Values that need no conversion are printed once.\n"
      "--json prints one array of {name, offset, type, value, raw, unit} instead; integers of 64 bits are\n"
      "strings there.\n"},
-    {"write", Command::Write, server, 1, anyNumber, "write ITEM=VALUE...",
+    {"write", Command::Write, server | confirm, 1, anyNumber, "write ITEM=VALUE... [--confirm]",
      "Writes all values in one request, in the order given.\n"
      "VALUE is decimal or 0x, a fraction for f32 and f64, hex:BYTES in memory order, or text with or without\n"
      "double quotes (inside them \\\" \\\\ \\n \\xHH). A name without a type takes engineering units and "
      "rounds\n"
      "to the nearest step (heading=270, com1=118.70, pause=on); with a type the value is stored as\n"
      "it is (com1:u16=0x1870). Read-only offsets and values that do not fit are refused, nothing is\n"
-     "written then.\n"},
+     "written then.\n"
+     "Over the network, where nothing is answered, the end without an error says that the server has taken "
+     "the\n"
+     "values; --confirm waits until it shows them.\n"},
     {"watch", Command::Watch, server | json | rate | seconds | count, 1, anyNumber,
      "watch ITEM... [--rate N] [--count N] [--seconds N] [--json]",
      "Prints every item once and then whenever its bytes change, until Ctrl-C, N printed values (--count) or\n"
@@ -48,6 +51,10 @@ constexpr CommandLine commandLines[] = {
     {"list", Command::List, json, 0, 1, "list [TEXT] [--json]",
      "Names that hold TEXT in name or meaning, or start at the offset TEXT; all without it. Needs no "
      "server.\n"},
+    {"--find", Command::Find, json | timeout, 0, 0, "--find [--json]",
+     "Listens for servers on the network and prints their addresses, a line each. It ends 2.5 seconds after "
+     "the\n"
+     "last new one, or after --timeout SECONDS (5) without any. A server on this computer is not heard.\n"},
 };
 
 const CommandLine* LineOf(Command command) {
@@ -73,10 +80,14 @@ int TakeNumber(const std::string& option, const std::string& text, double least,
                          text + "\"");
 }
 
-// An option with a number. Returns 1 taken, 0 failed, -1 not one of them.
-int TakeNumberOption(const std::string& option, unsigned allowed, const std::string& value, Options* options,
-                     std::string* error) {
-  if (option == "--timeout" && (allowed & server)) {
+// An option with a value. Returns 1 taken, 0 failed, -1 not one of them.
+int TakeValueOption(const std::string& option, unsigned allowed, const std::string& value, Options* options,
+                    std::string* error) {
+  if (option == "--net" && (allowed & server)) {
+    options->net = value;
+    return !value.empty() && value[0] != '-' ? 1 : Fail(error, "--net takes a computer's name or address");
+  }
+  if (option == "--timeout" && (allowed & (server | timeout))) {
     return TakeNumber(option, value, 0.01, 3600, &options->timeout, error);
   }
   if (option == "--rate" && (allowed & rate))
@@ -89,6 +100,11 @@ int TakeNumberOption(const std::string& option, unsigned allowed, const std::str
     return Fail(error, "--count takes a whole number from 1, not \"" + value + "\"");
   }
   return -1;
+}
+
+int CheckWay(const Options& options, std::string* error) {
+  if (options.local + options.find + !options.net.empty() <= 1) return 1;
+  return Fail(error, "--local, --net and --find are three ways to the server: choose one");
 }
 
 int CheckItems(const CommandLine& line, const Options& options, std::string* error) {
@@ -118,6 +134,11 @@ int ParseOptions(const std::vector<std::string>& words, Options* options, std::s
       options->command = line->command;
       continue;
     }
+    if (line == nullptr && word == "--find") {
+      line = LineOf(Command::Find);
+      options->command = Command::Find;
+      continue;
+    }
     if (line == nullptr && word != "--help" && word != "-h") {
       return Fail(error, "the command comes before " + word + ": see offsetctl --help");
     }
@@ -130,6 +151,10 @@ int ParseOptions(const std::vector<std::string>& words, Options* options, std::s
       options->json = true;
     } else if (word == "--local" && (allowed & server)) {
       options->local = true;
+    } else if (word == "--find" && (allowed & server)) {
+      options->find = true;
+    } else if (word == "--confirm" && (allowed & confirm)) {
+      options->confirm = true;
     } else {
       const size_t equals = word.find('=');
       const std::string option = word.substr(0, equals);
@@ -139,7 +164,7 @@ int ParseOptions(const std::vector<std::string>& words, Options* options, std::s
       } else if (i + 1 < words.size()) {
         value = words[i + 1];
       }
-      const int taken = TakeNumberOption(option, allowed, value, options, error);
+      const int taken = TakeValueOption(option, allowed, value, options, error);
       if (taken == 0) return 0;
       if (taken < 0) {
         return Fail(error, std::string(line->word) + " has no option " + option + ": see offsetctl " +
@@ -150,7 +175,7 @@ int ParseOptions(const std::vector<std::string>& words, Options* options, std::s
   }
   if (options->help) return 1;
   if (line == nullptr) return Fail(error, "a command is missing: see offsetctl --help");
-  return CheckItems(*line, *options, error);
+  return CheckWay(*options, error) && CheckItems(*line, *options, error);
 }
 
 std::string HelpText(Command command) {
@@ -158,12 +183,15 @@ std::string HelpText(Command command) {
   if (const CommandLine* line = LineOf(command)) {
     text = std::string("offsetctl ") + line->usage + "\n\n" + line->about;
     if (line->options & server) {
-      text += "\nEvery command that talks to the server takes --timeout SECONDS (5) and --local.\n";
+      text +=
+          "\nEvery command that talks to the server takes --timeout SECONDS (5), --local, --net HOST and "
+          "--find.\n";
     }
     return text;
   }
   text = "offsetctl reads and writes the offsets of a running TAVRIX plug-in.\n\n";
   for (const CommandLine& line : commandLines) text += std::string("  offsetctl ") + line.usage + "\n";
+  text += "  offsetctl check FILE [--log TAVRIX.txt]\n";
   text +=
       "\nITEM is OFFSET:TYPE, NAME or NAME:TYPE. OFFSET is decimal or 0x, 0 to 0x1FFFF.\n"
       "TYPE is u8 s8 u16 s16 u32 s32 u64 s64 f32 f64 hex:N or text:N (N bytes).\n"
@@ -171,6 +199,9 @@ std::string HelpText(Command command) {
       "number. So does an OFFSET without a type, when the plug-in has a meaning for it.\n"
       "\n  --timeout SECONDS   longest wait for an answer, 5 by default\n"
       "  --local             ask the window server on this computer (Windows; the default there)\n"
+      "  --net HOST          ask the network server at this address or name (elsewhere the default: "
+      "127.0.0.1)\n"
+      "  COMMAND ... --find  ask the first network server that announces itself\n"
       "  COMMAND --help      more about one command\n"
       "\nExit status: 0 done; 1 no server, refused or no answer in time; 2 wrong usage, name, type or value.\n"
       "\n  offsetctl read heading ias 0x0330:u16\n"

@@ -1,0 +1,359 @@
+// The catalogue as a whole: what it holds against a list of its own (catalogue_expected.inc), that reading
+// and writing are inverse, that it lives without datarefs, and that a frame neither looks up nor allocates.
+#include <array>
+#include <atomic>
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <map>
+#include <new>
+#include <set>
+#include <span>
+#include <vector>
+
+#include "bridge/slew.h"
+#include "row_harness.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include <sanitizer/allocator_interface.h>
+#define SANITIZED 1
+#endif
+
+namespace {
+
+std::atomic<bool> countAllocations;
+std::atomic<uint64_t> allocations;
+
+void NoteAllocation() {
+  if (countAllocations) allocations++;
+}
+
+}  // namespace
+
+// Sanitizers bring operators of their own, which find mismatched pairs: there their hook counts instead.
+#ifndef SANITIZED
+void* operator new(size_t size) {
+  NoteAllocation();
+  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
+  throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+#endif
+
+namespace {
+
+#include "catalogue_expected.inc"
+
+constexpr uint8_t paint[2] = {0x55, 0xAA};
+
+std::vector<const OffsetRow*> AllRows() {
+  std::vector<const OffsetRow*> all;
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) all.push_back(&row);
+  }
+  return all;
+}
+
+bool IsRefreshed(const OffsetRow& row) { return row.cycle != Cycle::None; }
+bool IsWritten(const OffsetRow& row) {
+  const WriteRule& write = row.write;
+  return write.target.block != Block::None || write.apply != nullptr || write.group != nullptr || write.staged;
+}
+testing::Message At(uint32_t offset) { return testing::Message() << "offset 0x" << std::hex << offset; }
+
+using Callback = float (*)(float, float, int, void*);
+struct Loop {
+  Cycle cycle;
+  int frames;
+  Callback run;
+};
+constexpr Loop loops[] = {
+    {Cycle::C1, 1, RefreshCycle1},       {Cycle::C3, 3, RefreshCycle3},
+    {Cycle::C7, 7, RefreshCycle7},       {Cycle::C13, 13, RefreshCycle13},
+    {Cycle::C31Navigation, 31, RefreshCycle31Navigation},
+    {Cycle::C31, 31, RefreshCycle31},    {Cycle::C59, 59, RefreshCycle59},
+    {Cycle::C157, 157, RefreshCycle157}, {Cycle::C313, 313, RefreshCycle313},
+};
+
+void RunCycle(Cycle cycle) {
+  for (const Loop& loop : loops) {
+    // The second navigation radio shows what the navigation cycle has tuned.
+    const bool tunes = loop.cycle == Cycle::C31Navigation && cycle == Cycle::C31;
+    if (loop.cycle == cycle || tunes) loop.run(0, 0, 0, nullptr);
+  }
+}
+
+void RunAllCycles() {
+  for (const Loop& loop : loops) loop.run(0, 0, 0, nullptr);
+}
+
+// `count` frames as the simulator makes them.
+void RunFrames(int count) {
+  for (int frame = 1; frame <= count; frame++) {
+    WriteCycle(0, 0, 0, nullptr);
+    for (const Loop& loop : loops) {
+      if (frame % loop.frames == 0) loop.run(0, 0, 0, nullptr);
+    }
+    ButtonCycle(0, 0, 0, nullptr);
+    if (frame % 6 == 0) MultiplayerCycle(0, 0, 0, nullptr);
+    if (frame % 60 == 0) OverrideWatch(0, 0, 0, nullptr);
+  }
+}
+
+void Paint(uint8_t byte) {
+  LockScope lock(&offsetLock);
+  std::memset(offsetMemory.bytes, byte, offsetMemorySize);
+  NoteMemoryChanged();
+}
+
+std::vector<uint8_t> Snapshot() {
+  std::vector<uint8_t> bytes(offsetMemorySize);
+  CopyFromMemory(0, offsetMemorySize, bytes.data());
+  return bytes;
+}
+
+class Catalogued : public testing::Test {
+ protected:
+  void SetUp() override { rows::Start(); }
+  void TearDown() override {
+    ClearSlew();
+    ReleaseOverrides();
+    rows::Stop();
+  }
+};
+
+// --- What it holds --------------------------------------------------------------------------------------
+
+TEST_F(Catalogued, RefreshesEachOffsetInItsCycleAlone) {
+  std::map<uint32_t, Cycle> expected;
+  for (const auto& list : refreshedOffsets) {
+    for (const uint32_t offset : list.offsets) expected[offset] = list.cycle;
+  }
+  // Rows by their first byte; the whole metres are the upper half of the fine altitude and a row as well.
+  std::map<uint32_t, const OffsetRow*> rowAt;
+  uint32_t end = 0;
+  for (const OffsetRow* row : AllRows()) EXPECT_TRUE(rowAt.emplace(row->offset, row).second) << At(row->offset);
+  for (const auto& [offset, row] : rowAt) {
+    if (offset != 0x0574) EXPECT_GE(offset, end) << At(offset) << " overlaps the row before";
+    end = offset + StoredWidth(*row);
+    EXPECT_LE(end, offsetMemorySize);
+    const auto first = expected.lower_bound(offset);
+    const bool listed = first != expected.end() && first->first < end;
+    EXPECT_EQ(IsRefreshed(*row), listed) << At(offset);
+  }
+
+  // What a cycle touches, whatever the memory held before.
+  rows::Set("sim/flightmodel/failures/onground_any", 0);  // else the touchdown speed stands still
+  RunAllCycles();
+  for (const auto& list : refreshedOffsets) {
+    std::array<std::vector<uint8_t>, 2> after;
+    for (size_t pass = 0; pass < 2; pass++) {
+      Paint(paint[pass]);
+      rows::Refresh(list.cycle);
+      after[pass] = Snapshot();
+    }
+    std::set<uint32_t> touched;
+    for (uint32_t at = 0; at < offsetMemorySize; at++) {
+      if (after[0][at] != paint[0] || after[1][at] != paint[1]) touched.insert(at);
+    }
+    for (const uint32_t offset : list.offsets) EXPECT_TRUE(touched.contains(offset)) << At(offset);
+    for (const uint32_t at : touched) {
+      const auto row = std::prev(rowAt.upper_bound(at));
+      const auto listed = expected.lower_bound(row->first);
+      ASSERT_LT(at, row->first + StoredWidth(*row->second)) << At(at) << " belongs to no row";
+      EXPECT_TRUE(listed != expected.end() && listed->second == list.cycle) << At(at) << " in a wrong cycle";
+    }
+  }
+}
+
+TEST_F(Catalogued, DispatchesWhatHasAWriter) {
+  std::map<uint32_t, uint32_t> expected;
+  for (const auto& entry : dispatched) expected[entry.offset] = entry.width;
+  for (uint32_t offset = 0; offset < offsetMemorySize; offset++) {
+    const auto entry = expected.find(offset);
+    EXPECT_EQ(DispatchWidth(offset), entry == expected.end() ? 0 : entry->second) << At(offset);
+  }
+  std::set<uint32_t> written;
+  for (const OffsetRow* row : AllRows()) {
+    if (IsWritten(*row)) written.insert(row->offset);
+  }
+  for (const uint32_t offset : writers) EXPECT_TRUE(written.contains(offset)) << At(offset);
+  EXPECT_EQ(written.size(), std::size(writers) + 1);  // the jettisonable load beside them
+
+  size_t bytes = 0;
+  for (const auto& range : readOnly) {
+    for (uint32_t at = range.first; at <= range.last; at++, bytes++) {
+      EXPECT_EQ(VariablesAccessMemBlock[at], accessReadOnly) << At(at);
+      EXPECT_FALSE(expected.contains(at)) << At(at) << " cannot be written, yet has a writer";
+    }
+  }
+  for (const uint8_t access : VariablesAccessMemBlock) bytes -= access == accessReadOnly;
+  EXPECT_EQ(bytes, 0u);
+}
+
+TEST_F(Catalogued, EndsTheWalkAtAnOffsetWithoutMeaning) {
+  const struct {
+    uint32_t offset, size;
+    int known;
+  } walks[] = {{0x0BC0, 2, 1}, {0x0BC0, 4, 0}, {0x0BB2, 2, 1}, {0x0BB2, 3, 0}, {0x0560, 24, 1}, {0x0560, 40, 0},
+               {0x0BC2, 2, 0}, {0x0238, 1, 0}, {0x0E9A, 6, 1}, {0x3104, 1, 1}, {0x6DA8, 3, 1},  {0x6DA8, 4, 0}};
+  for (const auto& walk : walks) {
+    const uint8_t data[64] = {};
+    EXPECT_EQ(rows::WriteBytes(walk.offset, data, walk.size), walk.known) << At(walk.offset) << " " << walk.size;
+  }
+}
+
+TEST(CatalogueTexts, AreThereAndUnique) {
+  std::set<std::string> names, subjects;
+  for (const RowTable* table : Catalogue()) EXPECT_TRUE(subjects.insert(table->subject).second);
+  for (const OffsetRow* row : AllRows()) {
+    SCOPED_TRACE(At(row->offset));
+    EXPECT_NE(row->meaning[0], 0);
+    if (row->name[0] != 0) {
+      const std::string name = row->name + (row->member != 0 ? std::to_string(row->member) : "");
+      EXPECT_TRUE(names.insert(name).second) << name;
+      EXPECT_EQ(name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_0123456789"), std::string::npos) << name;
+    }
+    EXPECT_TRUE(std::isfinite(row->unitScale) && row->unitScale != 0 && std::isfinite(row->unitBias));
+    EXPECT_EQ(row->type == Stored::Text, row->length != 0);
+    EXPECT_EQ(row->type == Stored::Text, row->show == Show::Text);
+    if (row->show == Show::Flag || row->show == Show::Bits) EXPECT_STREQ(row->unit, "");
+    if (row->show == Show::Bcd) EXPECT_EQ(StoredWidth(*row), 2u);
+    // Where a value comes from, and where it goes, is said once.
+    EXPECT_LE((row->source.block != Block::None) + (row->read != nullptr) + (row->readText != nullptr), 1);
+    EXPECT_EQ(IsRefreshed(*row),
+              row->source.block != Block::None || row->read != nullptr || row->readText != nullptr);
+    EXPECT_LE((row->write.target.block != Block::None) + (row->write.apply != nullptr) +
+                  (row->write.group != nullptr) + row->write.staged, 1);
+    EXPECT_LE(row->write.low, row->write.high);
+    if (row->lossy[0] != 0) EXPECT_TRUE(IsWritten(*row));
+  }
+}
+
+// --- There and back -------------------------------------------------------------------------------------
+
+std::vector<double> Samples(const OffsetRow& row) {
+  std::vector<double> values = {0, 1, 2, 3, 0.5, 77.25, 16383, -1, -0.25, -1000};
+  if (row.type == Stored::F32 || row.type == Stored::F64) return values;
+  const double turn = std::exp2(8 * StoredWidth(row));
+  values.insert(values.end(), {turn / 3, turn / 2 - 1, turn / 2, turn - 1, -turn / 2});
+  uint64_t random = row.offset + 1;
+  for (int i = 0; i < 24; i++) {
+    random = random * 6364136223846793005 + 1442695040888963407;
+    values.push_back(static_cast<double>(random >> 11) * 0x1p-53 * turn - turn / 2);
+  }
+  return values;
+}
+
+// Whether the value that a client writes comes back, one step of the encoding aside.
+bool ComesBack(const OffsetRow& row, double value) {
+  rows::WriteAs(row.type, row.offset, 0);
+  uint8_t bytes[8] = {};
+  rows::Encode(row.type, value, bytes);
+  const double written = DecodeNumber(row.type, bytes);
+  rows::WriteAs(row.type, row.offset, written);
+  RunCycle(row.cycle);
+  const double read = rows::ReadAs(row.type, row.offset);
+  const double step = row.type == Stored::F32   ? std::abs(written) * 0x1p-23
+                      : row.type == Stored::F64 ? std::abs(written) * 0x1p-52
+                                                : 1;
+  return std::abs(read - written) <= step;
+}
+
+TEST(CatalogueRoundTrip, WritesReadBackUnlessTheRowSaysOtherwise) {
+  for (const OffsetRow* row : AllRows()) {
+    if (!IsRefreshed(*row) || !IsWritten(*row)) continue;
+    SCOPED_TRACE(At(row->offset) << " " << row->name << row->member);
+    rows::Start();  // every row from the same state
+    rows::Set("sim/flightmodel/controls/parkbrake", 0);
+    RunAllCycles();
+    bool exact = true;
+    for (const double value : Samples(*row)) {
+      const bool back = ComesBack(*row, value);
+      exact &= back;
+      if (row->lossy[0] == 0) EXPECT_TRUE(back) << value;
+    }
+    if (row->lossy[0] != 0) EXPECT_FALSE(exact) << "every value came back, yet: " << row->lossy;
+    ClearSlew();
+    rows::Stop();
+  }
+}
+
+// --- Without datarefs -----------------------------------------------------------------------------------
+
+TEST(CatalogueWithoutDatarefs, StoresWhatZeroGivesAndConsumesWrites) {
+  std::array<std::vector<uint8_t>, 2> refreshed;
+  for (const bool published : {true, false}) {
+    sim::Options options;
+    options.rate = 0;
+    options.circuit = false;
+    options.tolerant = true;
+    ASSERT_EQ(sim::SimStart(options), 0);
+    const std::vector<sim::DataRef*> all = sim::AllDataRefs();
+    for (sim::DataRef* ref : all) {
+      std::fill(ref->ints.begin(), ref->ints.end(), 0);
+      std::fill(ref->floats.begin(), ref->floats.end(), 0.0F);
+      std::fill(ref->doubles.begin(), ref->doubles.end(), 0.0);
+      std::fill(ref->bytes.begin(), ref->bytes.end(), uint8_t{0});
+      if (!published) sim::Withdraw(ref);
+    }
+    ASSERT_EQ(CreateLocks(), 1);
+    InitMemoryBlocks();
+    LookUpDataRefs();
+    LookUpCommands();
+    if (!published) commandBlock = {};
+    BuildCycles();
+    Paint(0x55);
+    rows::Write<uint8_t>(0x0609, 0);  // no readers of this run, but the magnetos ask for the engine type
+    RunAllCycles();
+    RunAllCycles();
+    const uint16_t noCount = 0;
+    CopyToMemory(0x337E, 2, &noCount);  // the frame counter goes on
+    refreshed[published] = Snapshot();
+
+    if (!published) {
+      for (const auto& entry : dispatched) {
+        std::vector<uint8_t> value(entry.width);
+        for (uint32_t i = 0; i < entry.width; i++) value[i] = static_cast<uint8_t>(~refreshed[0][entry.offset + i]);
+        rows::WriteBytes(entry.offset, value.data(), entry.width);
+      }
+      CopyToMemory(0x3380, 1, "x");
+      RunFrames(2);
+      for (const uint32_t offset : writers) EXPECT_EQ(pendingFlags.flags[offset], 0u) << At(offset);
+      EXPECT_EQ(sim::SimCommand("writes"), "ok");
+    }
+    for (const std::string& breach : sim::TakeBreaches()) ADD_FAILURE() << breach;
+    ClearSlew();
+    ReleaseOverrides();
+    rows::Stop();
+  }
+  for (uint32_t at = 0; at < offsetMemorySize; at++) EXPECT_EQ(refreshed[0][at], refreshed[1][at]) << At(at);
+}
+
+// --- A frame's cost -------------------------------------------------------------------------------------
+
+TEST_F(Catalogued, FramesNeitherLookUpNorAllocate) {
+#ifdef SANITIZED
+  static const int hooked = __sanitizer_install_malloc_and_free_hooks(
+      [](const volatile void*, size_t) { NoteAllocation(); }, [](const volatile void*) {});
+  ASSERT_GT(hooked, 0);
+#endif
+  RunFrames(700);
+  const uint64_t lookUps = sim::LookUps();
+  allocations = 0;
+  countAllocations = true;
+  RunFrames(700);
+  countAllocations = false;
+  EXPECT_EQ(sim::LookUps(), lookUps);
+  EXPECT_EQ(allocations, 0u);
+  // The counters count.
+  countAllocations = true;
+  std::vector<int> some(16);
+  countAllocations = false;
+  EXPECT_NE(XPLMFindDataRef("sim/time/paused"), nullptr);
+  EXPECT_EQ(sim::LookUps(), lookUps + 1);
+  EXPECT_GT(allocations, 0u) << some.size();
+}
+
+}  // namespace

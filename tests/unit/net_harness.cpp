@@ -1,0 +1,154 @@
+#include "net_harness.h"
+
+#ifdef _WIN32
+#include <winsock2.h>
+#else
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#endif
+
+#include <fstream>
+#include <iterator>
+
+#include "bridge/registry.h"
+#include "offsets/dispatcher.h"
+#include "offsets/locks.h"
+#include "platform/clock.h"
+#include "platform/system.h"
+#include "shell/log.h"
+
+namespace net {
+
+namespace {
+
+#ifdef _WIN32
+using Length = int;
+SOCKET System(const Socket& socket) { return static_cast<SOCKET>(socket.handle); }
+#else
+using Length = socklen_t;
+int System(const Socket& socket) { return static_cast<int>(socket.handle); }
+#endif
+
+}  // namespace
+
+int WaitUntil(const std::function<bool()>& condition, int timeoutMs) {
+  const int64_t deadline = MonotonicNanoseconds() + timeoutMs * INT64_C(1000000);
+  while (!condition()) {
+    if (MonotonicNanoseconds() > deadline) return 0;
+    SleepMilliseconds(1);
+  }
+  return 1;
+}
+
+Bytes Word16(uint32_t value) { return {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8)}; }
+Bytes Word32(uint32_t value) { return Join({Word16(value), Word16(value >> 16)}); }
+
+Bytes Join(std::initializer_list<Bytes> parts) {
+  Bytes all;
+  for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
+  return all;
+}
+
+Bytes WriteRecord(uint32_t offset, const Bytes& data) {
+  return Join({Word32(2), Word32(offset), Word32(static_cast<uint32_t>(data.size())), data});
+}
+
+Bytes ReadRecord(uint32_t offset, uint32_t size) {
+  return Join({Word32(1), Word32(offset), Word32(size), Word32(0xDEADBEEF), Bytes(size)});
+}
+
+Bytes Frame(uint8_t type, uint16_t auxiliary, const Bytes& payload, uint16_t endMarker) {
+  const Bytes length = Word16(static_cast<uint32_t>(payload.size()));
+  return Join({{type, 0}, length, Word16(auxiliary), payload, length, Word16(endMarker)});
+}
+
+Bytes Request(std::initializer_list<Bytes> records) {
+  return Frame(18, 0, Join({Join(records), Word32(0)}), 0xAFFE);
+}
+
+uint16_t LocalPort(const Socket& socket) {
+  sockaddr_in address{};
+  Length length = sizeof address;
+  getsockname(System(socket), reinterpret_cast<sockaddr*>(&address), &length);
+  return ntohs(address.sin_port);
+}
+
+int Connect(Client* client, uint16_t port) {
+  *client = {};
+  EXPECT_TRUE(CreateWaker(&client->waker));
+  EXPECT_TRUE(OpenSocket(&client->udp, Transport::Datagram) && BindSocket(&client->udp, {loopback, 0}));
+  EXPECT_TRUE(OpenSocket(&client->tcp, Transport::Stream));
+  EXPECT_TRUE(BindSocket(&client->tcp, {loopback, LocalPort(client->udp)}));
+  sockaddr_in server{};
+  server.sin_family = AF_INET;
+  server.sin_port = htons(port);
+  server.sin_addr.s_addr = htonl(loopback);
+  if (connect(System(client->tcp), reinterpret_cast<sockaddr*>(&server), sizeof server) == 0) return 1;
+  Disconnect(client);
+  return 0;
+}
+
+void Disconnect(Client* client) {
+  CloseSocket(&client->tcp);
+  CloseSocket(&client->udp);
+  CloseWaker(&client->waker);
+}
+
+Bytes Receive(Client* client, int timeoutMs) {
+  Bytes bytes(65535);
+  const int size = ReceiveSocket(&client->udp, &client->waker, timeoutMs, bytes.data(), bytes.size());
+  bytes.resize(size > 0 ? static_cast<size_t>(size) : 0);
+  return bytes;
+}
+
+std::string ReceiveText(Client* client) {
+  std::string text;
+  char part[1000];
+  int size = 0;
+  while ((size = ReceiveSocket(&client->tcp, &client->waker, patienceMs, part, sizeof part)) > 0) {
+    text.append(part, static_cast<size_t>(size));
+  }
+  return size == 0 ? text : text + "(no orderly end)";
+}
+
+int WaitForClose(Client* client) {
+  char part[16];
+  const int size = ReceiveSocket(&client->tcp, &client->waker, patienceMs, part, sizeof part);
+  return size == 0 || size == receiveFailed ? 1 : 0;
+}
+
+Bytes ReceiveType(Client* client, uint8_t type) {
+  const int64_t deadline = MonotonicNanoseconds() + patienceMs * INT64_C(1000000);
+  while (MonotonicNanoseconds() < deadline) {
+    Bytes frame = Receive(client, 1000);
+    if (!frame.empty() && frame[0] == type) return frame;
+  }
+  return {};
+}
+
+void Network::SetUp() {
+  std::filesystem::remove_all(root);
+  ASSERT_TRUE(OpenSocketLibrary());
+  ASSERT_TRUE(CreateLocks());
+  ASSERT_TRUE(OpenLogs(Folder().c_str(), nullptr));
+  InitMemoryBlocks();
+  ResetDispatchTable();
+  relayRecordStore.waiting = 0;
+  readTrace = writeTrace = 0;
+}
+
+void Network::TearDown() {
+  CloseLogs();
+  DeleteLocks();
+  CloseSocketLibrary();
+  std::filesystem::remove_all(root);
+}
+
+std::string Network::Folder() const { return root.string() + pathSeparator; }
+
+std::string Network::Log(const char* name) const {
+  std::ifstream file(root / name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace net

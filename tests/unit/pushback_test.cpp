@@ -1,0 +1,259 @@
+// Pushback: commands, speeds, turns, roll-out, parking brake, settings, overrides given back.
+#include "pushback/pushback.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <numbers>
+#include <sstream>
+
+#include "bridge/catalogue/reposition.h"
+#include "row_harness.h"
+#include "settings/settings.h"
+
+namespace {
+
+using rows::Get;
+using rows::Read;
+using rows::Set;
+
+constexpr const char* position = "sim/flightmodel/position/";
+constexpr const char* parkingBrake = "sim/flightmodel/controls/parkbrake";
+constexpr const char* overrides[] = {"sim/operation/override/override_joystick",
+                                     "sim/operation/override/override_gearbrake",
+                                     "sim/operation/override/override_artstab"};
+
+class Pushback : public testing::Test {
+ protected:
+  void SetUp() override {
+    rows::Start();
+    folder = std::filesystem::temp_directory_path() / "tavrix pushback test";
+    std::filesystem::create_directories(folder);
+    file = folder / "TAVRIX.ini";
+    Begin("MaxSpeed = -1.5\nMaxTurnSpeed = 0.15\n");
+    Set(parkingBrake, 0);
+    Set(std::string(position) + "psi", 0);
+  }
+  void TearDown() override {
+    StopPushback();
+    rows::Stop();
+    std::filesystem::remove_all(folder);
+  }
+  void Begin(const std::string& keys) {
+    StopPushback();
+    std::ofstream(file, std::ios::binary) << "[PUSHBACK SETTINGS]\n" << keys;
+    SetSettingsPath(file.string().c_str());
+    InitPushback();
+  }
+  std::string File() const {
+    std::stringstream text;
+    text << std::ifstream(file, std::ios::binary).rdbuf();
+    return text.str();
+  }
+  static void Frames(int count) {
+    for (int i = 0; i < count; ++i) PushbackStep();
+  }
+  static double Vx() { return Get(std::string(position) + "local_vx"); }
+  static double Vz() { return Get(std::string(position) + "local_vz"); }
+  static void SetHeading(double psi) { Set(std::string(position) + "psi", psi); }
+  static double QuaternionHeading() {
+    const double heading = QuaternionToEuler(ReadQuaternion()).heading;
+    return heading < -1e-4 ? heading + 360 : heading;
+  }
+  static void ExpectOverrides(int on) {
+    for (const char* name : overrides) EXPECT_EQ(Get(name), on) << name;
+  }
+  // A turn leaves its mark on the speed that is applied; only the brake takes it away.
+  static void EndTurn() {
+    Set(parkingBrake, 1);
+    CommandPushback(0);
+    Set(parkingBrake, 0);
+  }
+
+  std::filesystem::path folder, file;
+};
+
+TEST_F(Pushback, CommandsThroughTheOffset) {
+  const uint32_t start = 3;
+  const struct {
+    uint32_t written;
+    double brake;
+    int mode, overridden;
+  } cases[] = {{0, 0, 0, 1},          {1, 0, 1, 1},   {2, 0, 2, 1}, {7, 0, 0, 1},
+               {0xFFFFFFFF, 0, 0, 1}, {0, 0.1, 3, 0}, {2, 1, 3, 0}, {7, 1, 3, 0}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.written);
+    Set(parkingBrake, test.brake);
+    CopyToMemory(0x31F4, 4, &start);
+    for (const char* name : {"sim/flightmodel/controls/l_brake_add", "sim/flightmodel/controls/r_brake_add",
+                             "sim/joystick/yoke_heading_ratio", "sim/flightmodel/controls/dist"}) {
+      Set(name, 0.5);
+    }
+    rows::WriteAndRun(0x31F4, test.written);
+    EXPECT_EQ(pushbackMode, test.mode);
+    ExpectOverrides(test.overridden);
+    for (const char* name : {"sim/flightmodel/controls/l_brake_add", "sim/flightmodel/controls/r_brake_add",
+                             "sim/joystick/yoke_heading_ratio", "sim/flightmodel/controls/dist"}) {
+      EXPECT_EQ(Get(name), test.overridden ? 0 : 0.5) << name;
+    }
+    rows::Refresh(Cycle::C31Navigation);
+    EXPECT_EQ(Read<uint32_t>(0x31F0), static_cast<uint32_t>(test.mode));
+    EXPECT_EQ(Read<uint32_t>(0x31F4), static_cast<uint32_t>(test.mode));
+    rows::WriteAndRun<uint32_t>(0x31F4, 3);
+    EXPECT_EQ(pushbackMode, 3);
+    ExpectOverrides(0);
+  }
+}
+
+TEST_F(Pushback, SameCommandTwiceStartsOnce) {
+  const uint32_t stopped = 3;
+  CopyToMemory(0x31F4, 4, &stopped);
+  rows::WriteAndRun<uint32_t>(0x31F4, 2);
+  Set("sim/flightmodel/controls/dist", 12);
+  rows::WriteAndRun<uint32_t>(0x31F4, 2);
+  EXPECT_EQ(Get("sim/flightmodel/controls/dist"), 12);
+}
+
+TEST_F(Pushback, SpeedRampsAndAlternatesAroundTheWantedOne) {
+  CommandPushback(0);
+  const struct {
+    int frames;
+    double speed;
+  } cases[] = {{1, -0.009}, {99, -0.9}, {66, -1.494}, {1, -1.503}, {1, -1.494}, {1, -1.503}, {1001, -1.494}};
+  for (const auto& test : cases) {
+    Frames(test.frames);
+    EXPECT_NEAR(Vz(), -test.speed, 1e-4) << test.frames;
+    EXPECT_NEAR(Vx(), 0, 1e-6);
+  }
+  // Along the heading, whatever that is.
+  for (const double psi : {0.0, 90.0, 135.0, 270.0, 359.5}) {
+    SetHeading(psi);
+    Frames(1);
+    const double heading = psi * std::numbers::pi / 180;
+    const double speed = std::hypot(Vx(), Vz());
+    EXPECT_NEAR(Vx(), -speed * std::sin(heading), 1e-5) << psi;
+    EXPECT_NEAR(Vz(), speed * std::cos(heading), 1e-5) << psi;
+  }
+}
+
+TEST_F(Pushback, RollsOutAfterAStop) {
+  CommandPushback(0);
+  Frames(10);  // -0.09 m/s
+  CommandPushback(3);
+  Frames(1);
+  EXPECT_NEAR(Vz(), 0.04, 1e-5);
+  Frames(1);
+  EXPECT_NEAR(Vz(), -0.01, 1e-5);  // past standing by less than a step
+  Set(std::string(position) + "local_vz", 0.7);
+  Frames(1);
+  EXPECT_FLOAT_EQ(static_cast<float>(Vz()), 0.7F);  // not ours any longer
+}
+
+TEST_F(Pushback, TurnsBothWaysWithTheRateKept) {
+  SetHeading(100);
+  CommandPushback(1);
+  Frames(40);
+  EXPECT_NEAR(QuaternionHeading(), 100.15, 1e-3);  // the rate has reached its limit by now
+  EXPECT_NEAR(std::hypot(Vx(), Vz()), 0.375, 1e-5);
+  CommandPushback(2);
+  Frames(1);
+  EXPECT_NEAR(QuaternionHeading(), 99.85, 1e-3);
+  CommandPushback(3);
+  CommandPushback(2);
+  Frames(1);
+  EXPECT_NEAR(QuaternionHeading(), 99.85, 1e-3);  // begins with the rate of the last turn
+
+  const struct {
+    uint32_t mode;
+    double psi, heading;
+  } cases[] = {{1, 359.95, 0}, {1, 359.5, 359.65}, {2, 0.05, 360}, {2, 0.5, 0.35}, {1, 0, 0.15}};
+  Set(std::string(position) + "theta", 2);
+  Set(std::string(position) + "phi", -1);
+  for (const auto& test : cases) {
+    CommandPushback(test.mode);
+    SetHeading(test.psi);
+    Frames(1);
+    EXPECT_NEAR(std::remainder(QuaternionHeading() - test.heading, 360.0), 0, 1e-3) << test.psi;
+    EXPECT_NEAR(QuaternionToEuler(ReadQuaternion()).pitch, 2, 1e-3);
+    EXPECT_NEAR(QuaternionToEuler(ReadQuaternion()).bank, -1, 1e-3);
+  }
+  // The roll-out of a turn, and even a straight push after it, goes at the turn speed.
+  SetHeading(0);
+  CommandPushback(3);
+  Frames(1);
+  EXPECT_NEAR(Vz(), 0.375, 1e-5);
+  EndTurn();
+  CommandPushback(0);
+  Frames(1);
+  EXPECT_NEAR(Vz(), 0.009, 1e-5);
+}
+
+TEST_F(Pushback, ParkingBrakeCrashAndDisableGiveEverythingBack) {
+  const struct {
+    const char* what;
+    void (*end)();
+  } cases[] = {{"brake",
+                [] {
+                  Set(parkingBrake, 0.01);
+                  PushbackStep();
+                }},
+               {"crash", AbortPushback},
+               {"disable", StopPushback}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.what);
+    Set(parkingBrake, 0);
+    CommandPushback(2);
+    Frames(60);
+    ExpectOverrides(1);
+    test.end();
+    ExpectOverrides(0);
+    EXPECT_EQ(pushbackMode, 3);
+    Set(std::string(position) + "local_vz", 0.7);
+    Frames(3);  // no roll-out
+    EXPECT_FLOAT_EQ(static_cast<float>(Vz()), 0.7F);
+  }
+}
+
+TEST_F(Pushback, OverridesOfOthersAreLeftAloneWhileItNeverRan) {
+  for (const char* name : overrides) Set(name, 1);
+  AbortPushback();
+  StopPushback();
+  ExpectOverrides(1);
+}
+
+TEST_F(Pushback, SettingsAreReadAndCompleted) {
+  Begin("");
+  EXPECT_NE(File().find("MaxSpeed = -1.5\n"), std::string::npos);
+  EXPECT_NE(File().find("MaxTurnSpeed = 0.15\n"), std::string::npos);
+  Begin("MaxSpeed = 0.9\nMaxTurnSpeed = 0.01\n");  // forwards
+  CommandPushback(0);
+  Frames(200);
+  EXPECT_NEAR(Vz(), -0.9, 0.01);
+  EXPECT_EQ(File(), "[PUSHBACK SETTINGS]\nMaxSpeed = 0.9\nMaxTurnSpeed = 0.01\n");
+  SetHeading(50);
+  CommandPushback(1);
+  Frames(50);
+  EXPECT_NEAR(QuaternionHeading(), 50.01, 1e-3);
+  EXPECT_NEAR(std::hypot(Vx(), Vz()), 0.225, 1e-5);
+  EndTurn();
+  Begin("MaxSpeed = fast\nMaxTurnSpeed = -1\n");  // nonsense moves nothing
+  CommandPushback(1);
+  Frames(10);
+  EXPECT_EQ(std::hypot(Vx(), Vz()), 0);
+  EXPECT_NEAR(QuaternionHeading(), 50, 1e-3);
+  EndTurn();
+}
+
+TEST_F(Pushback, MissingDatarefsDoNoHarm) {
+  for (const char* name : overrides) sim::Withdraw(sim::FindLive(name));
+  for (const char* name : {"parkbrake", "dist"}) {
+    sim::Withdraw(sim::FindLive(std::string("sim/flightmodel/controls/") + name));
+  }
+  Begin("MaxSpeed = -1.5\n");
+  CommandPushback(1);
+  Frames(5);
+  EXPECT_EQ(pushbackMode, 1);
+}
+
+}  // namespace

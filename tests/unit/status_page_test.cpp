@@ -1,0 +1,126 @@
+// The status page: its bytes, its log, silent browsers, a taken port, stopping.
+#include "status/status_page.h"
+
+#include <clocale>
+#include <cmath>
+#include <limits>
+
+#include "net_harness.h"
+#include "offsets/memory.h"
+#include "platform/clock.h"
+
+namespace {
+
+using net::Client;
+
+std::string Join(const std::vector<std::string>& pieces) {
+  std::string all;
+  for (const std::string& piece : pieces) all += piece;
+  return all;
+}
+
+constexpr char expectedPage[] =
+    "HTTP/1.1 200 OK\nContent-Type: text/html\nConnection: close\nRefresh: 1\n<!DOCTYPE HTML>\n"
+    "\n<html>\n<body>\n"
+    "<h1>TAVRIX version: 2.0.5.25 </h1>\n"
+    "\n<tr>\n"
+    "TAVRIX Datarate: 30 1/sec<br/>"
+    "Ground elevation: -2 m<br/>"
+    "Ground speed: 100 m/sec<br/>"
+    "Vertical speed: -1 m/sec<br/>"
+    "Aircraft pitch: -2.500000 degrees<br/>"
+    "Aircraft bank: 2.500000 degrees<br/>"
+    "Aircraft heading: 180 degrees<br/>"
+    "\n</tr>\n"
+    "\n</body>\n</html>\n";
+
+void StoreValues() {
+  LockScope lock(&offsetLock);
+  Store<uint16_t>(0x0274, 1092);
+  Store<int32_t>(0x0020, -3 * 256 + 1);
+  Store<int32_t>(0x02B4, 100 * 65536 + 65535);
+  Store<int32_t>(0x02C8, -511);
+  Store<double>(0x2F70, 2.5);
+  Store<double>(0x2F78, 2.5);
+  Store<uint32_t>(0x0580, 0x80000000);
+}
+
+TEST(StatusPage, ValuesAtTheirLimits) {
+  struct {
+    StatusValues values;
+    const char* part;
+  } const cases[] = {
+      {{}, "Datarate: 0 1/sec<br/>"},
+      {{}, "pitch: -0.000000 degrees<br/>Aircraft bank: 0.000000 "},
+      {{.framePeriod = 1}, "Datarate: 32768 1/sec"},
+      {{.framePeriod = 65535}, "Datarate: 0 1/sec"},
+      {{.groundElevation = std::numeric_limits<int32_t>::min()}, "elevation: -8388608 m<"},
+      {{.groundSpeed = -65535}, "Ground speed: 0 m/sec"},
+      {{.verticalSpeed = 256}, "Vertical speed: 1 m/sec"},
+      {{.pitch = -1e300},
+       "pitch: 1000000000000000052504760255204420248704468581108159154915854115111802457988908195"},
+      {{.bank = 1234.5678915}, "bank: 1234.567891 degrees"},
+      {{.heading = 0xFFFFFFFF}, "heading: 360 degrees"},
+      {{.heading = 0x40000000}, "heading: 90 degrees"},
+  };
+  for (const auto& test : cases) {
+    const std::string page = Join(StatusPagePieces(test.values));
+    EXPECT_NE(page.find(test.part), std::string::npos) << test.part << " is not in " << page;
+  }
+  EXPECT_EQ(StatusPagePieces({}).size(), 13u);
+}
+
+struct StatusPageThread : net::Network {
+  Client browser;
+  void Start() {
+    ASSERT_TRUE(StartStatusPage(Folder().c_str()));
+    ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&browser, statusPort) == 1; })) << Log();
+  }
+  void TearDown() override {
+    net::Disconnect(&browser);
+    StopStatusPage();
+    net::Network::TearDown();
+  }
+};
+
+TEST_F(StatusPageThread, EveryRequestGetsThePageAndALineInTheLog) {
+  StoreValues();
+  ASSERT_NO_FATAL_FAILURE(Start());
+  for (const std::string request : {"GET / HTTP/1.1\r\nHost: x\r\n\r\n", "nonsense"}) {
+    ASSERT_TRUE(SendStream(&browser.tcp, request.data(), request.size()));
+    EXPECT_EQ(net::ReceiveText(&browser), expectedPage);
+    net::Disconnect(&browser);
+    ASSERT_TRUE(net::Connect(&browser, statusPort));
+  }
+  StopStatusPage();
+  EXPECT_EQ(
+      Log("httpLog.txt"),
+      "http log\nhttp command=GET / HTTP/1.1\r\nHost: x\r\n\r\n\nhttp command=nonsense\nClosing http thread\n");
+}
+
+TEST_F(StatusPageThread, ASilentBrowserGetsThePageToo) {
+  StoreValues();
+  ASSERT_NO_FATAL_FAILURE(Start());
+  EXPECT_EQ(net::ReceiveText(&browser), expectedPage);
+}
+
+TEST_F(StatusPageThread, ARequestLongerThanTheBufferStillGetsThePage) {
+  StoreValues();
+  ASSERT_NO_FATAL_FAILURE(Start());
+  const std::string request(5000, 'x');
+  ASSERT_TRUE(SendStream(&browser.tcp, request.data(), request.size()));
+  EXPECT_EQ(net::ReceiveText(&browser), expectedPage);
+}
+
+TEST_F(StatusPageThread, ATakenPortIsLoggedAndStopEndsTheWait) {
+  Socket other;
+  ASSERT_TRUE(OpenSocket(&other, Transport::Stream) && BindSocket(&other, {0, statusPort}) &&
+              ListenSocket(&other, 1));
+  ASSERT_TRUE(StartStatusPage(Folder().c_str()));
+  EXPECT_TRUE(net::WaitUntil([&] { return LogHas("error bind\n") && LogHas("cannot use TCP port 4321"); }));
+  StopStatusPage();
+  EXPECT_EQ(StatusPageRuns(), 0);
+  CloseSocket(&other);
+}
+
+}  // namespace

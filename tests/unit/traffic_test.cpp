@@ -1,0 +1,410 @@
+// Traffic: the table in the offset memory, distances, slots coming and going, both threads.
+#include "traffic/traffic.h"
+
+#include <cmath>
+#include <functional>
+#include <numbers>
+
+#include "offsetctl/traffic_rows.h"
+#include "platform/clock.h"
+#include "row_harness.h"
+#include "traffic/traffic_state.h"
+
+namespace {
+
+using rows::Read;
+using rows::Set;
+
+constexpr const char* plane = "sim/multiplayer/position/plane";
+constexpr uint32_t header = 0xF000, nearest = 0xF07E;
+
+uint32_t Entry(uint32_t slot) { return 0xF080 + 40 * slot; }
+uint32_t Record(uint32_t slot) { return 0xD840 + 20 * slot; }
+
+void WaitUntil(const char* what, const std::function<bool()>& condition) {
+  const int64_t end = MonotonicNanoseconds() + int64_t{20} * 1000000000;
+  while (!condition()) {
+    ASSERT_LT(MonotonicNanoseconds(), end) << "not in time: " << what;
+    SleepMilliseconds(1);
+  }
+}
+
+// The test plays the manager thread: it alone starts, ends and joins slots.
+class Traffic : public testing::Test {
+ protected:
+  void SetUp() override {
+    rows::Start();
+    ASSERT_EQ(InitTraffic(), 1);
+    clientEntryWritten = 0;
+    Set("sim/flightmodel/position/latitude", 48.0);
+    Set("sim/flightmodel/position/longitude", 11.0);
+  }
+  void TearDown() override {
+    EndManager();
+    ReleaseTraffic();
+    rows::Stop();
+  }
+
+  static void Begin(int planes) {
+    Planes(planes);
+    BeginManager();
+    Rounds();
+  }
+  static void Planes(int count) {
+    ASSERT_EQ(sim::SimCommand("planes " + std::to_string(count)), "ok");
+    LoadAircraftList();
+  }
+  static void PutPlane(int number, double latitude, double longitude) {
+    Set(plane + std::to_string(number) + "_lat", latitude);
+    Set(plane + std::to_string(number) + "_lon", longitude);
+  }
+  // A whole round of every slot after this call, then one of the manager.
+  static void Rounds() {
+    ASSERT_EQ(FillTrafficPositions(), 1);
+    for (uint32_t slot = 0; slot < activeSlots; ++slot) {
+      const uint8_t before = slotRounds[slot].load();
+      WaitUntil("slot round", [&] {
+        SignalEvent(&slots[slot].wake);
+        return static_cast<uint8_t>(slotRounds[slot].load() - before) >= 2;
+      });
+    }
+    RunManagerRound();
+  }
+  static void Settle(uint32_t wanted) {
+    WaitUntil("slots settled", [&] {
+      RunManagerRound();
+      return activeSlots == wanted;
+    });
+  }
+};
+
+// --- Distance ---------------------------------------------------------------------------------------------
+
+TEST(TrafficDistance, RightAndFiniteEverywhere) {
+  const struct {
+    float latitudeA, longitudeA, latitudeB, longitudeB;
+    double degrees;  // of arc between them
+  } cases[] = {
+      {48, 11, 48, 11, 0},          {47.123456F, -122.654321F, 47.123456F, -122.654321F, 0},
+      {90, 0, 90, 137, 0},          {-90, 20, -90, -160, 0},
+      {90, 0, -90, 0, 180},         {0, 0, 0, 180, 180},
+      {0, 179.9F, 0, -179.9F, 0.2}, {0, -180, 0, 180, 0},
+      {89.5F, 0, 89.5F, 180, 1},    {10, 25, 20, 25, 10},
+      {0, 0, 0, 0.005F, 0.005},  // 0.56 km: not lost in single precision
+      {45, 0, 45, 90, 60},
+  };
+  for (const auto& test : cases) {
+    Place a = {test.latitudeA, test.longitudeA, 0}, b = {test.latitudeB, test.longitudeB, 0};
+    ConvertPlace(&a);
+    ConvertPlace(&b);
+    const double expected = test.degrees * std::numbers::pi / 180 * 63710;
+    EXPECT_NEAR(DistanceBetween(a, b), expected, 1.0) << test.latitudeA << " " << test.longitudeA;
+    EXPECT_EQ(DistanceBetween(a, b), DistanceBetween(b, a));
+  }
+}
+
+TEST(TrafficDistance, ConvertedOnlyOnce) {
+  Place place = {90, -180, 0};
+  for (int i = 0; i < 5; ++i) ConvertPlace(&place);
+  EXPECT_FLOAT_EQ(place.latitude, 1.5707964F);
+  EXPECT_FLOAT_EQ(place.longitude, -3.1415927F);
+}
+
+// --- Table ------------------------------------------------------------------------------------------------
+
+TEST_F(Traffic, EntryAndRecordByteForByte) {
+  Planes(2);
+  PutPlane(1, 48.25, -11.5);
+  Set("sim/multiplayer/position/plane1_el", 1000);
+  const struct {
+    double psi, east, south, climb, pitch, bank;
+    uint16_t heading, speed;
+    int16_t vertical, angleA, angleB;
+  } cases[] = {
+      {90.9, 30, -40, 5.9, 10.9, -20.9, 16384, 97, 985, 1820, -3640},
+      {359.99, 0, 0, -3.5, -89.5, 180, 65353, 0, -591, -16201, 32767},
+      {360, 0, 1, 500, 90, -180, 0, 1, 32767, 16384, -32768},  // saturated, never wrapped
+      {-90, 1e9, 0, -500, NAN, 0, 49152, 65535, -32768, 0, 0},
+  };
+  BeginManager();
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.psi);
+    Set("sim/multiplayer/position/plane1_psi", test.psi);
+    Set("sim/multiplayer/position/plane1_v_x", test.east);
+    Set("sim/multiplayer/position/plane1_v_z", test.south);
+    Set("sim/multiplayer/position/plane1_v_y", test.climb);
+    Set("sim/multiplayer/position/plane1_the", test.pitch);
+    Set("sim/multiplayer/position/plane1_phi", test.bank);
+    const uint16_t foreign = 0xBEEF;  // not ours to write
+    CopyToMemory(Entry(0) + 38, 2, &foreign);
+    Rounds();
+    EXPECT_EQ(Read<uint32_t>(Entry(0)), slots[0].serial);
+    EXPECT_EQ(Read<float>(Entry(0) + 4), 48.25F);
+    EXPECT_EQ(Read<float>(Entry(0) + 8), -11.5F);
+    EXPECT_FLOAT_EQ(Read<float>(Entry(0) + 12), 3280.839F);
+    EXPECT_EQ(Read<uint16_t>(Entry(0) + 16), test.heading);
+    EXPECT_EQ(Read<uint16_t>(Entry(0) + 18), test.speed);
+    EXPECT_EQ(Read<int16_t>(Entry(0) + 20), test.vertical);
+    EXPECT_EQ(Read<uint16_t>(Entry(0) + 36), 0x8C00);
+    EXPECT_EQ(Read<uint16_t>(Entry(0) + 38), foreign);
+    EXPECT_EQ(Read<uint32_t>(Record(0)), slots[0].serial);
+    EXPECT_EQ(Read<uint16_t>(Record(0) + 4), 14);
+    EXPECT_EQ(Read<int16_t>(Record(0) + 6), test.angleA);
+    EXPECT_EQ(std::memcmp(offsetMemory.bytes + Record(0) + 8, "EDDMEDDT\0\0", 10), 0);
+    EXPECT_EQ(Read<int16_t>(Record(0) + 18), test.angleB);
+  }
+}
+
+TEST_F(Traffic, EntriesStayInDegreesBetweenTwoPositions) {
+  Planes(3);
+  PutPlane(1, 48.0, 11.0);
+  PutPlane(2, 48.5, 11.0);
+  BeginManager();
+  Rounds();
+  for (int i = 0; i < 4; ++i) {  // no new positions: the shared ones must not be converted again
+    for (uint32_t slot = 0; slot < 2; ++slot) {
+      const uint8_t before = slotRounds[slot].load();
+      WaitUntil("round", [&] {
+        SignalEvent(&slots[slot].wake);
+        return slotRounds[slot].load() != before;
+      });
+    }
+    EXPECT_EQ(Read<float>(Entry(1) + 4), 48.5F);
+    const LockScope lock(&trafficSlotLock);
+    EXPECT_EQ(slotDistances[0].distance, 0);
+    EXPECT_NEAR(slotDistances[1].distance, 555, 1);
+  }
+}
+
+TEST_F(Traffic, HeaderForEveryCount) {
+  const struct {
+    int planes;
+    uint16_t slots;
+  } cases[] = {{1, 0}, {5, 4}, {2, 1}, {120, 96}, {97, 96}, {1, 0}};
+  Begin(1);
+  for (const auto& test : cases) {
+    Planes(test.planes);
+    Settle(test.slots);
+    Rounds();
+    const uint16_t change = Read<uint16_t>(header + 6);
+    RunManagerRound();
+    EXPECT_EQ(Read<uint32_t>(header), 0x00600028U);
+    EXPECT_EQ(Read<uint16_t>(header + 4), test.slots);
+    EXPECT_EQ(Read<uint16_t>(header + 6), static_cast<uint16_t>(change + 10));
+    EXPECT_EQ(Read<uint8_t>(header + 0x68), 'P');
+    for (uint32_t slot = 0; slot < maxSlots; ++slot) {
+      if (slot < test.slots) {
+        EXPECT_NE(Read<uint32_t>(Entry(slot)), 0U) << slot;
+      } else {
+        WaitUntil("entry cleared", [&] { return Read<uint32_t>(Entry(slot)) == 0; });
+        EXPECT_EQ(Read<uint32_t>(Record(slot)), 0U) << slot;
+      }
+    }
+  }
+  RunManagerRound();
+  EXPECT_EQ(Read<uint16_t>(nearest), 0);
+}
+
+TEST_F(Traffic, OneSlotARoundFromTheTopDownWithNewSerials) {
+  Begin(5);
+  EXPECT_EQ(activeSlots, 4U);
+  const uint32_t lastSerial = slots[3].serial;
+  Planes(2);
+  for (uint32_t left = 3; left >= 1; --left) {
+    RunManagerRound();
+    EXPECT_EQ(activeSlots, left);
+    EXPECT_EQ(Read<uint16_t>(header + 4), left);
+    WaitUntil("cleared", [&] { return Read<uint32_t>(Entry(left)) == 0; });
+    EXPECT_NE(Read<uint32_t>(Entry(left - 1)), 0U);
+  }
+  RunManagerRound();
+  EXPECT_EQ(activeSlots, 1U);
+  Planes(3);
+  Settle(2);
+  EXPECT_EQ(slots[1].serial, lastSerial + 1);
+}
+
+TEST_F(Traffic, NearestChangesAsAircraftPass) {
+  Begin(4);
+  const struct {
+    double latitude1, latitude2, latitude3;
+    uint32_t nearest;
+  } cases[] = {
+      {48.3, 48.2, 48.1, Entry(2)},
+      {48.3, 48.05, 48.1, Entry(1)},
+      {48.0, 48.05, 48.1, Entry(0)},
+      {48.2, 48.2, 48.2, Entry(0)},  // equally far: the first
+      {56.9, 57.1, 58, Entry(0)},    // 990 km, 1,012 km
+      {57.1, 58, 70, 0},             // nobody within 1,000 km
+  };
+  for (const auto& test : cases) {
+    PutPlane(1, test.latitude1, 11);
+    PutPlane(2, test.latitude2, 11);
+    PutPlane(3, test.latitude3, 11);
+    Rounds();
+    EXPECT_EQ(Read<uint16_t>(nearest), test.nearest) << test.latitude1;
+  }
+}
+
+TEST_F(Traffic, AircraftWithoutPositionAndForeignEntriesAreNotNear) {
+  Set("sim/flightmodel/position/latitude", 0);
+  Set("sim/flightmodel/position/longitude", 0);
+  Planes(25);  // only 19 have a position
+  for (int number = 1; number <= 19; ++number) PutPlane(number, 5, 5 + number);
+  BeginManager();
+  Rounds();
+  EXPECT_EQ(Read<uint16_t>(nearest), Entry(0));
+  const uint32_t invented = 77;
+  CopyToMemory(Entry(60), 4, &invented);
+  RunManagerRound();
+  EXPECT_EQ(Read<uint16_t>(nearest), Entry(0));
+}
+
+TEST_F(Traffic, ClientEntryIsTakenOnlyFromItsFirstByte) {
+  Begin(1);
+  uint8_t record[41] = {};
+  for (uint8_t i = 0; i < 41; ++i) record[i] = static_cast<uint8_t>(i + 1);
+  const struct {
+    uint32_t offset, size, taken;
+  } cases[] = {{0x1F80, 40, 1}, {0x1F80, 4, 1}, {0x1F81, 39, 0}, {0x1F7F, 41, 0}};
+  for (const auto& test : cases) {
+    rows::WriteBytes(test.offset, record, test.size);
+    EXPECT_EQ(clientEntryWritten.load(), test.taken) << std::hex << test.offset;
+    EXPECT_EQ(pendingFlags.flags[0x1F80], 0U);
+    std::memset(clientEntry, 0, sizeof clientEntry);
+    RunManagerRound();
+    EXPECT_EQ(clientEntry[0], test.taken != 0 ? 1 : 0);
+    EXPECT_EQ(clientEntryWritten.load(), 0U);
+  }
+}
+
+TEST_F(Traffic, RetiringSlotStopsRefreshingAndEnds) {
+  Begin(2);
+  slots[0].retire = 1;
+  // A round that had begun before may still refresh the entry.
+  const uint8_t before = slotRounds[0].load();
+  WaitUntil("ended", [] {
+    SignalEvent(&slots[0].wake);
+    return slots[0].ended.load() != 0;
+  });
+  EXPECT_GE(static_cast<uint8_t>(slotRounds[0].load() - before), 5);
+  EXPECT_EQ(Read<uint32_t>(Entry(0)), 0U);
+}
+
+TEST_F(Traffic, ModelsAreCutClearedAndReloaded) {
+  Begin(5);
+  char text[15] = {};
+  CopyFromMemory(Entry(0) + 22, 14, text);
+  EXPECT_STREQ(text, std::string(modelNames[1]).substr(0, 14).c_str());
+  EXPECT_NE(text[0], 0);
+  EXPECT_NE(std::string(modelPaths[4]).find(modelNames[4]), std::string::npos);
+  EXPECT_EQ(modelNames[0][0], 0);
+  Planes(2);
+  EXPECT_NE(modelNames[1][0], 0);
+  EXPECT_EQ(modelNames[2][0], 0);
+  EXPECT_EQ(modelPaths[4][0], 0);
+  Planes(128);
+  EXPECT_NE(modelNames[maxModels - 1][0], 0);
+}
+
+TEST_F(Traffic, ThousandsOfChangesLeaveNothingBehind) {
+  Begin(3);
+  const auto change = [](int times) {
+    for (int i = 0; i < times; ++i) {
+      aircraftCount = i % 2 == 0 ? 4 : 2;
+      countChanged = 1;
+      Settle(aircraftCount - 1);
+    }
+    aircraftCount = 3;
+    countChanged = 1;
+    Settle(2);
+    WaitUntil("joined", [] {
+      RunManagerRound();
+      return slots[2].thread.started.load() == 0;
+    });
+  };
+  change(50);
+  const int threads = CountProcessThreads(), handles = CountProcessHandles();
+  const int64_t memory = ProcessMemoryBytes();
+  change(1500);  // two slots each
+  EXPECT_EQ(CountProcessThreads(), threads);
+  EXPECT_EQ(CountProcessHandles(), handles);
+  EXPECT_LT(ProcessMemoryBytes() - memory, 2 * 1024 * 1024);
+}
+
+// What the client tool makes of the table.
+TEST_F(Traffic, MonitorShowsRangesNearestFirst) {
+  uint8_t table[ctl::trafficSize] = {};
+  EXPECT_EQ(ctl::TrafficLines(table, 48, 11, 2), (std::vector<std::string>{"Traffic      0 aircraft", "", ""}));
+  Planes(4);
+  PutPlane(1, 49, 11);
+  PutPlane(2, 48, 10.5);
+  PutPlane(3, 48, 13);
+  BeginManager();
+  Rounds();
+  CopyFromMemory(ctl::trafficOffset, ctl::trafficSize, table);
+  const std::vector<std::string> lines = ctl::TrafficLines(table, 48, 11, 2);
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_EQ(lines[0], "Traffic      3 aircraft");
+  EXPECT_NE(lines[1].find("20.1 nm at 270"), std::string::npos) << lines[1];
+  EXPECT_NE(lines[2].find("60.0 nm at   0"), std::string::npos) << lines[2];
+}
+
+// --- Threads ------------------------------------------------------------------------------------------------
+
+class TrafficThreads : public testing::Test {
+ protected:
+  void SetUp() override {
+    rows::Start();
+    ASSERT_EQ(InitTraffic(), 1);
+  }
+  void TearDown() override {
+    StopAircraftModelThread();
+    StopTrafficThread();
+    ReleaseTraffic();
+    rows::Stop();
+  }
+};
+
+TEST_F(TrafficThreads, AllSlotsWhilePositionsModelsAndClientsChangeThenStopInTime) {
+  const int threads = CountProcessThreads();
+  sim::SimCommand("planes 97");
+  LoadAircraftList();
+  ASSERT_EQ(StartTrafficThread(), 1);
+  ASSERT_EQ(StartAircraftModelThread(), 1);
+  WaitUntil("96 slots", [] {
+    const uint8_t byte = 1;
+    rows::WriteBytes(0x1F80, &byte, 1);
+    FillTrafficPositions();
+    return Read<uint16_t>(header + 4) == 96 && Read<uint32_t>(Entry(95)) != 0;
+  });
+  for (int i = 0; i < 200; ++i) {
+    if (i % 20 == 0) LoadAircraftList();
+    FillTrafficPositions();
+    Read<uint16_t>(nearest);
+  }
+  WaitUntil("models", [] { return listBeingBuilt.load() == 0; });
+  sim::SimCommand("planes 90");
+  LoadAircraftList();
+  WaitUntil("one slot less", [] { return Read<uint16_t>(header + 4) < 96; });
+  const int64_t begun = MonotonicNanoseconds();
+  StopAircraftModelThread();
+  StopTrafficThread();
+  EXPECT_LT(MonotonicNanoseconds() - begun, (500 + 1000) * int64_t{1000000});  // 500 ms are pauses by design
+  EXPECT_EQ(CountProcessThreads(), threads);
+  for (uint32_t slot = 0; slot < maxSlots; ++slot) EXPECT_EQ(Read<uint32_t>(Entry(slot)), 0U) << slot;
+  EXPECT_EQ(Read<uint16_t>(header + 4), 0);
+}
+
+TEST_F(TrafficThreads, WithoutOtherAircraftStoppingWaitsForNothing) {
+  LoadAircraftList();
+  ASSERT_EQ(StartTrafficThread(), 1);
+  WaitUntil("a round", [] { return Read<uint16_t>(header + 2) == 96; });
+  const int64_t begun = MonotonicNanoseconds();
+  StopTrafficThread();
+  EXPECT_LT(MonotonicNanoseconds() - begun, 1200 * int64_t{1000000});
+  EXPECT_EQ(TrafficRuns(), 0);
+  StopTrafficThread();  // twice does no harm
+}
+
+}  // namespace
