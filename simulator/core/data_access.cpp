@@ -11,7 +11,13 @@ using sim::DataRef;
 using sim::Kind;
 using sim::Provider;
 
-DataRef* Ref(XPLMDataRef handle) { return static_cast<DataRef*>(handle); }
+uint64_t nullHandles;
+
+DataRef* Ref(XPLMDataRef handle) {
+  if (handle == nullptr) [[unlikely]]
+    nullHandles++;
+  return static_cast<DataRef*>(handle);
+}
 
 // The accessors of a plug-in's dataref while that plug-in can answer, else null.
 Provider* Answering(const DataRef* ref) {
@@ -87,6 +93,7 @@ namespace sim {
 
 uint64_t lookUps;
 uint64_t LookUps() { return lookUps; }
+uint64_t NullHandles() { return nullHandles; }
 
 }  // namespace sim
 

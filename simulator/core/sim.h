@@ -123,6 +123,8 @@ SIM_API void CheckCaller(const char* function);
 SIM_API std::vector<std::string> TakeBreaches();
 // Datarefs and commands that were looked up by name since the program began.
 SIM_API uint64_t LookUps();
+// Calls of the dataref accessors with a null handle: harmless, but a plug-in should not need them.
+SIM_API uint64_t NullHandles();
 // Identifier of the plug-in whose code is running. Outside of any callback (a test that calls on its own)
 // the first plug-in, 0 when there is none.
 SIM_API int CallingPlugin();

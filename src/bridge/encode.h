@@ -48,16 +48,26 @@ inline T TruncatedSingle(double value) {
 // The stored bytes in the word's low end, zero above them. NaN has no stored form and gives 0.
 inline uint64_t EncodedWord(Stored type, double value) {
   switch (type) {
-    case Stored::U8: return TruncatedSingle<uint8_t>(value);
-    case Stored::S8: return static_cast<uint8_t>(TruncatedSingle<int8_t>(value));
-    case Stored::U16: return TruncatedSingle<uint16_t>(value);
-    case Stored::S16: return static_cast<uint16_t>(TruncatedSingle<int16_t>(value));
-    case Stored::U32: return Truncated<uint32_t>(value);
-    case Stored::S32: return static_cast<uint32_t>(Truncated<int32_t>(value));
-    case Stored::S64: return static_cast<uint64_t>(Truncated<int64_t>(value));
-    case Stored::F32: return value != value ? 0 : std::bit_cast<uint32_t>(static_cast<float>(value));
-    case Stored::F64: return value != value ? 0 : std::bit_cast<uint64_t>(value);
-    case Stored::Text: break;
+    case Stored::U8:
+      return TruncatedSingle<uint8_t>(value);
+    case Stored::S8:
+      return static_cast<uint8_t>(TruncatedSingle<int8_t>(value));
+    case Stored::U16:
+      return TruncatedSingle<uint16_t>(value);
+    case Stored::S16:
+      return static_cast<uint16_t>(TruncatedSingle<int16_t>(value));
+    case Stored::U32:
+      return Truncated<uint32_t>(value);
+    case Stored::S32:
+      return static_cast<uint32_t>(Truncated<int32_t>(value));
+    case Stored::S64:
+      return static_cast<uint64_t>(Truncated<int64_t>(value));
+    case Stored::F32:
+      return value != value ? 0 : std::bit_cast<uint32_t>(static_cast<float>(value));
+    case Stored::F64:
+      return value != value ? 0 : std::bit_cast<uint64_t>(value);
+    case Stored::Text:
+      break;
   }
   return 0;
 }

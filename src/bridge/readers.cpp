@@ -62,10 +62,9 @@ struct Group {
   std::vector<Fetch> fetches;  // by accessor, so many of each kind:
   uint32_t floatElements, floats, ints;
   std::vector<Derivation> derivations;
-  std::vector<Item> items;         // widest first
-  std::vector<Segment> segments;   // of items
+  std::vector<Item> items;             // widest first
+  std::vector<Segment> segments;       // of items
   uint32_t eights, fours, twos, ones;  // items of each width
-
 };
 
 std::vector<Group> groups[cycleCount];
@@ -115,6 +114,7 @@ void AddSubject(const RowTable& table, Cycle cycle) {
 
 template <Stored type, typename T>
 void EncodeAs(const Item* item, uint32_t count, const double* slots, uint8_t* bytes) {
+#pragma GCC unroll 4
   for (uint32_t i = 0; i < count; i++) {
     const auto word = static_cast<T>(EncodedWord(type, slots[item[i].slot] * item[i].factor + item[i].add));
     std::memcpy(bytes + i * sizeof word, &word, sizeof word);
@@ -123,16 +123,25 @@ void EncodeAs(const Item* item, uint32_t count, const double* slots, uint8_t* by
 
 Encode EncoderOf(Stored type) {
   switch (type) {
-    case Stored::U8: return EncodeAs<Stored::U8, uint8_t>;
-    case Stored::S8: return EncodeAs<Stored::S8, uint8_t>;
-    case Stored::U16: return EncodeAs<Stored::U16, uint16_t>;
-    case Stored::S16: return EncodeAs<Stored::S16, uint16_t>;
-    case Stored::U32: return EncodeAs<Stored::U32, uint32_t>;
-    case Stored::S32: return EncodeAs<Stored::S32, uint32_t>;
-    case Stored::S64: return EncodeAs<Stored::S64, uint64_t>;
-    case Stored::F32: return EncodeAs<Stored::F32, uint32_t>;
+    case Stored::U8:
+      return EncodeAs<Stored::U8, uint8_t>;
+    case Stored::S8:
+      return EncodeAs<Stored::S8, uint8_t>;
+    case Stored::U16:
+      return EncodeAs<Stored::U16, uint16_t>;
+    case Stored::S16:
+      return EncodeAs<Stored::S16, uint16_t>;
+    case Stored::U32:
+      return EncodeAs<Stored::U32, uint32_t>;
+    case Stored::S32:
+      return EncodeAs<Stored::S32, uint32_t>;
+    case Stored::S64:
+      return EncodeAs<Stored::S64, uint64_t>;
+    case Stored::F32:
+      return EncodeAs<Stored::F32, uint32_t>;
     case Stored::F64:
-    case Stored::Text: break;
+    case Stored::Text:
+      break;
   }
   return EncodeAs<Stored::F64, uint64_t>;
 }
@@ -192,7 +201,8 @@ void LayOutItems(Group* group) {
         {row->factor, row->add, row->offset, SlotOf(*group, row), static_cast<uint8_t>(width)});
     (width == 8 ? group->eights : width == 4 ? group->fours : width == 2 ? group->twos : group->ones)++;
     const Encode encode = EncoderOf(row->type);
-    if (group->segments.empty() || group->segments.back().encode != encode) group->segments.push_back({encode, 0, 0});
+    if (group->segments.empty() || group->segments.back().encode != encode)
+      group->segments.push_back({encode, 0, 0});
     group->segments.back().count++;
     group->segments.back().bytes = static_cast<uint16_t>(group->segments.back().bytes + width);
   }
@@ -263,6 +273,7 @@ uint32_t Derive(const Group& group, double* slots) {
 // Copies values of one width to their places; returns what lies behind them.
 template <typename T>
 const uint8_t* StoreAs(const Item* item, uint32_t count, const uint8_t* bytes) {
+#pragma GCC unroll 4
   for (uint32_t i = 0; i < count; i++, bytes += sizeof(T)) {
     std::memcpy(offsetMemory.bytes + item[i].offset, bytes, sizeof(T));
   }

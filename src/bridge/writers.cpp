@@ -26,10 +26,14 @@ uint32_t WriteWidth(const OffsetRow& row) { return row.write.width != 0 ? row.wr
 
 DispatchAction ActionOf(const OffsetRow& row) {
   switch (row.offset) {
-    case 0x0558: return DispatchAction::StageTwoOrFour;
-    case 0x3F00: return DispatchAction::StageAlways;
-    case 0x3F04: return DispatchAction::StageText;
-    default: return DispatchAction::Stage;
+    case 0x0558:
+      return DispatchAction::StageTwoOrFour;
+    case 0x3F00:
+      return DispatchAction::StageAlways;
+    case 0x3F04:
+      return DispatchAction::StageText;
+    default:
+      return DispatchAction::Stage;
   }
 }
 

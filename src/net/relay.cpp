@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <string>
 
 #include "XPLMDataAccess.h"
 #include "net/address.h"
@@ -31,9 +32,9 @@ T Field(const uint8_t* record, size_t at) {
 }
 
 void SetDataRef(const uint8_t* record) {
-  char name[relayNameSize + 1] = {};
-  std::memcpy(name, record, relayNameSize);
-  XPLMDataRef ref = name[0] == '\0' ? nullptr : XPLMFindDataRef(name);
+  const auto* text = reinterpret_cast<const char*>(record);
+  const std::string name(text, strnlen(text, relayNameSize));
+  XPLMDataRef ref = name.empty() ? nullptr : XPLMFindDataRef(name.c_str());
   if (ref == nullptr) return;
   const int index = record[relayIndexAt];
   auto whole = Field<int>(record, relayIntAt);

@@ -56,6 +56,10 @@ uint32_t DispatchCustom(uint32_t at, const uint8_t* data, uint32_t supplied) {
 }  // namespace
 
 void ResetDispatchTable() {
+  weatherBlockRequested = 0;
+  weatherBlockReady = 0;
+  relayRecordStore.waiting = 0;
+  atcTexts.changed = 0;
   for (DispatchEntry& entry : table) entry = {DispatchAction::None, 0};
   AddDispatchEntry(0x3130, atcTextSize, DispatchAction::AtcNumber);
   AddDispatchEntry(0x313C, atcTextSize, DispatchAction::AtcTailNumber);

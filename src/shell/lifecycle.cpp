@@ -268,6 +268,7 @@ void DisablePlugin() {
 
 void StopPlugin() {
   UnregisterFlightLoops();
+  StopPushback();
   UnregisterClientFlightLoops();
   if (terrainProbe != nullptr) XPLMDestroyProbe(terrainProbe);
   terrainProbe = nullptr;

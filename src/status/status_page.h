@@ -12,12 +12,12 @@ constexpr uint16_t statusPort = 4321;
 
 // Values as they stand in the offset memory.
 struct StatusValues {
-  uint16_t framePeriod;     // s x 32768
-  int32_t groundElevation;  // m x 256
-  int32_t groundSpeed;      // m/s x 65536
-  int32_t verticalSpeed;    // m/s x 256
-  double pitch, bank;       // degrees
-  uint32_t heading;         // degrees x 2^32 / 360
+  uint16_t framePeriod = 0;     // s x 32768
+  int32_t groundElevation = 0;  // m x 256
+  int32_t groundSpeed = 0;      // m/s x 65536
+  int32_t verticalSpeed = 0;    // m/s x 256
+  double pitch = 0, bank = 0;   // degrees
+  uint32_t heading = 0;         // degrees x 2^32 / 360
 };
 
 // Starts the thread. `systemFolder` is the simulator's folder as it reports it. Returns 1, or 0 when the

@@ -12,13 +12,14 @@
 #include "row_harness.h"
 #include "settings/settings.h"
 
+#define POSITION "sim/flightmodel/position/"
+
 namespace {
 
 using rows::Get;
 using rows::Read;
 using rows::Set;
 
-constexpr const char* position = "sim/flightmodel/position/";
 constexpr const char* parkingBrake = "sim/flightmodel/controls/parkbrake";
 constexpr const char* overrides[] = {"sim/operation/override/override_joystick",
                                      "sim/operation/override/override_gearbrake",
@@ -33,7 +34,7 @@ class Pushback : public testing::Test {
     file = folder / "TAVRIX.ini";
     Begin("MaxSpeed = -1.5\nMaxTurnSpeed = 0.15\n");
     Set(parkingBrake, 0);
-    Set(std::string(position) + "psi", 0);
+    Set(POSITION "psi", 0);
   }
   void TearDown() override {
     StopPushback();
@@ -54,9 +55,9 @@ class Pushback : public testing::Test {
   static void Frames(int count) {
     for (int i = 0; i < count; ++i) PushbackStep();
   }
-  static double Vx() { return Get(std::string(position) + "local_vx"); }
-  static double Vz() { return Get(std::string(position) + "local_vz"); }
-  static void SetHeading(double psi) { Set(std::string(position) + "psi", psi); }
+  static double Vx() { return Get(POSITION "local_vx"); }
+  static double Vz() { return Get(POSITION "local_vz"); }
+  static void SetHeading(double psi) { Set(POSITION "psi", psi); }
   static double QuaternionHeading() {
     const double heading = QuaternionToEuler(ReadQuaternion()).heading;
     return heading < -1e-4 ? heading + 360 : heading;
@@ -145,7 +146,7 @@ TEST_F(Pushback, RollsOutAfterAStop) {
   EXPECT_NEAR(Vz(), 0.04, 1e-5);
   Frames(1);
   EXPECT_NEAR(Vz(), -0.01, 1e-5);  // past standing by less than a step
-  Set(std::string(position) + "local_vz", 0.7);
+  Set(POSITION "local_vz", 0.7);
   Frames(1);
   EXPECT_FLOAT_EQ(static_cast<float>(Vz()), 0.7F);  // not ours any longer
 }
@@ -168,8 +169,8 @@ TEST_F(Pushback, TurnsBothWaysWithTheRateKept) {
     uint32_t mode;
     double psi, heading;
   } cases[] = {{1, 359.95, 0}, {1, 359.5, 359.65}, {2, 0.05, 360}, {2, 0.5, 0.35}, {1, 0, 0.15}};
-  Set(std::string(position) + "theta", 2);
-  Set(std::string(position) + "phi", -1);
+  Set(POSITION "theta", 2);
+  Set(POSITION "phi", -1);
   for (const auto& test : cases) {
     CommandPushback(test.mode);
     SetHeading(test.psi);
@@ -209,7 +210,7 @@ TEST_F(Pushback, ParkingBrakeCrashAndDisableGiveEverythingBack) {
     test.end();
     ExpectOverrides(0);
     EXPECT_EQ(pushbackMode, 3);
-    Set(std::string(position) + "local_vz", 0.7);
+    Set(POSITION "local_vz", 0.7);
     Frames(3);  // no roll-out
     EXPECT_FLOAT_EQ(static_cast<float>(Vz()), 0.7F);
   }

@@ -95,10 +95,10 @@ TEST_F(RelayThread, ARecordSetsByTheExactType) {
     const char* before;
     const char* after;
   } cases[] = {{"int", "ok 0", "ok 7"},
-               {"float", "ok 0", "ok 1.5"},
-               {"double", "ok 0", "ok 2.25"},
+               {"float", "ok 0.0", "ok 1.5"},
+               {"double", "ok 0.0", "ok 2.25"},
                {"int[5]", "ok 0 0 0 0 0", "ok 0 0 0 7 0"},
-               {"float[5]", "ok 0 0 0 0 0", "ok 0 0 0 1.5 0"},
+               {"float[5]", "ok 0.0 0.0 0.0 0.0 0.0", "ok 0.0 0.0 0.0 1.5 0.0"},
                {"byte[5]", "ok \"\"", "ok \"\""}};
   for (const auto& test : cases) {
     SCOPED_TRACE(test.define);

@@ -159,6 +159,7 @@ TEST_F(EngineRows, ReadsZeroForWhatIsNoNumberOrNotThere) {
   Set(engine + "ENGN_N1_[2]", NAN);
   Set(engine + "ENGN_EGT_c[1]", NAN);
   DataRefMemBlock[0x08BC] = nullptr;
+  BindReaders();
   Refresh(Cycle::C1);
   EXPECT_EQ(Memory(0x09C8, Stored::U16), 0);
   EXPECT_EQ(Memory(0x2200, Stored::F64), 0);

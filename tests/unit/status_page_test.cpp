@@ -57,9 +57,8 @@ TEST(StatusPage, ValuesAtTheirLimits) {
       {{.groundElevation = std::numeric_limits<int32_t>::min()}, "elevation: -8388608 m<"},
       {{.groundSpeed = -65535}, "Ground speed: 0 m/sec"},
       {{.verticalSpeed = 256}, "Vertical speed: 1 m/sec"},
-      {{.pitch = -1e300},
-       "pitch: 1000000000000000052504760255204420248704468581108159154915854115111802457988908195"},
-      {{.bank = 1234.5678915}, "bank: 1234.567891 degrees"},
+      {{.pitch = -1e300}, "pitch: 10000000000000000525047602552044202487044685811081591549"},
+      {{.bank = 1234.5678915}, "bank: 1234.567892 degrees"},
       {{.heading = 0xFFFFFFFF}, "heading: 360 degrees"},
       {{.heading = 0x40000000}, "heading: 90 degrees"},
   };

@@ -325,11 +325,13 @@ TEST_F(Traffic, ThousandsOfChangesLeaveNothingBehind) {
   };
   change(50);
   const int threads = CountProcessThreads(), handles = CountProcessHandles();
-  const int64_t memory = ProcessMemoryBytes();
+  [[maybe_unused]] const int64_t memory = ProcessMemoryBytes();
   change(1500);  // two slots each
   EXPECT_EQ(CountProcessThreads(), threads);
   EXPECT_EQ(CountProcessHandles(), handles);
+#if !defined(__SANITIZE_ADDRESS__)  // which keeps freed memory; it finds leaks by itself
   EXPECT_LT(ProcessMemoryBytes() - memory, 2 * 1024 * 1024);
+#endif
 }
 
 // What the client tool makes of the table.

@@ -64,9 +64,9 @@ std::string WholeText(uint64_t value) { return std::to_string(value); }
 std::string WholeText(int64_t value) { return std::to_string(value); }
 
 std::string HexText(uint64_t value, int digits) {
-  std::string text(static_cast<size_t>(digits), '0');
-  for (size_t at = text.size(); at-- > 0 && value != 0; value >>= 4) {
-    text[at] = "0123456789ABCDEF"[value & 15];
+  std::string text;
+  for (; value != 0 || text.size() < static_cast<size_t>(digits); value >>= 4) {
+    text.insert(text.begin(), "0123456789ABCDEF"[value & 15]);
   }
   return "0x" + text;
 }

@@ -27,7 +27,7 @@ std::string RealText(float value);
 std::string FixedText(double value, int decimals);
 std::string WholeText(uint64_t value);
 std::string WholeText(int64_t value);
-// Upper case, padded with zeros, with 0x before it.
+// Upper case, padded with zeros to at least that many digits, with 0x before it.
 std::string HexText(uint64_t value, int digits);
 // In double quotes, for messages.
 std::string Quote(std::string_view text);

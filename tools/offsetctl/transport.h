@@ -15,7 +15,8 @@ struct Transfer {
 
 struct Transport {
   const char* title;  // names the way, for the monitor
-  // Finds the server, or connects to it. `timeoutMs` bounds every call from here on. Returns 1, or 0 with a line in `error`.
+  // Finds the server, or connects to it. `timeoutMs` bounds every call from here on. Returns 1, or 0 with a
+  // line in `error`.
   int (*open)(int timeoutMs, std::string* error);
   // Both return 1, or 0 with a line in `error` when the server is gone, refused or did not answer in time.
   // Of several requests that a long list needs, the first may have been served by then. `readOffsets` also

@@ -11,6 +11,7 @@
 #include "aircraft/adapter_slots.h"
 #include "bridge/aircraft_state.h"
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/losses.h"
 
 namespace {
 
@@ -196,12 +197,12 @@ void WriteDirector(const OffsetRow&, const Staged& staged) {
 }
 
 int ReadDirectorPitch(const OffsetRow&, double* value) {
-  *value = ReadSource(adapters.x737 ? x737APAPitch : FloatAt(0x2EE8));
+  *value = adapters.x737 ? ReadSource(x737APAPitch) : ReadSource(FloatAt(0x2EE8));
   return 1;
 }
 
 int ReadDirectorBank(const OffsetRow&, double* value) {
-  *value = ReadSource(adapters.x737 ? x737APARoll : FloatAt(0x2EF0));
+  *value = adapters.x737 ? ReadSource(x737APARoll) : ReadSource(FloatAt(0x2EF0));
   return 1;
 }
 
@@ -353,7 +354,8 @@ void WriteAutothrottle(const OffsetRow&, const Staged& staged) {
 
 constexpr OffsetRow ModeRow(uint32_t offset, const char* name, const char* meaning,
                             int (*read)(const OffsetRow&, double*),
-                            void (*apply)(const OffsetRow&, const Staged&), Cycle cycle = Cycle::C7) {
+                            void (*apply)(const OffsetRow&, const Staged&), Cycle cycle = Cycle::C7,
+                            const char* lossy = flagLoss) {
   return {.offset = offset,
           .type = Stored::U32,
           .name = name,
@@ -361,7 +363,8 @@ constexpr OffsetRow ModeRow(uint32_t offset, const char* name, const char* meani
           .show = Show::Flag,
           .cycle = cycle,
           .read = read,
-          .write = {.apply = apply}};
+          .write = {.apply = apply},
+          .lossy = lossy};
 }
 
 constexpr OffsetRow rows[] = {
@@ -390,7 +393,7 @@ constexpr OffsetRow rows[] = {
     ModeRow(0x07E4, "ap_mach", "Mach hold", ReadMode<mach>, WriteMode<mach>),
     ModeRow(0x07EC, "ap_vertical_speed", "vertical speed hold", ReadMode<verticalSpeed>,
             WriteMode<verticalSpeed>),
-    ModeRow(0x07F4, "ap_thrust", "thrust hold", ReadMode<thrust>, nullptr),
+    ModeRow(0x07F4, "ap_thrust", "thrust hold", ReadMode<thrust>, nullptr, Cycle::C7, ""),
     ModeRow(0x0800, "ap_approach", "approach hold, armed or engaged", ReadMode<approach>, WriteMode<approach>),
     {.offset = 0x080C,
      .type = Stored::U32,
@@ -400,7 +403,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C7,
      .read = ReadMode<goAround>,
      .write = {.apply = WriteGoAround},
-     .note = "can be written with add-on aircraft only"},
+     .lossy = "can be written with add-on aircraft only"},
     ModeRow(0x0810, "autothrottle", "autothrottle armed", ReadAutothrottle, WriteAutothrottle),
     {.offset = 0x07CC,
      .type = Stored::U16,
@@ -441,6 +444,7 @@ constexpr OffsetRow rows[] = {
         .cycle = Cycle::C7,
         .read = ReadSelectedMach,
         .write = {.apply = WriteSelectedMach},
+        .lossy = "held in single precision: off by more than one step from Mach 100 on",
         .note = "Mach also while the selector stands at knots",
     },
     {.offset = 0x07F2,
@@ -451,7 +455,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C7,
      .read = ReadSelectedClimb,
      .write = {.apply = WriteSelectedClimb}},
-    ModeRow(0x0804, "ap_back_course", "back course", nullptr, PressBackCourse, Cycle::None),
+    ModeRow(0x0804, "ap_back_course", "back course", nullptr, PressBackCourse, Cycle::None, ""),
     ModeRow(0x0808, "yaw_damper", "yaw damper", ReadYawDamper, WriteYawDamper, Cycle::C31),
     {.offset = 0x2F80,
      .type = Stored::U8,
@@ -459,7 +463,8 @@ constexpr OffsetRow rows[] = {
      .meaning = "autobrake: 0 rejected take-off, 1 off, 2 to 5 landing",
      .cycle = Cycle::C31,
      .source = IntAt(0x2F80),
-     .write = {.target = IntAt(0x2F80), .low = 0, .high = 5}},
+     .write = {.target = IntAt(0x2F80), .low = 0, .high = 5},
+     .lossy = "above 5 counts as 5"},
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "aircraft/adapter_slots.h"
 #include "bridge/aircraft_state.h"
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/losses.h"
 #include "bridge/slew.h"
 #include "shell/log.h"
 
@@ -318,6 +319,7 @@ constexpr OffsetRow rows[] = {
      .source = FloatAt(0x0BC0),
      .convert = ElevatorTrimWord,
      .write = {.target = FloatAt(0x0BC0), .low = -1, .high = 1, .convert = ElevatorTrimRatio},
+     .lossy = "limited to full trim either way",
      .note = "with the x737: -6230 full nose down, 5020 neutral, 16270 full nose up"},
     {.offset = 0x0BC2,
      .type = Stored::S16,
@@ -328,6 +330,15 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C3,
      .source = FloatAt(0x0BC0),
      .convert = ElevatorTrimWord},
+    {.offset = 0x2E98,
+     .type = Stored::F64,
+     .name = "elevator_trim_indicator_angle",
+     .meaning = "elevator trim indicator, radians, positive nose up",
+     .unit = "deg",
+     .unitScale = 180 / std::numbers::pi,
+     .cycle = Cycle::C3,
+     .source = FloatAt(0x0BC0),
+     .factor = tenDegrees},
     Axis(0x0C02, "aileron_trim", "aileron trim, positive right", Cycle::C3),
     Axis(0x0C04, "rudder_trim", "rudder trim, positive right", Cycle::C3),
     TrimAngle(0x2EA0, "elevator_trim_angle", "elevator trim, radians, positive nose up"),
@@ -362,7 +373,8 @@ constexpr OffsetRow rows[] = {
      .unitScale = 100.0 / 32767,
      .cycle = Cycle::C3,
      .read = ReadParkingBrake,
-     .write = {.apply = WriteParkingBrake}},
+     .write = {.apply = WriteParkingBrake},
+     .lossy = "above 32767 counts as 32767; the extended 737-800 knows only off and on"},
     {.offset = 0x0BCA,
      .type = Stored::U16,
      .name = "brakes_applied",
@@ -394,7 +406,8 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C13,
      .read = ReadSpeedBrakeArmed,
-     .write = {.apply = WriteSpeedBrakeArmed}},
+     .write = {.apply = WriteSpeedBrakeArmed},
+     .lossy = flagLoss},
     {.offset = 0x0BD0,
      .type = Stored::U32,
      .name = "speed_brake",
@@ -416,7 +429,7 @@ constexpr OffsetRow rows[] = {
      .source = FloatAt(0x0BDC),
      .factor = full,
      .write = {.apply = WriteFlaps},
-     .note = "the extended 737-800 goes to the nearest of its nine detents"},
+     .lossy = "above 16383 counts as 16383; the extended 737-800 goes to the nearest of its nine detents"},
     Travel(0x0BE0, Stored::U32, "left_flap_position", "left flap position", Cycle::C3, FloatAt(0x0BE0)),
     Travel(0x0BE4, Stored::U32, "right_flap_position", "right flap position", Cycle::C3, FloatAt(0x0BE0)),
     Travel(0x30E8, Stored::S16, "slat_left_inboard", "leading edge, left inboard", Cycle::C7, slats),

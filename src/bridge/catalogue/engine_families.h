@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/losses.h"
 
 constexpr int engineCount = 4;
 
@@ -70,4 +71,3 @@ constexpr auto Joined(const std::array<OffsetRow, counts>&... parts) {
 // Switches: 1 for anything but 0. A dataref that is not a number counts as 0.
 inline double OnOff(double value) { return value != 0 && !std::isnan(value) ? 1 : 0; }
 inline double Positive(double value) { return value > 0 ? 1 : 0; }
-constexpr const char* flagLoss = "a switch: anything but 0 reads back 1";

@@ -163,9 +163,9 @@ constexpr Family pressureRatio = {{.type = Stored::F64,
 
 int ReadExhaust(const OffsetRow& row, double* value) {
   const int engine = row.member - 1;
-  Source source = FloatElementAt(row.offset, engine);
-  if (adapters.b738Extended != 0 && engine < 2) source = engine == 0 ? b738Eng1Egt : b738Eng2Egt;
-  exhaustTemperature[engine] = ReadSource(source);
+  exhaustTemperature[engine] = adapters.b738Extended != 0 && engine < 2
+                                   ? ReadSource(engine == 0 ? b738Eng1Egt : b738Eng2Egt)
+                                   : ReadSource(FloatElementAt(row.offset, engine));
   *value = exhaustTemperature[engine] * egtPerDegree;
   return 1;
 }

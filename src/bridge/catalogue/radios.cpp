@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/losses.h"
 #include "bridge/stations.h"
 
 namespace {
@@ -56,7 +57,8 @@ constexpr OffsetRow Frequency(uint32_t offset, const char* name, int member, con
           .source = IntAt(offset),
           .convert = FrequencyToBcd,
           .write = {.target = IntAt(offset), .convert = FrequencyFromBcd},
-          .note = "leading 1 dropped; steps of 10 kHz; a word with a digit above 9 is ignored"};
+          .lossy = digitLoss,
+          .note = "leading 1 dropped; steps of 10 kHz"};
 }
 constexpr OffsetRow NavFrequency(uint32_t offset, int member, Cycle cycle) {
   OffsetRow row = Frequency(offset, "nav", member, "NAV frequency", cycle);
@@ -76,7 +78,8 @@ constexpr OffsetRow AdfFrequency(uint32_t offset, int member, Cycle cycle) {
           .cycle = cycle,
           .read = ReadAdfFrequency,
           .write = {.target = IntAt(offset), .convert = FromBcd},
-          .note = "whole kilohertz, all four digits; a word with a digit above 9 is ignored"};
+          .lossy = digitLoss,
+          .note = "whole kilohertz, all four digits"};
 }
 
 // --- Audio panel ---------------------------------------------------------------------------------------
@@ -143,6 +146,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C3,
      .read = ReadAudio,
      .write = {.apply = ApplyAudio},
+     .lossy = "bit 5 sets bits 7 and 6, and they set it",
      .note = "bit 7 COM1, 6 COM2, 5 both COM, 4 NAV1, 3 NAV2, 2 markers, 1 DME, 0 ADF1"},
 
     Frequency(0x034E, "com", 1, "COM1 frequency", Cycle::C31Navigation),
@@ -165,7 +169,7 @@ constexpr OffsetRow rows[] = {
      .source = IntAt(0x0354),
      .convert = ToBcd,
      .write = {.target = IntAt(0x0354), .convert = FromBcd},
-     .note = "a word with a digit above 9 is ignored"},
+     .lossy = digitLoss},
     {.offset = 0x6D8C,
      .type = Stored::U8,
      .name = "transponder_mode",

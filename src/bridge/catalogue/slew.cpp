@@ -1,6 +1,7 @@
 #include "bridge/slew.h"
 
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/losses.h"
 #include "pushback/pushback.h"
 
 namespace {
@@ -64,7 +65,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C1,
      .read = ReadFreeze,
      .write = {.apply = WriteFreeze},
-     .note = "any changed value but 0 takes the place of that moment; reads back as 1"},
+     .lossy = flagLoss,
+     .note = "any changed value but 0 takes the place of that moment"},
     {.offset = 0x31F0,
      .type = Stored::U32,
      .name = "pushback_state",
@@ -78,6 +80,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C31Navigation,
      .read = ReadPushback,
      .write = {.apply = WritePushback},
+     .lossy = "above 3 counts as 0",
      .note = "shows the pushback state again after a stop, so that the next command differs"},
 };
 

@@ -37,7 +37,7 @@ Source UsedThrottleOf(int engine) { return AuxFloatElementAt(throttleOffsets[eng
 int ReadThrottle(const OffsetRow& row, double* value) {
   const int engine = EngineOf(row);
   const bool overridden = engine < 2 && IsOn(throttleOverride);
-  const double ratio = ReadSource(overridden ? UsedThrottleOf(engine) : LeverOf(engine));
+  const double ratio = overridden ? ReadSource(UsedThrottleOf(engine)) : ReadSource(LeverOf(engine));
   const bool reverse = (ReadInt(reverserWord) >> engine & 1) != 0;
   *value = throttleWord[engine] = ratio * (reverse ? -reverseFull : forwardFull);
   return 1;

@@ -5,6 +5,7 @@
 
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/losses.h"
 
 namespace {
 
@@ -102,6 +103,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C1,
      .source = IntAt(0x0264),
      .write = {.apply = WritePause},
+     .lossy = flagLoss,
      .note = "pauses or resumes by the simulator's pause key when it is not already so"},
     {.offset = 0x0264,
      .type = Stored::U16,
@@ -158,7 +160,8 @@ constexpr OffsetRow rows[] = {
      .source = zuluTime,
      .convert = HourOf,
      .write = {.apply = WriteZuluHour},
-     .note = "minute and second stay; values above 23 count as 23"},
+     .lossy = "above 23 counts as 23",
+     .note = "minute and second stay"},
     {.offset = 0x023C,
      .type = Stored::U8,
      .name = "zulu_minute",
@@ -168,7 +171,8 @@ constexpr OffsetRow rows[] = {
      .source = zuluTime,
      .convert = MinuteOf,
      .write = {.apply = WriteZuluMinute},
-     .note = "hour and second stay; values above 59 count as 59"},
+     .lossy = "above 59 counts as 59",
+     .note = "hour and second stay"},
     {.offset = 0x0246,
      .type = Stored::S16,
      .name = "time_zone",
@@ -193,6 +197,7 @@ constexpr OffsetRow rows[] = {
      .source = IntAt(0x023E),
      .add = 1,
      .write = {.target = IntAt(0x023E), .low = 0, .high = 365, .convert = DayBefore},
+     .lossy = "limited to 1..366",
      .note = "1 January is 1"},
     {.offset = 0x0248,
      .type = Stored::U16,

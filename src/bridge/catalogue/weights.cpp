@@ -127,7 +127,8 @@ constexpr OffsetRow rows[] = {
      .unit = "kg",
      .cycle = Cycle::C157,
      .source = FloatAt(0x16024),
-     .write = {.target = FloatAt(0x16024), .low = 0}},
+     .write = {.target = FloatAt(0x16024), .low = 0},
+     .lossy = "below 0 counts as 0"},
 };
 
 }  // namespace

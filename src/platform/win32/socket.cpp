@@ -114,9 +114,15 @@ int BindSocket(Socket* socket, const SocketAddress& address) {
   return bind(Handle(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0 ? 1 : 0;
 }
 
+// Not every system refuses datagrams an address that it does not have: a stream is tried first.
 int OpenBroadcastReceiver(Socket* socket, const SocketAddress& address) {
-  if (!OpenSocket(socket, Transport::Datagram)) return 0;
-  if (BindSocket(socket, address)) return 1;
+  if (!OpenSocket(socket, Transport::Stream)) return 0;
+  int bound = BindSocket(socket, {address.ip, 0});
+  if (bound) {
+    CloseSocket(socket);
+    bound = OpenSocket(socket, Transport::Datagram) && BindSocket(socket, address) ? 1 : 0;
+  }
+  if (bound) return 1;
   const int error = WSAGetLastError();
   CloseSocket(socket);
   WSASetLastError(error);
