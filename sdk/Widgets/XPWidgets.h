@@ -24,8 +24,7 @@ XPLM_API int XPIsWidgetInFront(XPWidgetID widget);
 XPLM_API void XPGetWidgetGeometry(XPWidgetID widget, int* left, int* top, int* right, int* bottom);
 XPLM_API void XPSetWidgetGeometry(XPWidgetID widget, int left, int top, int right, int bottom);
 XPLM_API void XPGetWidgetExposedGeometry(XPWidgetID widget, int* left, int* top, int* right, int* bottom);
-XPLM_API XPWidgetID XPGetWidgetForLocation(XPWidgetID container, int x, int y, int recursive,
-                                           int visibleOnly);
+XPLM_API XPWidgetID XPGetWidgetForLocation(XPWidgetID container, int x, int y, int recursive, int visibleOnly);
 XPLM_API void XPSetWidgetDescriptor(XPWidgetID widget, const char* text);
 XPLM_API int XPGetWidgetDescriptor(XPWidgetID widget, char* out, int max);
 XPLM_API void XPSetWidgetProperty(XPWidgetID widget, XPWidgetPropertyID id, intptr_t value);

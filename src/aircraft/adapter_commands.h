@@ -12,7 +12,7 @@ struct B738Commands {
   XPLMCommandRef autothrottleArmToggle;  // laminar/B738/autopilot/autothrottle_arm_toggle
   XPLMCommandRef yawDamper;              // laminar/B738/toggle_switch/yaw_dumper
   XPLMCommandRef parkBrakeOnOff;         // laminar/B738/push_button/park_brake_on_off
-  XPLMCommandRef flaps[9];               // laminar/B738/push_button/flaps_0, _1, _2, _5, _10, _15, _25, _30, _40
+  XPLMCommandRef flaps[9];  // laminar/B738/push_button/flaps_0, _1, _2, _5, _10, _15, _25, _30, _40
 };
 struct PilotEdgeCommands {
   XPLMCommandRef connect, disconnect;  // PilotEdge/Connect, PilotEdge/Disconnect

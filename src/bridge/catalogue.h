@@ -20,10 +20,10 @@ enum class Cycle : uint8_t { None, C1, C3, C7, C13, C31Navigation, C31, C59, C15
 
 // How the client tool and the reference page show a stored number.
 enum class Show : uint8_t {
-  Number,     // stored x unitScale + unitBias, with unit
-  Flag,       // 0 off, else on
-  Bcd,        // four BCD digits: 0x1870 is 118.70 with unit MHz, 0x7000 is 7000 without
-  Bits,       // bit field, shown in hexadecimal
+  Number,  // stored x unitScale + unitBias, with unit
+  Flag,    // 0 off, else on
+  Bcd,     // four BCD digits: 0x1870 is 118.70 with unit MHz, 0x7000 is 7000 without
+  Bits,    // bit field, shown in hexadecimal
   Text,
 };
 
@@ -41,10 +41,10 @@ struct Staged {
 // alone, or a `group` function that serves several rows and tests their flags itself.
 struct WriteRule {
   Source target = {};
-  double factor = 1;                                         // dataref = value x factor, then limited
+  double factor = 1;  // dataref = value x factor, then limited
   double low = -std::numeric_limits<double>::infinity();
   double high = std::numeric_limits<double>::infinity();
-  double (*convert)(double value) = nullptr;                 // instead of factor
+  double (*convert)(double value) = nullptr;  // instead of factor
   void (*apply)(const OffsetRow& row, const Staged& staged) = nullptr;
   void (*group)() = nullptr;
   bool staged = false;  // dispatchable without any effect of its own (the flag is consumed)
@@ -54,12 +54,12 @@ struct WriteRule {
 struct OffsetRow {
   uint32_t offset = 0;
   Stored type = Stored::U8;
-  uint16_t length = 0;        // Stored::Text: bytes, zero padded
-  const char* name = "";      // for offsetctl: lower case words joined by "_"; "" for parts of others
-  int member = 0;             // 1..n of a family (engine, layer): appended to the name
-  const char* meaning = "";   // a few words
+  uint16_t length = 0;       // Stored::Text: bytes, zero padded
+  const char* name = "";     // for offsetctl: lower case words joined by "_"; "" for parts of others
+  int member = 0;            // 1..n of a family (engine, layer): appended to the name
+  const char* meaning = "";  // a few words
   const char* unit = "";
-  double unitScale = 1;       // unit value = stored x unitScale + unitBias
+  double unitScale = 1;  // unit value = stored x unitScale + unitBias
   double unitBias = 0;
   Show show = Show::Number;
 

@@ -114,7 +114,6 @@ void AddSubject(const RowTable& table, Cycle cycle) {
 
 template <Stored type, typename T>
 void EncodeAs(const Item* item, uint32_t count, const double* slots, uint8_t* bytes) {
-#pragma GCC unroll 4
   for (uint32_t i = 0; i < count; i++) {
     const auto word = static_cast<T>(EncodedWord(type, slots[item[i].slot] * item[i].factor + item[i].add));
     std::memcpy(bytes + i * sizeof word, &word, sizeof word);

@@ -52,9 +52,12 @@ double ReadFitting(XPLMDataRef handle, int element);
 inline double ReadNumber(XPLMDataRef handle, Accessor accessor, int element) {
   if (handle == nullptr) return 0;
   switch (accessor) {
-    case Accessor::Float: return static_cast<double>(XPLMGetDataf(handle));
-    case Accessor::Int: return XPLMGetDatai(handle);
-    case Accessor::Double: return XPLMGetDatad(handle);
+    case Accessor::Float:
+      return static_cast<double>(XPLMGetDataf(handle));
+    case Accessor::Int:
+      return XPLMGetDatai(handle);
+    case Accessor::Double:
+      return XPLMGetDatad(handle);
     case Accessor::FloatArray: {
       float value = 0;
       XPLMGetDatavf(handle, &value, element, 1);
@@ -65,8 +68,10 @@ inline double ReadNumber(XPLMDataRef handle, Accessor accessor, int element) {
       XPLMGetDatavi(handle, &value, element, 1);
       return value;
     }
-    case Accessor::Any: return ReadFitting(handle, element);
-    case Accessor::None: break;
+    case Accessor::Any:
+      return ReadFitting(handle, element);
+    case Accessor::None:
+      break;
   }
   return 0;
 }

@@ -5,6 +5,7 @@
 
 #include "aircraft/adapter_slots.h"
 #include "bridge/catalogue/throttle_actions.h"
+#include "bridge/reader_groups.h"
 #include "row_harness.h"
 
 namespace {

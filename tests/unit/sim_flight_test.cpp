@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <numbers>
 #include <set>
 
 #include "core/sim.h"
@@ -268,11 +269,11 @@ TEST_F(SimFlight, PushedBackOnTheGround) {
   EXPECT_NEAR(Own("y_agl"), 0, 0.1);
   const double startX = Own("local_x"), startZ = Own("local_z"), heading = Own("psi");
   for (int frame = 0; frame < 600; frame++) {
-    const double psi = Own("psi"), half = (psi + 0.1) * M_PI / 360;
+    const double psi = Own("psi"), half = (psi + 0.1) * std::numbers::pi / 360;
     XPLMSetDataf(Find(kPosition + std::string("local_vx")),
-                 static_cast<float>(-1.5 * std::sin(psi * M_PI / 180)));
+                 static_cast<float>(-1.5 * std::sin(psi * std::numbers::pi / 180)));
     XPLMSetDataf(Find(kPosition + std::string("local_vz")),
-                 static_cast<float>(1.5 * std::cos(psi * M_PI / 180)));
+                 static_cast<float>(1.5 * std::cos(psi * std::numbers::pi / 180)));
     float q[4] = {static_cast<float>(std::cos(half)), 0, 0, static_cast<float>(std::sin(half))};
     XPLMSetDatavf(Find(kPosition + std::string("q")), q, 0, 4);
     SimFrames(1);
@@ -311,12 +312,13 @@ TEST_F(SimFlight, EnginesGearAndFlapsObey) {
 
 TEST_F(SimFlight, DerivedValuesAgree) {
   Seconds(63);  // in the turn to base: everything moves
-  const double psi = Own("psi") * M_PI / 360, theta = Own("theta") * M_PI / 360, phi = Own("phi") * M_PI / 360;
+  const double psi = Own("psi") * std::numbers::pi / 360, theta = Own("theta") * std::numbers::pi / 360,
+               phi = Own("phi") * std::numbers::pi / 360;
   EXPECT_NEAR(Own("q[0]"), cos(psi) * cos(theta) * cos(phi) + sin(psi) * sin(theta) * sin(phi), 1e-3);
   EXPECT_NEAR(Own("q[3]"), sin(psi) * cos(theta) * cos(phi) - cos(psi) * sin(theta) * sin(phi), 1e-3);
   EXPECT_NEAR(Own("groundspeed"), std::hypot(Own("local_vx"), Own("local_vz")), 0.01);
   EXPECT_NEAR(Own("vh_ind_fpm"), Own("vh_ind") * 60 / kFeet, 0.1);
-  EXPECT_NEAR(Own("P") * M_PI / 180, Own("Prad"), 1e-5);
+  EXPECT_NEAR(Own("P") * std::numbers::pi / 180, Own("Prad"), 1e-5);
   EXPECT_NEAR(Number("sim/flightmodel/misc/machno"),
               Own("true_airspeed") / Number("sim/weather/speed_sound_ms"), 1e-4);
   const double x = Own("local_x"), z = Own("local_z");

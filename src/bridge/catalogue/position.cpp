@@ -46,12 +46,19 @@ int ReadGroundMetres(const OffsetRow&, double* value) {
   return 1;
 }
 
-// Clients choose the altimeter's unit by the word at 0x0C18: 2 is metres.
+// Clients choose the altimeter's unit by the word at 0x0C18: 2 is metres. It is looked up only after they
+// have changed anything, because a look takes the lock.
+uint16_t altimeterUnit;
+uint32_t unitGeneration;
+
 int ReadAltimeter(const OffsetRow&, double* value) {
-  uint16_t unit = 0;
-  if (!TryCopyFromMemory(0x0C18, sizeof(unit), &unit)) return 0;
+  const uint32_t generation = memoryGeneration.load(std::memory_order_relaxed);
+  if (generation != unitGeneration) {
+    if (!TryCopyFromMemory(0x0C18, sizeof(altimeterUnit), &altimeterUnit)) return 0;
+    unitGeneration = generation;
+  }
   const double feet = ReadSource(FloatAt(0x3324));
-  *value = unit == 2 ? feet * 0.3048 : feet;
+  *value = altimeterUnit == 2 ? feet * 0.3048 : feet;
   return 1;
 }
 

@@ -205,6 +205,9 @@ constexpr Family fuelValve = {{.type = Stored::S32,
 
 constexpr uint8_t pistonEngine = 0;  // every other engine type is a turbine to the starter switch
 
+uint8_t engineType = pistonEngine;  // of this run of the switches' readers
+int typeKnown;
+
 void HoldStarter(int engine) {
   if (starterHeld[engine] != 0) return;
   starterHeld[engine] = 1;
@@ -235,8 +238,9 @@ int ReadMagnetoSwitch(const OffsetRow& row, double* value) {
   const bool engaged = ReadSource(AuxFloatElementAt(0x0038, engine)) > 0;
   const int key = ReadInt(IntElementAt(ignitionOffsets[engine], engine));
   starterEngaged[engine] = engaged;
-  uint8_t engineType = pistonEngine;
-  if (TryCopyFromMemory(engineTypeOffset, sizeof engineType, &engineType) == 0) return 0;
+  // One look at the memory for all engines.
+  if (engine == 0) typeKnown = TryCopyFromMemory(engineTypeOffset, sizeof engineType, &engineType);
+  if (typeKnown == 0) return 0;
   if (engineType == pistonEngine) {
     *value = engaged ? 4 : PistonSwitch(key);
   } else {
