@@ -1,8 +1,9 @@
-// Readers: tight groups of catalogue rows that are read, converted and stored together.
+// Readers: the rows of a refresh cycle are read, converted and stored together.
 //
-// A group runs in three passes, each a short loop that does one thing, because that is what a processor is
-// fast at: all calls to the simulator, then all conversions, then (with the lock held) all stores. What a
-// frame needs of a row is laid out for that beforehand, sorted by width and type.
+// A cycle runs in passes, each a few long loops that do one thing, because that is what a processor is fast
+// at: all calls to the simulator, the rows' own functions, all conversions type by type, and at last the
+// stores, in tight groups of rows with the lock held for one group at a time. What a frame needs of the
+// rows is laid out for these passes beforehand.
 #include <algorithm>
 #include <vector>
 
@@ -14,15 +15,9 @@ RefreshCounters refreshCounters;
 
 namespace {
 
-constexpr uint32_t groupRows = 32;
+constexpr size_t groupRows = 32;  // at most so many are stored under one lock
 constexpr size_t cycleCount = static_cast<size_t>(Cycle::Count);
-
-// A group's numbers of one run: 0 for rows whose handle is null, what the simulator gave, what functions
-// made of it.
-constexpr uint32_t zeroSlot = 0;
-constexpr uint32_t firstFetched = 1;
-constexpr uint32_t firstDerived = firstFetched + groupRows;
-constexpr uint32_t slotCount = firstDerived + groupRows;
+constexpr uint16_t zeroNumber = 0;  // place of the 0 that a row without handle reads
 
 // One call to the simulator.
 struct Fetch {
@@ -36,38 +31,60 @@ struct Derivation {
   int (*read)(const OffsetRow& row, double* value);  // null: `convert`
   double (*convert)(double value);
   const OffsetRow* row;
-  uint8_t from;  // slot that is converted
-  uint8_t to;
-  uint8_t item;  // in its group
+  uint16_t from;  // number that is converted
+  uint16_t group;
+  uint32_t bit;  // of its place, in the group's `left`
 };
 
-// stored = encoded (slot x factor + add)
+// stored = encoded (number x factor + add)
 struct Item {
   double factor, add;
-  uint32_t offset;
-  uint8_t slot, width;
+  uint32_t number;
 };
 
-using Encode = void (*)(const Item* item, uint32_t count, const double* slots, uint8_t* bytes);
+using Encode = void (*)(const Item* item, size_t count, const double* numbers, uint8_t* bytes);
 // Items of one type that stand together.
 struct Segment {
   Encode encode;
-  uint16_t count, bytes;
+  size_t count, bytes;
+};
+
+// Where an item's bytes go, and where they lie until then.
+struct Place {
+  uint32_t offset;
+  uint16_t from, width;
 };
 
 struct Group {
-  const OffsetRow* text;               // a row of text alone, else null
-  std::vector<const OffsetRow*> rows;  // up to groupRows numbers
-  // Laid out when the handles are bound:
-  std::vector<Fetch> fetches;  // by accessor, so many of each kind:
-  uint32_t floatElements, floats, ints;
-  std::vector<Derivation> derivations;
-  std::vector<Item> items;             // widest first
-  std::vector<Segment> segments;       // of items
-  uint32_t eights, fours, twos, ones;  // items of each width
+  uint32_t first;                      // of its places, widest first
+  uint32_t eights, fours, twos, ones;  // so many of each width
+  uint32_t left;                       // bit n: its n-th place is left as it is in this run
 };
 
-std::vector<Group> groups[cycleCount];
+// A row with where it was laid.
+struct Laid {
+  const OffsetRow* row;
+  size_t group, place, item, from;
+};
+
+struct Reader {
+  std::vector<Laid> rows;  // numbers, in the catalogue's order
+  std::vector<const OffsetRow*> texts;
+  // Laid out when the handles are bound:
+  std::vector<Fetch> fetches;  // by accessor, so many of each kind:
+  size_t floatElements, floats, ints;
+  std::vector<Derivation> derivations;
+  std::vector<Item> items;  // by type
+  std::vector<Segment> segments;
+  std::vector<Group> groups;
+  std::vector<Place> places;  // group by group
+  // Of the run: a 0, what the simulator gave, what functions made of it; and all that is to be stored.
+  std::vector<float> elements;
+  std::vector<double> numbers;
+  std::vector<uint8_t> bytes;
+};
+
+Reader readers[cycleCount];
 char textBytes[256];
 
 // --- Building -----------------------------------------------------------------------------------------
@@ -78,44 +95,77 @@ bool HasReader(const OffsetRow& row) {
 }
 
 // In a group the wide values are stored first: a row that lies within an earlier, wider one still ends up
-// on top of it, any other overlap needs a group of its own.
-bool FitsInto(const Group& group, const OffsetRow& row) {
+// on top of it. Rows that overlap in any other way must not stand in one group.
+bool MayFollow(const OffsetRow& row, const OffsetRow& earlier) {
   const uint32_t width = StoredWidth(row);
-  return group.rows.size() < groupRows &&
-         std::none_of(group.rows.begin(), group.rows.end(), [&](const OffsetRow* other) {
-           const uint32_t otherWidth = StoredWidth(*other);
-           return row.offset < other->offset + otherWidth && other->offset < row.offset + width &&
-                  width >= otherWidth;
+  const uint32_t earlierWidth = StoredWidth(earlier);
+  return row.offset >= earlier.offset + earlierWidth || earlier.offset >= row.offset + width ||
+         width < earlierWidth;
+}
+
+using Rows = std::vector<Laid*>;
+
+bool FitsInto(const Rows& group, const Rows& piece) {
+  return group.size() + piece.size() <= groupRows && std::all_of(piece.begin(), piece.end(), [&](Laid* laid) {
+           return std::all_of(group.begin(), group.end(),
+                              [&](const Laid* other) { return MayFollow(*laid->row, *other->row); });
          });
 }
 
-// Small subjects share a group, so that a cycle takes the lock a few times only; no subject that fits into
-// one group is torn.
-void AddSubject(const RowTable& table, Cycle cycle) {
-  std::vector<const OffsetRow*> rows;
-  for (const OffsetRow& row : table.rows) {
-    if (row.cycle == cycle && HasReader(row)) rows.push_back(&row);
+// The rows of one subject, cut where a group ends: a subject that fits into one group is never torn.
+void CutSubject(Laid* first, Laid* end, std::vector<Rows>* pieces) {
+  Rows piece;
+  for (; first != end; first++) {
+    if (!FitsInto(piece, {first})) {
+      pieces->push_back(piece);
+      piece.clear();
+    }
+    piece.push_back(first);
   }
-  std::vector<Group>& list = groups[static_cast<size_t>(cycle)];
-  bool fresh = list.empty() || (rows.size() <= groupRows && list.back().rows.size() + rows.size() > groupRows);
-  for (const OffsetRow* row : rows) {
-    const bool text = row->type == Stored::Text;
-    if (fresh || text || list.back().text != nullptr || !FitsInto(list.back(), *row)) {
-      list.emplace_back();
-      fresh = false;
-    }
-    if (text) {
-      list.back().text = row;
-    } else {
-      list.back().rows.push_back(row);
-    }
+  if (!piece.empty()) pieces->push_back(piece);
+}
+
+// Fills up the groups, large pieces first, because every group costs a lock.
+void FormGroups(std::vector<Rows> pieces) {
+  std::stable_sort(pieces.begin(), pieces.end(),
+                   [](const Rows& a, const Rows& b) { return a.size() > b.size(); });
+  std::vector<Rows> groups;
+  for (const Rows& piece : pieces) {
+    auto group =
+        std::find_if(groups.begin(), groups.end(), [&](const Rows& other) { return FitsInto(other, piece); });
+    if (group == groups.end()) group = groups.insert(group, Rows{});
+    for (Laid* laid : piece) laid->group = static_cast<size_t>(group - groups.begin());
+    group->insert(group->end(), piece.begin(), piece.end());
   }
 }
 
+void TakeRows(Cycle cycle, Reader* reader) {
+  std::vector<size_t> subjectEnds;
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) {
+      if (row.cycle != cycle || !HasReader(row)) continue;
+      if (row.type == Stored::Text) {
+        reader->texts.push_back(&row);
+      } else {
+        reader->rows.push_back({&row, 0, 0, 0, 0});
+      }
+    }
+    subjectEnds.push_back(reader->rows.size());
+  }
+  std::vector<Rows> pieces;
+  Laid* const rows = reader->rows.data();
+  size_t begin = 0;
+  for (size_t end : subjectEnds) {
+    CutSubject(rows + begin, rows + end, &pieces);
+    begin = end;
+  }
+  FormGroups(pieces);
+}
+
 template <Stored type, typename T>
-void EncodeAs(const Item* item, uint32_t count, const double* slots, uint8_t* bytes) {
-  for (uint32_t i = 0; i < count; i++) {
-    const auto word = static_cast<T>(EncodedWord(type, slots[item[i].slot] * item[i].factor + item[i].add));
+void EncodeAs(const Item* item, size_t count, const double* numbers, uint8_t* bytes) {
+  for (size_t i = 0; i < count; i++) {
+    const auto word = static_cast<T>(EncodedWord(type, numbers[item[i].number] * item[i].factor + item[i].add));
     std::memcpy(bytes + i * sizeof word, &word, sizeof word);
   }
 }
@@ -154,73 +204,187 @@ Fetch FetchOf(const OffsetRow* row) {
   return {HandleOf(row->source), row->source.element, row->source.accessor};
 }
 
-// One call for all rows of the group that read the same; kinds in the order of FetchNumbers.
-void LayOutFetches(Group* group) {
+// One call for all rows that read the same; kinds in the order of FetchNumbers.
+void LayOutFetches(Reader* reader) {
   std::vector<Fetch> all;
-  for (const OffsetRow* row : group->rows) {
-    if (!IsFetched(row)) continue;
-    const Fetch fetch = FetchOf(row);
-    if (std::none_of(all.begin(), all.end(), [&](const Fetch& known) { return SameCall(known, fetch); })) {
-      all.push_back(fetch);
-    }
+  for (const Laid& laid : reader->rows) {
+    if (!IsFetched(laid.row)) continue;
+    const Fetch fetch = FetchOf(laid.row);
+    const auto same = [&](const Fetch& known) { return SameCall(known, fetch); };
+    if (std::none_of(all.begin(), all.end(), same)) all.push_back(fetch);
   }
-  group->fetches.clear();
+  reader->fetches.clear();
   const auto take = [&](auto belongs) {
-    const size_t before = group->fetches.size();
-    std::copy_if(all.begin(), all.end(), std::back_inserter(group->fetches), belongs);
-    return static_cast<uint32_t>(group->fetches.size() - before);
+    const size_t before = reader->fetches.size();
+    std::copy_if(all.begin(), all.end(), std::back_inserter(reader->fetches), belongs);
+    return reader->fetches.size() - before;
   };
-  group->floatElements = take([](const Fetch& f) { return f.accessor == Accessor::FloatArray; });
-  group->floats = take([](const Fetch& f) { return f.accessor == Accessor::Float; });
-  group->ints = take([](const Fetch& f) { return f.accessor == Accessor::Int; });
+  reader->floatElements = take([](const Fetch& f) { return f.accessor == Accessor::FloatArray; });
+  reader->floats = take([](const Fetch& f) { return f.accessor == Accessor::Float; });
+  reader->ints = take([](const Fetch& f) { return f.accessor == Accessor::Int; });
   take([](const Fetch& f) {
     return f.accessor != Accessor::FloatArray && f.accessor != Accessor::Float && f.accessor != Accessor::Int;
   });
+  reader->elements.assign(reader->floatElements, 0);
 }
 
-uint8_t SlotOf(const Group& group, const OffsetRow* row) {
-  if (!IsFetched(row)) return zeroSlot;
+uint16_t NumberOf(const Reader& reader, const OffsetRow* row) {
+  if (!IsFetched(row)) return zeroNumber;
   const Fetch fetch = FetchOf(row);
-  const auto known = std::find_if(group.fetches.begin(), group.fetches.end(),
+  const auto known = std::find_if(reader.fetches.begin(), reader.fetches.end(),
                                   [&](const Fetch& other) { return SameCall(other, fetch); });
-  return static_cast<uint8_t>(firstFetched + (known - group.fetches.begin()));
+  return static_cast<uint16_t>(zeroNumber + 1 + (known - reader.fetches.begin()));
 }
 
-void LayOutItems(Group* group) {
-  std::vector<const OffsetRow*> sorted = group->rows;
-  std::stable_sort(sorted.begin(), sorted.end(), [](const OffsetRow* a, const OffsetRow* b) {
-    return StoredWidth(*a) != StoredWidth(*b) ? StoredWidth(*a) > StoredWidth(*b) : a->type < b->type;
+// Wide types first, which aligns all of them.
+bool ComesBefore(const OffsetRow* a, const OffsetRow* b) {
+  return StoredWidth(*a) != StoredWidth(*b) ? StoredWidth(*a) > StoredWidth(*b) : a->type < b->type;
+}
+
+void LayOutItems(Reader* reader) {
+  Rows sorted;
+  for (Laid& laid : reader->rows) sorted.push_back(&laid);
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const Laid* a, const Laid* b) { return ComesBefore(a->row, b->row); });
+  reader->items.clear();
+  reader->segments.clear();
+  size_t from = 0;
+  for (Laid* laid : sorted) {
+    const OffsetRow& row = *laid->row;
+    laid->item = reader->items.size();
+    laid->from = from;
+    reader->items.push_back({row.factor, row.add, NumberOf(*reader, &row)});
+    const Encode encode = EncoderOf(row.type);
+    if (reader->segments.empty() || reader->segments.back().encode != encode) {
+      reader->segments.push_back({encode, 0, 0});
+    }
+    reader->segments.back().count++;
+    reader->segments.back().bytes += StoredWidth(row);
+    from += StoredWidth(row);
+  }
+  reader->bytes.assign(from, 0);
+}
+
+void LayOutPlaces(Reader* reader) {
+  Rows sorted;
+  for (Laid& laid : reader->rows) sorted.push_back(&laid);
+  std::stable_sort(sorted.begin(), sorted.end(), [](const Laid* a, const Laid* b) {
+    return a->group != b->group ? a->group < b->group : StoredWidth(*a->row) > StoredWidth(*b->row);
   });
-  group->items.clear();
-  group->segments.clear();
-  group->eights = group->fours = group->twos = group->ones = 0;
-  for (const OffsetRow* row : sorted) {
-    const uint32_t width = StoredWidth(*row);
-    group->items.push_back(
-        {row->factor, row->add, row->offset, SlotOf(*group, row), static_cast<uint8_t>(width)});
-    (width == 8 ? group->eights : width == 4 ? group->fours : width == 2 ? group->twos : group->ones)++;
-    const Encode encode = EncoderOf(row->type);
-    if (group->segments.empty() || group->segments.back().encode != encode)
-      group->segments.push_back({encode, 0, 0});
-    group->segments.back().count++;
-    group->segments.back().bytes = static_cast<uint16_t>(group->segments.back().bytes + width);
+  reader->groups.clear();
+  reader->places.clear();
+  for (Laid* laid : sorted) {
+    const auto number = static_cast<uint32_t>(reader->places.size());
+    if (laid->group == reader->groups.size()) reader->groups.push_back({number, 0, 0, 0, 0, 0});
+    Group& group = reader->groups.back();
+    const uint32_t width = StoredWidth(*laid->row);
+    laid->place = number - group.first;
+    reader->places.push_back(
+        {laid->row->offset, static_cast<uint16_t>(laid->from), static_cast<uint16_t>(width)});
+    (width == 8 ? group.eights : width == 4 ? group.fours : width == 2 ? group.twos : group.ones)++;
   }
-  // Functions in the catalogue's order: some rows use what the row before them has read.
-  group->derivations.clear();
-  for (const OffsetRow* row : group->rows) {
-    if (row->read == nullptr && row->convert == nullptr) continue;
-    const auto number = static_cast<uint8_t>(std::find(sorted.begin(), sorted.end(), row) - sorted.begin());
-    Item& item = group->items[number];
-    const auto slot = static_cast<uint8_t>(firstDerived + group->derivations.size());
-    group->derivations.push_back({row->read, row->convert, row, item.slot, slot, number});
+}
+
+// In the catalogue's order: some rows use what the row before them has read.
+void LayOutDerivations(Reader* reader) {
+  reader->derivations.clear();
+  uint32_t number = zeroNumber + 1 + static_cast<uint32_t>(reader->fetches.size());
+  for (const Laid& laid : reader->rows) {
+    if (laid.row->read == nullptr && laid.row->convert == nullptr) continue;
+    Item& item = reader->items[laid.item];
+    reader->derivations.push_back({laid.row->read, laid.row->convert, laid.row,
+                                   static_cast<uint16_t>(item.number), static_cast<uint16_t>(laid.group),
+                                   1U << laid.place});
     // Times 1 plus -0 leaves every number as it is, -0 too.
-    item.factor = 1;
-    item.add = -0.0;
-    item.slot = slot;
+    item = {1, -0.0, number};
+    number++;
   }
+  reader->numbers.assign(number, 0);
 }
 
 // --- Running ------------------------------------------------------------------------------------------
+
+// Fills the numbers from the simulator and returns where they end. No lock held.
+double* FetchNumbers(Reader& reader) {
+  const Fetch* fetch = reader.fetches.data();
+  const Fetch* const end = fetch + reader.fetches.size();
+  float* const elements = reader.elements.data();
+  const size_t elementCount = reader.floatElements;
+  for (size_t i = 0; i < elementCount; i++, fetch++) {
+    elements[i] = 0;  // stays when the array is shorter
+    XPLMGetDatavf(fetch->handle, &elements[i], fetch->element, 1);
+  }
+  double* const first = reader.numbers.data() + zeroNumber + 1;
+  double* number = first + elementCount;
+  for (const Fetch* last = fetch + reader.floats; fetch != last; fetch++) {
+    *number++ = static_cast<double>(XPLMGetDataf(fetch->handle));
+  }
+  for (const Fetch* last = fetch + reader.ints; fetch != last; fetch++) *number++ = XPLMGetDatai(fetch->handle);
+  for (; fetch != end; fetch++) *number++ = ReadNumber(fetch->handle, fetch->accessor, fetch->element);
+  // The elements last: a load right behind the store of the same bytes would wait for it.
+  for (size_t i = 0; i < elementCount; i++) first[i] = static_cast<double>(elements[i]);
+  return number;
+}
+
+// Runs the rows' functions; marks the places that are left as they are. No lock held.
+void Derive(Reader& reader, double* number) {
+  for (const Derivation& derivation : reader.derivations) {
+    if (derivation.read == nullptr) {
+      *number++ = derivation.convert(reader.numbers[derivation.from]);
+      continue;
+    }
+    double value = 0;
+    if (derivation.read(*derivation.row, &value) == 0) reader.groups[derivation.group].left |= derivation.bit;
+    *number++ = value;
+  }
+}
+
+void EncodeItems(Reader& reader) {
+  const Item* item = reader.items.data();
+  uint8_t* bytes = reader.bytes.data();
+  for (const Segment& segment : reader.segments) {
+    segment.encode(item, segment.count, reader.numbers.data(), bytes);
+    item += segment.count;
+    bytes += segment.bytes;
+  }
+}
+
+template <typename T>
+const Place* StoreAs(const Place* place, uint32_t count, const uint8_t* bytes) {
+  const Place* const end = place + count;
+#pragma GCC unroll 4
+  for (; place != end; place++) std::memcpy(offsetMemory.bytes + place->offset, bytes + place->from, sizeof(T));
+  return end;
+}
+
+// The lock is held.
+void StoreGroup(const Group& group, const Place* place, const uint8_t* bytes) {
+  if (group.left != 0) {
+    for (size_t i = 0; i < group.eights + group.fours + group.twos + group.ones; i++, place++) {
+      if ((group.left >> i & 1) == 0) {
+        std::memcpy(offsetMemory.bytes + place->offset, bytes + place->from, place->width);
+      }
+    }
+    return;
+  }
+  place = StoreAs<uint64_t>(place, group.eights, bytes);
+  place = StoreAs<uint32_t>(place, group.fours, bytes);
+  place = StoreAs<uint16_t>(place, group.twos, bytes);
+  StoreAs<uint8_t>(place, group.ones, bytes);
+}
+
+void StoreGroups(Reader& reader) {
+  for (Group& group : reader.groups) {
+    if (TryEnterLock(&offsetLock) == 0) {
+      refreshCounters.dropped++;
+    } else {
+      StoreGroup(group, &reader.places[group.first], reader.bytes.data());
+      LeaveLock(&offsetLock);
+      refreshCounters.stored++;
+    }
+    group.left = 0;
+  }
+}
 
 void RunText(const OffsetRow& row) {
   std::memset(textBytes, 0, sizeof textBytes);
@@ -234,117 +398,30 @@ void RunText(const OffsetRow& row) {
   refreshCounters.stored++;
 }
 
-// Fills the slots from the simulator. No lock held.
-void FetchNumbers(const Group& group, double* slots) {
-  const Fetch* fetch = group.fetches.data();
-  const Fetch* const end = fetch + group.fetches.size();
-  float elements[groupRows];
-  const uint32_t elementCount = group.floatElements;
-  for (uint32_t i = 0; i < elementCount; i++, fetch++) {
-    elements[i] = 0;  // stays when the array is shorter
-    XPLMGetDatavf(fetch->handle, &elements[i], fetch->element, 1);
-  }
-  double* slot = slots + firstFetched + elementCount;
-  for (const Fetch* last = fetch + group.floats; fetch != last; fetch++) {
-    *slot++ = static_cast<double>(XPLMGetDataf(fetch->handle));
-  }
-  for (const Fetch* last = fetch + group.ints; fetch != last; fetch++) *slot++ = XPLMGetDatai(fetch->handle);
-  for (; fetch != end; fetch++) *slot++ = ReadNumber(fetch->handle, fetch->accessor, fetch->element);
-  // The elements last: a load right behind the store of the same bytes would wait for it.
-  for (uint32_t i = 0; i < elementCount; i++) slots[firstFetched + i] = static_cast<double>(elements[i]);
-}
-
-// Runs the rows' functions. Returns bit n for item n that is left as it is.
-uint32_t Derive(const Group& group, double* slots) {
-  uint32_t left = 0;
-  for (const Derivation& derivation : group.derivations) {
-    if (derivation.read == nullptr) {
-      slots[derivation.to] = derivation.convert(slots[derivation.from]);
-      continue;
-    }
-    double value = 0;
-    if (derivation.read(*derivation.row, &value) == 0) left |= 1U << derivation.item;
-    slots[derivation.to] = value;
-  }
-  return left;
-}
-
-// Copies values of one width to their places; returns what lies behind them.
-template <typename T>
-const uint8_t* StoreAs(const Item* item, uint32_t count, const uint8_t* bytes) {
-#pragma GCC unroll 4
-  for (uint32_t i = 0; i < count; i++, bytes += sizeof(T)) {
-    std::memcpy(offsetMemory.bytes + item[i].offset, bytes, sizeof(T));
-  }
-  return bytes;
-}
-
-// The lock is held.
-void StoreBytes(const Group& group, const uint8_t* bytes, uint32_t left) {
-  const Item* item = group.items.data();
-  if (left != 0) {
-    for (size_t i = 0; i < group.items.size(); bytes += item[i].width, i++) {
-      if ((left >> i & 1) == 0) std::memcpy(offsetMemory.bytes + item[i].offset, bytes, item[i].width);
-    }
-    return;
-  }
-  bytes = StoreAs<uint64_t>(item, group.eights, bytes);
-  item += group.eights;
-  bytes = StoreAs<uint32_t>(item, group.fours, bytes);
-  item += group.fours;
-  bytes = StoreAs<uint16_t>(item, group.twos, bytes);
-  item += group.twos;
-  StoreAs<uint8_t>(item, group.ones, bytes);
-}
-
-void RunGroup(Group& group) {
-  if (group.text != nullptr) {
-    RunText(*group.text);
-    return;
-  }
-  double slots[slotCount];
-  slots[zeroSlot] = 0;
-  FetchNumbers(group, slots);
-  const uint32_t left = Derive(group, slots);
-
-  alignas(8) uint8_t bytes[groupRows * sizeof(double)];
-  const Item* item = group.items.data();
-  uint8_t* to = bytes;
-  for (const Segment& segment : group.segments) {
-    segment.encode(item, segment.count, slots, to);
-    item += segment.count;
-    to += segment.bytes;
-  }
-  if (TryEnterLock(&offsetLock) == 0) {
-    refreshCounters.dropped++;
-    return;
-  }
-  StoreBytes(group, bytes, left);
-  LeaveLock(&offsetLock);
-  refreshCounters.stored++;
-}
-
 }  // namespace
 
 void BuildReaders() {
   refreshCounters = {};
   for (size_t cycle = 0; cycle < cycleCount; cycle++) {
-    groups[cycle].clear();
-    if (static_cast<Cycle>(cycle) == Cycle::None) continue;
-    for (const RowTable* table : Catalogue()) AddSubject(*table, static_cast<Cycle>(cycle));
+    readers[cycle] = {};
+    TakeRows(static_cast<Cycle>(cycle), &readers[cycle]);
   }
   BindReaders();
 }
 
 void BindReaders() {
-  for (std::vector<Group>& list : groups) {
-    for (Group& group : list) {
-      LayOutFetches(&group);
-      LayOutItems(&group);
-    }
+  for (Reader& reader : readers) {
+    LayOutFetches(&reader);
+    LayOutItems(&reader);
+    LayOutPlaces(&reader);
+    LayOutDerivations(&reader);
   }
 }
 
 void RunReaders(Cycle cycle) {
-  for (Group& group : groups[static_cast<size_t>(cycle)]) RunGroup(group);
+  Reader& reader = readers[static_cast<size_t>(cycle)];
+  Derive(reader, FetchNumbers(reader));
+  EncodeItems(reader);
+  StoreGroups(reader);
+  for (const OffsetRow* row : reader.texts) RunText(*row);
 }

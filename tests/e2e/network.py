@@ -1,5 +1,6 @@
 """The network protocol for test code: frames, a plain client, and servers and proxies that misbehave on purpose.
-Also run as a program: `network.py proxy LISTEN SERVER LOSS` drops that share of the server's datagrams."""
+Also a program: `network.py proxy LISTEN SERVER LOSS` drops that share of the server's datagrams,
+`network.py listen ADDRESS` prints the next announcement that the interface of that address hears."""
 import random
 import select
 import socket
@@ -216,9 +217,22 @@ class DroppingProxy:
         self.out.close()
 
 
-if __name__ == "__main__":
-    proxy = DroppingProxy(sys.argv[2], sys.argv[3], float(sys.argv[4]))
+def run_proxy(listen, server, loss):
+    proxy = DroppingProxy(listen, server, float(loss))
     print("ready", flush=True)
     sys.stdin.read()  # until the test closes it
     proxy.close()
     print(proxy.passed, proxy.dropped, flush=True)
+
+
+def run_listener(address):
+    group = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    group.bind(("", 54942))
+    group.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP,
+                     socket.inet_aton("239.192.0.10") + socket.inet_aton(address))
+    group.settimeout(10)
+    print(group.recv(1000).hex())
+
+
+if __name__ == "__main__":
+    {"proxy": run_proxy, "listen": run_listener}[sys.argv[1]](*sys.argv[2:])

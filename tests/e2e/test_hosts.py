@@ -12,6 +12,7 @@ from pathlib import Path
 import pytest
 
 from conftest import DEADLINE, TOP, wait_for
+from network import hex_file
 
 HELPER = Path(__file__).with_name("network.py")
 LOSS = 0.2
@@ -134,6 +135,9 @@ def test_remote_clients(hosts, place, linux):
     server, near, far = hosts(3)
     standin = place(server, linux, "--flight", "none")
     assert near.offsetctl(linux, "--find", "--timeout", "10") == server.address + "\n"
+    heard = subprocess.run(near.prefix() + [sys.executable, str(HELPER), "listen", near.address],
+                           capture_output=True, text=True, timeout=DEADLINE)
+    assert bytes.fromhex(heard.stdout) == hex_file(TOP / "docs/examples/golden/announce.answer.hex"), heard.stderr
     for client in (near, far):
         shown = client.offsetctl(linux, "read", "0x3304:u32", "--net", server.address)
         assert shown == f"0x3304 = {0x50000008} (08 00 00 50)\n"

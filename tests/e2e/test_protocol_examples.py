@@ -1,0 +1,176 @@
+"""What the protocol documents show is what the servers do: the worked examples are replayed byte by byte, and the
+sample clients run."""
+import re
+import socket
+import struct
+import subprocess
+import sys
+
+import pytest
+
+from conftest import DEADLINE, TOP, wait_for
+from network import CHANGES, Client, entries_of, frame, hex_file
+
+EXAMPLES = TOP / "docs" / "examples"
+GOLDEN = EXAMPLES / "golden"
+DOCUMENTS = ["network-protocol.md", "local-protocol.md"]
+
+
+def golden(name):
+    return hex_file(GOLDEN / name)
+
+
+@pytest.fixture
+def server(start, tmp_path, linux):
+    """The Linux build with its network server on 127.0.0.1, its simulated world at rest."""
+    root = tmp_path / "X-Plane"
+    folder = root / "Resources" / "plugins" / "TAVRIX"
+    folder.mkdir(parents=True)
+    (folder / "TAVRIX.ini").write_text("[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n")
+    standin = start(linux, "--rate", "0", "--flight", "none", root=root)
+    standin.ask("set sim/cockpit/autopilot/heading_mag 0")
+    standin.ask("frames 70")
+    standin.wait_log("TAVFARNET->Waiting for clients.....0")
+    yield standin
+    standin.quit()
+
+
+def test_documents_show_the_files():
+    """Every example stands in one document, in a block ```hex FILE, byte by byte as in its file."""
+    shown = {}
+    for document in DOCUMENTS:
+        text = (TOP / "docs" / document).read_text()
+        for name, block in re.findall(r"^```hex (\S+)\n(.*?)^```", text, re.M | re.S):
+            assert name not in shown, f"{document} shows {name} again"
+            shown[name] = block
+    assert sorted(shown) == sorted(path.name for path in GOLDEN.iterdir())
+    for name, block in shown.items():
+        assert block == (GOLDEN / name).read_text(), f"{name} differs from its document"
+
+
+def test_documents_name_the_samples():
+    text = "".join((TOP / "docs" / document).read_text() for document in DOCUMENTS)
+    for path in EXAMPLES.glob("*.*"):
+        assert f"(examples/{path.name})" in text, path.name
+
+
+def changes_until(client, offset, value):
+    """Change frames until that one shows the value, merged into one frame."""
+    taken = client.until("the change", lambda: client.memory[offset] == value)
+    entries = [struct.pack("<BBHBB", at >> 16, 0, at & 0xFFFF, byte, 0)
+               for datagram in taken if datagram[0] == CHANGES for at, byte in entries_of(datagram)]
+    return frame(CHANGES, b"".join(entries), 0xFADE)
+
+
+def test_write_and_its_changes(server):
+    client = Client().complete().quiet()
+    client.send(golden("network_write.request.hex"))
+    # A scan between the two records shows them in two frames, with the same entries.
+    assert changes_until(client, 0x12345, 7) == golden("network_write.answer.hex")
+    server.ask("frames 2")
+    assert abs(server.number("sim/cockpit/autopilot/heading_mag") - 90) < 0.05
+    client.close()
+
+
+def test_requests_without_answer(server):
+    def counters():
+        server.ask('menu "Performance settings"')
+        found = re.search(r"Requests: (\d+), bytes read: (\d+)", server.ask("widgets"))
+        server.ask('close "Performance settings"')
+        return [int(figure) for figure in found.groups()]
+
+    client = Client().complete().quiet()
+    requests, size = counters()
+    client.send(golden("network_read.request.hex"))
+    wait_for("the served read", lambda: counters() == [requests + 1, size + 8])
+    client.send(golden("network_subscribe.request.hex") + golden("network_read.request.hex"))
+    # The frame behind the subscription in the same send is served: the subscription was well-formed.
+    wait_for("the frame behind it", lambda: counters() == [requests + 2, size + 16])
+    assert client.take(0.3) is None
+    client.close()
+
+
+def test_block_frames(server):
+    client = Client()
+    blocks = [datagram for datagram in client.until("all blocks", lambda: len(client.blocks) == 8)
+              if datagram[0] != CHANGES]
+    first, header, trailer = golden("network_block.header.hex"), 6, golden("network_block.trailer.hex")
+    for datagram in blocks:
+        assert datagram[1:header] == first[1:] and datagram[-4:] == trailer and len(datagram) == 16394
+        assert first[0] <= datagram[0] <= first[0] + 7
+    client.close()
+
+
+def test_relay(server):
+    receiver = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    receiver.bind(("", 54945))
+    receiver.settimeout(DEADLINE)
+    client = Client().complete()
+    client.send(golden("relay.request.hex"))
+    client.until("the record", lambda: client.read(0x11125, 3) == b"sim")
+    server.ask("frames 3")
+    assert receiver.recv(1000) == golden("relay.answer.hex")
+    assert server.number("sim/cockpit/autopilot/altitude") == 5500
+    receiver.close()
+    client.close()
+
+
+@pytest.fixture(params=["python", "c"])
+def sample(request, tmp_path):
+    if request.param == "python":
+        return [sys.executable, str(EXAMPLES / "network_client.py")]
+    program = tmp_path / "network_client"
+    subprocess.run(["gcc", "-Wall", "-Wextra", "-Werror", "-o", str(program), str(EXAMPLES / "network_client.c")],
+                   check=True)
+    return [str(program)]
+
+
+def run(command, *words):
+    result = subprocess.run([*command, *words], capture_output=True, text=True, timeout=DEADLINE)
+    assert result.returncode == 0, result.stderr
+    return result.stdout.strip()
+
+
+def test_network_sample(server, sample):
+    assert run(sample, "127.0.0.1", "0x3306") == str(0x5000)
+    assert run(sample, "127.0.0.1", "0x07CC", "16384") == "16384"
+    server.ask("frames 2")
+    assert abs(server.number("sim/cockpit/autopilot/heading_mag") - 90) < 0.05
+    assert run(sample, "127.0.0.1", "0x12340", "0xBEEF") == str(0xBEEF)
+    assert run(sample, "127.0.0.1", "0x12340") == str(0xBEEF)
+
+
+def test_network_sample_without_server(sample):
+    result = subprocess.run([*sample, "127.0.0.2", "0x0580"], capture_output=True, text=True, timeout=DEADLINE)
+    assert result.returncode != 0 and "refused" in result.stderr
+
+
+@pytest.mark.wine
+def test_local_blocks(start, win32):
+    standin = start(win32, "--rate", "0", "--flight", "none")
+    standin.ask("frames 70")
+    standin.wait_log("Create KORL Thread OK!")
+    for name, answer in (("local_block", "1"), ("local_unknown", "0")):
+        result = win32.run("replay_block_win32", win32.path(GOLDEN / f"{name}.before.hex"))
+        assert result.returncode == 0, result.stdout
+        answered, block = result.stdout.splitlines()
+        assert answered == answer
+        assert bytes.fromhex(block) == golden(f"{name}.after.hex"), name
+    standin.quit()
+
+
+@pytest.mark.wine
+def test_local_sample(start, win32, tmp_path):
+    program = tmp_path / "local_client.exe"
+    subprocess.run(["i686-w64-mingw32-gcc-posix", "-Wall", "-Wextra", "-Werror", "-o", str(program),
+                    str(EXAMPLES / "local_client.c")], check=True)
+    standin = start(win32, "--rate", "0", "--flight", "none")
+    standin.ask("frames 70")
+    standin.wait_log("Create KORL Thread OK!")
+    assert run(["wine", str(program)], "0x3306") == str(0x5000)
+    assert run(["wine", str(program)], "0x07CC", "16384") == "16384"
+    standin.ask("frames 2")
+    assert abs(standin.number("sim/cockpit/autopilot/heading_mag") - 90) < 0.05
+    standin.quit()
+    missing = subprocess.run(["wine", str(program), "0x3306"], capture_output=True, text=True, timeout=DEADLINE)
+    assert missing.returncode == 1 and "no server" in missing.stderr
