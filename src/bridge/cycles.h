@@ -1,9 +1,9 @@
 // Refresh cycles and write cycle: the flight loops that keep the offset memory current and apply what
 // clients wrote. All of it runs on the simulator's thread.
 //
-// A reader serves a tight group of rows: it reads the simulator with no lock held, converts, and then only
-// tries the offset lock to store; when the lock is busy the values are dropped until its next run. A writer
-// enters the lock only to take its staged value and calls the simulator after leaving it.
+// A cycle first reads the simulator with no lock held and converts; then it stores its rows in tight groups
+// and only tries the offset lock for each: when the lock is busy a group's values are dropped until the next
+// run. A writer enters the lock only to take its staged value and calls the simulator after leaving it.
 #pragma once
 #include <cstdint>
 

@@ -45,8 +45,8 @@ extern RequestCounters requestCounters;
 // Raised (under the offset lock) whenever a flag is set, taken by the write cycle: frames without client
 // writes pass all writers without entering the lock once for each.
 extern std::atomic<uint32_t> anythingPending;
-// Grows (under the offset lock) whenever anything but a refresh reader changes the offset memory. A reader
-// whose converted bytes equal what it stored last need not store them again while this stands still.
+// Grows (under the offset lock) whenever anything but a refresh reader changes the offset memory. Who has
+// looked at or stored something there need not do it again while this stands still.
 extern std::atomic<uint32_t> memoryGeneration;
 
 // Typed access, little-endian at any alignment. Call with the offset lock held.

@@ -1,5 +1,6 @@
 """Start, enable, disable, stop and reload on the real plug-in file."""
 import re
+from pathlib import Path
 
 import pytest
 
@@ -82,3 +83,25 @@ def test_unwritable_folder_is_one_line_and_no_failure(start, build, tmp_path):
         standin.ask("frames 70")
         standin.quit()
         assert any("TAVRIX" in line for line in standin.errors)
+
+
+def counts(standin):
+    """Threads, open files and resident memory (KiB) of the stand-in's process."""
+    process = Path(f"/proc/{standin.process.pid}")
+    status = (process / "status").read_text()
+    field = lambda name: int(re.search(rf"^{name}:\s+(\d+)", status, re.M).group(1))
+    return field("Threads"), len(list((process / "fd").iterdir())), field("VmRSS")
+
+
+@pytest.mark.parametrize("console", [["disable", "enable"], ["reload"]])
+def test_a_hundred_rounds_leave_nothing(start, linux, console):
+    standin = start(linux, "--rate", "0", "--flight", "none")
+    seen = []
+    for _ in range(100):
+        for line in console:
+            standin.ask(line)
+        standin.ask("frames 3")
+        seen.append(counts(standin))
+    assert {entry[:2] for entry in seen[1:]} == {seen[1][:2]}  # threads and files from the second round on
+    assert seen[-1][2] - seen[1][2] < 2048  # no growth beyond what the allocator keeps
+    standin.quit()

@@ -1,0 +1,241 @@
+// Requests as clients send them: the record list walked, its bounds, counters and traces; the path block.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "bridge/registry.h"
+#include "offsets/dispatcher.h"
+#include "offsets/request_walk.h"
+#include "row_harness.h"
+#include "shell/log.h"
+
+namespace {
+
+RequestScratch scratch;
+
+uint8_t Byte(uint32_t offset) {
+  LockScope lock(&offsetLock);
+  return Load<uint8_t>(offset);
+}
+void SetByte(uint32_t offset, uint8_t value) {
+  LockScope lock(&offsetLock);
+  Store<uint8_t>(offset, value);
+}
+uint16_t StagedWord(uint32_t offset) {
+  LockScope lock(&offsetLock);
+  return LoadPending<uint16_t>(offset);
+}
+
+// A request block, built record by record.
+struct Block {
+  std::vector<uint8_t> bytes;
+
+  Block& Word(uint32_t word) {
+    const auto* from = reinterpret_cast<const uint8_t*>(&word);
+    bytes.insert(bytes.end(), from, from + sizeof word);
+    return *this;
+  }
+  Block& ReadRecord(uint32_t offset, uint32_t size) {
+    Word(recordRead).Word(offset).Word(size).Word(0xC0FFEE);
+    bytes.resize(bytes.size() + size, 0xEE);
+    return *this;
+  }
+  Block& WriteRecord(uint32_t offset, const std::vector<uint8_t>& data) {
+    Word(recordWrite).Word(offset).Word(static_cast<uint32_t>(data.size()));
+    bytes.insert(bytes.end(), data.begin(), data.end());
+    return *this;
+  }
+  Block& End() { return Word(recordEnd); }
+  int Serve(PathSource source = PathSource::Local) {
+    return ServeRecords(bytes.data(), bytes.size(), source, CountRequest(), &scratch);
+  }
+};
+
+struct Request : testing::Test {
+  std::filesystem::path folder = std::filesystem::temp_directory_path() / "tavrix-request-test";
+  void SetUp() override {
+    rows::Start("jet");
+    std::filesystem::create_directories(folder);
+    OpenLogs((folder / "").string().c_str(), [](const char*) {});
+    requestCounters = {};
+  }
+  void TearDown() override {
+    readTrace = 0;
+    writeTrace = 0;
+    CloseLogs();
+    std::filesystem::remove_all(folder);
+    rows::Stop();
+  }
+  std::string Trace() const {
+    std::stringstream text;
+    text << std::ifstream(folder / "TAVRIX.log").rdbuf();
+    return text.str();
+  }
+};
+
+TEST_F(Request, RecordsAreServedInOrderWithoutAlignment) {
+  Block block;
+  block.WriteRecord(0x66C0, {1, 2, 3})
+      .ReadRecord(0x66C0, 3)
+      .ReadRecord(0x66C1, 0)
+      .WriteRecord(0x66C1, {})
+      .End();
+  EXPECT_EQ(block.Serve(), 1);
+  EXPECT_EQ(std::memcmp(block.bytes.data() + 15 + 16, "\1\2\3", 3), 0);
+  EXPECT_EQ(requestCounters.requests, 1U);
+  EXPECT_EQ(requestCounters.bytesRead, 3U);
+  EXPECT_EQ(requestCounters.bytesWritten, 3U);
+  Block empty;
+  EXPECT_EQ(empty.End().Serve(), 1);
+  EXPECT_EQ(requestCounters.requests, 2U);
+}
+
+// What a record that does not fit does: 0, nothing of it applied, records before it stay served.
+TEST_F(Request, BoundsAreCheckedBeforeAnythingIsApplied) {
+  struct Case {
+    const char* what;
+    uint32_t type, offset, size;
+    size_t room;  // bytes of data that the block really holds
+  };
+  const Case cases[] = {
+      {"read past the memory", recordRead, 0x1FFFF, 2, 2},
+      {"write past the memory", recordWrite, 0x1FFFF, 2, 2},
+      {"offset far outside", recordWrite, 0xFFFFFFF0, 4, 4},
+      {"sum wraps to a small number", recordWrite, 0x100, 0xFFFFFF10, 16},
+      {"read larger than the block", recordRead, 0x100, 64, 63},
+      {"write larger than the block", recordWrite, 0x100, 64, 63},
+      {"size of everything", recordRead, 0, 0xFFFFFFFF, 16},
+  };
+  for (const Case& test : cases) {
+    Block block;
+    block.WriteRecord(0x66D0, {7});
+    const size_t start = block.bytes.size();
+    block.Word(test.type).Word(test.offset).Word(test.size);
+    if (test.type == recordRead) block.Word(0);
+    block.bytes.resize(block.bytes.size() + test.room, 0x5A);
+    SetByte(0x66D0, 0);
+    const auto before = offsetMemory;
+    const auto sent = block.bytes;
+    EXPECT_EQ(block.Serve(), 0) << test.what;
+    EXPECT_EQ(Byte(0x66D0), 7) << test.what;
+    SetByte(0x66D0, 0);
+    EXPECT_EQ(std::memcmp(&before, &offsetMemory, sizeof before), 0) << test.what;
+    EXPECT_TRUE(std::equal(sent.begin() + static_cast<ptrdiff_t>(start), sent.end(),
+                           block.bytes.begin() + static_cast<ptrdiff_t>(start)))
+        << test.what;
+  }
+  Block last;
+  EXPECT_EQ(last.WriteRecord(0x1FFFF, {9}).End().Serve(), 1) << "the last byte is inside";
+  EXPECT_EQ(Byte(0x1FFFF), 9);
+}
+
+TEST_F(Request, ListsWithoutEndFailAtTheBlocksEnd) {
+  for (size_t cut = 1; cut <= 20; ++cut) {
+    Block block;
+    block.WriteRecord(0x66E0, {1}).ReadRecord(0x66E0, 1).End();
+    block.bytes.resize(block.bytes.size() - cut);
+    EXPECT_EQ(block.Serve(), 0) << cut << " bytes cut off";
+  }
+  Block nothing;
+  EXPECT_EQ(nothing.Serve(), 0);
+}
+
+TEST_F(Request, UnknownRecordStopsTheWalkAndIsZeroed) {
+  PublishRunningTime(12.345F);
+  Block block;
+  block.ReadRecord(0x3304, 4).Word(7).WriteRecord(0x66F0, {1}).End();
+  EXPECT_EQ(block.Serve(), 0);
+  uint32_t word = 0;
+  std::memcpy(&word, block.bytes.data() + 20, sizeof word);
+  EXPECT_EQ(word, 0U);
+  EXPECT_EQ(Byte(0x66F0), 0);
+  const std::string pointer = std::to_string(sizeof(void*));
+  EXPECT_NE(Trace().find(" 0012.35 default, headesize=16 void*=" + pointer + "\n"), std::string::npos)
+      << Trace();
+}
+
+TEST_F(Request, ReadOnlyRecordsAreSkippedWhole) {
+  writeTrace = 1;
+  Block block;
+  block.WriteRecord(0x0238, {9, 9, 9}).WriteRecord(0x6700, {5}).End();
+  SetByte(0x0238, 1);
+  EXPECT_EQ(block.Serve(), 1);
+  EXPECT_EQ(Byte(0x0238), 1);
+  EXPECT_EQ(Byte(0x6700), 5);
+  EXPECT_EQ(requestCounters.bytesWritten, 1U);
+  EXPECT_EQ(Trace().find("Offset: 0238"), std::string::npos);
+  EXPECT_NE(Trace().find("Req: 000001 WRITE Offset: 6700 Bytes: 001 value: 05 \n"), std::string::npos)
+      << Trace();
+}
+
+TEST_F(Request, TwoWritesBeforeAFrameAreOneAndAnEqualOneIsNone) {
+  const auto bug = [](uint8_t low) { return Block().WriteRecord(0x07CC, {low, 0x20}).End(); };
+  for (const uint8_t low : {uint8_t{1}, uint8_t{2}}) {
+    Block block = bug(low);
+    EXPECT_EQ(block.Serve(), 1);
+  }
+  EXPECT_EQ(StagedWord(0x07CC), 0x2002);
+  EXPECT_EQ(pendingFlags.flags[0x07CC], 1U);
+  RunWriters();
+  EXPECT_EQ(pendingFlags.flags[0x07CC], 0U);
+  Block same = bug(2);
+  EXPECT_EQ(same.Serve(), 1);
+  EXPECT_EQ(pendingFlags.flags[0x07CC], 0U) << "the memory held that value already";
+}
+
+TEST_F(Request, PathBlockFollowsTheServer) {
+  PrepareFolders("C:\\X-Plane 9\\");
+  Block whole;
+  whole.ReadRecord(0x3C00, 0x300).End();
+  EXPECT_EQ(whole.Serve(), 1);
+  EXPECT_STREQ(reinterpret_cast<const char*>(whole.bytes.data() + 16 + 0x200), "C:\\X-Plane 9\\");
+  struct Case {
+    uint32_t offset, size;
+    int fills;
+  };
+  for (const Case& test : {Case{0x3E00, 0x100, 1},
+                           {0x3E10, 16, 0},
+                           {0x3C01, 0x2FF, 0},
+                           {0x3D00, 0x200, 1},
+                           {0x3BFC, 4, 0},
+                           {0x3E00, 1, 1}}) {
+    std::memset(offsetMemory.bytes + 0x3E00, '?', 256);
+    FillPathBlock(test.offset, test.size, PathSource::Local);
+    EXPECT_EQ(Byte(0x3E00) == 'C', test.fills != 0) << test.offset;
+  }
+  EXPECT_EQ(FillPathBlock(0x3E10, 4, PathSource::Local), 0);
+  EXPECT_EQ(FillPathBlock(0x1234, 0, PathSource::Local), 1);
+}
+
+TEST(NetworkFolder, ShortestExistingShareWins) {
+  struct Case {
+    const char* what;
+    std::vector<SharedFolder> shares;
+    const char* result;
+  };
+  const std::string folder = "C:\\Games\\X-Plane 9\\";
+  const Case cases[] = {
+      {"no share", {}, "C:\\Games\\X-Plane 9\\"},
+      {"a folder above", {{"games", "C:\\Games"}}, "\\\\SIM\\games\\X-Plane 9\\"},
+      {"another case", {{"games", "c:\\GAMES"}}, "\\\\SIM\\games\\X-Plane 9\\"},
+      {"only half a name", {{"g", "C:\\Gam"}}, "C:\\Games\\X-Plane 9\\"},
+      {"a drive needs no boundary", {{"C", "C:\\"}}, "\\\\SIM\\C\\Games\\X-Plane 9\\"},
+      {"the shortest",
+       {{"C", "C:\\"}, {"games", "C:\\Games"}, {"longer name", "C:\\Games"}},
+       "\\\\SIM\\games\\X-Plane 9\\"},
+      {"not there", {{"missing", "C:\\Games"}}, "C:\\Games\\X-Plane 9\\"},
+  };
+  for (const Case& test : cases) {
+    const auto exists = [](const char* path) { return std::strstr(path, "missing") == nullptr ? 1 : 0; };
+    EXPECT_EQ(NetworkFolder(folder, "SIM", test.shares, exists), test.result) << test.what;
+  }
+  const std::string longFolder = "C:\\" + std::string(300, 'x');
+  EXPECT_EQ(NetworkFolder(longFolder, "SIM", {}, [](const char*) { return 1; }).size(), 255U);
+}
+
+}  // namespace
