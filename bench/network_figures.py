@@ -175,21 +175,26 @@ def resources(pid):
             "resident kB": int(re.search(r"VmRSS:\s+(\d+)", status)[1])}
 
 
-def measure_connects(standin, count):
-    def settled():
+def wait_until_alone(standin):
+    """Until the server has noticed that everybody has left, and listens again when it had been full."""
+    def alone():
         log = standin.log()
-        return log.count("Creating burst thread OK") == log.count("Closing burst thread")
+        return (log.count("Creating burst thread OK") == log.count("Closing burst thread") and
+                log.count("Maximum of clients reached") == log.count("TAVFARNET->Release OK"))
 
+    wait_for("an empty table", alone)
+
+
+def measure_connects(standin, count):
     for client in [Client().complete() for _ in range(8)]:
         client.close()
-    standin.wait_log("TAVFARNET->Release OK")
-    wait_for("an empty table", settled)
+    wait_until_alone(standin)
     before, started = resources(standin.process.pid), time.monotonic()
     for number in range(count):
         client = Client()
         client.send(request(write_record(MARK, bytes([number % 256]))))
         client.close()
-    wait_for("an empty table", settled)
+    wait_until_alone(standin)
     elapsed = time.monotonic() - started
     time.sleep(1)
     after = resources(standin.process.pid)
@@ -217,7 +222,7 @@ def main():
                 measure_idle(standin, chosen.seconds)
                 measure_latency(chosen.samples, 0)
                 measure_latency(chosen.samples, 7)
-                wait_for("an empty table", lambda: standin.log().rstrip().endswith("Closing burst thread"))
+                wait_until_alone(standin)
                 measure_load(standin, chosen.seconds)
             finally:
                 standin.quit(expect=None)

@@ -105,12 +105,6 @@ class Client:
         self.until("all blocks", lambda: len(self.blocks) == 8)
         return self
 
-    def quiet(self, seconds=0.4):
-        """Drops datagrams until none has come for so long."""
-        while self.take(seconds) is not None:
-            pass
-        return self
-
     def read(self, offset, size):
         return bytes(self.memory[offset:offset + size])
 

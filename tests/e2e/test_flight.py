@@ -38,6 +38,7 @@ def write(build, *items, expect=0):
 
 def flying(start, build, *options):
     standin = start(build, *options)
+    standin.ask("frames 120")  # the refresh cycles begin within the first second
     standin.wait_log("Create KORL Thread OK!")
     return standin
 

@@ -74,15 +74,14 @@ def test_reload_and_enable_again(start, build):
     standin.quit()
 
 
-def test_unwritable_folder_is_one_line_and_no_failure(start, build, tmp_path):
+def test_unwritable_files_are_one_line_and_no_failure(start, build, tmp_path):
     root = tmp_path / "X-Plane bad"
-    (root / "Resources" / "plugins").mkdir(parents=True)
-    (root / "Resources" / "plugins" / "TAVRIX").write_text("a file where the folder should be\n")
+    for name in ("TAVRIX.txt", "TAVRIX.log", "TAVRIX.ini"):  # folders where the files should be
+        (root / "Resources" / "plugins" / "TAVRIX" / name).mkdir(parents=True)
     standin = start(build, "--rate", "0", root=root)
-    if standin.process.poll() is None:
-        standin.ask("frames 70")
-        standin.quit()
-        assert any("TAVRIX" in line for line in standin.errors)
+    standin.ask("frames 70")
+    standin.quit()
+    assert len([line for line in standin.errors if "TAVRIX" in line]) == 1, standin.errors
 
 
 def counts(standin):
@@ -102,6 +101,9 @@ def test_a_hundred_rounds_leave_nothing(start, linux, console):
             standin.ask(line)
         standin.ask("frames 3")
         seen.append(counts(standin))
-    assert {entry[:2] for entry in seen[1:]} == {seen[1][:2]}  # threads and files from the second round on
-    assert seen[-1][2] - seen[1][2] < 2048  # no growth beyond what the allocator keeps
+    # Worker threads open and close their sockets while we look: what counts is that nothing adds up.
+    for kind in range(2):
+        values = [entry[kind] for entry in seen]
+        assert max(values[50:]) <= max(values[1:50]), values
+    assert seen[-1][2] - seen[1][2] < 2048  # KiB; no growth beyond what the allocator keeps
     standin.quit()

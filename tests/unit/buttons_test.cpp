@@ -24,7 +24,7 @@ struct Buttons : testing::Test {
     custom::Stop();
   }
   void Settings(const std::string& lines) {
-    std::ofstream(custom::Folder() + "TAVRIX.ini") << lines;
+    std::ofstream(custom::Folder() + "TAVRIX.ini", std::ios::binary) << lines;
     LoadButtonAssignments();
   }
 };
