@@ -4,11 +4,12 @@
 set -u
 
 need_packages=(cmake ninja-build g++ make python3 python3-pytest libgtest-dev libbenchmark-dev
-  g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix xvfb binutils-mingw-w64-i686 procps)
+  g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix xvfb binutils-mingw-w64-i686 binutils-mingw-w64-x86-64 procps iproute2 chromium)
 need_wine=(wine wine64 wine32:i386)
 
 have_everything() {
   command -v cmake ninja g++ python3 Xvfb i686-w64-mingw32-g++-posix x86_64-w64-mingw32-g++-posix wine >/dev/null 2>&1 || return 1
+  command -v ip chromium >/dev/null 2>&1 || return 1
   [ -d /usr/src/googletest/googletest ] || return 1
   [ -e /usr/include/benchmark/benchmark.h ] || return 1
   /usr/bin/python3 -c 'import pytest' 2>/dev/null || return 1
