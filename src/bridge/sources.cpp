@@ -21,7 +21,7 @@ Accessor FittingAccessor(XPLMDataRef handle) {
 int Saturated(double value) {
   constexpr double low = std::numeric_limits<int>::min();
   constexpr double high = std::numeric_limits<int>::max();
-  return value <= low ? std::numeric_limits<int>::min()
+  return value <= low    ? std::numeric_limits<int>::min()
          : value >= high ? std::numeric_limits<int>::max()
                          : static_cast<int>(value);
 }
@@ -38,9 +38,15 @@ void SetSource(const Source& source, double value) {
   if (handle == nullptr || !std::isfinite(value)) return;
   const Accessor accessor = source.accessor == Accessor::Any ? FittingAccessor(handle) : source.accessor;
   switch (accessor) {
-    case Accessor::Float: XPLMSetDataf(handle, static_cast<float>(value)); break;
-    case Accessor::Int: XPLMSetDatai(handle, Saturated(value)); break;
-    case Accessor::Double: XPLMSetDatad(handle, value); break;
+    case Accessor::Float:
+      XPLMSetDataf(handle, static_cast<float>(value));
+      break;
+    case Accessor::Int:
+      XPLMSetDatai(handle, Saturated(value));
+      break;
+    case Accessor::Double:
+      XPLMSetDatad(handle, value);
+      break;
     case Accessor::FloatArray: {
       float single = static_cast<float>(value);
       XPLMSetDatavf(handle, &single, source.element, 1);
@@ -52,7 +58,8 @@ void SetSource(const Source& source, double value) {
       break;
     }
     case Accessor::Any:
-    case Accessor::None: break;
+    case Accessor::None:
+      break;
   }
 }
 
