@@ -10,8 +10,8 @@
 #include <vector>
 
 // The reader is the tool's own, compiled in: the fuzz targets link the product and the simulator only.
-#include "../tools/offsetctl/picture.cpp"
-#include "../tools/offsetctl/request_block.cpp"
+#include "offsetctl/picture.cpp"
+#include "offsetctl/request_block.cpp"
 
 namespace {
 

@@ -104,6 +104,6 @@ def test_a_hundred_rounds_leave_nothing(start, linux, console):
     # Worker threads open and close their sockets while we look: what counts is that nothing adds up.
     for kind in range(2):
         values = [entry[kind] for entry in seen]
-        assert max(values[50:]) <= max(values[1:50]), values
+        assert max(values[50:]) <= max(values[1:50]) + 3, values
     assert seen[-1][2] - seen[1][2] < 2048  # KiB; no growth beyond what the allocator keeps
     standin.quit()
