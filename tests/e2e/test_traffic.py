@@ -19,8 +19,13 @@ def build(request):
     return request.getfixturevalue(request.param)
 
 
-def begin(start, build, *options):
-    standin = start(build, *options)
+def begin(start, build, *options, root=None):
+    """With a root, its network server takes clients at 127.0.0.1: where the Linux build is read."""
+    if root is not None:
+        (root / "Resources" / "plugins" / "TAVRIX").mkdir(parents=True)
+        (root / "Resources" / "plugins" / "TAVRIX" / "TAVRIX.ini").write_text(
+            "[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n")
+    standin = start(build, *options, root=root)
     if standin.number("sim/time/total_running_time_sec") == 0:
         standin.ask("frames 2")
     standin.wait_log("TAVRIX->Create ATC thread OK!")
@@ -44,14 +49,13 @@ class Table:
         return [i for i, entry in enumerate(self.entries) if entry[0] != 0]
 
 
-@pytest.mark.wine
-def test_counts_come_and_go(start, win32, tmp_path):
-    standin = begin(start, win32)
+def test_counts_come_and_go(start, build, tmp_path):
+    standin = begin(start, build, root=tmp_path / "X-Plane")
     serials = set()
     for planes in (1, 5, 2, 120):
         standin.ask(f"planes {planes}")
         slots = min(planes - 1, 96)
-        table = wait_for(f"{slots} slots", lambda: (t := Table(win32, tmp_path)).active == slots and
+        table = wait_for(f"{slots} slots", lambda: (t := Table(build, tmp_path)).active == slots and
                          len(t.shown()) == slots and t)
         assert (table.size, table.capacity, table.mark) == (40, 96, ord("P"))
         assert table.shown() == list(range(slots))
@@ -61,14 +65,14 @@ def test_counts_come_and_go(start, win32, tmp_path):
         serials |= {entry[0] for entry in table.entries[:slots]}
         assert bool(table.nearest) == (slots != 0)
     assert serials == set(range(1, len(serials) + 1))  # each new slot had a new one
-    later = wait_for("rounds go on", lambda: (t := Table(win32, tmp_path)).changes != table.changes and t)
+    later = wait_for("rounds go on", lambda: (t := Table(build, tmp_path)).changes != table.changes and t)
     assert (later.changes - table.changes) % 10 == 0
     standin.quit()
 
 
-@pytest.mark.wine
-def test_nearest_changes_as_aircraft_pass(start, win32, tmp_path):
-    standin = begin(start, win32, "--rate", "0", "--flight", "none", "--planes", "4")
+def test_nearest_changes_as_aircraft_pass(start, build, tmp_path):
+    standin = begin(start, build, "--rate", "0", "--flight", "none", "--planes", "4",
+                    root=tmp_path / "X-Plane")
     latitude = standin.number("sim/flightmodel/position/latitude")
     longitude = standin.number("sim/flightmodel/position/longitude")
     for away, nearest in (([0.3, 0.2, 0.1], 2), ([0.3, 0.0, 0.1], 1), ([0.05, 0.2, 0.1], 0), ([20, 11, 12], None)):
@@ -77,7 +81,7 @@ def test_nearest_changes_as_aircraft_pass(start, win32, tmp_path):
             standin.ask(f"set sim/multiplayer/position/plane{number}_lon {longitude}")
         standin.ask("frames 30")
         wanted = 0 if nearest is None else ENTRIES + 40 * nearest
-        table = wait_for(f"nearest {nearest}", lambda: (t := Table(win32, tmp_path)).nearest == wanted and t)
+        table = wait_for(f"nearest {nearest}", lambda: (t := Table(build, tmp_path)).nearest == wanted and t)
         assert math.isclose(table.entries[0][1], latitude - away[0], abs_tol=1e-4)
     standin.quit()
 
