@@ -116,7 +116,7 @@ int HandlePerformance(XPWidgetMessage message, XPWidgetID widget, intptr_t param
     XPHideWidget(widget);
     return 1;
   }
-  const XPWidgetID box = reinterpret_cast<XPWidgetID>(param1);
+  XPWidgetID box = reinterpret_cast<XPWidgetID>(param1);
   if (message == xpMsg_PushButtonPressed && box == reloadButton) {
     ReloadCustomOffsets();
     return 1;
