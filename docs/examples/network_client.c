@@ -26,9 +26,9 @@ int main(int count, char** words) {
   struct timeval patience = {1, 0};
   time_t deadline = time(NULL) + 6;
   setsockopt(udp, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-  bind(udp, (struct sockaddr*)&local, sizeof local);
-  getsockname(udp, (struct sockaddr*)&local, &size);  /* datagrams come to the connection's own port */
-  if (bind(tcp, (struct sockaddr*)&local, sizeof local) != 0) return perror("bind"), 1;
+  bind(tcp, (struct sockaddr*)&local, sizeof local);
+  getsockname(tcp, (struct sockaddr*)&local, &size);  /* datagrams come to the connection's own port */
+  if (bind(udp, (struct sockaddr*)&local, sizeof local) != 0) return perror("bind"), 1;
   if (connect(tcp, (struct sockaddr*)&server, sizeof server) != 0) return perror("connect"), 1;
   while (blocks != 0xFF || (sent && memcmp(memory + offset, &request.value, 2) != 0)) {
     long got = recv(udp, frame, sizeof frame, 0);

@@ -10,11 +10,11 @@ import time
 
 host, offset = sys.argv[1], int(sys.argv[2], 0)
 wanted = int(sys.argv[3], 0) if len(sys.argv) > 3 else None
-udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-udp.bind(("", 0))
 tcp = socket.socket()
 tcp.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-tcp.bind(("", udp.getsockname()[1]))  # the server sends its datagrams to the port of the connection
+tcp.bind(("", 0))
+udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+udp.bind(("", tcp.getsockname()[1]))  # the server sends its datagrams to the port of the connection
 tcp.settimeout(5)
 tcp.connect((host, 65000))
 

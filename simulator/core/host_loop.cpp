@@ -48,7 +48,7 @@ void ReadLines() {
         line += buffer[i];
         continue;
       }
-      input->lines.push_back(std::move(line));
+      input->lines.push_back(line);
       line.clear();
     }
     if (got == 0) {

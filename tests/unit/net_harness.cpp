@@ -76,9 +76,10 @@ uint16_t LocalPort(const Socket& socket) {
 int Connect(Client* client, uint16_t port) {
   *client = {};
   EXPECT_TRUE(CreateWaker(&client->waker));
-  EXPECT_TRUE(OpenSocket(&client->udp, Transport::Datagram) && BindSocket(&client->udp, {loopback, 0}));
-  EXPECT_TRUE(OpenSocket(&client->tcp, Transport::Stream));
-  EXPECT_TRUE(BindSocket(&client->tcp, {loopback, LocalPort(client->udp)}));
+  // The stream first: its port must not be one that an earlier connection still occupies.
+  EXPECT_TRUE(OpenSocket(&client->tcp, Transport::Stream) && BindSocket(&client->tcp, {loopback, 0}));
+  EXPECT_TRUE(OpenSocket(&client->udp, Transport::Datagram));
+  EXPECT_TRUE(BindSocket(&client->udp, {loopback, LocalPort(client->tcp)}));
   sockaddr_in server{};
   server.sin_family = AF_INET;
   server.sin_port = htons(port);
