@@ -4,12 +4,15 @@
 set -u
 
 need_packages=(cmake ninja-build g++ make python3 python3-pytest libgtest-dev libbenchmark-dev
-  g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix xvfb binutils-mingw-w64-i686 binutils-mingw-w64-x86-64 procps iproute2 chromium)
+  g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix xvfb binutils-mingw-w64-i686 binutils-mingw-w64-x86-64 procps iproute2)
 need_wine=(wine wine64 wine32:i386)
 
+# `command -v` with several names is content with one of them: ask for each.
 have_everything() {
-  command -v cmake ninja g++ python3 Xvfb i686-w64-mingw32-g++-posix x86_64-w64-mingw32-g++-posix wine >/dev/null 2>&1 || return 1
-  command -v ip chromium >/dev/null 2>&1 || return 1
+  local program
+  for program in cmake ninja g++ python3 Xvfb ip i686-w64-mingw32-g++-posix x86_64-w64-mingw32-g++-posix wine; do
+    command -v "$program" >/dev/null 2>&1 || return 1
+  done
   [ -d /usr/src/googletest/googletest ] || return 1
   [ -e /usr/include/benchmark/benchmark.h ] || return 1
   /usr/bin/python3 -c 'import pytest' 2>/dev/null || return 1
@@ -30,6 +33,15 @@ install_everything() {
   [ "${ID:-}" = debian ] && [ -n "${VERSION_CODENAME:-}" ] && release=(-t "$VERSION_CODENAME")
   $as_root apt-get install -y -qq "${release[@]}" --no-install-recommends "${need_packages[@]}" "${need_wine[@]}" >/tmp/tavrix-setup.log 2>&1 ||
     $as_root apt-get install -y -qq --no-install-recommends "${need_packages[@]}" "${need_wine[@]}" >>/tmp/tavrix-setup.log 2>&1
+}
+
+# The browser that one test uses; ./run does without it.
+setup_browser() {
+  command -v chromium >/dev/null 2>&1 && return 0
+  local as_root=""
+  [ "$(id -u)" = 0 ] || as_root="sudo"
+  $as_root apt-get update -qq >/dev/null 2>&1 || true
+  DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends chromium >>/tmp/tavrix-setup.log 2>&1
 }
 
 setup_machine() {
