@@ -75,7 +75,7 @@ void Take(int button, std::string_view line, ButtonAssignment* target) {
   const size_t given = ParseLine(line, &read);
   if (read.offset <= 0) return;
   if (const char* fault = FaultOf(read, given)) {
-    LogLine("TAVRIX->Joystick button %i is not used, see [%s] in TAVRIX.ini: %s\n", button, section, fault);
+    LogOwn("TAVRIX->Joystick button %i is not used, see [%s] in TAVRIX.ini: %s\n", button, section, fault);
     return;
   }
   *target = read;

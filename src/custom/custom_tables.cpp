@@ -49,9 +49,9 @@ int ReadWholeFile(const std::string& path, std::string* text) {
 }
 
 void TellSkipped(uint32_t line, CustomLineFault fault) {
-  LogLine("TAVRIX->TAVRIXOffsets.cfg line %i is left out: %s\n", static_cast<int>(line),
-          fault == CustomLineFault::TooManyTokens ? "it has more than 256 words"
-                                                  : "one of its words has more than 255 characters");
+  LogOwn("TAVRIX->TAVRIXOffsets.cfg line %i is left out: %s\n", static_cast<int>(line),
+         fault == CustomLineFault::TooManyTokens ? "it has more than 256 words"
+                                                 : "one of its words has more than 255 characters");
 }
 
 void LookUpDatarefs(CustomTables* tables) {

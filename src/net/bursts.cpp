@@ -55,7 +55,7 @@ void OpenBurstSocket(Socket* socket) {
   if (OpenSocket(socket, Transport::Datagram) && BindSocket(socket, {serverIp, burstPort})) return;
   const int error = SocketErrorNumber();
   LogNetwork("TAVFARNET->tXsyncBurstThread bind() failed %i\n", error);
-  LogLine("%s\n", AdviseOnFailure("UDP", burstPort, error).c_str());
+  LogOwn("%s\n", AdviseOnFailure("UDP", burstPort, error).c_str());
 }
 
 int TakeNewClient() {

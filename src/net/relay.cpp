@@ -111,7 +111,7 @@ int OpenRelay(RelayRole role) {
   const int error = SocketErrorNumber();
   CloseSocket(&relaySocket);
   LogLine("TAVRIX->UDP Broadcast server init FAILED\n");
-  LogLine("%s\n", AdviseOnFailure("UDP", relayPort, error).c_str());
+  LogOwn("%s\n", AdviseOnFailure("UDP", relayPort, error).c_str());
   return 0;
 }
 

@@ -81,7 +81,7 @@ int WaitForFreeSlot(uint32_t count) {
   if (serverRunning.load() == 0) return 1;
   int error = 0;
   if (!SetUpListener(Listening::Again, &error)) {
-    LogLine("%s\n", AdviseOnFailure("TCP", requestPort, error).c_str());
+    LogOwn("%s\n", AdviseOnFailure("TCP", requestPort, error).c_str());
     return 0;
   }
   LogLine("%07.3f TAVFARNET->Release OK\n", static_cast<double>(PublishedRunningTime()));
@@ -165,7 +165,7 @@ uint32_t ServerProcedure(void*) {
 
 // The first failure counts for the alert window: the second is its consequence, as a rule.
 void SetFailure(const char* transport, uint16_t port, int error) {
-  LogLine("%s\n", AdviseOnFailure(transport, port, error).c_str());
+  LogOwn("%s\n", AdviseOnFailure(transport, port, error).c_str());
   std::snprintf(networkStatusText, sizeof networkStatusText, " FAILED ! Wrong IP address");
   if (networkAlertText[0] != '\0') return;
   if (serverIp != 0 && ClassifySocketError(error) == SocketFault::PortTaken) {

@@ -115,8 +115,8 @@ HWND OpenWindow(HINSTANCE instance) {
   HWND window = CreateWindowExA(WS_EX_CLIENTEDGE, windowName, windowName, WS_POPUP, 0, 0, 10, 10, nullptr,
                                 nullptr, instance, nullptr);
   if (window == nullptr) {
-    LogLine("TAVRIX->The window %s cannot be created (%s): local clients cannot connect\n", windowName,
-            SystemErrorText().c_str());
+    LogOwn("TAVRIX->The window %s cannot be created (%s): local clients cannot connect\n", windowName,
+           SystemErrorText().c_str());
     return nullptr;
   }
   LogLine("Create KORLMain Window OK!\n");
@@ -135,15 +135,15 @@ uint32_t ServerProcedure(void*) {
   ATOM windowClass = 0;
   HWND window = nullptr;
   if (FindWindowA(windowName, windowName) != nullptr) {
-    LogLine(
+    LogOwn(
         "TAVRIX->The window class %s is taken by another simulator in this session: local clients reach that "
         "one; close it and reload the plug-in\n",
         windowName);
   } else {
     windowClass = RegisterWindowClass(instance);
     if (windowClass == 0) {
-      LogLine("TAVRIX->The window class %s cannot be registered (%s): local clients cannot connect\n",
-              windowName, SystemErrorText().c_str());
+      LogOwn("TAVRIX->The window class %s cannot be registered (%s): local clients cannot connect\n",
+             windowName, SystemErrorText().c_str());
     } else {
       window = OpenWindow(instance);
     }

@@ -145,14 +145,13 @@ std::string DefaultText() {
 }
 
 int ReportUnreadable(const char* reason, const char* remedy) {
-  LogLine(
-      "TAVRIX->Can't read the settings file %s (%s): %s; the defaults are used and the file is left alone\n",
-      settingsPath, reason, remedy);
+  LogOwn("TAVRIX->Can't read the settings file %s (%s): %s; the defaults are used and the file is left alone\n",
+         settingsPath, reason, remedy);
   return -1;
 }
 
 int ReportUnwritable(const char* path, const std::string& reason) {
-  LogLine(
+  LogOwn(
       "TAVRIX->Can't write the settings file %s (%s): make the file and its folder writable for your user; "
       "changes "
       "of the settings are lost at the end of this session\n",
@@ -238,7 +237,7 @@ int ReadAll() {
 }
 
 int ReportException(const char* what) {
-  LogLine("TAVRIX->Out of memory while %s the settings file %s\n", what, settingsPath);
+  LogOwn("TAVRIX->Out of memory while %s the settings file %s\n", what, settingsPath);
   return 0;
 }
 
@@ -274,8 +273,8 @@ int ReadSetting(const char* section, const char* key, char* buffer, size_t size)
 
 int WriteSetting(const char* section, const char* key, const char* value) {
   if (!AreSettingNames(section, key)) {
-    LogLine("TAVRIX->The setting \"%s\" of section \"%s\" has no name that a settings file can hold\n", key,
-            section);
+    LogOwn("TAVRIX->The setting \"%s\" of section \"%s\" has no name that a settings file can hold\n", key,
+           section);
     return 0;
   }
   try {

@@ -95,8 +95,8 @@ void StartThreads() {
   if (!networkOpen) OpenAlertWindow(networkAlertText);
   const int networkRuns = networkOpen != 0 && StartNetworkServer() != 0;
   const int trafficRuns = StartTrafficThread();
-  if (!StartAircraftModelThread()) LogLine("TAVRIX->Create aircraft model thread failed!\n");
-  if (!StartStatusPage(SystemFolder().c_str())) LogLine("TAVRIX->Create HTTP thread failed!\n");
+  if (!StartAircraftModelThread()) LogOwn("TAVRIX->Create aircraft model thread failed!\n");
+  if (!StartStatusPage(SystemFolder().c_str())) LogOwn("TAVRIX->Create HTTP thread failed!\n");
   LogLine(networkRuns ? "TAVFARNET->Create Socket thread OK!\n" : "TAVFARNET->Create Socket thread failed!\n");
   LogLine(trafficRuns ? "TAVRIX->Create ATC thread OK!\n" : "TAVRIX->Create ATC thread failed!\n");
 }
@@ -104,7 +104,7 @@ void StartThreads() {
 float DeferredStart(float, float, int, void*) {
   try {
     if (threadsStarted != 0) {
-      LogLine("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
+      LogOwn("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
     } else {
       threadsStarted = 1;
       StartThreads();
@@ -186,8 +186,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   std::snprintf(pluginVersionText, sizeof pluginVersionText, "TAVRIX Version %s\n", pluginVersion);
   std::snprintf(networkVersionText, sizeof networkVersionText, "TAVFARNET Version %s\n", networkVersion);
   socketLibraryOpen = OpenSocketLibrary();
-  if (!socketLibraryOpen)
-    LogLine("TAVFARNET->The system's socket library does not start: no network clients\n");
+  if (!socketLibraryOpen) LogOwn("TAVFARNET->The system's socket library does not start: no network clients\n");
   SetSettingsPath((folder + "TAVRIX.ini").c_str());
 
   BuildMenu();
@@ -223,7 +222,7 @@ int EnablePlugin() {
     DeleteButtons();
     DeleteLocks();
     ClearCustomOffsets();
-    LogLine(
+    LogOwn(
         "TAVRIX->The system refuses the locks: the plug-in stays disabled; close other programs and try "
         "again\n");
     return 0;

@@ -148,6 +148,23 @@ void LogLine(const char* format, ...) {
   va_end(arguments);
 }
 
+void LogOwn(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  FormatLine(format, arguments, [](const char* text, size_t length) {
+    char stamp[timeStampSize];
+    TimeStamp(stamp);
+    stamp[timeStampSize - 1] = ' ';
+    try {
+      const std::string line = std::string(stamp, timeStampSize).append(text, length);
+      WriteMain(line.data(), line.size());
+    } catch (...) {
+      WriteMain(text, length);
+    }
+  });
+  va_end(arguments);
+}
+
 void TraceLine(const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
@@ -169,6 +186,26 @@ void LogBoth(const char* format, ...) {
 
 void FlushTrace() {
   if (traceLog) std::fflush(traceLog);
+}
+
+std::string EscapedForLog(std::string_view text) {
+  constexpr char digits[] = "0123456789ABCDEF";
+  constexpr std::string_view special = "\n\r\t\\", letters = "nrt\\";
+  std::string escaped;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (const size_t known = special.find(c); known != std::string_view::npos) {
+      escaped += '\\';
+      escaped += letters[known];
+    } else if (byte >= 0x20 && byte < 0x7F) {
+      escaped += c;
+    } else {
+      escaped += "\\x";
+      escaped += digits[byte >> 4];
+      escaped += digits[byte & 0x0F];
+    }
+  }
+  return escaped;
 }
 
 char* TimeStamp(char* buffer) {

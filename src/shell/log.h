@@ -14,6 +14,8 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #if defined(__MINGW32__)
 #define TAVRIX_PRINTF(formatIndex, firstIndex) __attribute__((format(gnu_printf, formatIndex, firstIndex)))
@@ -41,12 +43,19 @@ void CloseLogs();
 
 // One line to the main log; the format carries the line end. Any thread.
 void LogLine(const char* format, ...) TAVRIX_PRINTF(1, 2);
+// A line that helps the user, in words of our own choice: "hh:mm:ss:mmm " and the text. Any thread.
+void LogOwn(const char* format, ...) TAVRIX_PRINTF(1, 2);
 // One line to the trace log. The caller holds the trace lock, or is the only thread (start).
 void TraceLine(const char* format, ...) TAVRIX_PRINTF(1, 2);
 // One line to both logs (start-up banner). Simulator's thread before threads exist.
 void LogBoth(const char* format, ...) TAVRIX_PRINTF(1, 2);
 // Writes the trace lines of a request out. The caller holds the trace lock.
 void FlushTrace();
+
+// A text that came from a client, as a log may show it: "\\n", "\\r", "\\t", "\\\\", and "\\xHH" for every
+// other byte that is not printable ASCII, so that it can neither begin a line of its own nor steer a terminal.
+// Pure.
+std::string EscapedForLog(std::string_view text);
 
 // Writes "hh:mm:ss:mmm" (UTC) into a buffer of at least timeStampSize characters and returns it.
 char* TimeStamp(char* buffer);

@@ -110,7 +110,7 @@ uint32_t PageProcedure(void*) {
   } else {
     const std::string reason = SocketErrorText(SocketErrorNumber());
     LogLine("error bind\n");
-    LogLine(
+    LogOwn(
         "TAVRIX->The status page cannot use TCP port %u (%s): close the other program that uses it and reload "
         "the "
         "plug-in\n",

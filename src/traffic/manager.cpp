@@ -36,8 +36,8 @@ int AddSlot() {
   const uint32_t index = activeSlots;
   if (slots[index].thread.started.load() != 0) return 0;
   if (!StartSlot(index, lastSerial + 1)) {
-    LogLine("TAVRIX->The system gives no thread for slot %02i, aircraft from there on are not shown\n",
-            static_cast<int>(index));
+    LogOwn("TAVRIX->The system gives no thread for slot %02i, aircraft from there on are not shown\n",
+           static_cast<int>(index));
     settling = 0;  // the next change of the number tries again
     return 0;
   }
