@@ -37,7 +37,12 @@ struct Client {
 };
 // Connects to a port of this computer; 0 when refused.
 int Connect(Client* client, uint16_t port = 65000);
+// Connects an open stream to any address: 1, or 0 when refused. BeginConnect does not wait for the answer.
+int ConnectTo(Client* client, const SocketAddress& server);
+void BeginConnect(Client* client, const SocketAddress& server);
 void Disconnect(Client* client);
+// Sends everything, waiting while the connection takes no more. Returns 0 when it has ended.
+int SendAll(Client* client, const Bytes& data);
 // Next datagram, empty on time-out.
 Bytes Receive(Client* client, int timeoutMs = patienceMs);
 // Everything that the server sends on the TCP connection until it closes it.

@@ -13,6 +13,7 @@ namespace {
 
 constexpr uint32_t blockSize = 16384;
 constexpr uint32_t blockCount = offsetMemorySize / blockSize;
+constexpr int sendQueue = 1 << 20;
 constexpr int blockPauseMs = 10;
 constexpr int changePauseMs = 20;
 constexpr uint32_t rollingCycles = 1000;  // change cycles between two rolling blocks
@@ -29,7 +30,7 @@ uint8_t changeFrame[changeEntriesSize + frameOverhead];
 void SendToAll(Socket* socket, const uint8_t* frame, size_t size) {
   LockScope lock(&clientListLock);
   for (const ClientSlot& slot : clientSlots) {
-    if (slot.inUse != 0) SendDatagram(socket, frame, size, slot.peer);
+    if (slot.inUse) SendDatagram(socket, frame, size, slot.peer);
   }
 }
 
@@ -52,7 +53,12 @@ void SendChanges(Socket* socket) {
 }
 
 void OpenBurstSocket(Socket* socket) {
-  if (OpenSocket(socket, Transport::Datagram) && BindSocket(socket, {serverIp, burstPort})) return;
+  if (OpenSocket(socket, Transport::Datagram) && BindSocket(socket, {serverIp, burstPort})) {
+    // Room for a round of blocks to all clients: what does not fit is dropped, as nothing waits for a slow
+    // link.
+    SetSendQueue(socket, sendQueue);
+    return;
+  }
   const int error = SocketErrorNumber();
   LogNetwork("TAVFARNET->tXsyncBurstThread bind() failed %i\n", error);
   LogOwn("%s\n", AdviseOnFailure("UDP", burstPort, error).c_str());
@@ -101,6 +107,7 @@ uint32_t BurstProcedure(void*) {
           state = State::RollingBlock;
         }
         if (TakeNewClient()) state = State::FullBurst;
+        FollowPeerNames();
         break;
     }
   } while (!EndWhenAlone(&socket));
@@ -111,11 +118,11 @@ uint32_t BurstProcedure(void*) {
 }  // namespace
 
 int StartBursts() {
-  JoinThread(&burstThread);
-  burstRunning = 1;
   if (StartThread(&burstThread, BurstProcedure, nullptr)) return 1;
   burstRunning = 0;
   return 0;
 }
+
+bool BurstsNeedJoin() { return burstThread.started.load() != 0; }
 
 void JoinBursts() { JoinThread(&burstThread); }

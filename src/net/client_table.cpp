@@ -3,46 +3,32 @@
 #include <cstring>
 
 ClientSlot clientSlots[maxClients];
+uint16_t nextClientNumber;
 std::atomic<uint32_t> publishedClientCount;
-
-namespace {
-
-uint16_t nextNumber;
-
-}  // namespace
 
 uint32_t CountClients() {
   uint32_t count = 0;
-  for (const ClientSlot& slot : clientSlots) count += slot.inUse;
+  for (const ClientSlot& slot : clientSlots) count += slot.inUse ? 1 : 0;
   return count;
 }
 
-int AddClient(const SocketAddress& peer, const char* name) {
+int FindFreeSlot() {
   for (uint32_t i = 0; i < maxClients; ++i) {
-    ClientSlot& slot = clientSlots[i];
-    if (slot.inUse != 0) continue;
-    slot.inUse = 1;
-    slot.number = nextNumber++;
-    slot.peer = peer;
-    const size_t length = strnlen(name, peerNameSize - 1);
-    std::memcpy(slot.name, name, length);
-    slot.name[length] = '\0';
-    return static_cast<int>(i);
+    if (!clientSlots[i].inUse) return static_cast<int>(i);
   }
   return -1;
 }
 
-int FindClient(uint16_t number) {
-  for (uint32_t i = 0; i < maxClients; ++i) {
-    if (clientSlots[i].inUse != 0 && clientSlots[i].number == number) return static_cast<int>(i);
-  }
-  return -1;
+void AddClient(uint32_t slot, const SocketAddress& peer) {
+  ClientSlot& client = clientSlots[slot];
+  client.inUse = true;
+  client.number = nextClientNumber++;
+  client.peer = peer;
+  std::strcpy(client.name, "unknown");
+  client.nameWanted = true;
 }
 
-void RemoveClient(uint16_t number) {
-  const int index = FindClient(number);
-  if (index >= 0) clientSlots[index].inUse = 0;
-}
+void RemoveClient(uint32_t slot) { clientSlots[slot].inUse = false; }
 
 void ClearClients() {
   for (ClientSlot& slot : clientSlots) slot = {};

@@ -1,8 +1,9 @@
 // The eight network clients that are connected.
 //
-// The table is guarded by the client list lock: every function here is called with it held, on any thread.
-// Client numbers count the connections of the process and are never used again. A copy of the count is
-// published for windows and status displays, which never take the lock.
+// The table is guarded by the client list lock: every function here is called with it held, on any thread. A
+// client is known by its slot. Its number counts the connections of the process and is for people alone: it has
+// 16 bits and wraps. A copy of the count is published for windows and status displays, which never take the
+// lock.
 #pragma once
 #include <atomic>
 #include <cstdint>
@@ -13,25 +14,27 @@ constexpr uint32_t maxClients = 8;
 constexpr size_t peerNameSize = 1025;
 
 struct ClientSlot {
-  uint32_t inUse;
+  bool inUse;
   uint16_t number;
-  SocketAddress peer;  // bursts go to this address and port
-  char name[peerNameSize];
+  SocketAddress peer;       // bursts go to this address and port
+  char name[peerNameSize];  // "unknown" until its look-up has answered
+  bool nameWanted;          // the look-up has not answered
 };
 
 extern ClientSlot clientSlots[maxClients];
+// The next client's number.
+extern uint16_t nextClientNumber;
 
 // Copy of the number of slots in use; any thread, no lock.
 extern std::atomic<uint32_t> publishedClientCount;
 
 uint32_t CountClients();
-// Takes the first free slot and gives it the next client number. Returns the slot's index, or -1 when all
-// are in use. The name is cut to the slot's size.
-int AddClient(const SocketAddress& peer, const char* name);
-// Index of the slot that a client number holds, or -1.
-int FindClient(uint16_t number);
-// Frees the slot of a client number; a number that holds none changes nothing.
-void RemoveClient(uint16_t number);
+// The first free slot, or -1 when all are in use.
+int FindFreeSlot();
+// Puts a client into a free slot and gives it the next number.
+void AddClient(uint32_t slot, const SocketAddress& peer);
+// Frees a slot; one that is free stays so.
+void RemoveClient(uint32_t slot);
 // Forgets all clients; the numbers go on from where they were.
 void ClearClients();
 // Publishes the count as it is now.

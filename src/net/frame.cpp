@@ -15,19 +15,35 @@ void Put(uint8_t* to, size_t value) {
   std::memcpy(to, &word, sizeof word);
 }
 
+bool IsClientFrame(uint8_t type) { return type == frameRequestList || type == frameSubscription; }
+
 }  // namespace
 
 int ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame) {
   if (at > size || size - at < frameOverhead) return 0;
   uint8_t* start = buffer + at;
   *frame = {start[0], Fetch(start + 2), Fetch(start + 4), start + frameHeaderSize};
-  if (frame->type != frameRequestList && frame->type != frameSubscription) return 0;
+  if (!IsClientFrame(frame->type)) return 0;
   if (frame->length > size - at - frameOverhead) return 0;
   const uint16_t endMarker = frame->type == frameRequestList ? endRequestList : endSubscription;
   return Fetch(frame->payload + frame->length) == frame->length &&
                  Fetch(frame->payload + frame->length + 2) == endMarker
              ? 1
              : 0;
+}
+
+size_t ServableSize(const uint8_t* buffer, size_t size, size_t capacity) {
+  constexpr size_t lengthEnd = 4;
+  size_t at = 0;
+  while (at < size) {
+    if (!IsClientFrame(buffer[at])) return size;
+    if (size - at < lengthEnd) return at;
+    const size_t whole = Fetch(buffer + at + 2) + frameOverhead;
+    if (whole > capacity) return size;
+    if (whole > size - at) return at;
+    at += whole;
+  }
+  return at;
 }
 
 size_t FinishFrame(uint8_t* frame, uint8_t type, size_t payloadSize, uint16_t endMarker) {

@@ -40,6 +40,10 @@ struct ReceivedFrame {
 // Looks at the frame that begins at buffer + at. Returns 1 when it is a whole and well-formed request or
 // subscription list, 0 for anything else.
 int ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame);
+// How many of the bytes that have come so far can be served: whole frames, and everything from the first header
+// on that begins no frame a client may send or one that could never fit into `capacity` bytes. A frame whose
+// end has not come yet stays behind.
+size_t ServableSize(const uint8_t* buffer, size_t size, size_t capacity);
 // Writes header, length copy and end marker around a payload that already stands at frame + 6. The length
 // fields hold the low 16 bits of a payload that is larger. Returns the size of the frame.
 size_t FinishFrame(uint8_t* frame, uint8_t type, size_t payloadSize, uint16_t endMarker);

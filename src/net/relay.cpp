@@ -7,6 +7,7 @@
 #include "XPLMDataAccess.h"
 #include "net/address.h"
 #include "net/frame.h"
+#include "net/permissions.h"
 #include "net/server.h"
 #include "offsets/locks.h"
 #include "platform/clock.h"
@@ -70,13 +71,16 @@ void SendRelay(const uint8_t* record) {
 }
 
 void Receive() {
-  const int size = ReceiveSocket(&relaySocket, &relayWaker, -1, datagram, sizeof datagram);
+  SocketAddress from = {};
+  const int size = ReceiveBroadcast(&relaySocket, &relayWaker, -1, datagram, sizeof datagram, serverIp, &from);
   if (size < 0) {
     WaitWaker(&relayWaker, failurePauseMs);  // nothing to receive for now: no spinning
     return;
   }
   uint8_t record[relayRecordSize];
   if (!ParseRelayFrame(datagram, static_cast<size_t>(size), record)) return;
+  if (!IsClientAllowed(from.ip)) return LogRefusal(Refusal::Client, from.ip);
+  if (!AreNetworkWritesAllowed()) return LogRefusal(Refusal::Write, from.ip);
   record[relayForwardAt] = 0;  // or two instances would pass it to and fro for ever
   LockScope lock(&offsetLock);
   std::memcpy(relayRecordStore.bytes, record, relayRecordSize);

@@ -9,6 +9,7 @@
 #include "net/address.h"
 #include "net/change_scan.h"
 #include "net/net.h"
+#include "net/permissions.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "shell/log.h"
@@ -28,12 +29,14 @@ namespace {
 constexpr int backlog = 6;
 constexpr int fullPauseMs = 500;
 constexpr int acceptedPauseMs = 50;
+constexpr int noResourcesPauseMs = 500;
 constexpr int stopPauseMs = 100;
 constexpr uint32_t connectedOffset = 0x3520;  // tells that a client has connected
 constexpr uint16_t connectedMark = 0x8123;
 
 Thread serverThread;
 SocketWaker serverWaker;
+std::atomic<bool> shortOfResources;
 Socket listener;  // the simulator's thread until the accept thread runs, then that one's
 
 enum class Listening { First, Again };
@@ -51,7 +54,7 @@ int SetUpListener(Listening turn, int* error) {
   }
   const char* failure = nullptr;
   *error = 0;
-  if (serverIp == 0 || !BindSocket(&listener, {serverIp, requestPort})) {
+  if (serverIp == 0 || !BindSocket(&listener, {serverIp, requestPort}, PortClaim::Renewable)) {
     *error = serverIp == 0 ? 0 : SocketErrorNumber();
     failure = "TAVFARNET->Bind failed\n";
   } else {
@@ -71,6 +74,16 @@ int SetUpListener(Listening turn, int* error) {
   return 1;
 }
 
+// The process has run out of handles, perhaps only for now: a line when it begins, none while it lasts.
+void TellNoResources() {
+  if (shortOfResources) return;
+  shortOfResources = true;
+  LogOwn(
+      "TAVFARNET->The system has no handles or memory left for another client: close other programs and "
+      "plug-ins; "
+      "new clients are accepted as soon as there are some\n");
+}
+
 // The table is full: nobody can connect until a client has left. Returns 1 to go on accepting, 0 to end the
 // thread because nobody could connect any more.
 int WaitForFreeSlot(uint32_t count) {
@@ -88,28 +101,77 @@ int WaitForFreeSlot(uint32_t count) {
   return 1;
 }
 
-// A connection becomes a client, with the client list lock held. Clears serverRunning when the system has no
-// thread for it.
-void AdmitClient(Socket* connection, const SocketAddress& peer, const char* name) {
-  newClient = 1;
-  if (CountClients() == 0 && burstRunning.load() == 0) {
-    if (StartBursts()) {
-      LogNetwork("TAVFARNET->Client Creating burst thread OK\n");
-    } else {
-      LogNetwork("TAVFARNET->Creating burst thread failed\n");
+// Sets the mark of the burst thread when it is time to start one. The client list lock is held.
+bool TakeBurstMark() {
+  if (CountClients() != 0 || burstRunning.load() != 0) return false;
+  burstRunning = 1;
+  return true;
+}
+
+// Gives the peer a slot. Only this thread gives slots away, so that one that is found free stays free while the
+// thread of its previous client, which has nothing left to do, is joined without the lock. Returns the slot, or
+// -1 when the table is full; `startsBursts` tells whether a burst thread is due.
+int TakeSlot(const SocketAddress& peer, uint32_t* count, bool* startsBursts) {
+  int slot = -1;
+  {
+    LockScope lock(&clientListLock);
+    slot = FindFreeSlot();
+    if (slot < 0) {
+      PublishClientCount();
+      return -1;
     }
   }
-  const int slot = AddClient(peer, name);
+  JoinSession(static_cast<uint32_t>(slot));
+  for (;;) {
+    {
+      LockScope lock(&clientListLock);
+      // A burst thread that finds nobody clears its mark under this lock and ends: it is joined before another
+      // one.
+      if (burstRunning.load() != 0 || !BurstsNeedJoin()) {
+        *startsBursts = TakeBurstMark();
+        newClient = 1;
+        AddClient(static_cast<uint32_t>(slot), peer);
+        PublishClientCount();
+        *count = CountClients();
+        return slot;
+      }
+    }
+    JoinBursts();
+  }
+}
+
+void GiveUpSlot(int slot) {
+  LockScope lock(&clientListLock);
+  RemoveClient(static_cast<uint32_t>(slot));
   PublishClientCount();
+}
+
+// A connection becomes a client. Clears serverRunning when the system has no thread for it. Nothing here waits
+// with the client list lock held: bursts and other clients go on meanwhile.
+void AdmitClient(Socket* connection, const SocketAddress& peer) {
+  uint32_t count = 0;
+  bool startsBursts = false;
+  const int slot = TakeSlot(peer, &count, &startsBursts);
   if (slot < 0) {
     CloseSocket(connection);
     return;
   }
-  const uint32_t count = CountClients();
-  if (!StartSession(static_cast<uint32_t>(slot), connection)) {
-    LogNetwork("TAVFARNET->Creating thread no. %i failed\n", static_cast<int>(count));
-    serverRunning = 0;
-    return;
+  if (startsBursts) {
+    LogNetwork(StartBursts() ? "TAVFARNET->Client Creating burst thread OK\n"
+                             : "TAVFARNET->Creating burst thread failed\n");
+  }
+  switch (StartSession(static_cast<uint32_t>(slot), connection)) {
+    case SessionStart::NoThread:
+      GiveUpSlot(slot);
+      LogNetwork("TAVFARNET->Creating thread no. %i failed\n", static_cast<int>(count));
+      serverRunning = 0;
+      return;
+    case SessionStart::NoHandle:
+      GiveUpSlot(slot);
+      TellNoResources();
+      return;
+    case SessionStart::Done:
+      break;
   }
   LogNetwork("TAVFARNET->Client Creating thread No. %u to client %s OK\n", count, AddressText(peer.ip).c_str());
   {
@@ -117,31 +179,44 @@ void AdmitClient(Socket* connection, const SocketAddress& peer, const char* name
     Store<uint16_t>(connectedOffset, connectedMark);
     NoteMemoryChanged();
   }
-  SleepMilliseconds(acceptedPauseMs);
+  WaitWaker(&serverWaker, acceptedPauseMs);
 }
 
 // Accepts clients until the server stops. Returns 1, or 0 when nobody can be accepted any more though the
 // clients that are connected can be served on.
 int AcceptClients() {
+  bool announced = false;  // the line about waiting stands: connections that are refused do not repeat it
   while (serverRunning.load() != 0) {
     const uint32_t count = ConnectedClients();
     if (count >= maxClients) {
+      announced = false;
       if (!WaitForFreeSlot(count)) return 0;
       continue;
     }
-    LogNetwork("TAVFARNET->Waiting for clients.....%i\n", static_cast<int>(count));
+    if (!announced) LogNetwork("TAVFARNET->Waiting for clients.....%i\n", static_cast<int>(count));
+    announced = true;
     Socket connection;
     SocketAddress peer;
-    if (AcceptSocket(&listener, &serverWaker, &connection, &peer) <= 0) {
+    const int accepted = AcceptSocket(&listener, &serverWaker, &connection, &peer);
+    if (accepted == acceptNoResources) {
+      TellNoResources();
+      WaitWaker(&serverWaker, noResourcesPauseMs);
+      continue;
+    }
+    if (accepted <= 0) {
       LogNetwork("TAVFARNET->Client accept failed\n");
       serverRunning = 0;
       break;
     }
+    shortOfResources = false;
+    if (!IsClientAllowed(peer.ip)) {
+      CloseSocket(&connection);
+      LogRefusal(Refusal::Client, peer.ip);
+      continue;
+    }
     SetKeepAlive(&connection);
-    char name[peerNameSize];
-    if (!LookUpPeerName(peer, name, sizeof name)) std::snprintf(name, sizeof name, "unknown");
-    LockScope lock(&clientListLock);
-    AdmitClient(&connection, peer, name);
+    announced = false;
+    AdmitClient(&connection, peer);
   }
   return 1;
 }
@@ -243,6 +318,7 @@ int StartNetworkServer() {
   serverRunning = 1;
   clientThreadsRunning = 1;
   newClient = 0;
+  shortOfResources = false;
   if (CreateWaker(&serverWaker) && StartThread(&serverThread, ServerProcedure, nullptr)) return 1;
   serverRunning = 0;
   CloseWaker(&serverWaker);
@@ -266,6 +342,9 @@ void StopNetworkServer() {
   burstRunning = 0;
   SleepMilliseconds(stopPauseMs);
   JoinBursts();
+  EndPeerNames();
 }
+
+bool IsShortOfResources() { return shortOfResources.load(); }
 
 uint32_t ConnectedClients() { return publishedClientCount.load(); }

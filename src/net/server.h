@@ -24,16 +24,22 @@ extern std::atomic<uint32_t> newClient;  // a full burst is due; changed under t
 
 // A main-log line with the time stamp in front: "hh:mm:ss:mmm " and the text.
 void LogNetwork(const char* format, ...) TAVRIX_PRINTF(1, 2);
+// Whether the last connection could not be accepted for want of handles or memory. Any thread.
+bool IsShortOfResources();
 // A line of advice after a failed call on a port: what was tried, why it failed, what to do. Takes the system's
 // error number. Returns the text without the line end.
 std::string AdviseOnFailure(const char* transport, uint16_t port, int error);
 
 // --- sessions.cpp: one receive thread for each slot of the client table --------------------------------
-// Takes an accepted connection over into the slot's session and starts its thread. Accept thread, client list
-// lock held. Returns 1, or 0 when the system refuses (the connection is closed then).
-int StartSession(uint32_t slot, Socket* connection);
-// Ends all sessions: wakes and forgets every client under the client list lock, then joins the threads. Accept
-// thread, or the simulator's after that one was joined; no lock held.
+enum class SessionStart { Done, NoHandle, NoThread };
+// Joins the thread of the slot's previous client, which has freed the slot. Accept thread, no lock held.
+void JoinSession(uint32_t slot);
+// Takes an accepted connection over into the slot's session and starts its thread; the slot was joined and has
+// its client. Accept thread, no lock held. In case of failure the connection is closed and the slot still
+// taken.
+SessionStart StartSession(uint32_t slot, Socket* connection);
+// Ends all sessions: forgets every client, wakes and joins the threads. Accept thread, or the simulator's after
+// that one was joined; no lock held.
 void EndSessions();
 // Takes one received buffer apart into frames and serves them, until the first that is none. Any thread, no
 // lock held; the buffer's content is changed.
@@ -44,11 +50,22 @@ void ClearSubscriptions();
 int IsSubscribed(uint32_t offset);
 
 // --- bursts.cpp -------------------------------------------------------------------------------------------
-// Starts the burst thread with its mark set; a previous one, which has cleared the mark, is joined before.
-// Accept thread, client list lock held. Returns 1 or 0.
+// Starts the burst thread, whose mark is set and whose predecessor was joined. Accept thread, no lock held.
+// Returns 1, or 0 with the mark cleared.
 int StartBursts();
-// Waits for the burst thread's end. Simulator's thread, after burstRunning was cleared.
+// Whether a burst thread was started and not joined. As JoinBursts, with any lock held.
+bool BurstsNeedJoin();
+// Waits for the end of the burst thread, whose mark is cleared. Accept thread, and the simulator's after that
+// one was joined; no lock held.
 void JoinBursts();
+
+// --- peer_names.cpp ---------------------------------------------------------------------------------------
+// Takes the names that look-ups have found and begins those that are wanted; never waits. Burst thread, no lock
+// held.
+void FollowPeerNames();
+// Ends the look-ups; those that still run after half a second are left alone. Simulator's thread, when all
+// threads of the room have ended.
+void EndPeerNames();
 
 // --- announce.cpp -----------------------------------------------------------------------------------------
 // Opens the announcement socket. Simulator's thread. Returns 1 or 0 (closed again).

@@ -1,8 +1,10 @@
 // Sessions: the receive threads of connected clients and what they serve.
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 
 #include "net/frame.h"
+#include "net/permissions.h"
 #include "net/server.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
@@ -12,6 +14,7 @@ namespace {
 
 constexpr size_t receiveSize = 65535;
 constexpr int closedPauseMs = 10;
+constexpr int splitFrameMs = 50;
 
 // One for each slot of the client table. The thread owns the socket from its start to its end; the accept
 // thread fills the record before and joins the thread after.
@@ -20,6 +23,7 @@ struct Session {
   SocketWaker waker;
   Socket socket;
   uint16_t number;
+  uint32_t peerIp;
   uint8_t buffer[receiveSize];
   RequestScratch scratch;
 };
@@ -42,57 +46,85 @@ void MarkOffsets(const ReceivedFrame& frame) {
   }
 }
 
+// Serves what comes until the client leaves or the server stops. Where one receive ends says nothing about the
+// client's frames when it sends faster than we receive: the beginning of a frame is kept until its end has
+// come. When nothing more comes for a while, the client has sent it in pieces, and it is taken as it is.
+void ServeClient(Session* session) {
+  size_t kept = 0;
+  while (clientThreadsRunning.load() != 0) {
+    const int received = ReceiveSocket(&session->socket, &session->waker, kept == 0 ? -1 : splitFrameMs,
+                                       session->buffer + kept, receiveSize - kept);
+    if (received <= 0 && received != receiveTimedOut) return;
+    size_t size = kept + static_cast<size_t>(std::max(received, 0));
+    const size_t whole = received > 0 ? ServableSize(session->buffer, size, receiveSize) : size;
+    session->scratch.refusedWrites = 0;
+    ServeFrames(session->buffer, whole, &session->scratch);
+    if (session->scratch.refusedWrites != 0) LogRefusal(Refusal::Write, session->peerIp);
+    kept = size - whole;
+    std::memmove(session->buffer, session->buffer + whole, kept);
+  }
+}
+
 uint32_t SessionProcedure(void* argument) {
   auto* session = static_cast<Session*>(argument);
   LogNetwork("SocketI->Client No: = %02u\n", session->number);
-  int received = 1;
-  while (clientThreadsRunning.load() != 0 && received > 0) {
-    received = ReceiveSocket(&session->socket, &session->waker, -1, session->buffer, receiveSize);
-    if (received > 0) ServeFrames(session->buffer, static_cast<size_t>(received), &session->scratch);
+  ServeClient(session);
+  {
+    LockScope lock(&clientListLock);
+    RemoveClient(static_cast<uint32_t>(session - sessions));
   }
-  LockScope lock(&clientListLock);
-  RemoveClient(session->number);
+  // The slot may be given to the next client from here on, once this thread was joined.
   ShutdownReceive(&session->socket);
   CloseSocket(&session->socket);
   SleepMilliseconds(closedPauseMs);
+  LockScope lock(&clientListLock);
   PublishClientCount();
   return 0;
 }
 
-void JoinSession(Session* session) {
-  JoinThread(&session->thread);
-  CloseWaker(&session->waker);
-  CloseSocket(&session->socket);
-}
-
 }  // namespace
 
-int StartSession(uint32_t slot, Socket* connection) {
+void JoinSession(uint32_t slot) {
   Session& session = sessions[slot];
-  // The slot's previous thread freed the slot as the last thing it needed the lock for.
-  JoinSession(&session);
+  JoinThread(&session.thread);
+  CloseWaker(&session.waker);
+  CloseSocket(&session.socket);
+}
+
+SessionStart StartSession(uint32_t slot, Socket* connection) {
+  Session& session = sessions[slot];
   session.socket = *connection;
   *connection = {};
-  session.number = clientSlots[slot].number;
-  if (CreateWaker(&session.waker) && StartThread(&session.thread, SessionProcedure, &session)) return 1;
+  {
+    LockScope lock(&clientListLock);
+    session.number = clientSlots[slot].number;
+    session.peerIp = clientSlots[slot].peer.ip;
+  }
+  session.scratch.refusesWrites = !AreNetworkWritesAllowed();
+  SessionStart result = SessionStart::NoHandle;
+  if (CreateWaker(&session.waker)) {
+    if (StartThread(&session.thread, SessionProcedure, &session)) return SessionStart::Done;
+    result = SessionStart::NoThread;
+  }
   CloseSocket(&session.socket);
   CloseWaker(&session.waker);
-  return 0;
+  return result;
 }
 
 void EndSessions() {
+  bool connected[maxClients];
   {
     LockScope lock(&clientListLock);
-    for (uint32_t i = 0; i < maxClients; ++i) {
-      if (clientSlots[i].inUse == 0) continue;
-      clientSlots[i].inUse = 0;
-      WakeSocket(&sessions[i].waker);
-      SleepMilliseconds(closedPauseMs);
-    }
+    for (uint32_t i = 0; i < maxClients; ++i) connected[i] = clientSlots[i].inUse;
     ClearClients();
     PublishClientCount();
   }
-  for (Session& session : sessions) JoinSession(&session);
+  for (uint32_t i = 0; i < maxClients; ++i) {
+    if (!connected[i]) continue;
+    WakeSocket(&sessions[i].waker);
+    SleepMilliseconds(closedPauseMs);
+  }
+  for (uint32_t i = 0; i < maxClients; ++i) JoinSession(i);
 }
 
 void ServeFrames(uint8_t* buffer, size_t size, RequestScratch* scratch) {

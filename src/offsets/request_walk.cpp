@@ -90,6 +90,8 @@ int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request
     uint8_t* data = block + at + headerSize;
     if (type == recordRead) {
       ServeRead(record, data, source, request, scratch);
+    } else if (scratch->refusesWrites) {
+      ++scratch->refusedWrites;
     } else if (record.offset == offsetMemorySize || VariablesAccessMemBlock[record.offset] != accessReadOnly) {
       ServeWrite(record, data, source, request, scratch);
     }

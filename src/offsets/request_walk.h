@@ -19,6 +19,9 @@ constexpr uint32_t writeHeaderSize = 12;  // type, offset, size
 // Private memory of one server thread, for the bytes of one record.
 struct RequestScratch {
   uint8_t bytes[offsetMemorySize];
+  bool refusesWrites;      // its clients may only read: write records are passed over like those at read-only
+                           // offsets
+  uint32_t refusedWrites;  // so many were; whoever tells of them sets it back
 };
 
 // Counts a request message and returns its number. Any server thread, no lock held.

@@ -42,20 +42,28 @@ void WakeSocket(SocketWaker* waker);
 // Waits for the wake-up alone: 1 woken, 0 timed out.
 int WaitWaker(SocketWaker* waker, int timeoutMs);
 
-// Returns 1, or 0 and the record is without socket.
+// Returns 1, or 0 and the record is without socket. No socket of ours is handed on to programs that the
+// simulator or another plug-in starts.
 int OpenSocket(Socket* socket, Transport transport);
 // Nothing happens without socket.
 void CloseSocket(Socket* socket);
+
+// Whether a port is ours alone. Windows lets another program of the same user bind a port that is taken, unless
+// its owner forbids it; but a forbidden port stays closed to us, too, as long as a connection that was accepted
+// on it lives. A listener that is closed and made anew beside its own connections cannot have it.
+enum class PortClaim { Exclusive, Renewable };
 // Binds to an address of this computer (ip 0: all of them). A stream port whose old connections are still
 // closing can be bound. Returns 1 or 0.
-int BindSocket(Socket* socket, const SocketAddress& address);
+int BindSocket(Socket* socket, const SocketAddress& address, PortClaim claim = PortClaim::Exclusive);
 // Opens a datagram socket that receives what is sent to the address, broadcasts of its network included.
 // Returns 1, or 0 (no socket left) when the address is not this computer's or the port is taken.
 int OpenBroadcastReceiver(Socket* socket, const SocketAddress& address);
 // Returns 1 or 0.
 int ListenSocket(Socket* socket, int backlog);
-// Waits for a connection. Returns 1 with the accepted socket and its peer, 0 woken, -1 failed; connections
-// that are gone before they are accepted are passed over.
+constexpr int acceptFailed = -1;
+constexpr int acceptNoResources = -2;  // the process or the system has no handle or memory left for now
+// Waits for a connection. Returns 1 with the accepted socket and its peer, 0 woken, or one of the values above;
+// connections that are gone before they are accepted are passed over.
 int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketAddress* peer);
 
 constexpr int receiveFailed = -1;
@@ -65,14 +73,22 @@ constexpr int receiveTimedOut = -3;
 // datagram. Returns the number of bytes (0: the peer has closed the stream, or an empty datagram) or one of
 // the values above. timeoutMs < 0 waits without limit.
 int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size);
+// The same for a socket of OpenBroadcastReceiver: datagrams that were sent neither to `address` nor to a
+// broadcast address are passed over. `from` gets the sender.
+int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size,
+                     uint32_t address, SocketAddress* from);
 // Sends all of it, or as much as the connection takes without waiting. Returns 1 when all has gone, else 0.
 int SendStream(Socket* socket, const void* data, size_t size);
-// Sends one datagram, the rest again when the system took a part only. Returns 1, or 0 when a call failed.
+// Sends one datagram, the rest again when the system took a part only. Never waits: while the system's queue is
+// full (a link that stands still) the datagram is dropped, as the network would. Returns 1, or 0 when a call
+// failed.
 int SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddress& to);
 void ShutdownReceive(Socket* socket);
 void ShutdownSend(Socket* socket);
 
 // Options. Each returns 1 or 0.
+// Lets the system queue so many bytes of datagrams; it may grant less.
+int SetSendQueue(Socket* socket, int bytes);
 int AllowBroadcast(Socket* socket);
 // Multicast datagrams leave through the interface with this address and do not come back to this computer.
 int SetMulticastInterface(Socket* socket, uint32_t ip);

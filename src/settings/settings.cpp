@@ -31,6 +31,8 @@ enum class Kind {
   active,      // int: 1 for "Active"
   detents,     // int, taken from 2 to maxFlapDetents only
   flapDetent,  // FlapDetent
+  list,        // std::string
+  pageAccess,  // PageAccess
 };
 
 struct Row {
@@ -60,6 +62,9 @@ constexpr Row rows[] = {
     {general, "Tune value", "0", Kind::integer, &settings.tuneValue},
     {general, addressKey, "192.168.0.1", Kind::address, settings.serverAddress},
     {general, "TAVRIX2TAVRIX Client mode", "No", Kind::yesNo, &settings.clientMode},
+    {general, "Allowed clients", "", Kind::list, &settings.allowedClients},
+    {general, "Network writes", "Yes", Kind::yesNo, &settings.networkWrites},
+    {general, "Status page", "All", Kind::pageAccess, &settings.statusPage},
     {atc, "ATC Number", "LH 5363", Kind::text, settings.atcNumber},
     {atc, "ATC Tail Number", "D-ABIB", Kind::text, settings.atcTailNumber},
     {atc, "ATC Airline name", "Lufthansa", Kind::text, settings.atcAirlineName},
@@ -97,6 +102,20 @@ void CopyText(char* buffer, size_t size, std::string_view text) {
   buffer[length] = '\0';
 }
 
+// A word that is none of the three shows the page to nobody: the user wanted to restrict it.
+void TakePageAccess(const Row& row, std::string_view value) {
+  PageAccess access = PageAccess::Off;
+  if (value == "All") {
+    access = PageAccess::All;
+  } else if (value == "Local") {
+    access = PageAccess::Local;
+  } else if (value != "Off") {
+    LogOwn("TAVRIX->\"%s\" in TAVRIX.ini is All, Local or Off, not %s: it counts as Off\n", row.key,
+           EscapedForLog(value).c_str());
+  }
+  *static_cast<PageAccess*>(row.target) = access;
+}
+
 void Take(const Row& row, std::string_view value) {
   switch (row.kind) {
     case Kind::integer:
@@ -125,6 +144,12 @@ void Take(const Row& row, std::string_view value) {
       if (count >= 2 && count <= maxFlapDetents) *static_cast<int*>(row.target) = count;
       break;
     }
+    case Kind::list:
+      *static_cast<std::string*>(row.target) = value;
+      break;
+    case Kind::pageAccess:
+      TakePageAccess(row, value);
+      break;
     case Kind::flapDetent:
       *static_cast<FlapDetent*>(row.target) = ParseFlapDetent(value);
       break;

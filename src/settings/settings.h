@@ -26,10 +26,16 @@ struct FlapDetent {
   int count;  // numbers given, 0 for an empty value (values[0] is 0 then)
 };
 
+// Who may see the status page.
+enum class PageAccess { All, Local, Off };
+
 struct Settings {
   int tuneValue;
   char serverAddress[20];
   int clientMode;
+  std::string allowedClients;  // addresses and networks, "" everyone
+  int networkWrites;
+  PageAccess statusPage;
   char atcNumber[maxSettingValue + 1];
   char atcTailNumber[maxSettingValue + 1];
   char atcAirlineName[maxSettingValue + 1];

@@ -20,6 +20,7 @@
 #include "controls/buttons.h"
 #include "custom/custom.h"
 #include "net/net.h"
+#include "net/permissions.h"
 #include "net/relay.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
@@ -96,7 +97,9 @@ void StartThreads() {
   const int networkRuns = networkOpen != 0 && StartNetworkServer() != 0;
   const int trafficRuns = StartTrafficThread();
   if (!StartAircraftModelThread()) LogOwn("TAVRIX->Create aircraft model thread failed!\n");
-  if (!StartStatusPage(SystemFolder().c_str())) LogOwn("TAVRIX->Create HTTP thread failed!\n");
+  if (settings.statusPage != PageAccess::Off &&
+      !StartStatusPage(SystemFolder().c_str(), settings.statusPage == PageAccess::Local))
+    LogOwn("TAVRIX->Create HTTP thread failed!\n");
   LogLine(networkRuns ? "TAVFARNET->Create Socket thread OK!\n" : "TAVFARNET->Create Socket thread failed!\n");
   LogLine(trafficRuns ? "TAVRIX->Create ATC thread OK!\n" : "TAVRIX->Create ATC thread failed!\n");
 }
@@ -113,6 +116,13 @@ float DeferredStart(float, float, int, void*) {
   } catch (...) {
   }
   return 0;
+}
+
+// What the user's settings let others do, so that a refusal is no riddle.
+void LogPermissions() {
+  constexpr const char* pageWords[] = {"All", "Local", "Off"};
+  LogOwn("TAVRIX->Allowed clients: %s; network writes: %s; status page: %s\n", AllowedClientsText().c_str(),
+         settings.networkWrites != 0 ? "Yes" : "No", pageWords[static_cast<size_t>(settings.statusPage)]);
 }
 
 void EnableClientMode() {
@@ -177,6 +187,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   CopyIdentity(description, "A plugin that emulates morven.dll and FARNET.");
   readTrace = 0;
   writeTrace = 0;
+  threadsStarted = 0;  // a module that could not be unloaded starts once more with what it had
 
   const std::string systemFolder = SystemFolder();
   const std::string folder = PluginFolder(systemFolder);
@@ -229,12 +240,14 @@ int EnablePlugin() {
   }
   crashCountdown = 5;
   PrepareNetwork(settings.serverAddress);
+  PreparePermissions(settings.allowedClients, settings.networkWrites != 0);
   clientModeAtEnable = settings.clientMode;
   if (clientModeAtEnable != 0) {
     EnableClientMode();
   } else {
     EnableServerMode();
   }
+  LogPermissions();
   return 1;
 }
 

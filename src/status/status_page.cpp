@@ -9,6 +9,7 @@
 #include "platform/socket.h"
 #include "platform/thread.h"
 #include "shell/log.h"
+#include "shell/log_quiet.h"
 #include "shell/version.h"
 
 namespace {
@@ -17,11 +18,15 @@ constexpr int backlog = 5;
 constexpr size_t requestSize = 1000;
 constexpr int requestWaitMs = 1000;  // browsers hold spare connections open on which nothing ever comes
 constexpr int drainMs = 100;
+constexpr size_t largestLog = 1000000;
+constexpr uint32_t loopback = 0x7F000001;
 
 Thread pageThread;
 std::atomic<uint32_t> pageRunning;
 SocketWaker pageWaker;
-std::string logPath;  // written before the thread starts
+std::string logPath;  // written before the thread starts, as the next
+bool pageLocal;
+QuietTable loggedBrowsers;  // page thread
 
 StatusValues ReadStatusValues() {
   LockScope lock(&offsetLock);
@@ -47,18 +52,25 @@ uint16_t DataRate(uint16_t framePeriod) {
   return framePeriod == 0 ? uint16_t{0} : static_cast<uint16_t>(static_cast<uint32_t>(32768.0 / framePeriod));
 }
 
-void Write(FILE* log, const char* text) {
-  if (log == nullptr) return;
-  std::fputs(text, log);
-  std::fflush(log);
+// The page's own log. Page thread.
+struct PageLog {
+  FILE* file;  // null: there is none
+  size_t size;
+};
+
+void Write(PageLog* log, const std::string& text) {
+  if (log->file == nullptr) return;
+  if (log->size + text.size() > largestLog) {
+    std::fclose(log->file);
+    *log = {std::fopen(logPath.c_str(), "wb"), 0};
+    if (log->file == nullptr) return;
+  }
+  log->size += std::fwrite(text.data(), 1, text.size(), log->file);
+  std::fflush(log->file);
 }
 
-void LogRequest(FILE* log, const char* request) {
-  if (log == nullptr) return;
-  std::fputs("http command=", log);
-  std::fputs(request, log);
-  std::fputc('\n', log);
-  std::fflush(log);
+void LogRequest(PageLog* log, const SocketAddress& peer, const char* request) {
+  if (TakeLogTurn(&loggedBrowsers, peer.ip)) Write(log, "http command=" + EscapedForLog(request) + "\n");
 }
 
 // Sends the end of the answer and takes what the browser still sends: closing with unread bytes would take
@@ -72,41 +84,42 @@ void FinishAnswer(Socket* connection) {
   }
 }
 
-void Answer(FILE* log, Socket* connection) {
+void Answer(PageLog* log, Socket* connection, const SocketAddress& peer) {
   char request[requestSize + 1];
   const int size = ReceiveSocket(connection, &pageWaker, requestWaitMs, request, requestSize);
   if (size == receiveWoken) return;
   request[size > 0 ? size : 0] = '\0';
-  LogRequest(log, request);
+  LogRequest(log, peer, request);
   for (const std::string& piece : StatusPagePieces(ReadStatusValues())) {
     SendStream(connection, piece.data(), piece.size());
   }
   FinishAnswer(connection);
 }
 
-void AnswerBrowsers(FILE* log, Socket* listener) {
+void AnswerBrowsers(PageLog* log, Socket* listener) {
   while (pageRunning.load() != 0) {
     Socket connection;
     SocketAddress peer;
     const int accepted = AcceptSocket(listener, &pageWaker, &connection, &peer);
     if (accepted < 0) WaitWaker(&pageWaker, requestWaitMs);  // out of handles, perhaps only for now
     if (accepted <= 0) continue;
-    if (pageRunning.load() != 0) Answer(log, &connection);
+    if (pageRunning.load() != 0) Answer(log, &connection, peer);
     CloseSocket(&connection);
   }
 }
 
 uint32_t PageProcedure(void*) {
-  FILE* log = std::fopen(logPath.c_str(), "wb");
-  Write(log, "http log\n");
+  PageLog log = {std::fopen(logPath.c_str(), "wb"), 0};
+  loggedBrowsers = {};
+  Write(&log, "http log\n");
   Socket listener;
   if (!OpenSocket(&listener, Transport::Stream)) {
-    Write(log, "error socket\n");
-    if (log != nullptr) std::fclose(log);
+    Write(&log, "error socket\n");
+    if (log.file != nullptr) std::fclose(log.file);
     return 0;
   }
-  if (BindSocket(&listener, {0, statusPort}) && ListenSocket(&listener, backlog)) {
-    AnswerBrowsers(log, &listener);
+  if (BindSocket(&listener, {pageLocal ? loopback : 0, statusPort}) && ListenSocket(&listener, backlog)) {
+    AnswerBrowsers(&log, &listener);
   } else {
     const std::string reason = SocketErrorText(SocketErrorNumber());
     LogLine("error bind\n");
@@ -117,15 +130,16 @@ uint32_t PageProcedure(void*) {
         statusPort, reason.c_str());
     WaitWaker(&pageWaker, -1);
   }
-  Write(log, "Closing http thread\n");
-  if (log != nullptr) std::fclose(log);
+  Write(&log, "Closing http thread\n");
+  if (log.file != nullptr) std::fclose(log.file);
   CloseSocket(&listener);
   return 0;
 }
 
 }  // namespace
 
-int StartStatusPage(const char* systemFolder) {
+int StartStatusPage(const char* systemFolder, bool localOnly) {
+  pageLocal = localOnly;
   logPath = std::string(systemFolder) + "httpLog.txt";
   pageRunning = 1;
   if (CreateWaker(&pageWaker) && StartThread(&pageThread, PageProcedure, nullptr)) return 1;

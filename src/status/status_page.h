@@ -2,7 +2,8 @@
 // browser, one connection at a time, and asks it to reload the page every second.
 //
 // Start and Stop are for the simulator's thread. Everything else runs on the page's own thread, which owns
-// its sockets and its log "httpLog.txt" in the simulator's folder.
+// its sockets and its log "httpLog.txt" in the simulator's folder. The page reloads itself every second: a
+// browser is logged once a minute, and the log begins anew before it reaches 1 MiB.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -20,9 +21,9 @@ struct StatusValues {
   uint32_t heading = 0;         // degrees x 2^32 / 360
 };
 
-// Starts the thread. `systemFolder` is the simulator's folder as it reports it. Returns 1, or 0 when the
-// system refuses.
-int StartStatusPage(const char* systemFolder);
+// Starts the thread. `systemFolder` is the simulator's folder as it reports it; `localOnly` shows the page to
+// browsers on this computer alone (http://127.0.0.1:4321). Returns 1, or 0 when the system refuses.
+int StartStatusPage(const char* systemFolder, bool localOnly = false);
 // 1 from a successful start until StopStatusPage has returned.
 int StatusPageRuns();
 // Ends the thread, whatever it waits for, and joins it. Nothing happens when it was not started.

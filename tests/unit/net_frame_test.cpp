@@ -239,4 +239,35 @@ TEST_F(NetFrame, TheScanReportsEdgesAndForgetsWhatChangedBack) {
   }
 }
 
+// Where a receive ends says nothing about the client's frames.
+TEST(Frames, OnlyWholeOnesAndWhatIsNoneAreServed) {
+  const Bytes small = net::Request({WriteRecord(0x66C0, {1})});  // 27 bytes
+  const Bytes list = Frame(86, 0xABCD, {1, 2, 3, 4}, 0xABCD);
+  const Bytes huge = {18, 0, 0xFF, 0xFF, 0, 0, 1, 2, 3};
+  const Bytes largest = Frame(18, 0, Bytes(65525), 0xAFFE);
+  const Bytes noFrame = {7, 0, 4, 0, 0, 0, 1};
+  const auto start = [](const Bytes& frame, size_t size) {
+    return Bytes(frame.begin(), frame.begin() + static_cast<ptrdiff_t>(size));
+  };
+  const struct {
+    const char* what;
+    Bytes bytes;
+    size_t served;
+  } cases[] = {
+      {"nothing", {}, 0},
+      {"two whole ones", Join({small, list}), small.size() + list.size()},
+      {"the second without its last byte", Join({small, start(small, small.size() - 1)}), small.size()},
+      {"a single byte", start(small, 1), 0},
+      {"a header up to its length", Join({small, start(list, 3)}), small.size()},
+      {"a header that is no frame's", Join({small, noFrame}), small.size() + noFrame.size()},
+      {"a wrong end is a frame all the same", Join({Frame(18, 0, {1}, 7), start(small, 9)}), 11},
+      {"longer than can ever be received", Join({small, huge}), small.size() + huge.size()},
+      {"the longest that can", largest, largest.size()},
+      {"the longest without its last byte", start(largest, largest.size() - 1), 0},
+  };
+  for (const auto& test : cases) {
+    EXPECT_EQ(ServableSize(test.bytes.data(), test.bytes.size(), 65535), test.served) << test.what;
+  }
+}
+
 }  // namespace

@@ -4,9 +4,12 @@
 #include <winsock2.h>
 #else
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <sys/socket.h>
 #endif
 
+#include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 
@@ -80,19 +83,56 @@ int Connect(Client* client, uint16_t port) {
   EXPECT_TRUE(OpenSocket(&client->tcp, Transport::Stream) && BindSocket(&client->tcp, {loopback, 0}));
   EXPECT_TRUE(OpenSocket(&client->udp, Transport::Datagram));
   EXPECT_TRUE(BindSocket(&client->udp, {loopback, LocalPort(client->tcp)}));
-  sockaddr_in server{};
-  server.sin_family = AF_INET;
-  server.sin_port = htons(port);
-  server.sin_addr.s_addr = htonl(loopback);
-  if (connect(System(client->tcp), reinterpret_cast<sockaddr*>(&server), sizeof server) == 0) return 1;
+  if (ConnectTo(client, {loopback, port})) return 1;
   Disconnect(client);
   return 0;
+}
+
+int ConnectTo(Client* client, const SocketAddress& server) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(server.port);
+  address.sin_addr.s_addr = htonl(server.ip);
+  return connect(System(client->tcp), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 ? 1 : 0;
+}
+
+void BeginConnect(Client* client, const SocketAddress& server) {
+#ifdef _WIN32
+  u_long on = 1;
+  ioctlsocket(System(client->tcp), static_cast<long>(FIONBIO), &on);
+#else
+  fcntl(System(client->tcp), F_SETFL, fcntl(System(client->tcp), F_GETFL, 0) | O_NONBLOCK);
+#endif
+  ConnectTo(client, server);
 }
 
 void Disconnect(Client* client) {
   CloseSocket(&client->tcp);
   CloseSocket(&client->udp);
   CloseWaker(&client->waker);
+}
+
+int SendAll(Client* client, const Bytes& data) {
+  for (size_t at = 0; at < data.size();) {
+    const auto* from = reinterpret_cast<const char*>(data.data() + at);
+    const auto sent =
+        ::send(System(client->tcp), from, static_cast<int>(std::min<size_t>(data.size() - at, 1 << 20)),
+#ifdef _WIN32
+               0);
+    const bool full = sent < 0 && WSAGetLastError() == WSAEWOULDBLOCK;
+#else
+               MSG_NOSIGNAL);
+    const bool full = sent < 0 && errno == EAGAIN;
+#endif
+    if (full) {
+      SleepMilliseconds(1);
+    } else if (sent <= 0) {
+      return 0;
+    } else {
+      at += static_cast<size_t>(sent);
+    }
+  }
+  return 1;
 }
 
 Bytes Receive(Client* client, int timeoutMs) {

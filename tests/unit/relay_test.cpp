@@ -7,6 +7,7 @@
 
 #include "core/sim.h"
 #include "net/net.h"
+#include "net/permissions.h"
 #include "net_harness.h"
 #include "offsets/locks.h"
 #include "platform/clock.h"
@@ -195,6 +196,52 @@ TEST_F(RelayThread, AReceiverWithoutSocketWaitsForStop) {
   PrepareNetwork("192.0.2.77");
   EXPECT_FALSE(OpenRelay(RelayRole::Receiver));
   EXPECT_TRUE(LogHas("address 192.0.2.77, UDP port 54945: this computer does not have it"));
+}
+
+// The receiver of client mode hears what was sent to the configured address or to its network, nothing that
+// went to another address of this computer; and nobody whom the user's settings keep out.
+TEST_F(RelayThread, TheReceiverTakesWhatIsMeantForItFromWhomItMay) {
+  constexpr uint32_t other = 0x7F000002, network = 0x7F0000FF;
+  const struct {
+    const char* what;
+    uint32_t to;
+    const char* allowedClients;
+    bool writes;
+    bool taken;
+  } cases[] = {{"the address", net::loopback, "", true, true},
+               {"another address of this computer", other, "", true, false},
+               {"its network", network, "", true, true},
+               {"sender not allowed", net::loopback, "10.0.0.0/8", true, false},
+               {"sender allowed", net::loopback, "127.0.0.0/8", true, true},
+               {"no writes", net::loopback, "", false, false}};
+  Socket sender;
+  ASSERT_TRUE(OpenSocket(&sender, Transport::Datagram) && BindSocket(&sender, {net::loopback, 0}));
+  int32_t mark = 0;
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.what);
+    PreparePermissions("", true);
+    ASSERT_TRUE(OpenRelay(RelayRole::Receiver));
+    ASSERT_TRUE(StartRelayThread());
+    PreparePermissions(test.allowedClients, test.writes);
+    // The datagram behind it, which is taken in any case, tells when the one before was passed over.
+    const Bytes tried = RelayFrame(Record("net/value", 0, 0, ++mark, 0, 0));
+    EXPECT_TRUE(SendDatagram(&sender, tried.data(), tried.size(), {test.to, relayPort}));
+    if (test.taken) {
+      EXPECT_TRUE(net::WaitUntil([&] { return Waiting() == Record("net/value", 0, 0, mark, 0, 0); }));
+    } else if (test.to == other) {
+      const Bytes next = RelayFrame(Record("net/value", 0, 0, -1, 0, 0));
+      EXPECT_TRUE(SendDatagram(&sender, next.data(), next.size(), {net::loopback, relayPort}));
+      EXPECT_TRUE(net::WaitUntil([&] { return Waiting() == Record("net/value", 0, 0, -1, 0, 0); }));
+    } else {
+      EXPECT_TRUE(net::WaitUntil([&] { return LogHas("TAVFARNET->Refused "); })) << Log();
+    }
+    StopRelayThread();
+    CloseRelay();
+    EXPECT_EQ(Waiting().empty(), !test.taken && test.to != other);
+    relayRecordStore.waiting = 0;
+  }
+  CloseSocket(&sender);
+  PreparePermissions("", true);
 }
 
 }  // namespace

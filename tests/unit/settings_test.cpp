@@ -142,6 +142,7 @@ TEST_F(SettingsFile, MissingFileIsCreatedWithEveryDefaultInOrder) {
   const std::string expected =
       "TAVRIX Version 2.0.5.25 ini file\n\n"
       "[TAVRIX SETTINGS]\nTune value = 0\nServer Address = 192.168.0.1\nTAVRIX2TAVRIX Client mode = No\n"
+      "Allowed clients = \nNetwork writes = Yes\nStatus page = All\n"
       "[TAVRIX ATC SETTINGS]\nATC Number = LH 5363\nATC Tail Number = D-ABIB\nATC Airline name = Lufthansa\n"
       "ATC Aircraft type = Boeing 737-800\n"
       "[TAVRIX AXIS SETTINGS]\nInvert Elevator Axis = No\nInvert Aileron Axis = No\nInvert Rudder Axis = No\n"
@@ -180,12 +181,35 @@ TEST_F(SettingsFile, UserValuesAreReadAndMissingKeysCompleted) {
   const std::string text = Read(path);
   EXPECT_TRUE(
       text.starts_with("[TAVRIX SETTINGS]\r\nTune value=5x\r\nTAVRIX2TAVRIX Client mode = YES\r\n\r\nmine\r\n"
-                       "Server Address = 192.168.0.1\r\n[TAVRIX ATC SETTINGS]\nATC Number =\n"))
+                       "Server Address = 192.168.0.1\r\nAllowed clients = \r\nNetwork writes = Yes\r\n"
+                       "Status page = All\r\n[TAVRIX ATC SETTINGS]\nATC Number =\n"))
       << text;
   EXPECT_NE(text.find("\n[PUSHBACK SETTINGS]\nMaxSpeed = -1.5\n[OTHER SETTINGS]\nToe"), std::string::npos)
       << text;
   EXPECT_EQ(ReadAllSettings(), 1);
   EXPECT_EQ(Read(path), text) << "nothing to complete any more";
+}
+
+TEST_F(SettingsFile, WhatOthersMayDoDefaultsToEverythingAndFailsClosed) {
+  const struct {
+    const char* lines;
+    const char* allowed;
+    int writes;
+    PageAccess page;
+  } cases[] = {
+      {"", "", 1, PageAccess::All},
+      {"Allowed clients = 10.0.0.1, 192.168.0.0/24\nNetwork writes = No\nStatus page = Local\n",
+       "10.0.0.1, 192.168.0.0/24", 0, PageAccess::Local},
+      {"Network writes = perhaps\nStatus page = Off\n", "", 0, PageAccess::Off},
+      {"Status page = nobody\n", "", 1, PageAccess::Off},
+  };
+  for (const auto& test : cases) {
+    Put(std::string("[TAVRIX SETTINGS]\n") + test.lines);
+    EXPECT_EQ(ReadAllSettings(), 1);
+    EXPECT_EQ(settings.allowedClients, test.allowed) << test.lines;
+    EXPECT_EQ(settings.networkWrites, test.writes) << test.lines;
+    EXPECT_EQ(settings.statusPage, test.page) << test.lines;
+  }
 }
 
 TEST_F(SettingsFile, MisspelledAddressOutlivesTheSecondStart) {

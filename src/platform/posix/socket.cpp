@@ -52,6 +52,21 @@ int WaitReadable(int fd, const SocketWaker* waker, int timeoutMs) {
   }
 }
 
+// Whether a datagram was sent to the address or to a broadcast address: the system answers for the latter with
+// another address of its own than the one the datagram was sent to. Multicast is neither.
+bool IsMeantForUs(const msghdr& message, uint32_t address) {
+  for (const cmsghdr* part = CMSG_FIRSTHDR(&message); part != nullptr;
+       part = CMSG_NXTHDR(const_cast<msghdr*>(&message), const_cast<cmsghdr*>(part))) {
+    if (part->cmsg_level != IPPROTO_IP || part->cmsg_type != IP_PKTINFO) continue;
+    in_pktinfo info;
+    std::memcpy(&info, CMSG_DATA(part), sizeof info);
+    const uint32_t sentTo = ntohl(info.ipi_addr.s_addr);
+    return sentTo == address || sentTo == (address | 0xFF) ||
+           (info.ipi_addr.s_addr != info.ipi_spec_dst.s_addr && !IN_MULTICAST(sentTo));
+  }
+  return false;
+}
+
 }  // namespace
 
 int OpenSocketLibrary() { return 1; }
@@ -86,7 +101,7 @@ void CloseSocket(Socket* socket) {
   socket->handle = -1;
 }
 
-int BindSocket(Socket* socket, const SocketAddress& address) {
+int BindSocket(Socket* socket, const SocketAddress& address, PortClaim) {
   int type = 0;
   socklen_t length = sizeof type;
   getsockopt(Fd(socket), SOL_SOCKET, SO_TYPE, &type, &length);
@@ -102,7 +117,8 @@ int OpenBroadcastReceiver(Socket* socket, const SocketAddress& address) {
   for (const uint32_t ip : {address.ip, 0U}) {
     CloseSocket(socket);
     if (!OpenSocket(socket, Transport::Datagram)) return 0;
-    if (BindSocket(socket, {ip, address.port})) continue;
+    // Each datagram tells where it was sent to.
+    if (SetInt(socket, IPPROTO_IP, IP_PKTINFO, 1) && BindSocket(socket, {ip, address.port})) continue;
     const int error = errno;
     CloseSocket(socket);
     errno = error;
@@ -142,8 +158,13 @@ int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketA
       case EHOSTUNREACH:
       case ENOPROTOOPT:
         break;
+      case EMFILE:
+      case ENFILE:
+      case ENOBUFS:
+      case ENOMEM:
+        return acceptNoResources;
       default:
-        return -1;
+        return acceptFailed;
     }
   }
 }
@@ -156,6 +177,32 @@ int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffe
     const ssize_t got = recv(Fd(socket), buffer, std::min(size, largestReceive), MSG_DONTWAIT);
     if (got >= 0) return static_cast<int>(got);
     if (errno != EAGAIN && errno != EINTR) return receiveFailed;
+  }
+}
+
+int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size,
+                     uint32_t address, SocketAddress* from) {
+  const int64_t deadline = Milliseconds() + timeoutMs;
+  for (;;) {
+    const int left = timeoutMs < 0 ? -1 : static_cast<int>(std::max<int64_t>(deadline - Milliseconds(), 0));
+    const int ready = WaitReadable(Fd(socket), waker, left);
+    if (ready == 0) return receiveWoken;
+    if (ready < 0) return ready;
+    sockaddr_in sender{};
+    iovec place = {buffer, std::min(size, largestReceive)};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(in_pktinfo))];
+    msghdr message{};
+    message.msg_name = &sender;
+    message.msg_namelen = sizeof sender;
+    message.msg_iov = &place;
+    message.msg_iovlen = 1;
+    message.msg_control = control;
+    message.msg_controllen = sizeof control;
+    const ssize_t got = recvmsg(Fd(socket), &message, MSG_DONTWAIT);
+    if (got < 0 && errno != EAGAIN && errno != EINTR) return receiveFailed;
+    if (got < 0 || !IsMeantForUs(message, address)) continue;
+    *from = {ntohl(sender.sin_addr.s_addr), ntohs(sender.sin_port)};
+    return static_cast<int>(got);
   }
 }
 
@@ -176,7 +223,7 @@ int SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddr
   const sockaddr_in target = SystemAddress(to);
   while (size > 0) {
     const ssize_t sent =
-        sendto(Fd(socket), at, size, 0, reinterpret_cast<const sockaddr*>(&target), sizeof target);
+        sendto(Fd(socket), at, size, MSG_DONTWAIT, reinterpret_cast<const sockaddr*>(&target), sizeof target);
     if (sent < 0 && errno == EINTR) continue;
     if (sent <= 0) return 0;
     at += sent;
@@ -187,6 +234,8 @@ int SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddr
 
 void ShutdownReceive(Socket* socket) { shutdown(Fd(socket), SHUT_RD); }
 void ShutdownSend(Socket* socket) { shutdown(Fd(socket), SHUT_WR); }
+
+int SetSendQueue(Socket* socket, int bytes) { return SetInt(socket, SOL_SOCKET, SO_SNDBUF, bytes); }
 
 int AllowBroadcast(Socket* socket) { return SetInt(socket, SOL_SOCKET, SO_BROADCAST, 1); }
 

@@ -61,6 +61,12 @@ int WaitNetwork(Socket* socket, const SocketWaker* waker, int64_t deadline) {
   return WSAEnumNetworkEvents(Handle(socket), socket->event, &events) == 0 ? 1 : -1;
 }
 
+// Sockets are handles that programs started by this process would get as well. Some layered providers do not
+// have real handles: then there is nothing to hand on.
+void KeepFromChildren(SOCKET socket) {
+  SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
+}
+
 int IsWoken(const SocketWaker* waker) {
   return WaitForSingleObject(reinterpret_cast<HANDLE>(waker->handle), 0) == WAIT_OBJECT_0 ? 1 : 0;
 }
@@ -100,7 +106,11 @@ int OpenSocket(Socket* socket, Transport transport) {
   const int type = transport == Transport::Stream ? SOCK_STREAM : SOCK_DGRAM;
   socket->event = nullptr;
   socket->handle = static_cast<intptr_t>(::socket(AF_INET, type, 0));
-  return socket->handle != -1 ? 1 : 0;
+  if (socket->handle == -1) return 0;
+  KeepFromChildren(Handle(socket));
+  u_long on = 1;
+  if (transport == Transport::Datagram) ioctlsocket(Handle(socket), static_cast<long>(FIONBIO), &on);
+  return 1;
 }
 
 void CloseSocket(Socket* socket) {
@@ -109,7 +119,8 @@ void CloseSocket(Socket* socket) {
   *socket = {};
 }
 
-int BindSocket(Socket* socket, const SocketAddress& address) {
+int BindSocket(Socket* socket, const SocketAddress& address, PortClaim claim) {
+  if (claim == PortClaim::Exclusive) SetInt(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, 1);
   const sockaddr_in target = SystemAddress(address);
   return bind(Handle(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0 ? 1 : 0;
 }
@@ -142,11 +153,12 @@ int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketA
     if (handle != INVALID_SOCKET) {
       accepted->handle = static_cast<intptr_t>(handle);
       accepted->event = nullptr;
+      KeepFromChildren(handle);
       *peer = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};
       // It has inherited the listener's event: an event of its own takes that one's place.
       if (HasEvent(accepted, FD_READ | FD_CLOSE)) return 1;
       CloseSocket(accepted);
-      return -1;
+      return acceptNoResources;
     }
     switch (WSAGetLastError()) {
       case WSAEWOULDBLOCK: {
@@ -158,26 +170,48 @@ int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketA
       case WSAECONNRESET:
       case WSAECONNABORTED:
         break;
+      case WSAEMFILE:
+      case WSAENOBUFS:
+      case WSA_NOT_ENOUGH_MEMORY:
+        return acceptNoResources;
       default:
-        return -1;
+        return acceptFailed;
     }
   }
 }
 
-int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size) {
+static int ReceiveFrom(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size,
+                       SocketAddress* from) {
   const int64_t deadline = timeoutMs < 0 ? -1 : Milliseconds() + timeoutMs;
   if (!HasEvent(socket, FD_READ | FD_CLOSE)) return receiveFailed;
   const int room = static_cast<int>(std::min(size, largestReceive));
   for (;;) {
     if (IsWoken(waker)) return receiveWoken;
-    const int got = recv(Handle(socket), static_cast<char*>(buffer), room, 0);
-    if (got >= 0) return got;
+    sockaddr_in sender{};
+    int length = sizeof sender;
+    const int got = from == nullptr ? recv(Handle(socket), static_cast<char*>(buffer), room, 0)
+                                    : recvfrom(Handle(socket), static_cast<char*>(buffer), room, 0,
+                                               reinterpret_cast<sockaddr*>(&sender), &length);
+    if (got >= 0) {
+      if (from != nullptr) *from = {ntohl(sender.sin_addr.s_addr), ntohs(sender.sin_port)};
+      return got;
+    }
     const int error = WSAGetLastError();
     if (error != WSAEWOULDBLOCK && error != WSAEINTR) return receiveFailed;
     const int waited = WaitNetwork(socket, waker, deadline);
     if (waited == 0) return receiveWoken;
     if (waited < 0) return waited;
   }
+}
+
+int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size) {
+  return ReceiveFrom(socket, waker, timeoutMs, buffer, size, nullptr);
+}
+
+// The system itself delivers only what was sent to the bound address or as a broadcast.
+int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size, uint32_t,
+                     SocketAddress* from) {
+  return ReceiveFrom(socket, waker, timeoutMs, buffer, size, from);
 }
 
 int SendStream(Socket* socket, const void* data, size_t size) {
@@ -206,6 +240,10 @@ int SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddr
 
 void ShutdownReceive(Socket* socket) { shutdown(Handle(socket), SD_RECEIVE); }
 void ShutdownSend(Socket* socket) { shutdown(Handle(socket), SD_SEND); }
+
+int SetSendQueue(Socket* socket, int bytes) {
+  return SetInt(socket, SOL_SOCKET, SO_SNDBUF, static_cast<DWORD>(bytes));
+}
 
 int AllowBroadcast(Socket* socket) { return SetInt(socket, SOL_SOCKET, SO_BROADCAST, 1); }
 
