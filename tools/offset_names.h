@@ -1,6 +1,7 @@
 // One named offset as the client tool knows it: the record of tools/offsetctl/offset_table.inc, which the
 // reference generator writes from the plug-in's catalogue.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -36,10 +37,18 @@ struct OffsetRange {
   uint32_t first, last;
 };
 
-// What the tool knows about offsets: rows in the order of the catalogue, and everything read-only.
+// A heading of the reference page and how many rows stand under it.
+struct OffsetSubject {
+  const char* name;
+  size_t rows;
+};
+
+// What the tool knows about offsets: rows in the order of the catalogue, and everything read-only. The subjects
+// follow each other as the rows do; there may be none.
 struct NameTable {
   std::span<const OffsetName> rows;
   std::span<const OffsetRange> readOnly;
+  std::span<const OffsetSubject> subjects = {};
 };
 
 }  // namespace ctl

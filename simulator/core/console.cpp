@@ -76,6 +76,17 @@ std::string Calls(const Line&) { return Ok(TakeCalls()); }
 std::string Writes(const Line&) { return Ok(TakeWrites()); }
 std::string Loops(const Line&) { return Ok(DescribeLoops()); }
 
+std::string Perf(const Line&) { return Ok(TakePerf()); }
+
+std::string Stall(const Line& line) {
+  double seconds = 0;
+  if (!ParseDouble(line.words[1], &seconds) || !(seconds >= 0 && seconds <= 3600)) {
+    return Error("not 0 to 3600 seconds: " + line.words[1]);
+  }
+  StallNextFrame(seconds);
+  return "ok";
+}
+
 std::string Planes(const Line& line) {
   int64_t count = 0;
   if (!Count(line.words[1], 1, 128, &count)) return Error("the number of planes is 1 to 128");
@@ -190,31 +201,46 @@ const struct {
   const char* usage;   // what follows the name
   size_t least, most;  // words, the name included
   std::string (*run)(const Line&);
+  const char* about;
 } kCommands[] = {
-    {"get", "NAME", 2, 2, Get},
-    {"set", "NAME VALUE...", 3, kAny, Set},
-    {"define", "NAME TYPE [VALUE]", 3, kAny, Define},
-    {"undefine", "NAME", 2, 2, Undefine},
-    {"command", "NAME", 2, 2, MakeCommand},
-    {"frames", "N", 2, 2, Frames},
-    {"calls", "", 1, 1, Calls},
-    {"writes", "", 1, 1, Writes},
-    {"planes", "N", 2, 2, Planes},
-    {"message", "ID PARAM [from SIGNATURE]", 3, 5, Message},
-    {"plugin", "SIGNATURE on|off", 3, 3, Pretend},
-    {"aircraft", "NAME", 2, 2, Aircraft},
-    {"navaid", "TYPE ID FREQ LAT LON HEIGHT HEADING \"NAME\"", 2, 9, Navaid},
-    {"world", "X Y Z", 4, 4, Convert},
-    {"local", "LAT LON ALT", 4, 4, Convert},
-    {"enable", "", 1, 1, EnableAll},
-    {"disable", "", 1, 1, DisableAll},
-    {"reload", "", 1, 1, Reload},
-    {"menu", "[\"ITEM\"]", 1, kAny, MenuItem},
-    {"loops", "", 1, 1, Loops},
-    {"quit", "", 1, 1, Quit},
+    {"get", "NAME", 2, 2, Get, "value of a dataref, of one element as NAME[I]"},
+    {"set", "NAME VALUE...", 3, kAny, Set, "sets it as the simulator would; text in double quotes"},
+    {"define", "NAME TYPE [VALUE]", 3, kAny, Define,
+     "publishes one: int, float, double, int[N], float[N], byte[N]"},
+    {"undefine", "NAME", 2, 2, Undefine, "withdraws a dataref"},
+    {"command", "NAME", 2, 2, MakeCommand, "creates a command"},
+    {"frames", "N", 2, 2, Frames, "runs N frames, then answers"},
+    {"calls", "", 1, 1, Calls, "commands, keys and the like that plug-ins fired since the last calls"},
+    {"writes", "", 1, 1, Writes, "datarefs that plug-ins set since the last writes"},
+    {"planes", "N", 2, 2, Planes, "number of active aircraft"},
+    {"message", "ID PARAM [from SIGNATURE]", 3, 5, Message, "sends a message to the plug-ins"},
+    {"plugin", "SIGNATURE on|off", 3, 3, Pretend, "pretends that such a plug-in is loaded"},
+    {"aircraft", "NAME", 2, 2, Aircraft, "changes the user's aircraft"},
+    {"navaid", "TYPE ID FREQ LAT LON HEIGHT HEADING \"NAME\"", 2, 9, Navaid,
+     "adds one; navaid clear removes all"},
+    {"world", "X Y Z", 4, 4, Convert, "LAT LON ALT of a local point"},
+    {"local", "LAT LON ALT", 4, 4, Convert, "X Y Z of a place"},
+    {"enable", "", 1, 1, EnableAll, "enables the plug-ins"},
+    {"disable", "", 1, 1, DisableAll, "disables them"},
+    {"reload", "", 1, 1, Reload, "stops, unloads, loads and starts them"},
+    {"menu", "[\"ITEM\"]", 1, kAny, MenuItem, "all menu items, or chooses one"},
+    {"loops", "", 1, 1, Loops, "registered flight loops"},
+    {"perf", "", 1, 1, Perf, "what plug-ins cost since the last perf: time in flight loops, simulator calls"},
+    {"stall", "SECONDS", 2, 2, Stall, "the next frame takes so long"},
+    {"quit", "", 1, 1, Quit, "stops the plug-ins and ends"},
 };
 
-const char* const kWidgetCommands[] = {"widgets", "press", "type", "close", "picture"};
+const struct {
+  const char* name;
+  const char* usage;
+  const char* about;
+} kWidgetCommands[] = {
+    {"widgets", "", "plug-ins' windows and what is in them"},
+    {"press", "[\"WINDOW\"] \"LABEL\"", "presses a button or box"},
+    {"type", "[\"WINDOW\"] \"LABEL\" \"TEXT\"", "replaces the text of the field beside a label"},
+    {"close", "\"WINDOW\"", "uses the close box"},
+    {"picture", "FILE", "draws the windows into a PNG or SVG file"},
+};
 
 // Answers must stay one line, whatever a name or a reason holds.
 std::string OneLine(std::string answer) {
@@ -229,12 +255,12 @@ std::string Run(const std::string& text) {
   if (begin == std::string::npos || text[begin] == '#') return "ok";
   size_t end = std::min(text.find_first_of(" \t", begin), text.size());
   std::string name = text.substr(begin, end - begin);
-  for (const char* widget : kWidgetCommands) {
-    if (name != widget) continue;
+  for (auto& widget : kWidgetCommands) {
+    if (name != widget.name) continue;
     if (!widgetHooks) return Error("there is no widget library");
     size_t rest = std::min(text.find_first_not_of(" \t", end), text.size());
     std::string answer;
-    widgetHooks->console(widget, text.substr(rest).c_str(), &answer);
+    widgetHooks->console(widget.name, text.substr(rest).c_str(), &answer);
     return answer;
   }
   for (auto& command : kCommands) {
@@ -258,6 +284,23 @@ std::string SimCommand(const std::string& line) {
   std::string why;
   if (reloadWanted && !ReloadPlugins(&why)) std::fprintf(stderr, "standin: reload: %s\n", why.c_str());
   return answer;
+}
+
+std::string ConsoleHelp() {
+  std::string help;
+  auto add = [&help](std::string line, const char* usage, const char* about) {
+    constexpr size_t aboutColumn = 32;
+    if (*usage) line += std::string(" ") + usage;
+    if (line.size() + 2 > aboutColumn) {
+      help += line + '\n';
+      line.clear();
+    }
+    line.resize(aboutColumn, ' ');
+    help += line + about + '\n';
+  };
+  for (auto& command : kCommands) add(std::string("  ") + command.name, command.usage, command.about);
+  for (auto& widget : kWidgetCommands) add(std::string("  ") + widget.name, widget.usage, widget.about);
+  return help;
 }
 
 std::string RunDefinitions(const std::string& file) {

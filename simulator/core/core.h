@@ -19,10 +19,13 @@ namespace sim {
 // The thread that may call us; 0 while nobody may (nothing started, or plug-ins being unloaded).
 extern std::atomic<uintptr_t> callerThread;
 void CallerBreach(const char* function);
+extern uint64_t callsMade;  // of exported XPLM functions, from the thread that may
 // Beginning of every exported function, cheap enough for the dataref accessors.
 inline void Check(const char* function) {
   if (CurrentThread() != callerThread.load(std::memory_order_relaxed)) [[unlikely]] {
     CallerBreach(function);
+  } else {
+    ++callsMade;
   }
 }
 
@@ -107,6 +110,12 @@ extern int cycle;       // frames since start
 void ResetLoops();
 void RunLoops(int phase, double sinceLastFrame);
 std::string DescribeLoops();
+// The end of a frame, for what TakePerf tells.
+void CountFrame();
+// What plug-ins cost since the last call of this or the start: "frames N callbacks N calls N ns N max-ns N".
+// Callbacks are flight loops that ran, ns the time in them, max-ns that of the frame with most of it; calls
+// are those of XPLM functions from anywhere in a plug-in.
+std::string TakePerf();
 
 // --- Menus, navigation, aircraft -----------------------------------------------------------------------
 void ResetMenus();
@@ -127,9 +136,13 @@ extern Options running;  // of this run
 void Frame(double now);
 // Runs `count` frames as `frames N` does: back to back, or in real time at a rate. A stop signal ends it.
 void ConsoleFrames(int count);
+// The next frame takes so many seconds of real time, 0 no longer than it needs. A stop signal ends it.
+void StallNextFrame(double seconds);
 void ResetPace();
 extern const WidgetHooks* widgetHooks;
 extern bool quitWanted;
+// A line or two for every console command.
+std::string ConsoleHelp();
 // Runs the lines of a --define file; an empty text means success, else file, line and reason.
 std::string RunDefinitions(const std::string& file);
 void StorePath(const std::string& path, char* out, size_t size);  // in the caller's path style

@@ -88,14 +88,31 @@ bool FrameIfDue() {
   return true;
 }
 
+constexpr char kUsage[] =
+    "usage: standin --plugin FILE [--plugin FILE ...] --root DIR [--rate N] [--flight circuit|none]\n"
+    "               [--aircraft NAME] [--planes N] [--define FILE] [--seconds N] [--tolerant]\n";
+
 int Usage(const std::string& why) {
-  std::fprintf(
-      stderr,
-      "standin: %s\n"
-      "usage: standin --plugin FILE [--plugin FILE ...] --root DIR [--rate N] [--flight circuit|none]\n"
-      "               [--aircraft NAME] [--planes N] [--define FILE] [--seconds N] [--tolerant]\n",
-      why.c_str());
+  std::fprintf(stderr, "standin: %s\n%s       standin --help explains them\n", why.c_str(), kUsage);
   return 2;
+}
+
+int Help() {
+  std::printf(
+      "A simulator that loads plug-ins and flies, driven by lines on standard input.\n\n%s\n"
+      "  --plugin FILE     plug-in to load, may be repeated\n"
+      "  --root DIR        system folder that plug-ins see; made when it is missing\n"
+      "  --rate N          frames a second, 60 by default; 0: frames run only with the line \"frames N\"\n"
+      "  --flight WHAT     circuit (default): a flight model flies; none: every value stays as it is set\n"
+      "  --aircraft NAME   the user's aircraft, jet by default\n"
+      "  --planes N        active aircraft, 1 to 128, the user's own included\n"
+      "  --define FILE     lines \"define\" and \"command\" that are run before the plug-ins start\n"
+      "  --seconds N       ends after N seconds; without it the end of standard input does\n"
+      "  --tolerant        tells of broken rules of the interface and goes on\n"
+      "\nExit status: 0 done; 1 a plug-in could not be loaded or started; 2 usage; 3 a rule was broken.\n"
+      "\nConsole: a command a line, one answer line each: ok, ok ANSWER or error: WHY.\n\n%s",
+      kUsage, ConsoleHelp().c_str());
+  return 0;
 }
 
 // Empty when the options make sense, else why not.
@@ -185,6 +202,9 @@ void ConsoleFrames(int count) {
 }
 
 int SimMain(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) return Help();
+  }
   Options options;
   std::string why = ParseOptions(argc, argv, &options);
   if (!why.empty()) return Usage(why);

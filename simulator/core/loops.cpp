@@ -4,6 +4,7 @@
 // frames are multiples of 1/60, so a due time lies a hair before or behind the frame that is meant: it is
 // compared with a tolerance that is far below a frame and above both errors.
 #include <algorithm>
+#include <chrono>
 #include <mutex>
 
 #include "core/core.h"
@@ -41,6 +42,25 @@ struct Request {
 };
 std::mutex requestLock;  // XPLMScheduleFlightLoop may come from any thread
 std::vector<Request> requests;
+
+using PerfClock = std::chrono::steady_clock;
+
+// Since the last TakePerf.
+struct Perf {
+  uint64_t frames, callbacks;
+  PerfClock::duration time, frameTime, longestFrame;  // frameTime is that of the frame that runs
+  uint64_t callsBefore;                               // callsMade when it began
+};
+Perf perf;
+
+void ResetPerf() {
+  perf = {};
+  perf.callsBefore = callsMade;
+}
+
+std::string Nanoseconds(PerfClock::duration time) {
+  return FormatInt(std::chrono::duration_cast<std::chrono::nanoseconds>(time).count());
+}
 
 void Schedule(Loop* loop, float interval, bool relativeToNow) {
   double fromTime = relativeToNow ? elapsed : loop->lastTime;
@@ -108,8 +128,27 @@ bool Due(const Loop& loop) {
 
 }  // namespace
 
+uint64_t callsMade = 0;
+
+void CountFrame() {
+  ++perf.frames;
+  perf.time += perf.frameTime;
+  perf.longestFrame = std::max(perf.longestFrame, perf.frameTime);
+  perf.frameTime = {};
+}
+
+std::string TakePerf() {
+  std::string text = "frames " + FormatInt(static_cast<int64_t>(perf.frames)) + " callbacks " +
+                     FormatInt(static_cast<int64_t>(perf.callbacks)) + " calls " +
+                     FormatInt(static_cast<int64_t>(callsMade - perf.callsBefore)) + " ns " +
+                     Nanoseconds(perf.time) + " max-ns " + Nanoseconds(perf.longestFrame);
+  ResetPerf();
+  return text;
+}
+
 void ResetLoops() {
   loops.clear();
+  ResetPerf();
   elapsed = 0;
   cycle = 0;
   std::lock_guard<std::mutex> lock(requestLock);
@@ -127,7 +166,10 @@ void RunLoops(int phase, double sinceLastFrame) {
     loop->mode = Loop::Off;
     loop->lastTime = elapsed;
     loop->lastCycle = cycle;
+    PerfClock::time_point began = PerfClock::now();
     float next = loop->fn(since, static_cast<float>(sinceLastFrame), cycle, loop->refcon);
+    perf.frameTime += PerfClock::now() - began;
+    ++perf.callbacks;
     LeavePlugin(saved);
     // What the callback returns counts; only a loop of the newer kind may have scheduled itself instead.
     if (!loop->created || next != 0) Schedule(loop, next, true);
@@ -213,6 +255,7 @@ void XPLMDestroyFlightLoop(XPLMFlightLoopID id) {
 void XPLMScheduleFlightLoop(XPLMFlightLoopID id, float interval, int relativeToNow) {
   if (!id) return;
   if (sim::CurrentThread() == sim::callerThread.load(std::memory_order_relaxed)) {
+    ++sim::callsMade;
     if (sim::Loop* loop = sim::FindCreated(id)) sim::Schedule(loop, interval, relativeToNow != 0);
     return;
   }

@@ -1,7 +1,10 @@
 // Start, frames and end of a run, and the rules whose breach ends it.
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <mutex>
+#include <thread>
 
 #include "XPLMPlugin.h"
 #include "core/core.h"
@@ -24,6 +27,8 @@ std::mutex breachLock;
 std::vector<std::string> breaches;
 constexpr size_t kKeptBreaches = 1000;
 
+double stallSeconds = 0;  // of the next frame
+
 // Datarefs that follow the frames.
 DataRef* runningTime = nullptr;
 DataRef* framePeriod = nullptr;
@@ -37,6 +42,7 @@ void Forget() {
   ResetData();
   runningTime = framePeriod = nullptr;
   paused = quitWanted = false;
+  stallSeconds = 0;
 }
 
 bool Say(const std::string& text) {
@@ -63,6 +69,18 @@ bool MakeSystemFolder(const std::string& root) {
   std::filesystem::create_directories(std::filesystem::path(systemFolder) / "Resources" / "plugins" / "TAVRIX",
                                       failure);
   return !failure || Say(systemFolder + ": cannot make its plug-in folder: " + failure.message());
+}
+
+// The thread does nothing else meanwhile, as when a real simulator loads scenery.
+void Stall() {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds signalCheck{20};
+  const auto end =
+      Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(stallSeconds));
+  stallSeconds = 0;
+  while (Clock::now() < end && !StopWanted()) {
+    std::this_thread::sleep_until(std::min(end, Clock::now() + signalCheck));
+  }
 }
 
 // The exit status of a run that does not come about.
@@ -100,7 +118,11 @@ void CallerBreach(const char* function) {
   Breach(function, over ? "called after stop" : "called from another thread than the simulator's own");
 }
 
-void CheckCaller(const char* function) { Check(function); }
+void CheckCaller(const char* function) {
+  if (CurrentThread() != callerThread.load(std::memory_order_relaxed)) CallerBreach(function);
+}
+
+void StallNextFrame(double seconds) { stallSeconds = seconds; }
 
 void SetWidgetHooks(const WidgetHooks* hooks) { widgetHooks = hooks; }
 
@@ -143,6 +165,8 @@ void Frame(double now) {
   ContinueHeldCommands();
   if (!paused && dt > 0) WorldStep(dt);
   RunLoops(1, dt);
+  CountFrame();
+  if (stallSeconds > 0) Stall();
   std::string why;
   if (reloadWanted && !ReloadPlugins(&why)) Say("reload: " + why);
 }

@@ -1,6 +1,7 @@
 // The client tool's reading of items, values and options, its output, and its request blocks.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "offsetctl/encode.h"
@@ -239,6 +240,7 @@ TEST(OffsetctlOptions, ReadsTheCommandLine) {
       {{"watch", "a", "--count=3", "--rate", "20"}, 1},
       {{"write", "--", "-odd=1"}, 1},
       {{"list"}, 1},
+      {{"list", "standby", "radio"}, 1},
       {{"--help"}, 1},
       {{"dump", "--help"}, 1},
       {{}, 0},
@@ -265,6 +267,9 @@ TEST(OffsetctlOptions, ReadsTheCommandLine) {
 
 TEST(OffsetctlNames, TableOfTheCatalogueHoldsTogether) {
   const NameTable known = KnownOffsets();
+  size_t inSubjects = 0;
+  for (const OffsetSubject& subject : known.subjects) inSubjects += subject.rows;
+  EXPECT_EQ(inSubjects, known.rows.size());
   for (const OffsetName& row : known.rows) {
     EXPECT_LE(row.offset + row.length, offsetMemorySize) << row.name;
     EXPECT_NE(row.unitScale, 0) << row.name;
@@ -272,6 +277,45 @@ TEST(OffsetctlNames, TableOfTheCatalogueHoldsTogether) {
       EXPECT_EQ(FindByName(known, row.name), &row) << row.name << " is not unique";
     }
     EXPECT_EQ(FirstReadOnly(known, row.offset, 1) == row.offset, row.readOnly) << row.name;
+  }
+}
+
+TEST(OffsetctlNames, SearchesNamesMeaningsUnitsAndSubjects) {
+  constexpr OffsetName some[] = {
+      {0x0238, ValueType::U8, 1, "hour", "local hour", "h", 1, 0, Form::Number, true, false},
+      {0x0239, ValueType::U8, 1, "", "local radio minute", "min", 1, 0, Form::Number, true, false},
+      {0x034E, ValueType::U16, 2, "com1", "COM1 frequency", "MHz", 1, 0, Form::Bcd, false, true},
+      {0x034C, ValueType::U16, 2, "adf1", "ADF frequency", "kHz", 1, 0, Form::Bcd, false, true},
+      {0x0354, ValueType::U16, 2, "squawk", "transponder", "", 1, 0, Form::Bcd, false, true},
+      {0x0580, ValueType::U32, 4, "radio_altitude", "height", "m", 1, 0, Form::Number, false, true},
+  };
+  constexpr OffsetSubject subjects[] = {{"Time", 2}, {"Nothing", 0}, {"Radios", 3}, {"Position", 1}};
+  const struct {
+    std::vector<std::string> words;
+    std::vector<std::string> found;
+  } cases[] = {
+      {{"radio"}, {"com1", "adf1", "squawk", "radio_altitude"}},
+      {{"RADIOS"}, {"com1", "adf1", "squawk"}},
+      {{"position"}, {"radio_altitude"}},
+      {{"time"}, {"hour"}},
+      {{"nothing"}, {}},
+      {{"radios", "frequency"}, {"com1", "adf1"}},
+      {{"frequency", "mhz"}, {"com1"}},
+      {{"0x0354"}, {"squawk"}},
+      {{"852", "com"}, {}},
+      {{"squawk transponder"}, {}},  // one word, and no part holds it
+      {{}, {"hour", "com1", "adf1", "squawk", "radio_altitude"}},
+  };
+  for (const auto& row : cases) {
+    std::vector<std::string> found;
+    for (const OffsetName* name : Search({some, {}, subjects}, row.words)) found.push_back(name->name);
+    EXPECT_EQ(found, row.found) << testing::PrintToString(row.words);
+  }
+  // What a cockpit builder looks for first.
+  std::vector<std::string> radios;
+  for (const OffsetName* name : Search(KnownOffsets(), {"radio"})) radios.push_back(name->name);
+  for (const char* name : {"com1", "com_standby2", "nav1", "adf1", "transponder"}) {
+    EXPECT_NE(std::find(radios.begin(), radios.end(), name), radios.end()) << name;
   }
 }
 

@@ -2,9 +2,11 @@
 // did, commands, breaches, reload and restart. A small plug-in is linked in and driven by the console.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstring>
 #include <functional>
 #include <map>
+#include <sstream>
 #include <thread>
 
 #include "XPLMGraphics.h"
@@ -120,6 +122,75 @@ TEST_F(SimCore, LoopIntervals) {
   EXPECT_EQ(Do("loops"), "ok");
 }
 
+struct Cost {
+  int64_t frames = -1, callbacks = -1, calls = -1, ns = -1, longest = -1;
+};
+
+Cost TakeCost() {
+  Cost cost;
+  std::string words[6];
+  std::istringstream answer(sim::SimCommand("perf"));
+  answer >> words[0] >> words[1] >> cost.frames >> words[2] >> cost.callbacks >> words[3] >> cost.calls >>
+      words[4] >> cost.ns >> words[5] >> cost.longest;
+  EXPECT_TRUE(answer.eof() && !answer.fail()) << answer.str();
+  EXPECT_EQ(words[0] + words[1] + words[2] + words[3] + words[4] + words[5], "okframescallbackscallsnsmax-ns");
+  return cost;
+}
+
+// Makes four calls; of the frames that the reference names (bits), it takes 4 ms.
+float CostlyLoop(float, float, int counter, void* ref) {
+  XPLMGetCycleNumber();
+  XPLMGetElapsedTime();
+  XPLMGetDataf(XPLMFindDataRef("sim/time/total_running_time_sec"));
+  if (reinterpret_cast<intptr_t>(ref) >> counter & 1) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(4));
+  }
+  return -2;
+}
+
+TEST_F(SimCore, CostOfPlugins) {
+  constexpr int64_t sleep = 4000000;
+  TakeCost();
+  XPLMRegisterFlightLoopCallback(CostlyLoop, -1, Key(0b1010));  // frames 1 and 3, in both 4 ms
+  XPLMRegisterFlightLoopCallback(CostlyLoop, -1, Key(0b1000));  // the same frames, in the second one 4 ms
+  sim::SimFrames(4);
+  std::thread([] { XPLMGetElapsedTime(); }).join();  // refused, so no call
+  EXPECT_EQ(sim::TakeBreaches().size(), 1u);
+  Cost cost = TakeCost();
+  EXPECT_EQ(cost.frames, 4);
+  EXPECT_EQ(cost.callbacks, 4);
+  EXPECT_EQ(cost.calls, 2 + 4 * 4);  // the registrations too
+  EXPECT_GE(cost.longest, 2 * sleep);
+  EXPECT_GE(cost.ns, cost.longest + sleep);
+  // Everything begins anew: the longest frame as well.
+  sim::SimFrames(1);
+  Cost after = TakeCost();
+  EXPECT_EQ(after.frames, 1);
+  EXPECT_EQ(after.callbacks, 2);
+  EXPECT_EQ(after.calls, 8);
+  EXPECT_EQ(after.longest, after.ns);
+  EXPECT_EQ(TakeCost().longest, 0);
+  XPLMUnregisterFlightLoopCallback(CostlyLoop, Key(0b1010));
+  XPLMUnregisterFlightLoopCallback(CostlyLoop, Key(0b1000));
+}
+
+TEST_F(SimCore, StallTakesOneFrameAndNoSimulatedTime) {
+  using Clock = std::chrono::steady_clock;
+  TakeCost();
+  EXPECT_EQ(Do("stall 0.2"), "ok");
+  const auto before = Clock::now();
+  sim::SimFrames(1);
+  const auto stalled = Clock::now();
+  sim::SimFrames(2);
+  EXPECT_GE(stalled - before, std::chrono::milliseconds(200));
+  EXPECT_LT(Clock::now() - stalled, stalled - before);
+  EXPECT_EQ(Do("get sim/time/total_running_time_sec"), "ok 0.05");
+  EXPECT_LT(TakeCost().ns, 200000000);  // a stall is no plug-in's cost
+  EXPECT_EQ(Do("stall 3600"), "ok");
+  EXPECT_EQ(Do("stall 0"), "ok");  // thought better of it
+  sim::SimFrames(1);
+}
+
 TEST_F(SimCore, NoCallbacksWhileDisabled) {
   answers[1] = -1;
   XPLMRegisterFlightLoopCallback(Loop, -1, Key(1));
@@ -231,6 +302,10 @@ TEST_F(SimCore, ConsoleAnswers) {
       {"get", "error: get NAME"},
       {"frames -1", "error: not a number of frames: -1"},
       {"planes 129", "error: the number of planes is 1 to 128"},
+      {"perf all", "error: perf takes no arguments"},
+      {"stall -0.1", "error: not 0 to 3600 seconds: -0.1"},
+      {"stall nan", "error: not 0 to 3600 seconds: nan"},
+      {"stall", "error: stall SECONDS"},
       {"jump", "error: unknown command: jump"},
   };
   for (auto& row : kRows) EXPECT_EQ(Do(row[0]), row[1]) << row[0];

@@ -38,10 +38,7 @@ std::vector<Transfer> TransfersOf(std::vector<Item>* items) {
 
 void PrintLine(const std::string& line) { std::printf("%s\n", line.c_str()); }
 
-int MillisecondsUntil(Clock::time_point time) {
-  const double left = Seconds(time - Clock::now()).count();
-  return left > 0 ? static_cast<int>(left * 1000) + 1 : 0;
-}
+double SecondsUntil(Clock::time_point time) { return Seconds(time - Clock::now()).count(); }
 
 Clock::duration Period(double seconds) { return std::chrono::duration_cast<Clock::duration>(Seconds(seconds)); }
 
@@ -113,10 +110,10 @@ int RunWatch(const Options& options, const Transport& transport) {
     if (std::fflush(stdout) != 0) return exitDone;  // the reader of our output has gone
     next = std::max(next + Period(1 / options.rate), Clock::now());
     if (options.seconds > 0 && next > end) {
-      WaitForStop(MillisecondsUntil(end));
+      WaitForStop(SecondsUntil(end));
       return exitDone;
     }
-    WaitForStop(MillisecondsUntil(next));
+    WaitForStop(SecondsUntil(next));
   }
   return exitDone;
 }
@@ -136,9 +133,12 @@ int RunDump(const Options& options, const Transport& transport) {
 }
 
 int RunList(const Options& options) {
-  const std::string wanted = options.items.empty() ? "" : options.items[0];
-  const std::vector<const OffsetName*> found = Search(KnownOffsets(), wanted);
-  if (found.empty()) return Report(exitUsage, "no name or meaning holds \"" + wanted + "\"");
+  const std::vector<const OffsetName*> found = Search(KnownOffsets(), options.items);
+  if (found.empty()) {
+    std::string wanted;
+    for (const std::string& word : options.items) wanted += (wanted.empty() ? "" : " ") + word;
+    return Report(exitUsage, "no offset's name, meaning, unit or subject holds \"" + wanted + "\"");
+  }
   size_t width = 0;
   for (const OffsetName* row : found) width = std::max(width, std::string(row->name).size());
   for (size_t i = 0; i < found.size(); ++i) {

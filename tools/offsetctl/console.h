@@ -1,5 +1,6 @@
 // The terminal: Ctrl-C, waiting, and drawing in place. Main thread, except as said.
 #pragma once
+#include <cstddef>
 
 namespace ctl {
 
@@ -7,11 +8,17 @@ namespace ctl {
 void WatchForStop();
 // 1 after Ctrl-C. Any thread.
 int StopRequested();
-// Waits that long, or until Ctrl-C. Returns StopRequested().
-int WaitForStop(int milliseconds);
+// Waits that long, at most a million seconds, or until Ctrl-C; not at all when it is zero or less. Returns
+// StopRequested().
+int WaitForStop(double seconds);
 // 1 when standard output is a terminal that CursorHome works on.
 int StdoutIsTerminal();
-// Clears the terminal and hides the cursor; RestoreTerminal shows it again.
+// Columns and lines that are visible at the moment; 80 and 24 when the terminal does not tell.
+struct TerminalSize {
+  size_t columns, lines;
+};
+TerminalSize SizeOfTerminal();
+// Clears what is visible and hides the cursor; RestoreTerminal shows it again.
 void ClearTerminal();
 void CursorHome();
 void RestoreTerminal();

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 #include "commands.h"
 #include "console.h"
@@ -138,9 +139,47 @@ double Degrees(const std::vector<Item>& items, const char* name) {
   return value;
 }
 
-void PrintPadded(std::string line) {
-  line.resize(lineWidth, ' ');
-  std::printf("%s\n", line.c_str());
+std::string Padded(std::string line, size_t width) {
+  line.resize(width, ' ');
+  return line;
+}
+
+std::vector<std::string> TableLines(const std::string& head, const std::vector<ShownRow>& left,
+                                    const std::vector<ShownRow>& right, const std::vector<Item>& items,
+                                    const std::vector<uint8_t>& traffic) {
+  std::vector<std::string> lines = {head, ""};
+  for (size_t i = 0; i < std::max(left.size(), right.size()); ++i) {
+    lines.push_back(Column(left, i, items) + "  " + Column(right, i, items));
+  }
+  const std::vector<std::string> others =
+      TrafficLines(traffic.data(), Degrees(items, "latitude"), Degrees(items, "longitude"), trafficLines);
+  lines.insert(lines.end(), others.begin(), others.end());
+  return lines;
+}
+
+// Over what stands there, and never more than fits: a terminal that scrolls or wraps lines would leave a
+// trail of old tables. `drawn` is the size of the time before, 0 at first.
+void DrawInPlace(std::vector<std::string> lines, TerminalSize* drawn) {
+  const TerminalSize size = SizeOfTerminal();
+  if (size.lines != drawn->lines || size.columns != drawn->columns) {
+    ClearTerminal();
+  } else {
+    CursorHome();
+  }
+  *drawn = size;
+  const size_t fitting = std::max<size_t>(size.lines, 2) - 1;  // the cursor stands below
+  if (lines.size() > fitting) {
+    const size_t hidden = lines.size() - fitting + 1;
+    lines.resize(fitting - 1);
+    lines.push_back("(" + std::to_string(hidden) + " more lines in a higher window)");
+  }
+  const size_t width = std::min(lineWidth, std::max<size_t>(size.columns, 2) - 1);
+  for (const std::string& line : lines) std::printf("%s\n", Padded(line, width).c_str());
+}
+
+void Print(const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) std::printf("%s\n", Padded(line, lineWidth).c_str());
+  std::printf("\n");
 }
 
 }  // namespace
@@ -156,36 +195,31 @@ int RunMonitor(const Options& options, const Transport& transport) {
 
   const bool inPlace = StdoutIsTerminal();
   const double period = inPlace ? 1 / options.rate : 1;
+  const double end = options.seconds > 0 ? options.seconds : std::numeric_limits<double>::infinity();
   const Clock::time_point start = Clock::now();
+  const auto elapsed = [start] { return Seconds(Clock::now() - start).count(); };
+  TerminalSize drawn = {};
   std::string error;
   int done = 1;
-  if (inPlace) ClearTerminal();
-  for (double wanted = 0; !StopRequested();
-       wanted = std::max(wanted + period, Seconds(Clock::now() - start).count())) {
-    double elapsed = Seconds(Clock::now() - start).count();
-    if (options.seconds > 0 && wanted > options.seconds) {
-      WaitForStop(static_cast<int>((options.seconds - elapsed) * 1000));
+  for (double wanted = 0; !StopRequested(); wanted = std::max(wanted + period, elapsed())) {
+    if (wanted > end) {
+      WaitForStop(end - elapsed());
       break;
     }
-    if (elapsed < wanted && WaitForStop(static_cast<int>((wanted - elapsed) * 1000) + 1)) break;
+    if (WaitForStop(wanted - elapsed())) break;
     done = transport.readOffsets(transfers, &error);
     if (!done) break;
-    elapsed = Seconds(Clock::now() - start).count();
-    if (inPlace) CursorHome();
-    PrintPadded(std::string("TAVRIX  ") + transport.title + "   " + FixedText(elapsed, 1) + " s");
-    PrintPadded("");
-    for (size_t i = 0; i < std::max(left.size(), right.size()); ++i) {
-      PrintPadded(Column(left, i, items) + "  " + Column(right, i, items));
+    const std::string head = std::string("TAVRIX  ") + transport.title + "   " + FixedText(elapsed(), 1) + " s";
+    const std::vector<std::string> lines = TableLines(head, left, right, items, traffic);
+    if (inPlace) {
+      DrawInPlace(lines, &drawn);
+    } else {
+      Print(lines);
     }
-    for (const std::string& line :
-         TrafficLines(traffic.data(), Degrees(items, "latitude"), Degrees(items, "longitude"), trafficLines)) {
-      PrintPadded(line);
-    }
-    if (!inPlace) PrintPadded("");
     if (std::fflush(stdout) != 0) break;  // the reader of our output has gone
-    if (options.seconds > 0 && elapsed >= options.seconds) break;
+    if (elapsed() >= end) break;
   }
-  if (inPlace) RestoreTerminal();
+  if (drawn.lines > 0) RestoreTerminal();
   return done ? exitDone : ReportFailure(error);
 }
 

@@ -21,7 +21,7 @@ std::string LowerCase(std::string_view text) {
 
 }  // namespace
 
-NameTable KnownOffsets() { return {offsetNames, readOnlyOffsets}; }
+NameTable KnownOffsets() { return {offsetNames, readOnlyOffsets, offsetSubjects}; }
 
 const OffsetName* FindByName(const NameTable& names, std::string_view name) {
   const std::string wanted = LowerCase(name);
@@ -50,17 +50,26 @@ uint32_t FirstReadOnly(const NameTable& names, uint32_t offset, uint32_t size) {
   return first;
 }
 
-std::vector<const OffsetName*> Search(const NameTable& names, std::string_view text) {
-  const std::string wanted = LowerCase(text);
-  uint32_t offset = offsetMemorySize;
-  ParseUnsigned(text, offsetMemorySize - 1, &offset);
+std::vector<const OffsetName*> Search(const NameTable& names, const std::vector<std::string>& words) {
   std::vector<const OffsetName*> found;
-  for (const OffsetName& row : names.rows) {
-    if (row.name[0] == 0) continue;
-    if (row.offset == offset || LowerCase(row.name).find(wanted) != std::string::npos ||
-        LowerCase(row.meaning).find(wanted) != std::string::npos) {
-      found.push_back(&row);
+  const char* subject = "";
+  size_t nextSubject = 0, subjectEnd = 0;
+  for (size_t i = 0; i < names.rows.size(); ++i) {
+    while (i >= subjectEnd && nextSubject < names.subjects.size()) {
+      subject = names.subjects[nextSubject].name;
+      subjectEnd += names.subjects[nextSubject++].rows;
     }
+    const OffsetName& row = names.rows[i];
+    if (row.name[0] == 0) continue;
+    // A line end between the parts: no word holds one, so none is found across two of them.
+    const std::string text =
+        LowerCase(std::string(row.name) + '\n' + row.meaning + '\n' + row.unit + '\n' + subject);
+    const auto fits = [&row, &text](const std::string& word) {
+      uint32_t offset = 0;
+      return text.find(LowerCase(word)) != std::string::npos ||
+             (ParseUnsigned(word, offsetMemorySize - 1, &offset) && offset == row.offset);
+    };
+    if (std::all_of(words.begin(), words.end(), fits)) found.push_back(&row);
   }
   return found;
 }

@@ -1,5 +1,6 @@
 // Looking up the offsets that the plug-in knows by name. Pure; any thread.
 #pragma once
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,8 +19,8 @@ const OffsetName* FindByName(const NameTable& names, std::string_view name);
 const OffsetName* FindByOffset(const NameTable& names, uint32_t offset);
 // The first read-only offset among `size` bytes from `offset`, or offsetMemorySize when there is none.
 uint32_t FirstReadOnly(const NameTable& names, uint32_t offset, uint32_t size);
-// Named rows that hold the text in name or meaning (letters in either case), or start at the offset that it
-// spells; all of them for "".
-std::vector<const OffsetName*> Search(const NameTable& names, std::string_view text);
+// Named rows, in order, for which every word is part of name, meaning, unit or subject (letters in either case)
+// or spells the offset where they start; all of them without a word.
+std::vector<const OffsetName*> Search(const NameTable& names, const std::vector<std::string>& words);
 
 }  // namespace ctl

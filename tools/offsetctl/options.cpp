@@ -48,9 +48,10 @@ constexpr CommandLine commandLines[] = {
     {"monitor", Command::Monitor, server | rate | seconds, 0, 0, "monitor [--seconds N] [--rate N]",
      "A live table of the cockpit, until Ctrl-C or N seconds. Into a file or pipe it prints one table a "
      "second.\n"},
-    {"list", Command::List, json, 0, 1, "list [TEXT] [--json]",
-     "Names that hold TEXT in name or meaning, or start at the offset TEXT; all without it. Needs no "
-     "server.\n"},
+    {"list", Command::List, json, 0, anyNumber, "list [WORD...] [--json]",
+     "Named offsets with every WORD in their name, meaning, unit or subject, or that start at the offset "
+     "WORD;\n"
+     "all of them without a WORD. Needs no server.\n"},
     {"--find", Command::Find, json | timeout, 0, 0, "--find [--json]",
      "Listens for servers on the network and prints their addresses, a line each. It ends 2.5 seconds after "
      "the\n"

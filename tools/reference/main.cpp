@@ -280,6 +280,10 @@ std::string MakeNameTable() {
   for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
     text += "    {" + Hex(readOnlyRanges[i].first) + ", " + Hex(readOnlyRanges[i].last) + "},\n";
   }
+  text += "};\nconstexpr OffsetSubject offsetSubjects[] = {\n";
+  for (const RowTable* table : Catalogue()) {
+    text += "    {" + Quoted(table->subject) + ", " + std::to_string(table->rows.size()) + "},\n";
+  }
   return text + "};\n// clang-format on\n";
 }
 
