@@ -168,6 +168,57 @@ def measure_idle(standin, seconds):
     row("no client: worker threads", f"{100 * (after[1] - before[1]) / seconds:.2f} % of a core")
 
 
+def frame_times(standin, seconds):
+    """Microseconds that the plug-in's callbacks took in each frame of the simulator's thread, sorted."""
+    standin.ask("perf")
+    times, end = [], time.monotonic() + seconds
+    while time.monotonic() < end:
+        standin.ask("frames 1")
+        words = standin.ask("perf").split()
+        figures = dict(zip(words[::2], map(int, words[1::2])))
+        if figures["frames"]:
+            times.append(figures["ns"] / figures["frames"] / 1000)
+    return sorted(times)
+
+
+def blast(kind):
+    """A client that writes without a pause until it is ended; the number of its writes a second, now and then."""
+    client, place, sent = Client().complete(), 0x12000 + os.getpid() % 8 * 0x400, 0
+    print("ready", flush=True)
+    if kind == "small":
+        chunk = [request(write_record(place + i % 64 * 4, os.urandom(4))) for i in range(500)]
+    else:
+        chunk = [request(*(write_record(place + i % 64 * 4, os.urandom(4)) for i in range(3000)))]
+    records = len(chunk) if kind == "small" else 3000
+    data = b"".join(chunk)
+    started = time.monotonic()
+    while not select.select([sys.stdin], [], [], 0)[0]:
+        client.send(data)
+        sent += records
+    print(int(sent / (time.monotonic() - started)), flush=True)
+
+
+def measure_unpaced(standin, seconds):
+    def told(times):
+        return (f"{percentile(times, 0.5):,.0f} us / {percentile(times, 0.99):,.0f} us / {times[-1]:,.0f} us "
+                f"({len(times)} frames)")
+
+    row("frame time in callbacks, no client: median / 99 % / longest", told(frame_times(standin, seconds)))
+    for kind in ("small", "large"):
+        senders = [subprocess.Popen([sys.executable, __file__, "--blast", kind], stdin=subprocess.PIPE,
+                                    stdout=subprocess.PIPE, text=True) for _ in range(8)]
+        for sender in senders:
+            assert sender.stdout.readline() == "ready\n"
+        stored, dropped = refreshes(standin)
+        times = frame_times(standin, seconds)
+        stored, dropped = (b - a for a, b in zip((stored, dropped), refreshes(standin)))
+        rates = [int(sender.communicate("\n")[0]) for sender in senders]
+        row(f"8 clients without pause, {kind} frames: frame time", told(times))
+        row(f"8 clients without pause, {kind} frames: writes a second, refreshes dropped",
+            f"{sum(rates):,}; {dropped} of {stored + dropped}")
+        wait_until_alone(standin)
+
+
 def resources(pid):
     status = Path(f"/proc/{pid}/status").read_text()
     return {"threads": int(re.search(r"Threads:\s+(\d+)", status)[1]),
@@ -210,13 +261,24 @@ def main():
     options.add_argument("--samples", type=int, default=500)
     options.add_argument("--connects", type=int, default=0)
     options.add_argument("--only-connects", action="store_true")
+    options.add_argument("--only-unpaced", action="store_true", help="only eight clients that never pause")
     options.add_argument("--receive", type=int, help=argparse.SUPPRESS)
+    options.add_argument("--blast", help=argparse.SUPPRESS)
     chosen = options.parse_args()
+    if chosen.blast is not None:
+        blast(chosen.blast)
+        return
     if chosen.receive is not None:
         receive_for_others(chosen.receive)
         return
     with tempfile.TemporaryDirectory() as folder:
-        if not chosen.only_connects:
+        if chosen.only_unpaced:
+            standin = begin(chosen.build, Path(folder) / "X-Plane unpaced")
+            try:
+                measure_unpaced(standin, chosen.seconds)
+            finally:
+                standin.quit(expect=None)
+        elif not chosen.only_connects:
             standin = begin(chosen.build, Path(folder) / "X-Plane flying")
             try:
                 measure_idle(standin, chosen.seconds)
@@ -224,6 +286,8 @@ def main():
                 measure_latency(chosen.samples, 7)
                 wait_until_alone(standin)
                 measure_load(standin, chosen.seconds)
+                wait_until_alone(standin)
+                measure_unpaced(standin, chosen.seconds)
             finally:
                 standin.quit(expect=None)
         if chosen.connects:
