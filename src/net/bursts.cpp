@@ -16,6 +16,7 @@ constexpr uint32_t blockCount = offsetMemorySize / blockSize;
 constexpr int sendQueue = 1 << 20;
 constexpr int blockPauseMs = 10;
 constexpr int changePauseMs = 20;
+constexpr uint32_t socketCycles = 50;     // change cycles between two tries for a socket
 constexpr uint32_t rollingCycles = 1000;  // change cycles between two rolling blocks
 
 enum class State { FullBurst, RollingBlock, Changes };
@@ -52,13 +53,15 @@ void SendChanges(Socket* socket) {
   SendToAll(socket, changeFrame, FinishFrame(changeFrame, frameChanges, count * changeEntrySize, endChanges));
 }
 
+int TryBurstSocket(Socket* socket) {
+  if (!OpenSocket(socket, Transport::Datagram) || !BindSocket(socket, {serverIp, burstPort})) return 0;
+  // Room for a round of blocks to all clients: what does not fit is dropped, as nothing waits for a link.
+  SetSendQueue(socket, sendQueue);
+  return 1;
+}
+
 void OpenBurstSocket(Socket* socket) {
-  if (OpenSocket(socket, Transport::Datagram) && BindSocket(socket, {serverIp, burstPort})) {
-    // Room for a round of blocks to all clients: what does not fit is dropped, as nothing waits for a slow
-    // link.
-    SetSendQueue(socket, sendQueue);
-    return;
-  }
+  if (TryBurstSocket(socket)) return;
   const int error = SocketErrorNumber();
   LogNetwork("TAVFARNET->tXsyncBurstThread bind() failed %i\n", error);
   LogOwn("%s\n", AdviseOnFailure("UDP", burstPort, error).c_str());
@@ -107,6 +110,9 @@ uint32_t BurstProcedure(void*) {
           state = State::RollingBlock;
         }
         if (TakeNewClient()) state = State::FullBurst;
+        // The system had no socket left: again once a second.
+        if (socket.handle == -1 && cycles % socketCycles == 0 && TryBurstSocket(&socket))
+          state = State::FullBurst;
         FollowPeerNames();
         break;
     }
