@@ -115,7 +115,6 @@ void AdmitClient(Socket* connection, const SocketAddress& peer, const char* name
   {
     LockScope lock(&offsetLock);
     Store<uint16_t>(connectedOffset, connectedMark);
-    NoteMemoryChanged();
   }
   SleepMilliseconds(acceptedPauseMs);
 }
