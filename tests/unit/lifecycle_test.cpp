@@ -6,6 +6,8 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include "XPLMPlugin.h"
 #include "bridge/catalogue/throttle_actions.h"
@@ -196,6 +198,24 @@ TEST_F(Lifecycle, EveryCycleFollowsANewAircraft) {
           << "offset 0x" << std::hex << row.offset;
     }
   }
+}
+
+// Also when a thread of ours has the positions at that moment: the next call is early enough.
+TEST_F(Lifecycle, PositionsOfOthersAreReadTenTimesASecond) {
+  Begin();
+  EXPECT_EQ(MultiplayerCycle(0, 0, 0, nullptr), 0.1F) << "nobody wants them yet";
+  sim::SimFrames(5);
+  EXPECT_EQ(MultiplayerCycle(0, 0, 0, nullptr), 0.1F);
+  std::atomic<int> stage = 0;
+  std::thread holder([&stage] {
+    const LockScope lock(&trafficLock);
+    stage = 1;
+    while (stage != 2) std::this_thread::yield();
+  });
+  while (stage != 1) std::this_thread::yield();
+  EXPECT_EQ(MultiplayerCycle(0, 0, 0, nullptr), 0.1F) << "busy";
+  stage = 2;
+  holder.join();
 }
 
 TEST_F(Lifecycle, OpenWindowFollowsTheTraceSwitches) {
