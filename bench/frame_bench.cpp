@@ -244,12 +244,12 @@ BENCHMARK(BM_Cycle<MultiplayerCycle>)->Name("BM_Cycle/multiplayer")->UseManualTi
 void BM_DispatchWrite(benchmark::State& state) {
   StartAll();
   uint16_t value = 0;
+  RequestMarks marks = {};
   for (auto _ : state) {
     value++;
     LockScope lock(&offsetLock);
-    DispatchWrite(0x07CC, 2, reinterpret_cast<const uint8_t*>(&value));
+    DispatchWrite(0x07CC, 2, reinterpret_cast<const uint8_t*>(&value), &marks);
     Store<uint16_t>(0x07CC, value);
-    NoteMemoryChanged();
   }
   StopAll();
 }

@@ -108,12 +108,14 @@ inline double ReadAs(Stored type, uint32_t offset) {
   return DecodeNumber(type, bytes);
 }
 
+// Of the request that the writes below belong to.
+inline RequestMarks marks;
+
 // A client's write of plain bytes: dispatched, then copied. Returns what the dispatcher said.
 inline int WriteBytes(uint32_t offset, const void* data, uint32_t size) {
   LockScope lock(&offsetLock);
-  const int known = DispatchWrite(offset, size, static_cast<const uint8_t*>(data));
+  const int known = DispatchWrite(offset, size, static_cast<const uint8_t*>(data), &marks);
   std::memcpy(offsetMemory.bytes + offset, data, size);
-  NoteMemoryChanged();
   return known;
 }
 

@@ -81,20 +81,6 @@ void RecogniseX737() {
   LogLine("x737 found pluginID=%i, datarefs loaded\n", plugins.x737);
 }
 
-void RecogniseXSquawkBox() {
-  const int before = adapters.xSquawkBox;
-  const int appeared = HasAppeared("vatsim.protodev.clients.xsquawkbox", xSquawkBoxNames, &plugins.xSquawkBox,
-                                   &adapters.xSquawkBox);
-  if (appeared || before != adapters.xSquawkBox) xSquawkBoxState = {};
-  if (!appeared) return;
-  LookUpDataRefsOf(xSquawkBoxNames);
-  ReadText(xsbVersString.block, xsbVersString.index, xSquawkBoxState.version, sizeof xSquawkBoxState.version);
-  xSquawkBoxState.versionNumber = ReadInt(xsbNumber);
-  LogLine("XSB found pluginID=%i, datarefs loaded\n", plugins.xSquawkBox);
-  XPLMSendMessageToPlugin(plugins.xSquawkBox, subscribeMessage,
-                          reinterpret_cast<void*>(networkAudioWeatherText));
-}
-
 void RecognisePilotEdge() {
   if (!HasAppeared("com.pilotedge.plugin.xplane", pilotEdgeNames, &plugins.pilotEdge, &adapters.pilotEdge)) {
     return;
@@ -148,6 +134,20 @@ void DropAircraft() {
 }
 
 }  // namespace
+
+void RecogniseXSquawkBox() {
+  const int before = adapters.xSquawkBox;
+  const int appeared = HasAppeared("vatsim.protodev.clients.xsquawkbox", xSquawkBoxNames, &plugins.xSquawkBox,
+                                   &adapters.xSquawkBox);
+  if (appeared || before != adapters.xSquawkBox) xSquawkBoxState = {};
+  if (!appeared) return;
+  LookUpDataRefsOf(xSquawkBoxNames);
+  ReadText(xsbVersString.block, xsbVersString.index, xSquawkBoxState.version, sizeof xSquawkBoxState.version);
+  xSquawkBoxState.versionNumber = ReadInt(xsbNumber);
+  LogLine("XSB found pluginID=%i, datarefs loaded\n", plugins.xSquawkBox);
+  XPLMSendMessageToPlugin(plugins.xSquawkBox, subscribeMessage,
+                          reinterpret_cast<void*>(networkAudioWeatherText));
+}
 
 void RecogniseAircraft() {
   RecogniseX737();

@@ -21,6 +21,8 @@ extern int ixegThrottleOverrideOn;
 void RecogniseAircraft();
 // The same for the EC135, in the 59-frame cycle.
 void RunEc135Adapter();
+// The same for the network client XSquawkBox alone, at enable; its notifications are subscribed to.
+void RecogniseXSquawkBox();
 // Another aircraft of the user was loaded (message 102, parameter 0): drops what belongs to the previous
 // one, stores the new title and tests at once, so that no row reads the old aircraft's handles.
 void DetectLoadedAircraft();

@@ -109,7 +109,6 @@ void CopyFromMemory(uint32_t offset, uint32_t size, void* bytes) {
 void CopyToMemory(uint32_t offset, uint32_t size, const void* bytes) {
   LockScope lock(&offsetLock);
   std::memcpy(offsetMemory.bytes + offset, bytes, size);
-  NoteMemoryChanged();
 }
 
 int TryCopyFromMemory(uint32_t offset, uint32_t size, void* bytes) {

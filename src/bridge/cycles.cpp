@@ -57,7 +57,6 @@ void SaveAtcTexts() {
 void StoreCrashWord() {
   if (TryEnterLock(&offsetLock) == 0) return;  // again at the next call
   Store<uint16_t>(crashOffset, crashWord);
-  NoteMemoryChanged();
   LeaveLock(&offsetLock);
   crashWordDue = false;
 }
@@ -67,6 +66,16 @@ void WatchAdapters(void (*recognise)()) {
   const AdapterState before = adapters;
   recognise();
   if (std::memcmp(&before, &adapters, sizeof before) != 0) BindReaders();
+}
+
+// The rows of all cycles but the first, the slowest ones first: others look at what they store.
+void RefreshSlowCycles() {
+  aircraftChanged = 0;
+  TuneStations();
+  for (const Cycle cycle : {Cycle::C313, Cycle::C157, Cycle::C59, Cycle::C31, Cycle::C31Navigation, Cycle::C13,
+                            Cycle::C7, Cycle::C3}) {
+    RunReaders(cycle);
+  }
 }
 
 }  // namespace
@@ -91,6 +100,7 @@ float WriteCycle(float, float, int, void*) {
 }
 
 float RefreshCycle1(float, float, int, void*) {
+  if (aircraftChanged != 0) RefreshSlowCycles();
   RunReaders(Cycle::C1);
   RefreshCustomOffsets(1);
   PushbackStep();
@@ -148,7 +158,6 @@ float RefreshCycle157(float, float, int, void*) {
 float RefreshCycle313(float, float, int, void*) {
   RunReaders(Cycle::C313);
   RefreshCustomOffsets(8);
-  aircraftChanged = 0;
   WatchAdapters(RecogniseAircraft);
   return -313;
 }
@@ -172,8 +181,8 @@ float ButtonCycle(float, float, int, void*) {
 }
 
 float MultiplayerCycle(float, float, int, void*) {
-  if (TrafficRuns() == 0) return 0.1F;
-  return FillTrafficPositions() ? 0.1F : -1.0F;
+  if (TrafficRuns() != 0) FillTrafficPositions();  // a busy lock: at the next call
+  return 0.1F;
 }
 
 void SetCrashed() {
@@ -181,6 +190,5 @@ void SetCrashed() {
   crashCountdown = 5;
   LockScope lock(&offsetLock);
   Store<uint16_t>(crashOffset, crashWord);
-  NoteMemoryChanged();
   crashWordDue = false;
 }

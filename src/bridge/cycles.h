@@ -2,8 +2,9 @@
 // clients wrote. All of it runs on the simulator's thread.
 //
 // A cycle first reads the simulator with no lock held and converts; then it stores its rows in tight groups
-// and only tries the offset lock for each: when the lock is busy a group's values are dropped until the next
-// run. A writer enters the lock only to take its staged value and calls the simulator after leaving it.
+// and only tries the offset lock for each: when the lock is busy a group is tried once more at the end of the
+// run, then its values are dropped until the next run. A writer enters the lock only to take its staged value
+// and calls the simulator after leaving it.
 #pragma once
 #include <cstdint>
 
@@ -32,7 +33,7 @@ void RunReaders(Cycle cycle);
 // Runs all writers once, in their fixed order.
 void RunWriters();
 
-// Counters of refreshes that were stored and of those dropped because the lock was busy.
+// Counters of refreshes that were stored and of those dropped because the lock was busy at both tries.
 struct RefreshCounters {
   uint64_t stored, dropped;
 };
@@ -52,6 +53,7 @@ constexpr int maxJoystickButtons = 1600;
 extern int joystickButtons[maxJoystickButtons];
 extern int joystickButtonCount;
 
-// The user's aircraft was loaded: consumed by the navigation cycle and the aircraft readers.
+// The user's aircraft was loaded: the navigation cycle runs again soon after its next run, and the next frame
+// refreshes the rows of every cycle, as nearly all of the slow ones hang on the aircraft.
 extern int navigationPending;
 extern int aircraftChanged;

@@ -59,6 +59,13 @@ struct Group {
   uint32_t first;                      // of its places, widest first
   uint32_t eights, fours, twos, ones;  // so many of each width
   uint32_t left;                       // bit n: its n-th place is left as it is in this run
+  bool missed;                         // found the lock busy in this run
+};
+
+struct Text {
+  const OffsetRow* row;
+  bool missed;
+  char bytes[256];  // what the row gave in this run
 };
 
 // A row with where it was laid.
@@ -69,7 +76,7 @@ struct Laid {
 
 struct Reader {
   std::vector<Laid> rows;  // numbers, in the catalogue's order
-  std::vector<const OffsetRow*> texts;
+  std::vector<Text> texts;
   // Laid out when the handles are bound:
   std::vector<Fetch> fetches;  // by accessor, so many of each kind:
   size_t floatElements, floats, ints;
@@ -85,7 +92,6 @@ struct Reader {
 };
 
 Reader readers[cycleCount];
-char textBytes[256];
 
 // --- Building -----------------------------------------------------------------------------------------
 
@@ -145,7 +151,7 @@ void TakeRows(Cycle cycle, Reader* reader) {
     for (const OffsetRow& row : table->rows) {
       if (row.cycle != cycle || !HasReader(row)) continue;
       if (row.type == Stored::Text) {
-        reader->texts.push_back(&row);
+        reader->texts.push_back({&row, false, {}});
       } else {
         reader->rows.push_back({&row, 0, 0, 0, 0});
       }
@@ -275,7 +281,7 @@ void LayOutPlaces(Reader* reader) {
   reader->places.clear();
   for (Laid* laid : sorted) {
     const auto number = static_cast<uint32_t>(reader->places.size());
-    if (laid->group == reader->groups.size()) reader->groups.push_back({number, 0, 0, 0, 0, 0});
+    if (laid->group == reader->groups.size()) reader->groups.push_back({number, 0, 0, 0, 0, 0, false});
     Group& group = reader->groups.back();
     const uint32_t width = StoredWidth(*laid->row);
     laid->place = number - group.first;
@@ -373,29 +379,54 @@ void StoreGroup(const Group& group, const Place* place, const uint8_t* bytes) {
   StoreAs<uint8_t>(place, group.ones, bytes);
 }
 
-void StoreGroups(Reader& reader) {
-  for (Group& group : reader.groups) {
-    if (TryEnterLock(&offsetLock) == 0) {
-      refreshCounters.dropped++;
-    } else {
-      StoreGroup(group, &reader.places[group.first], reader.bytes.data());
-      LeaveLock(&offsetLock);
-      refreshCounters.stored++;
-    }
-    group.left = 0;
-  }
-}
-
-void RunText(const OffsetRow& row) {
-  std::memset(textBytes, 0, sizeof textBytes);
-  if (row.readText == nullptr || row.readText(row, textBytes) == 0) return;
+// Stores under the lock unless that is busy, and counts. Returns whether it was missed.
+template <typename Store>
+bool Missed(bool lastTry, Store store) {
   if (TryEnterLock(&offsetLock) == 0) {
-    refreshCounters.dropped++;
-    return;
+    if (lastTry) refreshCounters.dropped++;
+    return true;
   }
-  std::memcpy(offsetMemory.bytes + row.offset, textBytes, row.length);
+  store();
   LeaveLock(&offsetLock);
   refreshCounters.stored++;
+  return false;
+}
+
+bool MissedGroup(const Reader& reader, const Group& group, bool lastTry) {
+  return Missed(lastTry, [&] { StoreGroup(group, &reader.places[group.first], reader.bytes.data()); });
+}
+
+bool MissedText(const Text& text, bool lastTry) {
+  return Missed(lastTry,
+                [&] { std::memcpy(offsetMemory.bytes + text.row->offset, text.bytes, text.row->length); });
+}
+
+// Returns whether anything was missed.
+bool StoreGroups(Reader& reader) {
+  bool missed = false;
+  for (Group& group : reader.groups) missed |= group.missed = MissedGroup(reader, group, false);
+  return missed;
+}
+
+bool RunTexts(Reader& reader) {
+  bool missed = false;
+  for (Text& text : reader.texts) {
+    std::memset(text.bytes, 0, sizeof text.bytes);
+    text.missed = text.row->readText != nullptr && text.row->readText(*text.row, text.bytes) != 0 &&
+                  MissedText(text, false);
+    missed |= text.missed;
+  }
+  return missed;
+}
+
+// What has found the lock busy is tried once more; a client that holds it is done soon.
+void StoreMissed(Reader& reader) {
+  for (const Group& group : reader.groups) {
+    if (group.missed) MissedGroup(reader, group, true);
+  }
+  for (const Text& text : reader.texts) {
+    if (text.missed) MissedText(text, true);
+  }
 }
 
 }  // namespace
@@ -422,6 +453,8 @@ void RunReaders(Cycle cycle) {
   Reader& reader = readers[static_cast<size_t>(cycle)];
   Derive(reader, FetchNumbers(reader));
   EncodeItems(reader);
-  StoreGroups(reader);
-  for (const OffsetRow* row : reader.texts) RunText(*row);
+  const bool groupsMissed = StoreGroups(reader);
+  const bool textsMissed = RunTexts(reader);
+  if (groupsMissed || textsMissed) StoreMissed(reader);
+  for (Group& group : reader.groups) group.left = 0;
 }

@@ -69,7 +69,6 @@ void ApplyWeatherArea() {
     if (selector < 1 || selector > 4) return;
     std::memcpy(area, offsetMemory.bytes + weatherAreaOffset, areaSize);
     Store<uint16_t>(weatherAreaOffset, 0);
-    NoteMemoryChanged();
   }
   if (std::memcmp(area + 4, "GLOB", 4) != 0) return;
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "bridge/registry.h"
@@ -11,6 +11,7 @@
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/event.h"
+#include "platform/system.h"
 #include "platform/thread.h"
 #include "shell/log.h"
 
@@ -22,12 +23,14 @@ struct Change {
 };
 // A ring: the frames between two wake-ups of the thread are few.
 constexpr uint32_t queueSize = 4096;
+constexpr int waitErrorPauseMs = 100;
 
 Lock buttonLock;  // guards all up to the blank line
 ButtonAssignment assignments[maxButtons];
 Change queue[queueSize];
 uint32_t queueHead, queueLength;
 bool listening;  // the thread takes changes
+char status[40];
 
 Event wakeEvent;
 Thread buttonThread;
@@ -90,30 +93,36 @@ void Act(const ButtonAssignment& assignment, bool pressed) {
   const auto offset = static_cast<uint32_t>(assignment.offset);
   const auto size = static_cast<uint32_t>(assignment.size);
   auto value = static_cast<uint32_t>(action.value);
+  RequestMarks marks = {};
   {
     const LockScope lock(&offsetLock);
     if (action.set || action.clear || action.toggle) {
+      // Bits that another button has just written count, though a refresh may have covered them in the memory.
       uint32_t current = 0;
-      std::memcpy(&current, offsetMemory.bytes + offset, size);
+      CopyLatest(offset, size, &current);
       value = ChangeBit(current, action);
     }
     uint8_t bytes[sizeof value];
     std::memcpy(bytes, &value, sizeof value);
-    DispatchWrite(offset, size, bytes);
+    DispatchWrite(offset, size, bytes, &marks);
     std::memcpy(offsetMemory.bytes + offset, bytes, size);
-    NoteMemoryChanged();
   }
-  FinishRequest();
+  FinishRequest(marks);
+}
+
+void TellWaitError(int error) {
+  constexpr char format[] = "Wait error (%d)\n";
+  bool first = false;
+  {
+    const LockScope lock(&buttonLock);
+    first = status[0] == '\0';
+    std::snprintf(status, sizeof status, format, error);
+  }
+  if (first) LogLine(format, error);
 }
 
 uint32_t ButtonProcedure(void*) {
-  while (buttonRun.load() != 0) {
-    if (!WaitEvent(&wakeEvent, -1)) {
-      LogLine("Wait error (%d)\n", errno);
-      SleepMilliseconds(100);
-    }
-    ApplyButtonChanges();
-  }
+  while (buttonRun.load() != 0) RunButtonRound(&wakeEvent);
   return 0;
 }
 
@@ -138,6 +147,7 @@ int CreateButtons() {
   std::fill_n(assignments, maxButtons, noAssignment);
   lastPressed = -1;
   queueHead = queueLength = 0;
+  status[0] = '\0';
   return 1;
 }
 
@@ -215,7 +225,17 @@ void WatchButtons(const int* states, int count) {
 
 int LastPressedButton() { return lastPressed; }
 
-void ApplyButtonChanges() {
+std::string ButtonStatus() {
+  const LockScope lock(&buttonLock);
+  return status;
+}
+
+void RunButtonRound(Event* wake) {
+  if (WaitEvent(wake, -1) == 0) {
+    TellWaitError(SystemErrorNumber());
+    SleepMilliseconds(waitErrorPauseMs);
+    return;
+  }
   Change change = {};
   ButtonAssignment assignment = {};
   while (TakeChange(&change, &assignment)) Act(assignment, change.pressed);

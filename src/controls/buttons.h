@@ -6,6 +6,9 @@
 // that is known to this room alone and is never held together with another one.
 #pragma once
 #include <cstdint>
+#include <string>
+
+#include "platform/event.h"
 
 constexpr int maxButtons = 1600;
 
@@ -48,6 +51,11 @@ void WatchButtons(const int* states, int count);
 // The button that was pressed last, -1 for none since enable.
 int LastPressedButton();
 
+// "" or, when waiting for changes has failed since enable, what the thread says about it. Any thread.
+std::string ButtonStatus();
+
 // --- The button's thread ---------------------------------------------------------------------------
-// Carries out the queued changes in their order.
-void ApplyButtonChanges();
+// One round: waits for the event, then carries out the queued changes in their order. A wait that fails is
+// told by ButtonStatus, and in the log once; the changes stay queued then, and a pause keeps the thread from
+// spinning.
+void RunButtonRound(Event* wake);

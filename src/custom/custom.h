@@ -21,10 +21,14 @@ void LoadCustomOffsets();
 void ClearCustomOffsets();
 // Both, with a log line each, as the user asks for it in a window.
 void ReloadCustomOffsets();
-// Does the reload that a client has asked for (RequestCustomReload). Once a frame.
+// Does the reload that a client has asked for (RequestCustomReload), with its log lines. Once a frame.
 void TakeCustomReload();
-// Refreshes the entries of one group (1 to 8), in table order. Values are computed with no lock held;
-// storing only tries the offset lock, and what finds it busy waits for the group's next turn.
+// Forgets reloads that clients have asked for, and that one was done lately. At enable, before the file is
+// loaded.
+void ForgetCustomRequests();
+// Refreshes the entries of one group (1 to 8), in table order. Values are computed with no lock held; storing
+// only tries the offset lock. What finds it busy is tried once more at the end and then waits for the group's
+// next turn.
 void RefreshCustomOffsets(int group);
 // The same for a single entry of the loaded tables, whatever its group.
 void RefreshCustomOffset(const CustomOffsetEntry& entry);
@@ -44,12 +48,15 @@ const CustomOffsetEntry* FindCustomOffset(uint32_t offset);
 const CustomCommandEntry* FindCustomCommand(uint32_t offset);
 // A client writes `data`, as many bytes as the entry is wide, before they are copied into the memory. Bytes
 // that are already there do nothing; else the write or the command waits for ApplyPendingCustomWrites,
-// replacing one that waits already.
+// replacing one that waits already. A command that is replaced by that of another offset still ends what it
+// would have ended.
 void WriteCustomOffset(const CustomOffsetEntry& entry, const uint8_t* data);
 void WriteCommandOffset(const CustomCommandEntry& entry, const uint8_t* data);
 // A client asks for the file to be read again: the tables are withdrawn at once, the simulator's thread
-// loads them in the next frame. The offset says which of the two request bytes it was; writes at
-// customClearOffset are logged, and its byte returns to 0 when the tables are there.
+// loads them in the next frame. Within a second after a client's last load the tables stay in use until the
+// second is over: then one load serves all who asked. The offset says which of the two request bytes it was;
+// writes at customClearOffset have a log line of their own, and its byte returns to 0 when the tables are
+// there.
 constexpr uint32_t customReloadOffset = 0x6F0D;
 constexpr uint32_t customClearOffset = 0x6F0E;
 void RequestCustomReload(uint32_t offset);

@@ -2,7 +2,7 @@
 //
 // Variable-length parts (tokens, operations, actions, texts) lie in shared arrays of the table set, so an
 // entry costs what its line needs. The set never changes after loading, except for what the simulator's
-// thread alone uses: held commands and what the refresh stored last.
+// thread alone uses (held commands, what a refresh has computed) and for `ends` (under the offset lock).
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -102,20 +102,25 @@ struct CommandAction {
   bool held;  // begun and not ended; simulator's thread only
 };
 
-// The refreshed entries of one group, in table order, in batches that are stored under one lock.
+// A command whose pending write made room for another command's: what it would have ended is ended all the
+// same. One a command; under the offset lock.
+struct CustomCommandEnd {
+  double value;  // the displaced write
+  bool waiting;
+  bool listed;  // stands in CustomTables::endList
+};
+
+// A client's write to a command.
+struct CustomCommandWrite {
+  const CustomCommandEntry* entry;
+  double value;
+};
+
+// A refreshed entry and the bytes of its value in this run.
 struct CustomRefreshItem {
   const CustomOffsetEntry* entry;
-  uint8_t last[8];  // what the memory got
-};
-struct CustomRefreshBatch {
-  uint32_t first, count;  // in CustomRefreshGroup::items
-  uint32_t generation;    // of the memory when it was stored
-  bool stored;            // `last` of all items holds what the memory got
-  bool shared;            // others refresh some of the same bytes: store every time
-};
-struct CustomRefreshGroup {
-  std::vector<CustomRefreshItem> items;
-  std::vector<CustomRefreshBatch> batches;
+  uint8_t bytes[8];
+  bool missed;  // the batch that begins here has found the lock busy
 };
 
 constexpr int customRefreshGroups = 8;
@@ -130,6 +135,9 @@ struct CustomTables {
   std::vector<std::string_view> tokens;
   std::vector<Operation> operations;
   std::vector<CommandAction> actions;
-  std::unique_ptr<char[]> text;  // every token, each ended by a NUL
-  CustomRefreshGroup refresh[customRefreshGroups];
+  std::unique_ptr<char[]> text;                                 // every token, each ended by a NUL
+  std::vector<CustomRefreshItem> refresh[customRefreshGroups];  // the entries of each group, in table order
+  std::unique_ptr<CustomCommandEnd[]> ends;                     // as many as commands
+  std::unique_ptr<uint32_t[]> endList;                          // the first customEndCount: places in `ends`
+  std::unique_ptr<CustomCommandWrite[]> endsTaken;              // out of them, for the simulator's thread
 };

@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <span>
 
 #include "XPLMDataAccess.h"
 #include "XPLMUtilities.h"
-#include "bridge/catalogue.h"
 #include "bridge/cycles.h"
 #include "custom/custom.h"
 #include "custom/custom_state.h"
@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr uint32_t batchItems = 16;
+constexpr size_t batchItems = 32;      // are stored under one lock
 constexpr double writeOnlyValue = 77;  // what the offset of a refreshed write-only entry shows
 
 double ValueOf(const CustomTables& tables, const CustomOffsetEntry& entry) {
@@ -23,61 +23,33 @@ double ValueOf(const CustomTables& tables, const CustomOffsetEntry& entry) {
   return RunExpression(tables.operations.data() + entry.read.first, entry.read.count, 0, ReadDatarefValue);
 }
 
-// Stores the bytes of `count` items; offset lock held.
-void StoreItems(CustomRefreshItem* items, uint32_t count, const uint8_t (*bytes)[8]) {
-  for (uint32_t i = 0; i < count; ++i) {
-    std::memcpy(offsetMemory.bytes + items[i].entry->offset, bytes[i], items[i].entry->size);
-    std::memcpy(items[i].last, bytes[i], sizeof items[i].last);
+void Compute(const CustomTables& tables, std::span<CustomRefreshItem> items) {
+  for (CustomRefreshItem& item : items) {
+    EncodeCustomValue(item.entry->type, ValueOf(tables, *item.entry), item.bytes);
   }
 }
 
-void RunBatch(const CustomTables& tables, CustomRefreshItem* items, CustomRefreshBatch* batch) {
-  uint8_t bytes[batchItems][8];
-  bool changed = batch->shared || !batch->stored;
-  for (uint32_t i = 0; i < batch->count; ++i) {
-    EncodeCustomValue(items[i].entry->type, ValueOf(tables, *items[i].entry), bytes[i]);
-    changed = changed || std::memcmp(bytes[i], items[i].last, sizeof items[i].last) != 0;
-  }
-  // Nobody but us has touched the memory since these very bytes were stored: they are there.
-  if (!changed && batch->generation == memoryGeneration.load(std::memory_order_relaxed)) {
-    refreshCounters.stored++;
-    return;
-  }
-  if (TryEnterLock(&offsetLock) == 0) {
-    refreshCounters.dropped++;
-    return;
-  }
+// Whatever stands in the memory is replaced: others than clients write there too. Returns 0 when the lock is
+// busy.
+int TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
+  if (TryEnterLock(&offsetLock) == 0) return 0;
   // A client may have withdrawn the tables while we computed: its clear must be the last word.
   if (publishedTables.load(std::memory_order_relaxed) == &tables) {
-    StoreItems(items, batch->count, bytes);
-    batch->generation = memoryGeneration.load(std::memory_order_relaxed);
-    batch->stored = true;
+    for (const CustomRefreshItem& item : items) {
+      std::memcpy(offsetMemory.bytes + item.entry->offset, item.bytes, item.entry->size);
+    }
   }
   LeaveLock(&offsetLock);
-  refreshCounters.stored++;
+  return 1;
+}
+
+// A refresh counts once, as stored or as dropped.
+void CountStored(int stored, bool counts) {
+  if (counts) (stored != 0 ? refreshCounters.stored : refreshCounters.dropped)++;
 }
 
 bool IsRefreshed(const CustomOffsetEntry& entry) {
   return entry.number >= 1 && entry.number <= customRefreshGroups && entry.size > 0;
-}
-
-// How many refreshed things cover each byte that a 16-bit offset can reach, the catalogue's rows included.
-std::vector<uint8_t> CountRefreshes(const CustomTables& tables) {
-  std::vector<uint8_t> count(0x10000 + 8);
-  const auto cover = [&count](uint32_t offset, uint32_t size) {
-    for (uint32_t at = offset; at < offset + size && at < count.size(); ++at) {
-      if (count[at] < 2) ++count[at];
-    }
-  };
-  for (const RowTable* table : Catalogue()) {
-    for (const OffsetRow& row : table->rows) {
-      if (row.cycle != Cycle::None) cover(row.offset, StoredWidth(row));
-    }
-  }
-  for (const CustomOffsetEntry& entry : tables.offsets) {
-    if (IsRefreshed(entry)) cover(entry.offset, entry.size);
-  }
-  return count;
 }
 
 void SetDataref(const CustomDatarefEntry& dataref, double value) {
@@ -115,6 +87,8 @@ void SetDataref(const CustomDatarefEntry& dataref, double value) {
   }
 }
 
+bool Ends(const CommandAction& action, double value) { return action.mode == 0 && value != action.value; }
+
 void End(CommandAction* action) {
   if (!action->held) return;
   action->held = false;
@@ -124,7 +98,7 @@ void End(CommandAction* action) {
 void Act(CommandAction* action, double value) {
   if (action->handle == nullptr) return;
   if (value != action->value) {
-    if (action->mode == 0) End(action);
+    if (Ends(*action, value)) End(action);
   } else if (action->mode == 1) {
     XPLMCommandOnce(action->handle);
   } else if (!action->held) {
@@ -134,44 +108,85 @@ void Act(CommandAction* action, double value) {
 }
 
 // The groups of an entry whose slots are among its first `actionCount`.
-uint32_t ActiveGroups(const CustomCommandEntry& entry) {
-  return entry.actionCount <= 0 ? 0
-                                : std::min(entry.groupCount, static_cast<uint32_t>(entry.actionCount + 2) / 3);
+template <typename Tables>
+auto ActionsOf(Tables& tables, const CustomCommandEntry& entry) {
+  const uint32_t groups =
+      entry.actionCount <= 0 ? 0 : std::min(entry.groupCount, static_cast<uint32_t>(entry.actionCount + 2) / 3);
+  return std::span(tables.actions).subspan(entry.firstGroup, groups);
+}
+
+uint32_t PlaceOf(const CustomTables& tables, const CustomCommandEntry& entry) {
+  return static_cast<uint32_t>(&entry - tables.commands.data());
+}
+
+// A pending command makes room for another one: what it ends is kept. Offset lock held.
+void KeepEnds(const CustomTables& tables, const CustomCommandWrite& displaced) {
+  const auto actions = ActionsOf(tables, *displaced.entry);
+  if (std::none_of(actions.begin(), actions.end(),
+                   [&](const CommandAction& action) { return Ends(action, displaced.value); })) {
+    return;
+  }
+  const uint32_t place = PlaceOf(tables, *displaced.entry);
+  CustomCommandEnd& end = tables.ends[place];
+  end.value = displaced.value;
+  end.waiting = true;
+  if (end.listed) return;
+  end.listed = true;
+  tables.endList[customEndCount++] = place;
+}
+
+// Moves the kept ends out and returns how many there are. Simulator's thread, offset lock held.
+uint32_t TakeEnds(CustomTables* tables) {
+  uint32_t taken = 0;
+  for (uint32_t i = 0; i < customEndCount; ++i) {
+    CustomCommandEnd& end = tables->ends[tables->endList[i]];
+    if (end.waiting) tables->endsTaken[taken++] = {&tables->commands[tables->endList[i]], end.value};
+    end = {};
+  }
+  customEndCount = 0;
+  return taken;
 }
 
 }  // namespace
 
-void BuildCustomRefresh(CustomTables* tables) {
-  const std::vector<uint8_t> count = CountRefreshes(*tables);
+void PrepareCustomTables(CustomTables* tables) {
   for (const CustomOffsetEntry& entry : tables->offsets) {
-    if (!IsRefreshed(entry)) continue;
-    CustomRefreshGroup& group = tables->refresh[entry.number - 1];
-    if (group.batches.empty() || group.batches.back().count == batchItems) {
-      group.batches.push_back({static_cast<uint32_t>(group.items.size()), 0, 0, false, false});
-    }
-    CustomRefreshBatch& batch = group.batches.back();
-    for (uint32_t at = entry.offset; at < uint32_t{entry.offset} + entry.size; ++at) {
-      batch.shared = batch.shared || count[at] > 1;
-    }
-    group.items.push_back({&entry, {}});
-    ++batch.count;
+    if (IsRefreshed(entry)) tables->refresh[entry.number - 1].push_back({&entry, {}, false});
   }
+  tables->ends = std::make_unique<CustomCommandEnd[]>(tables->commands.size());
+  tables->endList = std::make_unique<uint32_t[]>(tables->commands.size());
+  tables->endsTaken = std::make_unique<CustomCommandWrite[]>(tables->commands.size());
 }
 
 void RefreshCustomOffsets(int group) {
   CustomTables* tables = loadedTables;
   if (tables == nullptr || publishedTables.load(std::memory_order_relaxed) != tables) return;
-  CustomRefreshGroup& refreshed = tables->refresh[group - 1];
-  for (CustomRefreshBatch& batch : refreshed.batches) {
-    RunBatch(*tables, refreshed.items.data() + batch.first, &batch);
+  const std::span<CustomRefreshItem> all = tables->refresh[group - 1];
+  const auto batchAt = [&](size_t first) {
+    return all.subspan(first, std::min(batchItems, all.size() - first));
+  };
+  size_t missed = all.size();  // where the first batch stands that found the lock busy
+  for (size_t first = 0; first < all.size(); first += batchItems) {
+    Compute(*tables, batchAt(first));
+    all[first].missed = TryStore(*tables, batchAt(first)) == 0;
+    if (all[first].missed) {
+      missed = std::min(missed, first);
+    } else {
+      refreshCounters.stored++;
+    }
+  }
+  // Once more, and all from the first missed one on: of entries over the same bytes the later one must show.
+  for (size_t first = missed; first < all.size(); first += batchItems) {
+    CountStored(TryStore(*tables, batchAt(first)), all[first].missed);
   }
 }
 
 void RefreshCustomOffset(const CustomOffsetEntry& entry) {
   if (loadedTables == nullptr || entry.size == 0) return;
-  CustomRefreshItem item = {&entry, {}};
-  CustomRefreshBatch batch = {0, 1, 0, false, false};
-  RunBatch(*loadedTables, &item, &batch);
+  CustomRefreshItem item = {&entry, {}, false};
+  const std::span<CustomRefreshItem> items(&item, 1);
+  Compute(*loadedTables, items);
+  CountStored(TryStore(*loadedTables, items), true);
 }
 
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {
@@ -215,24 +230,34 @@ void WriteCustomOffset(const CustomOffsetEntry& entry, const uint8_t* data) {
 void WriteCommandOffset(const CustomCommandEntry& entry, const uint8_t* data) {
   assert(HoldsLock(&offsetLock));
   if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
+  const CustomTables& tables = *publishedTables.load(std::memory_order_relaxed);
+  if (pendingCommand.entry != nullptr && pendingCommand.entry != &entry) KeepEnds(tables, pendingCommand);
   pendingCommand = {&entry, DecodeCustomValue(entry.type, data)};
+  tables.ends[PlaceOf(tables, entry)].waiting = false;  // the newer write of the same offset decides
   customPending.store(1, std::memory_order_relaxed);
 }
 
 void ApplyPendingCustomWrites() {
   if (customPending.load(std::memory_order_relaxed) == 0) return;
   PendingCustomWrite write = {};
-  PendingCustomCommand command = {};
+  CustomCommandWrite command = {};
+  uint32_t ends = 0;
   {
     const LockScope lock(&offsetLock);
     customPending.store(0, std::memory_order_relaxed);
     std::swap(write, pendingWrite);
     std::swap(command, pendingCommand);
+    if (customEndCount != 0) ends = TakeEnds(loadedTables);
   }
   // A client may withdraw the tables from here on; only this thread frees them.
+  for (uint32_t i = 0; i < ends; ++i) {
+    const CustomCommandWrite& displaced = loadedTables->endsTaken[i];
+    for (CommandAction& action : ActionsOf(*loadedTables, *displaced.entry)) {
+      if (Ends(action, displaced.value)) End(&action);
+    }
+  }
   if (command.entry != nullptr) {
-    CommandAction* actions = loadedTables->actions.data() + command.entry->firstGroup;
-    for (uint32_t i = 0; i < ActiveGroups(*command.entry); ++i) Act(&actions[i], command.value);
+    for (CommandAction& action : ActionsOf(*loadedTables, *command.entry)) Act(&action, command.value);
   }
   if (write.target != nullptr) {
     const Operation* operations = loadedTables->operations.data() + write.expression.first;

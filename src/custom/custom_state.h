@@ -12,10 +12,6 @@ struct PendingCustomWrite {
   Expression expression;
   double input;  // the written value
 };
-struct PendingCustomCommand {
-  const CustomCommandEntry* entry;  // null: nothing pending
-  double value;
-};
 
 // Owned by the simulator's thread; null before the first load and while there is nothing.
 extern CustomTables* loadedTables;
@@ -23,14 +19,14 @@ extern CustomTables* loadedTables;
 extern std::atomic<const CustomTables*> publishedTables;
 // Under the offset lock.
 extern PendingCustomWrite pendingWrite;
-extern PendingCustomCommand pendingCommand;
+extern CustomCommandWrite pendingCommand;  // entry null: nothing pending
 // Raised under the offset lock with either pending slot, so that frames without any pass without the lock.
 extern std::atomic<uint32_t> customPending;
-// Bits of reloads that clients ask for; set under the offset lock.
-constexpr uint32_t reloadAsked = 1, clearAsked = 2;
-extern std::atomic<uint32_t> customRequests;
+// How much of the published tables' `endList` is in use. Under the offset lock.
+extern uint32_t customEndCount;
 
-// Sorts the refreshed entries of the tables into groups and batches. Simulator's thread.
-void BuildCustomRefresh(CustomTables* tables);
+// Makes what the tables need at run time: the refresh groups and room for displaced commands. Simulator's
+// thread, before they are published.
+void PrepareCustomTables(CustomTables* tables);
 // Ends every command that is held down. Simulator's thread, no lock held.
 void EndHeldCommands(CustomTables* tables);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -12,14 +13,15 @@
 #include "custom/custom_state.h"
 #include "custom/expression.h"
 #include "offsets/memory.h"
+#include "platform/clock.h"
 #include "shell/log.h"
 
 CustomTables* loadedTables;
 std::atomic<const CustomTables*> publishedTables;
 PendingCustomWrite pendingWrite;
-PendingCustomCommand pendingCommand;
+CustomCommandWrite pendingCommand;
 std::atomic<uint32_t> customPending;
-std::atomic<uint32_t> customRequests;
+uint32_t customEndCount;
 
 namespace {
 
@@ -27,6 +29,15 @@ constexpr size_t largestFile = 64u << 20;  // bytes; what is larger is no file o
 constexpr char errorLine[] = "Error reading TAVRIXOffsets.cfg\n";
 constexpr char clearLine[] = "Clear TAVRIXOffsets.cfg by user\n";
 constexpr char reloadLine[] = "Reload TAVRIXOffsets.cfg\n";
+
+// What clients ask for: bits, set under the offset lock.
+constexpr uint32_t reloadAsked = 1;
+constexpr uint32_t clearAsked = 2;
+constexpr uint32_t withdrawn = 4;  // the tables were withdrawn for it: do it in the next frame
+std::atomic<uint32_t> requests;
+// Before this time requests are collected. Under the offset lock.
+constexpr int64_t pauseNanoseconds = 1'000'000'000;
+int64_t nextReload;
 
 std::string FilePath() {
   char systemPath[1024] = "";
@@ -79,6 +90,7 @@ void Withdraw() {
   publishedTables = nullptr;
   pendingWrite = {};
   pendingCommand = {};
+  customEndCount = 0;
 }
 
 void Load() {
@@ -90,11 +102,11 @@ void Load() {
   }
   LookUpDatarefs(tables.get());
   LookUpActions(tables.get());
-  BuildCustomRefresh(tables.get());
+  PrepareCustomTables(tables.get());
   loadedTables = tables.release();
   const LockScope lock(&offsetLock);
-  // A client may have asked for yet another load meanwhile: then these are old already.
-  if (customRequests == 0) publishedTables = loadedTables;
+  // A client may have withdrawn the tables before these were read: they wait for its load then.
+  if ((requests & withdrawn) == 0) publishedTables = loadedTables;
 }
 
 template <typename Key>
@@ -132,29 +144,42 @@ void ReloadCustomOffsets() {
   LoadCustomOffsets();
 }
 
+void ForgetCustomRequests() {
+  requests = 0;
+  nextReload = 0;
+}
+
 void RequestCustomReload(uint32_t offset) {
+  uint32_t asked = reloadAsked;
   if (offset == customClearOffset) {
     Store<uint8_t>(customClearOffset, 0);
-    NoteMemoryChanged();
-    LogLine(clearLine);
+    asked = clearAsked;
   }
-  Withdraw();
-  customRequests.fetch_or(offset == customClearOffset ? clearAsked : reloadAsked);
+  if (requests == 0 && MonotonicNanoseconds() >= nextReload) {
+    Withdraw();
+    asked |= withdrawn;
+  }
+  requests.fetch_or(asked);
 }
 
 void TakeCustomReload() {
-  if (customRequests.load(std::memory_order_relaxed) == 0) return;
+  const uint32_t waiting = requests.load(std::memory_order_relaxed);
+  if (waiting == 0) return;
+  // This thread alone sets the time.
+  if ((waiting & withdrawn) == 0 && MonotonicNanoseconds() < nextReload) return;
   uint32_t taken = 0;
   {
     const LockScope lock(&offsetLock);
-    taken = customRequests.exchange(0);
+    taken = requests.exchange(0);
+    nextReload = std::numeric_limits<int64_t>::max();  // what is asked for during the load waits
   }
+  if ((taken & clearAsked) != 0) LogLine(clearLine);
   LogLine(reloadLine);
   LoadCustomOffsets();
   const LockScope lock(&offsetLock);
-  if ((taken & clearAsked) == 0 || (customRequests & clearAsked) != 0) return;
+  nextReload = MonotonicNanoseconds() + pauseNanoseconds;
+  if ((taken & clearAsked) == 0 || (requests & clearAsked) != 0) return;
   Store<uint8_t>(customClearOffset, 0);  // the client's own 1 was copied over the dispatcher's 0
-  NoteMemoryChanged();
 }
 
 const CustomOffsetEntry* FindCustomOffset(uint32_t offset) {

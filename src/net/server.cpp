@@ -177,7 +177,6 @@ void AdmitClient(Socket* connection, const SocketAddress& peer) {
   {
     LockScope lock(&offsetLock);
     Store<uint16_t>(connectedOffset, connectedMark);
-    NoteMemoryChanged();
   }
   WaitWaker(&serverWaker, acceptedPauseMs);
 }

@@ -8,7 +8,6 @@
 
 RelayRecordStore relayRecordStore;
 std::atomic<uint32_t> clientEntryWritten;
-std::atomic<uint32_t> weatherBlockRequested;
 std::atomic<uint32_t> weatherBlockReady;
 AtcTexts atcTexts;
 
@@ -19,6 +18,7 @@ constexpr uint32_t maxWidth = 252;
 struct DispatchEntry {
   DispatchAction action;
   uint8_t width;
+  bool overlapped;  // another entry covers some of its bytes: their staged values are one
 };
 DispatchEntry table[offsetMemorySize];  // one entry an offset: no search
 
@@ -34,9 +34,24 @@ void KeepAtcText(uint32_t bit, char (&text)[atcTextSize + 1], const uint8_t* byt
   atcTexts.changed.fetch_or(bit);
 }
 
-// Hands a value to the user's own entries at this offset. Returns how far the walk goes on, 0 when there is no
-// custom offset (a command alone does not end the look-ups).
-uint32_t DispatchCustom(uint32_t at, const uint8_t* data, uint32_t supplied) {
+uint32_t EndOf(uint32_t offset) { return offset + table[offset].width; }
+
+// Calls `see` for every entry that covers bytes of the range.
+template <typename See>
+void ForEntriesWithin(uint32_t offset, uint32_t size, See see) {
+  for (uint32_t at = offset > maxWidth ? offset - maxWidth : 0; at < offset + size; ++at) {
+    if (table[at].width != 0 && EndOf(at) > offset) see(at);
+  }
+}
+
+// What a walk did with the user's own entries at an offset.
+struct CustomOutcome {
+  uint32_t offsetSize;   // of the custom offset, which ends the look-ups; 0 for none
+  uint32_t commandSize;  // of the command, which lets the fixed offset have the value too; 0 for none
+};
+
+// Hands a value to the user's own entries at this offset.
+CustomOutcome DispatchCustom(uint32_t at, const uint8_t* data, uint32_t supplied) {
   uint8_t value[8];
   const auto take = [&](uint32_t offset, uint32_t size) {
     const uint32_t given = std::min(size, supplied);
@@ -44,23 +59,30 @@ uint32_t DispatchCustom(uint32_t at, const uint8_t* data, uint32_t supplied) {
     std::memcpy(value + given, offsetMemory.bytes + offset + given, size - given);
     return value;
   };
+  CustomOutcome outcome = {};
   if (const CustomCommandEntry* command = FindCustomCommand(at)) {
     WriteCommandOffset(*command, take(command->offset, command->size));
+    outcome.commandSize = command->size;
   }
   const CustomOffsetEntry* entry = FindCustomOffset(at);
-  if (entry == nullptr || entry->size == 0) return 0;
+  if (entry == nullptr || entry->size == 0) return outcome;
   WriteCustomOffset(*entry, take(entry->offset, entry->size));
-  return entry->size;
+  outcome.offsetSize = entry->size;
+  return outcome;
 }
 
 }  // namespace
 
-void ResetDispatchTable() {
-  weatherBlockRequested = 0;
+void ClearRequestMarks() {
   weatherBlockReady = 0;
   relayRecordStore.waiting = 0;
+  clientEntryWritten = 0;
   atcTexts.changed = 0;
-  for (DispatchEntry& entry : table) entry = {DispatchAction::None, 0};
+}
+
+void ResetDispatchTable() {
+  ClearRequestMarks();
+  for (DispatchEntry& entry : table) entry = {DispatchAction::None, 0, false};
   AddDispatchEntry(0x3130, atcTextSize, DispatchAction::AtcNumber);
   AddDispatchEntry(0x313C, atcTextSize, DispatchAction::AtcTailNumber);
   AddDispatchEntry(weatherAreaOffset, 1, DispatchAction::WeatherArea);
@@ -71,26 +93,42 @@ void ResetDispatchTable() {
 }
 
 void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action) {
-  table[offset] = {action, static_cast<uint8_t>(std::min(width, maxWidth))};
+  table[offset] = {action, static_cast<uint8_t>(std::min(width, maxWidth)), false};
+  ForEntriesWithin(offset, table[offset].width, [offset](uint32_t other) {
+    if (other != offset) table[other].overlapped = table[offset].overlapped = true;
+  });
 }
 
 uint32_t DispatchWidth(uint32_t offset) { return table[offset].width; }
 
-int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data) {
+int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks) {
   uint32_t done = 0;
   while (done < size) {
     const uint32_t at = offset + done;
-    if (const uint32_t custom = DispatchCustom(at, data + done, size - done); custom != 0) {
-      done += custom;
+    const CustomOutcome custom = DispatchCustom(at, data + done, size - done);
+    if (custom.offsetSize != 0) {
+      done += custom.offsetSize;
       continue;
     }
     const DispatchEntry entry = table[at];
-    if (entry.action == DispatchAction::None) return 0;
+    if (entry.action == DispatchAction::None) {
+      if (custom.commandSize == 0) return 0;
+      done += custom.commandSize;
+      continue;
+    }
     const uint32_t supplied = size - done;
     uint32_t width = entry.width;
     if (entry.action == DispatchAction::StageTwoOrFour) width = supplied >= 4 ? 4 : 2;
 
-    // The new value: what the client supplied, missing bytes from the offset memory.
+    // A value that waits for the write cycle counts, not the memory, where a refresh may have put the
+    // simulator's own value back meanwhile: else the way back to that value would be no change.
+    uint8_t mixed[maxWidth];
+    const uint8_t* latest = (pendingFlags.flags[at] != 0 ? pendingValues.bytes : offsetMemory.bytes) + at;
+    if (entry.overlapped) {
+      CopyLatest(at, width, mixed);
+      latest = mixed;
+    }
+    // The new value: what the client supplied, and the missing bytes.
     uint8_t value[maxWidth];
     const uint32_t given = std::min(width, supplied);
     std::memcpy(value, data + done, given);
@@ -98,10 +136,10 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data) {
       if (entry.action == DispatchAction::StageText) {
         std::memset(value + given, 0, width - given);
       } else {
-        std::memcpy(value + given, offsetMemory.bytes + at + given, width - given);
+        std::memcpy(value + given, latest + given, width - given);
       }
     }
-    const bool differs = std::memcmp(value, offsetMemory.bytes + at, width) != 0;
+    const bool differs = std::memcmp(value, latest, width) != 0;
 
     switch (entry.action) {
       case DispatchAction::StageAlways:
@@ -114,7 +152,7 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data) {
         if (differs) KeepAtcText(2, atcTexts.tailNumber, value);
         break;
       case DispatchAction::WeatherArea:
-        weatherBlockRequested = 1;
+        marks->weatherArea = true;
         break;
       case DispatchAction::RelayRecord:
         std::memcpy(relayRecordStore.bytes, value, relayRecordSize);
@@ -135,6 +173,16 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data) {
   return 1;
 }
 
-void FinishRequest() {
-  if (weatherBlockRequested.exchange(0) != 0) weatherBlockReady = 1;
+void CopyLatest(uint32_t offset, uint32_t size, void* bytes) {
+  std::memcpy(bytes, offsetMemory.bytes + offset, size);
+  ForEntriesWithin(offset, size, [&](uint32_t at) {
+    if (pendingFlags.flags[at] == 0) return;
+    const uint32_t first = std::max(at, offset);
+    const uint32_t end = std::min(EndOf(at), offset + size);
+    std::memcpy(static_cast<uint8_t*>(bytes) + (first - offset), pendingValues.bytes + first, end - first);
+  });
+}
+
+void FinishRequest(const RequestMarks& marks) {
+  if (marks.weatherArea) weatherBlockReady = 1;
 }

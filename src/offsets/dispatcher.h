@@ -27,9 +27,14 @@ constexpr uint32_t clientEntryOffset = 0x1F80;
 constexpr uint32_t clientEntrySize = 40;
 extern std::atomic<uint32_t> clientEntryWritten;
 
-// The weather area from 0xC800 is acted on only after the whole request that wrote it: the dispatcher
-// raises `Requested`, the request handler turns it into `Ready`, the write cycle takes that.
-extern std::atomic<uint32_t> weatherBlockRequested;
+// What the records of one request have left for its end. Kept by whoever serves the request, so that several
+// server threads do not end each other's.
+struct RequestMarks {
+  bool weatherArea;  // the area from 0xC800 was written
+};
+
+// The weather area from 0xC800 is acted on only after the whole request that wrote it: FinishRequest raises
+// this, the write cycle takes it.
 extern std::atomic<uint32_t> weatherBlockReady;
 
 // New ATC number and tail number that the write cycle saves into the settings file. Under the offset lock.
@@ -62,11 +67,20 @@ void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action);
 // Width with which writes at this offset are dispatched, 0 for none.
 uint32_t DispatchWidth(uint32_t offset);
 
+// Forgets what clients left for the simulator's thread apart from staged values: weather area, relay record,
+// traffic entry, ATC texts. Simulator's thread, at enable, before anybody can write.
+void ClearRequestMarks();
+
 // Walks a client's write of `size` bytes at `offset`; `data` is private memory (never the client's own).
-// offset + size lies within the offset memory. Any thread, offset lock held; call it before the bytes are
-// copied into the offset memory. Returns 1 when every byte was recognised, 0 when the walk stopped at an
-// offset without a meaning for writes (the bytes behind it are not examined).
-int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data);
+// offset + size lies within the offset memory. A value is staged when it differs from the one that still waits
+// there, or, with none waiting, from the offset memory; bytes that the write does not supply are taken from
+// the same place. Any thread, offset lock held; call it before the bytes are copied into the offset memory.
+// `marks` are the request's own. Returns 1 when every byte was recognised, 0 when the walk stopped at an offset
+// without a meaning for writes (the bytes behind it are not examined).
+int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks);
+// What clients have last left in a range: the offset memory, with the staged values that still wait on top of
+// it. Any thread, offset lock held.
+void CopyLatest(uint32_t offset, uint32_t size, void* bytes);
 
 // Ends a request: a weather area that it wrote is ready now. Any thread.
-void FinishRequest();
+void FinishRequest(const RequestMarks& marks);

@@ -8,8 +8,9 @@
 //   3. traffic slot lock  (slots of the traffic threads)
 //   4. offset lock        (offset memory, pending values and flags, request counters)
 // The trace lock is taken only with no other lock held. The spare lock is never entered. No simulator call
-// is ever made while any of them is held. Log lines may be written with any of them held: the log's own lock
-// is the innermost of all and is known to the log alone.
+// is ever made while any of them is held, and nothing blocks under the offset lock: log lines are written, and
+// a client's own memory is filled, after it is left. Log lines may be written with any other of them held: the
+// log's own lock is the innermost of all and is known to the log alone.
 #pragma once
 #include "platform/lock.h"
 

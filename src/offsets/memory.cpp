@@ -5,7 +5,6 @@ PendingValues pendingValues;
 PendingFlags pendingFlags;
 RequestCounters requestCounters;
 std::atomic<uint32_t> anythingPending;
-std::atomic<uint32_t> memoryGeneration;
 
 void ClearOffsetMemory() {
   offsetMemory = {};
@@ -13,7 +12,6 @@ void ClearOffsetMemory() {
   pendingFlags = {};
   requestCounters = {};
   anythingPending = 0;
-  NoteMemoryChanged();
 }
 
 void PlaceStartValues() {
@@ -22,5 +20,4 @@ void PlaceStartValues() {
   std::memcpy(offsetMemory.bytes + 0x6F03, "2.0.", 4);
   std::memcpy(offsetMemory.bytes + 0x6F07, "5.25", 4);
   Store<uint16_t>(0x3BFA, 2047);
-  NoteMemoryChanged();
 }

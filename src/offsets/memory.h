@@ -45,9 +45,6 @@ extern RequestCounters requestCounters;
 // Raised (under the offset lock) whenever a flag is set, taken by the write cycle: frames without client
 // writes pass all writers without entering the lock once for each.
 extern std::atomic<uint32_t> anythingPending;
-// Grows (under the offset lock) whenever anything but a refresh reader changes the offset memory. Who has
-// looked at or stored something there need not do it again while this stands still.
-extern std::atomic<uint32_t> memoryGeneration;
 
 // Typed access, little-endian at any alignment. Call with the offset lock held.
 template <typename T>
@@ -72,9 +69,6 @@ T LoadPending(uint32_t offset) {
   std::memcpy(&value, pendingValues.bytes + offset, sizeof(T));
   return value;
 }
-
-// A change of the memory by anything but a refresh reader: any thread, offset lock held.
-inline void NoteMemoryChanged() { memoryGeneration.fetch_add(1, std::memory_order_relaxed); }
 
 // Clears memory, staged values, flags, counters and request marks. Simulator's thread, at start only.
 void ClearOffsetMemory();

@@ -70,7 +70,6 @@ int FillPathBlock(uint32_t offset, uint32_t length, PathSource source) {
       case pathBlock:
         std::memcpy(offsetMemory.bytes + pathBlock, source == PathSource::Local ? localFolder : networkFolder,
                     folderSize);
-        NoteMemoryChanged();
         consumed += 256;
         break;
       default:

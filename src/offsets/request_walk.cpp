@@ -34,22 +34,22 @@ void ServeRead(const RecordHeader& record, uint8_t* answer, PathSource source, u
     LockScope lock(&offsetLock);
     requestCounters.bytesRead += record.size;
     FillPathBlock(record.offset, record.size, source);
-    std::memcpy(answer, offsetMemory.bytes + record.offset, record.size);
-    if (traced) std::memcpy(scratch->bytes, offsetMemory.bytes + record.offset, record.size);
+    std::memcpy(scratch->bytes, offsetMemory.bytes + record.offset, record.size);
   }
+  // Not under the lock: a page of the client's memory may take its time to come.
+  std::memcpy(answer, scratch->bytes, record.size);
   if (traced) TraceServed(0, request, record, scratch->bytes, source);
 }
 
 void ServeWrite(const RecordHeader& record, const uint8_t* data, PathSource source, uint32_t request,
-                RequestScratch* scratch) {
+                RequestScratch* scratch, RequestMarks* marks) {
   if (record.size == 0) return;
   std::memcpy(scratch->bytes, data, record.size);
   {
     LockScope lock(&offsetLock);
     requestCounters.bytesWritten += record.size;
-    DispatchWrite(record.offset, record.size, scratch->bytes);
+    DispatchWrite(record.offset, record.size, scratch->bytes, marks);
     std::memcpy(offsetMemory.bytes + record.offset, scratch->bytes, record.size);
-    NoteMemoryChanged();
   }
   if (writeTrace.load(std::memory_order_relaxed) != 0) {
     TraceServed(1, request, record, scratch->bytes, source);
@@ -70,7 +70,7 @@ void RefuseUnknown(uint8_t* record, PathSource source) {
 }
 
 int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
-                size_t* position) {
+                RequestMarks* marks, size_t* position) {
   size_t& at = *position;
   for (;;) {
     if (size - at < sizeof(uint32_t)) return 0;  // no end before the block's end
@@ -93,7 +93,7 @@ int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request
     } else if (scratch->refusesWrites) {
       ++scratch->refusedWrites;
     } else if (record.offset == offsetMemorySize || VariablesAccessMemBlock[record.offset] != accessReadOnly) {
-      ServeWrite(record, data, source, request, scratch);
+      ServeWrite(record, data, source, request, scratch, marks);
     }
     at += headerSize + record.size;
   }
@@ -109,9 +109,10 @@ uint32_t CountRequest() {
 int ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
                  size_t* consumed) {
   size_t position = 0;
-  const int result = WalkRecords(block, size, source, request, scratch, &position);
+  RequestMarks marks = {};
+  const int result = WalkRecords(block, size, source, request, scratch, &marks, &position);
   if (consumed != nullptr) *consumed = position;
-  FinishRequest();
+  FinishRequest(marks);
   if (readTrace.load(std::memory_order_relaxed) != 0 || writeTrace.load(std::memory_order_relaxed) != 0) {
     LockScope lock(&traceLock);
     FlushTrace();

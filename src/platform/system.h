@@ -34,8 +34,9 @@ int FlushToDisk(FILE* file);
 // Puts `from` in the place of `to` in one step, so that at every moment either the old or the new content
 // stands under the name. Returns 1, or 0 with both files as they were.
 int ReplaceFile(const char* from, const char* to);
-// Last system error as text, for log lines.
+// Last system error as text, for log lines, and as the system's own number.
 std::string SystemErrorText();
+int SystemErrorNumber();
 // Open handles or file descriptors of this process, or -1; for tests and diagnostics.
 int CountProcessHandles();
 // Bytes of private memory in use by this process, or -1; for tests and diagnostics.

@@ -39,7 +39,7 @@ int active;
 float speed;     // m/s
 int turning;     // a turn step has run: the turn speed counts
 int hasTurned;   // since the module was loaded
-float turnRate;  // degrees a frame; kept from one turn to the next
+float turnRate;  // degrees a frame; kept from one turn to the next until a crash or the next enable
 double turnedAngle;
 int distanceReached;
 bool monitored;  // the distance monitor is registered
@@ -66,6 +66,12 @@ void Stop() {
   pushbackMode = pushbackOff;
   active = 0;
   SetOverrides(0);
+}
+
+// No roll-out. The turn rate stays for the next turn.
+void StandStill() {
+  speed = 0;
+  turning = 0;
 }
 
 void Start(int mode) {
@@ -174,8 +180,7 @@ void CommandPushback(uint32_t command) {
     return;
   }
   if (ParkingBrakeSet()) {
-    turning = 0;
-    speed = 0;
+    StandStill();
     distanceReached = 0;
     Stop();
     return;
@@ -194,11 +199,12 @@ void PushbackStep() {
   ApplyVelocity();
   if (pushbackMode == pushbackTurnUp || pushbackMode == pushbackTurnDown) Turn();
   if (!ParkingBrakeSet()) return;
-  AbortPushback();
+  Stop();
+  StandStill();
 }
 
 void AbortPushback() {
   if (active != 0) Stop();
-  speed = 0;
-  turning = 0;
+  StandStill();
+  turnRate = 0;
 }

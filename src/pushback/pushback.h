@@ -25,5 +25,5 @@ void LoadPushbackSettings();
 void CommandPushback(uint32_t command);
 // One frame's work; every frame.
 void PushbackStep();
-// The aircraft has crashed: ends pushback at once, without rolling out.
+// The aircraft has crashed: ends pushback at once, without rolling out; the next turn begins slowly again.
 void AbortPushback();

@@ -82,7 +82,6 @@ void PublishAtcTexts() {
   };
   publish(0x3130, settings.atcNumber);
   publish(0x313C, settings.atcTailNumber);
-  NoteMemoryChanged();
 }
 
 void StartThreads() {
@@ -111,8 +110,8 @@ float DeferredStart(float, float, int, void*) {
     } else {
       threadsStarted = 1;
       StartThreads();
+      FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr"));
     }
-    FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr"));
   } catch (...) {
   }
   return 0;
@@ -134,13 +133,14 @@ void EnableClientMode() {
 void EnableServerMode() {
   OpenRelay(RelayRole::Sender);
   LogLine("TAVRIX->TAVRIX2TAVRIX mode not active, init flightloops\n");
-  BindReaders();
   ForgetStations();
   anythingPending = 1;  // flags that were raised while nobody applied them
   navigationPending = 1;
-  aircraftChanged = 1;
+  aircraftChanged = 0;  // every cycle runs within the first second
   RegisterFlightLoops(DeferredStart);
   if (terrainProbe == nullptr) terrainProbe = XPLMCreateProbe(xplm_ProbeY);
+  RecogniseXSquawkBox();
+  BindReaders();
   LogLine("TAVRIX->Init pushback functions\n");
   InitPushback();
   LoadButtonAssignments();
@@ -220,6 +220,8 @@ int StartPlugin(char* name, char* signature, char* description) {
 }
 
 int EnablePlugin() {
+  ClearRequestMarks();
+  ForgetCustomRequests();
   ReadAllSettings();
   PublishAtcTexts();
   ReopenMainLog();
@@ -275,6 +277,7 @@ void DisablePlugin() {
   LogStamped("TAVRIX Disable !");
   readTrace = 0;
   writeTrace = 0;
+  ShowTraceSwitches();
   FlushLogs();
 }
 
@@ -297,7 +300,7 @@ void ReceivePluginMessage(int from, int message, void* parameter) {
   }
   switch (message) {
     case XPLM_MSG_PLANE_LOADED:
-      if (reinterpret_cast<intptr_t>(parameter) != 0) break;
+      if (reinterpret_cast<intptr_t>(parameter) != 0 || clientModeAtEnable != 0) break;
       if (TrafficRuns()) LoadAircraftList();
       DetectLoadedAircraft();
       BindReaders();

@@ -1,7 +1,4 @@
 // A slot thread: one other aircraft's entry and flight record, rewritten every 200 ms.
-//
-// Its stores are no change of the memory for the refresh readers (NoteMemoryChanged): no offset of theirs
-// lies in the table, and hundreds of such notes a second would make them store everything every frame.
 #include <algorithm>
 #include <cmath>
 #include <cstring>

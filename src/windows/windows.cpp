@@ -7,6 +7,7 @@
 #include "XPStandardWidgets.h"
 #include "XPWidgets.h"
 #include "bridge/cycles.h"
+#include "controls/buttons.h"
 #include "custom/custom.h"
 #include "net/net.h"
 #include "offsets/memory.h"
@@ -30,6 +31,7 @@ XPWidgetID writeTraceBox;
 XPWidgetID reloadButton;
 XPWidgetID requestLine;
 XPWidgetID droppedLine;
+XPWidgetID buttonLine;
 
 // A main window with close boxes, `lines` text lines high, near the screen's upper left corner.
 XPWidgetID MakeWindow(const char* title, int width, int lines, XPWidgetFunc_t handler) {
@@ -145,12 +147,12 @@ void MakePerformanceWindow() {
   requestLine = AddCaption(performanceWindow, 2, "");
   droppedLine = AddCaption(performanceWindow, 3, "");
   reloadButton = AddPushButton(performanceWindow, 4, "Reload TAVRIXOffsets.cfg");
+  buttonLine = AddCaption(performanceWindow, 5, "");
 }
 
 // The figures as they stand when the window is opened; switches are what disable left them.
 void FillPerformanceWindow() {
-  XPSetWidgetProperty(readTraceBox, xpProperty_ButtonState, static_cast<intptr_t>(readTrace.load()));
-  XPSetWidgetProperty(writeTraceBox, xpProperty_ButtonState, static_cast<intptr_t>(writeTrace.load()));
+  ShowTraceSwitches();
   RequestCounters counters = {};
   {
     LockScope lock(&offsetLock);
@@ -163,6 +165,8 @@ void FillPerformanceWindow() {
   XPSetWidgetDescriptor(droppedLine, ("Refreshes stored: " + std::to_string(refreshCounters.stored) +
                                       ", dropped: " + std::to_string(refreshCounters.dropped))
                                          .c_str());
+  const std::string buttons = WithoutLineEnd(ButtonStatus());
+  XPSetWidgetDescriptor(buttonLine, buttons.empty() ? "" : ("Joystick buttons: " + buttons).c_str());
 }
 
 void BringUp(XPWidgetID window) {
@@ -183,6 +187,12 @@ void OpenPerformanceWindow() {
   if (performanceWindow == nullptr) MakePerformanceWindow();
   if (performanceWindow != nullptr) FillPerformanceWindow();
   BringUp(performanceWindow);
+}
+
+void ShowTraceSwitches() {
+  if (performanceWindow == nullptr) return;
+  XPSetWidgetProperty(readTraceBox, xpProperty_ButtonState, static_cast<intptr_t>(readTrace.load()));
+  XPSetWidgetProperty(writeTraceBox, xpProperty_ButtonState, static_cast<intptr_t>(writeTrace.load()));
 }
 
 void ShowClientCount() {

@@ -11,5 +11,7 @@ void CloseAllWindows();
 // Tells the user what went wrong at start: a window with one caption and a close box. The text may be long.
 void OpenAlertWindow(const char* text);
 void CloseAlertWindow();
+// The switches of an open window follow the trace switches, which disable has put back.
+void ShowTraceSwitches();
 // Once per frame: when the number of network clients has changed, the version window's line follows.
 void ShowClientCount();

@@ -156,6 +156,37 @@ TEST_F(Buttons, EveryEdgeReachesTheSimulatorThread) {
   EXPECT_EQ(rows::Read<uint8_t>(0x66F4), 4) << "nobody listens";
 }
 
+// Two buttons act within a frame, and a refresh shows the simulator's own value again in between.
+TEST_F(Buttons, BitsOfTwoButtonsMeetInOneFrameThread) {
+  Settings(
+      "[JOYSTICK BUTTON SETTINGS]\n1599 = 66FF,1,1,0,0,0,0,0,0,0,0,0\n10 = 0D0C,2,0,-1,1,0,0,0,0,0,0,0\n"
+      "11 = 0D0C,2,1,-1,1,0,0,0,0,0,0,0\n");
+  ASSERT_EQ(StartButtonThread(), 1);
+  const uint16_t none = 0;
+  CopyToMemory(0x0D0C, sizeof none, &none);
+  Button(10, 1);
+  Drain();
+  CopyToMemory(0x0D0C, sizeof none, &none);
+  Button(11, 1);
+  Drain();
+  const LockScope lock(&offsetLock);
+  EXPECT_EQ(LoadPending<uint16_t>(0x0D0C), 3);
+}
+
+TEST_F(Buttons, FailingWaitIsToldOnceAndAppliesNothingThread) {
+  Settings("[JOYSTICK BUTTON SETTINGS]\n12 = 66F0,2,4660,0,0,0,0,0,0,0,0,0\n");
+  OpenLogs(custom::Folder().c_str(), nullptr);
+  EXPECT_EQ(ButtonStatus(), "");
+  ASSERT_EQ(StartButtonThread(), 1);
+  StopButtonThread();
+  Event none = {};
+  for (int i = 0; i < 3; ++i) RunButtonRound(&none);
+  const std::string told = ButtonStatus();
+  EXPECT_EQ(told.rfind("Wait error (", 0), 0u) << told;
+  EXPECT_EQ(told.find("(0)"), std::string::npos) << "the system's own number";
+  EXPECT_EQ(custom::Log(), told) << "once";
+}
+
 TEST_F(Buttons, StandInPressesAButtonThread) {
   Settings("[JOYSTICK BUTTON SETTINGS]\n12 = 66F0,2,4660,0,0,0,0,0,0,0,0,0\n");
   ASSERT_EQ(StartButtonThread(), 1);

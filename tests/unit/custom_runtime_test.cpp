@@ -4,7 +4,10 @@
 #include <chrono>
 #include <functional>
 #include <thread>
+#include <utility>
+#include <vector>
 
+#include "core/more_api.h"
 #include "custom/custom_parser.h"
 #include "custom_harness.h"
 
@@ -22,6 +25,11 @@ constexpr char psi[] = "sim/flightmodel/position/psi";
 constexpr char park[] = "sim/flightmodel/controls/parkbrake";
 const std::string aliases =
     "Dataref psi sim/flightmodel/position/psi float\nDataref park sim/flightmodel/controls/parkbrake float\n";
+
+std::string Hex(int offset) {
+  char text[8];
+  return {text, std::to_chars(text, text + sizeof text, offset, 16).ptr};
+}
 
 struct CustomRuntime : testing::Test {
   void SetUp() override { custom::Start(); }
@@ -89,6 +97,59 @@ TEST_F(CustomRuntime, SharedBytesAreStoredEveryTime) {
     RefreshCycle7(0, 0, 0, nullptr);
     EXPECT_EQ(Read<uint16_t>(0x66C0), 0x0902);
   }
+}
+
+// Threads of ours store into the memory as well, the traffic table's among them: the user's entry shows again
+// at the next run of its group, whether its value has changed or not.
+TEST_F(CustomRuntime, StoredAtEveryRunWhoeverHasWritten) {
+  std::string text;
+  for (int i = 0; i < 40; ++i) text += "Offset " + Hex(0xE080 + 4 * i) + " UINT32 1 r 7\n";
+  Load(text);
+  for (int run = 0; run < 3; ++run) {
+    {
+      const LockScope lock(&offsetLock);
+      std::memset(offsetMemory.bytes + 0xE080, 0x55, 160);
+    }
+    RefreshCustomOffsets(1);
+    for (uint32_t i = 0; i < 40; ++i) EXPECT_EQ(Read<uint32_t>(0xE080 + 4 * i), 7u) << i << " in run " << run;
+  }
+}
+
+TEST_F(CustomRuntime, BusyLockIsTriedAgainAtTheEndThread) {
+  // An entry of the second batch reads a dataref whose owner makes the holder let the lock go.
+  static std::atomic<int> stage;
+  static std::thread holder;
+  stage = 0;
+  XPLMDataRef owned = XPLMRegisterDataAccessor(
+      "t/lets_go", xplmType_Int, 0,
+      [](void*) {
+        stage = 2;
+        if (holder.joinable()) holder.join();
+        return 5;
+      },
+      nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+      nullptr, nullptr);
+  // Of the two entries over 0x671F the later one shows, also when only the batch of the earlier one was missed.
+  std::string text = "Dataref go t/lets_go int\n";
+  for (int i = 0; i < 32; ++i) text += "Offset " + Hex(0x6700 + i) + " UINT8 1 r 3\n";
+  text += "Offset 671F UINT16 1 r 1284\nOffset 6740 UINT8 1 r $go\n";
+  Load(text);
+  holder = std::thread([] {
+    const LockScope lock(&offsetLock);
+    stage = 1;
+    while (stage != 2) std::this_thread::yield();
+  });
+  while (stage != 1) std::this_thread::yield();
+  const RefreshCounters before = refreshCounters;
+  RefreshCustomOffsets(1);
+  EXPECT_EQ(refreshCounters.dropped, before.dropped) << "it was free at the second try";
+  EXPECT_EQ(refreshCounters.stored, before.stored + 2);
+  EXPECT_EQ(Read<uint8_t>(0x6700), 3);
+  EXPECT_EQ(Read<uint16_t>(0x671F), 1284);
+  EXPECT_EQ(Read<uint8_t>(0x6740), 5);
+  if (holder.joinable()) holder.join();
+  ClearCustomOffsets();
+  XPLMUnregisterDataAccessor(owned);
 }
 
 TEST_F(CustomRuntime, BusyLockSkipsTheRefreshThread) {
@@ -161,16 +222,14 @@ TEST_F(CustomRuntime, ClientWritesSetDatarefs) {
   Write<uint16_t>(0x66D4, 0x1FF);
   WriteFrame();
   EXPECT_EQ(Get("t/bytes", 1), 0xFF);
-  // An entry of size 0 is no end of the walk, but nothing fixed lies there either.
+  // An entry of size 0 is passed over, and nothing fixed lies there either.
   EXPECT_EQ(Write<uint8_t>(0x66DA, 1), 0);
   custom::Writes();
   // Extended offsets are searched by their low 16 bits.
   EXPECT_EQ(Write<int16_t>(0x166C0, 8), 1);
   WriteFrame();
   EXPECT_EQ(custom::Writes(), "sim/flightmodel/position/psi=4.0");
-  const uint8_t last[] = {1};
-  const LockScope lock(&offsetLock);
-  EXPECT_EQ(DispatchWrite(0x1FFFF, 1, last), 0);
+  EXPECT_EQ(Write<uint8_t>(0x1FFFF, 1), 0);
 }
 
 TEST_F(CustomRuntime, CommandsByMode) {
@@ -209,6 +268,131 @@ TEST_F(CustomRuntime, CommandsByMode) {
   EXPECT_EQ(Calls(), "end c/a; end c/c");
 }
 
+// A request that covers several offsets goes on behind a command's own bytes.
+TEST_F(CustomRuntime, CommandsAdvanceTheWalk) {
+  for (const char* name : {"c/a", "c/b"}) sim::PublishCommand(name, nullptr, 0);
+  Load(aliases +
+       "Command 66C0 UINT32 1 1 c/a\nOffset 66C4 UINT16 0 w >psi @\nCommand 66C6 UINT8 1 5 c/b\n"
+       "Command 66D0 uint8 1 1 c/a\nCommand 0BC8 UINT32 1 1 c/a\n");
+  struct Case {
+    const char* what;
+    uint32_t offset;
+    std::vector<uint8_t> bytes;
+    int whole;  // what the dispatcher answers
+    const char* writes;
+  };
+  const Case cases[] = {
+      {"command, custom offset, command",
+       0x66C0,
+       {1, 0, 0, 0, 90, 0, 5},
+       1,
+       "sim/flightmodel/position/psi=90.0"},
+      {"cut within the command", 0x66C0, {2, 0}, 1, ""},
+      {"something meaningless behind it", 0x66C6, {6, 1}, 0, ""},
+      {"a type that is none has no bytes to go on by", 0x66D0, {1, 1}, 0, ""},
+      // The fixed offset's two bytes, not the command's four: the next one is 0x0BCA, which means nothing.
+      {"fixed offset beside it", 0x0BC8, {255, 127, 1, 0}, 0, "sim/flightmodel/controls/parkbrake=1.0"},
+  };
+  for (const Case& c : cases) {
+    custom::Writes();
+    EXPECT_EQ(rows::WriteBytes(c.offset, c.bytes.data(), static_cast<uint32_t>(c.bytes.size())), c.whole)
+        << c.what;
+    WriteFrame();
+    EXPECT_EQ(custom::Writes(), c.writes) << c.what;
+  }
+  EXPECT_EQ(Calls(), "once c/b") << "one slot: the later command of the request";
+}
+
+// One command waits at a time, but no key stays down because of another command.
+TEST_F(CustomRuntime, EndsOfHeldCommandsOutliveTheirWrite) {
+  for (const char* name : {"c/a", "c/b", "c/c", "c/d"}) sim::PublishCommand(name, nullptr, 0);
+  Load(
+      "Command 66C0 UINT8 0 1 c/a 0 2 c/b\nCommand 66C1 UINT8 0 1 c/c\nCommand 66C2 UINT8 1 1 c/d\n"
+      "Command 66C3 UINT8 2 1 c/d\n");
+  using Writes = std::vector<std::pair<uint32_t, uint8_t>>;
+  struct Case {
+    const char* what;
+    Writes before, frame;
+    const char* calls;
+  };
+  const Case cases[] = {
+      {"end, then another command", {{0x66C0, 1}}, {{0x66C0, 0}, {0x66C2, 1}}, "end c/a; once c/d"},
+      {"two ends displaced",
+       {{0x66C0, 1}, {0x66C1, 1}},
+       {{0x66C1, 0}, {0x66C0, 0}, {0x66C2, 1}},
+       "end c/c; end c/a; once c/d"},
+      {"an end displaces an end", {{0x66C0, 2}, {0x66C1, 1}}, {{0x66C0, 0}, {0x66C1, 0}}, "end c/b; end c/c"},
+      {"only the end of it", {{0x66C0, 1}}, {{0x66C0, 2}, {0x66C2, 1}}, "end c/a; once c/d"},
+      {"a begin is displaced as ever", {}, {{0x66C0, 1}, {0x66C2, 1}}, "once c/d"},
+      {"the begin displaced, then the end", {}, {{0x66C0, 1}, {0x66C2, 1}, {0x66C0, 0}}, ""},
+      {"begin and end", {}, {{0x66C0, 1}, {0x66C0, 0}}, ""},
+      {"end and begin: held all the time", {{0x66C0, 1}}, {{0x66C0, 0}, {0x66C0, 1}}, ""},
+      {"the same with another between", {{0x66C0, 1}}, {{0x66C0, 0}, {0x66C2, 1}, {0x66C0, 1}}, ""},
+      {"and displaced again at last",
+       {{0x66C0, 1}},
+       {{0x66C0, 0}, {0x66C2, 1}, {0x66C0, 1}, {0x66C0, 3}, {0x66C2, 1}},
+       "end c/a"},
+      {"nothing is held", {}, {{0x66C0, 9}, {0x66C2, 1}}, "once c/d"},
+      {"of its own offset: replaced", {{0x66C0, 1}}, {{0x66C0, 0}, {0x66C0, 2}}, "end c/a; begin c/b"},
+      {"other modes never end", {{0x66C3, 1}}, {{0x66C3, 0}, {0x66C2, 1}}, "once c/d"},
+  };
+  for (const Case& c : cases) {
+    ClearCustomOffsets();
+    LoadCustomOffsets();
+    for (uint32_t offset = 0x66C0; offset < 0x66C4; ++offset) CopyToMemory(offset, 1, "");
+    for (const auto& [offset, value] : c.before) {
+      Write<uint8_t>(offset, value);
+      WriteFrame();
+    }
+    Calls();
+    for (const auto& [offset, value] : c.frame) Write<uint8_t>(offset, value);
+    WriteFrame();
+    EXPECT_EQ(Calls(), c.calls) << c.what;
+    WriteFrame();
+    EXPECT_EQ(Calls(), "") << c.what << ": once";
+  }
+}
+
+// A client that asks again and again: the first reload at once, then one a second for all who asked, during
+// which the offsets stay in use.
+TEST_F(CustomRuntime, ReloadFloodIsOneReloadASecond) {
+  using Clock = std::chrono::steady_clock;
+  Load(aliases + "Offset 66C0 UINT8 1 r 1\n");
+  OpenLogs(custom::Folder().c_str(), nullptr);
+  const auto ask = [](uint32_t offset) {
+    Write<uint8_t>(offset, 0);
+    Write<uint8_t>(offset, 1);
+  };
+  const std::string pair = "Clear TAVRIXOffsets.cfg by user\nReload TAVRIXOffsets.cfg\n";
+  const auto first = Clock::now();
+  for (int i = 0; i < 1000; ++i) ask(customClearOffset);
+  EXPECT_EQ(custom::Log(), "") << "no line while the lock is held";
+  EXPECT_EQ(FindCustomOffset(0x66C0), nullptr);
+  WriteFrame();
+  EXPECT_EQ(custom::Log(), pair);
+  EXPECT_NE(FindCustomOffset(0x66C0), nullptr);
+  EXPECT_EQ(Read<uint8_t>(customClearOffset), 0);
+  // Within the second: kept, and the entry of the new file comes with the second reload.
+  custom::WriteFile(aliases + "Offset 66C1 UINT8 1 r 2\n");
+  ask(customReloadOffset);
+  const auto deadline = Clock::now() + std::chrono::seconds(20);
+  while (FindCustomOffset(0x66C1) == nullptr && Clock::now() < deadline) {
+    for (int i = 0; i < 100; ++i) ask(customClearOffset);
+    EXPECT_TRUE(FindCustomOffset(0x66C0) != nullptr || FindCustomOffset(0x66C1) != nullptr);
+    WriteFrame();
+  }
+  EXPECT_GE(Clock::now() - first, std::chrono::seconds(1));
+  EXPECT_EQ(custom::Log(), pair + pair);
+  EXPECT_EQ(FindCustomOffset(0x66C0), nullptr);
+  EXPECT_EQ(Read<uint8_t>(customClearOffset), 0);
+  RefreshCycle1(0, 0, 0, nullptr);
+  EXPECT_EQ(Read<uint8_t>(customReloadOffset), 0);
+  // The window's button is at once all the same.
+  custom::WriteFile(aliases + "Offset 66C2 UINT8 1 r 2\n");
+  ReloadCustomOffsets();
+  EXPECT_NE(FindCustomOffset(0x66C2), nullptr);
+}
+
 TEST_F(CustomRuntime, ReloadsAgainAndAgain) {
   const auto file = [](int value) {
     return aliases + "Offset 66C0 UINT8 1 rw " + std::to_string(value) + " >psi @\n";
@@ -217,6 +401,7 @@ TEST_F(CustomRuntime, ReloadsAgainAndAgain) {
   for (int round = 2; round < 6; ++round) {
     const uint32_t request = round == 4 ? customReloadOffset : customClearOffset;
     custom::WriteFile(file(round));
+    ForgetCustomRequests();  // as if the last one were long ago
     OpenLogs(custom::Folder().c_str(), nullptr);
     Write<uint8_t>(0x66C0, 200);  // pending, dropped with the tables
     EXPECT_EQ(Write<uint8_t>(request, 2), 1);
@@ -239,11 +424,6 @@ TEST_F(CustomRuntime, ReloadsAgainAndAgain) {
   ReloadCustomOffsets();
   EXPECT_EQ(custom::Log(), "Clear TAVRIXOffsets.cfg by user\nReload TAVRIXOffsets.cfg\n");
   EXPECT_NE(FindCustomOffset(0x66C0), nullptr);
-}
-
-std::string Hex(int offset) {
-  char text[8];
-  return {text, std::to_chars(text, text + sizeof text, offset, 16).ptr};
 }
 
 // Clients write values, commands and reload requests while frames run.

@@ -216,6 +216,63 @@ TEST_F(Pushback, ParkingBrakeCrashAndDisableGiveEverythingBack) {
   }
 }
 
+// Which ends keep the rate for the next turn, and which let it begin slowly again.
+TEST_F(Pushback, TurnRateAfterEachEnd) {
+  constexpr double limit = 0.15, step = 0.005;
+  const struct {
+    const char* what;
+    void (*end)();
+    double next;  // rate of the first frame of the next turn
+  } cases[] = {{"stop", [] { CommandPushback(3); }, limit},
+               {"brake while it turns",
+                [] {
+                  Set(parkingBrake, 0.01);
+                  PushbackStep();
+                },
+                limit},
+               {"start with the brake set",
+                [] {
+                  Set(parkingBrake, 1);
+                  CommandPushback(1);
+                },
+                limit},
+               {"crash", AbortPushback, step},
+               {"crash after a stop",
+                [] {
+                  CommandPushback(3);
+                  AbortPushback();
+                },
+                step},
+               {"disable",
+                [] {
+                  StopPushback();
+                  InitPushback();
+                },
+                step},
+               {"the setting falls",
+                [] {
+                  const std::string name =
+                      (std::filesystem::temp_directory_path() / "tavrix pushback test" / "TAVRIX.ini").string();
+                  std::ofstream(name, std::ios::binary) << "[PUSHBACK SETTINGS]\nMaxTurnSpeed = 0.04\n";
+                  SetSettingsPath(name.c_str());
+                  LoadPushbackSettings();
+                },
+                0.04}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.what);
+    Set(parkingBrake, 0);
+    SetHeading(100);
+    CommandPushback(1);
+    Frames(60);
+    EXPECT_NEAR(QuaternionHeading(), 100 + limit, 1e-4);
+    test.end();
+    Set(parkingBrake, 0);
+    CommandPushback(1);
+    Frames(1);
+    EXPECT_NEAR(QuaternionHeading(), 100 + test.next, 1e-4);
+  }
+}
+
 TEST_F(Pushback, OverridesOfOthersAreLeftAloneWhileItNeverRan) {
   for (const char* name : overrides) Set(name, 1);
   AbortPushback();

@@ -36,8 +36,9 @@ Bytes RelayFrame(const Bytes& record) {
 
 // A client's write of the record; it reaches the store through the dispatcher.
 void WriteRelay(const Bytes& record) {
+  RequestMarks marks = {};
   LockScope lock(&offsetLock);
-  EXPECT_EQ(DispatchWrite(relayRecordOffset, relayRecordSize, record.data()), 1);
+  EXPECT_EQ(DispatchWrite(relayRecordOffset, relayRecordSize, record.data(), &marks), 1);
 }
 
 Bytes Waiting() {

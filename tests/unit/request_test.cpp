@@ -1,6 +1,7 @@
 // Requests as clients send them: the record list walked, its bounds, counters and traces; the path block.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -186,6 +187,123 @@ TEST_F(Request, TwoWritesBeforeAFrameAreOneAndAnEqualOneIsNone) {
   Block same = bug(2);
   EXPECT_EQ(same.Serve(), 1);
   EXPECT_EQ(pendingFlags.flags[0x07CC], 0U) << "the memory held that value already";
+}
+
+// What a refresh does to the memory while a value waits for the write cycle.
+void Refresh(uint32_t offset, const std::vector<uint8_t>& bytes) {
+  CopyToMemory(offset, static_cast<uint32_t>(bytes.size()), bytes.data());
+}
+
+TEST_F(Request, WaitingValueIsTheOneToCompareWith) {
+  using Bytes = std::vector<uint8_t>;
+  struct Write {
+    uint32_t offset;
+    Bytes bytes;
+    bool refreshedBefore;  // the simulator's value, all zero, is in the memory again
+  };
+  struct Case {
+    const char* what;
+    std::vector<Write> writes;
+    uint32_t offset;
+    Bytes staged;  // none: no flag
+  };
+  const Case cases[] = {
+      {"back to the old value", {{0x07CC, {1, 2}, false}, {0x07CC, {0, 0}, false}}, 0x07CC, {0, 0}},
+      {"back, refreshed", {{0x07CC, {1, 2}, false}, {0x07CC, {0, 0}, true}}, 0x07CC, {0, 0}},
+      {"the same again, refreshed", {{0x07CC, {1, 2}, false}, {0x07CC, {1, 2}, true}}, 0x07CC, {1, 2}},
+      {"only the old value", {{0x07CC, {0, 0}, true}}, 0x07CC, {}},
+      {"part of it", {{0x07CC, {1, 2}, false}, {0x07CC, {0}, true}}, 0x07CC, {0, 2}},
+      {"part of four bytes", {{0x07D4, {1, 2, 3, 4}, false}, {0x07D4, {0, 2}, true}}, 0x07D4, {0, 2, 3, 4}},
+      {"text",
+       {{0x3F04, {'a', '.', 's'}, false}, {0x3F04, {}, true}, {0x3F04, {'a'}, true}},
+       0x3F04,
+       {'a', 0, 0}},
+      {"text back to nothing", {{0x3F04, {'a', 'b'}, false}, {0x3F04, {0}, true}}, 0x3F04, {0, 0, 0}},
+      // The whole metres are the upper half of the altitude.
+      {"half of a wider one",
+       {{0x0570, {1, 2, 3, 4, 5, 6, 7, 8}, false}, {0x0574, {0, 0, 0, 0}, true}},
+       0x0570,
+       {1, 2, 3, 4, 0, 0, 0, 0}},
+      {"whole of a narrower one",
+       {{0x0574, {5, 6, 7, 8}, false}, {0x0570, {0, 0, 0, 0, 0, 0, 0, 0}, true}},
+       0x0570,
+       {0, 0, 0, 0, 0, 0, 0, 0}},
+  };
+  for (const Case& c : cases) {
+    for (const uint32_t offset : {0x07CCU, 0x07D4U, 0x3F04U, 0x0570U, 0x0574U}) {
+      Refresh(offset, Bytes(offset == 0x3F04 ? 252 : 8));
+      pendingFlags.flags[offset] = 0;
+    }
+    for (const Write& write : c.writes) {
+      if (write.refreshedBefore) Refresh(c.offset, Bytes(8));
+      if (write.bytes.empty()) continue;
+      Block block;
+      EXPECT_EQ(block.WriteRecord(write.offset, write.bytes).End().Serve(), 1) << c.what;
+    }
+    EXPECT_EQ(pendingFlags.flags[c.offset], c.staged.empty() ? 0U : 1U) << c.what;
+    EXPECT_TRUE(std::equal(c.staged.begin(), c.staged.end(), pendingValues.bytes + c.offset)) << c.what;
+    const LockScope lock(&offsetLock);
+    for (const Write& write : c.writes) pendingFlags.flags[write.offset] = 0;
+  }
+}
+
+// Every offset that clients may stage, in any order of writes, refreshes and frames: the simulator ends with
+// what was written last. The simulator is a second memory here that takes staged values as they are.
+TEST_F(Request, LastWriteWinsForEveryOffsetInAnyOrder) {
+  struct Row {
+    uint32_t offset, width;
+    bool text, twoOrFour;
+  };
+  std::vector<Row> all;
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) {
+      const WriteRule& write = row.write;
+      if (write.target.block == ::Block::None && !write.apply && !write.group && !write.staged) continue;
+      all.push_back({row.offset, DispatchWidth(row.offset), row.type == Stored::Text, row.offset == 0x0558});
+    }
+  }
+  ASSERT_GT(all.size(), 150U);
+  std::vector<uint8_t> simulated(offsetMemorySize), wanted(offsetMemorySize);
+  CopyFromMemory(0, offsetMemorySize, simulated.data());
+  wanted = simulated;
+  uint32_t random = 12345;
+  const auto pick = [&](uint32_t count) {
+    random = random * 1664525 + 1013904223;
+    return (random >> 8) % count;
+  };
+  const auto refresh = [&](const Row& row) {
+    CopyToMemory(row.offset, row.width, simulated.data() + row.offset);
+  };
+  for (int round = 0; round < 60000; ++round) {
+    // Few rows at a time, so that writes to one offset meet; all of them in the course of the test.
+    const Row& row = all[(static_cast<size_t>(round) / 200 + pick(4)) % all.size()];
+    const uint32_t what = pick(10);
+    if (what < 5) {
+      uint32_t size = pick(4) == 0 ? 1 + pick(row.width) : row.width;
+      if (row.twoOrFour) size = size < 4 ? 2 : 4;
+      std::vector<uint8_t> bytes(size);
+      for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(pick(2));  // often what stands there already
+      if (pick(3) == 0) std::copy_n(simulated.begin() + row.offset, size, bytes.begin());
+      EXPECT_EQ(rows::WriteBytes(row.offset, bytes.data(), size), 1);
+      std::copy(bytes.begin(), bytes.end(), wanted.begin() + row.offset);
+      if (row.text) std::fill_n(wanted.begin() + row.offset + size, row.width - size, uint8_t{0});
+    } else if (what < 8) {
+      refresh(row);
+    } else {
+      for (const Row& staged : all) {
+        const LockScope lock(&offsetLock);
+        if (pendingFlags.flags[staged.offset] == 0) continue;
+        pendingFlags.flags[staged.offset] = 0;
+        std::copy_n(pendingValues.bytes + staged.offset, staged.width, simulated.begin() + staged.offset);
+      }
+      for (const Row& staged : all) refresh(staged);  // and shows what it has
+      for (const Row& staged : all) {
+        ASSERT_TRUE(std::equal(wanted.begin() + staged.offset, wanted.begin() + staged.offset + staged.width,
+                               simulated.begin() + staged.offset))
+            << "offset 0x" << std::hex << staged.offset << std::dec << " in round " << round;
+      }
+    }
+  }
 }
 
 TEST_F(Request, PathBlockFollowsTheServer) {

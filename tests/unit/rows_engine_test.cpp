@@ -50,9 +50,12 @@ void Write(uint32_t offset, Stored type, double value) {
   EXPECT_EQ(rows::WriteAs(type, offset, value), 1) << std::hex << offset;
 }
 
+// By the number that clients know. The offset memory still shows something else, as right after a change of
+// aircraft.
 void SetEngineType(int type) {
-  const auto byte = static_cast<uint8_t>(type);
-  CopyToMemory(0x0609, sizeof byte, &byte);
+  Set("sim/aircraft/prop/acf_en_type[0]", type == 0 ? 0 : type == 1 ? 4 : 2);
+  const auto other = static_cast<uint8_t>(type == 0 ? 1 : 0);
+  CopyToMemory(0x0609, sizeof other, &other);
 }
 
 class EngineRows : public testing::Test {

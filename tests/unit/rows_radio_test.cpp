@@ -2,10 +2,18 @@
 // Expected numbers are worked out by hand from the units, not by the rows' own formulas.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
 #include "bridge/catalogue/misc_actions.h"
 #include "bridge/stations.h"
 #include "bridge/weather_area.h"
 #include "row_harness.h"
+#include "shell/log.h"
 
 namespace {
 
@@ -402,7 +410,7 @@ TEST_F(WeatherArea, AppliedAfterTheWholeRequest) {
   Set("sim/weather/rain_percent", 0);
   ApplyWeatherArea();
   EXPECT_EQ(Get("sim/weather/rain_percent"), 0) << "the request has not ended";
-  FinishRequest();
+  FinishRequest(std::exchange(rows::marks, {}));
   ApplyWeatherArea();
 
   struct Case {
@@ -440,6 +448,29 @@ TEST_F(WeatherArea, AppliedAfterTheWholeRequest) {
   EXPECT_EQ(Read<uint16_t>(0xC800), 0) << "taken";
 }
 
+// Two server threads: the end of the one's request is not the end of the other's.
+TEST_F(WeatherArea, WaitsForTheRequestThatWroteIt) {
+  Fill(1, "GLOB");
+  Set("sim/weather/rain_percent", 0);
+  RequestMarks slow = {};
+  RequestMarks other = {};
+  const auto write = [](uint32_t offset, const uint8_t* bytes, uint32_t size, RequestMarks* marks) {
+    const LockScope lock(&offsetLock);
+    DispatchWrite(offset, size, bytes, marks);
+    std::memcpy(offsetMemory.bytes + offset, bytes, size);
+  };
+  write(0xC800, area, 2, &slow);  // the selector; the area itself has not come yet
+  write(0x66C0, area, 1, &other);
+  FinishRequest(other);
+  ApplyWeatherArea();
+  EXPECT_EQ(Read<uint16_t>(0xC800), 1) << "taken before its request has ended";
+  write(0xC802, area + 2, sizeof area - 2, &slow);
+  FinishRequest(slow);
+  ApplyWeatherArea();
+  EXPECT_EQ(Read<uint16_t>(0xC800), 0);
+  EXPECT_EQ(Get("sim/weather/rain_percent"), 0.75);
+}
+
 TEST_F(WeatherArea, LeftAlone) {
   struct Case {
     int selector;
@@ -450,7 +481,7 @@ TEST_F(WeatherArea, LeftAlone) {
     Fill(c.selector, c.station);
     Set("sim/weather/temperature_sealevel_c", 15);
     rows::WriteBytes(0xC800, area, sizeof area);
-    FinishRequest();
+    FinishRequest(std::exchange(rows::marks, {}));
     ApplyWeatherArea();
     EXPECT_EQ(Get("sim/weather/temperature_sealevel_c"), 15) << c.selector << c.station;
     EXPECT_EQ(Read<uint16_t>(0xC800), c.left);
@@ -461,7 +492,7 @@ TEST_F(WeatherArea, LeftAlone) {
   Set("sim/weather/barometer_sealevel_inhg", 29.5);
   Set("sim/weather/visibility_reported_m", 5000);
   rows::WriteBytes(0xC800, area, sizeof area);
-  FinishRequest();
+  FinishRequest(std::exchange(rows::marks, {}));
   ApplyWeatherArea();
   EXPECT_EQ(Get("sim/weather/barometer_sealevel_inhg"), 29.5) << "not sent";
   EXPECT_EQ(Get("sim/weather/visibility_reported_m"), 5000) << "not sent";
@@ -493,10 +524,67 @@ TEST_F(RadioRows, SituationFiles) {
   rows::WriteBytes(0x3F04, "e.sit", 6);
   WriteAndRun<uint16_t>(0x3F00, 0);
   EXPECT_EQ(rows::Calls(), "load 1 e.sit");
-  const std::string longest(251, 'x');
-  rows::WriteBytes(0x3F04, (".sit" + longest).c_str(), 252);
+  const std::string longest = std::string(247, 'x') + ".sit";
+  rows::WriteBytes(0x3F04, (longest + "x").c_str(), 252);  // the last byte is the terminator's
   WriteAndRun<uint16_t>(0x3F00, 0);
-  EXPECT_EQ(rows::Calls(), "load 1 .sit" + longest.substr(4));
+  EXPECT_EQ(rows::Calls(), "load 1 " + longest);
+}
+
+// Names that could reach a file elsewhere, or another kind of file.
+TEST_F(RadioRows, SituationFilesStayBelowTheSimulatorsFolder) {
+  const std::string folder = testing::TempDir() + "tavrix_situations/";
+  ASSERT_EQ(OpenLogs(folder.c_str(), nullptr), 1);
+  struct Case {
+    std::string name;
+    bool taken;
+  };
+  const Case cases[] = {{"Output/situations/one.sit", true},
+                        {"Output\\situations\\two.sit", true},
+                        {".smo", true},
+                        {"a.b.sit", true},
+                        {"caf\xC3\xA9.sit", true},
+                        {"/etc/x.sit", false},
+                        {"\\Windows\\x.sit", false},
+                        {"\\\\host\\share\\x.sit", false},
+                        {"C:\\x.sit", false},
+                        {"C:x.sit", false},
+                        {"x.sit:stream.sit", false},
+                        {"../x.sit", false},
+                        {"Output/../../x.sit", false},
+                        {"Output\\..\\x.smo", false},
+                        {"..sit", false},
+                        {"x.SIT", false},
+                        {"x.sit ", false},
+                        {"x.sit.", false},
+                        {"x.sit.txt", false},
+                        {"x.smo/y", false},
+                        {"x\n.sit", false},
+                        {"x\x1B[2J.smo", false},
+                        {"x\x7F.sit", false},
+                        {"", false}};
+  for (const Case& c : cases) {
+    for (const uint16_t command : {uint16_t{0}, uint16_t{1}}) {
+      rows::WriteBytes(0x3F04, c.name.c_str(), static_cast<uint32_t>(c.name.size() + 1));
+      WriteAndRun<uint16_t>(0x3F00, command);
+      EXPECT_EQ(!rows::Calls().empty(), c.taken) << EscapedForLog(c.name) << ' ' << command;
+    }
+  }
+  const auto log = [&] {
+    std::ifstream file(folder + "TAVRIX.txt", std::ios::binary);
+    return std::string{std::istreambuf_iterator<char>(file), {}};
+  };
+  // Dozens of refusals within moments: one line at most (another one where this took longer than a second).
+  const std::string lines = log();
+  EXPECT_LE(std::count(lines.begin(), lines.end(), '\n'), 3) << lines;
+  rows::WriteBytes(0x3F04, "x\n.sit", 7);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  const std::string told = "TAVRIX->Situation file \"x\\n.sit\" of a client is refused: ";
+  while (log().find(told) == std::string::npos && std::chrono::steady_clock::now() < end) {
+    WriteAndRun<uint16_t>(0x3F00, 0);
+  }
+  EXPECT_NE(log().find(told), std::string::npos) << log();
+  CloseLogs();
+  std::filesystem::remove_all(folder);
 }
 
 TEST_F(RadioRows, ContactAtcIsHeldInPairs) {

@@ -9,6 +9,10 @@
 
 constexpr int engineCount = 4;
 
+// Type of the first engine as clients know it (0 is a piston engine), asked of the simulator. Simulator's
+// thread, no lock held.
+int PresentEngineType();
+
 // In a shape: the dataref bound at the row's own offset (or at `indices`), element n for engine n + 1.
 constexpr Source ownIntElement = IntElementAt(0, 0);
 constexpr Source ownFloatElement = FloatElementAt(0, 0);

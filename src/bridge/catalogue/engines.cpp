@@ -370,13 +370,15 @@ double EngineType(double simulatorType) {
   return type >= 0 && type < static_cast<int>(std::size(types)) ? types[type] : 1;
 }
 
+constexpr Source engineTypes = IntElementAt(0x0609, 0);
+
 constexpr auto installation =
     std::to_array<OffsetRow>({{.offset = 0x0609,
                                .type = Stored::U8,
                                .name = "engine_type",
                                .meaning = "engine type",
                                .cycle = Cycle::C313,
-                               .source = IntElementAt(0x0609, 0),
+                               .source = engineTypes,
                                .convert = EngineType,
                                .note = "0 piston or electric, 1 jet, 4 rocket, 5 turboprop or turboshaft"},
                               {.offset = 0x0AEC,
@@ -399,3 +401,5 @@ constexpr auto rows =
 }  // namespace
 
 const RowTable engineRows = {"Engines", rows};
+
+int PresentEngineType() { return static_cast<int>(EngineType(ReadSource(engineTypes))); }

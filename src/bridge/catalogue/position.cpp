@@ -46,17 +46,12 @@ int ReadGroundMetres(const OffsetRow&, double* value) {
   return 1;
 }
 
-// Clients choose the altimeter's unit by the word at 0x0C18: 2 is metres. It is looked up only after they
-// have changed anything, because a look takes the lock.
+// Clients choose the altimeter's unit by the word at 0x0C18: 2 is metres. While the lock is busy the unit of
+// the last look counts.
 uint16_t altimeterUnit;
-uint32_t unitGeneration;
 
 int ReadAltimeter(const OffsetRow&, double* value) {
-  const uint32_t generation = memoryGeneration.load(std::memory_order_relaxed);
-  if (generation != unitGeneration) {
-    if (!TryCopyFromMemory(0x0C18, sizeof(altimeterUnit), &altimeterUnit)) return 0;
-    unitGeneration = generation;
-  }
+  TryCopyFromMemory(0x0C18, sizeof(altimeterUnit), &altimeterUnit);
   const double feet = ReadSource(FloatAt(0x3324));
   *value = altimeterUnit == 2 ? feet * 0.3048 : feet;
   return 1;

@@ -1,9 +1,12 @@
 // Situation and movie files: a client writes the file's name, then the command.
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
+#include "platform/clock.h"
+#include "shell/log.h"
 
 namespace {
 
@@ -26,6 +29,28 @@ void ApplyName(const OffsetRow&, const Staged& staged) {
   CopyToMemory(nameOffset, nameSize, name);
 }
 
+// A client must reach no file but situations and movies below the simulator's folder.
+bool IsHarmless(std::string_view name) {
+  const bool isRelative = !name.starts_with('/') && !name.starts_with('\\');
+  const bool hasEnding = name.ends_with(".sit") || name.ends_with(".smo");
+  const bool climbs = name.find("..") != std::string_view::npos || name.find(':') != std::string_view::npos;
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; };
+  return isRelative && hasEnding && !climbs && std::none_of(name.begin(), name.end(), isControl);
+}
+
+// At most one line a second: a client may write the command as often as it likes.
+void TellRefused(const char* name) {
+  constexpr int64_t pauseNanoseconds = 1'000'000'000;
+  static int64_t nextLine = 0;
+  const int64_t now = MonotonicNanoseconds();
+  if (now < nextLine) return;
+  nextLine = now + pauseNanoseconds;
+  LogOwn(
+      "TAVRIX->Situation file \"%s\" of a client is refused: the name at 0x3F04 must end in .sit or .smo, be "
+      "relative to the simulator's folder and hold neither \"..\" nor \":\" nor control characters\n",
+      EscapedForLog(name).c_str());
+}
+
 void ApplyCommand(const OffsetRow&, const Staged& staged) {
   char name[nameSize];
   CopyFromMemory(nameOffset, nameSize, name);
@@ -33,7 +58,10 @@ void ApplyCommand(const OffsetRow&, const Staged& staged) {
   XPLMDataFileType kind = 0;
   if (nameIsSituation && std::strstr(name, ".sit") != nullptr) kind = xplm_DataFile_Situation;
   if (!nameIsSituation && std::strstr(name, ".smo") != nullptr) kind = xplm_DataFile_ReplayMovie;
-  if (kind == 0) return;
+  if (kind == 0 || !IsHarmless(name)) {
+    TellRefused(name);
+    return;
+  }
   if (staged.integer != 0) {
     XPLMSaveDataFile(kind, name);
     return;
@@ -54,7 +82,9 @@ constexpr OffsetRow rows[] = {
      .meaning = "name of a situation (.sit) or movie (.smo) file",
      .show = Show::Text,
      .write = {.apply = ApplyName},
-     .note = "relative to the simulator's folder; at most 251 characters"},
+     .note =
+         "relative to the simulator's folder, without '..' and ':'; at most 251 characters; other names are "
+         "refused"},
     {.offset = 0x3F00,
      .type = Stored::U16,
      .name = "situation_command",

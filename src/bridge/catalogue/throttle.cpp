@@ -15,7 +15,6 @@ constexpr Source throttleOverride = AuxIntAt(0x0023);
 
 constexpr uint32_t throttleOffsets[] = {0x088C, 0x0924, 0x09BC, 0x0A54};
 constexpr uint32_t ignitionOffsets[] = {0x0892, 0x092A, 0x09C2, 0x0A5A};
-constexpr uint32_t engineTypeOffset = 0x0609;
 
 constexpr double forwardFull = 16384;
 constexpr double reverseFull = 4096;
@@ -205,8 +204,11 @@ constexpr Family fuelValve = {{.type = Stored::S32,
 
 constexpr uint8_t pistonEngine = 0;  // every other engine type is a turbine to the starter switch
 
-uint8_t engineType = pistonEngine;  // of this run of the switches' readers
-int typeKnown;
+bool pistonEngines;  // of this run of the switches' readers
+
+// As the simulator has it at this moment: right after a change of aircraft the offset memory may still show the
+// type of the last one.
+bool HasPistonEngines() { return PresentEngineType() == pistonEngine; }
 
 void HoldStarter(int engine) {
   if (starterHeld[engine] != 0) return;
@@ -238,10 +240,8 @@ int ReadMagnetoSwitch(const OffsetRow& row, double* value) {
   const bool engaged = ReadSource(AuxFloatElementAt(0x0038, engine)) > 0;
   const int key = ReadInt(IntElementAt(ignitionOffsets[engine], engine));
   starterEngaged[engine] = engaged;
-  // One look at the memory for all engines.
-  if (engine == 0) typeKnown = TryCopyFromMemory(engineTypeOffset, sizeof engineType, &engineType);
-  if (typeKnown == 0) return 0;
-  if (engineType == pistonEngine) {
+  if (engine == 0) pistonEngines = HasPistonEngines();  // one look for all engines
+  if (pistonEngines) {
     *value = engaged ? 4 : PistonSwitch(key);
   } else {
     *value = engaged ? 1 : key != 0 ? 2 : 0;
@@ -276,9 +276,7 @@ void TurnTurbineSwitch(int engine, int64_t position) {
 }
 
 void ApplyMagnetoSwitch(const OffsetRow& row, const Staged& staged) {
-  uint8_t engineType = pistonEngine;
-  CopyFromMemory(engineTypeOffset, sizeof engineType, &engineType);
-  if (engineType == pistonEngine) {
+  if (HasPistonEngines()) {
     TurnPistonSwitch(EngineOf(row), staged.integer);
   } else {
     TurnTurbineSwitch(EngineOf(row), staged.integer);

@@ -3,6 +3,7 @@
 
 #include <pthread.h>
 
+#include <cerrno>
 #include <new>
 
 #include "platform/clock.h"
@@ -57,6 +58,7 @@ int WaitEvent(Event* event, int timeoutMs) {
   auto* state = static_cast<EventState*>(event->handle);
   if (!state) {
     SleepMilliseconds(timeoutMs);
+    errno = EBADF;
     return 0;
   }
   const timespec deadline = DeadlineAfter(timeoutMs < 0 ? 0 : timeoutMs);
@@ -69,5 +71,6 @@ int WaitEvent(Event* event, int timeoutMs) {
   const int got = state->signalled ? 1 : 0;
   state->signalled = false;
   pthread_mutex_unlock(&state->mutex);
+  if (!got) errno = failure;
   return got;
 }

@@ -68,6 +68,8 @@ int ReplaceFile(const char* from, const char* to) {
 
 std::string SystemErrorText() { return std::system_category().message(errno); }
 
+int SystemErrorNumber() { return errno; }
+
 int CountProcessHandles() {
   DIR* folder = opendir("/proc/self/fd");
   if (!folder) return -1;

@@ -21,6 +21,7 @@ void SignalEvent(Event* event) {
 int WaitEvent(Event* event, int timeoutMs) {
   if (!event->handle) {
     SleepMilliseconds(timeoutMs);
+    SetLastError(ERROR_INVALID_HANDLE);
     return 0;
   }
   const DWORD limit = timeoutMs < 0 ? INFINITE : static_cast<DWORD>(timeoutMs);

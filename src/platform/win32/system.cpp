@@ -142,6 +142,8 @@ std::string SystemErrorText() {
   return {text, length};
 }
 
+int SystemErrorNumber() { return static_cast<int>(GetLastError()); }
+
 int CountProcessHandles() {
   DWORD count = 0;
   if (!GetProcessHandleCount(GetCurrentProcess(), &count)) return -1;
