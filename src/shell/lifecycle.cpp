@@ -24,11 +24,13 @@
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "offsets/window_server.h"
+#include "platform/clock.h"
 #include "platform/socket.h"
-#include "platform/system.h"
 #include "pushback/pushback.h"
 #include "settings/settings.h"
+#include "shell/advice.h"
 #include "shell/flight_loops.h"
+#include "shell/folders.h"
 #include "shell/log.h"
 #include "shell/menu.h"
 #include "shell/version.h"
@@ -56,19 +58,6 @@ void CopyIdentity(char* target, const char* text) { std::snprintf(target, identi
 void LogStamped(const char* text) {
   char stamp[timeStampSize];
   LogLine("%s %s\n", TimeStamp(stamp), text);
-}
-
-std::string SystemFolder() {
-  char path[1024] = "";
-  XPLMGetSystemPath(path);
-  std::string folder = path;
-  if (!folder.empty() && folder.back() != '/' && folder.back() != '\\') folder += pathSeparator;
-  return folder;
-}
-
-std::string PluginFolder(const std::string& systemFolder) {
-  const std::string separator(1, pathSeparator);
-  return systemFolder + "Resources" + separator + "plugins" + separator + "TAVRIX" + separator;
 }
 
 // A client compares with what it reads here, and so does the dispatcher. At enable, before the locks exist.
@@ -178,8 +167,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   readTrace = 0;
   writeTrace = 0;
 
-  const std::string systemFolder = SystemFolder();
-  const std::string folder = PluginFolder(systemFolder);
+  const std::string folder = PluginFolder();
   OpenLogs(folder.c_str(), [](const char* line) { XPLMDebugString(line); });
   LogBoth("TAVRIX Version %s %s\n", pluginVersion, buildWord);
   LogBoth("TAVFARNET Version %s %s\n", networkVersion, buildWord);
@@ -203,7 +191,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   LogBoth("X-Plane Version: %i\n", simulatorVersion);
 
   PlaceStartValues();
-  PrepareFolders(systemFolder.c_str());
+  PrepareFolders(ReportedSystemFolder().c_str());
   FlushLogs();
   return 1;
 }
@@ -234,6 +222,7 @@ int EnablePlugin() {
     EnableClientMode();
   } else {
     EnableServerMode();
+    LogAddresses(settings.serverAddress);
   }
   return 1;
 }
@@ -250,6 +239,9 @@ void DisablePlugin() {
   } else {
     DisableServerMode();
   }
+  // Nobody writes any more: what clients changed last is saved, too.
+  TakeAtcTexts(MonotonicNanoseconds());
+  SaveWaitingSettings();
   LogLine("TAVRIX->Release critical sections\n");
   ClearCustomOffsets();
   ReleaseTraffic();

@@ -7,6 +7,7 @@
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/socket.h"
+#include "platform/system.h"
 #include "platform/thread.h"
 #include "shell/log.h"
 #include "shell/version.h"
@@ -96,8 +97,22 @@ void AnswerBrowsers(FILE* log, Socket* listener) {
   }
 }
 
+// Null when it cannot be written: the page does without.
+FILE* OpenPageLog() {
+  OpenFailure failure;
+  FILE* log = OpenPlainFile(logPath.c_str(), OpenMode::Empty, &failure);
+  if (log == nullptr) {
+    LogOwn(
+        "TAVRIX->Can't write the status page's log %s (%s): make it a plain file that your user may write; the "
+        "page "
+        "works without it\n",
+        EscapedControls(logPath).c_str(), failure.reason.c_str());
+  }
+  return log;
+}
+
 uint32_t PageProcedure(void*) {
-  FILE* log = std::fopen(logPath.c_str(), "wb");
+  FILE* log = OpenPageLog();
   Write(log, "http log\n");
   Socket listener;
   if (!OpenSocket(&listener, Transport::Stream)) {
