@@ -165,7 +165,8 @@ struct Options {
   std::vector<std::string> plugins;  // files
   const PluginEntry* linked = nullptr;
   std::string root;
-  double rate = 60;  // 0: frames only on the console's word
+  std::string reportedRoot;  // what plug-ins are told instead, as it stands; tests
+  double rate = 60;          // 0: frames only on the console's word
   bool circuit = true;
   std::string aircraft = "jet";
   int planes = 1;

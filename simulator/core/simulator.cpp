@@ -58,7 +58,8 @@ DataRef* FrameRef(const char* name) {
 
 bool MakeSystemFolder(const std::string& root) {
   systemFolder = AbsolutePath(root.empty() ? "." : root);
-  while (!systemFolder.empty() && (systemFolder.back() == '/' || systemFolder.back() == '\\'))
+  // A backslash is a separator on Windows alone.
+  while (!systemFolder.empty() && (systemFolder.back() == '/' || systemFolder.back() == kSeparator))
     systemFolder.pop_back();
   if (systemFolder.size() > 1 && systemFolder.ends_with(std::string{kSeparator, '.'})) {
     systemFolder.resize(systemFolder.size() - 2);

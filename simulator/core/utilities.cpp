@@ -27,7 +27,8 @@ void StorePath(const std::string& path, char* out, size_t size) {
 
 void XPLMGetSystemPath(char* out) {
   sim::Check("XPLMGetSystemPath");
-  sim::StorePath(sim::SystemFolder(), out, 512);
+  const std::string& told = sim::running.reportedRoot;
+  sim::StorePath(told.empty() ? sim::SystemFolder() : told, out, 512);
 }
 
 void XPLMGetPrefsPath(char* out) {

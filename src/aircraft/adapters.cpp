@@ -1,6 +1,7 @@
 #include "aircraft/adapters.h"
 
 #include <cstring>
+#include <string>
 
 #include "XPLMPlugin.h"
 #include "aircraft/adapters_table.h"
@@ -122,6 +123,49 @@ void RecogniseStockB738() {
   LogLine("%s Stock 737-800 found, commands loaded\n", TimeStamp(time));
 }
 
+// What the log was told last about the user's aircraft: its title, and the adapters that serve it.
+struct ToldAircraft {
+  int told;  // since enable
+  char title[aircraftTextSize];
+  AdapterState adapters;
+};
+ToldAircraft toldAircraft;
+
+std::string NamesOfAdapters() {
+  struct Name {
+    int AdapterState::*loaded;
+    const char* name;
+  };
+  // Aircraft alone: network clients say so themselves.
+  constexpr Name names[] = {{&AdapterState::x737, "x737"},
+                            {&AdapterState::ixeg733, "IXEG 737"},
+                            {&AdapterState::b738Extended, "Extended 737-800"},
+                            {&AdapterState::b738Stock, "Stock 737-800"},
+                            {&AdapterState::ec135, "EC135"}};
+  std::string list;
+  for (const Name& name : names) {
+    if (adapters.*name.loaded) list += (list.empty() ? "" : ", ") + std::string(name.name);
+  }
+  return list;
+}
+
+// Says which aircraft is loaded and which adapter serves it, when that is news.
+void TellAircraft() {
+  ToldAircraft now = {};
+  now.told = 1;
+  CopyFromMemory(aircraftTitleOffset, sizeof now.title, now.title);
+  now.title[sizeof now.title - 1] = '\0';
+  now.adapters = adapters;
+  now.adapters.xSquawkBox = now.adapters.pilotEdge = 0;
+  if (std::memcmp(&now, &toldAircraft, sizeof now) == 0) return;
+  toldAircraft = now;
+  const std::string names = NamesOfAdapters();
+  const std::string title = now.title[0] == '\0' ? "without a title" : '"' + EscapedForLog(now.title) + '"';
+  LogOwn("TAVRIX->Aircraft %s: %s\n", title.c_str(),
+         names.empty() ? "no adapter of its own, the simulator's standard values are used"
+                       : ("served by the adapter for " + names).c_str());
+}
+
 // What comes and goes with the user's aircraft. The network clients stay.
 void DropAircraft() {
   Drop(x737Names);
@@ -131,6 +175,15 @@ void DropAircraft() {
   plugins.ec135 = noPlugin;
   adapters.x737 = adapters.ixeg733 = adapters.b738Extended = adapters.b738Stock = adapters.ec135 = 0;
   ixegThrottleOverrideOn = 0;
+}
+
+void Recognise() {
+  RecogniseX737();
+  RecogniseXSquawkBox();
+  RecognisePilotEdge();
+  RecogniseIxeg();
+  RecogniseExtendedB738();
+  RecogniseStockB738();
 }
 
 }  // namespace
@@ -150,26 +203,22 @@ void RecogniseXSquawkBox() {
 }
 
 void RecogniseAircraft() {
-  RecogniseX737();
-  RecogniseXSquawkBox();
-  RecognisePilotEdge();
-  RecogniseIxeg();
-  RecogniseExtendedB738();
-  RecogniseStockB738();
+  Recognise();
+  TellAircraft();
 }
 
 void RunEc135Adapter() {
   // No name of its own is known either: its offsets stay on the stock datarefs.
   if (!HasAppeared("rotorsim.ec135.management", AdapterNames{}, &plugins.ec135, &adapters.ec135)) return;
-  char time[timeStampSize];
-  LogLine("%s EC135 found pluginID=%i, stock datarefs stay in use\n", TimeStamp(time), plugins.ec135);
+  LogOwn("TAVRIX->EC135 found pluginID=%i, stock datarefs stay in use\n", plugins.ec135);
 }
 
 void DetectLoadedAircraft() {
   DropAircraft();
   StoreAircraftTitle();
-  RecogniseAircraft();
+  Recognise();
   RunEc135Adapter();
+  TellAircraft();
 }
 
 void ResetAdapters() {
@@ -180,6 +229,7 @@ void ResetAdapters() {
   plugins = {noPlugin, noPlugin, noPlugin, noPlugin};
   adapters = {};
   xSquawkBoxState = {};
+  toldAircraft = {};
 }
 
 void ReleaseIxegThrottleOverride() {

@@ -17,7 +17,8 @@
 extern int ixegThrottleOverrideOn;
 
 // Tests for every add-on but the EC135; called in the 313-frame cycle after its readers, which refresh the
-// aircraft title that one of the tests looks at. Logs one line per block of names that it loads.
+// aircraft title that one of the tests looks at. Logs one line per block of names that it loads, and one that
+// names the aircraft and its adapters whenever these differ from what the log was told last since enable.
 void RecogniseAircraft();
 // The same for the EC135, in the 59-frame cycle.
 void RunEc135Adapter();

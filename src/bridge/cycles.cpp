@@ -10,6 +10,7 @@
 #include "custom/custom.h"
 #include "net/relay.h"
 #include "offsets/dispatcher.h"
+#include "platform/clock.h"
 #include "pushback/pushback.h"
 #include "settings/settings.h"
 #include "shell/log.h"
@@ -31,28 +32,6 @@ constexpr Source overrides[4] = {AuxIntAt(0x0020), AuxIntAt(0x0021), AuxIntAt(0x
 
 uint16_t crashWord;
 bool crashWordDue;  // not stored yet: the lock was busy
-
-// Saves ATC texts that a client has written: the settings file is written by this thread alone.
-void SaveAtcTexts() {
-  const uint32_t changed = atcTexts.changed.exchange(0);
-  if (changed == 0) return;
-  char number[atcTextSize + 1];
-  char tailNumber[atcTextSize + 1];
-  {
-    LockScope lock(&offsetLock);
-    std::memcpy(number, atcTexts.number, sizeof number);
-    std::memcpy(tailNumber, atcTexts.tailNumber, sizeof tailNumber);
-  }
-  constexpr char section[] = "TAVRIX ATC SETTINGS";
-  if ((changed & 1) != 0) {
-    std::memcpy(settings.atcNumber, number, sizeof number);
-    WriteSetting(section, "ATC Number", number);
-  }
-  if ((changed & 2) != 0) {
-    std::memcpy(settings.atcTailNumber, tailNumber, sizeof tailNumber);
-    WriteSetting(section, "ATC Tail Number", tailNumber);
-  }
-}
 
 void StoreCrashWord() {
   if (TryEnterLock(&offsetLock) == 0) return;  // again at the next call
@@ -80,6 +59,28 @@ void RefreshSlowCycles() {
 
 }  // namespace
 
+void TakeAtcTexts(int64_t now) {
+  if (atcTexts.changed.load(std::memory_order_relaxed) == 0) return;
+  uint32_t changed = 0;
+  char number[atcTextSize + 1];
+  char tailNumber[atcTextSize + 1];
+  {
+    LockScope lock(&offsetLock);
+    changed = atcTexts.changed.exchange(0);
+    std::memcpy(number, atcTexts.number, sizeof number);
+    std::memcpy(tailNumber, atcTexts.tailNumber, sizeof tailNumber);
+  }
+  constexpr char section[] = "TAVRIX ATC SETTINGS";
+  if ((changed & 1) != 0) {
+    std::memcpy(settings.atcNumber, number, sizeof number);
+    KeepSetting(section, "ATC Number", number, now);
+  }
+  if ((changed & 2) != 0) {
+    std::memcpy(settings.atcTailNumber, tailNumber, sizeof tailNumber);
+    KeepSetting(section, "ATC Tail Number", tailNumber, now);
+  }
+}
+
 int BuildCycles() {
   BuildReaders();
   BuildWriters();
@@ -94,7 +95,11 @@ float WriteCycle(float, float, int, void*) {
   ApplyPendingCustomWrites();
   TakeCustomReload();
   ApplyRelayRecord();
-  if (atcTexts.changed.load(std::memory_order_relaxed) != 0) SaveAtcTexts();
+  if (atcTexts.changed.load(std::memory_order_relaxed) != 0 || SettingsWait()) {
+    const int64_t now = MonotonicNanoseconds();
+    TakeAtcTexts(now);
+    SaveSettingsWhenDue(now);
+  }
   ShowClientCount();
   return -1;
 }

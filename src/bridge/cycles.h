@@ -33,6 +33,11 @@ void RunReaders(Cycle cycle);
 // Runs all writers once, in their fixed order.
 void RunWriters();
 
+// Takes ATC texts that clients have written over into the settings, where they count at once and wait for being
+// saved; `now` is monotonic time in ns. The write cycle does it every frame, disable once more at its end, when
+// nobody writes any more and the offset lock is still there.
+void TakeAtcTexts(int64_t now);
+
 // Counters of refreshes that were stored and of those dropped because the lock was busy at both tries.
 struct RefreshCounters {
   uint64_t stored, dropped;

@@ -35,12 +35,6 @@ constexpr KindWord kindWords[] = {
     {"intarray", datarefIntArray}, {"data", datarefData},
 };
 
-// A stretch of a joined line that came from one physical line.
-struct Piece {
-  size_t start;
-  uint32_t line;
-};
-
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 int HexDigit(char c) {
@@ -63,7 +57,9 @@ int TakePhysicalLine(CustomFileReader* reader, std::string_view* line) {
   return 1;
 }
 
-void StripEnd(std::string* text) { text->resize(text->find_last_not_of(whiteSpace) + 1); }
+size_t LengthWithoutEnd(std::string_view text) { return text.find_last_not_of(whiteSpace) + 1; }
+std::string_view WithoutEnd(std::string_view text) { return text.substr(0, LengthWithoutEnd(text)); }
+void StripEnd(std::string* text) { text->resize(LengthWithoutEnd(*text)); }
 
 CustomLineKind KindOf(std::string_view word) {
   if (word.starts_with("Offset")) return CustomLineKind::Offset;
@@ -72,16 +68,22 @@ CustomLineKind KindOf(std::string_view word) {
   return CustomLineKind::Other;
 }
 
-CustomToken Place(std::string_view token, const CustomLine& line, const std::vector<Piece>& pieces) {
+CustomToken Place(std::string_view token, const CustomLine& line) {
   const auto start = static_cast<size_t>(token.data() - line.text.data());
-  const Piece* piece = &pieces.front();
-  for (const Piece& candidate : pieces) {
-    if (candidate.start <= start) piece = &candidate;
-  }
-  return {token, piece->line, static_cast<uint32_t>(start - piece->start + 1)};
+  const auto behind = std::upper_bound(line.pieces.begin(), line.pieces.end(), start,
+                                       [](size_t at, const CustomPiece& piece) { return at < piece.start; });
+  const CustomPiece& piece = *(behind - 1);  // the first one begins at 0
+  return {token, piece.line, static_cast<uint32_t>(start - piece.start + 1)};
 }
 
-void SplitTokens(CustomLine* line, const std::vector<Piece>& pieces) {
+// Notes that the text goes on with a new physical line; those that have left nothing in the text are forgotten.
+void AddPiece(CustomLine* line, uint32_t number) {
+  const size_t start = line->text.size();
+  while (!line->pieces.empty() && line->pieces.back().start >= start) line->pieces.pop_back();
+  line->pieces.push_back({start, number});
+}
+
+void SplitTokens(CustomLine* line) {
   std::string_view rest = line->text;
   for (;;) {
     const size_t start = rest.find_first_not_of(separators);
@@ -93,7 +95,7 @@ void SplitTokens(CustomLine* line, const std::vector<Piece>& pieces) {
     }
     const std::string_view word = rest.substr(0, rest.find_first_of(separators));
     rest.remove_prefix(word.size());
-    const CustomToken token = Place(word, *line, pieces);
+    const CustomToken token = Place(word, *line);
     if (word.size() > maxCustomTokenLength) {
       if (line->fault == CustomLineFault::None) line->faulty = token;
       line->fault = CustomLineFault::TokenTooLong;
@@ -184,18 +186,22 @@ void Sort(CustomTables* tables) {
 }  // namespace
 
 int NextCustomLine(CustomFileReader* reader, CustomLine* line) {
-  std::vector<Piece> pieces;
   for (;;) {
-    *line = {};
-    pieces.clear();
+    line->text.clear();
+    line->tokens.clear();
+    line->pieces.clear();
+    line->kind = CustomLineKind::Other;
+    line->fault = CustomLineFault::None;
+    line->faulty = {};
+    line->comment = line->cutShort = false;
     std::string_view physical;
     const int first = TakePhysicalLine(reader, &physical);
-    if (first == 0) return 0;
     line->firstLine = line->lastLine = reader->line;
-    if (first < 0) return -1;
+    if (first <= 0) return first;
+    physical = WithoutEnd(physical);
+    if (physical.empty()) continue;
     line->text = physical;
-    pieces.push_back({0, reader->line});
-    StripEnd(&line->text);
+    line->pieces.push_back({0, reader->line});
     while (line->text.ends_with('_')) {
       line->text.pop_back();
       const int next = TakePhysicalLine(reader, &physical);
@@ -206,12 +212,12 @@ int NextCustomLine(CustomFileReader* reader, CustomLine* line) {
         StripEnd(&line->text);
         continue;
       }
-      pieces.push_back({line->text.size(), reader->line});
+      AddPiece(line, reader->line);
       line->text += physical;
       StripEnd(&line->text);
       if (line->text.size() > maxCustomLineLength) return -1;
     }
-    SplitTokens(line, pieces);
+    SplitTokens(line);
     if (line->tokens.empty() && !line->comment) continue;
     line->kind = line->tokens.empty() ? CustomLineKind::Other : KindOf(line->tokens.front().text);
     return 1;
@@ -285,11 +291,11 @@ size_t ParseCustomNumber(std::string_view text, double* value) {
 }
 
 int ParseCustomFile(std::string_view text, CustomTables* tables,
-                    void (*skipped)(uint32_t line, CustomLineFault fault)) {
+                    void (*skipped)(uint32_t line, CustomLineFault fault), uint32_t* tooLong) {
   *tables = {};
   // Three texts of a line may be missing and cost their NUL all the same.
   const auto lines = static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
-  tables->text = std::make_unique<char[]>(text.size() + 3 * lines);
+  tables->text = std::make_unique_for_overwrite<char[]>(text.size() + 3 * lines);
   TextStore store = {tables->text.get()};
   CustomFileReader reader = {text, 0};
   CustomLine line;
@@ -316,6 +322,7 @@ int ParseCustomFile(std::string_view text, CustomTables* tables,
   }
   if (result < 0) {
     *tables = {};
+    if (tooLong != nullptr) *tooLong = line.lastLine;
     return 0;
   }
   Sort(tables);

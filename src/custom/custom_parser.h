@@ -23,15 +23,23 @@ struct CustomToken {
   uint32_t line, column;  // where it begins in the file, from 1
 };
 
+// A stretch of a joined line: where it begins, and the physical line it came from.
+struct CustomPiece {
+  size_t start;
+  uint32_t line;
+};
+
+// Use one for all lines of a file: it keeps its memory.
 struct CustomLine {
   std::string text;                 // joined
   std::vector<CustomToken> tokens;  // before the comment; at most maxCustomTokens
   CustomLineKind kind;
   CustomLineFault fault;
-  CustomToken faulty;            // the token at fault
-  uint32_t firstLine, lastLine;  // physical lines it was made of
-  bool comment;                  // it ends in a comment
-  bool cutShort;                 // the file ends where a continuation was to come
+  CustomToken faulty;               // the token at fault
+  uint32_t firstLine, lastLine;     // physical lines it was made of
+  bool comment;                     // it ends in a comment
+  bool cutShort;                    // the file ends where a continuation was to come
+  std::vector<CustomPiece> pieces;  // of the text; at most one a character
 };
 
 // Where reading stands. Begin with {text, 0}.
@@ -57,9 +65,10 @@ size_t ParseCustomNumber(std::string_view text, double* value);
 
 // Reads a whole file into the tables, sorts them and compiles the expressions; handles stay null and the
 // refresh groups empty. `skipped` (may be null) hears of lines of ours that are left out because of their
-// fault. Returns 1, or 0 when a line is too long: the tables are empty then.
+// fault. Returns 1, or 0 when a line is too long: the tables are empty then, and `tooLong` (may be null) is its
+// number.
 int ParseCustomFile(std::string_view text, CustomTables* tables,
-                    void (*skipped)(uint32_t line, CustomLineFault fault));
+                    void (*skipped)(uint32_t line, CustomLineFault fault), uint32_t* tooLong = nullptr);
 // The entry of that alias, or null.
 const CustomDatarefEntry* FindCustomAlias(const std::vector<CustomDatarefEntry>& datarefs,
                                           std::string_view alias);

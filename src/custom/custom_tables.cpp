@@ -14,6 +14,8 @@
 #include "custom/expression.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
+#include "platform/system.h"
+#include "shell/folders.h"
 #include "shell/log.h"
 
 CustomTables* loadedTables;
@@ -39,24 +41,42 @@ std::atomic<uint32_t> requests;
 constexpr int64_t pauseNanoseconds = 1'000'000'000;
 int64_t nextReload;
 
-std::string FilePath() {
-  char systemPath[1024] = "";
-  XPLMGetSystemPath(systemPath);
-  std::string path = std::string(systemPath) + "Resources/plugins/TAVRIX/";
-  std::replace(path.begin(), path.end(), '/', XPLMGetDirectorySeparator()[0]);
-  return path + "TAVRIXOffsets.cfg";
+std::string FilePath() { return PluginFolder() + "TAVRIXOffsets.cfg"; }
+
+// The file could not be read: the defined line, then what was wrong and what to do about it.
+void TellUnreadable(const std::string& path, const std::string& reason) {
+  LogLine(errorLine);
+  LogOwn("TAVRIX->Can't read %s: %s; there are no offsets of your own until the file is read again\n",
+         EscapedControls(path).c_str(), reason.c_str());
 }
 
+// Returns 1, or 0 when it has told why not.
 int ReadWholeFile(const std::string& path, std::string* text) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-  if (!file) return 0;
+  OpenFailure failure;
+  const std::unique_ptr<FILE, int (*)(FILE*)> file(OpenPlainFile(path.c_str(), OpenMode::Read, &failure),
+                                                   std::fclose);
+  if (!file && failure.missing) {
+    LogLine(errorLine);
+    LogOwn("TAVRIX->There is no file %s: that is fine unless you want offsets of your own\n",
+           EscapedControls(path).c_str());
+    return 0;
+  }
+  if (!file) {
+    TellUnreadable(path, failure.reason + ", make it a text file that your user may read");
+    return 0;
+  }
   char part[16384];
   size_t length = 0;
   while ((length = std::fread(part, 1, sizeof part, file.get())) > 0) {
     text->append(part, length);
-    if (text->size() > largestFile) return 0;
+    if (text->size() > largestFile) {
+      TellUnreadable(path, "it is larger than 64 MB, put your own file there");
+      return 0;
+    }
   }
-  return std::ferror(file.get()) == 0;
+  if (std::ferror(file.get()) == 0) return 1;
+  TellUnreadable(path, SystemErrorText());
+  return 0;
 }
 
 void TellSkipped(uint32_t line, CustomLineFault fault) {
@@ -68,21 +88,58 @@ void TellSkipped(uint32_t line, CustomLineFault fault) {
 void LookUpDatarefs(CustomTables* tables) {
   for (CustomDatarefEntry& entry : tables->datarefs) {
     entry.handle = XPLMFindDataRef(entry.path);
-    if (entry.handle == nullptr) LogLine("Dataref %s not found.\n", entry.path);
+    if (entry.handle != nullptr) continue;
+    LogLine("Dataref %s not found.\n", EscapedControls(entry.path).c_str());
+    if (*entry.path != '\0') continue;
+    LogOwn("TAVRIX->The Dataref line of the alias \"%s\" in TAVRIXOffsets.cfg names no dataref\n",
+           EscapedControls(entry.alias).c_str());
   }
 }
 
+// Offsets whose blank slots the last lines of the log have told.
+struct BlankRun {
+  static constexpr size_t mostNamed = 8;
+  std::vector<uint16_t> offsets;
+
+  void Add(uint16_t offset) {
+    if (offsets.empty() || offsets.back() != offset) offsets.push_back(offset);
+  }
+  void End() {
+    if (offsets.empty()) return;
+    std::string list;
+    for (size_t i = 0; i < std::min(offsets.size(), mostNamed); ++i) {
+      char text[16];
+      std::snprintf(text, sizeof text, "%s0x%04X", i == 0 ? "" : ", ", offsets[i]);
+      list += text;
+    }
+    if (offsets.size() > mostNamed) list += " and " + std::to_string(offsets.size() - mostNamed) + " more";
+    LogOwn(
+        "TAVRIX->Commands without a name are the blanks between the groups of a Command line, which is normal; "
+        "here of offset %s\n",
+        list.c_str());
+    offsets.clear();
+  }
+};
+
 void LookUpActions(CustomTables* tables) {
+  BlankRun blanks;
   for (const CustomCommandEntry& entry : tables->commands) {
     for (int32_t slot = 0; slot < entry.actionCount; ++slot) {
       const auto group = static_cast<uint32_t>(slot / 3);
       // The slots between groups are blank, and told like any other name that does not exist.
-      const bool blank = slot % 3 != 0 || group >= entry.groupCount;
-      CommandAction* action = blank ? nullptr : &tables->actions[entry.firstGroup + group];
-      if (action != nullptr) action->handle = XPLMFindCommand(action->name);
-      if (blank || action->handle == nullptr) LogLine("Command %s not found.\n", blank ? "" : action->name);
+      if (slot % 3 != 0 || group >= entry.groupCount) {
+        LogLine("Command %s not found.\n", "");
+        blanks.Add(entry.offset);
+        continue;
+      }
+      CommandAction* action = &tables->actions[entry.firstGroup + group];
+      action->handle = XPLMFindCommand(action->name);
+      if (action->handle != nullptr) continue;
+      blanks.End();
+      LogLine("Command %s not found.\n", EscapedControls(action->name).c_str());
     }
   }
+  blanks.End();
 }
 
 // Makes the tables unreachable and forgets what points into them. Offset lock held.
@@ -94,10 +151,14 @@ void Withdraw() {
 }
 
 void Load() {
+  const std::string path = FilePath();
   std::string text;
   auto tables = std::make_unique<CustomTables>();
-  if (!ReadWholeFile(FilePath(), &text) || !ParseCustomFile(text, tables.get(), TellSkipped)) {
-    LogLine(errorLine);
+  if (!ReadWholeFile(path, &text)) return;
+  uint32_t tooLong = 0;
+  if (!ParseCustomFile(text, tables.get(), TellSkipped, &tooLong)) {
+    TellUnreadable(path, "line " + std::to_string(tooLong) + " has more than " +
+                             std::to_string(maxCustomLineLength) + " characters, make it shorter");
     return;
   }
   LookUpDatarefs(tables.get());
@@ -123,6 +184,7 @@ void LoadCustomOffsets() {
     Load();
   } catch (...) {
     LogLine(errorLine);
+    LogOwn("TAVRIX->Out of memory while reading TAVRIXOffsets.cfg\n");
   }
 }
 

@@ -15,6 +15,9 @@ namespace {
 constexpr size_t receiveSize = 65535;
 constexpr int closedPauseMs = 10;
 constexpr int splitFrameMs = 50;
+constexpr int streamingMs = 500;
+constexpr int longPauseMs = 1000;
+constexpr size_t streamingBytes = 32768;
 
 // One for each slot of the client table. The thread owns the socket from its start to its end; the accept
 // thread fills the record before and joins the thread after.
@@ -46,21 +49,42 @@ void MarkOffsets(const ReceivedFrame& frame) {
   }
 }
 
+// How long the rest of a frame may take. A client that sends without a pause may be held up for a while by a
+// busy computer, its own or ours, and must not lose a frame by that.
+struct Stream {
+  int64_t lastReceive;  // monotonic, ms
+  size_t bytes;         // so many have come without a long pause
+};
+
+int PatienceOf(const Stream& stream) { return stream.bytes < streamingBytes ? splitFrameMs : streamingMs; }
+
+void Note(Stream* stream, size_t received) {
+  const int64_t now = MonotonicNanoseconds() / 1000000;
+  if (now - stream->lastReceive > longPauseMs) stream->bytes = 0;
+  stream->bytes += received;
+  stream->lastReceive = now;
+}
+
 // Serves what comes until the client leaves or the server stops. Where one receive ends says nothing about the
 // client's frames when it sends faster than we receive: the beginning of a frame is kept until its end has
 // come. When nothing more comes for a while, the client has sent it in pieces, and it is taken as it is.
 void ServeClient(Session* session) {
+  Stream stream = {};
   size_t kept = 0;
   while (clientThreadsRunning.load() != 0) {
-    const int received = ReceiveSocket(&session->socket, &session->waker, kept == 0 ? -1 : splitFrameMs,
+    const int received = ReceiveSocket(&session->socket, &session->waker, kept == 0 ? -1 : PatienceOf(stream),
                                        session->buffer + kept, receiveSize - kept);
     if (received <= 0 && received != receiveTimedOut) return;
-    size_t size = kept + static_cast<size_t>(std::max(received, 0));
-    const size_t whole = received > 0 ? ServableSize(session->buffer, size, receiveSize) : size;
+    size_t whole = kept;
+    if (received > 0) {
+      Note(&stream, static_cast<size_t>(received));
+      kept += static_cast<size_t>(received);
+      whole = ServableSize(session->buffer, kept, receiveSize);
+    }
     session->scratch.refusedWrites = 0;
     ServeFrames(session->buffer, whole, &session->scratch);
     if (session->scratch.refusedWrites != 0) LogRefusal(Refusal::Write, session->peerIp);
-    kept = size - whole;
+    kept -= whole;
     std::memmove(session->buffer, session->buffer + whole, kept);
   }
 }

@@ -25,8 +25,22 @@ std::string ComputerName();
 std::vector<SharedFolder> ListSharedFolders();
 // 1 when the path names an existing directory.
 int IsDirectory(const char* path);
-// 1 when the path names an existing file that is not a directory.
+// 1 when the path names an existing plain file.
 int IsFile(const char* path);
+// 1 when a plain file stands under the path, or nothing at all: only then may a file be put there.
+int IsFileOrNothing(const char* path);
+// The folder's text with a separator at its end, put there only when none stands there; "" stays "".
+std::string WithSeparator(std::string folder);
+
+enum class OpenMode { Read, Empty, Append };
+struct OpenFailure {
+  bool missing;        // to be read, and not there
+  std::string reason;  // for a log line
+};
+// Opens a plain file, without any conversion of its bytes; Empty and Append make it when it is missing.
+// Whatever else stands under the name (a folder, a pipe, a device, a socket) is refused: it is neither waited
+// for nor changed. Returns null on failure and fills `failure`.
+FILE* OpenPlainFile(const char* path, OpenMode mode, OpenFailure* failure);
 // Makes a folder and the missing ones above it. Returns 1 when it exists afterwards.
 int CreateFolders(const char* path);
 // Writes everything of the stream down to the disk (not only to the system's cache). Returns 1 or 0.

@@ -1,10 +1,14 @@
 #include "settings/settings.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/system.h"
 #include "settings/settings_text.h"
@@ -18,6 +22,12 @@ namespace {
 constexpr size_t longestPath = 1000;
 constexpr size_t largestFile = 4u << 20;  // bytes; what is larger is no settings file
 constexpr char temporarySuffix[] = ".tmp";
+
+// Nanoseconds. A disk that refuses is not asked every few seconds, as each try may hold up the simulator.
+constexpr int64_t second = 1'000'000'000;
+constexpr int64_t quietTime = 2 * second;     // after the last change
+constexpr int64_t longestWait = 10 * second;  // after the first one
+constexpr int64_t retryTime = 60 * second;    // after a failed save
 
 char settingsPath[longestPath];
 
@@ -169,48 +179,58 @@ std::string DefaultText() {
   return text;
 }
 
-int ReportUnreadable(const char* reason, const char* remedy) {
+// Reasons that the log has told already: the file is looked at several times at enable, and a client may change
+// settings every frame. Forgotten as soon as the file can be read or written, and at every enable.
+char toldUnreadable[300], toldUnwritable[300];
+
+// 1 when the reason is a new one.
+int IsNews(char (&told)[300], const std::string& reason) {
+  const std::string kept = reason.substr(0, sizeof told - 1);
+  if (kept == told) return 0;
+  CopyText(told, sizeof told, kept);
+  return 1;
+}
+
+int ReportUnreadable(const std::string& reason, const char* remedy) {
+  if (!IsNews(toldUnreadable, reason)) return -1;
   LogOwn("TAVRIX->Can't read the settings file %s (%s): %s; the defaults are used and the file is left alone\n",
-         settingsPath, reason, remedy);
+         EscapedControls(settingsPath).c_str(), reason.c_str(), remedy);
   return -1;
 }
 
-int ReportUnwritable(const char* path, const std::string& reason) {
+int ReportUnwritable(const char* path, const std::string& reason,
+                     const char* remedy = "make the file and its folder writable for your user") {
+  if (!IsNews(toldUnwritable, reason)) return 0;
   LogOwn(
-      "TAVRIX->Can't write the settings file %s (%s): make the file and its folder writable for your user; "
-      "changes "
-      "of the settings are lost at the end of this session\n",
-      path, reason.c_str());
+      "TAVRIX->Can't write the settings file %s (%s): %s; changes of the settings are lost at the end of this "
+      "session\n",
+      EscapedControls(path).c_str(), reason.c_str(), remedy);
   return 0;
 }
 
 // As ReadSettingsText, but what the system throws comes through.
 int LoadText(std::string* text) {
   text->clear();
-  errno = 0;
-  FILE* file = std::fopen(settingsPath, "rb");
-  if (!file && errno == ENOENT) return 0;
-  if (!file) return ReportUnreadable(SystemErrorText().c_str(), "make it readable for your user");
-  std::string read;
-  char part[4096];
-  size_t length = 0;
-  while (read.size() <= largestFile && (length = std::fread(part, 1, sizeof part, file)) > 0) {
-    try {
-      read.append(part, length);
-    } catch (...) {
-      std::fclose(file);
-      throw;
-    }
+  OpenFailure failure;
+  const std::unique_ptr<FILE, int (*)(FILE*)> file(OpenPlainFile(settingsPath, OpenMode::Read, &failure),
+                                                   std::fclose);
+  if (!file) {
+    return failure.missing ? 0
+                           : ReportUnreadable(failure.reason, "make it a text file that your user may read");
   }
-  const bool failed = std::ferror(file) != 0;
-  const std::string reason = failed ? SystemErrorText() : "";
-  std::fclose(file);
-  if (failed) return ReportUnreadable(reason.c_str(), "make it a readable text file");
+  std::string read;
+  char part[16384];
+  size_t length = 0;
+  while (read.size() <= largestFile && (length = std::fread(part, 1, sizeof part, file.get())) > 0) {
+    read.append(part, length);
+  }
+  if (std::ferror(file.get()) != 0) return ReportUnreadable(SystemErrorText(), "make it a readable text file");
   if (read.size() > largestFile)
     return ReportUnreadable("it is larger than 4 MB", "delete it or restore your own");
   if (read.starts_with("\xFF\xFE") || read.starts_with("\xFE\xFF")) {
     return ReportUnreadable("it is stored as UTF-16", "save it as ANSI or UTF-8 text");
   }
+  toldUnreadable[0] = '\0';
   *text = std::move(read);
   return 1;
 }
@@ -218,51 +238,125 @@ int LoadText(std::string* text) {
 // Writes the whole file: into a temporary file beside it, down to the disk, then under its name.
 int SaveText(const std::string& text) {
   if (settingsPath[0] == '\0') return ReportUnwritable("TAVRIX.ini", "its path is missing or too long");
+  if (text.size() > largestFile) {
+    return ReportUnwritable(settingsPath, "it would grow beyond 4 MB and could not be read again",
+                            "remove lines from it that are not needed");
+  }
+  if (!IsFileOrNothing(settingsPath)) {
+    return ReportUnwritable(settingsPath, "no plain file stands under its name", "move away what stands there");
+  }
   const std::string temporary = std::string(settingsPath) + temporarySuffix;
-  FILE* file = std::fopen(temporary.c_str(), "wb");
-  if (!file) return ReportUnwritable(temporary.c_str(), SystemErrorText());
+  OpenFailure failure;
+  FILE* file = OpenPlainFile(temporary.c_str(), OpenMode::Empty, &failure);
+  if (!file) return ReportUnwritable(temporary.c_str(), failure.reason);
   const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() && FlushToDisk(file);
   std::string reason = written ? "" : SystemErrorText();
   const bool closed = std::fclose(file) == 0;
   if (written && !closed) reason = SystemErrorText();
   if (written && closed) {
-    if (ReplaceFile(temporary.c_str(), settingsPath)) return 1;
+    if (ReplaceFile(temporary.c_str(), settingsPath)) {
+      toldUnwritable[0] = '\0';
+      return 1;
+    }
     reason = SystemErrorText();
   }
   std::remove(temporary.c_str());
   return ReportUnwritable(settingsPath, reason);
 }
 
-// The misspelled key counts while the right one is missing or holds the default, which is what an older
-// file gets at the first start: the second start must not lose the address that the first one used.
-std::string_view ChooseAddress(std::string_view text, const Row& row, std::string_view value) {
-  std::string_view legacy;
-  if (value != row.byDefault || !FindSetting(text, row.section, legacyAddressKey, &legacy)) return value;
-  return legacy.empty() ? value : legacy;
+// Changes that are not in the file yet, each key once, in the order of their first change.
+struct WaitingSetting {
+  std::string section, key, value;
+};
+std::vector<WaitingSetting> waiting;
+int64_t firstChange, lastChange, triedAt;  // monotonic, ns
+bool saveFailed;                           // at triedAt
+
+WaitingSetting* FindWaiting(std::string_view section, std::string_view key) {
+  for (WaitingSetting& change : waiting) {
+    if (AreSameSettings(change.section, change.key, section, key)) return &change;
+  }
+  return nullptr;
 }
 
-int ReadAll() {
-  settings = {};
-  for (const Row& row : rows) Take(row, row.byDefault);
+// The waiting changes, without the one of that name.
+std::vector<SettingChange> WaitingBut(std::string_view section, std::string_view key) {
+  std::vector<SettingChange> changes;
+  for (const WaitingSetting& change : waiting) {
+    if (AreSameSettings(change.section, change.key, section, key)) continue;
+    changes.push_back({change.section, change.key, change.value});
+  }
+  return changes;
+}
+
+void ForgetWaiting() {
+  waiting.clear();
+  saveFailed = false;
+}
+
+// Writes the changes, which hold all waiting ones, in one rewrite of the file.
+int SaveChanges(std::span<const SettingChange> changes) {
   std::string text;
   const int loaded = LoadText(&text);
   if (loaded < 0) return 0;
-  if (loaded == 0) return SaveText(DefaultText());
-  std::string completed = text;
-  for (const Row& row : rows) {
-    std::string_view value = row.byDefault;
-    if (!FindSetting(text, row.section, row.key, &value)) {
-      completed = SetSettingInText(completed, row.section, row.key, row.byDefault);
-    }
-    if (row.kind == Kind::address) value = ChooseAddress(text, row, value);
-    Take(row, value);
-  }
-  if (completed != text) SaveText(completed);
+  if (loaded == 0) text = DefaultText();
+  const std::string changed = SetSettingsInText(text, changes);
+  if ((loaded == 0 || changed != text) && !SaveText(changed)) return 0;
+  ForgetWaiting();
   return 1;
 }
 
+// The misspelled key counts while the right one is missing or holds the default, which is what an older
+// file gets at the first start: the second start must not lose the address that the first one used.
+std::string_view ChooseAddress(const Row& row, std::string_view value, const SettingQuery& legacy) {
+  return value == row.byDefault && legacy.found && !legacy.value.empty() ? legacy.value : value;
+}
+
+int ReadAll() {
+  const Settings previous = settings;
+  settings = {};
+  for (const Row& row : rows) Take(row, row.byDefault);
+  toldUnreadable[0] = toldUnwritable[0] = '\0';
+  std::string file;
+  const int loaded = LoadText(&file);
+  if (loaded < 0) return 0;
+  if (loaded == 0) return SaveText(DefaultText());
+  // Changes that could not be saved in the session before still count.
+  const std::string text = waiting.empty() ? file : SetSettingsInText(file, WaitingBut({}, {}));
+
+  constexpr size_t count = std::size(rows);
+  SettingQuery queries[count + 1];
+  for (size_t i = 0; i < count; ++i) queries[i] = {rows[i].section, rows[i].key, {}, false};
+  queries[count] = {general, legacyAddressKey, {}, false};
+  FindSettings(text, queries);
+  std::vector<SettingChange> missing;
+  for (size_t i = 0; i < count; ++i) {
+    const Row& row = rows[i];
+    std::string_view value = row.byDefault;
+    if (queries[i].found) {
+      value = queries[i].value;
+    } else {
+      missing.push_back({row.section, row.key, row.byDefault});
+    }
+    if (row.kind == Kind::address) value = ChooseAddress(row, value, queries[count]);
+    // A number that is not taken leaves the previous one, which was read at an enable before.
+    if (row.kind == Kind::detents && previous.flapDetents != 0) settings.flapDetents = previous.flapDetents;
+    Take(row, value);
+  }
+  const std::string completed = missing.empty() ? text : SetSettingsInText(text, missing);
+  if (completed == file || SaveText(completed)) ForgetWaiting();
+  return 1;
+}
+
+int CanBeWritten(const char* section, const char* key) {
+  if (AreSettingNames(section, key)) return 1;
+  LogOwn("TAVRIX->The setting \"%s\" of section \"%s\" has no name that a settings file can hold\n",
+         EscapedForLog(key).c_str(), EscapedForLog(section).c_str());
+  return 0;
+}
+
 int ReportException(const char* what) {
-  LogOwn("TAVRIX->Out of memory while %s the settings file %s\n", what, settingsPath);
+  LogOwn("TAVRIX->Out of memory while %s the settings file %s\n", what, EscapedControls(settingsPath).c_str());
   return 0;
 }
 
@@ -271,6 +365,7 @@ int ReportException(const char* what) {
 void SetSettingsPath(const char* path) {
   // A path cut short would name another file: none then.
   CopyText(settingsPath, sizeof settingsPath, std::strlen(path) < sizeof settingsPath ? path : "");
+  ForgetWaiting();
 }
 
 int ReadSettingsText(std::string* text) {
@@ -287,7 +382,11 @@ int ReadSetting(const char* section, const char* key, char* buffer, size_t size)
   try {
     std::string text;
     std::string_view value;
-    if (LoadText(&text) <= 0 || !FindSetting(text, section, key, &value)) return -1;
+    if (const WaitingSetting* change = FindWaiting(section, key)) {
+      value = change->value;
+    } else if (LoadText(&text) <= 0 || !FindSetting(text, section, key, &value)) {
+      return -1;
+    }
     CopyText(buffer, size, value);
     return static_cast<int>(value.size());
   } catch (...) {
@@ -297,18 +396,48 @@ int ReadSetting(const char* section, const char* key, char* buffer, size_t size)
 }
 
 int WriteSetting(const char* section, const char* key, const char* value) {
-  if (!AreSettingNames(section, key)) {
-    LogOwn("TAVRIX->The setting \"%s\" of section \"%s\" has no name that a settings file can hold\n", key,
-           section);
-    return 0;
-  }
+  if (!CanBeWritten(section, key)) return 0;
   try {
-    std::string text;
-    const int loaded = LoadText(&text);
-    if (loaded < 0) return 0;
-    if (loaded == 0) text = DefaultText();
-    const std::string changed = SetSettingInText(text, section, key, value);
-    return loaded == 1 && changed == text ? 1 : SaveText(changed);
+    std::vector<SettingChange> changes = WaitingBut(section, key);
+    changes.push_back({section, key, value});
+    return SaveChanges(changes);
+  } catch (...) {
+    return ReportException("writing");
+  }
+}
+
+int KeepSetting(const char* section, const char* key, const char* value, int64_t now) {
+  if (!CanBeWritten(section, key)) return 0;
+  try {
+    std::string kept(CutSettingValue(value));
+    if (waiting.empty()) firstChange = now;
+    if (WaitingSetting* change = FindWaiting(section, key)) {
+      change->value = std::move(kept);
+    } else {
+      waiting.push_back({section, key, std::move(kept)});
+    }
+    lastChange = now;
+    return 1;
+  } catch (...) {
+    return ReportException("changing");
+  }
+}
+
+int SettingsWait() { return waiting.empty() ? 0 : 1; }
+
+void SaveSettingsWhenDue(int64_t now) {
+  if (waiting.empty()) return;
+  if (now - lastChange < quietTime && now - firstChange < longestWait) return;
+  if (saveFailed && now - triedAt < retryTime) return;
+  triedAt = now;
+  SaveWaitingSettings();
+}
+
+int SaveWaitingSettings() {
+  if (waiting.empty()) return 1;
+  saveFailed = true;
+  try {
+    return SaveChanges(WaitingBut({}, {}));
   } catch (...) {
     return ReportException("writing");
   }

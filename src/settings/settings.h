@@ -1,12 +1,13 @@
 // The settings file "TAVRIX.ini": the user's settings, in sections of "key = value" lines.
 //
 // The file lies in the plug-in's folder. All of it is read at enable, missing keys are completed with
-// their defaults, and single keys are rewritten when a window or a client changes them. A rewrite goes
-// through a temporary file that takes the old one's place in one step, so a kill at any moment leaves
-// either the old or the new file.
+// their defaults, and single keys are rewritten when a window or a client changes them; what clients change
+// waits for a quiet moment, as they may do so every frame. A rewrite goes through a temporary file that takes
+// the old one's place in one step, so a kill at any moment leaves either the old or the new file.
 //
 // Everything here is for the simulator's thread alone. An unreadable or unwritable file is never fatal:
-// a log line tells, and the defaults hold.
+// a log line tells, once for each reason, and the defaults hold. What is no plain file (a folder, a pipe, a
+// device) is neither read nor replaced, and no rewrite makes the file larger than what is read again (4 MB).
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -66,10 +67,21 @@ int ReadSettingsText(std::string* text);
 // control characters and to 130 characters; a missing file is created with all defaults. Returns 1, or 0
 // (old file in place, a log line tells why). `settings` does not change.
 int WriteSetting(const char* section, const char* key, const char* value);
+// The same for a key that a client changes, perhaps often: ReadSetting knows the value at once, the file gets
+// it later, two seconds after the last change and ten seconds after the first one at the latest, all such keys
+// in one rewrite (a WriteSetting takes them along). `now` is monotonic time in ns. Returns 1 or 0.
+int KeepSetting(const char* section, const char* key, const char* value, int64_t now);
+// 1 while changes wait to be written.
+int SettingsWait();
+// Writes them when it is time to. What fails is tried again a minute later. Once a frame.
+void SaveSettingsWhenDue(int64_t now);
+// Writes them now (at disable). Returns 1 when nothing waits any more, or 0 (they wait on).
+int SaveWaitingSettings();
 // Creates the file anew with its header, the six sections and every key at its default. Returns 1, or 0
 // (a log line tells why).
 int CreateDefaultSettings();
 // Sets `settings` to the defaults, then creates a missing file, reads every key of the table and writes
-// the default of each that is missing, all in one rewrite. Always leaves usable settings; returns 1, or 0
+// the default of each that is missing, all in one rewrite. A number of flap detents that is out of range leaves
+// the previous one. Always leaves usable settings; returns 1, or 0
 // when the file could neither be read nor written. An existing file that cannot be read is not touched.
 int ReadAllSettings();

@@ -1,8 +1,11 @@
 #include "settings/settings_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <vector>
 
 #include "settings/settings.h"
 
@@ -45,31 +48,13 @@ bool SameIgnoringCase(std::string_view a, std::string_view b) {
   return true;
 }
 
-using SameName = bool (*)(std::string_view, std::string_view);
+// How well two names agree. A better agreement has the larger value.
+enum class Match : uint8_t { none, folded, exact };
 
-bool SameExactly(std::string_view a, std::string_view b) { return a == b; }
-
-bool FindWith(SameName same, std::string_view text, std::string_view section, std::string_view key,
-              std::string_view* value) {
-  bool inSection = false;
-  SettingLine line{};
-  while (NextSettingLine(&text, &line)) {
-    if (line.kind == SettingLineKind::section) {
-      inSection = same(line.name, section);
-    } else if (line.kind == SettingLineKind::key && inSection && same(line.name, key)) {
-      *value = line.value;
-      return true;
-    }
-  }
-  return false;
-}
-
-bool HasSection(SameName same, std::string_view text, std::string_view section) {
-  SettingLine line{};
-  while (NextSettingLine(&text, &line)) {
-    if (line.kind == SettingLineKind::section && same(line.name, section)) return true;
-  }
-  return false;
+Match Compare(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return Match::none;
+  if (a == b) return Match::exact;
+  return SameIgnoringCase(a, b) ? Match::folded : Match::none;
 }
 
 std::string_view LineEnd(std::string_view line) { return line.ends_with("\r\n") ? "\r\n" : "\n"; }
@@ -82,57 +67,79 @@ std::string KeyLine(std::string_view key, std::string_view value, std::string_vi
   return line;
 }
 
-std::string ReplaceKey(SameName same, std::string_view text, std::string_view section, std::string_view key,
-                       std::string_view value) {
-  std::string result;
-  bool inSection = false;
-  SettingLine line{};
-  while (NextSettingLine(&text, &line)) {
-    if (line.kind == SettingLineKind::section) inSection = same(line.name, section);
-    if (line.kind == SettingLineKind::key && inSection && same(line.name, key)) {
-      result += KeyLine(key, value, LineEnd(line.whole));
-    } else {
-      result += line.whole;
-    }
-  }
-  return result;
+// What becomes of one change, found out in a first walk over the text.
+struct Plan {
+  Match section = Match::none;  // of the line's section, during a walk
+  Match key = Match::none;      // best agreement of a key within sections that agree as well
+  Match home = Match::none;     // best agreement of a section
+  bool atHome = false;          // the walk is within the section that a new key would go to
+  size_t insertAt = 0;          // where it would go there
+};
+
+// Agreement of a key line: exact only when its section is, too.
+Match MatchKey(Match section, std::string_view a, std::string_view b) {
+  return section == Match::none ? Match::none : std::min(section, Compare(a, b));
 }
 
-// Adds the key to the first section of that name, which exists.
-std::string AddKey(SameName same, std::string_view text, std::string_view section, std::string_view key,
-                   std::string_view value) {
-  const std::string_view whole = text;
-  size_t insertAt = 0;
-  std::string_view before;  // line that the new one follows
-  bool inSection = false;
+std::vector<Plan> MakePlans(std::string_view text, std::span<const SettingChange> changes) {
+  std::vector<Plan> plans(changes.size());
+  const size_t whole = text.size();
+  size_t end = 0;  // of the last line that is not blank
   SettingLine line{};
   while (NextSettingLine(&text, &line)) {
     if (line.kind == SettingLineKind::section) {
-      if (inSection) break;
-      inSection = same(line.name, section);
+      for (size_t i = 0; i < plans.size(); ++i) {
+        Plan& plan = plans[i];
+        if (plan.atHome) plan.insertAt = end;
+        plan.section = Compare(line.name, changes[i].section);
+        plan.atHome = plan.section > plan.home;  // the first of the best ones
+        plan.home = std::max(plan.home, plan.section);
+      }
+    } else if (line.kind == SettingLineKind::key) {
+      for (size_t i = 0; i < plans.size(); ++i) {
+        plans[i].key = std::max(plans[i].key, MatchKey(plans[i].section, line.name, changes[i].key));
+      }
     }
-    if (!inSection || IsBlankLine(line.whole)) continue;
-    insertAt = whole.size() - text.size();
-    before = line.whole;
+    if (!IsBlankLine(line.whole)) end = whole - text.size();
   }
-  std::string result(whole.substr(0, insertAt));
-  if (!before.ends_with('\n')) result += '\n';
-  result += KeyLine(key, value, LineEnd(before));
-  result += whole.substr(insertAt);
-  return result;
+  for (Plan& plan : plans) {
+    if (plan.atHome) plan.insertAt = end;
+  }
+  return plans;
 }
 
-std::string AddSection(std::string_view text, std::string_view section, std::string_view key,
-                       std::string_view value) {
-  std::string result(text);
-  const std::string_view lineEnd = LineEnd(text);
-  if (!result.empty() && !text.ends_with('\n')) result += '\n';
-  result += '[';
-  result += section;
-  result += ']';
-  result += lineEnd;
-  result += KeyLine(key, value, lineEnd);
-  return result;
+// The change that replaces a key line, or -1.
+int ReplacementOf(const SettingLine& line, std::span<const Plan> plans,
+                  std::span<const SettingChange> changes) {
+  for (size_t i = 0; i < plans.size(); ++i) {
+    if (plans[i].key != Match::none && MatchKey(plans[i].section, line.name, changes[i].key) == plans[i].key) {
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
+void AddLine(std::string* text, std::string_view line) {
+  if (!text->empty() && !text->ends_with('\n')) *text += '\n';
+  *text += line;
+}
+
+// Behind the text: the keys whose sections stand nowhere, each under the header of the first of its section.
+void AddSections(std::string* text, std::span<const Plan> plans, std::span<const SettingChange> changes) {
+  std::vector<bool> done(plans.size());
+  for (size_t i = 0; i < plans.size(); ++i) {
+    if (plans[i].home != Match::none || done[i]) continue;
+    const std::string lineEnd(LineEnd(*text));
+    AddLine(text, "[" + std::string(changes[i].section) + "]" + lineEnd);
+    for (size_t j = i; j < plans.size(); ++j) {
+      if (plans[j].home != Match::none || done[j] ||
+          !SameIgnoringCase(changes[j].section, changes[i].section)) {
+        continue;
+      }
+      AddLine(text, KeyLine(changes[j].key, changes[j].value, lineEnd));
+      done[j] = true;
+    }
+  }
 }
 
 bool IsPlainName(std::string_view name) {
@@ -172,12 +179,35 @@ int NextSettingLine(std::string_view* rest, SettingLine* line) {
   return 1;
 }
 
+void FindSettings(std::string_view text, std::span<SettingQuery> queries) {
+  for (SettingQuery& query : queries) {
+    query.found = false;
+    query.value = {};
+  }
+  std::vector<Match> sections(queries.size(), Match::none), best(queries.size(), Match::none);
+  SettingLine line{};
+  while (NextSettingLine(&text, &line)) {
+    if (line.kind == SettingLineKind::section) {
+      for (size_t i = 0; i < queries.size(); ++i) sections[i] = Compare(line.name, queries[i].section);
+    }
+    if (line.kind != SettingLineKind::key) continue;
+    for (size_t i = 0; i < queries.size(); ++i) {
+      const Match match = MatchKey(sections[i], line.name, queries[i].key);
+      if (match <= best[i]) continue;
+      best[i] = match;
+      queries[i].found = true;
+      queries[i].value = line.value;
+    }
+  }
+}
+
 int FindSetting(std::string_view text, std::string_view section, std::string_view key,
                 std::string_view* value) {
-  for (const SameName same : {SameExactly, SameIgnoringCase}) {
-    if (FindWith(same, text, section, key, value)) return 1;
-  }
-  return 0;
+  SettingQuery query = {section, key, {}, false};
+  FindSettings(text, {&query, 1});
+  if (!query.found) return 0;
+  *value = query.value;
+  return 1;
 }
 
 int AreSettingNames(std::string_view section, std::string_view key) {
@@ -187,16 +217,50 @@ int AreSettingNames(std::string_view section, std::string_view key) {
   return key.front() != '[' && key.front() != ';' && key.front() != '#' ? 1 : 0;
 }
 
+int AreSameSettings(std::string_view section, std::string_view key, std::string_view otherSection,
+                    std::string_view otherKey) {
+  return SameIgnoringCase(section, otherSection) && SameIgnoringCase(key, otherKey) ? 1 : 0;
+}
+
+std::string SetSettingsInText(std::string_view text, std::span<const SettingChange> changes) {
+  std::vector<Plan> plans = MakePlans(text, changes);
+  std::vector<size_t> inserts;  // changes with a new key in a section that is there, by place
+  for (size_t i = 0; i < plans.size(); ++i) {
+    if (plans[i].key == Match::none && plans[i].home != Match::none) inserts.push_back(i);
+    plans[i].section = Match::none;
+  }
+  std::stable_sort(inserts.begin(), inserts.end(),
+                   [&plans](size_t a, size_t b) { return plans[a].insertAt < plans[b].insertAt; });
+  const size_t whole = text.size();
+  std::string result;
+  result.reserve(whole + changes.size() * static_cast<size_t>(maxSettingValue));
+  size_t nextInsert = 0;
+  SettingLine line{};
+  while (NextSettingLine(&text, &line)) {
+    if (line.kind == SettingLineKind::section) {
+      for (size_t i = 0; i < plans.size(); ++i) plans[i].section = Compare(line.name, changes[i].section);
+    }
+    const int replacement = line.kind == SettingLineKind::key ? ReplacementOf(line, plans, changes) : -1;
+    if (replacement < 0) {
+      result += line.whole;
+    } else {
+      const SettingChange& change = changes[static_cast<size_t>(replacement)];
+      result += KeyLine(change.key, change.value, LineEnd(line.whole));
+    }
+    for (; nextInsert < inserts.size() && plans[inserts[nextInsert]].insertAt == whole - text.size();
+         ++nextInsert) {
+      const SettingChange& change = changes[inserts[nextInsert]];
+      AddLine(&result, KeyLine(change.key, change.value, LineEnd(line.whole)));
+    }
+  }
+  AddSections(&result, plans, changes);
+  return result;
+}
+
 std::string SetSettingInText(std::string_view text, std::string_view section, std::string_view key,
                              std::string_view value) {
-  std::string_view old;
-  for (const SameName same : {SameExactly, SameIgnoringCase}) {
-    if (FindWith(same, text, section, key, &old)) return ReplaceKey(same, text, section, key, value);
-  }
-  for (const SameName same : {SameExactly, SameIgnoringCase}) {
-    if (HasSection(same, text, section)) return AddKey(same, text, section, key, value);
-  }
-  return AddSection(text, section, key, value);
+  const SettingChange change = {section, key, value};
+  return SetSettingsInText(text, {&change, 1});
 }
 
 std::string_view CutSettingValue(std::string_view value) {

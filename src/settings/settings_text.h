@@ -10,6 +10,7 @@
 // stands several times, the first one counts; a section may be split over the file.
 #pragma once
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -29,14 +30,30 @@ struct SettingLine {
 int NextSettingLine(std::string_view* rest, SettingLine* line);
 // Looks a key up. Returns 1 and the value (part of `text`), or 0 when key or section is missing.
 int FindSetting(std::string_view text, std::string_view section, std::string_view key, std::string_view* value);
+// The same for many keys in one walk over the text.
+struct SettingQuery {
+  std::string_view section, key;
+  std::string_view value;  // part of the text
+  bool found;
+};
+void FindSettings(std::string_view text, std::span<SettingQuery> queries);
 // 1 when the names can be written and found again: not empty, no blanks around, no control characters, no
 // "]" in a section, no "=" in a key, which must not begin like a header or a comment either.
 int AreSettingNames(std::string_view section, std::string_view key);
+// 1 when both name the same key, the case of letters disregarded.
+int AreSameSettings(std::string_view section, std::string_view key, std::string_view otherSection,
+                    std::string_view otherKey);
 // Returns the text with the key set. Every other line stays byte for byte; a replaced line keeps its line
 // end; a new key goes behind the last line of its section that is not blank, a new section to the end of
 // the text. The value is cut as CutSettingValue does it. The names must be writable (AreSettingNames).
 std::string SetSettingInText(std::string_view text, std::string_view section, std::string_view key,
                              std::string_view value);
+// The same for many keys, none of them twice (whatever the case of its letters), in one walk over the text;
+// new keys and sections come in the order of the changes.
+struct SettingChange {
+  std::string_view section, key, value;
+};
+std::string SetSettingsInText(std::string_view text, std::span<const SettingChange> changes);
 // The value up to its first control character, at most maxSettingValue bytes.
 std::string_view CutSettingValue(std::string_view value);
 

@@ -25,11 +25,13 @@
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "offsets/window_server.h"
+#include "platform/clock.h"
 #include "platform/socket.h"
-#include "platform/system.h"
 #include "pushback/pushback.h"
 #include "settings/settings.h"
+#include "shell/advice.h"
 #include "shell/flight_loops.h"
+#include "shell/folders.h"
 #include "shell/log.h"
 #include "shell/menu.h"
 #include "shell/version.h"
@@ -57,19 +59,6 @@ void CopyIdentity(char* target, const char* text) { std::snprintf(target, identi
 void LogStamped(const char* text) {
   char stamp[timeStampSize];
   LogLine("%s %s\n", TimeStamp(stamp), text);
-}
-
-std::string SystemFolder() {
-  char path[1024] = "";
-  XPLMGetSystemPath(path);
-  std::string folder = path;
-  if (!folder.empty() && folder.back() != '/' && folder.back() != '\\') folder += pathSeparator;
-  return folder;
-}
-
-std::string PluginFolder(const std::string& systemFolder) {
-  const std::string separator(1, pathSeparator);
-  return systemFolder + "Resources" + separator + "plugins" + separator + "TAVRIX" + separator;
 }
 
 // A client compares with what it reads here, and so does the dispatcher. At enable, before the locks exist.
@@ -189,8 +178,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   writeTrace = 0;
   threadsStarted = 0;  // a module that could not be unloaded starts once more with what it had
 
-  const std::string systemFolder = SystemFolder();
-  const std::string folder = PluginFolder(systemFolder);
+  const std::string folder = PluginFolder();
   OpenLogs(folder.c_str(), [](const char* line) { XPLMDebugString(line); });
   LogBoth("TAVRIX Version %s %s\n", pluginVersion, buildWord);
   LogBoth("TAVFARNET Version %s %s\n", networkVersion, buildWord);
@@ -214,7 +202,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   LogBoth("X-Plane Version: %i\n", simulatorVersion);
 
   PlaceStartValues();
-  PrepareFolders(systemFolder.c_str());
+  PrepareFolders(ReportedSystemFolder().c_str());
   FlushLogs();
   return 1;
 }
@@ -248,6 +236,7 @@ int EnablePlugin() {
     EnableClientMode();
   } else {
     EnableServerMode();
+    LogAddresses(settings.serverAddress);
   }
   LogPermissions();
   return 1;
@@ -265,6 +254,9 @@ void DisablePlugin() {
   } else {
     DisableServerMode();
   }
+  // Nobody writes any more: what clients changed last is saved, too.
+  TakeAtcTexts(MonotonicNanoseconds());
+  SaveWaitingSettings();
   LogLine("TAVRIX->Release critical sections\n");
   ClearCustomOffsets();
   ReleaseTraffic();

@@ -1,6 +1,6 @@
 #include "shell/log.h"
 
-#include <bit>
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +11,7 @@
 #include "platform/lock.h"
 #include "platform/system.h"
 #include "shell/log_format.h"
+#include "shell/version.h"
 
 std::atomic<uint32_t> readTrace;
 std::atomic<uint32_t> writeTrace;
@@ -19,26 +20,87 @@ namespace {
 
 constexpr char mainLogName[] = "TAVRIX.txt";
 constexpr char traceLogName[] = "TAVRIX.log";
+constexpr char oldSuffix[] = ".old";
 constexpr size_t longestPath = 1024;
+constexpr size_t longestHeader = 128;  // of a trace record, more than its numbers need
 constexpr size_t bytesPerLine = 16;
 
 // Plain arrays, not strings: no destructor may run while a late line is still being written.
-char mainLogPath[longestPath];
-char traceLogPath[longestPath];
-Lock logLock;              // guards mainLog; nothing else is entered while it is held
-FILE* mainLog = nullptr;   // null: every line is dropped
-FILE* traceLog = nullptr;  // guarded by the trace lock
+struct LogFile {
+  char path[longestPath];
+  char oldPath[longestPath];  // what a full file is renamed to
+  FILE* file;                 // null: every line is dropped
+  uint64_t size;              // bytes
+};
+LogFile mainLog;   // guarded by logLock
+LogFile traceLog;  // guarded by the trace lock
+Lock logLock;      // nothing else is entered while it is held
 std::atomic<float> runningTime;
 
-// The files take text as it is, without the line-end conversion of Windows.
-FILE* OpenEmpty(const char* path) { return std::fopen(path, "wb"); }
-FILE* OpenAppending(const char* path) { return std::fopen(path, "ab"); }
+void CloseFile(LogFile* log) {
+  if (log->file) std::fclose(log->file);
+  log->file = nullptr;
+}
+
+// Opens the file in the place of one that is open. Returns 1, or 0 with the one before still open.
+int Open(LogFile* log, OpenMode mode, OpenFailure* failure) {
+  FILE* opened = OpenPlainFile(log->path, mode, failure);
+  if (!opened) return 0;
+  CloseFile(log);
+  log->file = opened;
+  const long end = std::fseek(opened, 0, SEEK_END) == 0 ? std::ftell(opened) : -1;
+  log->size = end < 0 ? largestLog : static_cast<uint64_t>(end);  // beyond what the system counts: it is full
+  return 1;
+}
+
+// Opens it for appending; the open one goes on taking lines when that fails. Returns 1 or 0.
+int Reopen(LogFile* log) {
+  if (!log->file) return 0;
+  try {
+    OpenFailure failure;
+    return Open(log, OpenMode::Append, &failure);
+  } catch (...) {
+    return 0;
+  }
+}
+
+void Put(LogFile* log, const char* text, size_t length) {
+  std::fwrite(text, 1, length, log->file);
+  log->size += length;
+}
+
+// Renames a full file and begins it anew. When it cannot be renamed its lines are lost, the newest ones are
+// worth more; when it cannot be opened again the log ends.
+void BeginAnew(LogFile* log) {
+  CloseFile(log);
+  // What else stands under the old one's name (a folder, a pipe) is the user's.
+  const int kept = IsFileOrNothing(log->oldPath) && ReplaceFile(log->path, log->oldPath);
+  OpenFailure failure;
+  if (!Open(log, OpenMode::Empty, &failure)) return;
+  char stamp[timeStampSize], line[longestPath + 256];
+  const int length = std::snprintf(line, sizeof line, "%s TAVRIX->Version %s %s, the log goes on here: %s%s\n",
+                                   TimeStamp(stamp), pluginVersion, buildWord,
+                                   kept ? "the lines before are in " : "the lines before could not be kept as ",
+                                   EscapedControls(log->oldPath).c_str());
+  if (length > 0) Put(log, line, std::min(static_cast<size_t>(length), sizeof line - 1));
+}
+
+// Makes room for `length` more bytes that belong together.
+void MakeRoom(LogFile* log, size_t length) {
+  if (!log->file || log->size == 0 || log->size + length <= largestLog) return;
+  try {
+    BeginAnew(log);
+  } catch (...) {
+    return;  // out of memory: once more at the next line
+  }
+}
 
 void WriteMain(const char* text, size_t length) {
   const LockScope scope(&logLock);
-  if (!mainLog) return;
-  std::fwrite(text, 1, length, mainLog);
-  std::fflush(mainLog);
+  MakeRoom(&mainLog, length);
+  if (!mainLog.file) return;
+  Put(&mainLog, text, length);
+  std::fflush(mainLog.file);
 }
 
 void WriteTrace(const char* text, size_t length) {
@@ -48,24 +110,20 @@ void WriteTrace(const char* text, size_t length) {
     std::abort();
   }
 #endif
-  if (traceLog) std::fwrite(text, 1, length, traceLog);
+  if (traceLog.file) Put(&traceLog, text, length);
 }
 
-void CloseFile(FILE** file) {
-  if (*file) std::fclose(*file);
-  *file = nullptr;
-}
-
-// Path of a log file in the folder. Returns 1, or 0 when it is too long.
-int JoinPath(char* path, const char* folder, const char* name) {
-  const int length = std::snprintf(path, longestPath, "%s%s", folder, name);
-  return length >= 0 && static_cast<size_t>(length) < longestPath ? 1 : 0;
+// Sets the paths of a log file in the folder. Returns 1, or 0 when they are too long.
+int SetPaths(LogFile* log, const char* folder, const char* name) {
+  const int length = std::snprintf(log->path, longestPath, "%s%s", folder, name);
+  const int oldLength = std::snprintf(log->oldPath, longestPath, "%s%s%s", folder, name, oldSuffix);
+  return length >= 0 && oldLength >= 0 && static_cast<size_t>(oldLength) < longestPath ? 1 : 0;
 }
 
 int ReportFailure(const char* what, const std::string& reason, void (*report)(const char* line)) {
   if (!report) return 0;
   try {
-    const std::string line = std::string("TAVRIX->Can't write the log file ") + what + " (" + reason +
+    const std::string line = "TAVRIX->Can't write the log file " + EscapedControls(what) + " (" + reason +
                              "): make the folder writable for your user and start the simulator again; TAVRIX "
                              "runs on without log files\n";
     report(line.c_str());
@@ -76,17 +134,35 @@ int ReportFailure(const char* what, const std::string& reason, void (*report)(co
 }
 
 int OpenBoth(const char* folder, void (*report)(const char* line)) {
-  if (!JoinPath(mainLogPath, folder, mainLogName) || !JoinPath(traceLogPath, folder, traceLogName)) {
+  if (!SetPaths(&mainLog, folder, mainLogName) || !SetPaths(&traceLog, folder, traceLogName)) {
     return ReportFailure(folder, "its path is too long", report);
   }
-  if (!CreateFolders(folder)) return ReportFailure(mainLogPath, SystemErrorText(), report);
-  mainLog = OpenEmpty(mainLogPath);
-  if (!mainLog) return ReportFailure(mainLogPath, SystemErrorText(), report);
-  traceLog = OpenEmpty(traceLogPath);
-  if (traceLog) return 1;
-  const std::string reason = SystemErrorText();
-  CloseFile(&mainLog);
-  return ReportFailure(traceLogPath, reason, report);
+  if (!CreateFolders(folder)) return ReportFailure(mainLog.path, SystemErrorText(), report);
+  OpenFailure failure;
+  for (LogFile* log : {&mainLog, &traceLog}) {
+    if (!Open(log, OpenMode::Empty, &failure)) return ReportFailure(log->path, failure.reason, report);
+  }
+  return 1;
+}
+
+std::string Escaped(std::string_view text, bool (*isPlain)(unsigned char byte)) {
+  constexpr char digits[] = "0123456789ABCDEF";
+  constexpr std::string_view special = "\n\r\t\\", letters = "nrt\\";
+  std::string escaped;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (isPlain(byte)) {
+      escaped += c;
+    } else if (const size_t known = special.find(c); known != std::string_view::npos) {
+      escaped += '\\';
+      escaped += letters[known];
+    } else {
+      escaped += "\\x";
+      escaped += digits[byte >> 4];
+      escaped += digits[byte & 0x0F];
+    }
+  }
+  return escaped;
 }
 
 char* TwoDigits(char* text, int value) {
@@ -111,19 +187,14 @@ int OpenLogs(const char* folder, void (*report)(const char* line)) {
 }
 
 int ReopenMainLog() {
-  if (!mainLog) return 0;  // written by this thread alone
-  FILE* appending = OpenAppending(mainLogPath);
-  if (!appending) return 0;
-  const LockScope scope(&logLock);
-  std::fclose(mainLog);
-  mainLog = appending;
-  return 1;
+  const LockScope scope(&logLock);  // nobody renames the file while it is being opened
+  return Reopen(&mainLog);
 }
 
 void FlushLogs() {
   {
     const LockScope scope(&logLock);
-    if (mainLog) std::fflush(mainLog);
+    if (mainLog.file) std::fflush(mainLog.file);
   }
   const LockScope scope(&traceLock);
   FlushTrace();
@@ -168,7 +239,10 @@ void LogOwn(const char* format, ...) {
 void TraceLine(const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  FormatLine(format, arguments, WriteTrace);
+  FormatLine(format, arguments, [](const char* text, size_t length) {
+    MakeRoom(&traceLog, length);
+    WriteTrace(text, length);
+  });
   va_end(arguments);
 }
 
@@ -178,6 +252,7 @@ void LogBoth(const char* format, ...) {
   FormatLine(format, arguments, [](const char* text, size_t length) {
     WriteMain(text, length);
     const LockScope scope(&traceLock);
+    MakeRoom(&traceLog, length);
     WriteTrace(text, length);
     FlushTrace();
   });
@@ -185,27 +260,15 @@ void LogBoth(const char* format, ...) {
 }
 
 void FlushTrace() {
-  if (traceLog) std::fflush(traceLog);
+  if (traceLog.file) std::fflush(traceLog.file);
 }
 
 std::string EscapedForLog(std::string_view text) {
-  constexpr char digits[] = "0123456789ABCDEF";
-  constexpr std::string_view special = "\n\r\t\\", letters = "nrt\\";
-  std::string escaped;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (const size_t known = special.find(c); known != std::string_view::npos) {
-      escaped += '\\';
-      escaped += letters[known];
-    } else if (byte >= 0x20 && byte < 0x7F) {
-      escaped += c;
-    } else {
-      escaped += "\\x";
-      escaped += digits[byte >> 4];
-      escaped += digits[byte & 0x0F];
-    }
-  }
-  return escaped;
+  return Escaped(text, [](unsigned char byte) { return byte >= 0x20 && byte < 0x7F && byte != '\\'; });
+}
+
+std::string EscapedControls(std::string_view text) {
+  return Escaped(text, [](unsigned char byte) { return byte >= 0x20 && byte != 0x7F; });
 }
 
 char* TimeStamp(char* buffer) {
@@ -226,6 +289,7 @@ void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, 
                  char mark) {
   const std::atomic<uint32_t>& traced = isWrite ? writeTrace : readTrace;
   if (!traced.load(std::memory_order_relaxed)) return;
+  MakeRoom(&traceLog, longestHeader + size * 3 + size / bytesPerLine + 1);  // header and bytes stay together
   TraceLine("%c%07.2f Req: %06i %s Offset: %04X Bytes: %03i value: ", mark,
             static_cast<double>(PublishedRunningTime()), static_cast<int>(request), isWrite ? "WRITE" : "READ ",
             offset, static_cast<int>(size));
@@ -247,12 +311,8 @@ void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, 
 
 void SwitchTrace(int isWrite, int on) {
   const LockScope scope(&traceLock);
-  if (!readTrace.load(std::memory_order_relaxed) && !writeTrace.load(std::memory_order_relaxed) && traceLog) {
-    FILE* appending = OpenAppending(traceLogPath);
-    if (appending) {
-      std::fclose(traceLog);
-      traceLog = appending;
-    }
+  if (!readTrace.load(std::memory_order_relaxed) && !writeTrace.load(std::memory_order_relaxed)) {
+    Reopen(&traceLog);
   }
   TraceLine("%s %s %f sec\n", on ? "Start" : "Stop", isWrite ? "Writelogging" : "Readlogging",
             static_cast<double>(PublishedRunningTime()));

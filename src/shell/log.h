@@ -5,8 +5,13 @@
 // order. The trace log takes the version banner and, while a
 // trace switch is on, every record that clients read or write; it is written under the trace lock only,
 // so that a record's header and bytes stay together, and flushed once per request.
-// A folder or file that cannot be written makes one line in the simulator's own log, and every call here
-// does nothing from then on, until the logs are opened again.
+// Neither file grows beyond largestLog: a full one is renamed ("TAVRIX.txt.old", "TAVRIX.log.old", in the place
+// of an older one) and begun anew with a line that says so. A record's header and bytes never part. A file that
+// cannot be renamed is begun anew all the same.
+//
+// A folder or file that cannot be written, also one that is no plain file (a folder, a pipe, a device), makes
+// one line in the simulator's own log, and every call here does nothing from then on, until the logs are opened
+// again.
 //
 // Lines end in a single line feed on every system. Numbers are printed with a decimal point whatever
 // locale another plug-in has set.
@@ -23,7 +28,8 @@
 #define TAVRIX_PRINTF(formatIndex, firstIndex) __attribute__((format(printf, formatIndex, firstIndex)))
 #endif
 
-constexpr size_t timeStampSize = 13;  // "hh:mm:ss:mmm" and the terminator
+constexpr uint64_t largestLog = 20u << 20;  // bytes
+constexpr size_t timeStampSize = 13;        // "hh:mm:ss:mmm" and the terminator
 
 // Trace switches, 0 or 1; any thread reads them, only the simulator's thread sets them (SwitchTrace).
 extern std::atomic<uint32_t> readTrace;
@@ -56,6 +62,10 @@ void FlushTrace();
 // other byte that is not printable ASCII, so that it can neither begin a line of its own nor steer a terminal.
 // Pure.
 std::string EscapedForLog(std::string_view text);
+
+// A text of the user's own files, or a path: only control characters are escaped, all else stands as it is.
+// Pure.
+std::string EscapedControls(std::string_view text);
 
 // Writes "hh:mm:ss:mmm" (UTC) into a buffer of at least timeStampSize characters and returns it.
 char* TimeStamp(char* buffer);

@@ -7,6 +7,7 @@
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/socket.h"
+#include "platform/system.h"
 #include "platform/thread.h"
 #include "shell/log.h"
 #include "shell/log_quiet.h"
@@ -52,6 +53,20 @@ uint16_t DataRate(uint16_t framePeriod) {
   return framePeriod == 0 ? uint16_t{0} : static_cast<uint16_t>(static_cast<uint32_t>(32768.0 / framePeriod));
 }
 
+// Null when it cannot be written: the page does without.
+FILE* OpenPageLog() {
+  OpenFailure failure;
+  FILE* log = OpenPlainFile(logPath.c_str(), OpenMode::Empty, &failure);
+  if (log == nullptr) {
+    LogOwn(
+        "TAVRIX->Can't write the status page's log %s (%s): make it a plain file that your user may write; the "
+        "page "
+        "works without it\n",
+        EscapedControls(logPath).c_str(), failure.reason.c_str());
+  }
+  return log;
+}
+
 // The page's own log. Page thread.
 struct PageLog {
   FILE* file;  // null: there is none
@@ -62,7 +77,7 @@ void Write(PageLog* log, const std::string& text) {
   if (log->file == nullptr) return;
   if (log->size + text.size() > largestLog) {
     std::fclose(log->file);
-    *log = {std::fopen(logPath.c_str(), "wb"), 0};
+    *log = {OpenPageLog(), 0};
     if (log->file == nullptr) return;
   }
   log->size += std::fwrite(text.data(), 1, text.size(), log->file);
@@ -109,7 +124,7 @@ void AnswerBrowsers(PageLog* log, Socket* listener) {
 }
 
 uint32_t PageProcedure(void*) {
-  PageLog log = {std::fopen(logPath.c_str(), "wb"), 0};
+  PageLog log = {OpenPageLog(), 0};
   loggedBrowsers = {};
   Write(&log, "http log\n");
   Socket listener;

@@ -1,4 +1,5 @@
 """Start, enable, disable, stop and reload on the real plug-in file."""
+import os
 import re
 from pathlib import Path
 
@@ -82,6 +83,76 @@ def test_unwritable_files_are_one_line_and_no_failure(start, build, tmp_path):
     standin.ask("frames 70")
     standin.quit()
     assert len([line for line in standin.errors if "TAVRIX" in line]) == 1, standin.errors
+
+
+PLUGIN_FILES = ("TAVRIX.ini", "TAVRIX.txt", "TAVRIX.log", "TAVRIXOffsets.cfg", "httpLog.txt")
+
+
+def put_in_the_way(path, kind):
+    """Something under the name that is no plain file."""
+    path.parent.mkdir(parents=True, exist_ok=True)
+    if kind == "pipe":
+        os.mkfifo(path)
+    elif kind == "device":
+        path.symlink_to("/dev/zero")
+    else:
+        path.mkdir()
+
+
+@pytest.mark.parametrize("kind", ["folder", "pipe", "device"])
+@pytest.mark.parametrize("name", PLUGIN_FILES)
+def test_what_is_no_file_is_refused_and_left_alone(start, linux, tmp_path, name, kind):
+    root = tmp_path / "X-Plane"
+    place = (root if name == "httpLog.txt" else root / "Resources" / "plugins" / "TAVRIX") / name
+    put_in_the_way(place, kind)
+    before = os.lstat(place)
+    standin = start(linux, "--rate", "0", "--flight", "none", root=root)
+    standin.ask("frames 70")
+    standin.ask("disable")
+    standin.ask("enable")
+    if name in ("TAVRIX.txt", "TAVRIX.log"):
+        text = "\n".join(standin.errors)
+    else:
+        wait_for("the line", lambda: f"{name} (" in standin.log() or f"{name}: " in standin.log())
+        text = standin.log()
+    lines = [line for line in text.splitlines() if name in line and "TAVRIX->" in line and f"it is a {kind}" in line]
+    assert lines, text
+    assert len(lines) <= 2, lines  # once at each enable
+    standin.quit()
+    after = os.lstat(place)
+    assert (before.st_ino, before.st_mode) == (after.st_ino, after.st_mode)
+
+
+@pytest.mark.wine
+@pytest.mark.parametrize("kind", ["folder", "pipe"])
+def test_what_is_no_file_is_refused_on_windows(start, win32, tmp_path, kind):
+    root = tmp_path / "X-Plane"
+    own = root / "Resources" / "plugins" / "TAVRIX"
+    for name in ("TAVRIX.ini", "TAVRIXOffsets.cfg"):
+        put_in_the_way(own / name, kind)
+    standin = start(win32, "--rate", "0", "--flight", "none", root=root)
+    standin.ask("frames 70")
+    log = standin.log()
+    for name in ("TAVRIX.ini", "TAVRIXOffsets.cfg"):
+        assert [line for line in log.splitlines() if "TAVRIX->Can't read" in line and name in line], log
+    standin.quit()
+    for name in ("TAVRIX.ini", "TAVRIXOffsets.cfg"):
+        assert not (own / name).is_file()
+
+
+def test_enable_tells_addresses_and_aircraft(start, build):
+    standin = start(build, "--rate", "0", "--flight", "none", "--aircraft", "x737")
+    standin.ask("frames 400")
+    lines = [line for line in standin.log().splitlines() if "TAVRIX->This computer" in line]
+    assert len(lines) == 1 and re.match(f"{STAMP} TAVRIX->This computer", lines[0])
+    assert "Server Address = 127.0.0.1" in lines[0]
+    aircraft = [line for line in standin.log().splitlines() if "TAVRIX->Aircraft " in line]
+    assert len(aircraft) == 1 and aircraft[0].endswith("served by the adapter for x737"), aircraft
+    standin.ask("aircraft jet")
+    standin.ask("frames 400")
+    aircraft = [line for line in standin.log().splitlines() if "TAVRIX->Aircraft " in line]
+    assert len(aircraft) == 2 and "no adapter of its own" in aircraft[1], aircraft
+    standin.quit()
 
 
 def counts(standin):

@@ -71,7 +71,7 @@ TEST_F(Adapters, AircraftComeAndGo) {
        &AdapterState::b738Stock,
        {},
        {" Stock 737-800 found, datarefs loaded\n", " Stock 737-800 found, commands loaded\n"}},
-      {"ec135", &AdapterState::ec135, {}, {" EC135 found pluginID="}},
+      {"ec135", &AdapterState::ec135, {}, {" TAVRIX->EC135 found pluginID="}},
   };
   int round = 0;
   for (const Case& c : cases) {
@@ -103,6 +103,32 @@ TEST_F(Adapters, AircraftComeAndGo) {
     }
   }
   EXPECT_EQ(round, 10);
+}
+
+TEST_F(Adapters, TheLoadedAircraftIsToldOnce) {
+  const std::string none = ": no adapter of its own";
+  EXPECT_EQ(Logged(" TAVRIX->Aircraft without a title" + none), 1) << "nothing has been read yet";
+  ASSERT_EQ(sim::SimCommand("aircraft x737"), "ok");
+  DetectLoadedAircraft();
+  EXPECT_EQ(Logged(": served by the adapter for x737\n"), 1);
+  const int told = Logged(" TAVRIX->Aircraft ");
+  for (int i = 0; i < 5; ++i) RunCycles();
+  DetectLoadedAircraft();
+  EXPECT_EQ(Logged(" TAVRIX->Aircraft "), told) << "nothing has changed";
+  ResetAdapters();  // disabled and enabled
+  RunCycles();
+  EXPECT_EQ(Logged(": served by the adapter for x737\n"), 2);
+  ASSERT_EQ(sim::SimCommand("aircraft jet"), "ok");
+  sim::DataRef* title = sim::FindLive("sim/aircraft/view/acf_descrip");
+  ASSERT_NE(title, nullptr);
+  const std::string text = "Jet\n12:00:00:000 TAVRIX->Forged\x1B[2J";
+  title->bytes.assign(256, 0);
+  std::copy(text.begin(), text.end(), title->bytes.begin());
+  DetectLoadedAircraft();
+  EXPECT_EQ(Logged(" TAVRIX->Aircraft \"Jet\\n12:00:00:000 TAVRIX->Forged\\x1B[2J\"" + none), 1);
+  title->bytes.assign(256, 0);
+  DetectLoadedAircraft();
+  EXPECT_EQ(Logged(" TAVRIX->Aircraft without a title" + none), 2);
 }
 
 TEST_F(Adapters, EveryDocumentedNameIsBound) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
 #include <filesystem>
 #include <fstream>
@@ -143,6 +144,107 @@ TEST_F(Log, TimeStampIsTwelveCharactersOfDigitsAndColons) {
   }
 }
 
+TEST_F(Log, OwnLinesCarryTheTime) {
+  LogLine("plain\n");
+  LogOwn("TAVRIX->%s %i %.1f\n", "text", 7, 2.5);
+  const std::string text = MainText();
+  ASSERT_TRUE(text.starts_with("plain\n")) << text;
+  const std::string line = text.substr(6);
+  EXPECT_EQ(line.substr(timeStampSize), "TAVRIX->text 7 2.5\n");
+  const std::string form = "dd:dd:dd:ddd ";
+  for (size_t i = 0; i < form.size(); ++i) {
+    EXPECT_TRUE(form[i] == 'd' ? line[i] >= '0' && line[i] <= '9' : line[i] == form[i]) << line;
+  }
+}
+
+TEST(LogText, ForeignTextsAreEscaped) {
+  struct Case {
+    std::string_view text;
+    const char* foreign;  // of a client
+    const char* own;      // of the user's own file
+  };
+  const Case cases[] = {
+      {"", "", ""},
+      {"Cessna 172 \"SP\" ~", "Cessna 172 \"SP\" ~", "Cessna 172 \"SP\" ~"},
+      {"a\nTAVRIX->b\r\t", "a\\nTAVRIX->b\\r\\t", "a\\nTAVRIX->b\\r\\t"},
+      {"C:\\x", "C:\\\\x", "C:\\x"},
+      {"\x1B[2J\x7F", "\\x1B[2J\\x7F", "\\x1B[2J\\x7F"},
+      {{"a\0b", 3}, "a\\x00b", "a\\x00b"},
+      {"\xC3\xA4\xFF", "\\xC3\\xA4\\xFF", "\xC3\xA4\xFF"},
+      {"%s%n", "%s%n", "%s%n"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(EscapedForLog(c.text), c.foreign);
+    EXPECT_EQ(EscapedControls(c.text), c.own);
+  }
+}
+
+// A file of text that grows beyond the bound: the lines of both files together are those that were logged.
+struct Bounded : Log {
+  void Fill(uint64_t bytes) {
+    const std::string filler(65535, 'f');
+    for (uint64_t at = 0; at < bytes; at += filler.size() + 1) LogLine("%s\n", filler.c_str());
+  }
+};
+
+TEST_F(Bounded, AFullLogIsKeptOnceAndBegunAnew) {
+  const std::string old = folder + "TAVRIX.txt.old";
+  std::ofstream(old) << "older\n";
+  LogLine("first\n");
+  Fill(largestLog / 2);
+  ASSERT_EQ(ReopenMainLog(), 1) << "what was before counts, too";
+  Fill(largestLog / 2 - 70000);
+  EXPECT_EQ(ReadFile(old), "older\n");
+  Fill(140000);
+  LogLine("last\n");
+  const std::string before = ReadFile(old), now = MainText();
+  EXPECT_TRUE(before.starts_with("first\n"));
+  EXPECT_LE(before.size(), largestLog);
+  EXPECT_GT(before.size(), largestLog - 66000);
+  EXPECT_LT(now.size(), 200000u);
+  EXPECT_NE(now.find("the lines before are in "), std::string::npos) << now.substr(0, 300);
+  EXPECT_TRUE(now.ends_with("f\nlast\n"));
+}
+
+TEST_F(Bounded, ALogThatCannotBeRenamedDoesNotGrowEither) {
+  std::filesystem::create_directories(folder + "TAVRIX.txt.old" + pathSeparator + "in the way");
+  for (int i = 0; i < 3; ++i) {
+    Fill(largestLog);
+    EXPECT_LE(std::filesystem::file_size(folder + "TAVRIX.txt"), largestLog);
+  }
+  LogLine("last\n");
+  EXPECT_TRUE(MainText().ends_with("last\n"));
+  EXPECT_NE(MainText().find("could not be kept"), std::string::npos);
+  EXPECT_TRUE(std::filesystem::is_directory(folder + "TAVRIX.txt.old"));
+}
+
+TEST_F(Bounded, TraceRecordsAreNotTornApart) {
+  static uint8_t bytes[60000];
+  SwitchTrace(0, 1);
+  const uint32_t lines = sizeof bytes / 16 + 1;  // with the header's, and an empty one
+  uint32_t request = 0;
+  while (!IsFile((folder + "TAVRIX.log.old").c_str()) && request < 1000)
+    Trace(0, ++request, 0, sizeof bytes, bytes);
+  ASSERT_LT(request, 1000u);
+  for (int i = 0; i < 3; ++i) Trace(0, ++request, 0, sizeof bytes, bytes);
+  uint32_t seen = 0;
+  for (const char* name : {"TAVRIX.log.old", "TAVRIX.log"}) {
+    const std::string text = ReadFile(folder + name);
+    EXPECT_LE(text.size(), largestLog);
+    const size_t begin = text.find("\n") + 1;  // the switch's line, or the one that says that the file goes on
+    uint32_t records = 0;
+    for (size_t at = text.find("Req: "); at != std::string::npos; at = text.find("Req: ", at + 1)) {
+      EXPECT_EQ(text.compare(at + 5, 6,
+                             std::string(6 - std::to_string(seen + 1).size(), '0') + std::to_string(seen + 1)),
+                0);
+      ++seen;
+      ++records;
+    }
+    EXPECT_EQ(std::count(text.begin() + static_cast<long>(begin), text.end(), '\n'), records * lines) << name;
+  }
+  EXPECT_EQ(seen, request);
+}
+
 uint32_t LogManyLines(void*) {
   for (int i = 0; i < 400; ++i) LogLine("line of %s\n", "a worker");
   return 0;
@@ -156,6 +258,31 @@ TEST_F(Log, ReopeningWhileThreadsLogLosesAndTearsNoLine) {
   std::string expected;
   for (int i = 0; i < 1200; ++i) expected += "line of a worker\n";
   EXPECT_EQ(MainText(), expected);
+}
+
+uint32_t LogLongLines(void*) {
+  const std::string filler(99990, 'w');
+  for (int i = 0; i < 100; ++i) LogLine("%s\n", filler.c_str());
+  return 0;
+}
+
+TEST_F(Log, ThreadsThatLogAndReopeningWhileTheFileFillsTearNoLine) {
+  Thread threads[3]{};
+  for (Thread& thread : threads) ASSERT_TRUE(StartThread(&thread, LogLongLines, nullptr));
+  for (int i = 0; i < 50; ++i) EXPECT_EQ(ReopenMainLog(), 1);
+  for (Thread& thread : threads) JoinThread(&thread);
+  size_t lines = 0;
+  for (const char* name : {"TAVRIX.txt.old", "TAVRIX.txt"}) {
+    const std::string text = ReadFile(folder + name);
+    size_t at = 0;
+    for (size_t end = text.find('\n'); end != std::string::npos; at = end + 1, end = text.find('\n', at)) {
+      if (text[at] != 'w') continue;
+      EXPECT_EQ(end - at, 99990u);
+      ++lines;
+    }
+    EXPECT_EQ(at, text.size());
+  }
+  EXPECT_EQ(lines, 300u) << "30 MB, of which two files hold all";
 }
 
 TEST_F(Log, OpenedAgainItStartsEmptyAndClosedItIsSilent) {

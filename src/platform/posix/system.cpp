@@ -11,6 +11,20 @@
 #include <cstring>
 #include <system_error>
 
+namespace {
+
+const char* ReasonOf(mode_t mode) {
+  if (S_ISDIR(mode)) return "it is a folder";
+  return S_ISFIFO(mode) ? "it is a pipe" : "it is a device or a socket";
+}
+
+FILE* Refuse(OpenFailure* failure, std::string reason) {
+  failure->reason = std::move(reason);
+  return nullptr;
+}
+
+}  // namespace
+
 std::string ComputerName() {
   char name[256] = {};
   if (gethostname(name, sizeof name - 1) != 0) return "";
@@ -27,7 +41,47 @@ int IsDirectory(const char* path) {
 
 int IsFile(const char* path) {
   struct stat info {};
-  return stat(path, &info) == 0 && !S_ISDIR(info.st_mode) ? 1 : 0;
+  return stat(path, &info) == 0 && S_ISREG(info.st_mode) ? 1 : 0;
+}
+
+int IsFileOrNothing(const char* path) {
+  struct stat info {};
+  if (stat(path, &info) == 0) return S_ISREG(info.st_mode) ? 1 : 0;
+  return errno == ENOENT ? 1 : 0;
+}
+
+std::string WithSeparator(std::string folder) {
+  if (!folder.empty() && folder.back() != '/') folder += '/';
+  return folder;
+}
+
+FILE* OpenPlainFile(const char* path, OpenMode mode, OpenFailure* failure) {
+  *failure = {};
+  // Looked at before: opening a device may already do something. Looked at again on the open file: another
+  // may stand there by then, which O_NONBLOCK keeps from holding us up.
+  struct stat info {};
+  if (stat(path, &info) == 0 && !S_ISREG(info.st_mode)) return Refuse(failure, ReasonOf(info.st_mode));
+  const int access = mode == OpenMode::Read    ? O_RDONLY
+                     : mode == OpenMode::Empty ? O_WRONLY | O_CREAT
+                                               : O_WRONLY | O_CREAT | O_APPEND;
+  const int descriptor = open(path, access | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+  if (descriptor < 0) {
+    failure->missing = errno == ENOENT && mode == OpenMode::Read;
+    return Refuse(failure, SystemErrorText());
+  }
+  FILE* file = nullptr;
+  if (fstat(descriptor, &info) != 0) {
+    failure->reason = SystemErrorText();
+  } else if (!S_ISREG(info.st_mode)) {
+    failure->reason = ReasonOf(info.st_mode);
+  } else if (mode == OpenMode::Empty && ftruncate(descriptor, 0) != 0) {
+    failure->reason = SystemErrorText();
+  } else {
+    file = fdopen(descriptor, mode == OpenMode::Read ? "rb" : mode == OpenMode::Empty ? "wb" : "ab");
+    if (!file) failure->reason = SystemErrorText();
+  }
+  if (!file) close(descriptor);
+  return file;
 }
 
 int CreateFolders(const char* path) {

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 // windows.h first
+#include <fcntl.h>
 #include <io.h>
 #include <psapi.h>
 
@@ -40,6 +41,30 @@ HKEY OpenSharesKey() {
 }
 
 bool IsSeparator(char c) { return c == '\\' || c == '/'; }
+
+constexpr char folderReason[] = "it is a folder";
+
+FILE* Refuse(OpenFailure* failure, std::string reason) {
+  failure->reason = std::move(reason);
+  return nullptr;
+}
+
+// The open file behind the handle as a stream, which owns it from then on; null and the handle closed when
+// that fails.
+FILE* StreamOf(HANDLE handle, OpenMode mode) {
+  const int flags = _O_BINARY | _O_NOINHERIT |
+                    (mode == OpenMode::Read    ? _O_RDONLY
+                     : mode == OpenMode::Empty ? _O_WRONLY
+                                               : _O_WRONLY | _O_APPEND);
+  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), flags);
+  if (descriptor < 0) {
+    CloseHandle(handle);
+    return nullptr;
+  }
+  FILE* file = _fdopen(descriptor, mode == OpenMode::Read ? "rb" : mode == OpenMode::Empty ? "wb" : "ab");
+  if (!file) _close(descriptor);
+  return file;
+}
 
 }  // namespace
 
@@ -86,6 +111,54 @@ int IsDirectory(const char* path) {
 int IsFile(const char* path) {
   const DWORD attributes = GetFileAttributesA(path);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0 ? 1 : 0;
+}
+
+int IsFileOrNothing(const char* path) {
+  if (GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES) {
+    return GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND ? 1 : 0;
+  }
+  return IsFile(path);
+}
+
+std::string WithSeparator(std::string folder) {
+  bool separated = true;
+  for (size_t i = 0; i < folder.size(); ++i) {
+    separated = IsSeparator(folder[i]);
+    if (!IsDBCSLeadByte(static_cast<BYTE>(folder[i]))) continue;
+    ++i;  // the second byte of a character may look like a backslash
+    separated = false;
+  }
+  if (!separated) folder += pathSeparator;
+  return folder;
+}
+
+FILE* OpenPlainFile(const char* path, OpenMode mode, OpenFailure* failure) {
+  *failure = {};
+  if (IsDirectory(path)) return Refuse(failure, folderReason);
+  const DWORD access = mode == OpenMode::Read    ? GENERIC_READ
+                       : mode == OpenMode::Empty ? GENERIC_WRITE
+                                                 : FILE_APPEND_DATA | SYNCHRONIZE;
+  HANDLE handle =
+      CreateFileA(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                  mode == OpenMode::Read ? OPEN_EXISTING : OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    const DWORD error = GetLastError();
+    failure->missing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+    SetLastError(error);
+    return Refuse(failure, SystemErrorText());
+  }
+  if (GetFileType(handle) != FILE_TYPE_DISK) {
+    CloseHandle(handle);
+    return Refuse(failure, "it is a pipe or a device");
+  }
+  if (mode == OpenMode::Empty && !SetEndOfFile(handle)) {
+    failure->reason = SystemErrorText();
+    CloseHandle(handle);
+    return nullptr;
+  }
+  FILE* file = StreamOf(handle, mode);
+  if (!file) failure->reason = "the program has too many open files";
+  return file;
 }
 
 int CreateFolders(const char* path) {
