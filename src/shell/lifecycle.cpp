@@ -45,6 +45,11 @@ namespace {
 constexpr size_t identitySize = 256;
 constexpr char separatorLine[] = "--------------------------------------------------\n";
 
+// How far the host has taken us. A call that does not fit does nothing: a host may enable twice, stop without
+// disabling, or send messages whenever it likes.
+enum class Stage { Unloaded, Started, Enabled };
+Stage stage = Stage::Unloaded;
+
 int clientModeAtEnable;  // disable acts on the mode that enable chose
 int threadsStarted;      // once per load
 int socketLibraryOpen;
@@ -175,6 +180,9 @@ int StartPlugin(char* name, char* signature, char* description) {
   CopyIdentity(name, "TAVRIX/TAVFARNET");
   CopyIdentity(signature, "TAVRIX/TAVFARNET.");
   CopyIdentity(description, "A plugin that emulates morven.dll and FARNET.");
+  if (stage != Stage::Unloaded) return 1;
+  stage = Stage::Started;
+  threadsStarted = 0;
   readTrace = 0;
   writeTrace = 0;
 
@@ -209,7 +217,11 @@ int StartPlugin(char* name, char* signature, char* description) {
 }
 
 int EnablePlugin() {
+  if (stage == Stage::Unloaded) return 0;
+  if (stage == Stage::Enabled) return 1;
+  stage = Stage::Enabled;
   ReadAllSettings();
+  clientModeAtEnable = settings.clientMode;
   PublishAtcTexts();
   ReopenMainLog();
   LogLine("%s", separatorLine);
@@ -222,6 +234,7 @@ int EnablePlugin() {
     DeleteButtons();
     DeleteLocks();
     ClearCustomOffsets();
+    stage = Stage::Started;
     LogOwn(
         "TAVRIX->The system refuses the locks: the plug-in stays disabled; close other programs and try "
         "again\n");
@@ -229,7 +242,6 @@ int EnablePlugin() {
   }
   crashCountdown = 5;
   PrepareNetwork(settings.serverAddress);
-  clientModeAtEnable = settings.clientMode;
   if (clientModeAtEnable != 0) {
     EnableClientMode();
   } else {
@@ -239,6 +251,8 @@ int EnablePlugin() {
 }
 
 void DisablePlugin() {
+  if (stage != Stage::Enabled) return;
+  stage = Stage::Started;
   LogLine("%s", separatorLine);
   LogStamped("TAVRIX->Starting deinit");
   if (StatusPageRuns()) {
@@ -266,6 +280,9 @@ void DisablePlugin() {
 }
 
 void StopPlugin() {
+  DisablePlugin();
+  if (stage == Stage::Unloaded) return;
+  stage = Stage::Unloaded;
   UnregisterFlightLoops();
   StopPushback();
   UnregisterClientFlightLoops();
@@ -278,6 +295,7 @@ void StopPlugin() {
 }
 
 void ReceivePluginMessage(int from, int message, void* parameter) {
+  if (stage != Stage::Enabled) return;
   if (from != XPLM_PLUGIN_XPLANE) {
     ReceiveAdapterMessage(from, message, parameter);
     return;
