@@ -1,6 +1,6 @@
-// Linked into the plug-in file alone. The C++ run time stands in the module itself, and the memory that it takes
-// at load, for exceptions that are thrown when there is no more, it would never return: every reload would leave
-// it behind (70 KiB).
+// Linked into the plug-in file alone. The C++ run time stands in the module itself, and the memory that it
+// takes at load, for exceptions that are thrown when there is no more, it would never return: every reload
+// would leave it behind (70 KiB).
 #include <cstdlib>
 
 namespace __gnu_cxx {

@@ -329,21 +329,32 @@ inline int RunFlood(const Server& server, FloodWay way, uint32_t seconds, uint32
   return flood.delivered >= 1000 ? 0 : 1;
 }
 
-// One request with a block of so many MiB, filled with reads of a byte each. Says "sent" when it is on its way,
-// and at the end what was answered.
+// One request with a block of so many MiB, filled with reads of a byte each, and three short ones that wait
+// behind it. Says "sent" when all are on their way, and at the end what was answered.
 inline int RunLongRequest(const Server& server, uint32_t megabytes) {
-  ClientBlock block;
-  if (!MakeBlock(std::clamp(megabytes, 1u, 1024u) << 20, &block)) return 1;
-  RecordWriter records = {block.view, 0};
-  while (records.at + 16 + 1 + 4 <= block.size) records.Read(0x100, 1);
-  records.End();
-  AsyncCall call = {&server, block.atom, noAnswer};
-  HANDLE thread = StartCall(&call);
-  Sleep(100);
+  constexpr size_t count = 4;
+  ClientBlock blocks[count];
+  AsyncCall calls[count];
+  HANDLE threads[count];
+  for (size_t i = 0; i < count; ++i) {
+    if (!MakeBlock(i == 0 ? std::clamp(megabytes, 1u, 1024u) << 20 : 4096, &blocks[i])) return 1;
+    RecordWriter records = {blocks[i].view, 0};
+    while (records.at + 16 + 1 + 4 <= blocks[i].size) records.Read(0x100, 1);
+    records.End();
+    calls[i] = {&server, blocks[i].atom, noAnswer};
+  }
+  for (size_t i = 0; i < count; ++i) {
+    threads[i] = StartCall(&calls[i]);
+    Sleep(50);
+  }
   std::printf("sent\n");
   std::fflush(stdout);
-  WaitForSingleObject(thread, INFINITE);
-  std::printf("long-request: answer %d\n", call.answer);
+  for (HANDLE thread : threads) {
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
+  }
+  std::printf("long-request: answer %d, to those that waited %d %d %d\n", calls[0].answer, calls[1].answer,
+              calls[2].answer, calls[3].answer);
   return 0;
 }
 
