@@ -73,6 +73,8 @@ int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request
                 RequestMarks* marks, size_t* position) {
   size_t& at = *position;
   for (;;) {
+    // A local block may be as large as memory: its end is not waited for when the thread is to stop.
+    if (scratch->run != nullptr && scratch->run->load(std::memory_order_relaxed) == 0) return 0;
     if (size - at < sizeof(uint32_t)) return 0;  // no end before the block's end
     const uint32_t type = FetchWord(block + at);
     if (type == recordEnd) {

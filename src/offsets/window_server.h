@@ -15,7 +15,9 @@ constexpr bool windowServerExists = false;
 #if defined(_WIN32)
 // Starts the thread and waits until its message queue exists. Returns 1, or 0 when no thread could be made.
 int StartWindowServer();
-// Tells the thread to quit and waits for its end; nothing happens when it was not started.
+// Tells the thread to quit and waits for its end; nothing happens when it was not started. The window goes at
+// its next message, whatever else waits there; a request that is being served ends with 0 at its next record,
+// those that wait are refused with the window.
 void StopWindowServer();
 #else
 inline int StartWindowServer() { return 0; }

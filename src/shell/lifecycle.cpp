@@ -48,6 +48,11 @@ namespace {
 constexpr size_t identitySize = 256;
 constexpr char separatorLine[] = "--------------------------------------------------\n";
 
+// How far the host has taken us. A call that does not fit does nothing: a host may enable twice, stop without
+// disabling, or send messages whenever it likes.
+enum class Stage { Unloaded, Started, Enabled };
+Stage stage = Stage::Unloaded;
+
 int clientModeAtEnable;  // disable acts on the mode that enable chose
 int threadsStarted;      // once per load
 int socketLibraryOpen;
@@ -174,9 +179,11 @@ int StartPlugin(char* name, char* signature, char* description) {
   CopyIdentity(name, "TAVRIX/TAVFARNET");
   CopyIdentity(signature, "TAVRIX/TAVFARNET.");
   CopyIdentity(description, "A plugin that emulates morven.dll and FARNET.");
+  if (stage != Stage::Unloaded) return 1;
+  stage = Stage::Started;
+  threadsStarted = 0;  // a module that could not be unloaded starts once more with what it had
   readTrace = 0;
   writeTrace = 0;
-  threadsStarted = 0;  // a module that could not be unloaded starts once more with what it had
 
   const std::string folder = PluginFolder();
   OpenLogs(folder.c_str(), [](const char* line) { XPLMDebugString(line); });
@@ -208,9 +215,13 @@ int StartPlugin(char* name, char* signature, char* description) {
 }
 
 int EnablePlugin() {
+  if (stage == Stage::Unloaded) return 0;
+  if (stage == Stage::Enabled) return 1;
+  stage = Stage::Enabled;
   ClearRequestMarks();
   ForgetCustomRequests();
   ReadAllSettings();
+  clientModeAtEnable = settings.clientMode;
   PublishAtcTexts();
   ReopenMainLog();
   LogLine("%s", separatorLine);
@@ -223,6 +234,7 @@ int EnablePlugin() {
     DeleteButtons();
     DeleteLocks();
     ClearCustomOffsets();
+    stage = Stage::Started;
     LogOwn(
         "TAVRIX->The system refuses the locks: the plug-in stays disabled; close other programs and try "
         "again\n");
@@ -231,7 +243,6 @@ int EnablePlugin() {
   crashCountdown = 5;
   PrepareNetwork(settings.serverAddress);
   PreparePermissions(settings.allowedClients, settings.networkWrites != 0);
-  clientModeAtEnable = settings.clientMode;
   if (clientModeAtEnable != 0) {
     EnableClientMode();
   } else {
@@ -243,6 +254,8 @@ int EnablePlugin() {
 }
 
 void DisablePlugin() {
+  if (stage != Stage::Enabled) return;
+  stage = Stage::Started;
   LogLine("%s", separatorLine);
   LogStamped("TAVRIX->Starting deinit");
   if (StatusPageRuns()) {
@@ -274,6 +287,9 @@ void DisablePlugin() {
 }
 
 void StopPlugin() {
+  DisablePlugin();
+  if (stage == Stage::Unloaded) return;
+  stage = Stage::Unloaded;
   UnregisterFlightLoops();
   StopPushback();
   UnregisterClientFlightLoops();
@@ -286,6 +302,7 @@ void StopPlugin() {
 }
 
 void ReceivePluginMessage(int from, int message, void* parameter) {
+  if (stage != Stage::Enabled) return;
   if (from != XPLM_PLUGIN_XPLANE) {
     ReceiveAdapterMessage(from, message, parameter);
     return;

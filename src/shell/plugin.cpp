@@ -2,10 +2,14 @@
 #include "XPLMDefs.h"
 #include "shell/lifecycle.h"
 
+PLUGIN_API void XPluginDisable(void);
+PLUGIN_API void XPluginStop(void);
+
 PLUGIN_API int XPluginStart(char* name, char* signature, char* description) {
   try {
     return StartPlugin(name, signature, description);
   } catch (...) {
+    XPluginStop();  // gives back what has been made
     return 0;
   }
 }
@@ -14,6 +18,7 @@ PLUGIN_API int XPluginEnable(void) {
   try {
     return EnablePlugin();
   } catch (...) {
+    XPluginDisable();  // gives back what has been made
     return 0;
   }
 }

@@ -28,6 +28,7 @@ char gatheredPaths[maxModels][modelPathSize];
 Thread modelThread;
 Event modelThreadReady;
 std::atomic<uint32_t> modelRun;
+std::atomic<uint32_t> gatheredWaiting;  // raised after gathering, taken by who moves it into the tables
 
 // Moves what was gathered into the tables. Model thread, or the simulator's while that does not run.
 void TakeGathered() {
@@ -49,13 +50,13 @@ void TakeGathered() {
 uint32_t ModelProcedure(void*) {
   PrepareThreadMessages();
   SignalEvent(&modelThreadReady);
+  // On Windows every program can post messages to the thread, the quit message too: they wake it and say
+  // nothing.
   while (modelRun.load() != 0) {
     uint32_t message = 0;
     uintptr_t value = 0;
-    const int got = WaitThreadMessage(-1, &message, &value);
-    if (got == 0) break;
-    if (got < 0) SleepMilliseconds(100);  // the queue is out of order: do not spin
-    if (got > 0 && message == messageModelsGathered) TakeGathered();
+    if (WaitThreadMessage(-1, &message, &value) < 0) SleepMilliseconds(100);  // out of order: do not spin
+    if (modelRun.load() != 0 && gatheredWaiting.exchange(0) != 0) TakeGathered();
   }
   return 0;
 }
@@ -99,7 +100,12 @@ void LoadAircraftList() {
   listBeingBuilt = 1;
   const int known = std::min(active, static_cast<int>(maxModels));
   for (int index = 1; index < static_cast<int>(maxModels); ++index) GatherModel(index, index < known);
-  if (!PostMessageToThread(&modelThread, messageModelsGathered, 0)) TakeGathered();
+  gatheredWaiting = 1;
+  // A thread that cannot be told has a full queue, and comes to look with the next message of it.
+  if (!PostMessageToThread(&modelThread, messageModelsGathered, 0) && modelThread.started.load() == 0) {
+    gatheredWaiting = 0;
+    TakeGathered();
+  }
   aircraftCount = static_cast<uint32_t>(std::max(active, 1));
   FillTrafficPositions();  // a new slot begins where its aircraft is
   countChanged = 1;
@@ -121,6 +127,6 @@ int StartAircraftModelThread() {
 void StopAircraftModelThread() {
   if (modelThread.started.load() == 0) return;
   modelRun = 0;
-  PostMessageToThread(&modelThread, messageQuit, 0);
+  PostMessageToThread(&modelThread, messageQuit, 0);  // with a full queue the next message ends it
   JoinThread(&modelThread);
 }

@@ -1,7 +1,9 @@
 // The modes of rude_client_win32 that run for a while: random blocks, a busy client, a block that changes
-// while it is served, dying clients, and the measurement of a request against a bare window message. Each
-// prints its line and returns the exit status.
+// while it is served, dying clients, floods of messages, and the measurement of a request against a bare window
+// message. Each prints its line and returns the exit status.
 #pragma once
+#include <tlhelp32.h>
+
 #include <algorithm>
 #include <random>
 
@@ -263,6 +265,97 @@ inline int RunChangeWhileServed(const Server& server, uint32_t seconds) {
   std::printf("change-while-served: %s, answered 1: %u times, 0: %u times\n", unanswered ? "FAILED" : "ok",
               answers[1], answers[0]);
   return unanswered;
+}
+
+// --- Floods of messages ---------------------------------------------------------------------------------
+// How the messages travel: put into the window's queue, put into the queue of every thread of the simulator
+// that has one, or handed over like requests (the system gives these to the window before any other message).
+enum class FloodWay { Posted, PostedToThreads, Sent };
+
+struct Flood {
+  FloodWay way;
+  HWND window;
+  const std::vector<DWORD>* threads;
+  DWORD end;                // tick count
+  volatile LONG delivered;  // counts those that the system took
+};
+
+inline std::vector<DWORD> ThreadsOfWindowsProcess(HWND window) {
+  DWORD process = 0;
+  std::vector<DWORD> threads;
+  GetWindowThreadProcessId(window, &process);
+  HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+  THREADENTRY32 entry = {};
+  entry.dwSize = sizeof entry;
+  for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
+    if (entry.th32OwnerProcessID == process) threads.push_back(entry.th32ThreadID);
+  }
+  CloseHandle(snapshot);
+  return threads;
+}
+
+inline DWORD WINAPI FloodProcedure(void* argument) {
+  Flood* flood = static_cast<Flood*>(argument);
+  constexpr UINT message = WM_APP + 77;
+  while (static_cast<LONG>(flood->end - GetTickCount()) > 0) {
+    LONG taken = 0;
+    if (flood->way == FloodWay::Sent) taken = SendNotifyMessageA(flood->window, message, 0, 0) != 0;
+    if (flood->way == FloodWay::Posted) taken = PostMessageA(flood->window, message, 0, 0) != 0;
+    if (flood->way == FloodWay::PostedToThreads) {
+      for (const DWORD thread : *flood->threads) taken += PostThreadMessageA(thread, message, 0, 0) != 0;
+    }
+    InterlockedExchangeAdd(&flood->delivered, taken);
+    if (taken == 0) Sleep(1);  // the window is gone, or the queue is full
+  }
+  return 0;
+}
+
+// Says "flooding" when messages flow, and at the end how many the system took.
+inline int RunFlood(const Server& server, FloodWay way, uint32_t seconds, uint32_t senders) {
+  const std::vector<DWORD> threads = ThreadsOfWindowsProcess(server.window);
+  Flood flood = {way, server.window, &threads, GetTickCount() + seconds * 1000, 0};
+  std::vector<HANDLE> handles;
+  for (uint32_t i = 0; i < std::clamp(senders, 1u, 16u); ++i) {
+    handles.push_back(CreateThread(nullptr, 0, FloodProcedure, &flood, 0, nullptr));
+  }
+  while (flood.delivered < 1000 && static_cast<LONG>(flood.end - GetTickCount()) > 0) Sleep(1);
+  std::printf("flooding\n");
+  std::fflush(stdout);
+  for (HANDLE handle : handles) {
+    WaitForSingleObject(handle, INFINITE);
+    CloseHandle(handle);
+  }
+  std::printf("flood: %s, %ld messages\n", flood.delivered >= 1000 ? "ok" : "FAILED", flood.delivered);
+  return flood.delivered >= 1000 ? 0 : 1;
+}
+
+// One request with a block of so many MiB, filled with reads of a byte each, and three short ones that wait
+// behind it. Says "sent" when all are on their way, and at the end what was answered.
+inline int RunLongRequest(const Server& server, uint32_t megabytes) {
+  constexpr size_t count = 4;
+  ClientBlock blocks[count];
+  AsyncCall calls[count];
+  HANDLE threads[count];
+  for (size_t i = 0; i < count; ++i) {
+    if (!MakeBlock(i == 0 ? std::clamp(megabytes, 1u, 1024u) << 20 : 4096, &blocks[i])) return 1;
+    RecordWriter records = {blocks[i].view, 0};
+    while (records.at + 16 + 1 + 4 <= blocks[i].size) records.Read(0x100, 1);
+    records.End();
+    calls[i] = {&server, blocks[i].atom, noAnswer};
+  }
+  for (size_t i = 0; i < count; ++i) {
+    threads[i] = StartCall(&calls[i]);
+    Sleep(50);
+  }
+  std::printf("sent\n");
+  std::fflush(stdout);
+  for (HANDLE thread : threads) {
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
+  }
+  std::printf("long-request: answer %d, to those that waited %d %d %d\n", calls[0].answer, calls[1].answer,
+              calls[2].answer, calls[3].answer);
+  return 0;
 }
 
 // --- A request against a bare window message ------------------------------------------------------------

@@ -303,6 +303,47 @@ void DieMidRequest(ClientBlock*) {
   }
 }
 
+// Messages that would end, rename or occupy any other window are nothing to the server: the window stays the
+// same under its name, and requests are served meanwhile.
+void MeddlingMessages(ClientBlock*) {
+  CREATESTRUCTA renamed = {};
+  renamed.lpszName = "RENAMED";
+  const struct {
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+  } cases[] = {
+      {WM_CLOSE, 0, 0},
+      {WM_SYSCOMMAND, SC_CLOSE, 0},
+      {WM_SYSKEYDOWN, VK_F4, 1 << 29},  // Alt+F4
+      {WM_SYSCOMMAND, SC_MOVE, 0},
+      {WM_SYSCOMMAND, SC_SIZE, 0},
+      {WM_NCLBUTTONDOWN, HTCAPTION, 0},
+      {WM_NCLBUTTONDOWN, HTCLOSE, 0},
+      {WM_SETTEXT, 0, reinterpret_cast<LPARAM>("RENAMED")},
+      {WM_NCCREATE, 0, reinterpret_cast<LPARAM>(&renamed)},
+      {WM_DESTROY, 0, 0},
+      {WM_NCDESTROY, 0, 0},
+      {WM_QUERYENDSESSION, 0, 0},
+      {WM_ENABLE, 0, 0},
+      {WM_QUIT, 0, 0},
+  };
+  for (const auto& one : cases) {
+    const std::string name = "message " + std::to_string(one.message) + "/" + std::to_string(one.wParam);
+    DWORD_PTR result = 0;
+    SendMessageTimeoutA(server.window, one.message, one.wParam, one.lParam, SMTO_NORMAL, 2000, &result);
+    PostMessageA(server.window, one.message, one.wParam, one.lParam);  // refused when it holds a pointer
+    for (int round = 0; round < 3; ++round) {  // the queue is looked at between two requests at the latest
+      if (!Expect(ExpectAlive(), name)) return;
+      Sleep(10);
+    }
+    Expect(FindWindowA("KORLMAIN", "KORLMAIN") == server.window, name + ": another window or none");
+  }
+  for (const DWORD thread : ThreadsOfWindowsProcess(server.window)) PostThreadMessageA(thread, WM_QUIT, 0, 0);
+  for (int round = 0; round < 3 && ExpectAlive(); ++round) Sleep(10);
+  Expect(FindWindowA("KORLMAIN", "KORLMAIN") == server.window, "quit to the threads: another window or none");
+}
+
 struct Mode {
   const char* name;
   void (*run)(ClientBlock* block);
@@ -316,6 +357,7 @@ constexpr Mode modes[] = {
     {"tiny-mapping", TinyMapping},       {"bad-atom", BadAtom},
     {"missing-mapping", MissingMapping}, {"readonly-mapping", ReadOnlyMapping},
     {"unmap-during", UnmapDuring},       {"die-mid-request", DieMidRequest},
+    {"meddling", MeddlingMessages},
 };
 
 int RunMode(const Mode& mode) {
@@ -339,6 +381,10 @@ int Usage() {
       "\n  garbage SEED REQUESTS           random blocks; the answer follows from the block\n"
       "  hammer SECONDS RECORDS SLOT     a busy client with its own bytes at slot 0..62, read back each time\n"
       "  change-while-served SECONDS     another thread changes a record's size meanwhile\n"
+      "  flood-posted SECONDS SENDERS    messages into the window's queue, from so many threads\n"
+      "  flood-threads SECONDS SENDERS   messages into the queues of the simulator's threads\n"
+      "  flood-sent SECONDS SENDERS      messages handed over to the window like requests\n"
+      "  long-request MEGABYTES          one request with a block of this size\n"
       "  latency REQUESTS RECORDS        median time of a request and of a bare window message\n");
   return 2;
 }
@@ -354,6 +400,18 @@ int main(int count, char** words) {
     return 2;
   }
   if (name == "die-child") return DieDuringRequest(server, Argument(count, words, 2, 0));
+  const struct {
+    const char* name;
+    FloodWay way;
+  } floods[] = {{"flood-posted", FloodWay::Posted},
+                {"flood-threads", FloodWay::PostedToThreads},
+                {"flood-sent", FloodWay::Sent}};
+  for (const auto& flood : floods) {  // the server may have been stopped meanwhile: no plain request follows
+    if (name == flood.name) {
+      return RunFlood(server, flood.way, Argument(count, words, 2, 5), Argument(count, words, 3, 4));
+    }
+  }
+  if (name == "long-request") return RunLongRequest(server, Argument(count, words, 2, 64));
   int load = -1;
   if (name == "garbage")
     load = RunGarbage(server, Argument(count, words, 2, 1), Argument(count, words, 3, 1000));
