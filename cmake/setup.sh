@@ -58,10 +58,12 @@ setup_machine() {
 display_pid=""
 start_display() {
   [ -n "$display_pid" ] && return 0
-  local fifo line
+  local fifo line jobs=$-
   fifo=$(mktemp -u) && mkfifo "$fifo"
+  set -m  # a process group of its own: Ctrl-C at the terminal does not take the display from programs that end
   Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$fifo" >/dev/null 2>&1 &
   display_pid=$!
+  [[ "$jobs" == *m* ]] || set +m
   read -r -t 20 line <"$fifo"
   rm -f "$fifo"
   [ -n "$line" ] || { echo "Xvfb did not start: is the package xvfb complete?" >&2; return 1; }
@@ -88,11 +90,23 @@ stop_wine_and_display() {
   display_pid=""
 }
 
+# A build folder of a checkout that was copied or moved names files of the old place and does not configure: it is
+# made anew. renew_moved_build FOLDER, from the top of the checkout.
+renew_moved_build() {
+  local cache="$1/CMakeCache.txt" home
+  [ -e "$cache" ] || return 0
+  home=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$cache")
+  [ "$home" -ef . ] && return 0
+  echo "$1 was made for ${home:-an unknown place}: it is made anew."
+  rm -rf "$1"
+}
+
 # build PRESET TARGET... : configures and builds, quiet unless it fails.
 build_preset() {
   local preset=$1 log="build/$1.log"
   shift
   mkdir -p build
+  renew_moved_build "build/$preset"
   if ! { cmake --preset "$preset" && cmake --build --preset "$preset" --target "$@"; } >"$log" 2>&1; then
     echo "Building preset $preset failed:" >&2
     tail -n 40 "$log" >&2

@@ -4,7 +4,10 @@
 cd "$(dirname "$0")/.." || exit 1
 seconds=${1:-10}
 command -v clang++ >/dev/null || { echo "clang++ is not installed: fuzz targets are not run"; exit 0; }
+. cmake/setup.sh
 build=build/fuzz
+mkdir -p build
+renew_moved_build "$build"
 if ! { cmake -S . -B "$build" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DTAVRIX_FUZZ=ON -DTAVRIX_TESTS=OFF -DTAVRIX_SANITIZE=fuzzer-no-link,address,undefined &&
   cmake --build "$build" --target $(for f in fuzz/*_fuzz.cpp; do basename "$f" .cpp; done); } >"$build.log" 2>&1; then

@@ -1,0 +1,159 @@
+"""./run from a terminal, as somebody does who has just got the source; and what of the scripts can be tested by itself."""
+import os
+import shutil
+import signal
+import socket
+import subprocess
+
+import pytest
+
+from conftest import TOP, wait_for
+from terminal import Terminal
+
+BUILDS = [pytest.param((), marks=pytest.mark.wine, id="wine"), pytest.param(("--native",), id="native")]
+
+
+@pytest.fixture
+def run(tmp_path):
+    """run(*words, top=checkout) -> Terminal with ./run in it; its temporary files lie in tmp_path / "tmp"."""
+    opened = []
+    (tmp_path / "tmp").mkdir()
+
+    def begin(*words, top=TOP, env=None, **more):
+        opened.append(Terminal(["./run", *words], cwd=top, env={"TMPDIR": str(tmp_path / "tmp"), **(env or {})}, **more))
+        return opened[-1]
+
+    yield begin
+    for terminal in opened:
+        terminal.end()
+    assert list((tmp_path / "tmp").glob("tmp.*")) == []
+
+
+def check_over(terminal):
+    terminal.check_restored()
+    terminal.check_nothing_left()
+
+
+@pytest.mark.parametrize("words", BUILDS)
+def test_ends_by_itself(run, words):
+    terminal = run("--seconds", "5", *words)
+    assert terminal.wait() == 0, terminal.plain[-3000:]
+    check_over(terminal)
+    title = "network, 127.0.0.1" if words else "local window server"
+    assert f"TAVRIX  {title}" in terminal.plain and "Standin Twin Jet" in terminal.plain
+
+
+@pytest.mark.parametrize("words", BUILDS)
+@pytest.mark.parametrize("way", ["key", "signal"])
+def test_is_stopped_while_the_table_shows(run, words, way):
+    terminal = run(*words)
+    terminal.wait_text("TAVRIX  ")
+    terminal.type("\x03") if way == "key" else os.kill(terminal.process.pid, signal.SIGTERM)
+    assert terminal.wait() == 0, terminal.plain[-3000:]
+    check_over(terminal)
+    assert "offsetctl:" not in terminal.plain
+
+
+def test_terminal_is_closed(run):
+    terminal = run("--native")
+    terminal.wait_text("TAVRIX  ")
+    os.killpg(terminal.process.pid, signal.SIGHUP)
+    terminal.wait()
+    terminal.check_nothing_left()
+
+
+def test_another_simulator_runs(run):
+    with socket.create_server(("127.0.0.1", 65000)):
+        terminal = run("--native", "--seconds", "5")
+        assert terminal.wait() == 1
+    check_over(terminal)
+    assert "does another simulator run?" in terminal.text and "port 65000: the port is taken" in terminal.text
+
+
+@pytest.mark.parametrize("words", [("--seconds",), ("--seconds", "0"), ("--seconds", "1e9"), ("--seconds", "1000000"),
+                                   ("--seconds", "-5"), ("--fast",)])
+def test_wrong_words(run, words):
+    terminal = run(*words)
+    assert terminal.wait(deadline=10) == 2
+    assert "Building" not in terminal.text
+
+
+@pytest.fixture
+def checkout(tmp_path):
+    """A checkout whose programs are scripts of the test; building does nothing."""
+    top = tmp_path / "checkout"
+    (top / "cmake").mkdir(parents=True)
+    (top / "build" / "linux" / "bin").mkdir(parents=True)
+    (top / "path").mkdir()
+    shutil.copy(TOP / "run", top)
+    shutil.copy(TOP / "cmake" / "setup.sh", top / "cmake")
+    write_script(top / "path" / "cmake", "exit 0")
+    write_script(top / "build" / "linux" / "bin" / "offsetctl", "echo TAVRIX; sleep 1000")
+    return top
+
+
+def write_script(path, text):
+    path.write_text(f"#!/bin/bash\n{text}\n")
+    path.chmod(0o755)
+
+
+def first_in_path(top):
+    return {"PATH": f"{top / 'path'}:{os.environ['PATH']}"}
+
+
+def test_standin_ends_early(run, checkout):
+    write_script(checkout / "build" / "linux" / "bin" / "standin", "echo no such plug-in >&2; exit 1")
+    terminal = run("--native", top=checkout, env=first_in_path(checkout))
+    assert terminal.wait(deadline=20) == 1
+    check_over(terminal)
+    assert "ended early" in terminal.text and "no such plug-in" in terminal.text
+
+
+@pytest.mark.parametrize("way", ["key", "signal"])
+def test_is_stopped_while_it_waits(run, checkout, way):
+    write_script(checkout / "build" / "linux" / "bin" / "standin", "echo started >started; read -r end")
+    terminal = run("--native", top=checkout, env=first_in_path(checkout))
+    wait_for("the stand-in", lambda: (checkout / "started").exists())
+    terminal.type("\x03") if way == "key" else os.kill(terminal.process.pid, signal.SIGTERM)
+    assert terminal.wait(deadline=20) == (130 if way == "key" else 143)
+    check_over(terminal)
+
+
+def test_standin_that_does_not_end_is_ended(run, checkout):
+    write_script(checkout / "build" / "linux" / "bin" / "standin",
+                 "trap '' INT TERM HUP; echo started >started; exec sleep 1000")
+    terminal = run("--native", top=checkout, env=first_in_path(checkout))
+    wait_for("the stand-in", lambda: (checkout / "started").exists())
+    terminal.type("\x03")
+    assert terminal.wait(deadline=30) == 130
+    check_over(terminal)
+
+
+def test_is_stopped_while_it_builds(run, checkout):
+    write_script(checkout / "path" / "cmake", "echo started >started; exec sleep 1000")
+    terminal = run("--native", top=checkout, env=first_in_path(checkout))
+    wait_for("cmake", lambda: (checkout / "started").exists())
+    terminal.type("\x03")
+    assert terminal.wait(deadline=20) == 130
+    check_over(terminal)
+
+
+@pytest.mark.parametrize("home, kept", [("{top}", True), ("{top}/../link", True), ("{top}/..", False),
+                                        ("/where/it/was/before", False), (None, False)])
+def test_build_folder_of_another_place_is_made_anew(checkout, home, kept):
+    (checkout.parent / "link").symlink_to(checkout)
+    folder = checkout / "build" / "linux"
+    line = f"CMAKE_HOME_DIRECTORY:INTERNAL={home.format(top=checkout)}\n" if home else ""
+    (folder / "CMakeCache.txt").write_text(f"CMAKE_GENERATOR:INTERNAL=Ninja\n{line}CMAKE_PLATFORM_INFO:INTERNAL=1\n")
+    # What stands there when cmake configures.
+    write_script(checkout / "path" / "cmake", "ls build/linux >>seen 2>/dev/null; exit 0")
+    result = subprocess.run(["bash", "-c", ". cmake/setup.sh; build_preset linux all"], cwd=checkout, text=True,
+                            env={**os.environ, **first_in_path(checkout)}, capture_output=True, timeout=20)
+    assert result.returncode == 0, result.stderr
+    assert ("CMakeCache.txt" in (checkout / "seen").read_text()) == kept
+    assert ("made anew" in result.stdout) != kept
+
+
+def test_folder_without_cache_is_left_alone(checkout):
+    subprocess.run(["bash", "-c", ". cmake/setup.sh; renew_moved_build build/linux"], cwd=checkout, check=True)
+    assert (checkout / "build" / "linux" / "bin" / "offsetctl").exists()

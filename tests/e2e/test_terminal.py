@@ -1,0 +1,125 @@
+"""The live table in a terminal, as a person sees it."""
+import os
+import signal
+import time
+
+import pytest
+
+from terminal import CLEAR, HOME, Terminal, check_fits
+
+SETTINGS = "[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n"
+
+
+@pytest.fixture
+def open_terminal():
+    opened = []
+
+    def begin(*words, **more):
+        opened.append(Terminal(*words, **more))
+        return opened[-1]
+
+    yield begin
+    for terminal in opened:
+        terminal.end()
+
+
+@pytest.fixture
+def server(start, linux, tmp_path):
+    folder = tmp_path / "X-Plane" / "Resources" / "plugins" / "TAVRIX"
+    folder.mkdir(parents=True)
+    (folder / "TAVRIX.ini").write_text(SETTINGS)
+    standin = start(linux, root=tmp_path / "X-Plane")
+    standin.wait_log("TAVFARNET->Waiting for clients.....0")
+    return standin
+
+
+@pytest.mark.parametrize("columns, rows, seconds", [(80, 24, 1.5), (100, 10, 0.3), (40, 24, 0.3), (200, 60, 0.05),
+                                                    (5, 2, 0.3)])
+def test_ends_by_itself_and_fits(server, linux, open_terminal, columns, rows, seconds):
+    terminal = open_terminal(linux.command("offsetctl", "monitor", "--seconds", seconds), columns, rows)
+    assert terminal.wait(deadline=20) == 0
+    terminal.check_restored()
+    tables = check_fits(terminal.text, columns, rows)
+    assert len(tables) >= (5 if seconds > 1 else 1)
+    if columns >= 80:
+        assert tables[-1].startswith("TAVRIX  network, 127.0.0.1")
+        assert ("Traffic" in tables[-1]) == (rows >= 24)
+        assert ("(15 more lines in a higher window)" in tables[-1]) == (rows == 10)
+    server.quit()
+
+
+def test_ends_in_a_terminal_that_was_held(server, linux, open_terminal):
+    terminal = open_terminal(linux.command("offsetctl", "monitor", "--seconds", "1", "--rate", "1000"))
+    terminal.wait_text(HOME)
+    terminal.shown.clear()
+    # The terminal's buffer is soon full: the last second passes while a table is being printed.
+    time.sleep(1.5)
+    assert terminal.process.poll() is None
+    terminal.shown.set()
+    assert terminal.wait(deadline=10) == 0
+    terminal.check_restored()
+    server.quit()
+
+
+@pytest.mark.parametrize("words", [("--rate", "0.01"), ("--seconds", "1000000"), ()])
+@pytest.mark.parametrize("way", ["key", "signal"])
+def test_is_stopped(server, linux, open_terminal, words, way):
+    terminal = open_terminal(linux.command("offsetctl", "monitor", *words))
+    terminal.wait_text(HOME, 1 if "--rate" in words else 5)
+    terminal.type("\x03") if way == "key" else os.kill(terminal.process.pid, signal.SIGTERM)
+    assert terminal.wait(deadline=10) == 0
+    terminal.check_restored()
+    assert "offsetctl:" not in terminal.text
+    server.quit()
+
+
+def test_follows_the_size_of_the_terminal(server, linux, open_terminal):
+    terminal = open_terminal(linux.command("offsetctl", "monitor", "--rate", "50"), 80, 24)
+    terminal.wait_text("Traffic", 2)
+    terminal.resize(80, 10)
+    terminal.wait_text("(15 more lines in a higher window)", 2)
+    assert terminal.text.count(CLEAR) == 2
+    check_fits(terminal.text[terminal.text.rindex(CLEAR):], 80, 10)
+    terminal.type("\x03")
+    assert terminal.wait(deadline=10) == 0
+
+
+def test_server_goes_away(server, linux, open_terminal):
+    terminal = open_terminal(linux.command("offsetctl", "monitor"))
+    terminal.wait_text(HOME, 3)
+    server.quit()
+    assert terminal.wait(deadline=20) == 1
+    terminal.check_restored()
+    last = terminal.text.split(HOME)[-1]
+    assert "the server at 127.0.0.1 has closed the connection" in last.splitlines()[-1]
+
+
+@pytest.fixture
+def local_server(start, win32, tmp_path):
+    standin = start(win32, root=tmp_path / "X-Plane")
+    standin.wait_log("Register KORLMain Call message OK")
+    return standin
+
+
+@pytest.mark.wine
+def test_local_server_goes_away(local_server, win32, open_terminal):
+    terminal = open_terminal(win32.command("offsetctl", "monitor"))
+    terminal.wait_text("TAVRIX  local window server")
+    local_server.quit()
+    assert terminal.wait() == 1
+    terminal.check_restored()
+    assert "the server has gone" in terminal.plain
+
+
+@pytest.mark.wine
+def test_windows_ends_in_a_terminal_that_was_held(local_server, win32, open_terminal):
+    terminal = open_terminal(win32.command("offsetctl", "monitor", "--seconds", "2"))
+    terminal.wait_text("TAVRIX  local window server")
+    console = [pid for pid, line in terminal.left_over().items() if "conhost" in line]
+    assert len(console) == 1, terminal.left_over()
+    os.kill(console[0], signal.SIGSTOP)
+    time.sleep(2.5)  # the end falls into the output of a table, which stands still
+    os.kill(console[0], signal.SIGCONT)
+    assert terminal.wait(deadline=20) == 0
+    terminal.check_restored()
+    local_server.quit()
