@@ -144,7 +144,8 @@ struct CustomLoad : testing::Test {
 };
 
 TEST_F(CustomLoad, LogsWhatIsNotFound) {
-  const std::string path = custom::Folder() + "TAVRIXOffsets.cfg";
+  const std::string path =
+      std::filesystem::path(custom::Folder() + "TAVRIXOffsets.cfg").make_preferred().string();
   const std::string error = "Error reading TAVRIXOffsets.cfg\n";
   LoadCustomOffsets();
   EXPECT_EQ(Unstamped(custom::Log()), error + "TAVRIX->There is no file " + path +

@@ -136,9 +136,9 @@ struct Plugin : Files {
 };
 
 TEST_F(Plugin, FoldersWithOddNamesAreUsedAsTheSimulatorTellsThem) {
-  std::vector<std::string> names = {"X-Plane", "X Plane {1} %s '2'", "X-Pl\xC3\xA4ne"};
+  std::vector<std::string> names = {"X-Plane", "X Plane {1} %s '2'"};
 #if !defined(_WIN32)
-  names.insert(names.end(), {"X\\", "X\\Plane", "X\nPlane"});
+  names.insert(names.end(), {"X\\", "X\\Plane", "X\nPlane", "X-Pl\xC3\xA4ne"});
 #endif
   for (const std::string& name : names) {
     for (const bool separated : {true, false}) {

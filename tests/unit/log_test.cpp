@@ -189,7 +189,7 @@ struct Bounded : Log {
 
 TEST_F(Bounded, AFullLogIsKeptOnceAndBegunAnew) {
   const std::string old = folder + "TAVRIX.txt.old";
-  std::ofstream(old) << "older\n";
+  std::ofstream(old, std::ios::binary) << "older\n";
   LogLine("first\n");
   Fill(largestLog / 2);
   ASSERT_EQ(ReopenMainLog(), 1) << "what was before counts, too";
