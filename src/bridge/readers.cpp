@@ -419,10 +419,18 @@ bool RunTexts(Reader& reader) {
   return missed;
 }
 
-// What has found the lock busy is tried once more; a client that holds it is done soon.
+// What has found the lock busy is tried once more; a client that holds it is done soon. Groups behind the first
+// one that was missed are stored again: where rows overlap, the later one must show.
 void StoreMissed(Reader& reader) {
+  bool behind = false;
   for (const Group& group : reader.groups) {
-    if (group.missed) MissedGroup(reader, group, true);
+    if (group.missed) {
+      MissedGroup(reader, group, true);
+      behind = true;
+    } else if (behind && TryEnterLock(&offsetLock) != 0) {
+      StoreGroup(group, &reader.places[group.first], reader.bytes.data());
+      LeaveLock(&offsetLock);
+    }
   }
   for (const Text& text : reader.texts) {
     if (text.missed) MissedText(text, true);
@@ -452,6 +460,7 @@ void BindReaders() {
 void RunReaders(Cycle cycle) {
   Reader& reader = readers[static_cast<size_t>(cycle)];
   Derive(reader, FetchNumbers(reader));
+  const SimulatorTurn turn;
   EncodeItems(reader);
   const bool groupsMissed = StoreGroups(reader);
   const bool textsMissed = RunTexts(reader);

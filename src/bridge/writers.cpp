@@ -13,6 +13,8 @@ struct Writer {
   const OffsetRow* row;  // null for a group
   void (*group)();
   uint32_t width;
+  std::vector<uint32_t> offsets;  // whose flags it looks at
+  bool due;                       // in this run
 };
 
 std::vector<Writer> writers;
@@ -78,13 +80,16 @@ void BuildWriters() {
   ResetDispatchTable();
   for (const RowTable* table : Catalogue()) {
     for (const OffsetRow& row : table->rows) {
-      const bool known = std::any_of(writers.begin(), writers.end(), [&](const Writer& writer) {
-        return writer.group != nullptr && writer.group == row.write.group;
-      });
       if (row.write.group != nullptr) {
-        if (!known) writers.push_back({nullptr, row.write.group, 0});
+        const auto known = std::find_if(writers.begin(), writers.end(),
+                                        [&](const Writer& writer) { return writer.group == row.write.group; });
+        if (known != writers.end()) {
+          known->offsets.push_back(row.offset);
+        } else {
+          writers.push_back({nullptr, row.write.group, 0, {row.offset}, false});
+        }
       } else if (HasWriter(row)) {
-        writers.push_back({&row, nullptr, WriteWidth(row)});
+        writers.push_back({&row, nullptr, WriteWidth(row), {row.offset}, false});
       } else {
         continue;
       }
@@ -96,9 +101,17 @@ void BuildWriters() {
 void RunWriters() {
   // Frames in which no client has written pass here: the mark is raised together with any flag.
   if (anythingPending.load(std::memory_order_relaxed) == 0) return;
+  const SimulatorTurn turn;
+  // One look at all flags: the lock is entered again only for those that are up.
   {
     LockScope lock(&offsetLock);
     anythingPending.store(0, std::memory_order_relaxed);
+    for (Writer& writer : writers) {
+      writer.due = std::any_of(writer.offsets.begin(), writer.offsets.end(),
+                               [](uint32_t offset) { return pendingFlags.flags[offset] != 0; });
+    }
   }
-  for (const Writer& writer : writers) RunWriter(writer);
+  for (const Writer& writer : writers) {
+    if (writer.due) RunWriter(writer);
+  }
 }

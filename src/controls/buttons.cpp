@@ -95,7 +95,7 @@ void Act(const ButtonAssignment& assignment, bool pressed) {
   auto value = static_cast<uint32_t>(action.value);
   RequestMarks marks = {};
   {
-    const LockScope lock(&offsetLock);
+    const ServerLockScope lock;
     if (action.set || action.clear || action.toggle) {
       // Bits that another button has just written count, though a refresh may have covered them in the memory.
       uint32_t current = 0;

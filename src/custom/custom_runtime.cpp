@@ -165,6 +165,7 @@ void RefreshCustomOffsets(int group) {
   const auto batchAt = [&](size_t first) {
     return all.subspan(first, std::min(batchItems, all.size() - first));
   };
+  const SimulatorTurn turn;
   size_t missed = all.size();  // where the first batch stands that found the lock busy
   for (size_t first = 0; first < all.size(); first += batchItems) {
     Compute(*tables, batchAt(first));
@@ -243,6 +244,7 @@ void ApplyPendingCustomWrites() {
   CustomCommandWrite command = {};
   uint32_t ends = 0;
   {
+    const SimulatorTurn turn;
     const LockScope lock(&offsetLock);
     customPending.store(0, std::memory_order_relaxed);
     std::swap(write, pendingWrite);

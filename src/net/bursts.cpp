@@ -38,7 +38,7 @@ void SendToAll(Socket* socket, const uint8_t* frame, size_t size) {
 void SendBlock(Socket* socket, uint32_t index) {
   uint8_t* payload = blockFrame + frameHeaderSize;
   if (index < blockCount) {
-    LockScope lock(&offsetLock);
+    const ServerLockScope lock;
     std::memcpy(payload, offsetMemory.bytes + index * blockSize, blockSize);
   } else {
     std::memset(payload, 0, blockSize);  // behind the synchronised area there is nothing

@@ -32,14 +32,14 @@ bool StretchDiffers(const uint8_t* now, const uint8_t* before) {
 
 // First stretch at or behind `from` that differs, or the end of the batch.
 uint32_t SkipEqual(uint32_t from, uint32_t end) {
-  LockScope lock(&offsetLock);
+  const ServerLockScope lock;
   while (from < end && !StretchDiffers(offsetMemory.bytes + from, shadow + from)) from += stretchSize;
   return from;
 }
 
 // 1 when the byte has changed: the shadow copy has its new value then.
 int TakeChange(uint32_t at) {
-  LockScope lock(&offsetLock);
+  const ServerLockScope lock;
   if (offsetMemory.bytes[at] == shadow[at]) return 0;
   shadow[at] = offsetMemory.bytes[at];
   return 1;

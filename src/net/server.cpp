@@ -175,7 +175,7 @@ void AdmitClient(Socket* connection, const SocketAddress& peer) {
   }
   LogNetwork("TAVFARNET->Client Creating thread No. %u to client %s OK\n", count, AddressText(peer.ip).c_str());
   {
-    LockScope lock(&offsetLock);
+    const ServerLockScope lock;
     Store<uint16_t>(connectedOffset, connectedMark);
   }
   WaitWaker(&serverWaker, acceptedPauseMs);

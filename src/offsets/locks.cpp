@@ -1,11 +1,20 @@
 #include "offsets/locks.h"
 
+#include "platform/clock.h"
+
 Lock offsetLock;
 Lock traceLock;
 Lock trafficLock;
 Lock trafficSlotLock;
 Lock spareLock;
 Lock clientListLock;
+std::atomic<uint32_t> simulatorTurn;
+
+// The simulator's thread may itself have to wait for a processor: then its turn is passed over after a while.
+void ServerLockScope::WaitForSimulator() {
+  constexpr int longestTurn = 200;
+  for (int i = 0; i < longestTurn && simulatorTurn.load(std::memory_order_relaxed) != 0; ++i) GiveWay();
+}
 
 int CreateLocks() {
   for (Lock* lock : {&offsetLock, &traceLock, &trafficLock, &trafficSlotLock, &spareLock, &clientListLock}) {

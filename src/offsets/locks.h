@@ -12,6 +12,9 @@
 // a client's own memory is filled, after it is left. Log lines may be written with any other of them held: the
 // log's own lock is the innermost of all and is known to the log alone.
 #pragma once
+#include <atomic>
+#include <cstdint>
+
 #include "platform/lock.h"
 
 extern Lock offsetLock;
@@ -20,6 +23,28 @@ extern Lock trafficLock;
 extern Lock trafficSlotLock;
 extern Lock spareLock;
 extern Lock clientListLock;
+
+// Raised by the simulator's thread for the few microseconds in which it stores refreshed values or takes staged
+// ones: whoever serves clients lets it go first, so that clients who never pause neither make it wait nor make
+// it drop values. Holding it up is a courtesy, not a lock: it bounds nobody's correctness.
+extern std::atomic<uint32_t> simulatorTurn;
+struct SimulatorTurn {
+  SimulatorTurn() { simulatorTurn.store(1, std::memory_order_relaxed); }
+  ~SimulatorTurn() { simulatorTurn.store(0, std::memory_order_relaxed); }
+  SimulatorTurn(const SimulatorTurn&) = delete;
+  SimulatorTurn& operator=(const SimulatorTurn&) = delete;
+};
+// Enters the offset lock for a scope of a thread other than the simulator's, after its turn.
+struct ServerLockScope {
+  ServerLockScope() {
+    if (simulatorTurn.load(std::memory_order_relaxed) != 0) WaitForSimulator();
+    EnterLock(&offsetLock);
+  }
+  ~ServerLockScope() { LeaveLock(&offsetLock); }
+  ServerLockScope(const ServerLockScope&) = delete;
+  ServerLockScope& operator=(const ServerLockScope&) = delete;
+  static void WaitForSimulator();
+};
 
 // Creates the six locks. Simulator's thread, at enable. Returns 1, or 0 when the system refuses one (those
 // made are deleted again).

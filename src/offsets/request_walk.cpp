@@ -2,9 +2,12 @@
 
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
+#include "platform/clock.h"
 #include "shell/log.h"
 
 namespace {
+
+constexpr uint32_t recordsAtOnce = 64;
 
 struct RecordHeader {
   uint32_t type, offset, size;
@@ -31,7 +34,7 @@ void ServeRead(const RecordHeader& record, uint8_t* answer, PathSource source, u
   if (record.size == 0) return;
   const bool traced = readTrace.load(std::memory_order_relaxed) != 0;
   {
-    LockScope lock(&offsetLock);
+    const ServerLockScope lock;
     requestCounters.bytesRead += record.size;
     FillPathBlock(record.offset, record.size, source);
     std::memcpy(scratch->bytes, offsetMemory.bytes + record.offset, record.size);
@@ -46,7 +49,7 @@ void ServeWrite(const RecordHeader& record, const uint8_t* data, PathSource sour
   if (record.size == 0) return;
   std::memcpy(scratch->bytes, data, record.size);
   {
-    LockScope lock(&offsetLock);
+    const ServerLockScope lock;
     requestCounters.bytesWritten += record.size;
     DispatchWrite(record.offset, record.size, scratch->bytes, marks);
     std::memcpy(offsetMemory.bytes + record.offset, scratch->bytes, record.size);
@@ -98,13 +101,16 @@ int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request
       ServeWrite(record, data, source, request, scratch, marks);
     }
     at += headerSize + record.size;
+    // A long list gives way between its records: a thread that is interrupted while it holds the lock keeps the
+    // simulator's thread waiting until it gets a processor again.
+    if (++scratch->served % recordsAtOnce == 0) GiveWay();
   }
 }
 
 }  // namespace
 
 uint32_t CountRequest() {
-  LockScope lock(&offsetLock);
+  const ServerLockScope lock;
   return ++requestCounters.requests;
 }
 

@@ -10,3 +10,5 @@ UtcTime ReadUtcTime();
 // Monotonic time in nanoseconds from an arbitrary start.
 int64_t MonotonicNanoseconds();
 void SleepMilliseconds(int milliseconds);
+// Lets other threads run first, when there are any that want to.
+void GiveWay();

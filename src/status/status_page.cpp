@@ -30,7 +30,7 @@ bool pageLocal;
 QuietTable loggedBrowsers;  // page thread
 
 StatusValues ReadStatusValues() {
-  LockScope lock(&offsetLock);
+  const ServerLockScope lock;
   return {Load<uint16_t>(0x0274), Load<int32_t>(0x0020), Load<int32_t>(0x02B4), Load<int32_t>(0x02C8),
           Load<double>(0x2F70),   Load<double>(0x2F78),  Load<uint32_t>(0x0580)};
 }

@@ -64,7 +64,7 @@ void Settle() {
 
 void TakeClientEntry() {
   if (clientEntryWritten.exchange(0) == 0) return;
-  const LockScope lock(&offsetLock);
+  const ServerLockScope lock;
   std::memcpy(clientEntry, offsetMemory.bytes + clientEntryOffset, sizeof clientEntry);
 }
 
@@ -72,7 +72,7 @@ void TakeClientEntry() {
 uint16_t FindNearest() {
   uint32_t ids[maxSlots];
   {
-    const LockScope lock(&offsetLock);
+    const ServerLockScope lock;
     for (uint32_t i = 0; i < maxSlots; ++i) ids[i] = Load<uint32_t>(trafficEntryOffset + trafficEntrySize * i);
   }
   int32_t nearest = farthest;
@@ -97,7 +97,7 @@ void StoreHeader() {
   }
   header[markField] = 'P';
   std::memcpy(header + nearestField, &nearestEntry, sizeof nearestEntry);
-  const LockScope lock(&offsetLock);
+  const ServerLockScope lock;
   std::memcpy(offsetMemory.bytes + trafficHeaderOffset, header, sizeof header);
 }
 

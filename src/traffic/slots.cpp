@@ -60,7 +60,7 @@ uint32_t EntryAt(uint32_t index) { return (trafficEntryOffset + trafficEntrySize
 
 void StoreRecords(const Work& work, uint32_t index) {
   const uint32_t recordAt = (flightRecordOffset + flightRecordSize * index) & 0xFFFF;
-  const LockScope lock(&offsetLock);
+  const ServerLockScope lock;
   std::memcpy(offsetMemory.bytes + EntryAt(index), &work.entry, writtenEntryBytes);
   std::memcpy(offsetMemory.bytes + recordAt, &work.record, sizeof work.record);
 }

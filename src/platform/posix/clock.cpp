@@ -1,5 +1,7 @@
 #include "platform/clock.h"
 
+#include <sched.h>
+
 #include <cerrno>
 #include <ctime>
 
@@ -25,3 +27,5 @@ void SleepMilliseconds(int milliseconds) {
   while (clock_nanosleep(CLOCK_MONOTONIC, 0, &left, &left) == EINTR) {
   }
 }
+
+void GiveWay() { sched_yield(); }

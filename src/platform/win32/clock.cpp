@@ -22,3 +22,5 @@ int64_t MonotonicNanoseconds() {
 void SleepMilliseconds(int milliseconds) {
   if (milliseconds > 0) Sleep(static_cast<DWORD>(milliseconds));
 }
+
+void GiveWay() { SwitchToThread(); }
