@@ -132,7 +132,7 @@ TEST_F(NetServerThreads, ANinthClientWaitsUntilOneLeavesAgainAndAgain) {
     ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&ninth) == 1; })) << Log();
     EXPECT_FALSE(net::ReceiveType(&ninth, 6).empty());
     EXPECT_TRUE(WritesArrive(&ninth, 0x66C0, static_cast<uint8_t>(round)));
-    EXPECT_EQ(CountText(Log(), "TAVFARNET->Release OK\n"), round);
+    EXPECT_EQ(CountText(Log(), "TAVFARNET->Release OK\n"), round) << Log();
     leaving = ninth;
   }
   // Numbers are never used again.
