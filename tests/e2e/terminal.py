@@ -3,6 +3,7 @@ import fcntl
 import os
 import pty
 import re
+import signal
 import struct
 import subprocess
 import termios
@@ -105,6 +106,8 @@ class Terminal:
         if self.process.poll() is None:
             self.process.kill()
         self.process.wait(timeout=DEADLINE)
+        for process in self.left_over():
+            os.kill(process, signal.SIGKILL)
         os.close(self.slave)
         os.close(self.master)
 
