@@ -83,7 +83,7 @@ prepare_wine() {
 
 # Ends the Wine processes of our prefix and the display; nothing else.
 stop_wine_and_display() {
-  if [ -n "${WINEPREFIX:-}" ] && [ -e "${WINEPREFIX}/system.reg" ]; then
+  if [ -n "${WINEPREFIX:-}" ] && [ -d "${WINEPREFIX}" ]; then
     wineserver -k >/dev/null 2>&1
   fi
   [ -n "$display_pid" ] && kill "$display_pid" 2>/dev/null && wait "$display_pid" 2>/dev/null

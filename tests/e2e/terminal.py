@@ -3,6 +3,7 @@ import fcntl
 import os
 import pty
 import re
+import signal
 import struct
 import subprocess
 import termios
@@ -61,8 +62,11 @@ class Terminal:
 
     def wait_text(self, text, count=1):
         wait_for(f"'{text}' {count} times in the terminal: {self.text[-2000:]!r}",
-                 lambda: self.text.count(text) >= count or self.process.poll() is not None)
-        assert self.text.count(text) >= count, self.text[-2000:]
+                 lambda: self.seen(text) >= count or self.process.poll() is not None)
+        assert self.seen(text) >= count, self.text[-2000:]
+
+    def seen(self, text):
+        return max(self.text.count(text), self.plain.count(text))
 
     def type(self, keys):
         os.write(self.master, keys.encode())
@@ -105,6 +109,8 @@ class Terminal:
         if self.process.poll() is None:
             self.process.kill()
         self.process.wait(timeout=DEADLINE)
+        for process in self.left_over():
+            os.kill(process, signal.SIGKILL)
         os.close(self.slave)
         os.close(self.master)
 
