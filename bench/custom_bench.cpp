@@ -69,14 +69,6 @@ void CustomRefreshFrame(benchmark::State& state) {
 }
 BENCHMARK(CustomRefreshFrame)->Unit(benchmark::kMicrosecond);
 
-// Nothing changes: entries are computed but not stored.
-void CustomRefreshUnchanged(benchmark::State& state) {
-  World world(File(entryCount));
-  for (auto _ : state) RefreshCustomOffsets(1);
-  state.SetItemsProcessed(state.iterations() * entryCount);
-}
-BENCHMARK(CustomRefreshUnchanged)->Unit(benchmark::kMicrosecond);
-
 // Look-up, comparison and staging of a client's write among 1,000 entries, lock and copy included.
 void CustomWriteDispatch(benchmark::State& state) {
   World world(File(entryCount));

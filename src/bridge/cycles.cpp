@@ -47,13 +47,20 @@ void WatchAdapters(void (*recognise)()) {
   if (std::memcmp(&before, &adapters, sizeof before) != 0) BindReaders();
 }
 
-// The rows of all cycles but the first, the slowest ones first: others look at what they store.
+// All cycles but the first, the slowest ones first: others look at what they store. The user's own offsets stay
+// on top of the rows at the same places.
 void RefreshSlowCycles() {
+  struct Slow {
+    Cycle cycle;
+    int customGroup;  // 0: none
+  };
+  constexpr Slow slow[] = {{Cycle::C313, 8},          {Cycle::C157, 7}, {Cycle::C59, 6}, {Cycle::C31, 5},
+                           {Cycle::C31Navigation, 4}, {Cycle::C13, 3},  {Cycle::C7, 2},  {Cycle::C3, 0}};
   aircraftChanged = 0;
   TuneStations();
-  for (const Cycle cycle : {Cycle::C313, Cycle::C157, Cycle::C59, Cycle::C31, Cycle::C31Navigation, Cycle::C13,
-                            Cycle::C7, Cycle::C3}) {
-    RunReaders(cycle);
+  for (const Slow& each : slow) {
+    RunReaders(each.cycle);
+    if (each.customGroup != 0) RefreshCustomOffsets(each.customGroup);
   }
 }
 

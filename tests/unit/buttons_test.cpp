@@ -173,7 +173,7 @@ TEST_F(Buttons, BitsOfTwoButtonsMeetInOneFrameThread) {
   EXPECT_EQ(LoadPending<uint16_t>(0x0D0C), 3);
 }
 
-TEST_F(Buttons, FailingWaitIsToldOnceAndAppliesNothingThread) {
+TEST_F(Buttons, FailingWaitIsToldOnceThread) {
   Settings("[JOYSTICK BUTTON SETTINGS]\n12 = 66F0,2,4660,0,0,0,0,0,0,0,0,0\n");
   OpenLogs(custom::Folder().c_str(), nullptr);
   EXPECT_EQ(ButtonStatus(), "");

@@ -180,6 +180,7 @@ TEST_F(Lifecycle, NewAircraftShowsAtOnce) {
 
 // Which cycle a row belongs to does not matter then.
 TEST_F(Lifecycle, EveryCycleFollowsANewAircraft) {
+  Put("TAVRIXOffsets.cfg", "Offset 0609 UINT8 8 r 99\n");
   Begin("jet");
   sim::SimFrames(400);
   {
@@ -188,6 +189,7 @@ TEST_F(Lifecycle, EveryCycleFollowsANewAircraft) {
   }
   SimCommand("aircraft prop");
   sim::SimFrames(1);
+  EXPECT_EQ(rows::Read<uint8_t>(0x0609), 99) << "the user's own offset stays on top";
   for (const RowTable* table : Catalogue()) {
     for (const OffsetRow& row : table->rows) {
       if (row.cycle == Cycle::None || row.read != nullptr || row.type == Stored::Text) continue;
