@@ -60,7 +60,7 @@ class Traffic : public testing::Test {
   }
   // A whole round of every slot after this call, then one of the manager.
   static void Rounds() {
-    ASSERT_EQ(FillTrafficPositions(), 1);
+    WaitUntil("the positions, when no slot thread is reading them", [] { return FillTrafficPositions() == 1; });
     for (uint32_t slot = 0; slot < activeSlots; ++slot) {
       const uint8_t before = slotRounds[slot].load();
       WaitUntil("slot round", [&] {
