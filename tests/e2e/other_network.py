@@ -131,12 +131,12 @@ def flooder():
         requests = written = 0
         for number in range(1, FRAMES + 1):
             # Small frames, and some that are many segments long.
-            sizes = [4] if number % 50 else [4, 3000, 200, 900]
+            sizes = [4] if number % 50 else [4, 0x400, 200, 900] * 20
             data = [number.to_bytes(4, "little").ljust(size, b"\xA5") for size in sizes]
-            clients[index].send(request(*(write_record(0x18000 + 0x1000 * index + 0x400 * i, part[:0x400])
+            clients[index].send(request(*(write_record(0x18000 + 0x1000 * index + 0x400 * (i % 4), part)
                                           for i, part in enumerate(data))))
             requests += 1
-            written += sum(min(size, 0x400) for size in sizes)
+            written += sum(sizes)
         with lock:
             totals["requests"] += requests
             totals["written"] += written
