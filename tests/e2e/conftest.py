@@ -16,6 +16,7 @@ DEADLINE = 60  # seconds; a hang, not a slow machine, reaches it
 
 def pytest_configure(config):
     config.addinivalue_line("markers", "wine: needs the Windows builds and Wine")
+    config.addinivalue_line("markers", "slow: takes half a minute, left out by ./test quick")
 
 
 def wait_for(what, condition, deadline=DEADLINE):

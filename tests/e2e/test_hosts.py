@@ -204,6 +204,7 @@ def test_relay_to_two_client_mode_instances(hosts, place, linux, win32, wine_pre
     sender.quit()
 
 
+@pytest.mark.slow
 def test_a_client_that_vanishes_frees_its_place(hosts, place, linux):
     server, lost, other = hosts(3)
     standin = place(server, linux)

@@ -165,6 +165,7 @@ def counts(standin):
 OFFSETS_FILE = (TOP / "docs" / "TAVRIXOffsets.example.cfg").read_text()
 
 
+@pytest.mark.slow
 @pytest.mark.parametrize("console", [["disable", "enable"], ["reload"], ['press "Reload TAVRIXOffsets.cfg"']],
                          ids=["enable", "reload", "offsets"])
 def test_a_hundred_rounds_leave_nothing(start, build, tmp_path, console):

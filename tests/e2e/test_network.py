@@ -228,6 +228,7 @@ def come_and_go(count):
         client.close()
 
 
+@pytest.mark.slow
 def test_200_connects_leave_nothing_behind(serve, build):
     standin = still(serve, build)
     pid = standin.process.pid

@@ -49,6 +49,7 @@ class Table:
         return [i for i, entry in enumerate(self.entries) if entry[0] != 0]
 
 
+@pytest.mark.slow
 def test_counts_come_and_go(start, build, tmp_path):
     standin = begin(start, build, root=tmp_path / "X-Plane")
     serials = set()
