@@ -16,6 +16,7 @@
 #include "offsets/dispatcher.h"
 #include "offsets/locks.h"
 #include "offsets/memory.h"
+#include "pushback/pushback.h"
 
 namespace rows {
 
@@ -40,6 +41,7 @@ inline void Start(const char* aircraft = "jet", std::initializer_list<const char
 }
 
 inline void Stop() {
+  AbortPushback();  // a row may have started it
   ResetAdapters();
   DeleteLocks();
   sim::SimStop();

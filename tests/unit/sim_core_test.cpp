@@ -429,6 +429,7 @@ void OnMenu(void* menu, void* item) {
 }
 
 TEST_F(SimCore, MenusAndNavigation) {
+  chosen.clear();
   XPLMMenuID plugins = XPLMFindPluginsMenu();
   for (const char* name : {"A", "B"}) {
     int place = XPLMAppendMenuItem(plugins, name, nullptr, 1);
