@@ -14,6 +14,7 @@ struct Writer {
   void (*group)();
   uint32_t width;
   std::vector<uint32_t> offsets;  // whose flags it looks at
+  bool shows;                     // what is taken stands in the memory until the next refresh
   bool due;                       // in this run
 };
 
@@ -62,14 +63,16 @@ void RunWriter(const Writer& writer) {
     return;
   }
   uint8_t bytes[256] = {};
-  EnterLock(&offsetLock);
-  if (pendingFlags.flags[writer.row->offset] == 0) {
-    LeaveLock(&offsetLock);
-    return;
+  {
+    const SimulatorTurn turn;
+    const LockScope lock(&offsetLock);
+    if (pendingFlags.flags[writer.row->offset] == 0) return;
+    pendingFlags.flags[writer.row->offset] = 0;
+    std::memcpy(bytes, pendingValues.bytes + writer.row->offset, writer.width);
+    // A refresh may have put the simulator's former value back meanwhile. A client that writes that very value
+    // next must not find it there, as it is not the simulator's any more.
+    if (writer.shows) std::memcpy(offsetMemory.bytes + writer.row->offset, bytes, writer.width);
   }
-  pendingFlags.flags[writer.row->offset] = 0;
-  std::memcpy(bytes, pendingValues.bytes + writer.row->offset, writer.width);
-  LeaveLock(&offsetLock);
   Apply(*writer.row, bytes, writer.width);
 }
 
@@ -86,10 +89,11 @@ void BuildWriters() {
         if (known != writers.end()) {
           known->offsets.push_back(row.offset);
         } else {
-          writers.push_back({nullptr, row.write.group, 0, {row.offset}, false});
+          writers.push_back({nullptr, row.write.group, 0, {row.offset}, false, false});
         }
       } else if (HasWriter(row)) {
-        writers.push_back({&row, nullptr, WriteWidth(row), {row.offset}, false});
+        writers.push_back(
+            {&row, nullptr, WriteWidth(row), {row.offset}, ActionOf(row) == DispatchAction::Stage, false});
       } else {
         continue;
       }
@@ -101,9 +105,9 @@ void BuildWriters() {
 void RunWriters() {
   // Frames in which no client has written pass here: the mark is raised together with any flag.
   if (anythingPending.load(std::memory_order_relaxed) == 0) return;
-  const SimulatorTurn turn;
   // One look at all flags: the lock is entered again only for those that are up.
   {
+    const SimulatorTurn turn;
     LockScope lock(&offsetLock);
     anythingPending.store(0, std::memory_order_relaxed);
     for (Writer& writer : writers) {

@@ -32,6 +32,7 @@ void Compute(const CustomTables& tables, std::span<CustomRefreshItem> items) {
 // Whatever stands in the memory is replaced: others than clients write there too. Returns 0 when the lock is
 // busy.
 int TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
+  const SimulatorTurn turn;
   if (TryEnterLock(&offsetLock) == 0) return 0;
   // A client may have withdrawn the tables while we computed: its clear must be the last word.
   if (publishedTables.load(std::memory_order_relaxed) == &tables) {
@@ -165,7 +166,6 @@ void RefreshCustomOffsets(int group) {
   const auto batchAt = [&](size_t first) {
     return all.subspan(first, std::min(batchItems, all.size() - first));
   };
-  const SimulatorTurn turn;
   size_t missed = all.size();  // where the first batch stands that found the lock busy
   for (size_t first = 0; first < all.size(); first += batchItems) {
     Compute(*tables, batchAt(first));

@@ -50,6 +50,19 @@ void TellUnreadable(const std::string& path, const std::string& reason) {
          EscapedControls(path).c_str(), reason.c_str());
 }
 
+// Files that an editor has stored in a way that makes no lines for us: they load, as nothing.
+void TellStrangeText(const std::string& path, std::string_view text) {
+  const char* fault = nullptr;
+  if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
+    fault = "it is stored as UTF-16, save it as ANSI or UTF-8 text";
+  } else if (text.find('\r') != std::string_view::npos && text.find('\n') == std::string_view::npos) {
+    fault = "its lines end in carriage returns alone, save it with the line ends of Windows or Unix";
+  }
+  if (fault != nullptr) {
+    LogOwn("TAVRIX->No lines are found in %s: %s\n", EscapedControls(path).c_str(), fault);
+  }
+}
+
 // Returns 1, or 0 when it has told why not.
 int ReadWholeFile(const std::string& path, std::string* text) {
   OpenFailure failure;
@@ -74,7 +87,10 @@ int ReadWholeFile(const std::string& path, std::string* text) {
       return 0;
     }
   }
-  if (std::ferror(file.get()) == 0) return 1;
+  if (std::ferror(file.get()) == 0) {
+    TellStrangeText(path, *text);
+    return 1;
+  }
   TellUnreadable(path, SystemErrorText());
   return 0;
 }

@@ -12,6 +12,9 @@
 
 namespace {
 
+// Of a list that is too long for a log line.
+constexpr size_t mostTold = 5, mostShown = 20, longestWord = 60;
+
 struct AllowedNetwork {
   uint32_t ip, mask;
 };
@@ -59,22 +62,27 @@ void PreparePermissions(const std::string& allowedClients, bool networkWrites) {
   writesAllowed = networkWrites;
   everybody = true;
   std::string_view rest = allowedClients;
+  size_t faults = 0;
   for (;;) {
     rest.remove_prefix(std::min(rest.find_first_not_of(separators), rest.size()));
-    if (rest.empty()) return;
+    if (rest.empty()) break;
     everybody = false;
     const std::string_view word = rest.substr(0, rest.find_first_of(separators));
     rest.remove_prefix(word.size());
     AllowedNetwork network = {};
     if (ParseNetwork(word, &network)) {
       allowed.push_back(network);
-    } else {
+    } else if (++faults <= mostTold) {
       LogOwn(
           "TAVFARNET->\"Allowed clients\" in TAVRIX.ini: %s is neither an address like 192.168.0.10 nor a "
           "network "
           "like 192.168.0.0/24 and lets nobody in; correct it and reload the plug-in\n",
-          EscapedForLog(word).c_str());
+          EscapedForLog(word.substr(0, longestWord)).c_str());
     }
+  }
+  if (faults > mostTold) {
+    LogOwn("TAVFARNET->\"Allowed clients\" in TAVRIX.ini: %u more entries like that\n",
+           static_cast<unsigned>(faults - mostTold));
   }
 }
 
@@ -91,6 +99,9 @@ std::string AllowedClientsText() {
   if (allowed.empty()) return "nobody";
   std::string text;
   for (const AllowedNetwork& network : allowed) {
+    if (&network == &allowed[0] + mostShown) {
+      return text + " and " + std::to_string(allowed.size() - mostShown) + " more";
+    }
     if (!text.empty()) text += ", ";
     text += AddressText(network.ip);
     if (network.mask != UINT32_MAX) text += '/' + std::to_string(PrefixLength(network.mask));

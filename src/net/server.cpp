@@ -41,37 +41,51 @@ Socket listener;  // the simulator's thread until the accept thread runs, then t
 
 enum class Listening { First, Again };
 
-// Opens, binds and listens. Always a new socket: one that was closed cannot be bound again. Returns 1, or 0
-// with the socket closed and the system's error in `error`.
-int SetUpListener(Listening turn, int* error) {
+// How far the listener has come.
+enum class Listener { NoSocket, NotBound, NotListening, Listening };
+
+// Opens, binds and listens. Always a new socket: one that was closed cannot be bound again. In case of failure
+// it is closed and the system's error in `error`.
+Listener TryListener(Listening turn, int* error) {
+  *error = 0;
   if (!OpenSocket(&listener, Transport::Stream)) {
     *error = SocketErrorNumber();
-    LogLine("TAVFARNET->Bind failed\n");
-    return 0;
+    return Listener::NoSocket;
   }
   if (turn == Listening::First) {
     LogLine("TAVFARNET->Receive Socket creation %08X OK\n", static_cast<unsigned>(listener.handle));
   }
-  const char* failure = nullptr;
-  *error = 0;
+  Listener state = Listener::Listening;
   if (serverIp == 0 || !BindSocket(&listener, {serverIp, requestPort}, PortClaim::Renewable)) {
-    *error = serverIp == 0 ? 0 : SocketErrorNumber();
-    failure = "TAVFARNET->Bind failed\n";
-  } else {
-    LogLine("TAVFARNET->Bind OK\n");
-    if (!ListenSocket(&listener, backlog)) {
-      *error = SocketErrorNumber();
-      failure = "TAVFARNET->Listen rec failed\n";
-    }
+    state = Listener::NotBound;
+  } else if (!ListenSocket(&listener, backlog)) {
+    state = Listener::NotListening;
   }
-  if (failure != nullptr) {
-    LogLine("%s", failure);
-    CloseSocket(&listener);
-    return 0;
+  if (state == Listener::Listening) return state;
+  *error = serverIp == 0 ? 0 : SocketErrorNumber();
+  CloseSocket(&listener);
+  return state;
+}
+
+void LogListener(Listener state) {
+  if (state == Listener::NoSocket || state == Listener::NotBound) {
+    LogLine("TAVFARNET->Bind failed\n");
+    return;
+  }
+  LogLine("TAVFARNET->Bind OK\n");
+  if (state == Listener::NotListening) {
+    LogLine("TAVFARNET->Listen rec failed\n");
+    return;
   }
   LogLine("TAVFARNET->Listen OK\n");
   LogLine("TAVFARNET->Socket Thread Init OK\n");
-  return 1;
+}
+
+// Both. Returns 1, or 0 with the error.
+int SetUpListener(Listening turn, int* error) {
+  const Listener state = TryListener(turn, error);
+  LogListener(state);
+  return state == Listener::Listening ? 1 : 0;
 }
 
 // The process has run out of handles, perhaps only for now: a line when it begins, none while it lasts.
@@ -84,21 +98,26 @@ void TellNoResources() {
       "new clients are accepted as soon as there are some\n");
 }
 
-// The table is full: nobody can connect until a client has left. Returns 1 to go on accepting, 0 to end the
-// thread because nobody could connect any more.
-int WaitForFreeSlot(uint32_t count) {
+// The table is full: nobody can connect until a client has left. Then the port may be taken, or no handle be
+// left, for a while: it is tried again and told once.
+void WaitForFreeSlot(uint32_t count) {
   LogLine("%07.3f TAVFARNET->Maximum of clients reached %u\n", static_cast<double>(PublishedRunningTime()),
           count);
   CloseSocket(&listener);
   while (serverRunning.load() != 0 && ConnectedClients() >= maxClients) WaitWaker(&serverWaker, fullPauseMs);
-  if (serverRunning.load() == 0) return 1;
+  if (serverRunning.load() == 0) return;
   int error = 0;
   if (!SetUpListener(Listening::Again, &error)) {
-    LogOwn("%s\n", AdviseOnFailure("TCP", requestPort, error).c_str());
-    return 0;
+    LogOwn("%s; TAVFARNET tries again until it can\n", AdviseOnFailure("TCP", requestPort, error).c_str());
+    Listener state = Listener::NoSocket;
+    while (state != Listener::Listening) {
+      WaitWaker(&serverWaker, fullPauseMs);
+      if (serverRunning.load() == 0) return;
+      state = TryListener(Listening::Again, &error);
+    }
+    LogListener(state);
   }
   LogLine("%07.3f TAVFARNET->Release OK\n", static_cast<double>(PublishedRunningTime()));
-  return 1;
 }
 
 // Sets the mark of the burst thread when it is time to start one. The client list lock is held.
@@ -181,15 +200,14 @@ void AdmitClient(Socket* connection, const SocketAddress& peer) {
   WaitWaker(&serverWaker, acceptedPauseMs);
 }
 
-// Accepts clients until the server stops. Returns 1, or 0 when nobody can be accepted any more though the
-// clients that are connected can be served on.
-int AcceptClients() {
+// Accepts clients until the server stops.
+void AcceptClients() {
   bool announced = false;  // the line about waiting stands: connections that are refused do not repeat it
   while (serverRunning.load() != 0) {
     const uint32_t count = ConnectedClients();
     if (count >= maxClients) {
       announced = false;
-      if (!WaitForFreeSlot(count)) return 0;
+      WaitForFreeSlot(count);
       continue;
     }
     if (!announced) LogNetwork("TAVFARNET->Waiting for clients.....%i\n", static_cast<int>(count));
@@ -217,7 +235,6 @@ int AcceptClients() {
     announced = false;
     AdmitClient(&connection, peer);
   }
-  return 1;
 }
 
 void ShutDownServer() {
@@ -233,7 +250,8 @@ void ShutDownServer() {
 
 uint32_t ServerProcedure(void*) {
   StartAnnouncement();
-  if (AcceptClients()) ShutDownServer();
+  AcceptClients();
+  ShutDownServer();
   return 0;
 }
 
@@ -280,6 +298,8 @@ std::string AdviseOnFailure(const char* transport, uint16_t port, int error) {
              "an address of this computer and reload the plug-in";
     case SocketFault::PortTaken:
       return tried + "the port is taken; close the other program that uses it and reload the plug-in";
+    case SocketFault::NoResources:
+      return tried + SocketErrorText(error) + "; close other programs and plug-ins";
     default:
       return tried + SocketErrorText(error) + "; check \"Server Address\" in TAVRIX.ini and the network";
   }
@@ -333,8 +353,6 @@ void StopNetworkServer() {
   WakeSocket(&serverWaker);
   SleepMilliseconds(stopPauseMs);
   JoinThread(&serverThread);
-  // It ends without this when it could not listen again while clients were still connected.
-  if (clientThreadsRunning.load() != 0) ShutDownServer();
   CloseWaker(&serverWaker);
   LogLine("TAVFARSERVER deinit OK!\n");
   LogLine("TAVFARSERVER Disable !\n");

@@ -9,9 +9,14 @@ void __freeres();  // of the run time's support library, made for memory checker
 
 namespace {
 
-// What is registered first runs last: after the destructors of all objects of the module.
+// Runs after the destructors of all objects of the module.
+#if defined(_WIN32)
+// There the destructors are called in the reverse order of their registration.
 [[gnu::constructor(101)]] void ArrangeEnd() {
   std::atexit([] { __gnu_cxx::__freeres(); });
 }
+#else
+[[gnu::destructor(101)]] void End() { __gnu_cxx::__freeres(); }
+#endif
 
 }  // namespace

@@ -28,7 +28,7 @@ struct SocketWaker {
 enum class Transport { Stream, Datagram };
 
 // What a failed call was about, for the line that tells the user what to do.
-enum class SocketFault { PortTaken, AddressNotHere, Other };
+enum class SocketFault { PortTaken, AddressNotHere, NoResources, Other };
 
 // Starts the system's socket library. Returns 1 or 0.
 int OpenSocketLibrary();

@@ -73,8 +73,9 @@ void Put(LogFile* log, const char* text, size_t length) {
 // worth more; when it cannot be opened again the log ends.
 void BeginAnew(LogFile* log) {
   CloseFile(log);
-  // What else stands under the old one's name (a folder, a pipe) is the user's.
-  const int kept = IsFileOrNothing(log->oldPath) && ReplaceFile(log->path, log->oldPath);
+  // What else stands under either name (a folder, a pipe) is the user's.
+  const int kept =
+      IsFileOrNothing(log->oldPath) && IsFileOrNothing(log->path) && ReplaceFile(log->path, log->oldPath);
   OpenFailure failure;
   if (!Open(log, OpenMode::Empty, &failure)) return;
   char stamp[timeStampSize], line[longestPath + 256];
@@ -123,9 +124,10 @@ int SetPaths(LogFile* log, const char* folder, const char* name) {
 int ReportFailure(const char* what, const std::string& reason, void (*report)(const char* line)) {
   if (!report) return 0;
   try {
-    const std::string line = "TAVRIX->Can't write the log file " + EscapedControls(what) + " (" + reason +
-                             "): make the folder writable for your user and start the simulator again; TAVRIX "
-                             "runs on without log files\n";
+    const std::string line =
+        "TAVRIX->Can't write the log file " + EscapedControls(what) + " (" + reason +
+        "): rename what stands there if it is no plain file, else make it and its folder writable "
+        "for your user, and start the simulator again; TAVRIX runs on without log files\n";
     report(line.c_str());
   } catch (...) {
     report("TAVRIX->Out of memory, no log files\n");

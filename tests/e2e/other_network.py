@@ -58,10 +58,11 @@ class Peer:
         run("ip neigh flush dev here")
 
 
-def begin(build, root, *options):
+def begin(build, root, *options, offsets=""):
     folder = root / "Resources" / "plugins" / "TAVRIX"
     folder.mkdir(parents=True)
     (folder / "TAVRIX.ini").write_text(SETTINGS)
+    (folder / "TAVRIXOffsets.cfg").write_text(offsets)
     standin = Standin(build, root, *options)
     standin.wait_log("TAVFARNET->Waiting for clients.....0")
     return standin
@@ -102,7 +103,9 @@ def listener():
 
 def flood(build, root):
     peer = Peer()
-    standin = begin(build, root)
+    (root.parent / "more").write_text("define test/slot int\n")
+    standin = begin(build, root, "--flight", "none", "--define", str(root.parent / "more"),
+                    offsets="Dataref slot test/slot int\nOffset 66C0 UINT32 0 rw $slot >slot @\n")
     flooder = peer.start("flooder")
     sent = json.loads(flooder.stdout.readline())
 
@@ -117,9 +120,17 @@ def flood(build, root):
     flooder.stdin.flush()
     last = json.loads(flooder.stdout.readline())
     flooder.wait(timeout=20)
+    standin.ask("frames 3")
+    simulator = [standin.number("sim/cockpit/radios/com1_freq_hz"), standin.number("test/slot")]
     standin.quit()
     peer.holder.kill()
-    return {"sent": sent, "last": last, "served": sent}
+    return {"sent": sent, "last": last, "served": sent, "simulator": simulator}
+
+
+def frequency(number):
+    """One of 100 COM frequencies as the offset holds them: 118.00 to 118.99, the last number's is 118.70."""
+    part = (number + 70 - FRAMES) % 100
+    return bytes([part // 10 * 16 + part % 10, 0x18])
 
 
 def flooder():
@@ -137,6 +148,13 @@ def flooder():
                                           for i, part in enumerate(data))))
             requests += 1
             written += sum(sizes)
+            # One of them steers the simulator, too, by an offset of the catalogue; another by the custom slot.
+            if index == 0:
+                clients[index].send(request(write_record(0x034E, frequency(number))))
+            elif index == 1:
+                clients[index].send(request(write_record(0x66C0, number.to_bytes(4, "little"))))
+            if index < 2:
+                requests, written = requests + 1, written + (2, 4)[index]
         with lock:
             totals["requests"] += requests
             totals["written"] += written

@@ -171,6 +171,15 @@ TEST_F(CustomLoad, LogsWhatIsNotFound) {
                 ": line 2 has more than 4095 characters, make it shorter; there are no "
                 "offsets of your own until the file is read again\n");
   EXPECT_EQ(LoadedCustomTables(), nullptr);
+  // An editor's doing: the file loads, as nothing.
+  const std::pair<std::string, const char*> strange[] = {
+      {std::string("\xFF\xFE#\0\n\0", 6), "it is stored as UTF-16, save it as ANSI or UTF-8 text"},
+      {"# one\rOffset 1 UINT8 1 r 1\r", "save it with the line ends of Windows or Unix"},
+  };
+  for (const auto& [text, told] : strange) {
+    custom::Load(text);
+    EXPECT_NE(custom::Log().find(told), std::string::npos) << custom::Log();
+  }
   std::filesystem::remove(path);
   std::filesystem::create_directories(path);
   OpenLogs(custom::Folder().c_str(), nullptr);

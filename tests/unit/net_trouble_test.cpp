@@ -202,6 +202,52 @@ TEST_F(NetTroubleThreads, PiecesOfAFrameMeetWhenTheyComeSoonAndAreNoneWhenTheyDo
   net::Disconnect(&client);
 }
 
+// A client that sends a lot may be held up in the middle of a frame for longer than one that sends a frame in
+// pieces.
+TEST_F(NetTroubleThreads, AStreamThatStallsForAMomentLosesNothing) {
+  Start();
+  Client client;
+  ASSERT_TRUE(net::Connect(&client));
+  Bytes stream;
+  uint32_t frames = 0;
+  for (; stream.size() < 60000; ++frames) {
+    const Bytes frame = net::Request({net::WriteRecord(0x66C0, net::Word32(frames))});
+    stream.insert(stream.end(), frame.begin(), frame.end());
+  }
+  const auto middle = stream.end() - 9;
+  ASSERT_TRUE(net::SendAll(&client, Bytes(stream.begin(), middle)));
+  ASSERT_TRUE(net::WaitUntil([&] { return Counters().requests == frames - 1; }));
+  SleepMilliseconds(150);  // the rule itself is one of time
+  ASSERT_TRUE(net::SendAll(&client, Bytes(middle, stream.end())));
+  EXPECT_TRUE(net::WaitUntil([&] { return Memory(0x66C0, 4) == net::Word32(frames - 1); }));
+  net::Disconnect(&client);
+}
+
+// While the table is full nobody listens, and anything may happen to the port.
+TEST_F(NetTroubleThreads, ListeningAgainIsTriedUntilItWorks) {
+  Start();
+  Client clients[maxClients];
+  for (Client& client : clients) ASSERT_TRUE(net::Connect(&client));
+  ASSERT_TRUE(net::WaitUntil([&] { return LogHas("Maximum of clients reached 8"); })) << Log();
+  Socket other;
+  ASSERT_TRUE(net::WaitUntil([&] {
+    CloseSocket(&other);
+    return OpenSocket(&other, Transport::Stream) && BindSocket(&other, {net::loopback, requestPort}) &&
+           ListenSocket(&other, 1);
+  }));
+  net::Disconnect(&clients[5]);
+  ASSERT_TRUE(net::WaitUntil([&] { return LogHas("the port is taken; close"); })) << Log();
+  EXPECT_FALSE(LogHas("Release OK"));
+  ASSERT_TRUE(net::SendAll(&clients[0], net::Request({net::WriteRecord(0x66C0, {1})})));
+  EXPECT_TRUE(net::WaitUntil([] { return Memory(0x66C0, 1)[0] == 1; }));  // the others are served on
+  CloseSocket(&other);
+  ASSERT_TRUE(net::WaitUntil([&] { return LogHas("Release OK"); })) << Log();
+  ASSERT_TRUE(net::Connect(&clients[5]));
+  EXPECT_FALSE(net::ReceiveType(&clients[5], 6).empty());
+  EXPECT_EQ(CountText(Log(), "TAVFARNET->Bind failed\n"), 1) << Log();
+  for (Client& client : clients) net::Disconnect(&client);
+}
+
 #ifndef _WIN32
 TEST_F(NetTroubleThreads, RunningOutOfHandlesIsWaitedOut) {
   Start();
@@ -268,6 +314,19 @@ TEST(Permissions, AddressesAndNetworksByCommas) {
     EXPECT_EQ(AllowedClientsText(), test.shown) << test.allowed;
   }
   PreparePermissions("", true);
+}
+
+TEST_F(NetTroubleThreads, AListOfAnyLengthMakesShortLines) {
+  std::string words, networks;
+  for (int i = 0; i < 5000; ++i) {
+    words += std::string(200, 'x') + ',';
+    networks += "10.0." + std::to_string(i / 250) + '.' + std::to_string(i % 250) + ' ';
+  }
+  PreparePermissions(words, true);
+  EXPECT_LT(Log().size(), 3000u);
+  EXPECT_TRUE(LogHas("4995 more entries"));
+  PreparePermissions(networks, true);
+  EXPECT_TRUE(AllowedClientsText().ends_with(", 10.0.0.19 and 4980 more")) << AllowedClientsText();
 }
 
 TEST_F(NetTroubleThreads, WhoIsNotAllowedIsTurnedAwayWithOneLine) {

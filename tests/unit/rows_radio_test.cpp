@@ -587,6 +587,33 @@ TEST_F(RadioRows, SituationFilesStayBelowTheSimulatorsFolder) {
   std::filesystem::remove_all(folder);
 }
 
+// A refresh between a client's write and the frame that applies it leaves the simulator's former value in the
+// memory, for a slow row until seconds later. Writing that value is a change all the same: the simulator has
+// another one.
+TEST_F(RadioRows, AFormerValueIsWrittenAfterARefreshCameBetween) {
+  const struct {
+    uint32_t offset;
+    uint16_t value;
+  } cases[] = {{0x07CC, 0x4000}, {0x034E, 0x1930}, {0x0354, 0x1234}};
+  for (const auto& test : cases) {
+    const auto refresh = [] {
+      for (int cycle = 1; cycle < static_cast<int>(Cycle::Count); ++cycle)
+        rows::Refresh(static_cast<Cycle>(cycle));
+    };
+    refresh();
+    const auto before = rows::Read<uint16_t>(test.offset);
+    ASSERT_NE(before, test.value);
+    rows::Write<uint16_t>(test.offset, test.value);
+    refresh();
+    ASSERT_EQ(rows::Read<uint16_t>(test.offset), before);
+    RunWriters();
+    rows::Write<uint16_t>(test.offset, before);
+    RunWriters();
+    refresh();
+    EXPECT_NEAR(rows::Read<uint16_t>(test.offset), before, 8) << std::hex << test.offset;
+  }
+}
+
 TEST_F(RadioRows, ContactAtcIsHeldInPairs) {
   const std::string begin = "begin sim/operation/contact_atc", end = "end sim/operation/contact_atc";
   for (const auto& [value, calls] :

@@ -273,6 +273,11 @@ SocketFault ClassifySocketError(int number) {
       return SocketFault::PortTaken;
     case EADDRNOTAVAIL:
       return SocketFault::AddressNotHere;
+    case EMFILE:
+    case ENFILE:
+    case ENOBUFS:
+    case ENOMEM:
+      return SocketFault::NoResources;
     default:
       return SocketFault::Other;
   }

@@ -292,6 +292,10 @@ SocketFault ClassifySocketError(int number) {
       return SocketFault::PortTaken;
     case WSAEADDRNOTAVAIL:
       return SocketFault::AddressNotHere;
+    case WSAEMFILE:
+    case WSAENOBUFS:
+    case WSA_NOT_ENOUGH_MEMORY:
+      return SocketFault::NoResources;
     default:
       return SocketFault::Other;
   }
