@@ -188,8 +188,10 @@ void AdmitClient(Socket* connection, const SocketAddress& peer) {
     case SessionStart::NoHandle:
       GiveUpSlot(slot);
       TellNoResources();
+      WaitWaker(&serverWaker, noResourcesPauseMs);
       return;
     case SessionStart::Done:
+      shortOfResources = false;
       break;
   }
   LogNetwork("TAVFARNET->Client Creating thread No. %u to client %s OK\n", count, AddressText(peer.ip).c_str());
@@ -225,7 +227,6 @@ void AcceptClients() {
       serverRunning = 0;
       break;
     }
-    shortOfResources = false;
     if (!IsClientAllowed(peer.ip)) {
       CloseSocket(&connection);
       LogRefusal(Refusal::Client, peer.ip);

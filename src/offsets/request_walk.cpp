@@ -72,6 +72,12 @@ void RefuseUnknown(uint8_t* record, PathSource source) {
   std::memcpy(record, &none, sizeof none);
 }
 
+// Long lists, and short ones in a row, give way between their records, the end being one of them: a thread that
+// is interrupted while it holds the lock keeps the simulator's thread waiting until it gets a processor again.
+void GiveWayAtTimes(RequestScratch* scratch) {
+  if (++scratch->served % recordsAtOnce == 0) GiveWay();
+}
+
 int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
                 RequestMarks* marks, size_t* position) {
   size_t& at = *position;
@@ -82,6 +88,7 @@ int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request
     const uint32_t type = FetchWord(block + at);
     if (type == recordEnd) {
       at += sizeof type;
+      GiveWayAtTimes(scratch);
       return 1;
     }
     if (type != recordRead && type != recordWrite) {
@@ -101,9 +108,7 @@ int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request
       ServeWrite(record, data, source, request, scratch, marks);
     }
     at += headerSize + record.size;
-    // A long list gives way between its records: a thread that is interrupted while it holds the lock keeps the
-    // simulator's thread waiting until it gets a processor again.
-    if (++scratch->served % recordsAtOnce == 0) GiveWay();
+    GiveWayAtTimes(scratch);
   }
 }
 

@@ -24,7 +24,7 @@ struct RequestScratch {
   // whoever tells of them sets it back.
   bool refusesWrites = false;
   uint32_t refusedWrites = 0;
-  uint32_t served = 0;                         // records, of all requests
+  uint32_t served = 0;                         // records, ends included, of all requests
   const std::atomic<uint32_t>* run = nullptr;  // the thread's run flag; null: requests are always served out
 };
 

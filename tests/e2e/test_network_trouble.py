@@ -3,6 +3,7 @@ servers that are silent, clients that never pause."""
 import json
 import os
 import socket
+import struct
 import subprocess
 import sys
 import time
@@ -92,6 +93,26 @@ def test_a_silent_name_server_holds_nobody_up(start, build, silent_resolver, tmp
     assert standin.quit(expect=None) < 2 * IN_TIME
     breaches = [line for line in standin.errors if "breach" in line]
     assert breaches and all("stays in memory" in line for line in breaches), standin.errors
+
+
+def test_clients_that_vanish_before_they_are_accepted(start, build, tmp_path):
+    root = tmp_path / "X-Plane"
+    folder = root / "Resources" / "plugins" / "TAVRIX"
+    folder.mkdir(parents=True)
+    (folder / "TAVRIX.ini").write_text(SETTINGS)
+    standin = start(build, root=root)
+    standin.wait_log("TAVFARNET->Waiting for clients.....0")
+    # The pause after an acceptance lets some of them be gone when their turn comes.
+    for _ in range(30):
+        try:
+            with socket.create_connection(("127.0.0.1", 65000), timeout=3) as passing:
+                passing.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))  # closing resets
+        except TimeoutError:
+            pass
+    client = Client("127.0.0.1").complete()
+    assert "accept failed" not in standin.log()
+    client.close()
+    standin.quit()
 
 
 def test_refusals_stand_in_the_log(start, linux, tmp_path):

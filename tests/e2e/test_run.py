@@ -70,6 +70,12 @@ def test_another_simulator_runs(run):
     assert "does another simulator run?" in terminal.text and "port 65000: the port is taken" in terminal.text
 
 
+def test_no_place_for_temporary_files(run, tmp_path):
+    terminal = run("--native", "--seconds", "1", env={"TMPDIR": str(tmp_path / "missing")})
+    assert terminal.wait() == 1
+    assert "Building" not in terminal.text  # else its files would lie in the root folder
+
+
 @pytest.mark.parametrize("words", [("--seconds",), ("--seconds", "0"), ("--seconds", "1e9"), ("--seconds", "1000000"),
                                    ("--seconds", "-5"), ("--fast",)])
 def test_wrong_words(run, words):

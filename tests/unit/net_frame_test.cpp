@@ -81,6 +81,16 @@ TEST_F(NetFrame, AnEmptyListCountsARequestAndAnEmptyPayloadIsNone) {
   EXPECT_EQ(Requests(), 2u);  // counted, but without an end: the frame behind it is dropped
 }
 
+// Short lists in a row must not keep the lock to themselves: each takes it, so each counts for giving way.
+TEST_F(NetFrame, EmptyListsGiveWayLikeRecords) {
+  const uint32_t before = scratch.served;
+  Bytes row;
+  for (int i = 0; i < 100; ++i) row = Join({row, net::Request({})});
+  Serve(row);
+  EXPECT_EQ(Requests(), 100u);
+  EXPECT_GE(scratch.served - before, 100u);
+}
+
 // The next frame is looked for behind the list's own end, wherever the payload ends.
 TEST_F(NetFrame, TheListsEndDecidesWhereTheNextFrameBegins) {
   const Bytes second = net::Request({WriteRecord(0x66C0, {5})});

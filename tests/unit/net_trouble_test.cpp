@@ -249,18 +249,23 @@ TEST_F(NetTroubleThreads, ListeningAgainIsTriedUntilItWorks) {
 }
 
 #ifndef _WIN32
+// Everything that connecting needs handles for.
+int Prepare(Client* client) {
+  *client = {};
+  return CreateWaker(&client->waker) && OpenSocket(&client->tcp, Transport::Stream) &&
+                 BindSocket(&client->tcp, {net::loopback, 0}) &&
+                 OpenSocket(&client->udp, Transport::Datagram) &&
+                 BindSocket(&client->udp, {net::loopback, net::LocalPort(client->tcp)})
+             ? 1
+             : 0;
+}
+
 TEST_F(NetTroubleThreads, RunningOutOfHandlesIsWaitedOut) {
   Start();
   Client first, second;
   ASSERT_TRUE(net::Connect(&first));
   ASSERT_FALSE(net::ReceiveType(&first, 6).empty());
-  for (Client* client : {&second}) {
-    *client = {};
-    ASSERT_TRUE(CreateWaker(&client->waker));
-    ASSERT_TRUE(OpenSocket(&client->tcp, Transport::Stream) && BindSocket(&client->tcp, {net::loopback, 0}));
-    ASSERT_TRUE(OpenSocket(&client->udp, Transport::Datagram));
-    ASSERT_TRUE(BindSocket(&client->udp, {net::loopback, net::LocalPort(client->tcp)}));
-  }
+  ASSERT_TRUE(Prepare(&second));
   rlimit limit{};
   getrlimit(RLIMIT_NOFILE, &limit);
   std::vector<int> spare;  // fills the gaps below the limit
@@ -281,6 +286,41 @@ TEST_F(NetTroubleThreads, RunningOutOfHandlesIsWaitedOut) {
   EXPECT_EQ(CountText(Log(), "accept failed"), 0);
   net::Disconnect(&first);
   net::Disconnect(&second);
+}
+
+// One handle is left: a connection can be accepted, but not served. However often somebody tries, one line.
+TEST_F(NetTroubleThreads, AcceptedButWithoutHandlesToServe) {
+  Start();
+  Client first, others[3];
+  ASSERT_TRUE(net::Connect(&first));
+  ASSERT_FALSE(net::ReceiveType(&first, 6).empty());
+  for (Client& other : others) ASSERT_TRUE(Prepare(&other));
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  std::vector<int> spare;
+  const int lowest = dup(0);
+  const rlimit few = {static_cast<rlim_t>(lowest) + 2, limit.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+  for (int fd = dup(0); fd >= 0; fd = dup(0)) spare.push_back(fd);
+  close(lowest);
+  int turnedAway = 0;
+  for (Client& other : others) {
+    uint8_t byte;
+    if (net::ConnectTo(&other, {net::loopback, requestPort}) &&
+        ReceiveSocket(&other.tcp, &other.waker, 10000, &byte, 1) == 0)
+      ++turnedAway;
+  }
+  setrlimit(RLIMIT_NOFILE, &limit);
+  for (const int fd : spare) close(fd);
+  EXPECT_EQ(turnedAway, 3);
+  EXPECT_EQ(CountText(Log(), "no handles or memory left"), 1) << Log();
+  Client last;
+  EXPECT_TRUE(net::Connect(&last));
+  EXPECT_FALSE(net::ReceiveType(&last, 6).empty());
+  EXPECT_FALSE(IsShortOfResources());
+  for (Client& other : others) net::Disconnect(&other);
+  net::Disconnect(&first);
+  net::Disconnect(&last);
 }
 #endif
 

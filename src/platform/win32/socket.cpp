@@ -169,6 +169,7 @@ int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketA
       case WSAEINTR:
       case WSAECONNRESET:
       case WSAECONNABORTED:
+      case WSAENOTCONN:  // reset already: it has no peer to name any more
         break;
       case WSAEMFILE:
       case WSAENOBUFS:
