@@ -74,16 +74,20 @@ start_display() {
 prepare_wine() {
   export WINEPREFIX="${WINEPREFIX:-$PWD/build/wine}" WINEDEBUG="${WINEDEBUG:--all}" WINEDLLOVERRIDES="mscoree,mshtml="
   mkdir -p "$(dirname "$WINEPREFIX")"
+  # Held by all who use the prefix: only the last of them ends its server.
+  exec 8>"$WINEPREFIX.lock" && flock -s 8
+  [ -e "$WINEPREFIX/system.reg" ] || flock -x 8  # made by one at a time
   if [ ! -e "$WINEPREFIX/system.reg" ]; then
     echo "Preparing Wine (once, about half a minute) ..."
     wineboot -i >/dev/null 2>&1
     wineserver -w
   fi
+  flock -s 8
 }
 
-# Ends the Wine processes of our prefix and the display; nothing else.
+# Ends the Wine processes of our prefix, unless another ./run or ./test uses it too, and the display; nothing else.
 stop_wine_and_display() {
-  if [ -n "${WINEPREFIX:-}" ] && [ -d "${WINEPREFIX}" ]; then
+  if [ -n "${WINEPREFIX:-}" ] && [ -d "${WINEPREFIX}" ] && flock -n -x 8 2>/dev/null; then
     wineserver -k >/dev/null 2>&1
   fi
   [ -n "$display_pid" ] && kill "$display_pid" 2>/dev/null && wait "$display_pid" 2>/dev/null

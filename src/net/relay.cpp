@@ -82,7 +82,7 @@ void Receive() {
   if (!IsClientAllowed(from.ip)) return LogRefusal(Refusal::Client, from.ip);
   if (!AreNetworkWritesAllowed()) return LogRefusal(Refusal::Write, from.ip);
   record[relayForwardAt] = 0;  // or two instances would pass it to and fro for ever
-  LockScope lock(&offsetLock);
+  const ServerLockScope lock;
   std::memcpy(relayRecordStore.bytes, record, relayRecordSize);
   relayRecordStore.waiting = 1;
 }

@@ -122,7 +122,7 @@ void WaitForFreeSlot(uint32_t count) {
 
 // Sets the mark of the burst thread when it is time to start one. The client list lock is held.
 bool TakeBurstMark() {
-  if (CountClients() != 0 || burstRunning.load() != 0) return false;
+  if (burstRunning.load() != 0) return false;
   burstRunning = 1;
   return true;
 }

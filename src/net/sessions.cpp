@@ -15,9 +15,10 @@ namespace {
 constexpr size_t receiveSize = 65535;
 constexpr int closedPauseMs = 10;
 constexpr int splitFrameMs = 50;
-constexpr int streamingMs = 500;
+constexpr int patientMs = 500;
 constexpr int longPauseMs = 1000;
 constexpr size_t streamingBytes = 32768;
+constexpr size_t segmentBytes = 1400;
 
 // One for each slot of the client table. The thread owns the socket from its start to its end; the accept
 // thread fills the record before and joins the thread after.
@@ -49,14 +50,17 @@ void MarkOffsets(const ReceivedFrame& frame) {
   }
 }
 
-// How long the rest of a frame may take. A client that sends without a pause may be held up for a while by a
-// busy computer, its own or ours, and must not lose a frame by that.
+// How long the rest of a frame may take. A client that sends a lot without a pause may be held up for a while
+// by a busy computer, its own or ours, and a frame of several segments by the way that each of them takes:
+// neither must lose a frame by that.
 struct Stream {
   int64_t lastReceive;  // monotonic, ms
   size_t bytes;         // so many have come without a long pause
 };
 
-int PatienceOf(const Stream& stream) { return stream.bytes < streamingBytes ? splitFrameMs : streamingMs; }
+int PatienceOf(const Stream& stream, size_t kept) {
+  return stream.bytes >= streamingBytes || kept >= segmentBytes ? patientMs : splitFrameMs;
+}
 
 void Note(Stream* stream, size_t received) {
   const int64_t now = MonotonicNanoseconds() / 1000000;
@@ -72,8 +76,9 @@ void ServeClient(Session* session) {
   Stream stream = {};
   size_t kept = 0;
   while (clientThreadsRunning.load() != 0) {
-    const int received = ReceiveSocket(&session->socket, &session->waker, kept == 0 ? -1 : PatienceOf(stream),
-                                       session->buffer + kept, receiveSize - kept);
+    const int received =
+        ReceiveSocket(&session->socket, &session->waker, kept == 0 ? -1 : PatienceOf(stream, kept),
+                      session->buffer + kept, receiveSize - kept);
     if (received <= 0 && received != receiveTimedOut) return;
     size_t whole = kept;
     if (received > 0) {
