@@ -8,9 +8,9 @@
 #include <iterator>
 #include <string>
 
+#include "base/log.h"
 #include "custom/custom.h"
 #include "row_harness.h"
-#include "shell/log.h"
 
 namespace custom {
 

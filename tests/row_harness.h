@@ -9,12 +9,12 @@
 #include <string>
 
 #include "aircraft/adapters.h"
+#include "base/locks.h"
 #include "bridge/catalogue.h"
 #include "bridge/cycles.h"
 #include "bridge/registry.h"
 #include "core/sim.h"
 #include "offsets/dispatcher.h"
-#include "offsets/locks.h"
 #include "offsets/memory.h"
 #include "pushback/pushback.h"
 

@@ -5,9 +5,9 @@
 
 #include "XPLMPlugin.h"
 #include "aircraft/adapters_table.h"
+#include "base/log.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/identity.h"
-#include "shell/log.h"
 
 AdapterState adapters;
 B738Commands b738Commands;

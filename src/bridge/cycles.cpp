@@ -1,6 +1,7 @@
 #include "bridge/cycles.h"
 
 #include "aircraft/adapters.h"
+#include "base/log.h"
 #include "bridge/reader_groups.h"
 #include "bridge/slew.h"
 #include "bridge/stations.h"
@@ -10,12 +11,11 @@
 #include "custom/custom.h"
 #include "net/relay.h"
 #include "offsets/dispatcher.h"
+#include "panels/panels.h"
 #include "platform/clock.h"
 #include "pushback/pushback.h"
 #include "settings/settings.h"
-#include "shell/log.h"
 #include "traffic/traffic.h"
-#include "windows/windows.h"
 
 int crashCountdown = -1;
 int navigationPending;

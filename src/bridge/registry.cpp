@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <iterator>
 
-#include "shell/log.h"
+#include "base/log.h"
 
 XPLMDataRef DataRefMemBlock[offsetMemorySize];
 XPLMDataRef AuxDataRefMemBlock[offsetMemorySize];

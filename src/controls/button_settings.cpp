@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "base/log.h"
 #include "bridge/registry.h"
 #include "settings/settings.h"
 #include "settings/settings_text.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/log.h"
 #include "bridge/registry.h"
 #include "controls/button_settings.h"
 #include "offsets/dispatcher.h"
@@ -13,7 +14,6 @@
 #include "platform/event.h"
 #include "platform/system.h"
 #include "platform/thread.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -8,6 +8,8 @@
 
 #include "XPLMDataAccess.h"
 #include "XPLMUtilities.h"
+#include "base/folders.h"
+#include "base/log.h"
 #include "custom/custom.h"
 #include "custom/custom_parser.h"
 #include "custom/custom_state.h"
@@ -15,8 +17,6 @@
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/system.h"
-#include "shell/folders.h"
-#include "shell/log.h"
 
 CustomTables* loadedTables;
 std::atomic<const CustomTables*> publishedTables;

@@ -2,12 +2,12 @@
 // of changes from then on. It lives while at least one client is connected.
 #include <cstring>
 
+#include "base/log.h"
 #include "net/change_scan.h"
 #include "net/frame.h"
 #include "net/server.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
-#include "shell/log.h"
 
 namespace {
 

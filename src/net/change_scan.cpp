@@ -7,8 +7,8 @@
 
 #include <cstring>
 
+#include "base/log.h"
 #include "offsets/memory.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/log.h"
+#include "base/log_quiet.h"
 #include "net/address.h"
 #include "platform/lock.h"
-#include "shell/log.h"
-#include "shell/log_quiet.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 #include <string>
 
 #include "XPLMDataAccess.h"
+#include "base/locks.h"
 #include "net/address.h"
 #include "net/frame.h"
 #include "net/permissions.h"
 #include "net/server.h"
-#include "offsets/locks.h"
 #include "platform/clock.h"
 
 namespace {

@@ -6,14 +6,14 @@
 #include <cstring>
 #include <string>
 
+#include "base/log.h"
+#include "base/log_format.h"
 #include "net/address.h"
 #include "net/change_scan.h"
 #include "net/net.h"
 #include "net/permissions.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
-#include "shell/log.h"
-#include "shell/log_format.h"
 
 char networkStatusText[32];
 char networkAlertText[200];

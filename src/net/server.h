@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <string>
 
+#include "base/log.h"
 #include "net/client_table.h"
 #include "offsets/request_walk.h"
 #include "platform/socket.h"
 #include "platform/thread.h"
-#include "shell/log.h"
 
 constexpr uint16_t requestPort = 65000;
 constexpr uint16_t burstPort = 65100;

@@ -3,12 +3,12 @@
 #include <atomic>
 #include <cstring>
 
+#include "base/log.h"
 #include "net/frame.h"
 #include "net/permissions.h"
 #include "net/server.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "offsets/locks.h"
+#include "base/locks.h"
 #include "platform/system.h"
 
 constexpr uint32_t offsetMemorySize = 0x20000;

@@ -1,9 +1,9 @@
 #include "offsets/request_walk.h"
 
+#include "base/log.h"
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "platform/clock.h"
-#include "shell/log.h"
 
 namespace {
 

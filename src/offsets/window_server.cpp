@@ -9,12 +9,12 @@
 #include <iterator>
 #include <string>
 
+#include "base/log.h"
 #include "offsets/request_walk.h"
 #include "platform/clock.h"
 #include "platform/event.h"
 #include "platform/system.h"
 #include "platform/thread.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -10,10 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/log.h"
+#include "base/version.h"
 #include "platform/system.h"
 #include "settings/settings_text.h"
-#include "shell/log.h"
-#include "shell/version.h"
 
 Settings settings;
 

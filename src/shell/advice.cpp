@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/log.h"
 #include "net/address.h"
 #include "platform/addresses.h"
-#include "shell/log.h"
 
 namespace {
 

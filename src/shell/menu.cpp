@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "XPLMMenus.h"
-#include "windows/windows.h"
+#include "panels/panels.h"
 
 namespace {
 

@@ -4,14 +4,14 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/log.h"
+#include "base/log_quiet.h"
+#include "base/version.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/socket.h"
 #include "platform/system.h"
 #include "platform/thread.h"
-#include "shell/log.h"
-#include "shell/log_quiet.h"
-#include "shell/version.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "XPLMPlanes.h"
-#include "offsets/locks.h"
+#include "base/locks.h"
 #include "platform/clock.h"
 #include "platform/event.h"
 #include "platform/lock.h"

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/log.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/event.h"
-#include "shell/log.h"
 #include "traffic/traffic.h"
 #include "traffic/traffic_state.h"
 

@@ -2,9 +2,9 @@
 #include <cmath>
 #include <cstdint>
 
+#include "base/locks.h"
 #include "bridge/catalogue.h"
 #include "bridge/sources.h"
-#include "offsets/locks.h"
 #include "traffic/traffic.h"
 #include "traffic/traffic_state.h"
 

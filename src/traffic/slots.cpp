@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "base/log.h"
 #include "offsets/memory.h"
-#include "shell/log.h"
 #include "traffic/traffic_state.h"
 
 Slot slots[maxSlots];

@@ -9,9 +9,9 @@
 
 #include "XPLMPlugin.h"
 #include "aircraft/adapter_slots.h"
+#include "base/log.h"
 #include "bridge/catalogue/identity.h"
 #include "row_harness.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <iterator>
 
+#include "base/log.h"
 #include "core/sim.h"
 #include "net/address.h"
 #include "offsets/dispatcher.h"
@@ -19,7 +20,6 @@
 #include "settings/settings.h"
 #include "shell/advice.h"
 #include "shell/lifecycle.h"
-#include "shell/log.h"
 #if !defined(_WIN32)
 #include <sys/stat.h>
 #include <unistd.h>

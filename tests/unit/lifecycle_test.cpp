@@ -10,12 +10,12 @@
 #include <utility>
 
 #include "XPLMPlugin.h"
+#include "base/log.h"
 #include "bridge/catalogue/throttle_actions.h"
 #include "bridge/weather_area.h"
 #include "custom/custom.h"
+#include "panels/panels.h"
 #include "row_harness.h"
-#include "shell/log.h"
-#include "windows/windows.h"
 
 namespace {
 

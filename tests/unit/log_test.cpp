@@ -1,5 +1,5 @@
 // Main log and trace log: format of the lines, reopening, failure of the folder, use by several threads.
-#include "shell/log.h"
+#include "base/log.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "offsets/locks.h"
+#include "base/locks.h"
 #include "platform/system.h"
 #include "platform/thread.h"
 

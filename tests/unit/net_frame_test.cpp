@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <random>
 
+#include "base/log.h"
 #include "bridge/registry.h"
 #include "net/address.h"
 #include "net/change_scan.h"
@@ -9,7 +10,6 @@
 #include "net/server.h"
 #include "net_harness.h"
 #include "offsets/dispatcher.h"
-#include "shell/log.h"
 
 namespace {
 

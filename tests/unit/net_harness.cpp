@@ -13,12 +13,12 @@
 #include <fstream>
 #include <iterator>
 
+#include "base/locks.h"
+#include "base/log.h"
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
-#include "offsets/locks.h"
 #include "platform/clock.h"
 #include "platform/system.h"
-#include "shell/log.h"
 
 namespace net {
 

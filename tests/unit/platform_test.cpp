@@ -6,7 +6,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "offsets/locks.h"
+#include "base/locks.h"
 #include "platform/clock.h"
 #include "platform/event.h"
 #include "platform/lock.h"

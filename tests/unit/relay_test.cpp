@@ -5,11 +5,11 @@
 #include <cstring>
 #include <limits>
 
+#include "base/locks.h"
 #include "core/sim.h"
 #include "net/net.h"
 #include "net/permissions.h"
 #include "net_harness.h"
-#include "offsets/locks.h"
 #include "platform/clock.h"
 #include "platform/system.h"
 

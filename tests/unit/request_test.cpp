@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "base/log.h"
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "offsets/request_walk.h"
 #include "row_harness.h"
-#include "shell/log.h"
 
 namespace {
 

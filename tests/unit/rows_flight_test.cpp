@@ -9,10 +9,10 @@
 #include <set>
 #include <sstream>
 
+#include "base/log.h"
 #include "bridge/catalogue/reposition.h"
 #include "bridge/slew.h"
 #include "row_harness.h"
-#include "shell/log.h"
 
 namespace {
 

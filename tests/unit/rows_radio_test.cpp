@@ -9,11 +9,11 @@
 #include <iterator>
 #include <utility>
 
+#include "base/log.h"
 #include "bridge/catalogue/misc_actions.h"
 #include "bridge/stations.h"
 #include "bridge/weather_area.h"
 #include "row_harness.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 #include <iterator>
 #include <string>
 
+#include "base/log.h"
 #include "platform/clock.h"
 #include "platform/system.h"
 #include "settings/settings_text.h"
-#include "shell/log.h"
 
 namespace {
 

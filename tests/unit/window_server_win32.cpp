@@ -8,11 +8,11 @@
 #include <fstream>
 #include <iterator>
 
+#include "base/locks.h"
+#include "base/log.h"
 #include "clients/client_block.h"
-#include "offsets/locks.h"
 #include "offsets/window_server.h"
 #include "platform/clock.h"
-#include "shell/log.h"
 
 namespace {
 

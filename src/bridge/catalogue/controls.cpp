@@ -7,11 +7,11 @@
 #include "XPLMUtilities.h"
 #include "aircraft/adapter_commands.h"
 #include "aircraft/adapter_slots.h"
+#include "base/log.h"
 #include "bridge/aircraft_state.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
 #include "bridge/slew.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "XPLMUtilities.h"
+#include "base/log.h"
 #include "bridge/catalogue.h"
 #include "platform/clock.h"
-#include "shell/log.h"
 
 namespace {
 

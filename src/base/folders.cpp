@@ -1,4 +1,4 @@
-#include "shell/folders.h"
+#include "base/folders.h"
 
 #include "XPLMUtilities.h"
 #include "platform/system.h"

@@ -1,4 +1,4 @@
-#include "shell/log.h"
+#include "base/log.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -6,12 +6,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "offsets/locks.h"
+#include "base/locks.h"
+#include "base/log_format.h"
+#include "base/version.h"
 #include "platform/clock.h"
 #include "platform/lock.h"
 #include "platform/system.h"
-#include "shell/log_format.h"
-#include "shell/version.h"
 
 std::atomic<uint32_t> readTrace;
 std::atomic<uint32_t> writeTrace;

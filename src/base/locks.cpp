@@ -1,4 +1,4 @@
-#include "offsets/locks.h"
+#include "base/locks.h"
 
 #include "platform/clock.h"
 

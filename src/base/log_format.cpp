@@ -1,7 +1,7 @@
 // The C library prints the decimal separator of the locale, which belongs to the process: any plug-in may
 // set it. Lines without floating-point numbers go through vsnprintf as a whole; the others piece by piece,
 // so that the separator can be put right within the numbers alone.
-#include "shell/log_format.h"
+#include "base/log_format.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -5,7 +5,7 @@
 #include "XPLMDisplay.h"
 #include "XPStandardWidgets.h"
 #include "XPWidgets.h"
-#include "windows/windows.h"
+#include "panels/panels.h"
 
 namespace {
 

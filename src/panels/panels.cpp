@@ -1,4 +1,4 @@
-#include "windows/windows.h"
+#include "panels/panels.h"
 
 #include <cstdio>
 #include <string>
@@ -6,13 +6,13 @@
 #include "XPLMDisplay.h"
 #include "XPStandardWidgets.h"
 #include "XPWidgets.h"
+#include "base/log.h"
 #include "bridge/cycles.h"
 #include "controls/buttons.h"
 #include "custom/custom.h"
 #include "net/net.h"
 #include "offsets/memory.h"
 #include "shell/lifecycle.h"
-#include "shell/log.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "shell/log_quiet.h"
+#include "base/log_quiet.h"
 
 #include "platform/clock.h"
 
