@@ -5,62 +5,8 @@
 
 #include "bridge/catalogue.h"
 
-namespace {
-
-// The accessor that fits a dataref whose publisher does not state its type.
-Accessor FittingAccessor(XPLMDataRef handle) {
-  const XPLMDataTypeID types = XPLMGetDataRefTypes(handle);
-  if ((types & xplmType_Double) != 0) return Accessor::Double;
-  if ((types & xplmType_Float) != 0) return Accessor::Float;
-  if ((types & xplmType_Int) != 0) return Accessor::Int;
-  if ((types & xplmType_FloatArray) != 0) return Accessor::FloatArray;
-  if ((types & xplmType_IntArray) != 0) return Accessor::IntArray;
-  return Accessor::None;
-}
-
-int Saturated(double value) {
-  constexpr double low = std::numeric_limits<int>::min();
-  constexpr double high = std::numeric_limits<int>::max();
-  return value <= low    ? std::numeric_limits<int>::min()
-         : value >= high ? std::numeric_limits<int>::max()
-                         : static_cast<int>(value);
-}
-
-}  // namespace
-
-double ReadFitting(XPLMDataRef handle, int element) {
-  const Accessor fitting = FittingAccessor(handle);
-  return fitting == Accessor::None ? 0 : ReadNumber(handle, fitting, element);
-}
-
 void SetSource(const Source& source, double value) {
-  XPLMDataRef handle = HandleOf(source);
-  if (handle == nullptr || !std::isfinite(value)) return;
-  const Accessor accessor = source.accessor == Accessor::Any ? FittingAccessor(handle) : source.accessor;
-  switch (accessor) {
-    case Accessor::Float:
-      XPLMSetDataf(handle, static_cast<float>(value));
-      break;
-    case Accessor::Int:
-      XPLMSetDatai(handle, Saturated(value));
-      break;
-    case Accessor::Double:
-      XPLMSetDatad(handle, value);
-      break;
-    case Accessor::FloatArray: {
-      float single = static_cast<float>(value);
-      XPLMSetDatavf(handle, &single, source.element, 1);
-      break;
-    }
-    case Accessor::IntArray: {
-      int single = Saturated(value);
-      XPLMSetDatavi(handle, &single, source.element, 1);
-      break;
-    }
-    case Accessor::Any:
-    case Accessor::None:
-      break;
-  }
+  if (std::isfinite(value)) WriteNumber(HandleOf(source), source.accessor, source.element, value);
 }
 
 int ReadText(Block block, uint32_t index, char* text, int size) {

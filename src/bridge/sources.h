@@ -5,10 +5,8 @@
 #pragma once
 #include <cstdint>
 
+#include "bridge/dataref_codec.h"
 #include "bridge/registry.h"
-
-// Any asks the simulator for the type at every read: for add-ons whose publisher does not state it.
-enum class Accessor : uint8_t { None, Int, Float, Double, IntArray, FloatArray, Any };
 
 // One number in the simulator: where the handle stands and how it is read. `element` counts from 0 and
 // matters for the array accessors only.
@@ -45,36 +43,6 @@ inline XPLMDataRef HandleOf(const Source& source) {
                                             : nullptr;
 }
 
-// Accessor::Any: reads with the accessor that the simulator says fits. The handle is not null.
-double ReadFitting(XPLMDataRef handle, int element);
-// The number as the simulator has it; 0 for a null handle or an element beyond the dataref's end. Inline,
-// because nearly all sources are constants: the call that is left then is the simulator's.
-inline double ReadNumber(XPLMDataRef handle, Accessor accessor, int element) {
-  if (handle == nullptr) return 0;
-  switch (accessor) {
-    case Accessor::Float:
-      return static_cast<double>(XPLMGetDataf(handle));
-    case Accessor::Int:
-      return XPLMGetDatai(handle);
-    case Accessor::Double:
-      return XPLMGetDatad(handle);
-    case Accessor::FloatArray: {
-      float value = 0;
-      XPLMGetDatavf(handle, &value, element, 1);
-      return static_cast<double>(value);
-    }
-    case Accessor::IntArray: {
-      int value = 0;
-      XPLMGetDatavi(handle, &value, element, 1);
-      return value;
-    }
-    case Accessor::Any:
-      return ReadFitting(handle, element);
-    case Accessor::None:
-      break;
-  }
-  return 0;
-}
 inline double ReadSource(const Source& source) {
   return ReadNumber(HandleOf(source), source.accessor, source.element);
 }
