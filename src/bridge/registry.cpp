@@ -8,7 +8,6 @@
 
 XPLMDataRef DataRefMemBlock[offsetMemorySize];
 XPLMDataRef AuxDataRefMemBlock[offsetMemorySize];
-uint8_t VariablesAccessMemBlock[offsetMemorySize];
 CommandBlock commandBlock;
 
 namespace {

@@ -16,12 +16,8 @@
 #include "XPLMUtilities.h"
 #include "offsets/memory.h"
 
-constexpr uint8_t accessReadWrite = 1;
-constexpr uint8_t accessReadOnly = 2;
-
 extern XPLMDataRef DataRefMemBlock[offsetMemorySize];
 extern XPLMDataRef AuxDataRefMemBlock[offsetMemorySize];
-extern uint8_t VariablesAccessMemBlock[offsetMemorySize];
 
 // Command handles, in the order they are looked up.
 struct EngineCommands {

@@ -274,6 +274,10 @@ const CustomCommandEntry* FindCustomCommand(uint32_t offset) {
   return found < tables->commands.size() ? &tables->commands[found] : nullptr;
 }
 
+void ConnectCustomOffsets() {
+  ConnectDispatcher({.offer = OfferCustomWrite, .requestReload = RequestCustomReload});
+}
+
 const CustomTables* LoadedCustomTables() { return loadedTables; }
 
 double EvaluateExpression(const std::string_view* tokens, int32_t first, int32_t count, double input) {

@@ -37,6 +37,12 @@ struct RequestCounters {
   uint32_t bytesWritten;  // sum of the sizes of applied write records
 };
 
+// What clients may do at an offset, by the offset where their record begins. Filled at start, constant
+// afterwards: any thread may read it without a lock.
+constexpr uint8_t accessReadWrite = 1;
+constexpr uint8_t accessReadOnly = 2;
+extern uint8_t VariablesAccessMemBlock[offsetMemorySize];
+
 extern OffsetMemory offsetMemory;
 extern PendingValues pendingValues;
 extern PendingFlags pendingFlags;

@@ -1,7 +1,6 @@
 #include "offsets/request_walk.h"
 
 #include "base/log.h"
-#include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "platform/clock.h"
 

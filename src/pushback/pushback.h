@@ -12,6 +12,8 @@ constexpr int pushbackStraight = 0, pushbackTurnUp = 1, pushbackTurnDown = 2, pu
 // Pushback as clients see it: 0 straight, 1 turning with the heading increasing, 2 decreasing, 3 off.
 extern int pushbackMode;
 
+// Hands this room's functions to the rows of the catalogue, which know nothing of it. At start.
+void ConnectPushback();
 // Finds the datarefs, reads the settings, registers the distance monitor (called every second). At enable.
 void InitPushback();
 // Ends pushback, gives the overrides back, unregisters the monitor. At disable; does nothing when not begun.

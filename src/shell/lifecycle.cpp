@@ -34,14 +34,13 @@
 #include "pushback/pushback.h"
 #include "settings/settings.h"
 #include "shell/advice.h"
+#include "shell/atc_texts.h"
 #include "shell/flight_loops.h"
+#include "shell/frame_callbacks.h"
 #include "shell/menu.h"
+#include "shell/override_watch.h"
 #include "status/status_page.h"
 #include "traffic/traffic.h"
-
-char pluginVersionText[64];
-char networkVersionText[64];
-int simulatorVersion;
 
 namespace {
 
@@ -66,16 +65,10 @@ void LogStamped(const char* text) {
   LogLine("%s %s\n", TimeStamp(stamp), text);
 }
 
-// A client compares with what it reads here, and so does the dispatcher. At enable, before the locks exist.
-void PublishAtcTexts() {
-  const auto publish = [](uint32_t offset, const char* text) {
-    char field[atcTextSize] = {};
-    const size_t length = std::min<size_t>(std::char_traits<char>::length(text), atcTextSize);
-    std::copy_n(text, length, field);
-    std::copy_n(field, atcTextSize, offsetMemory.bytes + offset);
-  };
-  publish(0x3130, settings.atcNumber);
-  publish(0x313C, settings.atcTailNumber);
+// Where a lower room calls a higher one: the dispatcher the user's own offsets, the catalogue pushback.
+void ConnectRooms() {
+  ConnectCustomOffsets();
+  ConnectPushback();
 }
 
 void StartThreads() {
@@ -129,8 +122,7 @@ void EnableServerMode() {
   LogLine("TAVRIX->TAVRIX2TAVRIX mode not active, init flightloops\n");
   ForgetStations();
   anythingPending = 1;  // flags that were raised while nobody applied them
-  navigationPending = 1;
-  aircraftChanged = 0;  // every cycle runs within the first second
+  AwaitFirstCycles();
   RegisterFlightLoops(DeferredStart);
   if (terrainProbe == nullptr) terrainProbe = XPLMCreateProbe(xplm_ProbeY);
   RecogniseXSquawkBox();
@@ -187,10 +179,8 @@ int StartPlugin(char* name, char* signature, char* description) {
 
   const std::string folder = PluginFolder();
   OpenLogs(folder.c_str(), [](const char* line) { XPLMDebugString(line); });
-  LogBoth("TAVRIX Version %s %s\n", pluginVersion, buildWord);
-  LogBoth("TAVFARNET Version %s %s\n", networkVersion, buildWord);
-  std::snprintf(pluginVersionText, sizeof pluginVersionText, "TAVRIX Version %s\n", pluginVersion);
-  std::snprintf(networkVersionText, sizeof networkVersionText, "TAVFARNET Version %s\n", networkVersion);
+  LogBoth("%s %s\n", pluginTitle, buildWord);
+  LogBoth("%s %s\n", networkTitle, buildWord);
   socketLibraryOpen = OpenSocketLibrary();
   if (!socketLibraryOpen) LogOwn("TAVFARNET->The system's socket library does not start: no network clients\n");
   SetSettingsPath((folder + "TAVRIX.ini").c_str());
@@ -198,6 +188,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   BuildMenu();
 
   LogLine("Start Init!\n");
+  ConnectRooms();
   InitMemoryBlocks();
   LookUpDataRefs();
   LookUpCommands();
@@ -206,7 +197,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   int programInterface = 0;
   XPLMHostApplicationID host = 0;
   XPLMGetVersions(&simulatorVersion, &programInterface, &host);
-  LogBoth("X-Plane Version: %i\n", simulatorVersion);
+  LogBoth("%s%i\n", simulatorVersionLabel, simulatorVersion);
 
   PlaceStartValues();
   PrepareFolders(ReportedSystemFolder().c_str());
@@ -240,7 +231,7 @@ int EnablePlugin() {
         "again\n");
     return 0;
   }
-  crashCountdown = 5;
+  BeginCrashCountdown();
   PrepareNetwork(settings.serverAddress);
   PreparePermissions(settings.allowedClients, settings.networkWrites != 0);
   if (clientModeAtEnable != 0) {
@@ -313,8 +304,7 @@ void ReceivePluginMessage(int from, int message, void* parameter) {
       if (TrafficRuns()) LoadAircraftList();
       DetectLoadedAircraft();
       BindReaders();
-      navigationPending = 1;
-      aircraftChanged = 1;
+      RefreshForNewAircraft();
       break;
     case XPLM_MSG_PLANE_CRASHED:
       AbortPushback();

@@ -17,8 +17,3 @@ void DisablePlugin();
 void StopPlugin();
 // A message of the simulator (from 0) or of another plug-in.
 void ReceivePluginMessage(int from, int message, void* parameter);
-
-// Status texts of the version window.
-extern char pluginVersionText[64];
-extern char networkVersionText[64];
-extern int simulatorVersion;

@@ -2,7 +2,6 @@
 
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
-#include "pushback/pushback.h"
 
 namespace {
 
@@ -13,6 +12,7 @@ int slewing = 0;
 int frozen = 0;
 int pathTaken = 0;  // 1: the override is on because we set it
 double frozenX = 0, frozenZ = 0;
+PushbackHooks pushbackHooks = {[] { return 3; }, [](uint32_t) {}};
 
 void UpdatePlanePath() {
   const int wanted = slewing || frozen;
@@ -41,12 +41,12 @@ void WriteFreeze(const OffsetRow&, const Staged& staged) {
 }
 
 int ReadPushback(const OffsetRow&, double* value) {
-  *value = pushbackMode;
+  *value = pushbackHooks.state();
   return 1;
 }
 
 void WritePushback(const OffsetRow&, const Staged& staged) {
-  CommandPushback(static_cast<uint32_t>(staged.integer));
+  pushbackHooks.command(static_cast<uint32_t>(staged.integer));
 }
 
 constexpr OffsetRow rows[] = {
@@ -87,6 +87,8 @@ constexpr OffsetRow rows[] = {
 }  // namespace
 
 const RowTable slewRows = {"Slew, freeze, pushback", rows};
+
+void ConnectPushbackRows(const PushbackHooks& hooks) { pushbackHooks = hooks; }
 
 void SlewStep() {
   if (!frozen) return;
