@@ -1,5 +1,6 @@
-// Custom offsets: what the user's file "TAVRIXOffsets.cfg" makes of offsets, by datarefs, expressions and
-// commands of the user's own choice.
+// The room custom/: what the user's file "TAVRIXOffsets.cfg" makes of offsets, by datarefs, expressions and
+// commands of the user's own choice. Grammar and expressions (custom_parser.h, expression.h) are pure and know
+// nothing but the records.
 //
 // The simulator's thread owns the tables: it loads and frees them, refreshes entries from them and applies
 // what clients wrote. The dispatcher, on any thread, reaches them only while they are published, with the

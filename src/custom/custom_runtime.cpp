@@ -136,6 +136,12 @@ void KeepEnds(const CustomTables& tables, const CustomCommandWrite& displaced) {
   tables.endList[customEndCount++] = place;
 }
 
+template <typename Key>
+size_t Find(const std::vector<Key>& keys, Key key) {
+  const auto found = std::lower_bound(keys.begin(), keys.end(), key);
+  return found != keys.end() && *found == key ? static_cast<size_t>(found - keys.begin()) : keys.size();
+}
+
 // A client writes `data`, as many bytes as the entry is wide, before they are copied into the memory. Offset
 // lock held.
 void WriteOffset(const CustomOffsetEntry& entry, const uint8_t* data) {
@@ -236,6 +242,20 @@ double ReadDatarefValue(const CustomDatarefEntry& dataref) {
       break;
   }
   return 0;
+}
+
+const CustomOffsetEntry* FindCustomOffset(uint32_t offset) {
+  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
+  if (tables == nullptr) return nullptr;
+  const size_t found = Find(tables->offsetKeys, static_cast<int16_t>(offset));
+  return found < tables->offsets.size() ? &tables->offsets[found] : nullptr;
+}
+
+const CustomCommandEntry* FindCustomCommand(uint32_t offset) {
+  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
+  if (tables == nullptr) return nullptr;
+  const size_t found = Find(tables->commandKeys, static_cast<uint16_t>(offset));
+  return found < tables->commands.size() ? &tables->commands[found] : nullptr;
 }
 
 CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t supplied) {

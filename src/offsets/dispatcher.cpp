@@ -77,7 +77,7 @@ void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action) {
 
 uint32_t DispatchWidth(uint32_t offset) { return table[offset].width; }
 
-int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks) {
+bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks) {
   uint32_t done = 0;
   while (done < size) {
     const uint32_t at = offset + done;
@@ -88,7 +88,7 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMa
     }
     const DispatchEntry entry = table[at];
     if (entry.action == DispatchAction::None) {
-      if (custom.commandSize == 0) return 0;
+      if (custom.commandSize == 0) return false;
       done += custom.commandSize;
       continue;
     }
@@ -146,7 +146,7 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMa
     }
     done += entry.action == DispatchAction::StageText ? given : width;
   }
-  return 1;
+  return true;
 }
 
 void CopyLatest(uint32_t offset, uint32_t size, void* bytes) {

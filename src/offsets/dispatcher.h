@@ -98,9 +98,9 @@ void ClearRequestMarks();
 // offset + size lies within the offset memory. A value is staged when it differs from the one that still waits
 // there, or, with none waiting, from the offset memory; bytes that the write does not supply are taken from
 // the same place. Any thread, offset lock held; call it before the bytes are copied into the offset memory.
-// `marks` are the request's own. Returns 1 when every byte was recognised, 0 when the walk stopped at an offset
-// without a meaning for writes (the bytes behind it are not examined).
-int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks);
+// `marks` are the request's own. Returns true when every byte was recognised, false when the walk stopped at an
+// offset without a meaning for writes (the bytes behind it are not examined).
+bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks);
 // What clients have last left in a range: the offset memory, with the staged values that still wait on top of
 // it. Any thread, offset lock held.
 void CopyLatest(uint32_t offset, uint32_t size, void* bytes);

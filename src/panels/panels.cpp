@@ -125,12 +125,12 @@ int HandlePerformance(XPWidgetMessage message, XPWidgetID widget, intptr_t param
   }
   if (message != xpMsg_ButtonStateChanged) return 0;
   if (box != readTraceBox && box != writeTraceBox) return 0;
-  SwitchTrace(box == writeTraceBox ? 1 : 0, param2 != 0 ? 1 : 0);
+  SwitchTrace(box == writeTraceBox, param2 != 0);
   return 1;
 }
 
 void MakeVersionWindow() {
-  versionWindow = MakeWindow("TAVRIX Version and Info", 320, 4, HandleVersion);
+  versionWindow = MakeWindow(versionWindowTitle, 320, 4, HandleVersion);
   if (versionWindow == nullptr) return;
   AddCaption(versionWindow, 0, pluginTitle);
   AddCaption(versionWindow, 1, networkTitle);
@@ -140,7 +140,7 @@ void MakeVersionWindow() {
 }
 
 void MakePerformanceWindow() {
-  performanceWindow = MakeWindow("Performance settings", 360, 6, HandlePerformance);
+  performanceWindow = MakeWindow(performanceWindowTitle, 360, 6, HandlePerformance);
   if (performanceWindow == nullptr) return;
   readTraceBox = AddCheckBox(performanceWindow, 0, "Log reads", 0);
   writeTraceBox = AddCheckBox(performanceWindow, 1, "Log writes", 0);

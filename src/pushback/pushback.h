@@ -1,4 +1,5 @@
-// Pushback: tows the aircraft on a client's word (a command at 0x31F4) until the parking brake is set.
+// The room pushback/: tows the aircraft on a client's word (a command at 0x31F4) until the parking brake is
+// set.
 //
 // While it runs, the aircraft's local velocity and, in a turn, its attitude are written every frame, with
 // joystick, gear brakes and artificial stability overridden; the overrides are given back whenever it ends.

@@ -52,9 +52,9 @@ constexpr char separatorLine[] = "----------------------------------------------
 enum class Stage { Unloaded, Started, Enabled };
 Stage stage = Stage::Unloaded;
 
-int clientModeAtEnable;  // disable acts on the mode that enable chose
-int threadsStarted;      // once per load
-int socketLibraryOpen;
+bool clientModeAtEnable;  // disable acts on the mode that enable chose
+bool threadsStarted;      // once per load
+bool socketLibraryOpen;
 XPLMProbeRef terrainProbe;
 
 void CopyIdentity(char* target, const char* text) { std::snprintf(target, identitySize, "%s", text); }
@@ -73,15 +73,15 @@ void ConnectRooms() {
 
 void StartThreads() {
   LoadAircraftList();
-  if (windowServerExists) {
+  if constexpr (windowServerExists) {
     LogLine(StartWindowServer() ? "TAVRIX->Create KORL Thread OK!\n" : "TAVRIX->Create KORL Thread failed!\n");
   }
   LogLine(StartButtonThread() ? "TAVRIX->Create Joystick Thread OK!\n"
                               : "TAVRIX->Create Joystick Thread failed!\n");
-  const int networkOpen = OpenNetworkServer();
+  const bool networkOpen = OpenNetworkServer() != 0;
   if (!networkOpen) OpenAlertWindow(networkAlertText);
-  const int networkRuns = networkOpen != 0 && StartNetworkServer() != 0;
-  const int trafficRuns = StartTrafficThread();
+  const bool networkRuns = networkOpen && StartNetworkServer() != 0;
+  const bool trafficRuns = StartTrafficThread() != 0;
   if (!StartAircraftModelThread()) LogOwn("TAVRIX->Create aircraft model thread failed!\n");
   if (settings.statusPage != PageAccess::Off &&
       !StartStatusPage(SystemFolder().c_str(), settings.statusPage == PageAccess::Local))
@@ -92,10 +92,10 @@ void StartThreads() {
 
 float DeferredStart(float, float, int, void*) {
   try {
-    if (threadsStarted != 0) {
+    if (threadsStarted) {
       LogOwn("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
     } else {
-      threadsStarted = 1;
+      threadsStarted = true;
       StartThreads();
       FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr"));
     }
@@ -154,7 +154,7 @@ void DisableServerMode() {
   LogStamped("TAVRIX->Closing KORL main window.....");
   StopNetworkServer();
   StopAircraftModelThread();
-  if (windowServerExists) {
+  if constexpr (windowServerExists) {
     LogStamped("TAVRIX->Closing KORLMain Thread......");
     StopWindowServer();
   }
@@ -173,7 +173,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   CopyIdentity(description, "A plugin that emulates morven.dll and FARNET.");
   if (stage != Stage::Unloaded) return 1;
   stage = Stage::Started;
-  threadsStarted = 0;  // a module that could not be unloaded starts once more with what it had
+  threadsStarted = false;  // a module that could not be unloaded starts once more with what it had
   readTrace = 0;
   writeTrace = 0;
 
@@ -181,7 +181,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   OpenLogs(folder.c_str(), [](const char* line) { XPLMDebugString(line); });
   LogBoth("%s %s\n", pluginTitle, buildWord);
   LogBoth("%s %s\n", networkTitle, buildWord);
-  socketLibraryOpen = OpenSocketLibrary();
+  socketLibraryOpen = OpenSocketLibrary() != 0;
   if (!socketLibraryOpen) LogOwn("TAVFARNET->The system's socket library does not start: no network clients\n");
   SetSettingsPath((folder + "TAVRIX.ini").c_str());
 
@@ -212,7 +212,7 @@ int EnablePlugin() {
   ClearRequestMarks();
   ForgetCustomRequests();
   ReadAllSettings();
-  clientModeAtEnable = settings.clientMode;
+  clientModeAtEnable = settings.clientMode != 0;
   PublishAtcTexts();
   ReopenMainLog();
   LogLine("%s", separatorLine);
@@ -234,7 +234,7 @@ int EnablePlugin() {
   BeginCrashCountdown();
   PrepareNetwork(settings.serverAddress);
   PreparePermissions(settings.allowedClients, settings.networkWrites != 0);
-  if (clientModeAtEnable != 0) {
+  if (clientModeAtEnable) {
     EnableClientMode();
   } else {
     EnableServerMode();
@@ -253,7 +253,7 @@ void DisablePlugin() {
     LogStamped("TAVRIX->Stopping HTTP.....");
     StopStatusPage();
   }
-  if (clientModeAtEnable != 0) {
+  if (clientModeAtEnable) {
     DisableClientMode();
   } else {
     DisableServerMode();
@@ -288,7 +288,7 @@ void StopPlugin() {
   terrainProbe = nullptr;
   DestroyMenuAndWindows();
   if (socketLibraryOpen) CloseSocketLibrary();
-  socketLibraryOpen = 0;
+  socketLibraryOpen = false;
   CloseLogs();
 }
 
@@ -300,7 +300,7 @@ void ReceivePluginMessage(int from, int message, void* parameter) {
   }
   switch (message) {
     case XPLM_MSG_PLANE_LOADED:
-      if (reinterpret_cast<intptr_t>(parameter) != 0 || clientModeAtEnable != 0) break;
+      if (reinterpret_cast<intptr_t>(parameter) != 0 || clientModeAtEnable) break;
       if (TrafficRuns()) LoadAircraftList();
       DetectLoadedAircraft();
       BindReaders();

@@ -16,7 +16,7 @@ uint16_t crashWord;
 bool crashWordDue;  // not stored yet: the lock was busy
 
 void StoreCrashWord() {
-  if (TryEnterLock(&offsetLock) == 0) return;  // again at the next call
+  if (!TryEnterLock(&offsetLock)) return;  // again at the next call
   Store<uint16_t>(crashOffset, crashWord);
   LeaveLock(&offsetLock);
   crashWordDue = false;
