@@ -43,6 +43,7 @@ struct World {
     options.circuit = false;
     sim::SimStart(options);
     CreateLocks();
+    ConnectCustomOffsets();
     InitMemoryBlocks();
     LookUpDataRefs();
     LookUpCommands();

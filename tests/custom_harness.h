@@ -43,6 +43,7 @@ inline void Start() {
   options.circuit = false;
   ASSERT_EQ(sim::SimStart(options), 0);
   ASSERT_EQ(CreateLocks(), 1);
+  ConnectCustomOffsets();
   ForgetCustomRequests();
   InitMemoryBlocks();
   LookUpDataRefs();

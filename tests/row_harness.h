@@ -17,6 +17,7 @@
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "pushback/pushback.h"
+#include "shell/frame_callbacks.h"
 
 namespace rows {
 
@@ -32,6 +33,7 @@ inline void Start(const char* aircraft = "jet", std::initializer_list<const char
     sim::Withdraw(sim::FindLive(name));
   }
   ASSERT_EQ(CreateLocks(), 1);
+  ConnectPushback();
   InitMemoryBlocks();
   LookUpDataRefs();
   LookUpCommands();

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "base/log.h"
-#include "bridge/registry.h"
+#include "offsets/memory.h"
 #include "settings/settings.h"
 #include "settings/settings_text.h"
 

@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "base/log.h"
-#include "bridge/registry.h"
 #include "controls/button_settings.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"

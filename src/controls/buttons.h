@@ -1,5 +1,5 @@
-// Joystick buttons that write offsets: when the user presses or releases an assigned button, a value is
-// written, or one bit set, cleared or toggled, in an offset of 1, 2 or 4 bytes.
+// The room controls/: joystick buttons that write offsets. When the user presses or releases an assigned
+// button, a value is written, or one bit set, cleared or toggled, in an offset of 1, 2 or 4 bytes.
 //
 // The simulator's thread watches the buttons every frame and queues each change; a thread of its own carries
 // the changes out, each write going through the dispatcher like a client's. Queue and table lie under a lock

@@ -136,6 +136,30 @@ void KeepEnds(const CustomTables& tables, const CustomCommandWrite& displaced) {
   tables.endList[customEndCount++] = place;
 }
 
+template <typename Key>
+size_t Find(const std::vector<Key>& keys, Key key) {
+  const auto found = std::lower_bound(keys.begin(), keys.end(), key);
+  return found != keys.end() && *found == key ? static_cast<size_t>(found - keys.begin()) : keys.size();
+}
+
+// A client writes `data`, as many bytes as the entry is wide, before they are copied into the memory. Offset
+// lock held.
+void WriteOffset(const CustomOffsetEntry& entry, const uint8_t* data) {
+  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
+  if (entry.access == CustomAccess::Read || entry.writeTarget == nullptr) return;
+  pendingWrite = {entry.writeTarget, entry.write, DecodeCustomValue(entry.type, data)};
+  customPending.store(1, std::memory_order_relaxed);
+}
+
+void WriteCommand(const CustomCommandEntry& entry, const uint8_t* data) {
+  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
+  const CustomTables& tables = *publishedTables.load(std::memory_order_relaxed);
+  if (pendingCommand.entry != nullptr && pendingCommand.entry != &entry) KeepEnds(tables, pendingCommand);
+  pendingCommand = {&entry, DecodeCustomValue(entry.type, data)};
+  tables.ends[PlaceOf(tables, entry)].waiting = false;  // the newer write of the same offset decides
+  customPending.store(1, std::memory_order_relaxed);
+}
+
 // Moves the kept ends out and returns how many there are. Simulator's thread, offset lock held.
 uint32_t TakeEnds(CustomTables* tables) {
   uint32_t taken = 0;
@@ -220,22 +244,40 @@ double ReadDatarefValue(const CustomDatarefEntry& dataref) {
   return 0;
 }
 
-void WriteCustomOffset(const CustomOffsetEntry& entry, const uint8_t* data) {
-  assert(HoldsLock(&offsetLock));
-  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
-  if (entry.access == CustomAccess::Read || entry.writeTarget == nullptr) return;
-  pendingWrite = {entry.writeTarget, entry.write, DecodeCustomValue(entry.type, data)};
-  customPending.store(1, std::memory_order_relaxed);
+const CustomOffsetEntry* FindCustomOffset(uint32_t offset) {
+  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
+  if (tables == nullptr) return nullptr;
+  const size_t found = Find(tables->offsetKeys, static_cast<int16_t>(offset));
+  return found < tables->offsets.size() ? &tables->offsets[found] : nullptr;
 }
 
-void WriteCommandOffset(const CustomCommandEntry& entry, const uint8_t* data) {
+const CustomCommandEntry* FindCustomCommand(uint32_t offset) {
+  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
+  if (tables == nullptr) return nullptr;
+  const size_t found = Find(tables->commandKeys, static_cast<uint16_t>(offset));
+  return found < tables->commands.size() ? &tables->commands[found] : nullptr;
+}
+
+CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t supplied) {
   assert(HoldsLock(&offsetLock));
-  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
-  const CustomTables& tables = *publishedTables.load(std::memory_order_relaxed);
-  if (pendingCommand.entry != nullptr && pendingCommand.entry != &entry) KeepEnds(tables, pendingCommand);
-  pendingCommand = {&entry, DecodeCustomValue(entry.type, data)};
-  tables.ends[PlaceOf(tables, entry)].waiting = false;  // the newer write of the same offset decides
-  customPending.store(1, std::memory_order_relaxed);
+  if (publishedTables.load(std::memory_order_relaxed) == nullptr) return {};
+  uint8_t value[8];
+  const auto take = [&](uint32_t at, uint32_t size) {
+    const uint32_t given = std::min(size, supplied);
+    std::memcpy(value, data, given);
+    std::memcpy(value + given, offsetMemory.bytes + at + given, size - given);
+    return value;
+  };
+  CustomOutcome outcome = {};
+  if (const CustomCommandEntry* command = FindCustomCommand(offset)) {
+    WriteCommand(*command, take(command->offset, command->size));
+    outcome.commandSize = command->size;
+  }
+  const CustomOffsetEntry* entry = FindCustomOffset(offset);
+  if (entry == nullptr || entry->size == 0) return outcome;
+  WriteOffset(*entry, take(entry->offset, entry->size));
+  outcome.offsetSize = entry->size;
+  return outcome;
 }
 
 void ApplyPendingCustomWrites() {

@@ -186,12 +186,6 @@ void Load() {
   if ((requests & withdrawn) == 0) publishedTables = loadedTables;
 }
 
-template <typename Key>
-size_t Find(const std::vector<Key>& keys, Key key) {
-  const auto found = std::lower_bound(keys.begin(), keys.end(), key);
-  return found != keys.end() && *found == key ? static_cast<size_t>(found - keys.begin()) : keys.size();
-}
-
 }  // namespace
 
 void LoadCustomOffsets() {
@@ -260,18 +254,8 @@ void TakeCustomReload() {
   Store<uint8_t>(customClearOffset, 0);  // the client's own 1 was copied over the dispatcher's 0
 }
 
-const CustomOffsetEntry* FindCustomOffset(uint32_t offset) {
-  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
-  if (tables == nullptr) return nullptr;
-  const size_t found = Find(tables->offsetKeys, static_cast<int16_t>(offset));
-  return found < tables->offsets.size() ? &tables->offsets[found] : nullptr;
-}
-
-const CustomCommandEntry* FindCustomCommand(uint32_t offset) {
-  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
-  if (tables == nullptr) return nullptr;
-  const size_t found = Find(tables->commandKeys, static_cast<uint16_t>(offset));
-  return found < tables->commands.size() ? &tables->commands[found] : nullptr;
+void ConnectCustomOffsets() {
+  ConnectDispatcher({.offer = OfferCustomWrite, .requestReload = RequestCustomReload});
 }
 
 const CustomTables* LoadedCustomTables() { return loadedTables; }

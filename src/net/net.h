@@ -1,4 +1,4 @@
-// The network room: clients on other computers read and write the offset memory.
+// The room net/: clients on other computers read and write the offset memory.
 //
 // Clients connect by TCP (port 65000) and send request lists; what they may know of the offset memory goes to
 // each of them by UDP from port 65100: the whole of it in blocks when somebody has connected, then the

@@ -1,5 +1,15 @@
-// Facts about this computer and its file system, and the few file operations that differ by system.
-// Paths are in the system's own form; on Windows in the active code page, as the simulator gives them.
+// The room platform/: the operating system behind plain functions. One header a subject (locks, threads and
+// their messages, events, sockets, addresses, clock, detached work, and the facts below), with the same
+// functions for both systems in posix/ and win32/. Nothing else knows the system, but for
+// offsets/window_server.cpp.
+//
+// It knows no other room, neither logs nor calls the simulator, and reports failure by what it returns. Each
+// header says which thread may call: making and ending locks, threads and sockets is for the thread that owns
+// them, entering, signalling, waking and asking for any.
+//
+// This header: facts about this computer and its file system, and the few file operations that differ by
+// system; any thread. Paths are in the system's own form; on Windows in the active code page, as the simulator
+// gives them.
 #pragma once
 #include <cstdint>
 #include <cstdio>
@@ -11,12 +21,13 @@ struct SharedFolder {
   std::string folder;  // local folder that is shared
 };
 
-constexpr char pathSeparator =
+constexpr bool onWindows =
 #if defined(_WIN32)
-    '\\';
+    true;
 #else
-    '/';
+    false;
 #endif
+constexpr char pathSeparator = onWindows ? '\\' : '/';
 
 // This computer's network name, at most 16 characters; "" when the system does not tell.
 std::string ComputerName();

@@ -7,6 +7,7 @@
 #include "XPLMDataAccess.h"
 #include "XPLMProcessing.h"
 #include "bridge/catalogue/reposition.h"
+#include "bridge/slew.h"
 #include "bridge/sources.h"
 #include "settings/settings.h"
 #include "settings/settings_text.h"
@@ -145,6 +146,10 @@ void LoadPushbackSettings() {
   maxSpeed = ReadOrComplete("MaxSpeed", "-1.5");
   maxTurnSpeed = std::max(static_cast<float>(ReadOrComplete("MaxTurnSpeed", "0.15")), 0.0F);
   turnSpeed = static_cast<float>(maxSpeed) * turnShare;
+}
+
+void ConnectPushback() {
+  ConnectPushbackRows({.state = [] { return pushbackMode; }, .command = CommandPushback});
 }
 
 void InitPushback() {

@@ -167,8 +167,7 @@ void Take(const Row& row, std::string_view value) {
 }
 
 std::string DefaultText() {
-  std::string text = "TAVRIX Version ";
-  text += pluginVersion;
+  std::string text = pluginTitle;
   text += " ini file\n\n";
   for (const char* section : sections) {
     text += '[';

@@ -1,13 +1,14 @@
-// The settings file "TAVRIX.ini": the user's settings, in sections of "key = value" lines.
+// The room settings/: the settings file "TAVRIX.ini", the user's settings in sections of "key = value" lines.
 //
 // The file lies in the plug-in's folder. All of it is read at enable, missing keys are completed with
 // their defaults, and single keys are rewritten when a window or a client changes them; what clients change
 // waits for a quiet moment, as they may do so every frame. A rewrite goes through a temporary file that takes
 // the old one's place in one step, so a kill at any moment leaves either the old or the new file.
 //
-// Everything here is for the simulator's thread alone. An unreadable or unwritable file is never fatal:
-// a log line tells, once for each reason, and the defaults hold. What is no plain file (a folder, a pipe, a
-// device) is neither read nor replaced, and no rewrite makes the file larger than what is read again (4 MB).
+// Everything here is for the simulator's thread alone (settings_text.h is pure, for any thread). An unreadable
+// or unwritable file is never fatal: a log line tells, once for each reason, and the defaults hold. What is no
+// plain file (a folder, a pipe, a device) is neither read nor replaced, and no rewrite makes the file larger
+// than what is read again (4 MB).
 #pragma once
 #include <cstddef>
 #include <cstdint>

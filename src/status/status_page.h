@@ -1,5 +1,5 @@
-// Status page: a web server on TCP port 4321 that shows version, frame rate and a few flight values to any
-// browser, one connection at a time, and asks it to reload the page every second.
+// The room status/: the status page, a web server on TCP port 4321 that shows version, frame rate and a few
+// flight values to any browser, one connection at a time, and asks it to reload the page every second.
 //
 // Start and Stop are for the simulator's thread. Everything else runs on the page's own thread, which owns
 // its sockets and its log "httpLog.txt" in the simulator's folder. The page reloads itself every second: a

@@ -1,4 +1,4 @@
-// Traffic: tells clients about the other aircraft in the simulation, in a table of the offset memory.
+// The room traffic/: tells clients about the other aircraft in the simulation, in a table of the offset memory.
 //
 // The table has three parts: a header of 128 bytes at 0xF000 (entry size, capacity, number of active slots,
 // change counter, one round counter per slot, offset of the nearest aircraft's entry), an entry of 40 bytes

@@ -18,6 +18,7 @@
 #include "bridge/catalogue/losses.h"
 #include "bridge/slew.h"
 #include "row_harness.h"
+#include "shell/override_watch.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define SANITIZED 1
