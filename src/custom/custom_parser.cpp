@@ -27,12 +27,12 @@ constexpr TypeWord typeWords[] = {
 
 struct KindWord {
   std::string_view word;
-  CustomDatarefKind kind;
+  Accessor kind;
 };
 constexpr KindWord kindWords[] = {
-    {"int", datarefInt},           {"float", datarefFloat},
-    {"double", datarefDouble},     {"floatarray", datarefFloatArray},
-    {"intarray", datarefIntArray}, {"data", datarefData},
+    {.word = "int", .kind = Accessor::Int},           {.word = "float", .kind = Accessor::Float},
+    {.word = "double", .kind = Accessor::Double},     {.word = "floatarray", .kind = Accessor::FloatArray},
+    {.word = "intarray", .kind = Accessor::IntArray}, {.word = "data", .kind = Accessor::Bytes},
 };
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
@@ -236,12 +236,12 @@ int FindCustomType(std::string_view word, CustomType* type, uint8_t* size) {
   return 0;
 }
 
-int FindCustomKind(std::string_view word, CustomDatarefKind* kind) {
-  *kind = datarefNone;
+int FindCustomKind(std::string_view word, Accessor* kind) {
+  *kind = Accessor::None;
   for (const KindWord& row : kindWords) {
     if (word == row.word) *kind = row.kind;
   }
-  return *kind != datarefNone;
+  return *kind != Accessor::None;
 }
 
 int FindCustomAccess(std::string_view word, CustomAccess* access) {

@@ -52,9 +52,9 @@ struct CustomFileReader {
 // physical or joined line that is too long (`firstLine` and `lastLine` tell which).
 int NextCustomLine(CustomFileReader* reader, CustomLine* line);
 
-// Words of the grammar. Return 1, or 0 for an unknown word (the results are 0 then).
+// Words of the grammar. Return 1, or 0 for an unknown word (the results are 0 or None then).
 int FindCustomType(std::string_view word, CustomType* type, uint8_t* size);
-int FindCustomKind(std::string_view word, CustomDatarefKind* kind);
+int FindCustomKind(std::string_view word, Accessor* kind);
 int FindCustomAccess(std::string_view word, CustomAccess* access);
 // Numbers as far as the text is one. They return how many characters were read; 0 leaves 0 as the value.
 // Hexadecimal with or without 0x, low 16 bits; decimal with sign, saturated; floating point with sign and

@@ -1,11 +1,12 @@
 #include "net/relay.h"
 
-#include <cmath>
 #include <cstring>
 #include <string>
 
 #include "XPLMDataAccess.h"
+#include "base/bytes.h"
 #include "base/locks.h"
+#include "bridge/dataref_codec.h"
 #include "net/address.h"
 #include "net/frame.h"
 #include "net/permissions.h"
@@ -25,11 +26,37 @@ Socket relaySocket;             // the simulator's thread; in client mode the re
 SocketAddress destination;      // ip 0: nobody to send to
 uint8_t datagram[receiveSize];  // relay thread
 
-template <typename T>
-T Field(const uint8_t* record, size_t at) {
-  T value;
-  std::memcpy(&value, record + at, sizeof value);
-  return value;
+// What takes a value, by the exact types that the simulator reports: no other combination does.
+Accessor RelayAccessor(XPLMDataTypeID types) {
+  switch (types) {
+    case xplmType_Int:
+      return Accessor::Int;
+    case xplmType_Float:
+      return Accessor::Float;
+    case xplmType_Double:
+    case xplmType_Float | xplmType_Double:
+      return Accessor::Double;
+    case xplmType_FloatArray:
+      return Accessor::FloatArray;
+    case xplmType_IntArray:
+      return Accessor::IntArray;
+    default:
+      return Accessor::None;
+  }
+}
+
+// The record's number for such a dataref; a double holds each of them exactly.
+double RelayNumber(const uint8_t* record, Accessor accessor) {
+  switch (accessor) {
+    case Accessor::Int:
+    case Accessor::IntArray:
+      return LoadFrom<int32_t>(record + relayIntAt);
+    case Accessor::Float:
+    case Accessor::FloatArray:
+      return static_cast<double>(LoadFrom<float>(record + relayFloatAt));
+    default:
+      return LoadFrom<double>(record + relayDoubleAt);
+  }
 }
 
 void SetDataRef(const uint8_t* record) {
@@ -37,30 +64,8 @@ void SetDataRef(const uint8_t* record) {
   const std::string name(text, strnlen(text, relayNameSize));
   XPLMDataRef ref = name.empty() ? nullptr : XPLMFindDataRef(name.c_str());
   if (ref == nullptr) return;
-  const int index = record[relayIndexAt];
-  auto whole = Field<int>(record, relayIntAt);
-  auto single = Field<float>(record, relayFloatAt);
-  const auto wide = Field<double>(record, relayDoubleAt);
-  switch (XPLMGetDataRefTypes(ref)) {
-    case xplmType_Int:
-      XPLMSetDatai(ref, whole);
-      break;
-    case xplmType_Float:
-      if (std::isfinite(single)) XPLMSetDataf(ref, single);
-      break;
-    case xplmType_Double:
-    case xplmType_Float | xplmType_Double:
-      if (std::isfinite(wide)) XPLMSetDatad(ref, wide);
-      break;
-    case xplmType_FloatArray:
-      if (std::isfinite(single)) XPLMSetDatavf(ref, &single, index, 1);
-      break;
-    case xplmType_IntArray:
-      XPLMSetDatavi(ref, &whole, index, 1);
-      break;
-    default:
-      break;
-  }
+  const Accessor accessor = RelayAccessor(XPLMGetDataRefTypes(ref));
+  WriteNumber(ref, accessor, record[relayIndexAt], RelayNumber(record, accessor));
 }
 
 void SendRelay(const uint8_t* record) {
@@ -158,7 +163,8 @@ int ParseRelayFrame(const uint8_t* received, size_t size, uint8_t* record) {
   constexpr size_t copyAt = frameHeaderSize + relayRecordSize;
   std::memset(record, 0, relayRecordSize);
   if (size < copyAt + sizeof(uint16_t)) return 0;
-  if (Field<uint16_t>(received, 2) != relayRecordSize || Field<uint16_t>(received, copyAt) != relayRecordSize)
+  if (LoadFrom<uint16_t>(received + 2) != relayRecordSize ||
+      LoadFrom<uint16_t>(received + copyAt) != relayRecordSize)
     return 0;
   std::memcpy(record, received + frameHeaderSize, relayRecordSize);
   return 1;

@@ -64,7 +64,8 @@ TEST(CustomFile, DatarefsAndCommands) {
   ASSERT_EQ(parsed.datarefs.size(), 4u);
   const std::string_view order[] = {"a", "ab", "b", "\xE9"};
   const char* paths[] = {"sim/x", "sim/z", "sim/x/y", "p"};
-  const int indices[] = {0, -1, 3, 0}, kinds[] = {0, 1, 8, 32};
+  const int indices[] = {0, -1, 3, 0};
+  const Accessor kinds[] = {Accessor::None, Accessor::Int, Accessor::FloatArray, Accessor::Bytes};
   for (size_t i = 0; i < 4; ++i) {
     EXPECT_EQ(parsed.datarefs[i].alias, order[i]);
     EXPECT_STREQ(parsed.datarefs[i].path, paths[i]);
