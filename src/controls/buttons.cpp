@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "base/log.h"
 #include "bridge/registry.h"
 #include "controls/button_settings.h"
@@ -103,7 +104,7 @@ void Act(const ButtonAssignment& assignment, bool pressed) {
       value = ChangeBit(current, action);
     }
     uint8_t bytes[sizeof value];
-    std::memcpy(bytes, &value, sizeof value);
+    StoreTo(bytes, value);
     DispatchWrite(offset, size, bytes, &marks);
     std::memcpy(offsetMemory.bytes + offset, bytes, size);
   }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "base/log.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
@@ -88,15 +89,14 @@ uint16_t FindNearest() {
 
 void StoreHeader() {
   uint8_t header[trafficHeaderSize] = {};
-  const auto count = static_cast<uint16_t>(activeSlots);
-  std::memcpy(header, &sizeAndCapacity, sizeof sizeAndCapacity);
-  std::memcpy(header + countField, &count, sizeof count);
-  std::memcpy(header + changeField, &changeCounter, sizeof changeCounter);
+  StoreTo(header, sizeAndCapacity);
+  StoreTo(header + countField, static_cast<uint16_t>(activeSlots));
+  StoreTo(header + changeField, changeCounter);
   for (uint32_t i = 0; i < maxSlots; ++i) {
     header[roundsField + i] = slotRounds[i].load(std::memory_order_relaxed);
   }
   header[markField] = 'P';
-  std::memcpy(header + nearestField, &nearestEntry, sizeof nearestEntry);
+  StoreTo(header + nearestField, nearestEntry);
   const ServerLockScope lock;
   std::memcpy(offsetMemory.bytes + trafficHeaderOffset, header, sizeof header);
 }

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "base/bytes.h"
+
 struct Server {
   HWND window;
   UINT message;
@@ -73,7 +75,7 @@ struct RecordWriter {
   size_t at;
 
   void Word(uint32_t word) {
-    std::memcpy(base + at, &word, 4);
+    StoreTo(base + at, word);
     at += 4;
   }
   // Returns where the server puts the bytes.
@@ -95,9 +97,3 @@ struct RecordWriter {
   }
   void End() { Word(0); }
 };
-
-inline uint32_t WordAt(const void* bytes) {
-  uint32_t word = 0;
-  std::memcpy(&word, bytes, 4);
-  return word;
-}

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "numbers.h"
 
 namespace ctl {
@@ -95,10 +96,9 @@ int EncodeWhole(std::string_view text, Item* item, std::string* error) {
 
 void PutReal(double value, Item* item) {
   if (item->type == ValueType::F64) {
-    std::memcpy(item->bytes.data(), &value, 8);
+    StoreTo(item->bytes.data(), value);
   } else {
-    const float single = static_cast<float>(value);
-    std::memcpy(item->bytes.data(), &single, 4);
+    StoreTo(item->bytes.data(), static_cast<float>(value));
   }
 }
 
@@ -237,16 +237,8 @@ uint64_t StoredBits(const Item& item) {
 }
 
 double StoredNumber(const Item& item) {
-  if (item.type == ValueType::F32) {
-    float value = 0;
-    std::memcpy(&value, item.bytes.data(), 4);
-    return static_cast<double>(value);
-  }
-  if (item.type == ValueType::F64) {
-    double value = 0;
-    std::memcpy(&value, item.bytes.data(), 8);
-    return value;
-  }
+  if (item.type == ValueType::F32) return static_cast<double>(LoadFrom<float>(item.bytes.data()));
+  if (item.type == ValueType::F64) return LoadFrom<double>(item.bytes.data());
   const uint64_t bits = StoredBits(item);
   return IsSigned(item.type) ? static_cast<double>(static_cast<int64_t>(bits)) : static_cast<double>(bits);
 }
