@@ -29,11 +29,11 @@ void Compute(const CustomTables& tables, std::span<CustomRefreshItem> items) {
   }
 }
 
-// Whatever stands in the memory is replaced: others than clients write there too. Returns 0 when the lock is
-// busy.
-int TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
+// Whatever stands in the memory is replaced: others than clients write there too. Returns false when the lock
+// is busy.
+bool TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
   const SimulatorTurn turn;
-  if (TryEnterLock(&offsetLock) == 0) return 0;
+  if (TryEnterLock(&offsetLock) == 0) return false;
   // A client may have withdrawn the tables while we computed: its clear must be the last word.
   if (publishedTables.load(std::memory_order_relaxed) == &tables) {
     for (const CustomRefreshItem& item : items) {
@@ -41,12 +41,12 @@ int TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> item
     }
   }
   LeaveLock(&offsetLock);
-  return 1;
+  return true;
 }
 
 // A refresh counts once, as stored or as dropped.
-void CountStored(int stored, bool counts) {
-  if (counts) (stored != 0 ? refreshCounters.stored : refreshCounters.dropped)++;
+void CountStored(bool stored, bool counts) {
+  if (counts) (stored ? refreshCounters.stored : refreshCounters.dropped)++;
 }
 
 bool IsRefreshed(const CustomOffsetEntry& entry) {
@@ -134,7 +134,7 @@ void RefreshCustomOffsets(int group) {
   size_t missed = all.size();  // where the first batch stands that found the lock busy
   for (size_t first = 0; first < all.size(); first += batchItems) {
     Compute(*tables, batchAt(first));
-    all[first].missed = TryStore(*tables, batchAt(first)) == 0;
+    all[first].missed = !TryStore(*tables, batchAt(first));
     if (all[first].missed) {
       missed = std::min(missed, first);
     } else {

@@ -34,12 +34,12 @@ uint32_t SkipEqual(uint32_t from, uint32_t end) {
   return from;
 }
 
-// 1 when the byte has changed: the shadow copy has its new value then.
-int TakeChange(uint32_t at) {
+// Whether the byte has changed: the shadow copy has its new value then.
+bool TakeChange(uint32_t at) {
   const ServerLockScope lock;
-  if (offsetMemory.bytes[at] == shadow[at]) return 0;
+  if (offsetMemory.bytes[at] == shadow[at]) return false;
   shadow[at] = offsetMemory.bytes[at];
-  return 1;
+  return true;
 }
 
 void PutEntry(uint8_t* entry, uint32_t offset) {

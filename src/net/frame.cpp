@@ -8,17 +8,15 @@ bool IsClientFrame(uint8_t type) { return type == frameRequestList || type == fr
 
 }  // namespace
 
-int ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame) {
-  if (at > size || size - at < frameOverhead) return 0;
+bool ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame) {
+  if (at > size || size - at < frameOverhead) return false;
   uint8_t* start = buffer + at;
   *frame = {start[0], LoadFrom<uint16_t>(start + 2), LoadFrom<uint16_t>(start + 4), start + frameHeaderSize};
-  if (!IsClientFrame(frame->type)) return 0;
-  if (frame->length > size - at - frameOverhead) return 0;
+  if (!IsClientFrame(frame->type)) return false;
+  if (frame->length > size - at - frameOverhead) return false;
   const uint16_t endMarker = frame->type == frameRequestList ? endRequestList : endSubscription;
   return LoadFrom<uint16_t>(frame->payload + frame->length) == frame->length &&
-                 LoadFrom<uint16_t>(frame->payload + frame->length + 2) == endMarker
-             ? 1
-             : 0;
+         LoadFrom<uint16_t>(frame->payload + frame->length + 2) == endMarker;
 }
 
 size_t ServableSize(const uint8_t* buffer, size_t size, size_t capacity) {

@@ -98,40 +98,38 @@ uint32_t RelayProcedure(void*) {
   return 0;
 }
 
-int OpenSender() {
-  if (serverIp == 0 || !OpenSocket(&relaySocket, Transport::Datagram)) return 0;
-  if (!AllowBroadcast(&relaySocket)) return 0;
+bool OpenSender() {
+  if (serverIp == 0 || !OpenSocket(&relaySocket, Transport::Datagram)) return false;
+  if (!AllowBroadcast(&relaySocket)) return false;
   destination = {BroadcastAddress(serverIp), relayPort};
-  return 1;
+  return true;
 }
 
-int OpenReceiver() {
-  return serverIp != 0 && OpenBroadcastReceiver(&relaySocket, {serverIp, relayPort}) ? 1 : 0;
-}
+bool OpenReceiver() { return serverIp != 0 && OpenBroadcastReceiver(&relaySocket, {serverIp, relayPort}); }
 
 }  // namespace
 
-int OpenRelay(RelayRole role) {
+bool OpenRelay(RelayRole role) {
   destination = {};
   if (role == RelayRole::Sender ? OpenSender() : OpenReceiver()) {
     LogLine("TAVRIX->UDP Broadcast server init OK\n");
-    return 1;
+    return true;
   }
   const int error = SocketErrorNumber();
   CloseSocket(&relaySocket);
   LogLine("TAVRIX->UDP Broadcast server init FAILED\n");
   LogOwn("%s\n", AdviseOnFailure("UDP", relayPort, error).c_str());
-  return 0;
+  return false;
 }
 
 void CloseRelay() { CloseSocket(&relaySocket); }
 
-int StartRelayThread() {
+bool StartRelayThread() {
   relayRunning = 1;
-  if (CreateWaker(&relayWaker) && StartThread(&relayThread, RelayProcedure, nullptr)) return 1;
+  if (CreateWaker(&relayWaker) && StartThread(&relayThread, RelayProcedure, nullptr)) return true;
   relayRunning = 0;
   CloseWaker(&relayWaker);
-  return 0;
+  return false;
 }
 
 void StopRelayThread() {
@@ -159,13 +157,13 @@ void BuildRelayFrame(const uint8_t* record, uint8_t* frame) {
   FinishFrame(frame, frameRelay, relayRecordSize, endRelay);
 }
 
-int ParseRelayFrame(const uint8_t* received, size_t size, uint8_t* record) {
+bool ParseRelayFrame(const uint8_t* received, size_t size, uint8_t* record) {
   constexpr size_t copyAt = frameHeaderSize + relayRecordSize;
   std::memset(record, 0, relayRecordSize);
-  if (size < copyAt + sizeof(uint16_t)) return 0;
+  if (size < copyAt + sizeof(uint16_t)) return false;
   if (LoadFrom<uint16_t>(received + 2) != relayRecordSize ||
       LoadFrom<uint16_t>(received + copyAt) != relayRecordSize)
-    return 0;
+    return false;
   std::memcpy(record, received + frameHeaderSize, relayRecordSize);
-  return 1;
+  return true;
 }

@@ -172,6 +172,4 @@ void ClearSubscriptions() {
   for (std::atomic<uint32_t>& mark : subscriptions) mark.store(0, std::memory_order_relaxed);
 }
 
-int IsSubscribed(uint32_t offset) {
-  return static_cast<int>(subscriptions[offset].load(std::memory_order_relaxed));
-}
+bool IsSubscribed(uint32_t offset) { return subscriptions[offset].load(std::memory_order_relaxed) != 0; }

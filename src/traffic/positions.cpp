@@ -32,7 +32,7 @@ PlaneSource ReadPlane(uint32_t slot) {
   const uint32_t record = flightRecordOffset + flightRecordSize * slot;
   PlaneSource plane = {};
   if (DataRefMemBlock[entry + 4] == nullptr || DataRefMemBlock[entry + 8] == nullptr) return plane;
-  plane.known = 1;
+  plane.known = true;
   plane.latitude = Single(ReadSource(DoubleAt(entry + 4)));
   plane.longitude = Single(ReadSource(DoubleAt(entry + 8)));
   plane.altitude = Single(ReadSource(DoubleAt(entry + 12)));
@@ -44,24 +44,24 @@ PlaneSource ReadPlane(uint32_t slot) {
   plane.verticalSpeed = Whole<int16_t>(ReadSource(FloatAt(entry + 20)));
   plane.pitch = Whole<int16_t>(ReadSource(FloatAt(record + 6)));
   plane.bank = Whole<int16_t>(ReadSource(FloatAt(record + 18)));
-  plane.place = {plane.latitude, plane.longitude, 0};
+  plane.place = {plane.latitude, plane.longitude, false};
   return plane;
 }
 
 }  // namespace
 
-int FillTrafficPositions() {
+bool FillTrafficPositions() {
   const uint32_t others = std::clamp(aircraftCount.load(), 1U, maxModels) - 1;
   const uint32_t positioned = std::min(others, positionedPlanes);
   PlaneSource planes[positionedPlanes];
   for (uint32_t slot = 0; slot < positioned; ++slot) planes[slot] = ReadPlane(slot);
-  const Place user = {Single(ReadSource(userLatitude)), Single(ReadSource(userLongitude)), 0};
+  const Place user = {Single(ReadSource(userLatitude)), Single(ReadSource(userLongitude)), false};
 
-  if (TryEnterLock(&trafficLock) == 0) return 0;
+  if (TryEnterLock(&trafficLock) == 0) return false;
   std::copy_n(planes, positioned, planeSources);
   // The slot of an aircraft that has gone shows its last place until it is removed, but is nowhere near.
-  for (uint32_t slot = positioned; slot < positionedPlanes; ++slot) planeSources[slot].known = 0;
+  for (uint32_t slot = positioned; slot < positionedPlanes; ++slot) planeSources[slot].known = false;
   userPlace = user;
   LeaveLock(&trafficLock);
-  return 1;
+  return true;
 }

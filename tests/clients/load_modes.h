@@ -72,8 +72,8 @@ inline HANDLE StartSelf(const std::string& words) {
   return process.hProcess;
 }
 
-// Waits for its end; one that does not end in time is ended. Returns 1 when it exited with 0.
-inline int FinishProcess(HANDLE process, DWORD timeoutMs) {
+// Waits for its end; one that does not end in time is ended. Returns true when it exited with 0.
+inline bool FinishProcess(HANDLE process, DWORD timeoutMs) {
   DWORD status = 1;
   if (WaitForSingleObject(process, timeoutMs) != WAIT_OBJECT_0) {
     TerminateProcess(process, 1);
@@ -84,7 +84,7 @@ inline int FinishProcess(HANDLE process, DWORD timeoutMs) {
   return status == 0;
 }
 
-inline int RunSelf(const std::string& words, DWORD timeoutMs) {
+inline bool RunSelf(const std::string& words, DWORD timeoutMs) {
   HANDLE process = StartSelf(words);
   return process != nullptr && FinishProcess(process, timeoutMs);
 }
@@ -416,7 +416,7 @@ inline int RunLatency(const Server& server, uint32_t requests, uint32_t records)
     if (bare.window == nullptr) Sleep(50);
   }
   ClientBlock block;
-  const int ready = MakeBlock(std::max(records, 1u) * 20 + 4, &block);
+  const bool ready = MakeBlock(std::max(records, 1u) * 20 + 4, &block);
   if (bare.window == nullptr || !ready) {
     std::printf("latency: FAILED: no helper process\n");
     if (helper != nullptr) FinishProcess(helper, 0);

@@ -22,12 +22,12 @@ constexpr uint32_t pageSize = 4096;
 Server server;
 std::string why;  // what went wrong, for the printed line
 
-int Expect(bool truth, const std::string& what) {
+bool Expect(bool truth, const std::string& what) {
   if (!truth && why.empty()) why = what;
   return truth;
 }
 
-int ExpectAnswer(WPARAM atom, int wanted, const char* what) {
+bool ExpectAnswer(WPARAM atom, int wanted, const char* what) {
   const int answer = Call(server, atom);
   return Expect(answer == wanted, std::string(what) + ": answered " +
                                       (answer == noAnswer ? "nothing" : std::to_string(answer)) + ", not " +
@@ -35,9 +35,9 @@ int ExpectAnswer(WPARAM atom, int wanted, const char* what) {
 }
 
 // A well-formed request of its own is served. Sets the constant word.
-int ExpectAlive() {
+bool ExpectAlive() {
   ClientBlock block;
-  if (!Expect(MakeBlock(pageSize, &block), "no block")) return 0;
+  if (!Expect(MakeBlock(pageSize, &block), "no block")) return false;
   RecordWriter records = {block.view, 0};
   records.Write(constantOffset, 4, &constantValue);
   const uint8_t* data = records.Read(constantOffset, 4);
@@ -430,10 +430,10 @@ int main(int count, char** words) {
     return 1;
   }
   int failed = 0;
-  int found = 0;
+  bool found = false;
   for (const Mode& mode : modes) {
     if (name != "all" && name != mode.name) continue;
-    found = 1;
+    found = true;
     failed |= RunMode(mode);
   }
   return found ? failed : Usage();

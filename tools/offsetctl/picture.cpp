@@ -30,12 +30,12 @@ uint32_t EntryOffset(const uint8_t* entry) {
   return static_cast<uint32_t>(entry[0]) << 16 | LoadFrom<uint16_t>(entry + 2);
 }
 
-int AreEntries(const uint8_t* payload, size_t size) {
-  if (size == 0 || size % entrySize != 0) return 0;
+bool AreEntries(const uint8_t* payload, size_t size) {
+  if (size == 0 || size % entrySize != 0) return false;
   for (size_t at = 0; at < size; at += entrySize) {
-    if (payload[at] > 1) return 0;
+    if (payload[at] > 1) return false;
   }
-  return 1;
+  return true;
 }
 
 // Pieces of at most largestPart bytes that end at multiples of cutUnit.
@@ -87,7 +87,7 @@ void ApplyFrame(const NetFrame& frame, Picture* picture) {
   }
 }
 
-int IsComplete(const Picture& picture) { return picture.arrived == (1u << pictureBlocks) - 1; }
+bool IsComplete(const Picture& picture) { return picture.arrived == (1u << pictureBlocks) - 1; }
 
 uint32_t ArrivedBlocks(const Picture& picture) { return static_cast<uint32_t>(std::popcount(picture.arrived)); }
 
@@ -114,7 +114,7 @@ void TakeEcho(const NetFrame& frame, Echo* echo) {
   }
 }
 
-std::vector<std::vector<uint8_t>> BuildRequestFrames(int writing, const std::vector<Transfer>& transfers) {
+std::vector<std::vector<uint8_t>> BuildRequestFrames(bool writing, const std::vector<Transfer>& transfers) {
   const RecordKind kind = writing ? RecordKind::Write : RecordKind::Read;
   const std::vector<Transfer> parts = Cut(transfers);
   std::vector<std::vector<uint8_t>> frames;
