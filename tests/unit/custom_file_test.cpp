@@ -9,9 +9,9 @@
 namespace {
 
 struct Parsed : CustomTables {
-  explicit Parsed(const std::string& text) {
+  explicit Parsed(const std::string& file) {
     skipped = 0;
-    result = ParseCustomFile(text, this, [](uint32_t line, CustomLineFault) { skipped = line; });
+    result = ParseCustomFile(file, this, [](uint32_t line, CustomLineFault) { skipped = line; });
   }
   int result;
   static inline uint32_t skipped;  // last line left out
