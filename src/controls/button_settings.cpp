@@ -101,7 +101,7 @@ void ReadButtonSettings(ButtonAssignment (&assignments)[maxButtons]) {
   }
 }
 
-int WriteButtonSetting(int button, const ButtonAssignment& assignment) {
+bool WriteButtonSetting(int button, const ButtonAssignment& assignment) {
   char line[fieldCount * 12];
   char* at = line;
   for (size_t i = 0; i < fieldCount; ++i) {

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <span>
 
-#include "XPLMDataAccess.h"
 #include "XPLMUtilities.h"
 #include "bridge/cycles.h"
+#include "bridge/dataref_codec.h"
 #include "custom/custom.h"
 #include "custom/custom_state.h"
 #include "custom/custom_values.h"
@@ -29,11 +29,11 @@ void Compute(const CustomTables& tables, std::span<CustomRefreshItem> items) {
   }
 }
 
-// Whatever stands in the memory is replaced: others than clients write there too. Returns 0 when the lock is
-// busy.
-int TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
+// Whatever stands in the memory is replaced: others than clients write there too. Returns false when the lock
+// is busy.
+bool TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
   const SimulatorTurn turn;
-  if (TryEnterLock(&offsetLock) == 0) return 0;
+  if (TryEnterLock(&offsetLock) == 0) return false;
   // A client may have withdrawn the tables while we computed: its clear must be the last word.
   if (publishedTables.load(std::memory_order_relaxed) == &tables) {
     for (const CustomRefreshItem& item : items) {
@@ -41,51 +41,16 @@ int TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> item
     }
   }
   LeaveLock(&offsetLock);
-  return 1;
+  return true;
 }
 
 // A refresh counts once, as stored or as dropped.
-void CountStored(int stored, bool counts) {
-  if (counts) (stored != 0 ? refreshCounters.stored : refreshCounters.dropped)++;
+void CountStored(bool stored, bool counts) {
+  if (counts) (stored ? refreshCounters.stored : refreshCounters.dropped)++;
 }
 
 bool IsRefreshed(const CustomOffsetEntry& entry) {
   return entry.number >= 1 && entry.number <= customRefreshGroups && entry.size > 0;
-}
-
-void SetDataref(const CustomDatarefEntry& dataref, double value) {
-  if (dataref.handle == nullptr) return;
-  const bool whole =
-      dataref.kind == datarefInt || dataref.kind == datarefIntArray || dataref.kind == datarefData;
-  if (!whole && !std::isfinite(value)) return;  // the simulator must not meet a NaN
-  switch (dataref.kind) {
-    case datarefInt:
-      XPLMSetDatai(dataref.handle, TruncateTo32(value));
-      break;
-    case datarefFloat:
-      XPLMSetDataf(dataref.handle, static_cast<float>(value));
-      break;
-    case datarefDouble:
-      XPLMSetDatad(dataref.handle, value);
-      break;
-    case datarefFloatArray: {
-      auto single = static_cast<float>(value);
-      XPLMSetDatavf(dataref.handle, &single, dataref.index, 1);
-      break;
-    }
-    case datarefIntArray: {
-      int single = TruncateTo32(value);
-      XPLMSetDatavi(dataref.handle, &single, dataref.index, 1);
-      break;
-    }
-    case datarefData: {
-      auto byte = static_cast<uint8_t>(TruncateTo32(value));
-      XPLMSetDatab(dataref.handle, &byte, dataref.index, 1);
-      break;
-    }
-    case datarefNone:
-      break;
-  }
 }
 
 bool Ends(const CommandAction& action, double value) { return action.mode == 0 && value != action.value; }
@@ -193,7 +158,7 @@ void RefreshCustomOffsets(int group) {
   size_t missed = all.size();  // where the first batch stands that found the lock busy
   for (size_t first = 0; first < all.size(); first += batchItems) {
     Compute(*tables, batchAt(first));
-    all[first].missed = TryStore(*tables, batchAt(first)) == 0;
+    all[first].missed = !TryStore(*tables, batchAt(first));
     if (all[first].missed) {
       missed = std::min(missed, first);
     } else {
@@ -215,33 +180,7 @@ void RefreshCustomOffset(const CustomOffsetEntry& entry) {
 }
 
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {
-  if (dataref.handle == nullptr) return 0;
-  switch (dataref.kind) {
-    case datarefInt:
-      return XPLMGetDatai(dataref.handle);
-    case datarefFloat:
-      return static_cast<double>(XPLMGetDataf(dataref.handle));
-    case datarefDouble:
-      return XPLMGetDatad(dataref.handle);
-    case datarefFloatArray: {
-      float value = 0;
-      XPLMGetDatavf(dataref.handle, &value, dataref.index, 1);
-      return static_cast<double>(value);
-    }
-    case datarefIntArray: {
-      int value = 0;
-      XPLMGetDatavi(dataref.handle, &value, dataref.index, 1);
-      return value;
-    }
-    case datarefData: {
-      uint8_t value = 0;
-      XPLMGetDatab(dataref.handle, &value, dataref.index, 1);
-      return value;
-    }
-    case datarefNone:
-      break;
-  }
-  return 0;
+  return ReadNumber(dataref.handle, dataref.kind, dataref.index);
 }
 
 const CustomOffsetEntry* FindCustomOffset(uint32_t offset) {
@@ -305,7 +244,8 @@ void ApplyPendingCustomWrites() {
   }
   if (write.target != nullptr) {
     const Operation* operations = loadedTables->operations.data() + write.expression.first;
-    SetDataref(*write.target, RunExpression(operations, write.expression.count, write.input, ReadDatarefValue));
+    WriteNumber(write.target->handle, write.target->kind, write.target->index,
+                RunExpression(operations, write.expression.count, write.input, ReadDatarefValue));
   }
 }
 

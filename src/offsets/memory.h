@@ -94,4 +94,4 @@ bool FillPathBlock(uint32_t offset, uint32_t length, PathSource source);
 // The network form of a folder: pure function of the folder, the computer's name and the shares (name and
 // folder pairs). `isDirectory` decides whether a candidate exists. Cut to 255 characters.
 std::string NetworkFolder(const std::string& folder, const std::string& computer,
-                          const std::vector<SharedFolder>& shares, int (*isDirectory)(const char*));
+                          const std::vector<SharedFolder>& shares, bool (*isDirectory)(const char*));

@@ -35,7 +35,7 @@ bool IsBelowShare(const std::string& folder, const std::string& share) {
 }  // namespace
 
 std::string NetworkFolder(const std::string& folder, const std::string& computer,
-                          const std::vector<SharedFolder>& shares, int (*isDirectory)(const char*)) {
+                          const std::vector<SharedFolder>& shares, bool (*isDirectory)(const char*)) {
   std::string best;
   size_t limit = 261;
   for (const SharedFolder& share : shares) {

@@ -65,7 +65,7 @@ XPWidgetID AddCaption(XPWidgetID window, int line, const char* text) {
                         xpWidgetClass_Caption);
 }
 
-XPWidgetID AddCheckBox(XPWidgetID window, int line, const char* label, int on) {
+XPWidgetID AddCheckBox(XPWidgetID window, int line, const char* label, bool on) {
   const LinePlace place = LineOf(window, line);
   XPWidgetID box = XPCreateWidget(place.left, place.top, place.left + 14, place.bottom, 1, label, 0, window,
                                   xpWidgetClass_Button);
@@ -142,8 +142,8 @@ void MakeVersionWindow() {
 void MakePerformanceWindow() {
   performanceWindow = MakeWindow(performanceWindowTitle, 360, 6, HandlePerformance);
   if (performanceWindow == nullptr) return;
-  readTraceBox = AddCheckBox(performanceWindow, 0, "Log reads", 0);
-  writeTraceBox = AddCheckBox(performanceWindow, 1, "Log writes", 0);
+  readTraceBox = AddCheckBox(performanceWindow, 0, "Log reads", false);
+  writeTraceBox = AddCheckBox(performanceWindow, 1, "Log writes", false);
   requestLine = AddCaption(performanceWindow, 2, "");
   droppedLine = AddCaption(performanceWindow, 3, "");
   reloadButton = AddPushButton(performanceWindow, 4, "Reload TAVRIXOffsets.cfg");

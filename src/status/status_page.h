@@ -22,10 +22,10 @@ struct StatusValues {
 };
 
 // Starts the thread. `systemFolder` is the simulator's folder as it reports it; `localOnly` shows the page to
-// browsers on this computer alone (http://127.0.0.1:4321). Returns 1, or 0 when the system refuses.
-int StartStatusPage(const char* systemFolder, bool localOnly = false);
-// 1 from a successful start until StopStatusPage has returned.
-int StatusPageRuns();
+// browsers on this computer alone (http://127.0.0.1:4321). Returns true, or false when the system refuses.
+bool StartStatusPage(const char* systemFolder, bool localOnly = false);
+// Whether it runs: from a successful start until StopStatusPage has returned.
+bool StatusPageRuns();
 // Ends the thread, whatever it waits for, and joins it. Nothing happens when it was not started.
 void StopStatusPage();
 
