@@ -216,19 +216,19 @@ void XPLMUnregisterCommandHandler(XPLMCommandRef handle, XPLMCommandCallback_f f
 void XPLMCommandKeyStroke(XPLMCommandKeyID key) {
   sim::Check("XPLMCommandKeyStroke");
   sim::LogCall("key " + sim::FormatInt(key));
-  if (key >= 0 && key < xplm_key_max) sim::WorldKey(key);
+  sim::WorldKey(key);
 }
 
 void XPLMCommandButtonPress(XPLMCommandButtonID button) {
   sim::Check("XPLMCommandButtonPress");
   sim::LogCall("press " + sim::FormatInt(button));
-  if (button >= 0 && button < xplm_joy_max) sim::WorldButton(button, true);
+  sim::WorldButton(button, true);
 }
 
 void XPLMCommandButtonRelease(XPLMCommandButtonID button) {
   sim::Check("XPLMCommandButtonRelease");
   sim::LogCall("release " + sim::FormatInt(button));
-  if (button >= 0 && button < xplm_joy_max) sim::WorldButton(button, false);
+  sim::WorldButton(button, false);
 }
 
 int XPLMLoadDataFile(XPLMDataFileType type, const char* path) {

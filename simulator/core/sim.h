@@ -70,8 +70,8 @@ void WithdrawCommand(const char* name);
 // Publishes every dataref and command that the simulator itself has, with sensible start values on the
 // ground or in flight as the flight mode wants, and fills navigation database and aircraft table.
 void WorldStart(bool circuitFlight, int activePlanes);
-// 1 when such an aircraft exists (the names of --aircraft).
-int WorldKnowsAircraft(const std::string& name);
+// Whether such an aircraft exists (the names of --aircraft).
+bool WorldKnowsAircraft(const std::string& name);
 // Makes NAME the user's aircraft: engine type, title, file, the add-on's plug-in signature, datarefs and
 // commands (those of the previous aircraft are withdrawn). The core sends message 102 afterwards.
 void WorldSelectAircraft(const std::string& name);
@@ -80,7 +80,8 @@ const char* WorldAircraftPluginSignature();
 // One frame of flight: dt seconds of simulated time (0 while paused is not called). The core has already
 // advanced total_running_time_sec, and calls flight loops before this.
 void WorldStep(double dt);
-// Keys and buttons by number (pause, autopilot modes, gear up and down ...): the effect.
+// Keys and buttons by public number (pause, autopilot modes, gear up and down ...): the effect. Other numbers
+// have none.
 void WorldKey(int key);
 void WorldButton(int button, bool pressed);
 // Number of active aircraft has changed (1..128, the user's included).

@@ -86,7 +86,6 @@ int PressedState(int state, int wanted);
 void PressModes(int modes);  // presses them on the panel
 void DisconnectAutopilot();
 void PressBackCourse();
-void PressToga();
 void HookAutopilot();
 double NavDeflection();  // NAV 1 needle in dots, as the autopilot uses it (back course reversed)
 void StepModes();        // captures: armed modes become engaged ones

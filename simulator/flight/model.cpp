@@ -189,6 +189,60 @@ void Advance(double dt) {
   }
 }
 
+// --- An aircraft that has just been chosen ----------------------------------------------------------
+
+void FillTanks() {
+  for (int i = 0; i < 9; i++) {
+    flight.fuel[i] = i < aircraft->tanks ? aircraft->fuelStartKg * aircraft->tankShare[i] : 0;
+    F(refs.fuel, i) = static_cast<float>(flight.fuel[i]);
+  }
+}
+
+// Where a run begins: on the circuit, or parked at the threshold.
+void PlaceAtStart() {
+  double course = runwayCourse * degToRad;
+  double x = -runwayHalf * std::sin(course), z = runwayHalf * std::cos(course), heading = runwayCourse;
+  D(refs.y) = aircraft->gearHeight;
+  if (circuitFlight) {
+    CircuitStart(&x, &z, &heading);
+    D(refs.y) = aircraft->circuitHeight;
+  }
+  D(refs.x) = x;
+  D(refs.z) = z;
+  QuaternionOf(0, 0, heading * degToRad, flight.q);
+}
+
+// Gear, brake and velocity at the place and heading that it has.
+void SetOut(bool flying) {
+  flight.ground = !flying;
+  flight.gear = flying && aircraft->retractable ? 0 : 1;
+  I(refs.gearHandle) = flight.gear > 0 ? 1 : 0;
+  F(refs.parkBrake) = flying ? 0.0F : 1.0F;
+  AnglesOf(flight.q, &flight.phi, &flight.theta, &flight.psi);
+  flight.air = AirAt(D(refs.y) + fieldElevation);
+  double speed = flying ? aircraft->circuitKt * ktToMs / std::sqrt(flight.air.rho / 1.225) : 0;
+  flight.velocity = {speed * std::cos(flight.psi) + (flying ? flight.air.windNorth : 0),
+                     speed * std::sin(flight.psi) + (flying ? flight.air.windEast : 0), 0};
+  flight.rate = flight.rateChange = flight.acceleration = {};
+}
+
+// Height and heading of a fresh run are those that it has.
+void PresetAutopilot(bool fresh) {
+  F(refs.apSpeed) = static_cast<float>(aircraft->circuitKt);
+  if (!fresh) return;
+  F(refs.apAltitude) = static_cast<float>(std::round((D(refs.y) + fieldElevation) / ftToM / 100) * 100);
+  F(refs.apHeading) = static_cast<float>(std::fmod(flight.psi * radToDeg + magneticVariation + 360, 360));
+}
+
+// Level flight at once: the attitude that carries the weight, and the thrust for it.
+void TrimLevel() {
+  double pressure = 0.5 * flight.air.rho * flight.airspeed * flight.airspeed * aircraft->wingArea;
+  double lift = flight.mass * gravity / pressure;
+  QuaternionOf(0, AngleForLift(lift), flight.psi, flight.q);
+  F(refs.elevatorTrim) = static_cast<float>((AngleForLift(lift) - flight.alphaNeutral) / elevatorReach);
+  SetThrottles(ThrottleForThrust(pressure * DragCoefficient(lift)));
+}
+
 }  // namespace
 
 double LiftAt(double alpha) {
@@ -302,60 +356,21 @@ void FlightStart() {
 }
 
 void FlightAircraftChanged() {
-  for (int i = 0; i < 9; i++) {
-    flight.fuel[i] = i < aircraft->tanks ? aircraft->fuelStartKg * aircraft->tankShare[i] : 0;
-    F(refs.fuel, i) = static_cast<float>(flight.fuel[i]);
-  }
+  FillTanks();
   hands = Hands{};
   bool fresh = flight.time == 0 && RunningTime() <= 0;
   if (!circuitFlight && !fresh) {
     StartEngines();
     return;
   }
-  double x = 0, z = 0, heading = runwayCourse;
-  if (circuitFlight && fresh) {
-    CircuitStart(&x, &z, &heading);
-    D(refs.y) = aircraft->circuitHeight;
-  } else if (fresh) {
-    // Parked at the threshold.
-    double course = runwayCourse * degToRad;
-    x = -runwayHalf * std::sin(course);
-    z = runwayHalf * std::cos(course);
-    D(refs.y) = aircraft->gearHeight;
-  }
-  if (fresh) {
-    D(refs.x) = x;
-    D(refs.z) = z;
-    QuaternionOf(0, 0, heading * degToRad, flight.q);
-  }
+  if (fresh) PlaceAtStart();
   bool flying = circuitFlight && !(flight.ground && !fresh);
-  flight.ground = !flying;
-  flight.gear = flying && aircraft->retractable ? 0 : 1;
-  I(refs.gearHandle) = flight.gear > 0 ? 1 : 0;
-  F(refs.parkBrake) = flying ? 0.0F : 1.0F;
-  double psi = 0, theta = 0, phi = 0;
-  AnglesOf(flight.q, &phi, &theta, &psi);
-  double altitude = D(refs.y) + fieldElevation;
-  flight.air = AirAt(altitude);
-  double speed = flying ? aircraft->circuitKt * ktToMs / std::sqrt(flight.air.rho / 1.225) : 0;
-  flight.velocity = {speed * std::cos(psi) + (flying ? flight.air.windNorth : 0),
-                     speed * std::sin(psi) + (flying ? flight.air.windEast : 0), 0};
-  flight.rate = flight.rateChange = flight.acceleration = {};
-  F(refs.apSpeed) = static_cast<float>(aircraft->circuitKt);
-  if (fresh) F(refs.apAltitude) = static_cast<float>(std::round(altitude / ftToM / 100) * 100);
-  if (fresh) {
-    double magnetic = psi * radToDeg + magneticVariation;
-    F(refs.apHeading) = static_cast<float>(std::fmod(magnetic + 360, 360));
-  }
+  SetOut(flying);
+  PresetAutopilot(fresh);
   Remember();
   TakeOverSetValues();
   if (flying) {
-    // Level flight at once: the attitude that carries the weight, and the thrust for it.
-    double pressure = 0.5 * flight.air.rho * flight.airspeed * flight.airspeed * aircraft->wingArea;
-    double lift = flight.mass * gravity / pressure;
-    QuaternionOf(0, AngleForLift(lift), psi, flight.q);
-    F(refs.elevatorTrim) = static_cast<float>((AngleForLift(lift) - flight.alphaNeutral) / elevatorReach);
-    SetThrottles(ThrottleForThrust(pressure * DragCoefficient(lift)));
+    TrimLevel();
   } else {
     SetThrottles(0);
   }

@@ -42,6 +42,8 @@ float& F(DataRef* ref, int i = 0);
 int& I(DataRef* ref, int i = 0);
 double& D(DataRef* ref, int i = 0);
 void SetText(DataRef* ref, const char* text);
+// Element i of a dataref of any numeric kind; integers lose the fraction.
+void StoreElement(DataRef* ref, int i, double value);
 
 void PublishCommands();  // every stock command
 
@@ -117,7 +119,7 @@ void PublishPlanes(int active);
 // Moves the other aircraft to where they are `now` seconds after the start.
 void StepPlanes(double now);
 
-// 1 while the flight model derives values, 0 when every value stays as set.
+// True while the flight model derives values, false when every value stays as set.
 extern bool circuitFlight;
 extern int activePlanes;  // the user's included
 
