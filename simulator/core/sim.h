@@ -86,8 +86,8 @@ void WorldKey(int key);
 void WorldButton(int button, bool pressed);
 // Number of active aircraft has changed (1..128, the user's included).
 void WorldSetActivePlanes(int count);
-// Name (file name) and full path of aircraft n, n from 0; 0 when there is none.
-int WorldAircraftModel(int index, std::string* fileName, std::string* path);
+// Name (file name) and full path of aircraft n, n from 0; false when there is none.
+bool WorldAircraftModel(int index, std::string* fileName, std::string* path);
 // World <-> local conversion around the reference point.
 void WorldToLocal(double lat, double lon, double alt, double* x, double* y, double* z);
 void LocalToWorld(double x, double y, double z, double* lat, double* lon, double* alt);

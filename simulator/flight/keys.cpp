@@ -4,6 +4,7 @@
 #include <string>
 
 #include "XPLMUtilities.h"
+#include "core/table.h"
 #include "flight/flight.h"
 #include "world/refs.h"
 
@@ -312,16 +313,8 @@ constexpr PressRow buttonRows[] = {
     {.id = xplm_joy_lanlights, .does = {.act = ToggleSwitch, .ref = &refs.landingLights}},
 };
 
-// A row for every public number, in their order: a number is the index of its row.
-template <size_t N>
-constexpr bool IsComplete(const PressRow (&rows)[N], int end) {
-  for (size_t i = 0; i < N; i++) {
-    if (rows[i].id != static_cast<int>(i)) return false;
-  }
-  return static_cast<int>(N) == end;
-}
-static_assert(IsComplete(keyRows, xplm_key_max));
-static_assert(IsComplete(buttonRows, xplm_joy_max));
+static_assert(IsTableOf<&PressRow::id>(keyRows, xplm_key_max - 1));
+static_assert(IsTableOf<&PressRow::id>(buttonRows, xplm_joy_max - 1));
 
 struct CommandRow {
   const char* name = "";

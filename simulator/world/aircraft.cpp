@@ -118,9 +118,7 @@ constexpr Aircraft Ec135() {
   return it;
 }
 
-}  // namespace
-
-const Aircraft aircraftTable[] = {
+const Aircraft rows[] = {
     Jet(),
     {.name = "prop",
      .title = "Standin Single Prop",
@@ -202,8 +200,11 @@ const Aircraft aircraftTable[] = {
             .folder = "Aircraft/X-Aviation/IXEG 737 Classic"}),
     Ec135(),
 };
-const int aircraftCount = static_cast<int>(sizeof aircraftTable / sizeof aircraftTable[0]);
-const Aircraft* aircraft = &aircraftTable[0];
+
+}  // namespace
+
+const std::span<const Aircraft> aircraftTable = rows;
+const Aircraft* aircraft = &rows[0];
 
 namespace {
 

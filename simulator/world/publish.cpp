@@ -50,7 +50,7 @@ void StoreElement(DataRef* ref, int i, double value) {
 
 void WorldStart(bool circuit, int planes) {
   circuitFlight = circuit;
-  for (int i = 0; i < datarefRowCount; i++) PublishRow(datarefRows[i]);
+  for (const DataRefRow& row : datarefRows) PublishRow(row);
   BindRefs();
   ForgetAddon();
   PublishCommands();

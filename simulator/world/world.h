@@ -7,6 +7,7 @@
 // name says otherwise; headings are true, clockwise from north.
 #pragma once
 #include <numbers>
+#include <span>
 
 #include "core/sim.h"
 
@@ -29,8 +30,7 @@ struct DataRefRow {
   const char* text = "";  // start content of Kind::Bytes
   const char* unit = "";  // for the reader of the table
 };
-extern const DataRefRow datarefRows[];
-extern const int datarefRowCount;
+extern const std::span<const DataRefRow> datarefRows;
 
 // Publishes one row with its start value and returns its record; a name that is live already with another
 // shape (the console may do that) is left as it is and null is returned.
@@ -79,8 +79,7 @@ struct Aircraft {
   double redlineRad = 0;  // propeller or rotor at full power, rad/s
   double torqueMaxNm = 0;
 };
-extern const Aircraft aircraftTable[];
-extern const int aircraftCount;
+extern const std::span<const Aircraft> aircraftTable;
 extern const Aircraft* aircraft;  // the user's, never null
 
 // Publishes what the add-on of the aircraft brings and withdraws what the previous one brought.
