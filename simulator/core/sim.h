@@ -147,9 +147,9 @@ struct WidgetHooks {
   void (*purge)();
 };
 SIM_API void SetWidgetHooks(const WidgetHooks* hooks);
-// Splits a console line into words; "quoted words" keep blanks, with \" \\ \n \xHH escapes. Returns 0
+// Splits a console line into words; "quoted words" keep blanks, with \" \\ \n \xHH escapes. False
 // when a quote is not closed. `quoted[i]` tells whether word i stood in quotes.
-SIM_API int SplitWords(const char* line, std::vector<std::string>* words, std::vector<bool>* quoted);
+SIM_API bool SplitWords(const char* line, std::vector<std::string>* words, std::vector<bool>* quoted);
 // Text in console quoting: "..." with escapes, cut at the first NUL.
 SIM_API std::string Quote(const std::string& text);
 
