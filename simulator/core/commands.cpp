@@ -50,11 +50,9 @@ bool RunHandlers(Command* command, int phase, bool before) {
     bool there = std::any_of(command->handlers.begin(), command->handlers.end(), [&](const Handler& other) {
       return other.fn == handler.fn && other.refcon == handler.refcon && other.before == before;
     });
-    int saved = 0;
-    if (!there || !EnterPlugin(handler.owner, &saved)) continue;
-    int passOn = handler.fn(command, phase, handler.refcon);
-    LeavePlugin(saved);
-    if (!passOn) return false;
+    if (!there || !MayCall(handler.owner)) continue;
+    InPlugin inside(handler.owner);
+    if (!handler.fn(command, phase, handler.refcon)) return false;
   }
   return true;
 }

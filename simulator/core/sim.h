@@ -129,11 +129,6 @@ SIM_API uint64_t NullHandles();
 // Identifier of the plug-in whose code is running. Outside of any callback (a test that calls on its own)
 // the first plug-in, 0 when there is none.
 SIM_API int CallingPlugin();
-// A callback into a plug-in's code stands between these two. EnterPlugin returns 0 when the plug-in is
-// disabled or gone: then the callback must not be made and LeavePlugin not be called. *saved keeps who was
-// running before.
-SIM_API int EnterPlugin(int id, int* saved);
-SIM_API void LeavePlugin(int saved);
 
 // ---------------------------------------------------------------------------------------------
 // The widget library is a separate file; it hooks itself into the core when it is loaded.
