@@ -112,6 +112,7 @@ void PilotLost();                          // position was set from outside: dec
 // Where the pilot's circuit over the field begins: local metres, heading in degrees.
 void CircuitStart(double* x, double* z, double* heading);
 
+double EmptyMass();  // without fuel, kg
 // Lift that the wing gives at an angle of attack (coefficient), and the angle for a lift.
 double LiftAt(double alpha);
 double AngleForLift(double lift);

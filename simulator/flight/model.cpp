@@ -25,6 +25,10 @@ struct Shown {
 };
 Shown shown;
 
+// Rates about the three body axes, as degrees and as radians.
+DataRef** const rateRefs[3] = {&refs.rollRate, &refs.pitchRate, &refs.yawRate};
+DataRef** const radianRefs[3] = {&refs.rollRateRad, &refs.pitchRateRad, &refs.yawRateRad};
+
 void Normalise(double q[4]) {
   double length = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
   if (!(length > 1e-6) || !std::isfinite(length)) {
@@ -47,11 +51,9 @@ void Remember() {
   shown.vy = F(refs.vy);
   shown.vz = F(refs.vz);
   for (int i = 0; i < 4; i++) shown.q[i] = F(refs.q, i);
-  DataRef* rates[3] = {refs.rollRate, refs.pitchRate, refs.yawRate};
-  DataRef* radians[3] = {refs.rollRateRad, refs.pitchRateRad, refs.yawRateRad};
   for (int i = 0; i < 3; i++) {
-    shown.rates[i] = F(rates[i]);
-    shown.radians[i] = F(radians[i]);
+    shown.rates[i] = F(*rateRefs[i]);
+    shown.radians[i] = F(*radianRefs[i]);
   }
   for (int i = 0; i < 9; i++) shown.fuel[i] = F(refs.fuel, i);
 }
@@ -189,6 +191,50 @@ void Advance(double dt) {
   }
 }
 
+// --- What was set from outside since the last step ---------------------------------------------------
+
+void TakeOverPlace() {
+  double moved = std::hypot(D(refs.x) - shown.x, D(refs.z) - shown.z);
+  double climbed = std::fabs(D(refs.y) - shown.y);
+  if (!std::isfinite(moved) || !std::isfinite(climbed)) {
+    D(refs.x) = shown.x;
+    D(refs.y) = shown.y;
+    D(refs.z) = shown.z;
+  } else if (moved > 500 || climbed > 100) {
+    PilotLost();
+  }
+}
+
+void TakeOverVelocity() {
+  if (F(refs.vx) != shown.vx) flight.velocity.e = Finite(static_cast<double>(F(refs.vx)), -700, 700);
+  if (F(refs.vy) != shown.vy) flight.velocity.d = -Finite(static_cast<double>(F(refs.vy)), -700, 700);
+  if (F(refs.vz) != shown.vz) flight.velocity.n = -Finite(static_cast<double>(F(refs.vz)), -700, 700);
+}
+
+void TakeOverAttitude() {
+  bool turned = false;
+  for (int i = 0; i < 4; i++) turned |= F(refs.q, i) != shown.q[i];
+  if (turned) {
+    for (int i = 0; i < 4; i++) flight.q[i] = static_cast<double>(F(refs.q, i));
+    Normalise(flight.q);
+  }
+  double* own[3] = {&flight.rate.n, &flight.rate.e, &flight.rate.d};
+  for (int i = 0; i < 3; i++) {
+    float rate = F(*rateRefs[i]), radians = F(*radianRefs[i]);
+    if (rate != shown.rates[i]) *own[i] = Finite(static_cast<double>(rate) * degToRad, -3, 3);
+    if (radians != shown.radians[i]) *own[i] = Finite(static_cast<double>(radians), -3, 3);
+  }
+}
+
+void TakeOverWeights() {
+  for (int i = 0; i < 9; i++) {
+    if (F(refs.fuel, i) != shown.fuel[i]) flight.fuel[i] = Finite(static_cast<double>(F(refs.fuel, i)), 0, 1e6);
+  }
+  flight.mass = EmptyMass();
+  for (double kg : flight.fuel) flight.mass += kg;
+  if (!(flight.mass > 100)) flight.mass = 100;
+}
+
 // --- An aircraft that has just been chosen ----------------------------------------------------------
 
 void FillTanks() {
@@ -245,6 +291,11 @@ void TrimLevel() {
 
 }  // namespace
 
+double EmptyMass() {
+  return static_cast<double>(F(refs.massEmpty)) + static_cast<double>(F(refs.massFixed)) +
+         static_cast<double>(F(refs.massJettison));
+}
+
 double LiftAt(double alpha) {
   double lift = aircraft->liftZero + aircraft->flapLift * flight.flap * 0.6 + liftSlope * alpha;
   flight.liftLimit = aircraft->liftMax + aircraft->flapLift * flight.flap;
@@ -292,39 +343,10 @@ Vec BodyOf(const double q[4], const Vec& world) {
 double WrapPi(double angle) { return std::remainder(angle, 2 * pi); }
 
 void TakeOverSetValues() {
-  bool frozen = I(refs.overridePath) != 0;
-  double moved = std::hypot(D(refs.x) - shown.x, D(refs.z) - shown.z);
-  double climbed = std::fabs(D(refs.y) - shown.y);
-  if (!std::isfinite(moved) || !std::isfinite(climbed)) {
-    D(refs.x) = shown.x;
-    D(refs.y) = shown.y;
-    D(refs.z) = shown.z;
-  } else if (moved > 500 || climbed > 100) {
-    PilotLost();
-  }
-  if (F(refs.vx) != shown.vx) flight.velocity.e = Finite(static_cast<double>(F(refs.vx)), -700, 700);
-  if (F(refs.vy) != shown.vy) flight.velocity.d = -Finite(static_cast<double>(F(refs.vy)), -700, 700);
-  if (F(refs.vz) != shown.vz) flight.velocity.n = -Finite(static_cast<double>(F(refs.vz)), -700, 700);
-  bool turned = false;
-  for (int i = 0; i < 4; i++) turned |= F(refs.q, i) != shown.q[i];
-  if (turned) {
-    for (int i = 0; i < 4; i++) flight.q[i] = static_cast<double>(F(refs.q, i));
-    Normalise(flight.q);
-  }
-  DataRef* rates[3] = {refs.rollRate, refs.pitchRate, refs.yawRate};
-  DataRef* radians[3] = {refs.rollRateRad, refs.pitchRateRad, refs.yawRateRad};
-  double* own[3] = {&flight.rate.n, &flight.rate.e, &flight.rate.d};
-  for (int i = 0; i < 3; i++) {
-    if (F(rates[i]) != shown.rates[i]) *own[i] = Finite(static_cast<double>(F(rates[i])) * degToRad, -3, 3);
-    if (F(radians[i]) != shown.radians[i]) *own[i] = Finite(static_cast<double>(F(radians[i])), -3, 3);
-  }
-  for (int i = 0; i < 9; i++) {
-    if (F(refs.fuel, i) != shown.fuel[i]) flight.fuel[i] = Finite(static_cast<double>(F(refs.fuel, i)), 0, 1e6);
-  }
-  flight.mass = static_cast<double>(F(refs.massEmpty)) + static_cast<double>(F(refs.massFixed)) +
-                static_cast<double>(F(refs.massJettison));
-  for (double kg : flight.fuel) flight.mass += kg;
-  if (!(flight.mass > 100)) flight.mass = 100;
+  TakeOverPlace();
+  TakeOverVelocity();
+  TakeOverAttitude();
+  TakeOverWeights();
   double lat, lon, altitude;
   LocalToWorld(D(refs.x), D(refs.y), D(refs.z), &lat, &lon, &altitude);
   D(refs.elevation) = altitude;  // the pilot looks at it
@@ -332,6 +354,7 @@ void TakeOverSetValues() {
   flight.air = AirAt(altitude);
   AnglesOf(flight.q, &flight.phi, &flight.theta, &flight.psi);
   FindAirData();
+  bool frozen = I(refs.overridePath) != 0;
   if (frozen) flight.ground = altitude <= flight.groundHeight + aircraft->gearHeight + 0.02;
 }
 
