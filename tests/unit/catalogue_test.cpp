@@ -134,11 +134,7 @@ std::vector<uint8_t> Snapshot() {
 class Catalogued : public testing::Test {
  protected:
   void SetUp() override { rows::Start(); }
-  void TearDown() override {
-    ClearSlew();
-    ReleaseOverrides();
-    rows::Stop();
-  }
+  void TearDown() override { rows::Stop(); }
 };
 
 // --- What it holds --------------------------------------------------------------------------------------
@@ -310,7 +306,6 @@ TEST(CatalogueRoundTrip, WritesReadBackUnlessTheRowSaysOtherwise) {
     if (row->lossy[0] != 0) {
       EXPECT_FALSE(exact) << "every value came back, yet: " << row->lossy;
     }
-    ClearSlew();
     rows::Stop();
   }
 }
@@ -341,7 +336,6 @@ TEST(CatalogueRoundTrip, ValueWrittenBackWithinAFrameIsTheOneThatCounts) {
       const double step = row->show == Show::Number ? 1 : 0;
       EXPECT_NEAR(rows::ReadAs(row->type, row->offset), DecodeNumber(row->type, shown), step);
     }
-    ClearSlew();
     rows::Stop();
   }
 }
@@ -393,8 +387,6 @@ TEST(CatalogueWithoutDatarefs, StoresWhatZeroGivesAndConsumesWrites) {
     }
     for (const std::string& breach : sim::TakeBreaches()) ADD_FAILURE() << breach;
     EXPECT_EQ(sim::NullHandles(), nullHandles);
-    ClearSlew();
-    ReleaseOverrides();
     rows::Stop();
   }
   for (uint32_t at = 0; at < offsetMemorySize; at++) EXPECT_EQ(refreshed[0][at], refreshed[1][at]) << At(at);

@@ -41,11 +41,7 @@ constexpr double quarterTurn = 0x40000000;
 class FlightRows : public testing::Test {
  protected:
   void SetUp() override { rows::Start(); }
-  void TearDown() override {
-    ClearSlew();
-    ReleaseOverrides();
-    rows::Stop();
-  }
+  void TearDown() override { rows::Stop(); }
   void Restart(const char* aircraft, std::initializer_list<const char*> missing = {}) {
     rows::Stop();
     rows::Start(aircraft, missing);
