@@ -4,15 +4,10 @@
 #include <string>
 
 #include "XPLMPlugin.h"
-#include "aircraft/adapters_table.h"
 #include "base/log.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/identity.h"
-
-AdapterState adapters;
-B738Commands b738Commands;
-PilotEdgeCommands pilotEdgeCommands;
-int ixegThrottleOverrideOn;
+#include "bridge/registry.h"
 
 namespace {
 
@@ -29,47 +24,64 @@ constexpr int subscribeMessage = 0x01000001;
 constexpr int unsubscribeMessage = 0x01000002;
 constexpr intptr_t networkAudioWeatherText = 1 | 2 | 4 | 8;
 
-XPLMDataRef* PlaceOf(const Source& slot) {
-  return (slot.block == Block::Primary ? DataRefMemBlock : AuxDataRefMemBlock) + slot.index;
-}
-
-void LookUpDataRefsOf(const AdapterNames& names) {
-  for (const AdapterDataRef& dataRef : names.dataRefs) *PlaceOf(dataRef.slot) = XPLMFindDataRef(dataRef.name);
-}
-void LookUpCommandsOf(const AdapterNames& names) {
-  for (const AdapterCommand& command : names.commands) *command.handle = XPLMFindCommand(command.name);
-}
-void Drop(const AdapterNames& names) {
-  for (const AdapterDataRef& dataRef : names.dataRefs) *PlaceOf(dataRef.slot) = nullptr;
-  for (const AdapterCommand& command : names.commands) *command.handle = nullptr;
-}
-
 // A handle of a dataref whose publisher has gone may still be found; it offers no type then.
-int IsPublished(const char* name) {
+bool IsPublished(const char* name) {
   XPLMDataRef handle = XPLMFindDataRef(name);
   return handle != nullptr && XPLMGetDataRefTypes(handle) != xplmType_Unknown;
 }
 
-// Follows a plug-in: 1 when it has appeared (or has been reloaded) since the last call. Sets `loaded` and
-// drops the names when it is gone.
-int HasAppeared(const char* signature, const AdapterNames& names, XPLMPluginID* plugin, int* loaded) {
-  const XPLMPluginID found = XPLMFindPluginBySignature(signature);
-  if (found == *plugin && *loaded == (found != noPlugin)) return 0;
-  if (*loaded) Drop(names);
+// How each add-on is known by the simulator, and what its datarefs and commands begin with; empty: none of its
+// own.
+struct Names {
+  AddOn addOn;
+  const char* signature;
+  const char* dataRefs;
+  const char* commands;
+};
+constexpr Names x737 = {AddOn::X737, "bs.x737.plugin", "x737/", ""};
+constexpr Names xSquawkBox = {AddOn::XSquawkBox, "vatsim.protodev.clients.xsquawkbox", "xsquawkbox/", ""};
+constexpr Names pilotEdge = {AddOn::PilotEdge, "com.pilotedge.plugin.xplane", "pilotedge/", "PilotEdge/"};
+constexpr Names ixeg733 = {AddOn::Ixeg733, "", "ixeg/733/", "ixeg/733/"};
+constexpr Names b738Extended = {AddOn::B738Extended, "", "laminar/B738/", "laminar/B738/"};
+constexpr Names b738Stock = {AddOn::B738Stock, "", "", ""};
+constexpr Names ec135 = {AddOn::Ec135, "rotorsim.ec135.management", "", ""};
+
+// Names that no row reads yet, looked up with the others.
+[[maybe_unused]] constexpr Source unreadNames[] = {
+    Float<"ixeg/733/misc/seatbelt_act">,   Fitting<"laminar/B738/tab/credits">,
+    Fitting<"laminar/B738/tab/page">,      Fitting<"laminar/B738/tab/power">,
+    Int<"pilotedge/radio/rx_status">,      Int<"pilotedge/radio/tx_status">,
+    Fitting<"pilotedge/status/connected">, Bytes<"xsquawkbox/input/user_msg">,
+};
+[[maybe_unused]] constexpr const Command* unreadCommands[] = {&commandOf<"PilotEdge/Connect">,
+                                                              &commandOf<"PilotEdge/Disconnect">};
+
+bool& LoadedOf(const Names& names) { return loadedAddOns[static_cast<size_t>(names.addOn)]; }
+
+void Drop(const Names& names) {
+  if (names.dataRefs[0] != 0) DropNamesOf(names.dataRefs);
+  if (names.commands[0] != 0) DropNamesOf(names.commands);
+  LoadedOf(names) = false;
+}
+
+// Follows a plug-in: true when it has appeared (or has been reloaded) since the last call; its names are
+// dropped when it is gone.
+bool HasAppeared(const Names& names, XPLMPluginID* plugin) {
+  const XPLMPluginID found = XPLMFindPluginBySignature(names.signature);
+  if (found == *plugin && LoadedOf(names) == (found != noPlugin)) return false;
+  if (LoadedOf(names)) Drop(names);
   *plugin = found;
-  *loaded = found != noPlugin;
-  return *loaded;
+  return LoadedOf(names) = found != noPlugin;
 }
 
 // The same for an add-on that is known by what it publishes or by its title.
-int HasAppeared(int present, const AdapterNames& names, int* loaded) {
-  if (present == *loaded) return 0;
-  if (*loaded) Drop(names);
-  *loaded = present;
-  return present;
+bool HasAppeared(const Names& names, bool present) {
+  if (present == LoadedOf(names)) return false;
+  if (LoadedOf(names)) Drop(names);
+  return LoadedOf(names) = present;
 }
 
-int TitleIsStockB738() {
+bool TitleIsStockB738() {
   constexpr char wanted[] = "Boeing B737-800 ";  // the blank belongs to it
   char title[sizeof wanted - 1];
   CopyFromMemory(aircraftTitleOffset, sizeof title, title);
@@ -77,47 +89,45 @@ int TitleIsStockB738() {
 }
 
 void RecogniseX737() {
-  if (!HasAppeared("bs.x737.plugin", x737Names, &plugins.x737, &adapters.x737)) return;
-  LookUpDataRefsOf(x737Names);
+  if (!HasAppeared(x737, &plugins.x737)) return;
+  LookUpDataRefsOf(x737.dataRefs);
   LogLine("x737 found pluginID=%i, datarefs loaded\n", plugins.x737);
 }
 
 void RecognisePilotEdge() {
-  if (!HasAppeared("com.pilotedge.plugin.xplane", pilotEdgeNames, &plugins.pilotEdge, &adapters.pilotEdge)) {
-    return;
-  }
-  LookUpDataRefsOf(pilotEdgeNames);
+  if (!HasAppeared(pilotEdge, &plugins.pilotEdge)) return;
+  LookUpDataRefsOf(pilotEdge.dataRefs);
   LogLine("Init pilotEdge dataref Block OK!\n");
-  LookUpCommandsOf(pilotEdgeNames);
+  LookUpCommandsOf(pilotEdge.commands);
   LogLine("Init pilotEdge command Block OK!\n");
 }
 
 void RecogniseIxeg() {
-  if (!HasAppeared(IsPublished("ixeg/733/misc/seatbelt_act"), ixegNames, &adapters.ixeg733)) {
-    if (!adapters.ixeg733) ixegThrottleOverrideOn = 0;
+  if (!HasAppeared(ixeg733, IsPublished("ixeg/733/misc/seatbelt_act"))) {
+    if (!IsLoaded(AddOn::Ixeg733)) ixegThrottleTaken = false;
     return;
   }
   char time[timeStampSize];
-  LookUpDataRefsOf(ixegNames);
+  LookUpDataRefsOf(ixeg733.dataRefs);
   LogLine("%s IXEG found, datarefs loaded\n", TimeStamp(time));
-  LookUpCommandsOf(ixegNames);
+  LookUpCommandsOf(ixeg733.commands);
   LogLine("IXEG found, commands loaded\n");
 }
 
 void RecogniseExtendedB738() {
-  const int present = IsPublished("laminar/B738/tab/credits") || IsPublished("laminar/B738/tab/page") ||
-                      IsPublished("laminar/B738/tab/power");
-  if (!HasAppeared(present, b738Names, &adapters.b738Extended)) return;
+  const bool present = IsPublished("laminar/B738/tab/credits") || IsPublished("laminar/B738/tab/page") ||
+                       IsPublished("laminar/B738/tab/power");
+  if (!HasAppeared(b738Extended, present)) return;
   char time[timeStampSize];
-  LookUpDataRefsOf(b738Names);
+  LookUpDataRefsOf(b738Extended.dataRefs);
   LogLine("%s Extended 737-800 found, datarefs loaded\n", TimeStamp(time));
-  LookUpCommandsOf(b738Names);
+  LookUpCommandsOf(b738Extended.commands);
   LogLine("%s Extended 737-800 found, commands loaded\n", TimeStamp(time));
 }
 
 // No name of its own is known: the flag alone tells the rows that this is a 737-800.
 void RecogniseStockB738() {
-  if (!HasAppeared(TitleIsStockB738(), AdapterNames{}, &adapters.b738Stock)) return;
+  if (!HasAppeared(b738Stock, TitleIsStockB738())) return;
   char time[timeStampSize];
   LogLine("%s Stock 737-800 found, datarefs loaded\n", TimeStamp(time));
   LogLine("%s Stock 737-800 found, commands loaded\n", TimeStamp(time));
@@ -125,26 +135,26 @@ void RecogniseStockB738() {
 
 // What the log was told last about the user's aircraft: its title, and the adapters that serve it.
 struct ToldAircraft {
-  int told;  // since enable
+  bool told;  // since enable
   char title[aircraftTextSize];
-  AdapterState adapters;
+  AddOnSet addOns;
 };
 ToldAircraft toldAircraft;
 
 std::string NamesOfAdapters() {
   struct Name {
-    int AdapterState::*loaded;
+    AddOn addOn;
     const char* name;
   };
   // Aircraft alone: network clients say so themselves.
-  constexpr Name names[] = {{&AdapterState::x737, "x737"},
-                            {&AdapterState::ixeg733, "IXEG 737"},
-                            {&AdapterState::b738Extended, "Extended 737-800"},
-                            {&AdapterState::b738Stock, "Stock 737-800"},
-                            {&AdapterState::ec135, "EC135"}};
+  constexpr Name names[] = {{AddOn::X737, "x737"},
+                            {AddOn::Ixeg733, "IXEG 737"},
+                            {AddOn::B738Extended, "Extended 737-800"},
+                            {AddOn::B738Stock, "Stock 737-800"},
+                            {AddOn::Ec135, "EC135"}};
   std::string list;
   for (const Name& name : names) {
-    if (adapters.*name.loaded) list += (list.empty() ? "" : ", ") + std::string(name.name);
+    if (IsLoaded(name.addOn)) list += (list.empty() ? "" : ", ") + std::string(name.name);
   }
   return list;
 }
@@ -152,11 +162,12 @@ std::string NamesOfAdapters() {
 // Says which aircraft is loaded and which adapter serves it, when that is news.
 void TellAircraft() {
   ToldAircraft now = {};
-  now.told = 1;
+  now.told = true;
   CopyFromMemory(aircraftTitleOffset, sizeof now.title, now.title);
   now.title[sizeof now.title - 1] = '\0';
-  now.adapters = adapters;
-  now.adapters.xSquawkBox = now.adapters.pilotEdge = 0;
+  now.addOns = loadedAddOns;
+  now.addOns[static_cast<size_t>(AddOn::XSquawkBox)] = now.addOns[static_cast<size_t>(AddOn::PilotEdge)] =
+      false;
   if (std::memcmp(&now, &toldAircraft, sizeof now) == 0) return;
   toldAircraft = now;
   const std::string names = NamesOfAdapters();
@@ -168,13 +179,10 @@ void TellAircraft() {
 
 // What comes and goes with the user's aircraft. The network clients stay.
 void DropAircraft() {
-  Drop(x737Names);
-  Drop(ixegNames);
-  Drop(b738Names);
+  for (const Names* names : {&x737, &ixeg733, &b738Extended, &b738Stock, &ec135}) Drop(*names);
   plugins.x737 = noPlugin;
   plugins.ec135 = noPlugin;
-  adapters.x737 = adapters.ixeg733 = adapters.b738Extended = adapters.b738Stock = adapters.ec135 = 0;
-  ixegThrottleOverrideOn = 0;
+  ixegThrottleTaken = false;
 }
 
 void Recognise() {
@@ -189,14 +197,13 @@ void Recognise() {
 }  // namespace
 
 void RecogniseXSquawkBox() {
-  const int before = adapters.xSquawkBox;
-  const int appeared = HasAppeared("vatsim.protodev.clients.xsquawkbox", xSquawkBoxNames, &plugins.xSquawkBox,
-                                   &adapters.xSquawkBox);
-  if (appeared || before != adapters.xSquawkBox) xSquawkBoxState = {};
+  const bool before = IsLoaded(AddOn::XSquawkBox);
+  const bool appeared = HasAppeared(xSquawkBox, &plugins.xSquawkBox);
+  if (appeared || before != IsLoaded(AddOn::XSquawkBox)) xSquawkBoxState = {};
   if (!appeared) return;
-  LookUpDataRefsOf(xSquawkBoxNames);
-  ReadText(xsbVersString.block, xsbVersString.index, xSquawkBoxState.version, sizeof xSquawkBoxState.version);
-  xSquawkBoxState.versionNumber = ReadInt(xsbNumber);
+  LookUpDataRefsOf(xSquawkBox.dataRefs);
+  ReadText(Bytes<"xsquawkbox/vers/string">, xSquawkBoxState.version, sizeof xSquawkBoxState.version);
+  xSquawkBoxState.versionNumber = ReadInt(Int<"xsquawkbox/vers/number">);
   LogLine("XSB found pluginID=%i, datarefs loaded\n", plugins.xSquawkBox);
   XPLMSendMessageToPlugin(plugins.xSquawkBox, subscribeMessage,
                           reinterpret_cast<void*>(networkAudioWeatherText));
@@ -209,7 +216,7 @@ void RecogniseAircraft() {
 
 void RunEc135Adapter() {
   // No name of its own is known either: its offsets stay on the stock datarefs.
-  if (!HasAppeared("rotorsim.ec135.management", AdapterNames{}, &plugins.ec135, &adapters.ec135)) return;
+  if (!HasAppeared(ec135, &plugins.ec135)) return;
   LogOwn("TAVRIX->EC135 found pluginID=%i, stock datarefs stay in use\n", plugins.ec135);
 }
 
@@ -222,25 +229,25 @@ void DetectLoadedAircraft() {
 }
 
 void ResetAdapters() {
-  if (adapters.xSquawkBox) XPLMSendMessageToPlugin(plugins.xSquawkBox, unsubscribeMessage, nullptr);
+  if (IsLoaded(AddOn::XSquawkBox)) XPLMSendMessageToPlugin(plugins.xSquawkBox, unsubscribeMessage, nullptr);
   DropAircraft();
-  Drop(xSquawkBoxNames);
-  Drop(pilotEdgeNames);
+  Drop(xSquawkBox);
+  Drop(pilotEdge);
   plugins = {noPlugin, noPlugin, noPlugin, noPlugin};
-  adapters = {};
+  loadedAddOns = {};
   xSquawkBoxState = {};
   toldAircraft = {};
 }
 
 void ReleaseIxegThrottleOverride() {
-  if (!ixegThrottleOverrideOn) return;
-  ixegThrottleOverrideOn = 0;
+  if (!ixegThrottleTaken) return;
+  ixegThrottleTaken = false;
   char time[timeStampSize];
-  SetSource(ixegTavrixThro1, 0);
-  SetSource(ixegTavrixThro2, 0);
+  SetSource(Fitting<"ixeg/733/hardware/tavrix_thro1">, 0);
+  SetSource(Fitting<"ixeg/733/hardware/tavrix_thro2">, 0);
   LogLine("%s disabling IXEG throttle overwrite OK!\n", TimeStamp(time));
 }
 
 void ReceiveAdapterMessage(int from, int message, void* parameter) {
-  if (adapters.xSquawkBox && from == plugins.xSquawkBox) ReceiveXSquawkBoxMessage(message, parameter);
+  if (IsLoaded(AddOn::XSquawkBox) && from == plugins.xSquawkBox) ReceiveXSquawkBoxMessage(message, parameter);
 }

@@ -1,20 +1,14 @@
 // Aircraft and plug-ins that publish systems of their own, which the simulator's stock datarefs do not
-// cover. Each is recognised at run time; its datarefs and commands are then looked up into the registry and
-// the rows that know them switch over (ActiveVariant in bridge/aircraft_state.h). When it goes away, or
+// cover. Each is recognised at run time; its datarefs and commands are then looked up and
+// the rows that have a variant for it switch over (bridge/catalogue.h). When it goes away, or
 // another aircraft is loaded, its handles become null again and the rows are back at the stock datarefs.
 //
-// The look-ups are made once per recognition, never again while the add-on stays. The names are in
-// adapters_table.cpp; which offsets follow which add-on is told in docs/aircraft.md.
+// The look-ups are made once per recognition, never again while the add-on stays. The names stand in
+// the rows; which offsets follow which add-on is told in docs/aircraft.md.
 //
 // Everything here: simulator's thread, no lock held.
 #pragma once
 #include <cstdint>
-
-#include "aircraft/adapter_commands.h"
-#include "bridge/aircraft_state.h"
-
-// 1 once a client's throttle write has taken over the IXEG 737's throttles. Set by the throttle writers.
-extern int ixegThrottleOverrideOn;
 
 // Tests for every add-on but the EC135; called in the 313-frame cycle after its readers, which refresh the
 // aircraft title that one of the tests looks at. Logs one line per block of names that it loads, and one that

@@ -1,14 +1,14 @@
 // Notifications of the XSquawkBox network client.
-#include "aircraft/adapter_slots.h"
 #include "aircraft/adapters.h"
+#include "bridge/sources.h"
 
 XSquawkBoxState xSquawkBoxState;
 
 namespace {
 
 template <size_t Size>
-void KeepText(const Source& slot, char (&text)[Size]) {
-  ReadText(slot.block, slot.index, text, Size);
+void KeepText(const Source& source, char (&text)[Size]) {
+  ReadText(source, text, Size);
 }
 
 }  // namespace
@@ -31,21 +31,21 @@ void ReceiveXSquawkBoxMessage(int message, void* parameter) {
       break;
     case 0x80000005:
       ++state.frequencyChanges;
-      KeepText(xsbCallsign, state.callsign);
-      state.frequency = ReadInt(xsbFreq);
+      KeepText(Bytes<"xsquawkbox/atc/callsign">, state.callsign);
+      state.frequency = ReadInt(Int<"xsquawkbox/atc/freq">);
       break;
     case 0x80000006:
       ++state.metarsReceived;
-      KeepText(xsbMetar, state.metar);
+      KeepText(Bytes<"xsquawkbox/weather/metar">, state.metar);
       break;
     case 0x80000007:
       ++state.textsReceived;
-      KeepText(xsbFrom, state.from);
-      KeepText(xsbMsg, state.text);
+      KeepText(Bytes<"xsquawkbox/text/from">, state.from);
+      KeepText(Bytes<"xsquawkbox/text/msg">, state.text);
       break;
     case 0x80000008:
       ++state.commandsTyped;
-      KeepText(xsbString, state.command);
+      KeepText(Bytes<"xsquawkbox/input/string">, state.command);
       break;
     case 0x80000009:
       ++state.aboutShown;

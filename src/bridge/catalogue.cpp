@@ -3,24 +3,24 @@
 #include <array>
 #include <cmath>
 
+#include "base/bytes.h"
 #include "bridge/encode.h"
+#include "offsets/memory.h"
+
+AddOnSet loadedAddOns;
+bool ixegThrottleTaken;
 
 namespace {
 
 // Position comes before attitude and attitude before the velocities, so that a client that sends all of
 // them in one request gets its velocity along the new heading.
-constexpr std::array<const RowTable*, 24> tables = {
-    &timeRows,     &positionRows, &speedRows,          &forceRows,   &autopilotRows, &controlRows,
-    &slewRows,     &throttleRows, &engineRows,         &iceRows,     &lightRows,     &electricRows,
-    &fuelRows,     &weightRows,   &pressurisationRows, &failureRows, &radioRows,     &navigationRows,
-    &identityRows, &airRows,      &cloudRows,          &windRows,    &situationRows, &miscRows};
+constexpr std::array<const RowTable*, 25> tables = {
+    &timeRows,           &positionRows,  &speedRows, &forceRows,      &autopilotRows, &controlRows, &slewRows,
+    &throttleRows,       &engineRows,    &iceRows,   &lightRows,      &electricRows,  &fuelRows,    &weightRows,
+    &pressurisationRows, &failureRows,   &radioRows, &navigationRows, &identityRows,  &airRows,     &cloudRows,
+    &windRows,           &situationRows, &miscRows,  &ownRows};
 
-template <typename T>
-T Get(const uint8_t* bytes) {
-  T value;
-  std::memcpy(&value, bytes, sizeof value);
-  return value;
-}
+constexpr Variant none = {};
 
 }  // namespace
 
@@ -55,9 +55,9 @@ void EncodeNumber(const OffsetRow& row, double value, uint8_t bytes[8]) {
 double DecodeNumber(Stored type, const uint8_t* bytes) {
   switch (type) {
     case Stored::F32:
-      return static_cast<double>(Get<float>(bytes));
+      return static_cast<double>(LoadFrom<float>(bytes));
     case Stored::F64:
-      return Get<double>(bytes);
+      return LoadFrom<double>(bytes);
     default:
       return static_cast<double>(DecodeInteger(type, bytes));
   }
@@ -66,19 +66,19 @@ double DecodeNumber(Stored type, const uint8_t* bytes) {
 int64_t DecodeInteger(Stored type, const uint8_t* bytes) {
   switch (type) {
     case Stored::U8:
-      return Get<uint8_t>(bytes);
+      return LoadFrom<uint8_t>(bytes);
     case Stored::S8:
-      return Get<int8_t>(bytes);
+      return LoadFrom<int8_t>(bytes);
     case Stored::U16:
-      return Get<uint16_t>(bytes);
+      return LoadFrom<uint16_t>(bytes);
     case Stored::S16:
-      return Get<int16_t>(bytes);
+      return LoadFrom<int16_t>(bytes);
     case Stored::U32:
-      return Get<uint32_t>(bytes);
+      return LoadFrom<uint32_t>(bytes);
     case Stored::S32:
-      return Get<int32_t>(bytes);
+      return LoadFrom<int32_t>(bytes);
     case Stored::S64:
-      return Get<int64_t>(bytes);
+      return LoadFrom<int64_t>(bytes);
     case Stored::F32:
     case Stored::F64: {
       const double number = DecodeNumber(type, bytes);
@@ -90,15 +90,26 @@ int64_t DecodeInteger(Stored type, const uint8_t* bytes) {
   return 0;
 }
 
-int TakePending(uint32_t offset, uint32_t width, void* value) {
+const Variant& ActiveVariant(const OffsetRow& row) {
+  for (const Variant& variant : row.variants) {
+    if (variant.addOn == AddOn::None || IsLoaded(variant.addOn)) return variant;
+  }
+  return none;
+}
+
+Source ActiveSource(const OffsetRow& row) {
+  return row.source.ref != nullptr ? row.source : ActiveVariant(row).source;
+}
+
+bool TakePending(uint32_t offset, uint32_t width, void* value) {
   LockScope lock(&offsetLock);
   if (pendingFlags.flags[offset] == 0) {
     std::memcpy(value, offsetMemory.bytes + offset, width);
-    return 0;
+    return false;
   }
   pendingFlags.flags[offset] = 0;
   std::memcpy(value, pendingValues.bytes + offset, width);
-  return 1;
+  return true;
 }
 
 void CopyFromMemory(uint32_t offset, uint32_t size, void* bytes) {
@@ -111,9 +122,9 @@ void CopyToMemory(uint32_t offset, uint32_t size, const void* bytes) {
   std::memcpy(offsetMemory.bytes + offset, bytes, size);
 }
 
-int TryCopyFromMemory(uint32_t offset, uint32_t size, void* bytes) {
-  if (!TryEnterLock(&offsetLock)) return 0;
+bool TryCopyFromMemory(uint32_t offset, uint32_t size, void* bytes) {
+  if (!TryEnterLock(&offsetLock)) return false;
   std::memcpy(bytes, offsetMemory.bytes + offset, size);
   LeaveLock(&offsetLock);
-  return 1;
+  return true;
 }

@@ -11,7 +11,9 @@
 #include <limits>
 #include <span>
 
+#include "bridge/add_ons.h"
 #include "bridge/sources.h"
+#include "offsets/dispatcher.h"
 
 enum class Stored : uint8_t { U8, S8, U16, S16, U32, S32, S64, F32, F64, Text };
 
@@ -28,6 +30,18 @@ enum class Show : uint8_t {
 };
 
 struct OffsetRow;
+struct Staged;
+
+// The functions that a row may point to. They run on the simulator's thread with no lock held.
+// Derives the row's number from several sources. Returns false to leave the offset as it is.
+using ReadRow = bool (*)(const OffsetRow& row, double* value);
+// Fills the row's `length` bytes, zeroed before. Returns false to leave the offset as it is.
+using ReadRowText = bool (*)(const OffsetRow& row, char* text);
+using Convert = double (*)(double value);
+// What a client's write does when it is more than a conversion.
+using ApplyWrite = void (*)(const OffsetRow& row, const Staged& staged);
+// Takes what several rows of a cycle need into a snapshot with a name, before any of them is read.
+using Prepare = void (*)();
 
 // A client's value as the writer gets it.
 struct Staged {
@@ -44,12 +58,32 @@ struct WriteRule {
   double factor = 1;  // dataref = value x factor, then limited
   double low = -std::numeric_limits<double>::infinity();
   double high = std::numeric_limits<double>::infinity();
-  double (*convert)(double value) = nullptr;  // instead of factor
-  void (*apply)(const OffsetRow& row, const Staged& staged) = nullptr;
+  Convert convert = nullptr;  // instead of factor
+  ApplyWrite apply = nullptr;
   void (*group)() = nullptr;
   bool staged = false;  // dispatchable without any effect of its own (the flag is consumed)
   uint16_t width = 0;   // bytes that are dispatched, when not the type's own width
 };
+
+// How one aircraft shows and takes a row's value: an add-on that counts while it is loaded, or the simulator's
+// own (AddOn::None), which stands last. The first that counts serves the row.
+struct Variant {
+  AddOn addOn = AddOn::None;
+  Source source = {};  // of a number; converted as the row says
+  ReadRow read = nullptr;
+  // Of a switch: on while one of these is lit, or while one of these bits of the autopilot's state is set.
+  Source lights[4] = {};
+  int stateBits = 0;
+  Source target = {};  // set by a write; converted as the row says, a switch to 0 or 1
+  ApplyWrite apply = nullptr;
+  // What turns a switch over, fired only when the wanted state differs from the shown one: the first one given.
+  const Command* press = nullptr;
+  int key = -1;      // of the simulator's keys
+  int stateBit = 0;  // of the autopilot's state, set to press it
+};
+// A row's variants in the row itself: .variants = variantsOf<Variant{...}, Variant{...}>.
+template <Variant... variants>
+constexpr Variant variantsOf[] = {variants...};
 
 struct OffsetRow {
   uint32_t offset = 0;
@@ -67,19 +101,21 @@ struct OffsetRow {
   Source source = {};         // the dataref that is read
   double factor = 1;          // stored = trunc(value x factor + add), saturated, NaN as 0
   double add = 0;
-  double (*convert)(double value) = nullptr;  // instead of factor and add
-  // Instead of `source`: derives the value from several. Returns 0 to leave the offset as it is.
-  int (*read)(const OffsetRow& row, double* value) = nullptr;
-  // Stored::Text: fills `length` bytes (zeroed before). Returns 0 to leave the offset as it is.
-  int (*readText)(const OffsetRow& row, char* text) = nullptr;
+  Convert convert = nullptr;               // instead of factor and add
+  ReadRow read = nullptr;                  // instead of `source`
+  ReadRowText readText = nullptr;          // Stored::Text
+  Prepare prepare = nullptr;               // the snapshot that `read` looks at
+  std::span<const Variant> variants = {};  // how each aircraft shows and takes the value
 
   WriteRule write = {};
+  bool readOnly = false;                            // clients' writes that begin here are passed over
+  DispatchAction dispatch = DispatchAction::Stage;  // other than Stage: dispatched so, whatever `write` says
   const char* lossy = "";  // why a written value does not read back within one step; "" when it does
   const char* note = "";   // further facts for the reference page
 };
 
 struct RowTable {
-  const char* subject;  // heading in the reference page
+  const char* subject;  // heading in the reference page; null for words that no page lists
   std::span<const OffsetRow> rows;
 };
 
@@ -88,7 +124,7 @@ extern const RowTable timeRows, positionRows, speedRows, forceRows, autopilotRow
 extern const RowTable throttleRows, engineRows, iceRows, lightRows, electricRows, fuelRows, weightRows,
     pressurisationRows, failureRows;
 extern const RowTable radioRows, navigationRows, identityRows, airRows, cloudRows, windRows, situationRows,
-    miscRows;
+    miscRows, ownRows;
 
 // All tables in the order in which readers and writers run.
 std::span<const RowTable* const> Catalogue();
@@ -102,12 +138,17 @@ void EncodeNumber(const OffsetRow& row, double value, uint8_t bytes[8]);
 double DecodeNumber(Stored type, const uint8_t* bytes);
 int64_t DecodeInteger(Stored type, const uint8_t* bytes);
 
+// The variant that serves a row at the moment; an empty one when none does. Simulator's thread.
+const Variant& ActiveVariant(const OffsetRow& row);
+// Where a row's number is read at the moment: its own source, else that of the variant that serves it.
+Source ActiveSource(const OffsetRow& row);
+
 // Writers' services. Takes the staged value of an offset: enters the offset lock, and when the flag is up
-// clears it, copies `width` bytes and returns 1; when no flag is up, copies what the offset memory holds
-// there instead and returns 0. Simulator's thread, no lock held.
-int TakePending(uint32_t offset, uint32_t width, void* value);
+// clears it, copies `width` bytes and returns true; when no flag is up, copies what the offset memory holds
+// there instead and returns false. Simulator's thread, no lock held.
+bool TakePending(uint32_t offset, uint32_t width, void* value);
 // Copies bytes of the offset memory under the offset lock (blocking; for writers), and stores some.
 void CopyFromMemory(uint32_t offset, uint32_t size, void* bytes);
 void CopyToMemory(uint32_t offset, uint32_t size, const void* bytes);
-// The same for readers: only tries the lock; returns 0 when it is busy.
-int TryCopyFromMemory(uint32_t offset, uint32_t size, void* bytes);
+// The same for readers: only tries the lock; returns false when it is busy.
+bool TryCopyFromMemory(uint32_t offset, uint32_t size, void* bytes);

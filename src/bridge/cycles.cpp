@@ -1,5 +1,7 @@
 #include "bridge/cycles.h"
 
+#include <cstring>
+
 #include "aircraft/adapters.h"
 #include "base/log.h"
 #include "bridge/reader_groups.h"
@@ -11,6 +13,7 @@
 #include "custom/custom.h"
 #include "net/relay.h"
 #include "offsets/dispatcher.h"
+#include "offsets/memory.h"
 #include "panels/panels.h"
 #include "platform/clock.h"
 #include "pushback/pushback.h"
@@ -26,9 +29,11 @@ int joystickButtonCount;
 
 namespace {
 
-constexpr Source runningTime = AuxFloatAt(0x0100);
+constexpr Source runningTime = Float<"sim/time/total_running_time_sec">;
 constexpr uint32_t crashOffset = 0x0840;
-constexpr Source overrides[4] = {AuxIntAt(0x0020), AuxIntAt(0x0021), AuxIntAt(0x0022), AuxIntAt(0x0023)};
+constexpr Source overrides[4] = {
+    Int<"sim/operation/override/override_joystick_pitch">, Int<"sim/operation/override/override_joystick_roll">,
+    Int<"sim/operation/override/override_joystick_heading">, Int<"sim/operation/override/override_throttles">};
 
 uint16_t crashWord;
 bool crashWordDue;  // not stored yet: the lock was busy
@@ -42,9 +47,9 @@ void StoreCrashWord() {
 
 // Runs a recognition; when an adapter was loaded or has gone, the readers take their handles anew.
 void WatchAdapters(void (*recognise)()) {
-  const AdapterState before = adapters;
+  const AddOnSet before = loadedAddOns;
   recognise();
-  if (std::memcmp(&before, &adapters, sizeof before) != 0) BindReaders();
+  if (before != loadedAddOns) BindReaders();
 }
 
 // All cycles but the first, the slowest ones first: others look at what they store. The user's own offsets stay
@@ -186,7 +191,7 @@ float OverrideWatch(float, float, int, void*) {
 }
 
 float ButtonCycle(float, float, int, void*) {
-  XPLMDataRef buttons = AuxDataRefMemBlock[0x010B];
+  const XPLMDataRef buttons = HandleOf(IntElement<"sim/joystick/joystick_button_values">(0));
   joystickButtonCount = buttons == nullptr ? 0 : XPLMGetDatavi(buttons, joystickButtons, 0, maxJoystickButtons);
   WatchButtons(joystickButtons, joystickButtonCount);
   return -1;

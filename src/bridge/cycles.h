@@ -28,8 +28,9 @@ float OverrideWatch(float, float, int, void*);
 float ButtonCycle(float, float, int, void*);
 float MultiplayerCycle(float, float, int, void*);
 
-// Runs the readers of one cycle once (the callbacks above call it; benchmarks and tests too).
-void RunReaders(Cycle cycle);
+// Runs the readers of one cycle once. In the same frame as the run before, what that one has read of the
+// simulator counts on; else the simulator is asked anew.
+void RunReaders(Cycle cycle, bool sameFrame = false);
 // Runs all writers once, in their fixed order.
 void RunWriters();
 

@@ -5,11 +5,13 @@
 // stores, in tight groups of rows with the lock held for one group at a time. What a frame needs of the
 // rows is laid out for these passes beforehand.
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "bridge/cycles.h"
 #include "bridge/encode.h"
 #include "bridge/reader_groups.h"
+#include "offsets/memory.h"
 
 RefreshCounters refreshCounters;
 
@@ -17,32 +19,31 @@ namespace {
 
 constexpr size_t groupRows = 32;  // at most so many are stored under one lock
 constexpr size_t cycleCount = static_cast<size_t>(Cycle::Count);
-constexpr uint16_t zeroNumber = 0;  // place of the 0 that a row without handle reads
+constexpr double nothing = 0;  // what a row without handle reads
 
-// One call to the simulator.
+// One call to the simulator, unless an earlier cycle of the frame has made it.
 struct Fetch {
-  XPLMDataRef handle;
-  int element;
+  DataRef* ref;
   Accessor accessor;
 };
 
 // The number of a row with a function: its own reading, or a conversion that is more than a factor.
 struct Derivation {
-  int (*read)(const OffsetRow& row, double* value);  // null: `convert`
-  double (*convert)(double value);
+  ReadRow read;  // null: `convert`
+  Convert convert;
   const OffsetRow* row;
-  uint16_t from;  // number that is converted
-  uint16_t group;
+  const double* from;  // number that is converted
+  uint32_t group;
   uint32_t bit;  // of its place, in the group's `left`
 };
 
 // stored = encoded (number x factor + add)
 struct Item {
   double factor, add;
-  uint32_t number;
+  const double* number;
 };
 
-using Encode = void (*)(const Item* item, size_t count, const double* numbers, uint8_t* bytes);
+using Encode = void (*)(const Item* item, size_t count, uint8_t* bytes);
 // Items of one type that stand together.
 struct Segment {
   Encode encode;
@@ -78,16 +79,16 @@ struct Reader {
   std::vector<Laid> rows;  // numbers, in the catalogue's order
   std::vector<Text> texts;
   // Laid out when the handles are bound:
-  std::vector<Fetch> fetches;  // by accessor, so many of each kind:
-  size_t floatElements, floats, ints;
+  std::vector<Prepare> prepares;  // each once
+  std::vector<Fetch> fetches;     // by accessor, so many of the common kinds:
+  size_t floatArrays, floats, ints;
   std::vector<Derivation> derivations;
   std::vector<Item> items;  // by type
   std::vector<Segment> segments;
   std::vector<Group> groups;
   std::vector<Place> places;  // group by group
-  // Of the run: a 0, what the simulator gave, what functions made of it; and all that is to be stored.
-  std::vector<float> elements;
-  std::vector<double> numbers;
+  // Of the run: what functions made of what the simulator gave, and all that is to be stored.
+  std::vector<double> derived;
   std::vector<uint8_t> bytes;
 };
 
@@ -96,8 +97,8 @@ Reader readers[cycleCount];
 // --- Building -----------------------------------------------------------------------------------------
 
 bool HasReader(const OffsetRow& row) {
-  return row.cycle != Cycle::None &&
-         (row.read != nullptr || row.readText != nullptr || row.source.block != Block::None);
+  return row.cycle != Cycle::None && (row.read != nullptr || row.readText != nullptr ||
+                                      ActiveSource(row).ref != nullptr || !row.variants.empty());
 }
 
 // In a group the wide values are stored first: a row that lies within an earlier, wider one still ends up
@@ -169,9 +170,9 @@ void TakeRows(Cycle cycle, Reader* reader) {
 }
 
 template <Stored type, typename T>
-void EncodeAs(const Item* item, size_t count, const double* numbers, uint8_t* bytes) {
+void EncodeAs(const Item* item, size_t count, uint8_t* bytes) {
   for (size_t i = 0; i < count; i++) {
-    const auto word = static_cast<T>(EncodedWord(type, numbers[item[i].number] * item[i].factor + item[i].add));
+    const auto word = static_cast<T>(EncodedWord(type, *item[i].number * item[i].factor + item[i].add));
     std::memcpy(bytes + i * sizeof word, &word, sizeof word);
   }
 }
@@ -201,23 +202,30 @@ Encode EncoderOf(Stored type) {
   return EncodeAs<Stored::F64, uint64_t>;
 }
 
-bool IsFetched(const OffsetRow* row) { return row->read == nullptr && HandleOf(row->source) != nullptr; }
-
-bool SameCall(const Fetch& a, const Fetch& b) {
-  return a.handle == b.handle && a.accessor == b.accessor && a.element == b.element;
-}
-Fetch FetchOf(const OffsetRow* row) {
-  return {HandleOf(row->source), row->source.element, row->source.accessor};
+bool IsFetched(const OffsetRow* row) {
+  return row->read == nullptr && ActiveVariant(*row).read == nullptr && HandleOf(ActiveSource(*row)) != nullptr;
 }
 
-// One call for all rows that read the same; kinds in the order of FetchNumbers.
+// Each snapshot that a row of the cycle looks at, once.
+void LayOutPrepares(Reader* reader) {
+  reader->prepares.clear();
+  for (const Laid& laid : reader->rows) {
+    const Prepare prepare = laid.row->prepare;
+    const auto known = std::find(reader->prepares.begin(), reader->prepares.end(), prepare);
+    if (prepare != nullptr && known == reader->prepares.end()) reader->prepares.push_back(prepare);
+  }
+}
+
+// One call for all rows that read the same dataref; kinds in the order of FetchNumbers.
 void LayOutFetches(Reader* reader) {
   std::vector<Fetch> all;
   for (const Laid& laid : reader->rows) {
     if (!IsFetched(laid.row)) continue;
-    const Fetch fetch = FetchOf(laid.row);
-    const auto same = [&](const Fetch& known) { return SameCall(known, fetch); };
-    if (std::none_of(all.begin(), all.end(), same)) all.push_back(fetch);
+    const Source source = ActiveSource(*laid.row);
+    const auto same = [&](const Fetch& known) { return known.ref == source.ref; };
+    if (source.element < keptElements && std::none_of(all.begin(), all.end(), same)) {
+      all.push_back({source.ref, source.accessor});
+    }
   }
   reader->fetches.clear();
   const auto take = [&](auto belongs) {
@@ -225,21 +233,19 @@ void LayOutFetches(Reader* reader) {
     std::copy_if(all.begin(), all.end(), std::back_inserter(reader->fetches), belongs);
     return reader->fetches.size() - before;
   };
-  reader->floatElements = take([](const Fetch& f) { return f.accessor == Accessor::FloatArray; });
+  reader->floatArrays = take([](const Fetch& f) { return f.accessor == Accessor::FloatArray; });
   reader->floats = take([](const Fetch& f) { return f.accessor == Accessor::Float; });
   reader->ints = take([](const Fetch& f) { return f.accessor == Accessor::Int; });
   take([](const Fetch& f) {
     return f.accessor != Accessor::FloatArray && f.accessor != Accessor::Float && f.accessor != Accessor::Int;
   });
-  reader->elements.assign(reader->floatElements, 0);
 }
 
-uint16_t NumberOf(const Reader& reader, const OffsetRow* row) {
-  if (!IsFetched(row)) return zeroNumber;
-  const Fetch fetch = FetchOf(row);
-  const auto known = std::find_if(reader.fetches.begin(), reader.fetches.end(),
-                                  [&](const Fetch& other) { return SameCall(other, fetch); });
-  return static_cast<uint16_t>(zeroNumber + 1 + (known - reader.fetches.begin()));
+// Where a row's number lies once the fetches are done.
+const double* NumberOf(const OffsetRow* row) {
+  if (!IsFetched(row)) return &nothing;
+  const Source source = ActiveSource(*row);
+  return &source.ref->values[source.element];
 }
 
 // Wide types first, which aligns all of them.
@@ -259,7 +265,7 @@ void LayOutItems(Reader* reader) {
     const OffsetRow& row = *laid->row;
     laid->item = reader->items.size();
     laid->from = from;
-    reader->items.push_back({row.factor, row.add, NumberOf(*reader, &row)});
+    reader->items.push_back({row.factor, row.add, NumberOf(&row)});
     const Encode encode = EncoderOf(row.type);
     if (reader->segments.empty() || reader->segments.back().encode != encode) {
       reader->segments.push_back({encode, 0, 0});
@@ -291,56 +297,78 @@ void LayOutPlaces(Reader* reader) {
   }
 }
 
-// In the catalogue's order: some rows use what the row before them has read.
+// Far elements of an array, which are not kept, are read one by one.
+bool ReadFarElement(const OffsetRow& row, double* value) {
+  const double number = ReadSource(ActiveSource(row));
+  *value = row.convert != nullptr ? row.convert(number) : number * row.factor + row.add;
+  return true;
+}
+
+ReadRow ReadOf(const OffsetRow* row) {
+  if (row->read != nullptr) return row->read;
+  if (ActiveVariant(*row).read != nullptr) return ActiveVariant(*row).read;
+  return IsFetched(row) && ActiveSource(*row).element >= keptElements ? ReadFarElement : nullptr;
+}
+
 void LayOutDerivations(Reader* reader) {
   reader->derivations.clear();
-  uint32_t number = zeroNumber + 1 + static_cast<uint32_t>(reader->fetches.size());
+  const auto isDerived = [](const Laid& laid) {
+    return ReadOf(laid.row) != nullptr || laid.row->convert != nullptr;
+  };
+  const auto count = std::count_if(reader->rows.begin(), reader->rows.end(), isDerived);
+  reader->derived.assign(static_cast<size_t>(count), 0);
+  const double* number = reader->derived.data();
   for (const Laid& laid : reader->rows) {
-    if (laid.row->read == nullptr && laid.row->convert == nullptr) continue;
+    if (!isDerived(laid)) continue;
     Item& item = reader->items[laid.item];
-    reader->derivations.push_back({laid.row->read, laid.row->convert, laid.row,
-                                   static_cast<uint16_t>(item.number), static_cast<uint16_t>(laid.group),
-                                   1U << laid.place});
+    reader->derivations.push_back({ReadOf(laid.row), laid.row->convert, laid.row, item.number,
+                                   static_cast<uint32_t>(laid.group), 1U << laid.place});
     // Times 1 plus -0 leaves every number as it is, -0 too.
-    item = {1, -0.0, number};
-    number++;
+    item = {1, -0.0, number++};
   }
-  reader->numbers.assign(number, 0);
 }
 
 // --- Running ------------------------------------------------------------------------------------------
 
-// Fills the numbers from the simulator and returns where they end. No lock held.
-double* FetchNumbers(Reader& reader) {
+// Asks the simulator for what no earlier cycle of this frame has asked for. No lock held.
+void FetchNumbers(const Reader& reader) {
+  const uint32_t frame = keptFrame;
   const Fetch* fetch = reader.fetches.data();
   const Fetch* const end = fetch + reader.fetches.size();
-  float* const elements = reader.elements.data();
-  const size_t elementCount = reader.floatElements;
-  for (size_t i = 0; i < elementCount; i++, fetch++) {
-    elements[i] = 0;  // stays when the array is shorter
-    XPLMGetDatavf(fetch->handle, &elements[i], fetch->element, 1);
-  }
-  double* const first = reader.numbers.data() + zeroNumber + 1;
-  double* number = first + elementCount;
+  fetch += reader.floatArrays;  // they come last: see below
   for (const Fetch* last = fetch + reader.floats; fetch != last; fetch++) {
-    *number++ = static_cast<double>(XPLMGetDataf(fetch->handle));
+    DataRef& ref = *fetch->ref;
+    if (ref.frame == frame) continue;
+    ref.frame = frame;
+    ref.keptAs = Accessor::Float;
+    ref.values[0] = static_cast<double>(XPLMGetDataf(ref.handle));
   }
-  for (const Fetch* last = fetch + reader.ints; fetch != last; fetch++) *number++ = XPLMGetDatai(fetch->handle);
-  for (; fetch != end; fetch++) *number++ = ReadNumber(fetch->handle, fetch->accessor, fetch->element);
-  // The elements last: a load right behind the store of the same bytes would wait for it.
-  for (size_t i = 0; i < elementCount; i++) first[i] = static_cast<double>(elements[i]);
-  return number;
+  for (const Fetch* last = fetch + reader.ints; fetch != last; fetch++) {
+    DataRef& ref = *fetch->ref;
+    if (ref.frame == frame) continue;
+    ref.frame = frame;
+    ref.keptAs = Accessor::Int;
+    ref.values[0] = XPLMGetDatai(ref.handle);
+  }
+  for (; fetch != end; fetch++) {
+    if (fetch->ref->frame != frame) Keep(*fetch->ref, fetch->accessor);
+  }
+  fetch = reader.fetches.data();
+  for (const Fetch* last = fetch + reader.floatArrays; fetch != last; fetch++) {
+    if (fetch->ref->frame != frame) Keep(*fetch->ref, Accessor::FloatArray);
+  }
 }
 
 // Runs the rows' functions; marks the places that are left as they are. No lock held.
-void Derive(Reader& reader, double* number) {
+void Derive(Reader& reader) {
+  double* number = reader.derived.data();
   for (const Derivation& derivation : reader.derivations) {
     if (derivation.read == nullptr) {
-      *number++ = derivation.convert(reader.numbers[derivation.from]);
+      *number++ = derivation.convert(*derivation.from);
       continue;
     }
     double value = 0;
-    if (derivation.read(*derivation.row, &value) == 0) reader.groups[derivation.group].left |= derivation.bit;
+    if (!derivation.read(*derivation.row, &value)) reader.groups[derivation.group].left |= derivation.bit;
     *number++ = value;
   }
 }
@@ -349,7 +377,7 @@ void EncodeItems(Reader& reader) {
   const Item* item = reader.items.data();
   uint8_t* bytes = reader.bytes.data();
   for (const Segment& segment : reader.segments) {
-    segment.encode(item, segment.count, reader.numbers.data(), bytes);
+    segment.encode(item, segment.count, bytes);
     item += segment.count;
     bytes += segment.bytes;
   }
@@ -412,8 +440,8 @@ bool RunTexts(Reader& reader) {
   bool missed = false;
   for (Text& text : reader.texts) {
     std::memset(text.bytes, 0, sizeof text.bytes);
-    text.missed = text.row->readText != nullptr && text.row->readText(*text.row, text.bytes) != 0 &&
-                  MissedText(text, false);
+    text.missed =
+        text.row->readText != nullptr && text.row->readText(*text.row, text.bytes) && MissedText(text, false);
     missed |= text.missed;
   }
   return missed;
@@ -450,6 +478,7 @@ void BuildReaders() {
 
 void BindReaders() {
   for (Reader& reader : readers) {
+    LayOutPrepares(&reader);
     LayOutFetches(&reader);
     LayOutItems(&reader);
     LayOutPlaces(&reader);
@@ -457,9 +486,12 @@ void BindReaders() {
   }
 }
 
-void RunReaders(Cycle cycle) {
+void RunReaders(Cycle cycle, bool sameFrame) {
   Reader& reader = readers[static_cast<size_t>(cycle)];
-  Derive(reader, FetchNumbers(reader));
+  const KeepReads keep(!sameFrame);
+  for (const Prepare prepare : reader.prepares) prepare();
+  FetchNumbers(reader);
+  Derive(reader);
   const SimulatorTurn turn;
   EncodeItems(reader);
   const bool groupsMissed = StoreGroups(reader);

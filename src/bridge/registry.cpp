@@ -1,68 +1,94 @@
 #include "bridge/registry.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
+#include <string_view>
+#include <vector>
 
 #include "base/log.h"
+#include "bridge/catalogue.h"
 
-XPLMDataRef DataRefMemBlock[offsetMemorySize];
-XPLMDataRef AuxDataRefMemBlock[offsetMemorySize];
 uint8_t VariablesAccessMemBlock[offsetMemorySize];
-CommandBlock commandBlock;
 
 namespace {
 
-XPLMCommandRef EngineCommand(const char* stem, int engine) {
-  char name[64];
-  std::snprintf(name, sizeof(name), "sim/%s_%d", stem, engine);
-  return XPLMFindCommand(name);
+constexpr std::string_view simulatorPrefix = "sim/";
+
+// All names of a list that begin with the prefix, by the alphabet.
+template <typename Entry>
+std::vector<Entry*> Named(Entry* first, std::string_view prefix) {
+  std::vector<Entry*> entries;
+  for (Entry* entry = first; entry != nullptr; entry = entry->next) {
+    if (std::string_view(entry->name).starts_with(prefix)) entries.push_back(entry);
+  }
+  std::sort(entries.begin(), entries.end(),
+            [](const Entry* a, const Entry* b) { return std::string_view(a->name) < b->name; });
+  return entries;
 }
 
-void LookUpEngine(int engine) {
-  EngineCommands& commands = commandBlock.engines[engine - 1];
-  commands.magnetosOff = EngineCommand("magnetos/magnetos_off", engine);
-  commands.magnetosRight = EngineCommand("magnetos/magnetos_right", engine);
-  commands.magnetosLeft = EngineCommand("magnetos/magnetos_left", engine);
-  commands.magnetosBoth = EngineCommand("magnetos/magnetos_both", engine);
-  commands.engageStarter = EngineCommand("starters/engage_starter", engine);
+// Asks for the plain list first, then for what else is named in the program.
+template <typename Entry, typename Find>
+void LookUpAll(Entry* first, std::span<const char* const> names, Find find) {
+  const std::vector<Entry*> entries = Named(first, simulatorPrefix);
+  std::vector<bool> asked(entries.size());
+  for (const char* name : names) {
+    const auto handle = find(name);
+    const auto place =
+        std::lower_bound(entries.begin(), entries.end(), std::string_view(name),
+                         [](const Entry* entry, std::string_view wanted) { return entry->name < wanted; });
+    if (place == entries.end() || std::string_view((*place)->name) != name) continue;
+    (*place)->handle = handle;
+    asked[static_cast<size_t>(place - entries.begin())] = true;
+  }
+  for (size_t i = 0; i < entries.size(); ++i) {
+    if (!asked[i]) entries[i]->handle = find(entries[i]->name);
+  }
+}
+
+template <typename Entry, typename Find>
+uint32_t LookUpNamed(Entry* first, const char* prefix, Find find) {
+  uint32_t found = 0;
+  for (Entry* entry : Named(first, prefix)) {
+    entry->handle = find(entry->name);
+    found += entry->handle != nullptr ? 1 : 0;
+  }
+  return found;
+}
+
+// Times and indications that only the simulator decides, identity words, and words of this program's own.
+void TakeAccessFromRows() {
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) {
+      if (row.readOnly) std::fill_n(VariablesAccessMemBlock + row.offset, StoredWidth(row), accessReadOnly);
+    }
+  }
 }
 
 }  // namespace
 
-int InitMemoryBlocks() {
+void InitMemoryBlocks() {
   ClearOffsetMemory();
-  std::fill(std::begin(DataRefMemBlock), std::end(DataRefMemBlock), nullptr);
-  std::fill(std::begin(AuxDataRefMemBlock), std::end(AuxDataRefMemBlock), nullptr);
+  for (DataRef* ref = firstDataRef; ref != nullptr; ref = ref->next) ref->handle = nullptr;
+  for (Command* command = firstCommand; command != nullptr; command = command->next) command->handle = nullptr;
   std::fill(std::begin(VariablesAccessMemBlock), std::end(VariablesAccessMemBlock), accessReadWrite);
   LogLine("Init Mem Blocks OK!\n");
-  return 1;
 }
 
-int LookUpDataRefs() {
-  for (uint32_t i = 0; i < bindingCount; ++i) {
-    const Binding& binding = bindings[i];
-    XPLMDataRef* block = binding.block == Block::Primary ? DataRefMemBlock : AuxDataRefMemBlock;
-    block[binding.index] = XPLMFindDataRef(binding.name);
-  }
-  for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
-    std::fill(VariablesAccessMemBlock + readOnlyRanges[i].first,
-              VariablesAccessMemBlock + readOnlyRanges[i].last + 1, accessReadOnly);
-  }
+void LookUpDataRefs() {
+  LookUpAll(firstDataRef, startDataRefs, XPLMFindDataRef);
+  TakeAccessFromRows();
   LogLine("Init DataRefMemBlock & VariablesAccessMemBlock OK!\n");
-  return 1;
 }
 
-int LookUpCommands() {
-  LookUpEngine(1);
-  LookUpEngine(2);
-  commandBlock.backCourse = XPLMFindCommand("sim/autopilot/back_course");
-  commandBlock.approach = XPLMFindCommand("sim/autopilot/approach");
-  commandBlock.autothrottleToggle = XPLMFindCommand("sim/autopilot/autothrottle_toggle");
-  commandBlock.takeOffGoAround = XPLMFindCommand("sim/autopilot/take_off_go_around");
-  LookUpEngine(3);
-  LookUpEngine(4);
-  commandBlock.contactAtc = XPLMFindCommand("sim/operation/contact_atc");
+void LookUpCommands() {
+  LookUpAll(firstCommand, startCommands, XPLMFindCommand);
   LogLine("Init Command Block OK!\n");
-  return 1;
+}
+
+uint32_t LookUpDataRefsOf(const char* prefix) { return LookUpNamed(firstDataRef, prefix, XPLMFindDataRef); }
+uint32_t LookUpCommandsOf(const char* prefix) { return LookUpNamed(firstCommand, prefix, XPLMFindCommand); }
+
+void DropNamesOf(const char* prefix) {
+  for (DataRef* ref : Named(firstDataRef, prefix)) ref->handle = nullptr;
+  for (Command* command : Named(firstCommand, prefix)) command->handle = nullptr;
 }

@@ -2,21 +2,56 @@
 
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
-#include "bridge/catalogue.h"
+// Filled before any other code of the module runs; zero until then, whatever the order of the files.
+constinit DataRef* firstDataRef = nullptr;
+constinit Command* firstCommand = nullptr;
+uint32_t keptFrame;
 
-void SetSource(const Source& source, double value) {
-  if (std::isfinite(value)) WriteNumber(HandleOf(source), source.accessor, source.element, value);
+namespace {
+
+uint32_t looks;  // number of the newest look; 0 is no look
+
+}  // namespace
+
+DataRef::DataRef(const char* published) : name(published), next(firstDataRef) { firstDataRef = this; }
+Command::Command(const char* published) : name(published), next(firstCommand) { firstCommand = this; }
+
+KeepReads::KeepReads(bool newLook) {
+  if (newLook || looks == 0) ++looks;
+  if (looks == 0) ++looks;
+  keptFrame = looks;
 }
 
-int ReadText(Block block, uint32_t index, char* text, int size) {
-  const Source source = {block, index, Accessor::None, 0};
-  XPLMDataRef handle = HandleOf(source);
+void Keep(DataRef& ref, Accessor accessor) {
+  ref.frame = keptFrame;
+  ref.keptAs = accessor;
+  const Accessor fitting = accessor == Accessor::Any ? FittingAccessor(ref.handle) : accessor;
+  if (ref.handle != nullptr && fitting == Accessor::FloatArray) {
+    float elements[keptElements] = {};  // what lies beyond the array's end stays 0
+    XPLMGetDatavf(ref.handle, elements, 0, keptElements);
+    for (int i = 0; i < keptElements; ++i) ref.values[i] = static_cast<double>(elements[i]);
+  } else if (ref.handle != nullptr && fitting == Accessor::IntArray) {
+    int elements[keptElements] = {};
+    XPLMGetDatavi(ref.handle, elements, 0, keptElements);
+    std::copy(std::begin(elements), std::end(elements), ref.values);
+  } else {
+    ref.values[0] = ReadNumber(ref.handle, fitting, 0);
+  }
+}
+
+void SetSource(const Source& source, double value) {
+  if (source.ref == nullptr || !std::isfinite(value)) return;
+  source.ref->frame = 0;
+  WriteNumber(source.ref->handle, source.accessor, source.element, value);
+}
+
+int ReadText(const Source& source, char* text, int size) {
+  const XPLMDataRef handle = HandleOf(source);
   int length = 0;
   if (handle != nullptr) length = XPLMGetDatab(handle, text, 0, size - 1);
-  if (length < 0) length = 0;
-  if (length > size - 1) length = size - 1;
-  text[length] = 0;
+  text[std::clamp(length, 0, size - 1)] = 0;
   return static_cast<int>(std::strlen(text));
 }
 

@@ -1,58 +1,124 @@
-// Reading and setting datarefs by their place in the registry, with the accessor that fits the dataref.
+// Datarefs and commands by their own names: the objects that hold the simulator's handles, and how rows and row
+// functions read and set them.
 //
-// Simulator's thread only, never with a lock held. A null handle reads 0 and ignores a set without calling
-// the simulator.
+// There is one object a name, whatever the number of rows that use it: Float<"sim/..."> makes it, and the
+// linker folds all uses of the same name into one. A row that states its source so is a constant, and a read is
+// one load of the handle. Handles are filled at start (bridge/registry.h) and, for the names of an add-on, when
+// it is recognised; a name that nobody publishes leaves its handle null, which reads 0 and takes no value.
+//
+// Simulator's thread only, never with a lock held.
 #pragma once
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
+#include "XPLMUtilities.h"
 #include "bridge/dataref_codec.h"
-#include "bridge/registry.h"
 
-// One number in the simulator: where the handle stands and how it is read. `element` counts from 0 and
-// matters for the array accessors only.
-struct Source {
-  Block block = Block::None;
-  uint32_t index = 0;
-  Accessor accessor = Accessor::None;
-  int element = 0;
+// A name as a template parameter.
+template <size_t size>
+struct NameText {
+  char text[size] = {};
+  consteval NameText() = default;
+  consteval NameText(const char (&name)[size]) { std::copy_n(name, size, text); }
 };
 
-// Short forms for tables: IntAt(0x0264), FloatAt(0x02B8), FloatElementAt(0x0898, 0), AuxFloatAt(0x0033) ...
-constexpr Source IntAt(uint32_t index) { return {Block::Primary, index, Accessor::Int, 0}; }
-constexpr Source FloatAt(uint32_t index) { return {Block::Primary, index, Accessor::Float, 0}; }
-constexpr Source DoubleAt(uint32_t index) { return {Block::Primary, index, Accessor::Double, 0}; }
-constexpr Source IntElementAt(uint32_t index, int element) {
-  return {Block::Primary, index, Accessor::IntArray, element};
+// What is kept of an array within a frame: its first elements, those of the engines among them.
+constexpr int keptElements = 8;
+
+// One dataref of the simulator or of an add-on. All of them form a list, from firstDataRef on.
+struct DataRef {
+  explicit DataRef(const char* published);
+  const char* name;
+  XPLMDataRef handle = nullptr;
+  DataRef* next;
+  // What readers have read in the frame of this number (KeepReads); a scalar stands at element 0.
+  uint32_t frame = 0;
+  Accessor keptAs = Accessor::None;
+  double values[keptElements] = {};
+};
+extern DataRef* firstDataRef;
+template <NameText name>
+inline DataRef dataRefOf{name.text};
+
+// One command, the same way.
+struct Command {
+  explicit Command(const char* published);
+  const char* name;
+  XPLMCommandRef handle = nullptr;
+  Command* next;
+};
+extern Command* firstCommand;
+template <NameText name>
+inline Command commandOf{name.text};
+
+// One number in the simulator: a dataref, how it is read, and for the array accessors the element from 0.
+struct Source {
+  DataRef* ref = nullptr;
+  Accessor accessor = Accessor::None;
+  int element = 0;
+  bool operator==(const Source&) const = default;
+};
+
+// Short forms for tables: Int<"sim/...">, FloatElement<"sim/...">(2). Fitting asks the simulator for the type
+// at every read, for add-ons whose publisher does not state it; Bytes is a text.
+template <NameText name>
+constexpr Source Int = {&dataRefOf<name>, Accessor::Int, 0};
+template <NameText name>
+constexpr Source Float = {&dataRefOf<name>, Accessor::Float, 0};
+template <NameText name>
+constexpr Source Double = {&dataRefOf<name>, Accessor::Double, 0};
+template <NameText name>
+constexpr Source Fitting = {&dataRefOf<name>, Accessor::Any, 0};
+template <NameText name>
+constexpr Source Bytes = {&dataRefOf<name>, Accessor::Bytes, 0};
+template <NameText name>
+constexpr Source IntElement(int element) {
+  return {&dataRefOf<name>, Accessor::IntArray, element};
 }
-constexpr Source FloatElementAt(uint32_t index, int element) {
-  return {Block::Primary, index, Accessor::FloatArray, element};
-}
-constexpr Source AuxIntAt(uint32_t index) { return {Block::Auxiliary, index, Accessor::Int, 0}; }
-constexpr Source AuxFloatAt(uint32_t index) { return {Block::Auxiliary, index, Accessor::Float, 0}; }
-constexpr Source AuxDoubleAt(uint32_t index) { return {Block::Auxiliary, index, Accessor::Double, 0}; }
-constexpr Source AuxIntElementAt(uint32_t index, int element) {
-  return {Block::Auxiliary, index, Accessor::IntArray, element};
-}
-constexpr Source AuxFloatElementAt(uint32_t index, int element) {
-  return {Block::Auxiliary, index, Accessor::FloatArray, element};
+template <NameText name>
+constexpr Source FloatElement(int element) {
+  return {&dataRefOf<name>, Accessor::FloatArray, element};
 }
 
 inline XPLMDataRef HandleOf(const Source& source) {
-  return source.block == Block::Primary     ? DataRefMemBlock[source.index]
-         : source.block == Block::Auxiliary ? AuxDataRefMemBlock[source.index]
-                                            : nullptr;
+  return source.ref == nullptr ? nullptr : source.ref->handle;
 }
 
+// The frame whose reads are kept, 0 for none: within it a dataref is asked for once, and an array whole.
+extern uint32_t keptFrame;
+// Reads a dataref into its kept values.
+void Keep(DataRef& ref, Accessor accessor);
+
+// The number as the simulator has it, or as it was kept in this frame.
 inline double ReadSource(const Source& source) {
-  return ReadNumber(HandleOf(source), source.accessor, source.element);
+  if (source.ref == nullptr) return 0;
+  DataRef& ref = *source.ref;
+  if (keptFrame == 0 || source.element >= keptElements) {
+    return ReadNumber(ref.handle, source.accessor, source.element);
+  }
+  if (ref.frame != keptFrame || ref.keptAs != source.accessor) Keep(ref, source.accessor);
+  return ref.values[source.element];
 }
 inline int ReadInt(const Source& source) { return static_cast<int>(ReadSource(source)); }
-inline int IsOn(const Source& source) { return ReadSource(source) != 0; }
+inline bool IsOn(const Source& source) { return ReadSource(source) != 0; }
 // Sets it; int datarefs take the truncated value, saturated. NaN and infinity are not handed on.
 void SetSource(const Source& source, double value);
 // Text of a byte dataref, cut at the first NUL and to size - 1; returns its length.
-int ReadText(Block block, uint32_t index, char* text, int size);
-// Fires a command once; a null handle does nothing.
+int ReadText(const Source& source, char* text, int size);
+
+// Keeps what is read while it lives. A new look forgets what was kept before; else what an earlier look has
+// read counts on: several cycles that run in one frame read the same dataref once.
+class KeepReads {
+ public:
+  explicit KeepReads(bool newLook);
+  ~KeepReads() { keptFrame = 0; }
+  KeepReads(const KeepReads&) = delete;
+  KeepReads& operator=(const KeepReads&) = delete;
+};
+
+// Fires a command once; an unpublished one does nothing.
 void FireCommand(XPLMCommandRef command);
+inline void FireCommand(const Command& command) { FireCommand(command.handle); }
 // Button press and release in one.
 void PushButton(XPLMCommandButtonID button);

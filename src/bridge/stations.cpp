@@ -21,11 +21,14 @@ struct SearchKey {
 SearchKey lastSearch[2];
 
 constexpr double searchAgainDegrees = 0.5;
-constexpr Source ownLatitude = DoubleAt(0x0560);
-constexpr Source ownLongitude = DoubleAt(0x0568);
-constexpr Source navFrequency[2] = {AuxIntAt(0x0002), IntAt(0x0352)};
-constexpr Source adfFrequency[2] = {IntAt(0x034C), IntAt(0x02D4)};
-constexpr uint32_t navIdentSlot[2] = {0x0004, 0x0005};
+constexpr Source ownLatitude = Double<"sim/flightmodel/position/latitude">;
+constexpr Source ownLongitude = Double<"sim/flightmodel/position/longitude">;
+constexpr Source navFrequency[2] = {Int<"sim/cockpit/radios/nav1_freq_hz">,
+                                    Int<"sim/cockpit/radios/nav2_freq_hz">};
+constexpr Source adfFrequency[2] = {Int<"sim/cockpit/radios/adf1_freq_hz">,
+                                    Int<"sim/cockpit/radios/adf2_freq_hz">};
+constexpr Source navIdent[2] = {Bytes<"sim/cockpit2/radios/indicators/nav1_nav_id">,
+                                Bytes<"sim/cockpit2/radios/indicators/nav2_nav_id">};
 
 XPLMNavType DatabaseType(int type) {
   switch (type) {
@@ -96,7 +99,7 @@ void FindStation(NavRadio* radio, SearchKey* key) {
 void TuneStations() {
   // Order of the elements: NAV1, NAV2, ADF1, ADF2.
   int types[4] = {};
-  if (XPLMDataRef handle = HandleOf(AuxIntElementAt(0x0003, 0)); handle != nullptr) {
+  if (XPLMDataRef handle = HandleOf(IntElement<"sim/cockpit/radios/nav_type">(0)); handle != nullptr) {
     XPLMGetDatavi(handle, types, 0, 4);
   }
   for (int n = 0; n < 2; ++n) {
@@ -104,7 +107,7 @@ void TuneStations() {
     radio.frequency = ReadInt(navFrequency[n]);
     radio.type = types[n];
     std::memset(radio.ident, 0, sizeof radio.ident);
-    ReadText(Block::Auxiliary, navIdentSlot[n], radio.ident, sizeof radio.ident);
+    ReadText(navIdent[n], radio.ident, sizeof radio.ident);
     adfRadios[n] = {ReadInt(adfFrequency[n]), types[2 + n]};
     FindStation(&radio, &lastSearch[n]);
   }

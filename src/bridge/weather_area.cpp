@@ -16,9 +16,12 @@ struct CloudPlaces {
   Source base, tops, type;
 };
 constexpr CloudPlaces clouds[layerCount] = {
-    {FloatAt(0x0EA4), FloatAt(0x0EA2), IntAt(0x0EA6)},
-    {AuxFloatAt(0x0113), AuxFloatAt(0x0112), AuxIntAt(0x010D)},
-    {FloatAt(0x0E9C), FloatAt(0x0E9A), IntAt(0x0E9E)},
+    {Float<"sim/weather/cloud_base_msl_m[0]">, Float<"sim/weather/cloud_tops_msl_m[0]">,
+     Int<"sim/weather/cloud_type[0]">},
+    {Float<"sim/weather/cloud_base_msl_m[1]">, Float<"sim/weather/cloud_tops_msl_m[1]">,
+     Int<"sim/weather/cloud_type[1]">},
+    {Float<"sim/weather/cloud_base_msl_m[2]">, Float<"sim/weather/cloud_tops_msl_m[2]">,
+     Int<"sim/weather/cloud_type[2]">},
 };
 
 struct WindPlaces {
@@ -26,12 +29,15 @@ struct WindPlaces {
   double degreesPerUnit;  // the surface layer counts a full turn as 65536, the others as 65535
 };
 constexpr WindPlaces winds[layerCount] = {
-    {FloatAt(0x0F70), FloatAt(0x0F72), FloatAt(0x0F74), FloatAt(0x0F78), FloatAt(0x0F76), AuxFloatAt(0x010E),
-     360.0 / 65536},
-    {FloatAt(0x0F64), FloatAt(0x0F68), FloatAt(0x0F6A), FloatAt(0x0F6E), FloatAt(0x0F6C), AuxFloatAt(0x010F),
-     360.0 / 65535},
-    {FloatAt(0x0F58), FloatAt(0x0F5C), FloatAt(0x0F5E), FloatAt(0x0F62), FloatAt(0x0F60), AuxFloatAt(0x0110),
-     360.0 / 65535},
+    {Float<"sim/weather/wind_altitude_msl_m[0]">, Float<"sim/weather/wind_speed_kt[0]">,
+     Float<"sim/weather/wind_direction_degt[0]">, Float<"sim/weather/shear_speed_kt[0]">,
+     Float<"sim/weather/turbulence[0]">, Float<"sim/weather/shear_direction_degt[0]">, 360.0 / 65536},
+    {Float<"sim/weather/wind_altitude_msl_m[1]">, Float<"sim/weather/wind_speed_kt[1]">,
+     Float<"sim/weather/wind_direction_degt[1]">, Float<"sim/weather/shear_speed_kt[1]">,
+     Float<"sim/weather/turbulence[1]">, Float<"sim/weather/shear_direction_degt[1]">, 360.0 / 65535},
+    {Float<"sim/weather/wind_altitude_msl_m[2]">, Float<"sim/weather/wind_speed_kt[2]">,
+     Float<"sim/weather/wind_direction_degt[2]">, Float<"sim/weather/shear_speed_kt[2]">,
+     Float<"sim/weather/turbulence[2]">, Float<"sim/weather/shear_direction_degt[2]">, 360.0 / 65535},
 };
 
 template <typename T>
@@ -74,12 +80,12 @@ void ApplyWeatherArea() {
 
   const double pressure = Field<uint16_t>(area, 0x0A);
   const double visibility = Field<uint16_t>(area, 0x0C);
-  SetSource(AuxFloatAt(0x003E), std::min(Field<uint16_t>(area, 0x08) * 0.25, 1.0));
-  if (pressure != 0) SetSource(AuxFloatAt(0x0111), pressure / (33.86 * 16));
-  if (visibility != 0) SetSource(FloatAt(0x0E8A), visibility * 18.52);
-  SetSource(FloatAt(0x0EC0), Field<int16_t>(area, 0x0E));
-  SetSource(FloatAt(0x04D4), Field<int16_t>(area, 0x10));
-  SetSource(FloatAt(0x04CB), std::min(Field<uint16_t>(area, 0x12) * 0.25, 1.0));
+  SetSource(Float<"sim/weather/rate_change_percent">, std::min(Field<uint16_t>(area, 0x08) * 0.25, 1.0));
+  if (pressure != 0) SetSource(Float<"sim/weather/barometer_sealevel_inhg">, pressure / (33.86 * 16));
+  if (visibility != 0) SetSource(Float<"sim/weather/visibility_reported_m">, visibility * 18.52);
+  SetSource(Float<"sim/weather/temperature_sealevel_c">, Field<int16_t>(area, 0x0E));
+  SetSource(Float<"sim/weather/dewpoi_sealevel_c">, Field<int16_t>(area, 0x10));
+  SetSource(Float<"sim/weather/rain_percent">, std::min(Field<uint16_t>(area, 0x12) * 0.25, 1.0));
   for (int n = 0; n < layerCount; ++n) {
     ApplyClouds(area + 0x20 + 8 * n, clouds[n]);
     ApplyWind(area + 0x40 + 16 * n, winds[n]);

@@ -1,11 +1,13 @@
 // Writers: what client writes do to the simulator, applied on its own thread in a fixed order.
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "bridge/cycles.h"
 #include "bridge/writer_list.h"
 #include "offsets/dispatcher.h"
+#include "offsets/memory.h"
 
 namespace {
 
@@ -22,23 +24,10 @@ std::vector<Writer> writers;
 
 bool HasWriter(const OffsetRow& row) {
   const WriteRule& write = row.write;
-  return write.target.block != Block::None || write.apply != nullptr || write.staged;
+  return write.target.ref != nullptr || write.apply != nullptr || write.staged;
 }
 
 uint32_t WriteWidth(const OffsetRow& row) { return row.write.width != 0 ? row.write.width : StoredWidth(row); }
-
-DispatchAction ActionOf(const OffsetRow& row) {
-  switch (row.offset) {
-    case 0x0558:
-      return DispatchAction::StageTwoOrFour;
-    case 0x3F00:
-      return DispatchAction::StageAlways;
-    case 0x3F04:
-      return DispatchAction::StageText;
-    default:
-      return DispatchAction::Stage;
-  }
-}
 
 // A double that is not a number has no meaning in the simulator: the write is consumed without effect.
 bool IsUsable(Stored type, double number) {
@@ -51,7 +40,7 @@ void Apply(const OffsetRow& row, const uint8_t* bytes, uint32_t width) {
   const WriteRule& write = row.write;
   if (write.apply != nullptr) {
     write.apply(row, {number, DecodeInteger(row.type, bytes), bytes, width});
-  } else if (write.target.block != Block::None) {
+  } else if (write.target.ref != nullptr) {
     const double value = write.convert != nullptr ? write.convert(number) : number * write.factor;
     SetSource(write.target, std::clamp(value, write.low, write.high));
   }
@@ -93,11 +82,11 @@ void BuildWriters() {
         }
       } else if (HasWriter(row)) {
         writers.push_back(
-            {&row, nullptr, WriteWidth(row), {row.offset}, ActionOf(row) == DispatchAction::Stage, false});
-      } else {
+            {&row, nullptr, WriteWidth(row), {row.offset}, row.dispatch == DispatchAction::Stage, false});
+      } else if (row.dispatch == DispatchAction::Stage) {
         continue;
       }
-      AddDispatchEntry(row.offset, WriteWidth(row), ActionOf(row));
+      AddDispatchEntry(row.offset, WriteWidth(row), row.dispatch);
     }
   }
 }

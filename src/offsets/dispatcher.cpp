@@ -83,13 +83,6 @@ void ClearRequestMarks() {
 void ResetDispatchTable() {
   ClearRequestMarks();
   for (DispatchEntry& entry : table) entry = {DispatchAction::None, 0, false};
-  AddDispatchEntry(0x3130, atcTextSize, DispatchAction::AtcNumber);
-  AddDispatchEntry(0x313C, atcTextSize, DispatchAction::AtcTailNumber);
-  AddDispatchEntry(weatherAreaOffset, 1, DispatchAction::WeatherArea);
-  AddDispatchEntry(relayRecordOffset, relayRecordSize, DispatchAction::RelayRecord);
-  AddDispatchEntry(clientEntryOffset, clientEntrySize, DispatchAction::TrafficEntry);
-  AddDispatchEntry(customReloadOffset, 1, DispatchAction::CustomReload);
-  AddDispatchEntry(customClearOffset, 1, DispatchAction::CustomReload);
 }
 
 void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action) {

@@ -60,7 +60,7 @@ enum class DispatchAction : uint8_t {
   CustomReload,  // a changed 1 asks for the user's offsets file to be read again
 };
 
-// Forgets all entries and puts in those with an immediate action. Simulator's thread, at start.
+// Forgets all entries. Simulator's thread, at start.
 void ResetDispatchTable();
 // Makes an offset dispatchable, `width` bytes wide (1 to 252). Simulator's thread, at start.
 void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action);

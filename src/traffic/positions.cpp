@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "base/locks.h"
 #include "bridge/catalogue.h"
@@ -14,7 +16,7 @@ Place userPlace;
 namespace {
 
 constexpr double knotsPerMetre = 1.94384;
-constexpr Source userLatitude = DoubleAt(0x0560), userLongitude = DoubleAt(0x0568);
+constexpr Source userLatitude = Double<"sim/flightmodel/position/latitude">, userLongitude = Double<"sim/flightmodel/position/longitude">;
 
 // Saturated at the type's limits; what is no number is 0.
 template <typename T>
@@ -26,24 +28,53 @@ T Whole(double value) {
 
 float Single(double value) { return std::isfinite(value) ? static_cast<float>(value) : 0; }
 
-// The handles of an aircraft stand at the offsets of its entry and flight record.
+// "sim/multiplayer/position/plane7_lat" for the name of a dataref of the 7th other aircraft.
+template <size_t size>
+consteval NameText<48> PlaneName(int plane, const char (&field)[size]) {
+  constexpr char stem[] = "sim/multiplayer/position/plane";
+  NameText<48> name;
+  char* end = std::copy_n(stem, sizeof stem - 1, name.text);
+  if (plane >= 10) *end++ = static_cast<char>('0' + plane / 10);
+  *end++ = static_cast<char>('0' + plane % 10);
+  *end++ = '_';
+  std::copy_n(field, size, end);
+  return name;
+}
+
+// Where the simulator tells of one other aircraft: degrees, metres, metres a second.
+struct PlaneDataRefs {
+  Source latitude, longitude, altitude, heading, east, south, climb, pitch, bank;
+};
+template <int plane>
+constexpr PlaneDataRefs dataRefsOf = {.latitude = Double<PlaneName(plane, "lat")>,
+                                      .longitude = Double<PlaneName(plane, "lon")>,
+                                      .altitude = Double<PlaneName(plane, "el")>,
+                                      .heading = Float<PlaneName(plane, "psi")>,
+                                      .east = Float<PlaneName(plane, "v_x")>,
+                                      .south = Float<PlaneName(plane, "v_z")>,
+                                      .climb = Float<PlaneName(plane, "v_y")>,
+                                      .pitch = Float<PlaneName(plane, "the")>,
+                                      .bank = Float<PlaneName(plane, "phi")>};
+constexpr auto planeDataRefs = []<int... slot>(std::integer_sequence<int, slot...>) {
+  return std::array<PlaneDataRefs, sizeof...(slot)>{dataRefsOf<slot + 1>...};
+}(std::make_integer_sequence<int, positionedPlanes>{});
+
 PlaneSource ReadPlane(uint32_t slot) {
-  const uint32_t entry = trafficEntryOffset + trafficEntrySize * slot;
-  const uint32_t record = flightRecordOffset + flightRecordSize * slot;
+  const PlaneDataRefs& from = planeDataRefs[slot];
   PlaneSource plane = {};
-  if (DataRefMemBlock[entry + 4] == nullptr || DataRefMemBlock[entry + 8] == nullptr) return plane;
+  if (HandleOf(from.latitude) == nullptr || HandleOf(from.longitude) == nullptr) return plane;
   plane.known = 1;
-  plane.latitude = Single(ReadSource(DoubleAt(entry + 4)));
-  plane.longitude = Single(ReadSource(DoubleAt(entry + 8)));
-  plane.altitude = Single(ReadSource(DoubleAt(entry + 12)));
-  const double heading = std::fmod(ReadSource(FloatAt(entry + 16)), 360);
+  plane.latitude = Single(ReadSource(from.latitude));
+  plane.longitude = Single(ReadSource(from.longitude));
+  plane.altitude = Single(ReadSource(from.altitude));
+  const double heading = std::fmod(ReadSource(from.heading), 360);
   plane.heading = static_cast<uint16_t>(Whole<uint16_t>(heading < 0 ? heading + 360 : heading) % 360);
-  const double east = ReadSource(FloatAt(entry + 18));
-  const double south = ReadSource(FloatAt(entry + 19));
+  const double east = ReadSource(from.east);
+  const double south = ReadSource(from.south);
   plane.groundSpeed = Whole<uint16_t>(std::hypot(east, south) * knotsPerMetre);
-  plane.verticalSpeed = Whole<int16_t>(ReadSource(FloatAt(entry + 20)));
-  plane.pitch = Whole<int16_t>(ReadSource(FloatAt(record + 6)));
-  plane.bank = Whole<int16_t>(ReadSource(FloatAt(record + 18)));
+  plane.verticalSpeed = Whole<int16_t>(ReadSource(from.climb));
+  plane.pitch = Whole<int16_t>(ReadSource(from.pitch));
+  plane.bank = Whole<int16_t>(ReadSource(from.bank));
   plane.place = {plane.latitude, plane.longitude, 0};
   return plane;
 }

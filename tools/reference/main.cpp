@@ -1,18 +1,19 @@
 // Writes what is derived from the catalogue: the reference page for client authors, the same as data, and
 // the name table of offsetctl. `offset_reference FOLDER` writes into a source tree, `offset_reference FOLDER
 // --check` compares with what stands there and names the first stale file.
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "bridge/catalogue.h"
-#include "bridge/registry.h"
 #include "platform/system.h"
 
 namespace {
@@ -130,33 +131,54 @@ std::string RowName(const OffsetRow& row) {
   return row.name[0] == 0 || row.member == 0 ? row.name : row.name + std::to_string(row.member);
 }
 
-bool IsReadOnly(uint32_t offset) {
-  for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
-    if (offset >= readOnlyRanges[i].first && offset <= readOnlyRanges[i].last) return true;
+struct Range {
+  uint32_t first, last;
+};
+
+// The offsets that clients may not write, as stretches, from the rows.
+std::vector<Range> ReadOnlyRanges() {
+  std::set<uint32_t> offsets;
+  for (const RowTable* table : Catalogue()) {
+    for (const OffsetRow& row : table->rows) {
+      for (uint32_t n = 0; row.readOnly && n < StoredWidth(row); ++n) offsets.insert(row.offset + n);
+    }
   }
-  return false;
+  std::vector<Range> ranges;
+  for (const uint32_t offset : offsets) {
+    if (ranges.empty() || ranges.back().last + 1 != offset) ranges.push_back({offset, offset});
+    ranges.back().last = offset;
+  }
+  return ranges;
+}
+
+// The tables that stand in the page: a subject each.
+std::vector<const RowTable*> ListedTables() {
+  std::vector<const RowTable*> tables;
+  for (const RowTable* table : Catalogue()) {
+    if (table->subject != nullptr) tables.push_back(table);
+  }
+  return tables;
 }
 
 bool HasWriteRule(const OffsetRow& row) {
   const WriteRule& rule = row.write;
-  return rule.target.block != Block::None || rule.apply != nullptr || rule.group != nullptr || rule.staged;
+  return rule.target.ref != nullptr || rule.apply != nullptr || rule.group != nullptr || rule.staged;
 }
 
-bool IsWritable(const OffsetRow& row) { return HasWriteRule(row) && !IsReadOnly(row.offset); }
+bool IsWritable(const OffsetRow& row) { return HasWriteRule(row) && !row.readOnly; }
 
-// The dataref's name, with the element of an array: the last one that is looked up for the place.
+// The dataref's name, with the element of an array.
 std::string SourceName(const Source& source) {
-  std::string name;
-  for (uint32_t i = 0; i < bindingCount; ++i) {
-    if (bindings[i].block == source.block && bindings[i].index == source.index) name = bindings[i].name;
-  }
+  const std::string name = source.ref == nullptr ? "" : source.ref->name;
   const bool isArray = source.accessor == Accessor::IntArray || source.accessor == Accessor::FloatArray;
   return name.empty() || !isArray ? name : name + "[" + std::to_string(source.element) + "]";
 }
 
 std::string SourceText(const OffsetRow& row) {
-  if (row.source.block != Block::None) return SourceName(row.source);
-  return row.read != nullptr || row.readText != nullptr ? "derived" : "";
+  if (row.source.ref != nullptr) return SourceName(row.source);
+  const bool hasStock = std::any_of(row.variants.begin(), row.variants.end(),
+                                    [](const Variant& variant) { return variant.addOn == AddOn::None; });
+  return row.read != nullptr || row.readText != nullptr || hasStock ? "derived" : "";
 }
 
 std::string TypeText(const OffsetRow& row) {
@@ -179,7 +201,7 @@ std::string UnitText(const OffsetRow& row) {
 }
 
 std::string AccessText(const OffsetRow& row) {
-  if (IsReadOnly(row.offset)) return "read-only";
+  if (row.readOnly) return "read-only";
   return HasWriteRule(row) ? "yes" : "no";
 }
 
@@ -212,7 +234,7 @@ std::string PageRow(const OffsetRow& row) {
   const int frames = CycleFrames(row.cycle);
   const std::string name = RowName(row);
   const std::string source = SourceText(row);
-  const bool isDataref = row.source.block != Block::None && !source.empty();
+  const bool isDataref = row.source.ref != nullptr && !source.empty();
   return "| " + Hex(row.offset) + " | " + TypeText(row) + " | " + TableCell(UnitText(row)) + " | " +
          TableCell(row.meaning) + " | " + (name.empty() ? "" : "`" + name + "`") + " | " + AccessText(row) +
          " | " + (frames == 0 ? "-" : std::to_string(frames)) + " | " +
@@ -221,7 +243,7 @@ std::string PageRow(const OffsetRow& row) {
 
 std::string MakePage() {
   std::string page = pageHead;
-  for (const RowTable* table : Catalogue()) {
+  for (const RowTable* table : ListedTables()) {
     page += std::string("\n## ") + table->subject + "\n\n";
     page += "| Offset | Type | Unit | Meaning | Name | Write | Frames | Source | Remarks |\n";
     page += "|---|---|---|---|---|---|---|---|---|\n";
@@ -230,8 +252,7 @@ std::string MakePage() {
   page +=
       "\n## Read-only offsets\n\nWrites that start at one of these are dropped by the server; the rest of the\n"
       "request goes on.\n\n";
-  for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
-    const ReadOnlyRange& range = readOnlyRanges[i];
+  for (const Range& range : ReadOnlyRanges()) {
     page +=
         "- " + Hex(range.first) + (range.last != range.first ? std::string("-") + Hex(range.last) : "") + "\n";
   }
@@ -245,7 +266,7 @@ std::string JsonRow(const OffsetRow& row, const char* subject) {
          ", \"name\": " + Quoted(RowName(row)) + ", \"meaning\": " + Quoted(row.meaning) +
          ", \"unit\": " + Quoted(row.unit) + ", \"unitScale\": " + Number(row.unitScale) +
          ", \"unitBias\": " + Number(row.unitBias) + ", \"form\": " + Quoted(FormCode(row)) +
-         ", \"readOnly\": " + (IsReadOnly(row.offset) ? "true" : "false") +
+         ", \"readOnly\": " + (row.readOnly ? "true" : "false") +
          ", \"writable\": " + (IsWritable(row) ? "true" : "false") +
          ", \"frames\": " + (frames == 0 ? "null" : std::to_string(frames)) +
          ", \"source\": " + Quoted(SourceText(row)) + ", \"target\": " + Quoted(SourceName(row.write.target)) +
@@ -254,7 +275,7 @@ std::string JsonRow(const OffsetRow& row, const char* subject) {
 
 std::string MakeJson() {
   std::string text = "[";
-  for (const RowTable* table : Catalogue()) {
+  for (const RowTable* table : ListedTables()) {
     for (const OffsetRow& row : table->rows) {
       text += (text.size() == 1 ? "\n" : ",\n") + JsonRow(row, table->subject);
     }
@@ -267,21 +288,21 @@ std::string MakeNameTable() {
       "// Written by offset_reference from the plug-in's catalogue; do not edit.\n"
       "// clang-format off\n"
       "constexpr OffsetName offsetNames[] = {\n";
-  for (const RowTable* table : Catalogue()) {
+  for (const RowTable* table : ListedTables()) {
     for (const OffsetRow& row : table->rows) {
       text += "    {" + Hex(row.offset) + ", ValueType::" + NamesOf(row.type).code + ", " +
               std::to_string(StoredWidth(row)) + ", " + Quoted(RowName(row)) + ", " + Quoted(row.meaning) +
               ", " + Quoted(row.unit) + ", " + Number(row.unitScale) + ", " + Number(row.unitBias) +
-              ", Form::" + FormCode(row) + ", " + (IsReadOnly(row.offset) ? "true" : "false") + ", " +
+              ", Form::" + FormCode(row) + ", " + (row.readOnly ? "true" : "false") + ", " +
               (IsWritable(row) ? "true" : "false") + "},\n";
     }
   }
   text += "};\nconstexpr OffsetRange readOnlyOffsets[] = {\n";
-  for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
-    text += "    {" + Hex(readOnlyRanges[i].first) + ", " + Hex(readOnlyRanges[i].last) + "},\n";
+  for (const Range& range : ReadOnlyRanges()) {
+    text += "    {" + Hex(range.first) + ", " + Hex(range.last) + "},\n";
   }
   text += "};\nconstexpr OffsetSubject offsetSubjects[] = {\n";
-  for (const RowTable* table : Catalogue()) {
+  for (const RowTable* table : ListedTables()) {
     text += "    {" + Quoted(table->subject) + ", " + std::to_string(table->rows.size()) + "},\n";
   }
   return text + "};\n// clang-format on\n";
@@ -291,7 +312,7 @@ std::string MakeNameTable() {
 int CheckNames() {
   std::map<std::string, uint32_t> offsets;
   int unique = 1;
-  for (const RowTable* table : Catalogue()) {
+  for (const RowTable* table : ListedTables()) {
     for (const OffsetRow& row : table->rows) {
       const std::string name = RowName(row);
       if (name.empty()) continue;

@@ -15,7 +15,7 @@ constexpr double celsiusUnits = 256;
 double SettingFromUnits(double units) { return std::round(units / altimeterUnits * 100) / 100; }
 
 constexpr OffsetRow Temperature(uint32_t offset, const char* name, const char* meaning, Cycle cycle,
-                                uint32_t slot) {
+                                Source source) {
   return {.offset = offset,
           .type = Stored::S16,
           .name = name,
@@ -23,7 +23,7 @@ constexpr OffsetRow Temperature(uint32_t offset, const char* name, const char* m
           .unit = "degC",
           .unitScale = 1 / celsiusUnits,
           .cycle = cycle,
-          .source = FloatAt(slot),
+          .source = source,
           .factor = celsiusUnits};
 }
 
@@ -35,12 +35,14 @@ constexpr OffsetRow rows[] = {
      .unit = "mb",
      .unitScale = 1.0 / 16,
      .cycle = Cycle::C13,
-     .source = FloatAt(0x0330),
+     .source = Float<"sim/cockpit/misc/barometer_setting">,
      .factor = altimeterUnits,
-     .write = {.target = FloatAt(0x0330), .convert = SettingFromUnits},
+     .write = {.target = Float<"sim/cockpit/misc/barometer_setting">, .convert = SettingFromUnits},
      .lossy = "set in hundredths of an inch: up to 3 sixteenths of a millibar off"},
-    Temperature(0x0E8C, "oat", "outside air temperature", Cycle::C13, 0x0E8C),
-    Temperature(0x11D0, "tat", "total air temperature, the same as the outside one", Cycle::C13, 0x0E8C),
+    Temperature(0x0E8C, "oat", "outside air temperature", Cycle::C13,
+                Float<"sim/weather/temperature_ambient_c">),
+    Temperature(0x11D0, "tat", "total air temperature, the same as the outside one", Cycle::C13,
+                Float<"sim/weather/temperature_ambient_c">),
 
     {.offset = 0x28C0,
      .type = Stored::F64,
@@ -48,8 +50,9 @@ constexpr OffsetRow rows[] = {
      .meaning = "air density",
      .unit = "slug/ft3",
      .cycle = Cycle::C59,
-     .source = FloatAt(0x28C0),
-     .factor = 0.00194032},
+     .source = Float<"sim/weather/rho">,
+     .factor = 0.00194032,
+     .readOnly = true},
 
     {.offset = 0x0F48,
      .type = Stored::U16,
@@ -58,9 +61,9 @@ constexpr OffsetRow rows[] = {
      .unit = "mb",
      .unitScale = 1.0 / 16,
      .cycle = Cycle::C313,
-     .source = FloatAt(0x0F48),
+     .source = Float<"sim/weather/barometer_sealevel_inhg">,
      .factor = seaLevelUnits,
-     .write = {.target = FloatAt(0x0F48), .factor = 0.0625 * 0.02953},
+     .write = {.target = Float<"sim/weather/barometer_sealevel_inhg">, .factor = 0.0625 * 0.02953},
      .lossy = "0.02953 inches a millibar: reads back 0.011 % lower"},
     {.offset = 0x0EC6,
      .type = Stored::U16,
@@ -69,7 +72,7 @@ constexpr OffsetRow rows[] = {
      .unit = "mb",
      .unitScale = 1.0 / 16,
      .cycle = Cycle::C313,
-     .source = FloatAt(0x0F48),
+     .source = Float<"sim/weather/barometer_sealevel_inhg">,
      .factor = seaLevelUnits},
     {.offset = 0x34A0,
      .type = Stored::F64,
@@ -77,10 +80,11 @@ constexpr OffsetRow rows[] = {
      .meaning = "sea-level pressure, unrounded",
      .unit = "mb",
      .cycle = Cycle::C313,
-     .source = FloatAt(0x0F48),
+     .source = Float<"sim/weather/barometer_sealevel_inhg">,
      .factor = 33.86},
-    Temperature(0x0EC0, "sea_level_temperature", "sea-level temperature", Cycle::C313, 0x0EC0),
-    Temperature(0x04C8, "dew_point", "dew point", Cycle::C313, 0x04C8),
+    Temperature(0x0EC0, "sea_level_temperature", "sea-level temperature", Cycle::C313,
+                Float<"sim/weather/temperature_sealevel_c">),
+    Temperature(0x04C8, "dew_point", "dew point", Cycle::C313, Float<"sim/weather/dewpoi_sealevel_c">),
 
     {.offset = 0x04D4,
      .type = Stored::S16,
@@ -88,7 +92,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "dew point control",
      .unit = "degC",
      .unitScale = 1 / celsiusUnits,
-     .write = {.target = FloatAt(0x04D4), .factor = 1 / celsiusUnits}},
+     .write = {.target = Float<"sim/weather/dewpoi_sealevel_c">, .factor = 1 / celsiusUnits}},
 };
 
 }  // namespace

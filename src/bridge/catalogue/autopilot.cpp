@@ -7,24 +7,18 @@
 #include <cmath>
 
 #include "XPLMUtilities.h"
-#include "aircraft/adapter_commands.h"
-#include "aircraft/adapter_slots.h"
-#include "bridge/aircraft_state.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
 
 namespace {
 
-constexpr Source autopilotState = IntAt(0x07C0);
-constexpr Source autopilotMode = IntAt(0x07BC);  // 0 off, 1 flight director, 2 on
+constexpr Source autopilotState = Int<"sim/cockpit/autopilot/autopilot_state">;
+constexpr Source autopilotMode = Int<"sim/cockpit/autopilot/autopilot_mode">;  // 0 off, 1 flight director, 2 on
 
 // Bits of the simulator's autopilot state. A bit that is set acts as a press of that button.
 constexpr int autothrottleSpeed = 0x1, headingSelect = 0x2, wingLeveler = 0x4, verticalSpeedHold = 0x10,
               levelChange = 0x40, navArmed = 0x100, navEngaged = 0x200, glideslopeArmed = 0x400,
               glideslopeEngaged = 0x800, altitudeHold = 0x4000, lateralToga = 0x8000, verticalToga = 0x10000;
-
-// The 7-frame rows share one look at the autopilot state, taken by the first of them.
-int stateOfRun = 0;
 
 bool IsLit(const Source& source) { return ReadSource(source) > 0.5; }
 
@@ -34,88 +28,86 @@ struct Mode {
   Source b738Shown[3] = {};  // on when one is above 0.5
   int bits = 0;              // of the simulator's state, on when one is set
   Source x737Switch = {};    // set to 0 or 1
-  XPLMCommandRef B738Commands::*b738Press = nullptr;
-  XPLMCommandRef CommandBlock::*command = nullptr;
+  const Command* b738Press = nullptr;
+  const Command* command = nullptr;
   int key = -1;
   int press = 0;  // bit that is pressed
 };
 
 constexpr Mode leveler = {.bits = wingLeveler, .press = wingLeveler};
-constexpr Mode nav = {.x737Shown = {x737VORLOC},
-                      .b738Shown = {b738VorlocStatus},
+constexpr Mode nav = {.x737Shown = {Int<"x737/systems/afds/VORLOC">},
+                      .b738Shown = {Float<"laminar/B738/autopilot/vorloc_status">},
                       .bits = navArmed | navEngaged,  // armed counts, else a second write would disarm it
-                      .x737Switch = x737VORLOC,
-                      .b738Press = &B738Commands::vorlocPress,
+                      .x737Switch = Int<"x737/systems/afds/VORLOC">,
+                      .b738Press = &commandOf<"laminar/B738/autopilot/vorloc_press">,
                       .key = xplm_key_otto_hnav};
-constexpr Mode heading = {.x737Shown = {x737HDG},
-                          .b738Shown = {b738HdgSelStatus},
+constexpr Mode heading = {.x737Shown = {Int<"x737/systems/afds/HDG">},
+                          .b738Shown = {Float<"laminar/B738/autopilot/hdg_sel_status">},
                           .bits = headingSelect,
-                          .x737Switch = x737HDG,
+                          .x737Switch = Int<"x737/systems/afds/HDG">,
                           .key = xplm_key_otto_hdg};
-constexpr Mode altitude = {.x737Shown = {x737ALTHLD},
-                           .b738Shown = {b738AltHldStatus},
+constexpr Mode altitude = {.x737Shown = {Int<"x737/systems/afds/ALTHLD">},
+                           .b738Shown = {Float<"laminar/B738/autopilot/alt_hld_status">},
                            .bits = altitudeHold,
-                           .x737Switch = x737ALTHLD,
-                           .b738Press = &B738Commands::altHldPress,
+                           .x737Switch = Int<"x737/systems/afds/ALTHLD">,
+                           .b738Press = &commandOf<"laminar/B738/autopilot/alt_hld_press">,
                            .key = xplm_key_otto_alt};
-constexpr Mode speed = {.x737Shown = {x737MCPSPDMode, x737LEDVNAVOn},
-                        .b738Shown = {b738SpeedStatus1, b738LvlChgStatus, b738VnavStatus1},
-                        .bits = autothrottleSpeed,
-                        .x737Switch = x737MCPSPDMode,
-                        .key = xplm_key_otto_atr};
-constexpr Mode mach = {.x737Shown = {x737MCPSPDMode},
+constexpr Mode speed = {
+    .x737Shown = {Int<"x737/systems/athr/MCPSPD_mode">, Int<"x737/systems/MCP/LED_VNAV_on">},
+    .b738Shown = {Float<"laminar/B738/autopilot/speed_status1">, Float<"laminar/B738/autopilot/lvl_chg_status">,
+                  Float<"laminar/B738/autopilot/vnav_status1">},
+    .bits = autothrottleSpeed,
+    .x737Switch = Int<"x737/systems/athr/MCPSPD_mode">,
+    .key = xplm_key_otto_atr};
+constexpr Mode mach = {.x737Shown = {Int<"x737/systems/athr/MCPSPD_mode">},
                        .bits = autothrottleSpeed,
-                       .x737Switch = x737MCPSPDMode,
+                       .x737Switch = Int<"x737/systems/athr/MCPSPD_mode">,
                        .press = autothrottleSpeed};
-constexpr Mode verticalSpeed = {.x737Shown = {x737VSArm, x737VS},
-                                .b738Shown = {b738VsStatus},
+constexpr Mode verticalSpeed = {.x737Shown = {Int<"x737/systems/afds/VS_arm">, Int<"x737/systems/afds/VS">},
+                                .b738Shown = {Float<"laminar/B738/autopilot/vs_status">},
                                 .bits = verticalSpeedHold,
-                                .x737Switch = x737VS,
-                                .b738Press = &B738Commands::vsPress,
+                                .x737Switch = Int<"x737/systems/afds/VS">,
+                                .b738Press = &commandOf<"laminar/B738/autopilot/vs_press">,
                                 .key = xplm_key_otto_vvi};
 constexpr Mode thrust = {
-    .x737Shown = {x737N1Mode, x737LEDLVLCHGOn}, .b738Shown = {b738N1Status}, .bits = levelChange};
-constexpr Mode approach = {.x737Shown = {x737APP},
-                           .b738Shown = {b738AppStatus},
+    .x737Shown = {Fitting<"x737/systems/athr/N1_mode">, Int<"x737/systems/MCP/LED_LVLCHG_on">},
+    .b738Shown = {Float<"laminar/B738/autopilot/n1_status">},
+    .bits = levelChange};
+constexpr Mode approach = {.x737Shown = {Int<"x737/systems/afds/APP">},
+                           .b738Shown = {Float<"laminar/B738/autopilot/app_status">},
                            .bits = glideslopeArmed | glideslopeEngaged,
-                           .x737Switch = x737APP,
-                           .command = &CommandBlock::approach};
-constexpr Mode goAround = {
-    .x737Shown = {x737ToggleTOGA}, .b738Shown = {b738N1Status}, .bits = lateralToga | verticalToga};
+                           .x737Switch = Int<"x737/systems/afds/APP">,
+                           .command = &commandOf<"sim/autopilot/approach">};
+constexpr Mode goAround = {.x737Shown = {Int<"x737/systems/athr/toggle_TOGA">},
+                           .b738Shown = {Float<"laminar/B738/autopilot/n1_status">},
+                           .bits = lateralToga | verticalToga};
 
 bool IsModeOn(const Mode& mode, int state) {
-  if (adapters.x737 && mode.x737Shown[0].block != Block::None) {
+  if (IsLoaded(AddOn::X737) && mode.x737Shown[0].ref != nullptr) {
     return IsOn(mode.x737Shown[0]) || IsOn(mode.x737Shown[1]);
   }
-  if (adapters.b738Extended && mode.b738Shown[0].block != Block::None) {
+  if (IsLoaded(AddOn::B738Extended) && mode.b738Shown[0].ref != nullptr) {
     return IsLit(mode.b738Shown[0]) || IsLit(mode.b738Shown[1]) || IsLit(mode.b738Shown[2]);
   }
   return (state & mode.bits) != 0;
 }
 
 template <const Mode& mode>
-int ReadMode(const OffsetRow&, double* value) {
-  *value = IsModeOn(mode, stateOfRun);
-  return 1;
-}
-
-// For the first row of the 7-frame run, and for rows of other cycles.
-template <const Mode& mode>
-int ReadStateAndMode(const OffsetRow& row, double* value) {
-  stateOfRun = ReadInt(autopilotState);
-  return ReadMode<mode>(row, value);
+bool ReadMode(const OffsetRow&, double* value) {
+  *value = IsModeOn(mode, ReadInt(autopilotState));
+  return true;
 }
 
 void SwitchMode(const Mode& mode, bool wanted) {
-  if (adapters.x737 && mode.x737Switch.block != Block::None) {
+  if (IsLoaded(AddOn::X737) && mode.x737Switch.ref != nullptr) {
     SetSource(mode.x737Switch, wanted);
     return;
   }
   if (wanted == IsModeOn(mode, ReadInt(autopilotState))) return;
-  if (mode.b738Press && adapters.b738Extended) {
-    FireCommand(b738Commands.*mode.b738Press);
+  if (mode.b738Press && IsLoaded(AddOn::B738Extended)) {
+    FireCommand(*mode.b738Press);
   } else if (mode.command) {
-    FireCommand(commandBlock.*mode.command);
+    FireCommand(*mode.command);
   } else if (mode.key >= 0) {
     XPLMCommandKeyStroke(mode.key);
   } else if (mode.press) {
@@ -124,50 +116,55 @@ void SwitchMode(const Mode& mode, bool wanted) {
 }
 
 template <const Mode& mode>
-void WriteMode(const OffsetRow&, const Staged& staged) {
+void ApplyMode(const OffsetRow&, const Staged& staged) {
   SwitchMode(mode, staged.integer != 0);
 }
 
 // --- Master switch and flight director ------------------------------------------------------------
 
 bool IsMasterOn() {
-  if (adapters.x737) return IsOn(x737CMDA) || IsOn(x737CMDB);
-  if (adapters.b738Extended) {
-    return IsLit(b738CmdAStatus) || IsLit(b738CmdBStatus) || IsLit(b738CwsAStatus) || IsLit(b738CwsBStatus);
+  if (IsLoaded(AddOn::X737))
+    return IsOn(Int<"x737/systems/afds/CMD_A">) || IsOn(Int<"x737/systems/afds/CMD_B">);
+  if (IsLoaded(AddOn::B738Extended)) {
+    return IsLit(Float<"laminar/B738/autopilot/cmd_a_status">) ||
+           IsLit(Float<"laminar/B738/autopilot/cmd_b_status">) ||
+           IsLit(Float<"laminar/B738/autopilot/cws_a_status">) ||
+           IsLit(Float<"laminar/B738/autopilot/cws_b_status">);
   }
   return ReadInt(autopilotMode) == 2;
 }
 
-int ReadMaster(const OffsetRow&, double* value) {
+bool ReadMaster(const OffsetRow&, double* value) {
   *value = IsMasterOn();
-  return 1;
+  return true;
 }
 
 void WriteMasterB738(bool wanted) {
   if (wanted == IsMasterOn()) return;
-  const bool disconnected = IsLit(b738DisconnectPos);
+  const bool disconnected = IsLit(Float<"laminar/B738/autopilot/disconnect_pos">);
   if (wanted) {
-    if (disconnected) FireCommand(b738Commands.disconnectToggle);
-    FireCommand(b738Commands.cmdAPress);
+    if (disconnected) FireCommand(commandOf<"laminar/B738/autopilot/disconnect_toggle">);
+    FireCommand(commandOf<"laminar/B738/autopilot/cmd_a_press">);
   } else if (!disconnected) {
-    FireCommand(b738Commands.disconnectToggle);
+    FireCommand(commandOf<"laminar/B738/autopilot/disconnect_toggle">);
   }
 }
 
-void WriteMaster(const OffsetRow&, const Staged& staged) {
+void ApplyMaster(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  if (adapters.x737) {
-    SetSource(wanted ? x737CMDA : x737APengaged, wanted);
+  if (IsLoaded(AddOn::X737)) {
+    SetSource(wanted ? Int<"x737/systems/afds/CMD_A"> : Int<"x737/systems/afds/APengaged">, wanted);
     return;
   }
-  if (adapters.b738Extended) {
+  if (IsLoaded(AddOn::B738Extended)) {
     WriteMasterB738(wanted);
     return;
   }
-  if (adapters.ixeg733) {
+  if (IsLoaded(AddOn::Ixeg733)) {
     // Its panel tells by four lights whether one of its autopilots flies.
     const bool lit =
-        IsLit(ixegMcpACommAnn) || IsLit(ixegMcpBCommAnn) || IsLit(ixegMcpACwsAnn) || IsLit(ixegMcpBCwsAnn);
+        IsLit(Fitting<"ixeg/733/MCP/mcp_a_comm_ann">) || IsLit(Fitting<"ixeg/733/MCP/mcp_b_comm_ann">) ||
+        IsLit(Fitting<"ixeg/733/MCP/mcp_a_cws_ann">) || IsLit(Fitting<"ixeg/733/MCP/mcp_b_cws_ann">);
     if (wanted == lit) return;
   }
   if (wanted) {
@@ -179,16 +176,16 @@ void WriteMaster(const OffsetRow&, const Staged& staged) {
   SetSource(autopilotMode, director != 0);
 }
 
-int ReadDirector(const OffsetRow&, double* value) {
-  *value = adapters.x737 ? IsOn(x737FdMaster) : ReadInt(autopilotMode) >= 1;
-  return 1;
+bool ReadDirector(const OffsetRow&, double* value) {
+  *value = IsLoaded(AddOn::X737) ? IsOn(Int<"x737/systems/afds/fd_master">) : ReadInt(autopilotMode) >= 1;
+  return true;
 }
 
-void WriteDirector(const OffsetRow&, const Staged& staged) {
+void ApplyDirector(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  if (adapters.x737) {
-    SetSource(x737FdAStatus, wanted);
-    SetSource(x737FdBStatus, wanted);
+  if (IsLoaded(AddOn::X737)) {
+    SetSource(Int<"x737/systems/afds/fdA_status">, wanted);
+    SetSource(Int<"x737/systems/afds/fdB_status">, wanted);
     return;
   }
   // An autopilot that flies is not thrown out with its bars.
@@ -196,73 +193,83 @@ void WriteDirector(const OffsetRow&, const Staged& staged) {
   if (wanted ? mode == 0 : mode == 1) SetSource(autopilotMode, wanted);
 }
 
-int ReadDirectorPitch(const OffsetRow&, double* value) {
-  *value = adapters.x737 ? ReadSource(x737APAPitch) : ReadSource(FloatAt(0x2EE8));
-  return 1;
+bool ReadDirectorPitch(const OffsetRow&, double* value) {
+  *value = IsLoaded(AddOn::X737) ? ReadSource(Float<"x737/systems/afds/AP_A_pitch">)
+                                 : ReadSource(Float<"sim/cockpit/autopilot/flight_director_pitch">);
+  return true;
 }
 
-int ReadDirectorBank(const OffsetRow&, double* value) {
-  *value = adapters.x737 ? ReadSource(x737APARoll) : ReadSource(FloatAt(0x2EF0));
-  return 1;
+bool ReadDirectorBank(const OffsetRow&, double* value) {
+  *value = IsLoaded(AddOn::X737) ? ReadSource(Float<"x737/systems/afds/AP_A_roll">)
+                                 : ReadSource(Float<"sim/cockpit/autopilot/flight_director_roll">);
+  return true;
 }
 
 // --- Selected values ------------------------------------------------------------------------------
 
-Source SelectedHeading() { return adapters.x737 ? x737HDGMagnhdg : FloatAt(0x07CC); }
+Source SelectedHeading() {
+  return IsLoaded(AddOn::X737) ? Float<"x737/systems/afds/HDG_magnhdg">
+                               : Float<"sim/cockpit/autopilot/heading_mag">;
+}
 
-int ReadSelectedHeading(const OffsetRow&, double* value) {
+bool ReadSelectedHeading(const OffsetRow&, double* value) {
   // A full turn starts again at 0. The step to a whole word is taken here, in single precision as for all
   // 16-bit words, before the turn is taken off.
   const double word =
       std::fmod(std::trunc(static_cast<float>(ReadSource(SelectedHeading()) * (65536.0 / 360))), 65536);
   *value = word < 0 ? word + 65536 : word;
-  return 1;
+  return true;
 }
 
-void WriteSelectedHeading(const OffsetRow&, const Staged& staged) {
+void ApplySelectedHeading(const OffsetRow&, const Staged& staged) {
   const double degrees = staged.number / 182;
   SetSource(SelectedHeading(), degrees >= 360 ? degrees - 360 : degrees);
 }
 
-void WriteSelectedAltitude(const OffsetRow&, const Staged& staged) {
-  SetSource(adapters.x737 ? x737ALTHLDBaroalt : FloatAt(0x07D4), staged.number / 65536 * 3.2808);
+void ApplySelectedAltitude(const OffsetRow&, const Staged& staged) {
+  SetSource(IsLoaded(AddOn::X737) ? Float<"x737/systems/afds/ALTHLD_baroalt">
+                                  : Float<"sim/cockpit/autopilot/altitude">,
+            staged.number / 65536 * 3.2808);
 }
 
 // The simulator keeps one selected speed with a mark for its unit; clients see both forms.
-bool SpeedIsMach() { return IsOn(adapters.x737 ? x737MCPSPDIsmach : AuxIntAt(0x003B)); }
+bool SpeedIsMach() {
+  return IsOn(IsLoaded(AddOn::X737) ? Fitting<"x737/systems/athr/MCPSPD_ismach">
+                                    : Int<"sim/cockpit/autopilot/airspeed_is_mach">);
+}
 
 // Indicated knots of Mach 1 here and now.
 double KnotsPerMach() {
-  return 1.94384 * ReadSource(AuxFloatAt(0x003C)) * std::sqrt(ReadSource(AuxFloatAt(0x0083)));
+  return 1.94384 * ReadSource(Float<"sim/weather/speed_sound_ms">) *
+         std::sqrt(ReadSource(Float<"sim/weather/sigma">));
 }
 
-// Filled by the row of the knots, used by the row of the Mach number that follows it.
-double machOfRun = 0;
+double SelectedSpeed(bool isMach) {
+  return ReadSource(!IsLoaded(AddOn::X737) ? Float<"sim/cockpit/autopilot/airspeed">
+                    : isMach               ? Fitting<"x737/systems/athr/MCPSPD_spdmach">
+                                           : Fitting<"x737/systems/athr/MCPSPD_spdkias">);
+}
 
-int ReadSelectedSpeed(const OffsetRow&, double* value) {
+bool ReadSelectedSpeed(const OffsetRow&, double* value) {
   const bool isMach = SpeedIsMach();
-  const double selected = ReadSource(!adapters.x737 ? FloatAt(0x07E2)
-                                     : isMach       ? x737MCPSPDSpdmach
-                                                    : x737MCPSPDSpdkias);
-  const double knotsPerMach = KnotsPerMach();
-  if (isMach) {
-    machOfRun = selected;
-    *value = selected * knotsPerMach;
-  } else {
-    machOfRun = knotsPerMach == 0 ? 0 : selected / knotsPerMach;
-    *value = selected;
-  }
-  return 1;
+  *value = SelectedSpeed(isMach) * (isMach ? KnotsPerMach() : 1);
+  return true;
 }
 
-int ReadSelectedMach(const OffsetRow&, double* value) {
-  *value = machOfRun * 65536;
-  return 1;
+bool ReadSelectedMach(const OffsetRow&, double* value) {
+  const bool isMach = SpeedIsMach();
+  const double knotsPerMach = isMach ? 1 : KnotsPerMach();
+  *value = knotsPerMach == 0 ? 0 : SelectedSpeed(isMach) / knotsPerMach * 65536;
+  return true;
 }
 
-void SetSelectedSpeed(double selected) { SetSource(adapters.x737 ? x737MCPSPDSpd : FloatAt(0x07E2), selected); }
+void SetSelectedSpeed(double selected) {
+  SetSource(
+      IsLoaded(AddOn::X737) ? Float<"x737/systems/athr/MCPSPD_spd"> : Float<"sim/cockpit/autopilot/airspeed">,
+      selected);
+}
 
-void WriteSelectedSpeed(const OffsetRow&, const Staged& staged) {
+void ApplySelectedSpeed(const OffsetRow&, const Staged& staged) {
   if (!SpeedIsMach()) {
     SetSelectedSpeed(staged.number);
   } else if (const double knotsPerMach = KnotsPerMach(); knotsPerMach != 0) {
@@ -270,92 +277,97 @@ void WriteSelectedSpeed(const OffsetRow&, const Staged& staged) {
   }
 }
 
-void WriteSelectedMach(const OffsetRow&, const Staged& staged) {
+void ApplySelectedMach(const OffsetRow&, const Staged& staged) {
   const double mach = staged.number / 65536;
   SetSelectedSpeed(SpeedIsMach() ? mach : mach * KnotsPerMach());
 }
 
-int ReadSelectedClimb(const OffsetRow&, double* value) {
-  *value = ReadSource(adapters.x737 ? x737VSVvi : FloatAt(0x07F2));
-  return 1;
+bool ReadSelectedClimb(const OffsetRow&, double* value) {
+  *value = ReadSource(IsLoaded(AddOn::X737) ? Float<"x737/systems/afds/VS_vvi">
+                                            : Float<"sim/cockpit/autopilot/vertical_velocity">);
+  return true;
 }
 
-void WriteSelectedClimb(const OffsetRow&, const Staged& staged) {
-  if (!adapters.x737) {
-    SetSource(FloatAt(0x07F2), staged.number);
+void ApplySelectedClimb(const OffsetRow&, const Staged& staged) {
+  if (!IsLoaded(AddOn::X737)) {
+    SetSource(Float<"sim/cockpit/autopilot/vertical_velocity">, staged.number);
     return;
   }
-  if (staged.integer != 0) SetSource(x737VS, 1);
-  SetSource(x737VSVvi, staged.number);
+  if (staged.integer != 0) SetSource(Int<"x737/systems/afds/VS">, 1);
+  SetSource(Float<"x737/systems/afds/VS_vvi">, staged.number);
 }
 
 // --- Back course, yaw damper, thrust --------------------------------------------------------------
 
-void PressBackCourse(const OffsetRow&, const Staged&) { FireCommand(commandBlock.backCourse); }
+void ApplyBackCourse(const OffsetRow&, const Staged&) { FireCommand(commandOf<"sim/autopilot/back_course">); }
 
 bool IsYawDamperOn() {
   // The add-on's light is the amber one that says off.
-  return adapters.b738Extended ? !IsLit(b738YawDamp) : IsOn(IntAt(0x0808));
+  return IsLoaded(AddOn::B738Extended) ? !IsLit(Float<"laminar/B738/annunciator/yaw_damp">)
+                                       : IsOn(Int<"sim/cockpit/switches/yaw_damper_on">);
 }
 
-int ReadYawDamper(const OffsetRow&, double* value) {
+bool ReadYawDamper(const OffsetRow&, double* value) {
   *value = IsYawDamperOn();
-  return 1;
+  return true;
 }
 
-void WriteYawDamper(const OffsetRow&, const Staged& staged) {
+void ApplyYawDamper(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  if (!adapters.b738Extended) {
-    SetSource(IntAt(0x0808), wanted);
+  if (!IsLoaded(AddOn::B738Extended)) {
+    SetSource(Int<"sim/cockpit/switches/yaw_damper_on">, wanted);
   } else if (wanted != IsYawDamperOn()) {
-    FireCommand(b738Commands.yawDamper);
+    FireCommand(commandOf<"laminar/B738/toggle_switch/yaw_dumper">);
   }
 }
 
-void WriteGoAround(const OffsetRow&, const Staged& staged) {
+void ApplyGoAround(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  if (adapters.x737) {
-    SetSource(x737LeftTOGABtn, wanted);
-    SetSource(x737RightTOGABtn, wanted);
-    SetSource(x737ToggleTOGA, wanted);
-  } else if (wanted && (adapters.b738Extended || adapters.ixeg733) &&
+  if (IsLoaded(AddOn::X737)) {
+    SetSource(Int<"x737/cockpit/tq/left_TOGA_btn">, wanted);
+    SetSource(Int<"x737/cockpit/tq/right_TOGA_btn">, wanted);
+    SetSource(Int<"x737/systems/athr/toggle_TOGA">, wanted);
+  } else if (wanted && (IsLoaded(AddOn::B738Extended) || IsLoaded(AddOn::Ixeg733)) &&
              !IsModeOn(goAround, ReadInt(autopilotState))) {
     // The simulator's own command is what these aircraft's buttons are mapped to.
-    FireCommand(commandBlock.takeOffGoAround);
+    FireCommand(commandOf<"sim/autopilot/take_off_go_around">);
   }
 }
 
 bool IsAutothrottleArmed() {
-  if (adapters.x737) return IsOn(x737AthrArmed);
-  if (adapters.b738Extended) return IsLit(b738AutothrottleStatus) || IsLit(b738SpeedStatus1);
-  return ReadInt(IntAt(0x0810)) > 0;
+  if (IsLoaded(AddOn::X737)) return IsOn(Int<"x737/systems/athr/athr_armed">);
+  if (IsLoaded(AddOn::B738Extended))
+    return IsLit(Float<"laminar/B738/autopilot/autothrottle_status">) ||
+           IsLit(Float<"laminar/B738/autopilot/speed_status1">);
+  return ReadInt(Int<"sim/cockpit2/autopilot/autothrottle_enabled">) > 0;
 }
 
-int ReadAutothrottle(const OffsetRow&, double* value) {
+bool ReadAutothrottle(const OffsetRow&, double* value) {
   *value = IsAutothrottleArmed();
-  return 1;
+  return true;
 }
 
-void WriteAutothrottle(const OffsetRow&, const Staged& staged) {
+void ApplyAutothrottle(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  if (adapters.x737) {
-    SetSource(x737AthrArmed, wanted);
-    if (!wanted && IsOn(x737PFDTOGAModeOn)) SetSource(x737ToggleTOGA, 1);
-  } else if (adapters.b738Extended) {
-    if (wanted != IsAutothrottleArmed()) FireCommand(b738Commands.autothrottleArmToggle);
-  } else if (adapters.ixeg733) {
-    if (wanted != IsLit(ixegMcpAtArmAnn)) FireCommand(commandBlock.autothrottleToggle);
+  if (IsLoaded(AddOn::X737)) {
+    SetSource(Int<"x737/systems/athr/athr_armed">, wanted);
+    if (!wanted && IsOn(Int<"x737/systems/PFD/PFD_TOGA_mode_on">))
+      SetSource(Int<"x737/systems/athr/toggle_TOGA">, 1);
+  } else if (IsLoaded(AddOn::B738Extended)) {
+    if (wanted != IsAutothrottleArmed())
+      FireCommand(commandOf<"laminar/B738/autopilot/autothrottle_arm_toggle">);
+  } else if (IsLoaded(AddOn::Ixeg733)) {
+    if (wanted != IsLit(Fitting<"ixeg/733/MCP/mcp_at_arm_ann">))
+      FireCommand(commandOf<"sim/autopilot/autothrottle_toggle">);
   } else {
-    SetSource(IntAt(0x0810), wanted);
+    SetSource(Int<"sim/cockpit2/autopilot/autothrottle_enabled">, wanted);
   }
 }
 
 // --- Rows -----------------------------------------------------------------------------------------
 
-constexpr OffsetRow ModeRow(uint32_t offset, const char* name, const char* meaning,
-                            int (*read)(const OffsetRow&, double*),
-                            void (*apply)(const OffsetRow&, const Staged&), Cycle cycle = Cycle::C7,
-                            const char* lossy = flagLoss) {
+constexpr OffsetRow ModeRow(uint32_t offset, const char* name, const char* meaning, ReadRow read,
+                            ApplyWrite apply, Cycle cycle = Cycle::C7, const char* lossy = flagLoss) {
   return {.offset = offset,
           .type = Stored::U32,
           .name = name,
@@ -382,19 +394,18 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .cycle = Cycle::C1,
      .read = ReadDirectorBank},
-    ModeRow(0x07BC, "ap", "autopilot master", ReadMaster, WriteMaster, Cycle::C13),
-    ModeRow(0x2EE0, "fd", "flight director", ReadDirector, WriteDirector, Cycle::C13),
-    ModeRow(0x07C0, "ap_wing_leveler", "wing leveler", ReadStateAndMode<leveler>, WriteMode<leveler>,
-            Cycle::C13),
-    ModeRow(0x07C4, "ap_nav", "navigation hold, armed or engaged", ReadStateAndMode<nav>, WriteMode<nav>),
-    ModeRow(0x07C8, "ap_heading", "heading hold", ReadMode<heading>, WriteMode<heading>),
-    ModeRow(0x07D0, "ap_altitude", "altitude hold", ReadMode<altitude>, WriteMode<altitude>),
-    ModeRow(0x07DC, "ap_speed", "airspeed hold", ReadMode<speed>, WriteMode<speed>),
-    ModeRow(0x07E4, "ap_mach", "Mach hold", ReadMode<mach>, WriteMode<mach>),
+    ModeRow(0x07BC, "ap", "autopilot master", ReadMaster, ApplyMaster, Cycle::C13),
+    ModeRow(0x2EE0, "fd", "flight director", ReadDirector, ApplyDirector, Cycle::C13),
+    ModeRow(0x07C0, "ap_wing_leveler", "wing leveler", ReadMode<leveler>, ApplyMode<leveler>, Cycle::C13),
+    ModeRow(0x07C4, "ap_nav", "navigation hold, armed or engaged", ReadMode<nav>, ApplyMode<nav>),
+    ModeRow(0x07C8, "ap_heading", "heading hold", ReadMode<heading>, ApplyMode<heading>),
+    ModeRow(0x07D0, "ap_altitude", "altitude hold", ReadMode<altitude>, ApplyMode<altitude>),
+    ModeRow(0x07DC, "ap_speed", "airspeed hold", ReadMode<speed>, ApplyMode<speed>),
+    ModeRow(0x07E4, "ap_mach", "Mach hold", ReadMode<mach>, ApplyMode<mach>),
     ModeRow(0x07EC, "ap_vertical_speed", "vertical speed hold", ReadMode<verticalSpeed>,
-            WriteMode<verticalSpeed>),
+            ApplyMode<verticalSpeed>),
     ModeRow(0x07F4, "ap_thrust", "thrust hold", ReadMode<thrust>, nullptr, Cycle::C7, ""),
-    ModeRow(0x0800, "ap_approach", "approach hold, armed or engaged", ReadMode<approach>, WriteMode<approach>),
+    ModeRow(0x0800, "ap_approach", "approach hold, armed or engaged", ReadMode<approach>, ApplyMode<approach>),
     {.offset = 0x080C,
      .type = Stored::U32,
      .name = "toga",
@@ -402,9 +413,9 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C7,
      .read = ReadMode<goAround>,
-     .write = {.apply = WriteGoAround},
+     .write = {.apply = ApplyGoAround},
      .lossy = "can be written with add-on aircraft only"},
-    ModeRow(0x0810, "autothrottle", "autothrottle armed", ReadAutothrottle, WriteAutothrottle),
+    ModeRow(0x0810, "autothrottle", "autothrottle armed", ReadAutothrottle, ApplyAutothrottle),
     {.offset = 0x07CC,
      .type = Stored::U16,
      .name = "ap_heading_bug",
@@ -413,7 +424,7 @@ constexpr OffsetRow rows[] = {
      .unitScale = 360.0 / 65536,
      .cycle = Cycle::C7,
      .read = ReadSelectedHeading,
-     .write = {.apply = WriteSelectedHeading},
+     .write = {.apply = ApplySelectedHeading},
      .lossy = "written at 182 per degree: reads back up to 16 higher, and from 65520 on begins again at 0"},
     {.offset = 0x07D4,
      .type = Stored::S32,
@@ -422,9 +433,9 @@ constexpr OffsetRow rows[] = {
      .unit = "m",
      .unitScale = 1.0 / 65536,
      .cycle = Cycle::C7,
-     .source = FloatAt(0x07D4),
+     .source = Float<"sim/cockpit/autopilot/altitude">,
      .factor = 0.3048 * 65536,
-     .write = {.apply = WriteSelectedAltitude},
+     .write = {.apply = ApplySelectedAltitude},
      .lossy = "written at 3.2808 feet per metre: reads back 0.0012 % lower"},
     {.offset = 0x07E2,
      .type = Stored::U16,
@@ -433,7 +444,7 @@ constexpr OffsetRow rows[] = {
      .unit = "kt",
      .cycle = Cycle::C7,
      .read = ReadSelectedSpeed,
-     .write = {.apply = WriteSelectedSpeed},
+     .write = {.apply = ApplySelectedSpeed},
      .note = "knots also while the selector stands at Mach"},
     {
         .offset = 0x07E8,
@@ -443,7 +454,7 @@ constexpr OffsetRow rows[] = {
         .unitScale = 1.0 / 65536,
         .cycle = Cycle::C7,
         .read = ReadSelectedMach,
-        .write = {.apply = WriteSelectedMach},
+        .write = {.apply = ApplySelectedMach},
         .lossy = "held in single precision: off by more than one step from Mach 100 on",
         .note = "Mach also while the selector stands at knots",
     },
@@ -454,16 +465,16 @@ constexpr OffsetRow rows[] = {
      .unit = "ft/min",
      .cycle = Cycle::C7,
      .read = ReadSelectedClimb,
-     .write = {.apply = WriteSelectedClimb}},
-    ModeRow(0x0804, "ap_back_course", "back course", nullptr, PressBackCourse, Cycle::None, ""),
-    ModeRow(0x0808, "yaw_damper", "yaw damper", ReadYawDamper, WriteYawDamper, Cycle::C31),
+     .write = {.apply = ApplySelectedClimb}},
+    ModeRow(0x0804, "ap_back_course", "back course", nullptr, ApplyBackCourse, Cycle::None, ""),
+    ModeRow(0x0808, "yaw_damper", "yaw damper", ReadYawDamper, ApplyYawDamper, Cycle::C31),
     {.offset = 0x2F80,
      .type = Stored::U8,
      .name = "autobrake",
      .meaning = "autobrake: 0 rejected take-off, 1 off, 2 to 5 landing",
      .cycle = Cycle::C31,
-     .source = IntAt(0x2F80),
-     .write = {.target = IntAt(0x2F80), .low = 0, .high = 5},
+     .source = Int<"sim/cockpit/switches/auto_brake_settings">,
+     .write = {.target = Int<"sim/cockpit/switches/auto_brake_settings">, .low = 0, .high = 5},
      .lossy = "above 5 counts as 5"},
 };
 

@@ -9,8 +9,8 @@ namespace {
 constexpr double metresPerMile = 1609.344;
 constexpr int cloudTypes = 5;  // clear, cirrus, scattered, broken, overcast, stratus
 
-constexpr Source rain = FloatAt(0x04CB);
-constexpr Source seaLevelTemperature = FloatAt(0x04CC);
+constexpr Source rain = Float<"sim/weather/rain_percent">;
+constexpr Source seaLevelTemperature = Float<"sim/weather/temperature_sealevel_c">;
 
 // --- Precipitation -------------------------------------------------------------------------------------
 double RateOfRain(double share) {
@@ -31,7 +31,7 @@ void ApplyPrecipitation(const OffsetRow&, const Staged& staged) {
   const int kind = static_cast<int>(staged.integer >> 8);
   SetSource(rain, kind == 0 ? 0 : rate * perRate);
   if (rate == 0 || kind == 0) return;
-  SetSource(IntAt(0x0EA6), overcast);
+  SetSource(Int<"sim/weather/cloud_type[0]">, overcast);
   const double present = ReadSource(seaLevelTemperature);
   if (kind == rainKind && present <= 0) SetSource(seaLevelTemperature, 1);
   if (kind == snowKind && present > 0) SetSource(seaLevelTemperature, -1);
@@ -39,23 +39,42 @@ void ApplyPrecipitation(const OffsetRow&, const Staged& staged) {
 
 // --- Layers --------------------------------------------------------------------------------------------
 struct LayerPlaces {
-  uint32_t base, tops, type;
+  uint32_t baseAt, topsAt, typeAt;
+  Source base, tops, type;
   const char* layer[3];  // what base, tops and type mean
 };
 constexpr LayerPlaces layers[3] = {
-    {0x0EA4, 0x0EA2, 0x0EA6, {"low cloud base", "low cloud tops", "low cloud type"}},
-    {0x6F11, 0x6F0F, 0x6F13, {"middle cloud base", "middle cloud tops", "middle cloud type"}},
-    {0x0E9C, 0x0E9A, 0x0E9E, {"high cloud base", "high cloud tops", "high cloud type"}},
+    {0x0EA4,
+     0x0EA2,
+     0x0EA6,
+     Float<"sim/weather/cloud_base_msl_m[0]">,
+     Float<"sim/weather/cloud_tops_msl_m[0]">,
+     Int<"sim/weather/cloud_type[0]">,
+     {"low cloud base", "low cloud tops", "low cloud type"}},
+    {0x6F11,
+     0x6F0F,
+     0x6F13,
+     Float<"sim/weather/cloud_base_msl_m[1]">,
+     Float<"sim/weather/cloud_tops_msl_m[1]">,
+     Int<"sim/weather/cloud_type[1]">,
+     {"middle cloud base", "middle cloud tops", "middle cloud type"}},
+    {0x0E9C,
+     0x0E9A,
+     0x0E9E,
+     Float<"sim/weather/cloud_base_msl_m[2]">,
+     Float<"sim/weather/cloud_tops_msl_m[2]">,
+     Int<"sim/weather/cloud_type[2]">,
+     {"high cloud base", "high cloud tops", "high cloud type"}},
 };
 
 // The middle layer has a coverage beside its type; both take the same number.
 void ApplyMiddleType(const OffsetRow& row, const Staged& staged) {
   const double type = std::min(staged.number, static_cast<double>(cloudTypes));
   SetSource(row.source, type);
-  SetSource(AuxFloatAt(row.offset), type);
+  SetSource(Float<"sim/weather/cloud_coverage[1]">, type);
 }
 
-constexpr OffsetRow Height(uint32_t offset, const char* name, int member, const char* meaning) {
+constexpr OffsetRow Height(uint32_t offset, Source source, const char* name, int member, const char* meaning) {
   return {.offset = offset,
           .type = Stored::U16,
           .name = name,
@@ -63,25 +82,25 @@ constexpr OffsetRow Height(uint32_t offset, const char* name, int member, const 
           .meaning = meaning,
           .unit = "m",
           .cycle = Cycle::C59,
-          .source = FloatAt(offset),
-          .write = {.target = FloatAt(offset)}};
+          .source = source,
+          .write = {.target = source}};
 }
 
 constexpr std::array<OffsetRow, 3> LayerRows(int layer) {
   const LayerPlaces& at = layers[layer];
-  OffsetRow type = {.offset = at.type,
+  OffsetRow type = {.offset = at.typeAt,
                     .type = Stored::U16,
                     .name = "cloud_type",
                     .member = layer + 1,
                     .meaning = at.layer[2],
                     .cycle = Cycle::C59,
-                    .source = IntAt(at.type),
-                    .write = {.target = IntAt(at.type), .high = cloudTypes},
+                    .source = at.type,
+                    .write = {.target = at.type, .high = cloudTypes},
                     .lossy = "above 5 counts as 5",
                     .note = "0 clear, 1 cirrus, 2 scattered, 3 broken, 4 overcast, 5 stratus"};
   if (layer == 1) type.write = {.apply = ApplyMiddleType};
-  return {Height(at.base, "cloud_base", layer + 1, at.layer[0]),
-          Height(at.tops, "cloud_tops", layer + 1, at.layer[1]), type};
+  return {Height(at.baseAt, at.base, "cloud_base", layer + 1, at.layer[0]),
+          Height(at.topsAt, at.tops, "cloud_tops", layer + 1, at.layer[1]), type};
 }
 
 constexpr OffsetRow otherRows[] = {
@@ -115,26 +134,26 @@ constexpr OffsetRow otherRows[] = {
      .unit = "mi",
      .unitScale = 0.01,
      .cycle = Cycle::C59,
-     .source = FloatAt(0x0E8A),
+     .source = Float<"sim/weather/visibility_reported_m">,
      .factor = 100 / metresPerMile,
-     .write = {.target = FloatAt(0x0E8A), .factor = metresPerMile / 100}},
+     .write = {.target = Float<"sim/weather/visibility_reported_m">, .factor = metresPerMile / 100}},
     {.offset = 0x6DAF,
      .type = Stored::U8,
      .name = "thunderstorm",
      .meaning = "thunderstorms",
      .unit = "%",
      .cycle = Cycle::C59,
-     .source = FloatAt(0x6DAF),
+     .source = Float<"sim/weather/thunderstorm_percent">,
      .factor = 100,
-     .write = {.target = FloatAt(0x6DAF), .factor = 0.01}},
+     .write = {.target = Float<"sim/weather/thunderstorm_percent">, .factor = 0.01}},
     {.offset = 0x6F15,
      .type = Stored::U8,
      .name = "real_weather",
      .meaning = "real weather in use",
      .show = Show::Flag,
      .cycle = Cycle::C59,
-     .source = IntAt(0x6F15),
-     .write = {.target = IntAt(0x6F15)}},
+     .source = Int<"sim/weather/use_real_weather_bool">,
+     .write = {.target = Int<"sim/weather/use_real_weather_bool">}},
 };
 
 constexpr auto rows = [] {

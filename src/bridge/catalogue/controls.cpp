@@ -5,10 +5,7 @@
 #include <numbers>
 
 #include "XPLMUtilities.h"
-#include "aircraft/adapter_commands.h"
-#include "aircraft/adapter_slots.h"
 #include "base/log.h"
-#include "bridge/aircraft_state.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
 #include "bridge/slew.h"
@@ -25,60 +22,53 @@ constexpr double tenDegrees = std::numbers::pi / 18;
 constexpr double stabiliserSteps = 11250, stabiliserZero = 5020;
 
 double ElevatorTrimWord(double trim) {
-  return adapters.x737 ? (trim + stabiliserZero / stabiliserSteps) * stabiliserSteps : trim * full;
+  return IsLoaded(AddOn::X737) ? (trim + stabiliserZero / stabiliserSteps) * stabiliserSteps : trim * full;
 }
 
 double ElevatorTrimRatio(double word) {
-  return adapters.x737 ? word / stabiliserSteps - stabiliserZero / stabiliserSteps : word / full;
+  return IsLoaded(AddOn::X737) ? word / stabiliserSteps - stabiliserZero / stabiliserSteps : word / full;
 }
 
 // --- Brakes ---------------------------------------------------------------------------------------
 
-constexpr Source leftBrake = FloatAt(0x0BC4), rightBrake = FloatAt(0x0BC6), parkBrake = FloatAt(0x0BC8);
+constexpr Source leftBrake = Float<"sim/flightmodel/controls/l_brake_add">,
+                 rightBrake = Float<"sim/flightmodel/controls/r_brake_add">,
+                 parkBrake = Float<"sim/flightmodel/controls/parkbrake">;
 
-// The brake rows share one look at the simulator, taken by the first of them.
-struct Brakes {
-  double left, right, parking;
-} brakes = {};
-
-double ParkingBrake() { return ReadSource(adapters.b738Extended ? b738ParkingBrake : parkBrake); }
-
-int ReadLeftBrake(const OffsetRow&, double* value) {
-  brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ParkingBrake()};
-  *value = brakes.parking > 0.5 ? full : brakes.left * full;
-  return 1;
+double ParkingBrake() {
+  return ReadSource(IsLoaded(AddOn::B738Extended) ? Float<"laminar/B738/annunciator/parking_brake">
+                                                  : parkBrake);
 }
 
-int ReadRightBrake(const OffsetRow&, double* value) {
-  *value = brakes.parking > 0.5 ? full : brakes.right * full;
-  return 1;
+// A toe brake; the parking brake holds both down.
+template <const Source& brake>
+bool ReadToeBrake(const OffsetRow&, double* value) {
+  *value = ParkingBrake() > 0.5 ? full : ReadSource(brake) * full;
+  return true;
 }
 
-int ReadLeftBrakeAxis(const OffsetRow&, double* value) {
-  *value = brakes.left * full;
-  return 1;
-}
-
-int ReadRightBrakeAxis(const OffsetRow&, double* value) {
-  *value = brakes.right * full;
-  return 1;
-}
-
-int ReadParkingBrake(const OffsetRow&, double* value) {
-  if (adapters.b738Extended) {
-    *value = brakes.parking > 0.2 ? 32767 : 0;
+bool ReadParkingBrake(const OffsetRow&, double* value) {
+  const double parking = ParkingBrake();
+  if (IsLoaded(AddOn::B738Extended)) {
+    *value = parking > 0.2 ? 32767 : 0;
   } else {
-    *value = brakes.parking * 32767;
+    *value = parking * 32767;
   }
-  return 1;
+  return true;
 }
 
-int ReadBrakesApplied(const OffsetRow&, double* value) {
-  *value = brakes.left > 0.2 || brakes.right > 0.2 || brakes.parking > 0.2 ? full : 0;
-  return 1;
+bool ReadBrakesApplied(const OffsetRow&, double* value) {
+  *value = ReadSource(leftBrake) > 0.2 || ReadSource(rightBrake) > 0.2 || ParkingBrake() > 0.2 ? full : 0;
+  return true;
 }
 
-void WriteRightBrake(const OffsetRow&, const Staged& staged) {
+template <const Source& brake>
+bool ReadBrakeAxis(const OffsetRow&, double* value) {
+  *value = ReadSource(brake) * full;
+  return true;
+}
+
+void ApplyRightBrake(const OffsetRow&, const Staged& staged) {
   int16_t left = 0;
   CopyFromMemory(0x0BC4, sizeof(left), &left);
   const float ratio = static_cast<float>(staged.number * (1 / full));
@@ -90,12 +80,12 @@ void WriteRightBrake(const OffsetRow&, const Staged& staged) {
           static_cast<int>(left), number);
 }
 
-void WriteParkingBrake(const OffsetRow&, const Staged& staged) {
+void ApplyParkingBrake(const OffsetRow&, const Staged& staged) {
   const double wanted = staged.number / 32767;
-  if (!adapters.b738Extended) {
+  if (!IsLoaded(AddOn::B738Extended)) {
     SetSource(parkBrake, std::min(wanted, 1.0));
-  } else if ((wanted > 0.2) != (ReadSource(b738ParkingBrake) > 0.2)) {
-    FireCommand(b738Commands.parkBrakeOnOff);
+  } else if ((wanted > 0.2) != (ReadSource(Float<"laminar/B738/annunciator/parking_brake">) > 0.2)) {
+    FireCommand(commandOf<"laminar/B738/push_button/park_brake_on_off">);
   }
 }
 
@@ -104,7 +94,7 @@ void WriteParkingBrake(const OffsetRow&, const Staged& staged) {
 // Clients know the lever as 0 down, 4800 armed, 5620 to 16383 deployed.
 constexpr double armedWord = 4800, deployedWord = 5620;
 constexpr double stockArmed = -0.5, x737Armed = 0.125, b738Armed = 0.0889, ixegArmed = 0.1;
-constexpr Source speedBrakeRequest = FloatAt(0x0BD0);
+constexpr Source speedBrakeRequest = Float<"sim/flightmodel/controls/sbrkrqst">;
 
 // An add-on's lever: down, armed within a narrow stretch, else deployed in proportion. Compared in single
 // precision, as the lever's detents are.
@@ -115,56 +105,56 @@ double LeverWord(double position, float down, float deployed) {
   return std::max(armedWord, std::trunc(position * full));
 }
 
-int ReadSpeedBrake(const OffsetRow&, double* value) {
-  if (adapters.x737) {
-    *value = LeverWord(ReadSource(x737SpdbrkLeverPos), 0.1f, 0.15f);
-  } else if (adapters.b738Extended) {
-    *value = LeverWord(ReadSource(b738SpeedbrakeLever), 0.07f, 0.145f);
+bool ReadSpeedBrake(const OffsetRow&, double* value) {
+  if (IsLoaded(AddOn::X737)) {
+    *value = LeverWord(ReadSource(Float<"x737/systems/speedbrake/spdbrkLeverPos">), 0.1f, 0.15f);
+  } else if (IsLoaded(AddOn::B738Extended)) {
+    *value = LeverWord(ReadSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">), 0.07f, 0.145f);
   } else {
     const double request = ReadSource(speedBrakeRequest);
     *value = request < 0    ? armedWord
              : request == 0 ? 0
                             : std::min(full, armedWord + request * (full - armedWord));
   }
-  return 1;
+  return true;
 }
 
-void WriteSpeedBrake(const OffsetRow&, const Staged& staged) {
+void ApplySpeedBrake(const OffsetRow&, const Staged& staged) {
   const double word = staged.number;
   const bool armed = word >= armedWord && word < deployedWord;
   const double lever = word < armedWord ? 0 : std::min(1.0, word / full);
-  if (adapters.x737) {
-    SetSource(x737SpdbrkLeverPos, armed ? x737Armed : lever);
-  } else if (adapters.b738Extended) {
-    SetSource(b738SpeedbrakeLever, armed ? b738Armed : lever);
-  } else if (adapters.ixeg733) {
-    SetSource(ixegSpeedbrakeAct, std::min(1.0, word / full));
+  if (IsLoaded(AddOn::X737)) {
+    SetSource(Float<"x737/systems/speedbrake/spdbrkLeverPos">, armed ? x737Armed : lever);
+  } else if (IsLoaded(AddOn::B738Extended)) {
+    SetSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">, armed ? b738Armed : lever);
+  } else if (IsLoaded(AddOn::Ixeg733)) {
+    SetSource(Fitting<"ixeg/733/hydraulics/speedbrake_act">, std::min(1.0, word / full));
   } else {
     const double deployed = std::clamp((word - deployedWord) * (1 / (full - deployedWord)), 0.0, 1.0);
     SetSource(speedBrakeRequest, armed ? stockArmed : deployed);
   }
 }
 
-int ReadSpeedBrakeArmed(const OffsetRow&, double* value) {
-  if (adapters.x737) {
-    *value = IsOn(x737SpdbrkIsArmedLight);
-  } else if (adapters.b738Extended) {
-    const float lever = static_cast<float>(ReadSource(b738SpeedbrakeLever));
+bool ReadSpeedBrakeArmed(const OffsetRow&, double* value) {
+  if (IsLoaded(AddOn::X737)) {
+    *value = IsOn(Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">);
+  } else if (IsLoaded(AddOn::B738Extended)) {
+    const float lever = static_cast<float>(ReadSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">));
     *value = lever > 0.04f && lever < 0.15f;
   } else {
     *value = ReadSource(speedBrakeRequest) < 0;
   }
-  return 1;
+  return true;
 }
 
-void WriteSpeedBrakeArmed(const OffsetRow&, const Staged& staged) {
+void ApplySpeedBrakeArmed(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  if (adapters.x737) {
-    SetSource(x737SpdbrkIsArmed, wanted);
-  } else if (adapters.b738Extended) {
-    SetSource(b738SpeedbrakeLever, wanted ? b738Armed : 0);
-  } else if (adapters.ixeg733) {
-    SetSource(ixegSpeedbrakeAct, wanted ? ixegArmed : 0);
+  if (IsLoaded(AddOn::X737)) {
+    SetSource(Int<"x737/systems/speedbrake/spdbrkIsArmed">, wanted);
+  } else if (IsLoaded(AddOn::B738Extended)) {
+    SetSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">, wanted ? b738Armed : 0);
+  } else if (IsLoaded(AddOn::Ixeg733)) {
+    SetSource(Fitting<"ixeg/733/hydraulics/speedbrake_act">, wanted ? ixegArmed : 0);
   } else {
     SetSource(speedBrakeRequest, wanted ? stockArmed : 0);
   }
@@ -172,27 +162,37 @@ void WriteSpeedBrakeArmed(const OffsetRow&, const Staged& staged) {
 
 // --- Flaps and gear -------------------------------------------------------------------------------
 
-void WriteFlaps(const OffsetRow&, const Staged& staged) {
-  if (!adapters.b738Extended) {
-    SetSource(FloatAt(0x0BDC), std::min(1.0, staged.number / full));
+constexpr const Command* b738Flaps[] = {
+    &commandOf<"laminar/B738/push_button/flaps_0">,  &commandOf<"laminar/B738/push_button/flaps_1">,
+    &commandOf<"laminar/B738/push_button/flaps_2">,  &commandOf<"laminar/B738/push_button/flaps_5">,
+    &commandOf<"laminar/B738/push_button/flaps_10">, &commandOf<"laminar/B738/push_button/flaps_15">,
+    &commandOf<"laminar/B738/push_button/flaps_25">, &commandOf<"laminar/B738/push_button/flaps_30">,
+    &commandOf<"laminar/B738/push_button/flaps_40">};
+
+void ApplyFlaps(const OffsetRow&, const Staged& staged) {
+  if (!IsLoaded(AddOn::B738Extended)) {
+    SetSource(Float<"sim/flightmodel/controls/flaprqst">, std::min(1.0, staged.number / full));
     return;
   }
   // Eight steps between the nine detents 0, 1, 2, 5, 10, 15, 25, 30, 40.
   const double detent = std::min(8.0, std::round(staged.number * 8 / full));
-  FireCommand(b738Commands.flaps[static_cast<int>(detent)]);
+  FireCommand(*b738Flaps[static_cast<int>(detent)]);
 }
 
-bool IsGearDown() { return adapters.b738Extended ? ReadSource(b738GearHandleDown) > 0.5 : IsOn(IntAt(0x0BE8)); }
+bool IsGearDown() {
+  return IsLoaded(AddOn::B738Extended) ? ReadSource(Float<"laminar/B738/controls/gear_handle_down">) > 0.5
+                                       : IsOn(Int<"sim/cockpit/switches/gear_handle_status">);
+}
 
-int ReadGear(const OffsetRow&, double* value) {
+bool ReadGear(const OffsetRow&, double* value) {
   *value = IsGearDown() ? full : 0;
-  return 1;
+  return true;
 }
 
-void WriteGear(const OffsetRow&, const Staged& staged) {
+void ApplyGear(const OffsetRow&, const Staged& staged) {
   const bool down = staged.integer >= 8192;
-  if (adapters.b738Extended) {
-    SetSource(b738GearHandleDown, down);
+  if (IsLoaded(AddOn::B738Extended)) {
+    SetSource(Float<"laminar/B738/controls/gear_handle_down">, down);
   } else if (down != IsGearDown()) {
     PushButton(down ? xplm_joy_gear_down : xplm_joy_gear_up);
   }
@@ -201,10 +201,12 @@ void WriteGear(const OffsetRow&, const Staged& staged) {
 // --- Joystick disconnect --------------------------------------------------------------------------
 
 // Overrides by bit: elevator, aileron, rudder, throttles.
-constexpr Source overrides[4] = {AuxIntAt(0x0020), AuxIntAt(0x0021), AuxIntAt(0x0022), AuxIntAt(0x0023)};
+constexpr Source overrides[4] = {
+    Int<"sim/operation/override/override_joystick_pitch">, Int<"sim/operation/override/override_joystick_roll">,
+    Int<"sim/operation/override/override_joystick_heading">, Int<"sim/operation/override/override_throttles">};
 unsigned overridesTaken = 0;  // bits that were off before a client's write switched them on
 
-void WriteOverrides(const OffsetRow&, const Staged& staged) {
+void ApplyOverrides(const OffsetRow&, const Staged& staged) {
   for (unsigned bit = 0; bit < 4; ++bit) {
     const unsigned mask = 1u << bit;
     const bool wanted = (static_cast<unsigned>(staged.integer) & mask) != 0;
@@ -234,14 +236,14 @@ constexpr OffsetRow Travel(uint32_t offset, Stored type, const char* name, const
 }
 
 // The same when clients move it.
-constexpr OffsetRow Axis(uint32_t offset, const char* name, const char* meaning, Cycle cycle) {
-  OffsetRow row = Travel(offset, Stored::S16, name, meaning, cycle, FloatAt(offset));
-  row.write = {.target = FloatAt(offset), .factor = 1 / full};
+constexpr OffsetRow Axis(uint32_t offset, Source source, const char* name, const char* meaning, Cycle cycle) {
+  OffsetRow row = Travel(offset, Stored::S16, name, meaning, cycle, source);
+  row.write = {.target = source, .factor = 1 / full};
   return row;
 }
 
 // Trim as an angle.
-constexpr OffsetRow TrimAngle(uint32_t offset, const char* name, const char* meaning) {
+constexpr OffsetRow TrimAngle(uint32_t offset, Source source, const char* name, const char* meaning) {
   return {.offset = offset,
           .type = Stored::F64,
           .name = name,
@@ -249,14 +251,14 @@ constexpr OffsetRow TrimAngle(uint32_t offset, const char* name, const char* mea
           .unit = "deg",
           .unitScale = 180 / std::numbers::pi,
           .cycle = Cycle::C13,
-          .source = FloatAt(offset),
+          .source = source,
           .factor = tenDegrees,
-          .write = {.target = FloatAt(offset), .factor = 1 / tenDegrees, .low = -1, .high = 1},
+          .write = {.target = source, .factor = 1 / tenDegrees, .low = -1, .high = 1},
           .lossy = "held in single precision, and limited to 10 degrees either way"};
 }
 
 // One flap panel, degrees x 256.
-constexpr OffsetRow FlapAngle(uint32_t offset, const char* name, const char* meaning) {
+constexpr OffsetRow FlapAngle(uint32_t offset, Source source, const char* name, const char* meaning) {
   return {.offset = offset,
           .type = Stored::S16,
           .name = name,
@@ -264,19 +266,21 @@ constexpr OffsetRow FlapAngle(uint32_t offset, const char* name, const char* mea
           .unit = "deg",
           .unitScale = 1.0 / 256,
           .cycle = Cycle::C7,
-          .source = FloatAt(offset),
+          .source = source,
           .factor = 256};
 }
 
-constexpr Source slats = FloatAt(0x30E8);
+constexpr Source slats = Float<"sim/flightmodel2/controls/slat1_deploy_ratio">;
 
 constexpr OffsetRow rows[] = {
-    Axis(0x0BB2, "elevator", "elevator input, positive pulled", Cycle::C1),
-    Travel(0x584A, Stored::S16, "elevator_copy", "elevator input, second copy", Cycle::C1, FloatAt(0x0BB2)),
-    Travel(0x0BB4, Stored::S16, "elevator_position", "elevator position", Cycle::C1, FloatAt(0x0BB4),
-           -(16363.0 / 15)),
-    Travel(0x0BB8, Stored::S16, "aileron_position", "aileron position", Cycle::C1, FloatAt(0x0BB8),
-           -(full / 30)),
+    Axis(0x0BB2, Float<"sim/joystick/yolk_pitch_ratio">, "elevator", "elevator input, positive pulled",
+         Cycle::C1),
+    Travel(0x584A, Stored::S16, "elevator_copy", "elevator input, second copy", Cycle::C1,
+           Float<"sim/joystick/yolk_pitch_ratio">),
+    Travel(0x0BB4, Stored::S16, "elevator_position", "elevator position", Cycle::C1,
+           Float<"sim/flightmodel/controls/hstab1_elv1def">, -(16363.0 / 15)),
+    Travel(0x0BB8, Stored::S16, "aileron_position", "aileron position", Cycle::C1,
+           Float<"sim/flightmodel/controls/lail1def">, -(full / 30)),
     {.offset = 0x2EA8,
      .type = Stored::F64,
      .name = "aileron_deflection",
@@ -284,10 +288,11 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 18 / std::numbers::pi,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x0BB8),
+     .source = Float<"sim/flightmodel/controls/lail1def">,
      .factor = -tenDegrees},
-    Axis(0x0BBA, "rudder", "rudder input, positive right", Cycle::C1),
-    Travel(0x0BBC, Stored::S16, "rudder_position", "rudder position", Cycle::C1, FloatAt(0x0BBC), full / 30),
+    Axis(0x0BBA, Float<"sim/joystick/yolk_heading_ratio">, "rudder", "rudder input, positive right", Cycle::C1),
+    Travel(0x0BBC, Stored::S16, "rudder_position", "rudder position", Cycle::C1,
+           Float<"sim/flightmodel/controls/ldruddef">, full / 30),
     {.offset = 0x2EB8,
      .type = Stored::F64,
      .name = "rudder_deflection",
@@ -295,7 +300,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 18 / std::numbers::pi,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x0BBC),
+     .source = Float<"sim/flightmodel/controls/ldruddef">,
      .factor = tenDegrees},
     {.offset = 0x0BBE,
      .type = Stored::U16,
@@ -304,11 +309,12 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 30.0 / 65536,
      .cycle = Cycle::C1,
-     .source = FloatElementAt(0x0BBE, 0),
+     .source = FloatElement<"sim/flightmodel/engine/POINT_pitch_deg">(0),
      .factor = 65536.0 / 30,
-     .write = {.target = FloatElementAt(0x0BBE, 0), .factor = 30.0 / 65536}},
-    Axis(0x0BB6, "aileron", "aileron input, positive right", Cycle::C3),
-    Travel(0x584C, Stored::S16, "aileron_copy", "aileron input, second copy", Cycle::C3, FloatAt(0x0BB6)),
+     .write = {.target = FloatElement<"sim/flightmodel/engine/POINT_pitch_deg">(0), .factor = 30.0 / 65536}},
+    Axis(0x0BB6, Float<"sim/joystick/yoke_roll_ratio">, "aileron", "aileron input, positive right", Cycle::C3),
+    Travel(0x584C, Stored::S16, "aileron_copy", "aileron input, second copy", Cycle::C3,
+           Float<"sim/joystick/yoke_roll_ratio">),
     {.offset = 0x0BC0,
      .type = Stored::S16,
      .name = "elevator_trim",
@@ -316,9 +322,12 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .source = FloatAt(0x0BC0),
+     .source = Float<"sim/flightmodel/controls/elv_trim">,
      .convert = ElevatorTrimWord,
-     .write = {.target = FloatAt(0x0BC0), .low = -1, .high = 1, .convert = ElevatorTrimRatio},
+     .write = {.target = Float<"sim/flightmodel/controls/elv_trim">,
+               .low = -1,
+               .high = 1,
+               .convert = ElevatorTrimRatio},
      .lossy = "limited to full trim either way",
      .note = "with the x737: -6230 full nose down, 5020 neutral, 16270 full nose up"},
     {.offset = 0x0BC2,
@@ -328,7 +337,7 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .source = FloatAt(0x0BC0),
+     .source = Float<"sim/flightmodel/controls/elv_trim">,
      .convert = ElevatorTrimWord},
     {.offset = 0x2E98,
      .type = Stored::F64,
@@ -337,13 +346,18 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 180 / std::numbers::pi,
      .cycle = Cycle::C3,
-     .source = FloatAt(0x0BC0),
+     .source = Float<"sim/flightmodel/controls/elv_trim">,
      .factor = tenDegrees},
-    Axis(0x0C02, "aileron_trim", "aileron trim, positive right", Cycle::C3),
-    Axis(0x0C04, "rudder_trim", "rudder trim, positive right", Cycle::C3),
-    TrimAngle(0x2EA0, "elevator_trim_angle", "elevator trim, radians, positive nose up"),
-    TrimAngle(0x2EB0, "aileron_trim_angle", "aileron trim, radians, positive right"),
-    TrimAngle(0x2EC0, "rudder_trim_angle", "rudder trim, radians, positive right"),
+    Axis(0x0C02, Float<"sim/cockpit2/controls/aileron_trim">, "aileron_trim", "aileron trim, positive right",
+         Cycle::C3),
+    Axis(0x0C04, Float<"sim/cockpit2/controls/rudder_trim">, "rudder_trim", "rudder trim, positive right",
+         Cycle::C3),
+    TrimAngle(0x2EA0, Float<"sim/flightmodel/controls/elv_trim">, "elevator_trim_angle",
+              "elevator trim, radians, positive nose up"),
+    TrimAngle(0x2EB0, Float<"sim/flightmodel/controls/ail_trim">, "aileron_trim_angle",
+              "aileron trim, radians, positive right"),
+    TrimAngle(0x2EC0, Float<"sim/flightmodel/controls/rud_trim">, "rudder_trim_angle",
+              "rudder trim, radians, positive right"),
 
     {.offset = 0x0BC4,
      .type = Stored::S16,
@@ -352,7 +366,7 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadLeftBrake,
+     .read = ReadToeBrake<leftBrake>,
      .write = {.target = leftBrake, .factor = 1 / full},
      .note = "16383 while the parking brake is set"},
     {.offset = 0x0BC6,
@@ -362,8 +376,8 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadRightBrake,
-     .write = {.apply = WriteRightBrake},
+     .read = ReadToeBrake<rightBrake>,
+     .write = {.apply = ApplyRightBrake},
      .note = "16383 while the parking brake is set"},
     {.offset = 0x0BC8,
      .type = Stored::U16,
@@ -373,7 +387,7 @@ constexpr OffsetRow rows[] = {
      .unitScale = 100.0 / 32767,
      .cycle = Cycle::C3,
      .read = ReadParkingBrake,
-     .write = {.apply = WriteParkingBrake},
+     .write = {.apply = ApplyParkingBrake},
      .lossy = "above 32767 counts as 32767; the extended 737-800 knows only off and on"},
     {.offset = 0x0BCA,
      .type = Stored::U16,
@@ -389,7 +403,7 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadLeftBrakeAxis},
+     .read = ReadBrakeAxis<leftBrake>},
     {.offset = 0x3418,
      .type = Stored::S16,
      .name = "right_brake_axis",
@@ -397,7 +411,7 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadRightBrakeAxis},
+     .read = ReadBrakeAxis<rightBrake>},
 
     {.offset = 0x0BCC,
      .type = Stored::U32,
@@ -406,7 +420,7 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C13,
      .read = ReadSpeedBrakeArmed,
-     .write = {.apply = WriteSpeedBrakeArmed},
+     .write = {.apply = ApplySpeedBrakeArmed},
      .lossy = flagLoss},
     {.offset = 0x0BD0,
      .type = Stored::U32,
@@ -414,10 +428,12 @@ constexpr OffsetRow rows[] = {
      .meaning = "speed brake lever: 0 down, 4800 armed, 5620 to 16383 deployed",
      .cycle = Cycle::C13,
      .read = ReadSpeedBrake,
-     .write = {.apply = WriteSpeedBrake},
+     .write = {.apply = ApplySpeedBrake},
      .lossy = "everything below 4800 puts the lever down; between armed and full it reads up to 820 higher"},
-    Travel(0x0BD4, Stored::U32, "left_spoiler", "left spoiler position", Cycle::C13, FloatAt(0x0BD4)),
-    Travel(0x0BD8, Stored::U32, "right_spoiler", "right spoiler position", Cycle::C13, FloatAt(0x0BD4)),
+    Travel(0x0BD4, Stored::U32, "left_spoiler", "left spoiler position", Cycle::C13,
+           Float<"sim/flightmodel/controls/sbrkrat">),
+    Travel(0x0BD8, Stored::U32, "right_spoiler", "right spoiler position", Cycle::C13,
+           Float<"sim/flightmodel/controls/sbrkrat">),
 
     {.offset = 0x0BDC,
      .type = Stored::U32,
@@ -426,20 +442,26 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C7,
-     .source = FloatAt(0x0BDC),
+     .source = Float<"sim/flightmodel/controls/flaprqst">,
      .factor = full,
-     .write = {.apply = WriteFlaps},
+     .write = {.apply = ApplyFlaps},
      .lossy = "above 16383 counts as 16383; the extended 737-800 goes to the nearest of its nine detents"},
-    Travel(0x0BE0, Stored::U32, "left_flap_position", "left flap position", Cycle::C3, FloatAt(0x0BE0)),
-    Travel(0x0BE4, Stored::U32, "right_flap_position", "right flap position", Cycle::C3, FloatAt(0x0BE0)),
+    Travel(0x0BE0, Stored::U32, "left_flap_position", "left flap position", Cycle::C3,
+           Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">),
+    Travel(0x0BE4, Stored::U32, "right_flap_position", "right flap position", Cycle::C3,
+           Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">),
     Travel(0x30E8, Stored::S16, "slat_left_inboard", "leading edge, left inboard", Cycle::C7, slats),
     Travel(0x30EA, Stored::S16, "slat_left_outboard", "leading edge, left outboard", Cycle::C7, slats),
     Travel(0x30EC, Stored::S16, "slat_right_inboard", "leading edge, right inboard", Cycle::C7, slats),
     Travel(0x30EE, Stored::S16, "slat_right_outboard", "leading edge, right outboard", Cycle::C7, slats),
-    FlapAngle(0x30F0, "flap_left_inboard", "trailing edge, left inboard"),
-    FlapAngle(0x30F2, "flap_left_outboard", "trailing edge, left outboard"),
-    FlapAngle(0x30F4, "flap_right_inboard", "trailing edge, right inboard"),
-    FlapAngle(0x30F6, "flap_right_outboard", "trailing edge, right outboard"),
+    FlapAngle(0x30F0, Float<"sim/flightmodel/controls/wing1l_fla1def">, "flap_left_inboard",
+              "trailing edge, left inboard"),
+    FlapAngle(0x30F2, Float<"sim/flightmodel/controls/wing2l_fla1def">, "flap_left_outboard",
+              "trailing edge, left outboard"),
+    FlapAngle(0x30F4, Float<"sim/flightmodel/controls/wing1r_fla1def">, "flap_right_inboard",
+              "trailing edge, right inboard"),
+    FlapAngle(0x30F6, Float<"sim/flightmodel/controls/wing2r_fla1def">, "flap_right_outboard",
+              "trailing edge, right outboard"),
 
     {.offset = 0x0BE8,
      .type = Stored::U32,
@@ -449,11 +471,14 @@ constexpr OffsetRow rows[] = {
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
      .read = ReadGear,
-     .write = {.apply = WriteGear},
+     .write = {.apply = ApplyGear},
      .lossy = "a lever with two places: from 8192 on it is down"},
-    Travel(0x0BEC, Stored::U32, "nose_gear", "nose gear", Cycle::C3, FloatElementAt(0x0BEC, 0)),
-    Travel(0x0BF0, Stored::U32, "right_gear", "right main gear", Cycle::C3, FloatElementAt(0x0BEC, 2)),
-    Travel(0x0BF4, Stored::U32, "left_gear", "left main gear", Cycle::C3, FloatElementAt(0x0BEC, 1)),
+    Travel(0x0BEC, Stored::U32, "nose_gear", "nose gear", Cycle::C3,
+           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(0)),
+    Travel(0x0BF0, Stored::U32, "right_gear", "right main gear", Cycle::C3,
+           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(2)),
+    Travel(0x0BF4, Stored::U32, "left_gear", "left main gear", Cycle::C3,
+           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(1)),
     {.offset = 0x6D8A,
      .type = Stored::S16,
      .name = "nose_wheel_angle",
@@ -461,7 +486,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 0.01,
      .cycle = Cycle::C3,
-     .source = FloatElementAt(0x6D8A, 0),
+     .source = FloatElement<"sim/flightmodel/parts/tire_steer_act">(0),
      .factor = 100},
     {.offset = 0x6F00,
      .type = Stored::S16,
@@ -469,7 +494,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "nose-wheel speed",
      .unitScale = 0.1,
      .cycle = Cycle::C13,
-     .source = FloatAt(0x6F00),
+     .source = Float<"sim/flightmodel/misc/nosewheel_speed">,
      .factor = 10},
 
     {.offset = 0x310A,
@@ -477,7 +502,7 @@ constexpr OffsetRow rows[] = {
      .name = "joystick_disconnect",
      .meaning = "takes controls from the joystick: bit 0 elevator, 1 aileron, 2 rudder, 3 throttles",
      .show = Show::Bits,
-     .write = {.apply = WriteOverrides},
+     .write = {.apply = ApplyOverrides},
      .note = "all four are set with every write; given back when the program is switched off"},
 };
 

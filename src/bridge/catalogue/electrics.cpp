@@ -1,28 +1,27 @@
 // Battery, generators, auxiliary power unit, fuel pumps, suction and the sound switch.
 #include <algorithm>
 
-#include "aircraft/adapter_slots.h"
-#include "bridge/aircraft_state.h"
 #include "bridge/catalogue/engine_families.h"
 
 namespace {
 
-constexpr Source battery = IntAt(0x3102);
-constexpr Source apuRunning = IntAt(0x0B58);
-constexpr Source apuSwitch = AuxIntAt(0x0B58);
+constexpr Source battery = Int<"sim/cockpit/electrical/battery_on">;
+constexpr Source apuRunning = Int<"sim/cockpit/engine/APU_running">;
+constexpr Source apuSwitch = Int<"sim/cockpit/engine/APU_switch">;
 
 // One switch for all eight engines that the simulator knows, in one call.
-void SwitchAllEngines(const OffsetRow& row, const Staged& staged) {
-  const XPLMDataRef handle = HandleOf(IntAt(row.offset));
+template <Source source>
+void ApplyToAllEngines(const OffsetRow&, const Staged& staged) {
+  const XPLMDataRef handle = HandleOf(source);
   if (handle == nullptr) return;
   int switches[8];
   std::fill(std::begin(switches), std::end(switches), staged.integer != 0);
   XPLMSetDatavi(handle, switches, 0, static_cast<int>(std::size(switches)));
 }
 
-int ReadBattery(const OffsetRow&, double* value) {
-  *value = IsOn(adapters.x737 ? x737SwBatBusPowered : battery);
-  return 1;
+bool ReadBattery(const OffsetRow&, double* value) {
+  *value = IsOn(IsLoaded(AddOn::X737) ? Int<"x737/systems/electrics/swBatBusPowered"> : battery);
+  return true;
 }
 
 // The value is a 32-bit float by custom, but clients write the integer 1 too: every bit pattern but 0 is on.
@@ -35,30 +34,32 @@ void ApplyApu(const OffsetRow&, const Staged& staged) {
   SetSource(apuSwitch, !wanted ? off : IsOn(apuRunning) ? on : start);
 }
 
-constexpr OffsetRow Switch(uint32_t offset, Stored type, const char* name, const char* meaning, Cycle cycle) {
+constexpr OffsetRow Switch(uint32_t offset, Source source, Stored type, const char* name, const char* meaning,
+                           Cycle cycle) {
   return {.offset = offset,
           .type = type,
           .name = name,
           .meaning = meaning,
           .show = Show::Flag,
           .cycle = cycle,
-          .source = IntAt(offset),
+          .source = source,
           .convert = OnOff,
-          .write = {.target = IntAt(offset), .convert = OnOff},
+          .write = {.target = source, .convert = OnOff},
           .lossy = flagLoss};
 }
-constexpr OffsetRow EngineSwitch(uint32_t offset, const char* name, const char* meaning) {
+constexpr OffsetRow EngineSwitch(uint32_t offset, ApplyWrite apply, const char* name, const char* meaning) {
   return {.offset = offset,
           .type = Stored::U8,
           .name = name,
           .meaning = meaning,
           .show = Show::Flag,
-          .write = {.apply = SwitchAllEngines},
+          .write = {.apply = apply},
           .note = "keeps what a client wrote"};
 }
 
 constexpr OffsetRow rows[] = {
-    EngineSwitch(0x3101, "generators", "generators of all engines"),
+    EngineSwitch(0x3101, ApplyToAllEngines<IntElement<"sim/cockpit/electrical/generator_on">(0)>, "generators",
+                 "generators of all engines"),
     {.offset = 0x3102,
      .type = Stored::U8,
      .name = "battery",
@@ -68,16 +69,19 @@ constexpr OffsetRow rows[] = {
      .read = ReadBattery,
      .write = {.target = battery, .convert = OnOff},
      .lossy = flagLoss},
-    Switch(0x3103, Stored::U8, "avionics", "avionics master switch", Cycle::C31Navigation),
-    EngineSwitch(0x3104, "fuel_pumps", "fuel pumps of all engines"),
-    Switch(0x0B51, Stored::U8, "apu_generator", "APU generator switch", Cycle::C7),
+    Switch(0x3103, Int<"sim/cockpit/electrical/avionics_on">, Stored::U8, "avionics", "avionics master switch",
+           Cycle::C31Navigation),
+    EngineSwitch(0x3104, ApplyToAllEngines<IntElement<"sim/cockpit/engine/fuel_pump_on">(0)>, "fuel_pumps",
+                 "fuel pumps of all engines"),
+    Switch(0x0B51, Int<"sim/cockpit2/electrical/APU_generator_on">, Stored::U8, "apu_generator",
+           "APU generator switch", Cycle::C7),
     {.offset = 0x0B52,
      .type = Stored::U8,
      .name = "apu_generator_active",
      .meaning = "APU generator active",
      .show = Show::Flag,
      .cycle = Cycle::C7,
-     .source = IntAt(0x0B52),
+     .source = Int<"sim/cockpit/electrical/generator_apu_on">,
      .convert = OnOff},
     {.offset = 0x0B54,
      .type = Stored::F32,
@@ -85,7 +89,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "APU speed",
      .unit = "%",
      .cycle = Cycle::C7,
-     .source = FloatAt(0x0B54)},
+     .source = Float<"sim/cockpit2/electrical/APU_N1_percent">},
     {.offset = 0x0B58,
      .type = Stored::F32,
      .name = "apu",
@@ -101,8 +105,8 @@ constexpr OffsetRow rows[] = {
      .name = "apu_switch",
      .meaning = "APU switch",
      .cycle = Cycle::C31,
-     .source = IntAt(0x6DA9),
-     .write = {.target = IntAt(0x6DA9)},
+     .source = Int<"sim/cockpit/engine/APU_switch">,
+     .write = {.target = Int<"sim/cockpit/engine/APU_switch">},
      .note = "0 off, 1 on, 2 start"},
     {.offset = 0x0B18,
      .type = Stored::F64,
@@ -110,16 +114,17 @@ constexpr OffsetRow rows[] = {
      .meaning = "gyro suction",
      .unit = "inHg",
      .cycle = Cycle::C157,
-     .source = FloatAt(0x0B18)},
-    Switch(0x0B20, Stored::U16, "sound", "sound on", Cycle::C7),
+     .source = Float<"sim/cockpit/misc/vacuum">},
+    Switch(0x0B20, Int<"sim/operation/sound/sound_on">, Stored::U16, "sound", "sound on", Cycle::C7),
     {.offset = 0x0B24,
      .type = Stored::U16,
      .name = "sound_flag",
      .meaning = "sound on",
      .show = Show::Flag,
      .cycle = Cycle::C7,
-     .source = IntAt(0x0B20),
-     .convert = OnOff},
+     .source = Int<"sim/operation/sound/sound_on">,
+     .convert = OnOff,
+     .readOnly = true},
 };
 
 }  // namespace

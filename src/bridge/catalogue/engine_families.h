@@ -13,22 +13,15 @@ constexpr int engineCount = 4;
 // thread, no lock held.
 int PresentEngineType();
 
-// In a shape: the dataref bound at the row's own offset (or at `indices`), element n for engine n + 1.
-constexpr Source ownIntElement = IntElementAt(0, 0);
-constexpr Source ownFloatElement = FloatElementAt(0, 0);
-
 struct Family {
-  OffsetRow shape;                     // without offset and member; sources at index 0 are filled in
-  uint32_t offsets[engineCount];       // 0: this engine has no such row
-  uint32_t indices[engineCount] = {};  // registry indices of the dataref; 0: the row's own offset
+  OffsetRow shape;                // without offset and member; an array's element is the engine's
+  uint32_t offsets[engineCount];  // 0: this engine has no such row
 };
 
 constexpr bool IsArray(Accessor accessor) {
   return accessor == Accessor::IntArray || accessor == Accessor::FloatArray;
 }
-constexpr Source SourceOf(Source shape, uint32_t index, int engine) {
-  if (shape.block == Block::None) return shape;
-  if (shape.index == 0) shape.index = index;
+constexpr Source SourceOf(Source shape, int engine) {
   if (IsArray(shape.accessor)) shape.element = engine;
   return shape;
 }
@@ -36,9 +29,8 @@ constexpr OffsetRow RowOf(const Family& family, int engine) {
   OffsetRow row = family.shape;
   row.offset = family.offsets[engine];
   row.member = engine + 1;
-  const uint32_t index = family.indices[engine] != 0 ? family.indices[engine] : row.offset;
-  row.source = SourceOf(row.source, index, engine);
-  row.write.target = SourceOf(row.write.target, index, engine);
+  row.source = SourceOf(row.source, engine);
+  row.write.target = SourceOf(row.write.target, engine);
   return row;
 }
 constexpr size_t Members(const Family& family) {

@@ -1,8 +1,6 @@
 // Engine readings. Most stand in two or three places: a 16-bit word of the engine's block, and a double.
 #include <numbers>
 
-#include "aircraft/adapter_slots.h"
-#include "bridge/aircraft_state.h"
 #include "bridge/catalogue/engine_families.h"
 
 namespace {
@@ -20,8 +18,6 @@ constexpr double rankinePerKelvin = 1.8;
 constexpr double absoluteZero = 273.15;  // below 0 deg C
 constexpr double revolution = 2 * std::numbers::pi;
 
-double exhaustTemperature[engineCount];  // deg C, kept for the row in degrees Rankine
-
 // --- Speeds and fuel flow -----------------------------------------------------------------------------
 
 constexpr Family running = {{.type = Stored::U16,
@@ -29,7 +25,7 @@ constexpr Family running = {{.type = Stored::U16,
                              .meaning = "engine running",
                              .show = Show::Flag,
                              .cycle = Cycle::C7,
-                             .source = ownIntElement,
+                             .source = IntElement<"sim/flightmodel/engine/ENGN_running">(0),
                              .convert = OnOff},
                             {0x0894, 0x092C, 0x09C4, 0}};
 constexpr Family running4 = {{.type = Stored::U16,
@@ -37,7 +33,7 @@ constexpr Family running4 = {{.type = Stored::U16,
                               .meaning = "engine running",
                               .show = Show::Flag,
                               .cycle = Cycle::C13,
-                              .source = ownIntElement,
+                              .source = IntElement<"sim/flightmodel/engine/ENGN_running">(0),
                               .convert = OnOff},
                              {0, 0, 0, 0x0A5C}};
 
@@ -47,7 +43,7 @@ constexpr Family n2Word = {{.type = Stored::U16,
                             .unit = "%",
                             .unitScale = 1 / perPercent,
                             .cycle = Cycle::C1,
-                            .source = ownFloatElement,
+                            .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0),
                             .factor = perPercent},
                            {0x0896, 0x092E, 0x09C6, 0x0A5E}};
 constexpr Family n2 = {{.type = Stored::F64,
@@ -55,25 +51,23 @@ constexpr Family n2 = {{.type = Stored::F64,
                         .meaning = "N2",
                         .unit = "%",
                         .cycle = Cycle::C1,
-                        .source = ownFloatElement},
-                       {0x2008, 0x2108, 0x2208, 0x2308},
-                       {0x0896, 0x092E, 0x09C6, 0x0A5E}};
+                        .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0)},
+                       {0x2008, 0x2108, 0x2208, 0x2308}};
 constexpr Family n2Corrected = {{.type = Stored::F64,
                                  .name = "n2_corrected_eng",
                                  .meaning = "corrected N2",
                                  .unit = "%",
                                  .cycle = Cycle::C1,
-                                 .source = ownFloatElement,
+                                 .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0),
                                  .note = "same value as N2"},
-                                {0x2018, 0x2118, 0, 0},
-                                {0x0896, 0x092E, 0, 0}};
+                                {0x2018, 0x2118, 0, 0}};
 constexpr Family n1Word = {{.type = Stored::U16,
                             .name = "n1_word_eng",
                             .meaning = "N1",
                             .unit = "%",
                             .unitScale = 1 / perPercent,
                             .cycle = Cycle::C1,
-                            .source = ownFloatElement,
+                            .source = FloatElement<"sim/flightmodel/engine/ENGN_N1_">(0),
                             .factor = perPercent},
                            {0x0898, 0x0930, 0x09C8, 0x0A60}};
 constexpr Family n1 = {{.type = Stored::F64,
@@ -81,16 +75,15 @@ constexpr Family n1 = {{.type = Stored::F64,
                         .meaning = "N1",
                         .unit = "%",
                         .cycle = Cycle::C1,
-                        .source = ownFloatElement},
-                       {0x2000, 0x2100, 0x2200, 0x2300},
-                       {0x0898, 0x0930, 0x09C8, 0x0A60}};
+                        .source = FloatElement<"sim/flightmodel/engine/ENGN_N1_">(0)},
+                       {0x2000, 0x2100, 0x2200, 0x2300}};
 
 constexpr Family fuelFlowWord = {{.type = Stored::U16,
                                   .name = "fuel_flow_word_eng",
                                   .meaning = "fuel flow",
                                   .unit = "lb/h",
                                   .cycle = Cycle::C1,
-                                  .source = ownFloatElement,
+                                  .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
                                   .factor = poundsPerHour,
                                   .note = "whole pounds per hour"},
                                  {0x08A0, 0x0938, 0x09D0, 0x0A68}};
@@ -99,19 +92,17 @@ constexpr Family fuelFlow = {{.type = Stored::F64,
                               .meaning = "fuel flow",
                               .unit = "lb/h",
                               .cycle = Cycle::C1,
-                              .source = ownFloatElement,
+                              .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
                               .factor = poundsPerHour},
-                             {0x0918, 0x09B0, 0x0A48, 0x0AE0},
-                             {0x08A0, 0x0938, 0x09D0, 0x0A68}};
+                             {0x0918, 0x09B0, 0x0A48, 0x0AE0}};
 constexpr Family fuelFlowSecond = {{.type = Stored::F64,
                                     .name = "fuel_flow_turbine_eng",
                                     .meaning = "fuel flow, turbine block",
                                     .unit = "lb/h",
                                     .cycle = Cycle::C1,
-                                    .source = ownFloatElement,
+                                    .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
                                     .factor = poundsPerHour},
-                                   {0x2060, 0x2160, 0x2260, 0x2360},
-                                   {0x08A0, 0x0938, 0x09D0, 0x0A68}};
+                                   {0x2060, 0x2160, 0x2260, 0x2360}};
 
 // --- Oil, pressure ratio, temperatures ----------------------------------------------------------------
 
@@ -121,7 +112,7 @@ constexpr Family oilTemperature = {{.type = Stored::S16,
                                     .unit = "deg C",
                                     .unitScale = 140.0 / 16384,
                                     .cycle = Cycle::C1,
-                                    .source = ownFloatElement,
+                                    .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_temp_c">(0),
                                     .factor = 16384.0 / 140},
                                    {0x08B8, 0x0950, 0x09E8, 0x0A80}};
 constexpr Family oilPressureWord = {{.type = Stored::U16,
@@ -130,7 +121,7 @@ constexpr Family oilPressureWord = {{.type = Stored::U16,
                                      .unit = "psi",
                                      .unitScale = 55.0 / 16384,
                                      .cycle = Cycle::C1,
-                                     .source = ownFloatElement,
+                                     .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_press_psi">(0),
                                      .factor = 16384.0 / 55,
                                      .note = "ends at 220 psi"},
                                     {0x08BA, 0x0952, 0x09EA, 0x0A82}};
@@ -140,38 +131,38 @@ constexpr Family oilPressure = {{.type = Stored::F64,
                                  .unit = "psi",
                                  .unitScale = 1 / psfPerPsi,
                                  .cycle = Cycle::C1,
-                                 .source = ownFloatElement,
+                                 .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_press_psi">(0),
                                  .factor = psfPerPsi,
                                  .note = "stored in pounds per square foot"},
-                                {0x3B60, 0x3AA0, 0x39E0, 0x3920},
-                                {0x08BA, 0x0952, 0x09EA, 0x0A82}};
+                                {0x3B60, 0x3AA0, 0x39E0, 0x3920}};
 constexpr Family pressureRatioWord = {{.type = Stored::U16,
                                        .name = "epr_word_eng",
                                        .meaning = "engine pressure ratio",
                                        .unitScale = 1.6 / 16384,
                                        .cycle = Cycle::C1,
-                                       .source = ownFloatElement,
+                                       .source = FloatElement<"sim/flightmodel/engine/ENGN_EPR">(0),
                                        .factor = 16384 / 1.6},
                                       {0x08BC, 0x0954, 0x09EC, 0x0A84}};
 constexpr Family pressureRatio = {{.type = Stored::F64,
                                    .name = "epr_eng",
                                    .meaning = "engine pressure ratio",
                                    .cycle = Cycle::C1,
-                                   .source = ownFloatElement},
-                                  {0x2030, 0x2130, 0, 0},
-                                  {0x08BC, 0x0954, 0, 0}};
+                                   .source = FloatElement<"sim/flightmodel/engine/ENGN_EPR">(0)},
+                                  {0x2030, 0x2130, 0, 0}};
 
-int ReadExhaust(const OffsetRow& row, double* value) {
-  const int engine = row.member - 1;
-  exhaustTemperature[engine] = adapters.b738Extended != 0 && engine < 2
-                                   ? ReadSource(engine == 0 ? b738Eng1Egt : b738Eng2Egt)
-                                   : ReadSource(FloatElementAt(row.offset, engine));
-  *value = exhaustTemperature[engine] * egtPerDegree;
-  return 1;
+double ExhaustTemperature(int engine) {  // deg C
+  constexpr Source extended[2] = {Float<"laminar/B738/engine/eng1_egt">, Float<"laminar/B738/engine/eng2_egt">};
+  return ReadSource(IsLoaded(AddOn::B738Extended) && engine < 2
+                        ? extended[engine]
+                        : FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(engine));
 }
-int ReadExhaustRankine(const OffsetRow& row, double* value) {
-  *value = (exhaustTemperature[row.member - 1] + absoluteZero) * rankinePerKelvin;
-  return 1;
+bool ReadExhaust(const OffsetRow& row, double* value) {
+  *value = ExhaustTemperature(row.member - 1) * egtPerDegree;
+  return true;
+}
+bool ReadExhaustRankine(const OffsetRow& row, double* value) {
+  *value = (ExhaustTemperature(row.member - 1) + absoluteZero) * rankinePerKelvin;
+  return true;
 }
 
 constexpr Family exhaustWord = {{.type = Stored::S16,
@@ -199,7 +190,7 @@ constexpr Family turbineTemperature = {{.type = Stored::F64,
                                         .unitScale = 1 / rankinePerKelvin,
                                         .unitBias = -absoluteZero,
                                         .cycle = Cycle::C1,
-                                        .source = ownFloatElement,
+                                        .source = FloatElement<"sim/flightmodel/engine/ENGN_ITT_c">(0),
                                         .factor = rankinePerKelvin,
                                         .add = 491.67,
                                         .note = "stored in degrees Rankine"},
@@ -210,7 +201,7 @@ constexpr Family manifoldWord = {{.type = Stored::U16,
                                   .unit = "inHg",
                                   .unitScale = 1.0 / 1024,
                                   .cycle = Cycle::C1,
-                                  .source = ownFloatElement,
+                                  .source = FloatElement<"sim/cockpit2/engine/indicators/MPR_in_hg">(0),
                                   .factor = 1024},
                                  {0x08C0, 0x0958, 0x09F0, 0x0A88}};
 constexpr Family manifold = {{.type = Stored::F64,
@@ -219,24 +210,24 @@ constexpr Family manifold = {{.type = Stored::F64,
                               .unit = "inHg",
                               .unitScale = 1 / psfPerInHg,
                               .cycle = Cycle::C1,
-                              .source = ownFloatElement,
+                              .source = FloatElement<"sim/cockpit2/engine/indicators/MPR_in_hg">(0),
                               .factor = psfPerInHg,
                               .note = "stored in pounds per square foot"},
-                             {0x37E8, 0x3728, 0, 0},
-                             {0x08C0, 0x0958, 0, 0}};
+                             {0x37E8, 0x3728, 0, 0}};
 constexpr Family oilQuantity = {{.type = Stored::S32,
                                  .name = "oil_quantity_eng",
                                  .meaning = "oil quantity",
                                  .unit = "%",
                                  .unitScale = 100.0 / 16384,
                                  .cycle = Cycle::C313,
-                                 .source = ownFloatElement,
+                                 .source = FloatElement<"sim/cockpit2/engine/indicators/oil_quantity_ratio">(0),
                                  .factor = 16384},
                                 {0x08D0, 0x0968, 0x0A00, 0x0A98}};
 
 // --- Vibration and hydraulics -------------------------------------------------------------------------
 
-constexpr OffsetRow Vibration(uint32_t offset, int engine, Source source) {
+template <Source x737>
+constexpr OffsetRow Vibration(uint32_t offset, int engine) {
   return {.offset = offset,
           .type = Stored::S32,
           .name = "vibration_eng",
@@ -244,12 +235,12 @@ constexpr OffsetRow Vibration(uint32_t offset, int engine, Source source) {
           .meaning = "engine vibration",
           .unitScale = 17.25 / 10000,
           .cycle = Cycle::C1,
-          .source = source,
           .factor = 10000 / 17.25,
+          .variants = variantsOf<Variant{.addOn = AddOn::X737, .source = x737}>,
           .note = "x737 only, else 0"};
 }
-constexpr auto vibration =
-    std::to_array<OffsetRow>({Vibration(0x08D4, 1, x737Viblevel1), Vibration(0x096C, 2, x737Viblevel2)});
+constexpr auto vibration = std::to_array<OffsetRow>({Vibration<Float<"x737/engine/viblevel_1">>(0x08D4, 1),
+                                                     Vibration<Float<"x737/engine/viblevel_2">>(0x096C, 2)});
 
 // The one hydraulic system serves all engines. Its pressure is taken as a share of 3000 psi.
 constexpr OffsetRow hydraulicPressureShape = {
@@ -259,12 +250,12 @@ constexpr OffsetRow hydraulicPressureShape = {
     .unit = "psi",
     .unitScale = 0.25,
     .cycle = Cycle::C13,
-    .source = FloatAt(0x08D8),
+    .source = Float<"sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1">,
     .factor = 12000,
     .note = "an aircraft that gives psi instead of a share of 3000 psi reads too high"};
 constexpr OffsetRow EveryFrame(OffsetRow shape) {
   shape.cycle = Cycle::C1;
-  shape.source = FloatAt(0x0A08);
+  shape.source = Float<"sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1">;
   return shape;
 }
 constexpr Family hydraulicPressure = {hydraulicPressureShape, {0x08D8, 0x0970, 0, 0}};
@@ -275,22 +266,24 @@ constexpr Family hydraulicQuantity = {{.type = Stored::S32,
                                        .unit = "%",
                                        .unitScale = 100.0 / 16384,
                                        .cycle = Cycle::C313,
-                                       .source = FloatAt(0x08DC),
+                                       .source = Float<"sim/cockpit/misc/hydraulic_quantity">,
                                        .factor = 16384},
                                       {0x08DC, 0x0974, 0x0A0C, 0x0AA4}};
 
 // --- Torque, thrust, propellers -----------------------------------------------------------------------
 
-int ReadTorqueRatio(const OffsetRow& row, double* value) {
-  const double limit = ReadSource(AuxFloatAt(row.offset)) * nmPerFootPound;
-  *value = limit == 0 ? 0 : ReadSource(FloatElementAt(row.offset, row.member - 1)) / limit;
-  return 1;
+bool ReadTorqueRatio(const OffsetRow& row, double* value) {
+  const double limit = ReadSource(Float<"sim/aircraft/limits/red_hi_TRQ">) * nmPerFootPound;
+  *value = limit == 0 ? 0 : ReadSource(FloatElement<"sim/flightmodel/engine/ENGN_TRQ">(row.member - 1)) / limit;
+  return true;
 }
-int ReadPropRatio(const OffsetRow& row, double* value) {
-  const double redline = ReadSource(AuxFloatAt(row.offset));  // rad/s
-  const double speed = ReadSource(FloatElementAt(row.offset, row.member - 1)) * revolution / 60;
+bool ReadPropRatio(const OffsetRow& row, double* value) {
+  const double redline = ReadSource(Float<"sim/aircraft/engine/acf_RSC_redline_eng">);  // rad/s
+  const double speed =
+      ReadSource(FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(row.member - 1)) * revolution /
+      60;
   *value = redline == 0 ? 0 : speed / redline;
-  return 1;
+  return true;
 }
 
 constexpr Family torque = {{.type = Stored::S32,
@@ -298,7 +291,7 @@ constexpr Family torque = {{.type = Stored::S32,
                             .meaning = "torque",
                             .unit = "lb ft",
                             .cycle = Cycle::C1,
-                            .source = ownFloatElement,
+                            .source = FloatElement<"sim/flightmodel/engine/ENGN_TRQ">(0),
                             .factor = footPoundsPerNm},
                            {0x0920, 0x09B8, 0x0A50, 0x0AE8}};
 constexpr Family torqueRatio = {{.type = Stored::F64,
@@ -315,7 +308,7 @@ constexpr Family thrust = {{.type = Stored::F64,
                             .meaning = "jet thrust",
                             .unit = "lbf",
                             .cycle = Cycle::C1,
-                            .source = FloatElementAt(0x204C, 0),
+                            .source = FloatElement<"sim/flightmodel/engine/POINT_thrust">(0),
                             .factor = poundsPerNewton},
                            {0x204C, 0x214C, 0x224C, 0x234C}};
 constexpr Family propThrust = {{.type = Stored::F64,
@@ -323,7 +316,7 @@ constexpr Family propThrust = {{.type = Stored::F64,
                                 .meaning = "propeller thrust",
                                 .unit = "lbf",
                                 .cycle = Cycle::C1,
-                                .source = FloatElementAt(0x204C, 0),
+                                .source = FloatElement<"sim/flightmodel/engine/POINT_thrust">(0),
                                 .factor = poundsPerNewtonProp},
                                {0x2410, 0x2510, 0, 0}};
 constexpr Family propSpeed = {{.type = Stored::F64,
@@ -331,7 +324,7 @@ constexpr Family propSpeed = {{.type = Stored::F64,
                                .meaning = "propeller speed",
                                .unit = "rpm",
                                .cycle = Cycle::C1,
-                               .source = ownFloatElement,
+                               .source = FloatElement<"sim/flightmodel/engine/POINT_tacrad">(0),
                                .factor = 60 / revolution},
                               {0x2400, 0x2500, 0, 0}};
 constexpr Family propRatio = {{.type = Stored::F64,
@@ -348,17 +341,18 @@ constexpr Family engineSpeed = {{.type = Stored::U16,
                                  .meaning = "engine speed",
                                  .unit = "rpm",
                                  .cycle = Cycle::C1,
-                                 .source = ownFloatElement},
+                                 .source = FloatElement<"sim/cockpit2/engine/indicators/engine_speed_rpm">(0)},
                                 {0x10708, 0x1070A, 0, 0}};
-constexpr auto rotor = std::to_array<OffsetRow>({{.offset = 0x0908,
-                                                  .type = Stored::S32,
-                                                  .name = "rotor_speed",
-                                                  .meaning = "rotor speed",
-                                                  .unit = "rpm",
-                                                  .unitScale = 1 / perPercent,
-                                                  .cycle = Cycle::C1,
-                                                  .source = FloatElementAt(0x0908, 0),
-                                                  .factor = perPercent}});
+constexpr auto rotor =
+    std::to_array<OffsetRow>({{.offset = 0x0908,
+                               .type = Stored::S32,
+                               .name = "rotor_speed",
+                               .meaning = "rotor speed",
+                               .unit = "rpm",
+                               .unitScale = 1 / perPercent,
+                               .cycle = Cycle::C1,
+                               .source = FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(0),
+                               .factor = perPercent}});
 
 // --- What is built in ---------------------------------------------------------------------------------
 
@@ -370,7 +364,7 @@ double EngineType(double simulatorType) {
   return type >= 0 && type < static_cast<int>(std::size(types)) ? types[type] : 1;
 }
 
-constexpr Source engineTypes = IntElementAt(0x0609, 0);
+constexpr Source engineTypes = IntElement<"sim/aircraft/prop/acf_en_type">(0);
 
 constexpr auto installation =
     std::to_array<OffsetRow>({{.offset = 0x0609,
@@ -380,13 +374,15 @@ constexpr auto installation =
                                .cycle = Cycle::C313,
                                .source = engineTypes,
                                .convert = EngineType,
+                               .readOnly = true,
                                .note = "0 piston or electric, 1 jet, 4 rocket, 5 turboprop or turboshaft"},
                               {.offset = 0x0AEC,
                                .type = Stored::U16,
                                .name = "engine_count",
                                .meaning = "number of engines",
                                .cycle = Cycle::C313,
-                               .source = IntAt(0x0AEC)}});
+                               .source = Int<"sim/aircraft/engine/acf_num_engines">,
+                               .readOnly = true}});
 
 constexpr auto rows =
     Joined(EngineRows<running, running4>(), EngineRows<n2Word, n2, n2Corrected>(), EngineRows<n1Word, n1>(),

@@ -1,81 +1,87 @@
 // Failures. The simulator keeps a code per system: 0 works, 6 failed now, between them conditions under
 // which it will fail.
+#include <algorithm>
+#include <iterator>
+
 #include "bridge/catalogue/engine_families.h"
 
 namespace {
 
 constexpr int failedNow = 6;
-constexpr uint32_t failureArray = 0x6DAA;
 
 bool HasFailed(const Source& source) { return ReadInt(source) == failedNow; }
 double FailureCode(double wanted) { return wanted != 0 ? failedNow : 0; }
 
-int enginesFailed;  // as the engines' row read it, for the word behind it
-
 // --- Engines ------------------------------------------------------------------------------------------
 
-Source EngineFailure(int engine) { return AuxIntAt(0x008E + static_cast<uint32_t>(engine)); }
+constexpr Source engineFailures[engineCount] = {
+    Int<"sim/operation/failures/rel_engfai0">,
+    Int<"sim/operation/failures/rel_engfai1">,
+    Int<"sim/operation/failures/rel_engfai2">,
+    Int<"sim/operation/failures/rel_engfai3">,
+};
 
-int ReadEngineFailures(const OffsetRow&, double* value) {
-  enginesFailed = 0;
-  for (int engine = 0; engine < engineCount; engine++)
-    enginesFailed |= HasFailed(EngineFailure(engine)) << engine;
-  *value = enginesFailed;
-  return 1;
+int FailedEngines() {
+  int failed = 0;
+  for (int engine = 0; engine < engineCount; engine++) failed |= HasFailed(engineFailures[engine]) << engine;
+  return failed;
+}
+bool ReadEngineFailures(const OffsetRow&, double* value) {
+  *value = FailedEngines();
+  return true;
 }
 void ApplyEngineFailures(const OffsetRow&, const Staged& staged) {
   for (int engine = 0; engine < engineCount; engine++) {
-    SetSource(EngineFailure(engine), FailureCode(static_cast<double>(staged.integer >> engine & 1)));
+    SetSource(engineFailures[engine], FailureCode(static_cast<double>(staged.integer >> engine & 1)));
   }
 }
 
 // --- Partial panel ------------------------------------------------------------------------------------
 
-// The systems of each bit, as auxiliary slots first .. last. Bits 5 and 6, compass and electrics, have no
-// dataref in the simulator: their slots are null.
+// The systems of each bit. Bits 5 and 6, compass and electrics, have no dataref in the simulator.
 struct Systems {
-  uint32_t first, last;
+  Source systems[engineCount];
 };
-constexpr int panelEngines = 7;
 constexpr Systems panel[] = {
-    {0x0120, 0x0121},  // 0 ADF
-    {0x0122, 0x0122},  // 1 airspeed indicator
-    {0x0123, 0x0123},  // 2 altimeter
-    {0x0139, 0x013A},  // 3 attitude indicators
-    {0x0124, 0x0125},  // 4 COM
-    {0x0126, 0x0126},  // 5 compass
-    {0x0127, 0x0127},  // 6 electrics
-    {0x0128, 0x012B},  // 7 engines
-    {0x012C, 0x012C},  // 8 fuel gauges
-    {0x012D, 0x012D},  // 9 heading indicator
-    {0x012E, 0x012F},  // 10 NAV
-    {0x0130, 0x0131},  // 11 pitot heat
-    {0x0132, 0x0132},  // 12 transponder
-    {0x0133, 0x0134},  // 13 turn coordinators
-    {0x0135, 0x0136},  // 14 vacuum
-    {0x0137, 0x0138},  // 15 vertical speed indicators
+    {{Int<"sim/operation/failures/rel_adf1">, Int<"sim/operation/failures/rel_adf2">}},  // 0 ADF
+    {{Int<"sim/operation/failures/rel_g_asi">}},                                         // 1 airspeed indicator
+    {{Int<"sim/operation/failures/rel_g_alt">}},                                         // 2 altimeter
+    {{Int<"sim/operation/failures/rel_ss_ahz">,
+      Int<"sim/operation/failures/rel_cop_ahz">}},  // 3 attitude indicators
+    {{Int<"sim/operation/failures/rel_g_comrad1">, Int<"sim/operation/failures/rel_g_comrad2">}},  // 4 COM
+    {{Int<"sim/operation/failures/?????">}},                                                       // 5 compass
+    {{Int<"sim/operation/failures/?????">}},  // 6 electrics
+    {{Int<"sim/operation/failures/rel_engfai0">, Int<"sim/operation/failures/rel_engfai1">,
+      Int<"sim/operation/failures/rel_engfai2">, Int<"sim/operation/failures/rel_engfai3">}},  // 7 engines
+    {{Int<"sim/operation/failures/rel_g_fuel">}},                                              // 8 fuel gauges
+    {{Int<"sim/operation/failures/rel_ss_dgy">}},                                        // 9 heading indicator
+    {{Int<"sim/operation/failures/rel_nav1">, Int<"sim/operation/failures/rel_nav2">}},  // 10 NAV
+    {{Int<"sim/operation/failures/rel_ice_pitot_heat1">,
+      Int<"sim/operation/failures/rel_ice_pitot_heat2">}},  // 11 pitot heat
+    {{Int<"sim/operation/failures/rel_xpndr">}},            // 12 transponder
+    {{Int<"sim/operation/failures/rel_ss_tsi">,
+      Int<"sim/operation/failures/rel_cop_tsi">}},  // 13 turn coordinators
+    {{Int<"sim/operation/failures/rel_vacuum">, Int<"sim/operation/failures/rel_vacuum2">}},  // 14 vacuum
+    {{Int<"sim/operation/failures/rel_ss_vvi">,
+      Int<"sim/operation/failures/rel_cop_vvi">}},  // 15 vertical speed indicators
 };
 
 bool AnyFailed(const Systems& systems) {
-  for (uint32_t slot = systems.first; slot <= systems.last; slot++) {
-    if (HasFailed(AuxIntAt(slot))) return true;
-  }
-  return false;
+  return std::any_of(std::begin(systems.systems), std::end(systems.systems), HasFailed);
 }
 
-int ReadPanelFailures(const OffsetRow&, double* value) {
+bool ReadPanelFailures(const OffsetRow&, double* value) {
   int word = 0;
   for (int bit = 0; bit < static_cast<int>(std::size(panel)); bit++) {
-    const bool failed = bit == panelEngines ? enginesFailed != 0 : AnyFailed(panel[bit]);
-    word |= failed << bit;
+    word |= AnyFailed(panel[bit]) << bit;
   }
   *value = word;
-  return 1;
+  return true;
 }
 void ApplyPanelFailures(const OffsetRow&, const Staged& staged) {
   for (size_t bit = 0; bit < std::size(panel); bit++) {
     const double code = FailureCode(static_cast<double>(staged.integer >> bit & 1));
-    for (uint32_t slot = panel[bit].first; slot <= panel[bit].last; slot++) SetSource(AuxIntAt(slot), code);
+    for (const Source& system : panel[bit].systems) SetSource(system, code);
   }
 }
 
@@ -87,14 +93,16 @@ void ClearRequest(const OffsetRow& row) {
   CopyToMemory(row.offset, StoredWidth(row), zero);
 }
 
-void FailSelected(const OffsetRow& row, const Staged& staged) {
+void ApplyFailNow(const OffsetRow& row, const Staged& staged) {
   if (staged.integer == 0) return;
   PushButton(xplm_joy_fail_now);
   ClearRequest(row);
 }
 
+constexpr Source failures = IntElement<"sim/operation/failures/failures">(0);
+
 void RepairAll() {
-  const XPLMDataRef handle = HandleOf(IntAt(failureArray));
+  const XPLMDataRef handle = HandleOf(failures);
   if (handle == nullptr) return;
   int repaired[64] = {};
   constexpr int most = static_cast<int>(std::size(repaired));
@@ -103,31 +111,31 @@ void RepairAll() {
     XPLMSetDatavi(handle, repaired, first, count - first < most ? count - first : most);
   }
 }
-void AccessFailureArray(const OffsetRow& row, const Staged& staged) {
+void ApplyFailNumber(const OffsetRow& row, const Staged& staged) {
   if (staged.integer == 0) {
     RepairAll();
   } else {
-    SetSource(IntElementAt(failureArray, static_cast<int>(staged.integer)), failedNow);
+    SetSource(IntElement<"sim/operation/failures/failures">(static_cast<int>(staged.integer)), failedNow);
   }
   ClearRequest(row);
 }
 
-constexpr OffsetRow Failure(uint32_t offset, const char* name, const char* meaning, uint32_t slot) {
+constexpr OffsetRow Failure(uint32_t offset, const char* name, const char* meaning, Source target) {
   return {.offset = offset,
           .type = Stored::U8,
           .name = name,
           .meaning = meaning,
           .show = Show::Flag,
-          .write = {.target = AuxIntAt(slot), .convert = FailureCode},
+          .write = {.target = target, .convert = FailureCode},
           .note = "keeps what a client wrote"};
 }
 
 constexpr OffsetRow rows[] = {
-    Failure(0x0B64, "fail_adf1", "ADF 1 failed", 0x0094),
-    Failure(0x0B65, "fail_airspeed", "airspeed indicator failed", 0x0097),
-    Failure(0x0B66, "fail_altimeter", "altimeter failed", 0x0095),
-    Failure(0x0B67, "fail_attitude", "attitude indicator failed", 0x0096),
-    Failure(0x0B68, "fail_com1", "COM 1 failed", 0x0098),
+    Failure(0x0B64, "fail_adf1", "ADF 1 failed", Int<"sim/operation/failures/rel_adf1">),
+    Failure(0x0B65, "fail_airspeed", "airspeed indicator failed", Int<"sim/operation/failures/rel_ss_asi">),
+    Failure(0x0B66, "fail_altimeter", "altimeter failed", Int<"sim/operation/failures/rel_ss_alt">),
+    Failure(0x0B67, "fail_attitude", "attitude indicator failed", Int<"sim/operation/failures/rel_ss_ahz">),
+    Failure(0x0B68, "fail_com1", "COM 1 failed", Int<"sim/operation/failures/rel_g_comrad1">),
     {.offset = 0x0B6B,
      .type = Stored::U8,
      .name = "fail_engines",
@@ -158,13 +166,13 @@ constexpr OffsetRow rows[] = {
      .type = Stored::U32,
      .name = "fail_now",
      .meaning = "fail the selected systems now",
-     .write = {.apply = FailSelected},
+     .write = {.apply = ApplyFailNow},
      .lossy = "a request: back at 0 once taken"},
-    {.offset = failureArray,
+    {.offset = 0x6DAA,
      .type = Stored::U8,
      .name = "fail_number",
      .meaning = "fail a system by number",
-     .write = {.apply = AccessFailureArray},
+     .write = {.apply = ApplyFailNumber},
      .lossy = "a request: back at 0 once taken",
      .note = "0 repairs all; newer simulators ignore both"},
 };

@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "aircraft/adapter_slots.h"
-#include "bridge/aircraft_state.h"
 #include "bridge/catalogue/engine_families.h"
 
 namespace {
@@ -45,54 +43,62 @@ struct X737Tank {
 X737Tank X737TankOf(Tank tank) {
   switch (tank) {
     case Tank::Centre:
-      return {x737FuelCenterTankKg, x737FuelCenterTankPerc};
+      return {Float<"x737/systems/fuel/fuelCenterTank_kg">, Fitting<"x737/systems/fuel/fuelCenterTank_perc">};
     case Tank::LeftMain:
-      return {x737FuelLeftMainTankKg, x737FuelLeftMainTankPerc};
+      return {Float<"x737/systems/fuel/fuelLeftMainTank_kg">,
+              Fitting<"x737/systems/fuel/fuelLeftMainTank_perc">};
     case Tank::RightMain:
-      return {x737FuelRightMainTankKg, x737FuelRightMainTankPerc};
+      return {Float<"x737/systems/fuel/fuelRightMainTank_kg">,
+              Fitting<"x737/systems/fuel/fuelRightMainTank_perc">};
     default:
       return {};
   }
 }
 
-// Where a tank's kilograms stand; Block::None when the aircraft has no such tank.
+// Where a tank's kilograms stand; without a dataref when the aircraft has no such tank.
 Source ContentsOf(Tank tank) {
-  if (adapters.x737) return X737TankOf(tank).kg;
+  if (IsLoaded(AddOn::X737)) return X737TankOf(tank).kg;
   const int element = ElementOf(tank, tankCount);
-  return element < 0 ? Source{} : FloatElementAt(levelOffsets[static_cast<size_t>(tank)], element);
+  return element < 0 ? Source{} : FloatElement<"sim/flightmodel/weight/m_fuel">(element);
 }
 
 double Gallons(Tank tank) {
-  if (!adapters.x737) {
+  if (!IsLoaded(AddOn::X737)) {
     const int element = ElementOf(tank, tankCount);
-    return element < 0 ? 0 : fullFuel * ReadSource(AuxFloatElementAt(0x0032, element)) * gallonsPerKg;
+    return element < 0 ? 0
+                       : fullFuel * ReadSource(FloatElement<"sim/aircraft/overflow/acf_tank_rat">(element)) *
+                             gallonsPerKg;
   }
   const X737Tank x737 = X737TankOf(tank);
-  if (x737.kg.block == Block::None) return 0;
+  if (x737.kg.ref == nullptr) return 0;
   const double share = ReadSource(x737.share);
   // An empty tank does not tell its size.
   return share == 0 ? capacities[static_cast<size_t>(tank)] : ReadSource(x737.kg) / share * gallonsPerKgX737;
 }
 
-template <Tank tank>
-int ReadCapacity(const OffsetRow&, double* value) {
-  if (tank == Tank::Centre) {  // the first row of the table
-    fullFuel = ReadSource(AuxFloatAt(0x0030));
-    tankCount = ReadInt(AuxIntAt(0x0031));
-  }
-  const double gallons = Gallons(tank);
+// Of all tanks at once: the arrays' layout hangs on their number.
+void TakeTankSizes() {
   constexpr double most = std::numeric_limits<uint32_t>::max();
-  capacities[static_cast<size_t>(tank)] = gallons > 0 ? std::trunc(std::min(gallons, most)) : 0;
-  *value = capacities[static_cast<size_t>(tank)];
-  return 1;
+  fullFuel = ReadSource(Float<"sim/aircraft/weight/acf_m_fuel_tot">);
+  tankCount = ReadInt(Int<"sim/aircraft/overflow/acf_num_tanks">);
+  for (size_t tank = 0; tank < maxTanks; ++tank) {
+    const double gallons = Gallons(static_cast<Tank>(tank));
+    capacities[tank] = gallons > 0 ? std::trunc(std::min(gallons, most)) : 0;
+  }
 }
 
 template <Tank tank>
-int ReadLevel(const OffsetRow&, double* value) {
+bool ReadCapacity(const OffsetRow&, double* value) {
+  *value = capacities[static_cast<size_t>(tank)];
+  return true;
+}
+
+template <Tank tank>
+bool ReadLevel(const OffsetRow&, double* value) {
   const double capacity = capacities[static_cast<size_t>(tank)];
   const double gallons = ReadSource(ContentsOf(tank)) * poundsPerKg / poundsPerGallon;
   *value = capacity == 0 ? 0 : gallons / capacity * fullLevel;
-  return 1;
+  return true;
 }
 
 template <Tank tank>
@@ -103,20 +109,22 @@ void ApplyLevel(const OffsetRow&, const Staged& staged) {
   SetSource(ContentsOf(tank), std::max(kg, 0.0));
 }
 
-int ReadDensity(const OffsetRow&, double* value) {
+bool ReadDensity(const OffsetRow&, double* value) {
   *value = poundsPerGallon * 256;
-  return 1;
+  return true;
 }
 
 template <Tank tank>
-constexpr OffsetRow Capacity(uint32_t offset, const char* name, const char* meaning) {
+constexpr OffsetRow Capacity(uint32_t offset, const char* name, const char* meaning, bool readOnly = false) {
   return {.offset = offset,
           .type = Stored::U32,
           .name = name,
           .meaning = meaning,
           .unit = "US gal",
           .cycle = Cycle::C313,
-          .read = ReadCapacity<tank>};
+          .read = ReadCapacity<tank>,
+          .prepare = TakeTankSizes,
+          .readOnly = readOnly};
 }
 template <Tank tank>
 constexpr OffsetRow Level(const char* name, const char* meaning) {
@@ -133,13 +141,12 @@ constexpr OffsetRow Level(const char* name, const char* meaning) {
           .note = "8388608 full; a full small tank may read slightly above"};
 }
 
-// The row of the centre tank's capacity reads the number of tanks for all rows behind it.
 constexpr OffsetRow rows[] = {
-    Capacity<Tank::Centre>(0x0B78, "fuel_centre_capacity", "capacity of the centre tank"),
-    Capacity<Tank::LeftMain>(0x0B80, "fuel_left_capacity", "capacity of the left main tank"),
+    Capacity<Tank::Centre>(0x0B78, "fuel_centre_capacity", "capacity of the centre tank", true),
+    Capacity<Tank::LeftMain>(0x0B80, "fuel_left_capacity", "capacity of the left main tank", true),
     Capacity<Tank::LeftAux>(0x0B88, "fuel_left_aux_capacity", "capacity of the left auxiliary tank"),
     Capacity<Tank::LeftTip>(0x0B90, "fuel_left_tip_capacity", "capacity of the left tip tank"),
-    Capacity<Tank::RightMain>(0x0B98, "fuel_right_capacity", "capacity of the right main tank"),
+    Capacity<Tank::RightMain>(0x0B98, "fuel_right_capacity", "capacity of the right main tank", true),
     Capacity<Tank::RightAux>(0x0BA0, "fuel_right_aux_capacity", "capacity of the right auxiliary tank"),
     Capacity<Tank::RightTip>(0x0BA8, "fuel_right_tip_capacity", "capacity of the right tip tank"),
     Capacity<Tank::Centre2>(0x1248, "fuel_centre2_capacity", "capacity of the second centre tank"),
@@ -167,9 +174,9 @@ constexpr OffsetRow rows[] = {
      .meaning = "total fuel",
      .unit = "lb",
      .cycle = Cycle::C313,
-     .source = FloatAt(0x126C),
+     .source = Float<"sim/flightmodel/weight/m_fuel_total">,
      .factor = 2.2046,
-     .write = {.target = FloatAt(0x126C), .factor = 1 / 2.2046},
+     .write = {.target = Float<"sim/flightmodel/weight/m_fuel_total">, .factor = 1 / 2.2046},
      .lossy = "the simulator adds the tanks up itself and ignores a write"},
 };
 

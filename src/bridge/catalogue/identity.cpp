@@ -11,19 +11,19 @@
 
 namespace {
 
-int ReadTitle(const OffsetRow&, char* text) {
-  ReadText(Block::Auxiliary, 0x0101, text, aircraftTextSize);
-  return 1;
+bool ReadTitle(const OffsetRow&, char* text) {
+  ReadText(Bytes<"sim/aircraft/view/acf_descrip">, text, aircraftTextSize);
+  return true;
 }
 
-int SamePathCharacter(char a, char b) {
+bool SamePathCharacter(char a, char b) {
   if (a == '\\') a = '/';
   if (b == '\\') b = '/';
   return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
 }
 
 // The aircraft's file without the simulator's own folder in front.
-int ReadAircraftFile(const OffsetRow& row, char* text) {
+bool ReadAircraftFile(const OffsetRow& row, char* text) {
   char file[512] = {};
   char path[1024] = {};
   char folder[1024] = {};
@@ -37,18 +37,7 @@ int ReadAircraftFile(const OffsetRow& row, char* text) {
     shown = path + length;
   }
   std::memcpy(text, shown, std::min<size_t>(std::strlen(shown), row.length - 1U));
-  return 1;
-}
-
-constexpr OffsetRow Words(uint32_t offset, uint16_t length, const char* name, const char* meaning,
-                          const char* note = "") {
-  return {.offset = offset,
-          .type = Stored::Text,
-          .length = length,
-          .name = name,
-          .meaning = meaning,
-          .show = Show::Text,
-          .note = note};
+  return true;
 }
 
 constexpr OffsetRow rows[] = {
@@ -68,23 +57,51 @@ constexpr OffsetRow rows[] = {
      .show = Show::Text,
      .cycle = Cycle::C59,
      .readText = ReadAircraftFile},
-    Words(0x3E00, 256, "simulator_folder", "folder of the simulator",
-          "in the form that the asking client can open"),
-    Words(0x3130, 12, "atc_number", "flight number for traffic control", "a write is kept in the settings"),
-    Words(0x313C, 12, "atc_tail_number", "tail number for traffic control", "a write is kept in the settings"),
-    Words(0x6F03, 8, "version", "version of this program", "not terminated"),
+    {.offset = 0x3E00,
+     .type = Stored::Text,
+     .length = 256,
+     .name = "simulator_folder",
+     .meaning = "folder of the simulator",
+     .show = Show::Text,
+     .note = "in the form that the asking client can open"},
+    {.offset = 0x3130,
+     .type = Stored::Text,
+     .length = 12,
+     .name = "atc_number",
+     .meaning = "flight number for traffic control",
+     .show = Show::Text,
+     .dispatch = DispatchAction::AtcNumber,
+     .note = "a write is kept in the settings"},
+    {.offset = 0x313C,
+     .type = Stored::Text,
+     .length = 12,
+     .name = "atc_tail_number",
+     .meaning = "tail number for traffic control",
+     .show = Show::Text,
+     .dispatch = DispatchAction::AtcTailNumber,
+     .note = "a write is kept in the settings"},
+    {.offset = 0x6F03,
+     .type = Stored::Text,
+     .length = 8,
+     .name = "version",
+     .meaning = "version of this program",
+     .show = Show::Text,
+     .readOnly = true,
+     .note = "not terminated"},
     {.offset = 0x3304,
      .type = Stored::U32,
      .name = "version_word",
      .member = 1,
      .meaning = "version word that clients ask for",
-     .show = Show::Bits},
+     .show = Show::Bits,
+     .readOnly = true},
     {.offset = 0x3308,
      .type = Stored::U32,
      .name = "version_word",
      .member = 2,
      .meaning = "version word that clients ask for",
-     .show = Show::Bits},
+     .show = Show::Bits,
+     .readOnly = true},
 };
 
 }  // namespace

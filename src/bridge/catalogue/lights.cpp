@@ -1,6 +1,4 @@
 // Lights: the word of all lights, and the bytes and words of single ones.
-#include "aircraft/adapter_slots.h"
-#include "bridge/aircraft_state.h"
 #include "bridge/catalogue/engine_families.h"
 
 namespace {
@@ -8,40 +6,41 @@ namespace {
 // Bits of the light word.
 enum Light { navigation, beacon, landing, taxi, strobe, instruments, lightCount };
 
-int lightWord;  // as the row of the word read it, for the single lights behind it
-
 Source LightSource(int light) {
   switch (light) {
     case navigation:
-      return AuxIntAt(0x0104);
+      return Int<"sim/cockpit2/switches/navigation_lights_on">;
     case beacon:
-      return adapters.x737 ? x737BeaconLightSwitch : AuxIntAt(0x0105);
+      return IsLoaded(AddOn::X737) ? Int<"x737/systems/exteriorLights/beaconLightSwitch">
+                                   : Int<"sim/cockpit2/switches/beacon_on">;
     case landing:
-      return AuxIntAt(0x0106);
+      return Int<"sim/cockpit2/switches/landing_lights_on">;
     case taxi:
-      return AuxIntAt(0x0107);
+      return Int<"sim/cockpit2/switches/taxi_light_on">;
     case strobe:
-      return AuxIntAt(0x010C);
+      return Int<"sim/cockpit/electrical/strobe_lights_on">;
     default:
-      return AuxIntAt(0x0108);
+      return Int<"sim/cockpit/electrical/cockpit_lights_on">;
   }
 }
 
-int ReadLights(const OffsetRow&, double* value) {
-  lightWord = 0;
-  for (int light = 0; light < lightCount; light++) lightWord |= IsOn(LightSource(light)) << light;
-  *value = lightWord;
-  return 1;
+bool ReadLights(const OffsetRow&, double* value) {
+  int word = 0;
+  for (int light = 0; light < lightCount; light++) word |= IsOn(LightSource(light)) << light;
+  *value = word;
+  return true;
 }
 
 template <int bits>
-int ReadAnyOf(const OffsetRow&, double* value) {
-  *value = (lightWord & bits) != 0;
-  return 1;
+bool ReadAnyOf(const OffsetRow&, double* value) {
+  bool lit = false;
+  for (int light = 0; light < lightCount; light++) lit |= (bits >> light & 1) != 0 && IsOn(LightSource(light));
+  *value = lit;
+  return true;
 }
 
 template <int bits>
-void SwitchAll(const OffsetRow&, const Staged& staged) {
+void ApplyAnyOf(const OffsetRow&, const Staged& staged) {
   for (int light = 0; light < lightCount; light++) {
     if ((bits >> light & 1) != 0) SetSource(LightSource(light), OnOff(staged.number));
   }
@@ -53,7 +52,6 @@ void ApplyLights(const OffsetRow&, const Staged& staged) {
   }
 }
 
-// The word comes first: the others are parts of what it has read.
 constexpr OffsetRow rows[] = {
     {.offset = 0x0D0C,
      .type = Stored::U16,
@@ -79,7 +77,7 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C7,
      .read = ReadAnyOf<1 << beacon | 1 << strobe>,
-     .write = {.apply = SwitchAll<1 << beacon | 1 << strobe>},
+     .write = {.apply = ApplyAnyOf<1 << beacon | 1 << strobe>},
      .lossy = flagLoss},
     {.offset = 0x028C,
      .type = Stored::U16,
@@ -88,7 +86,7 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C7,
      .read = ReadAnyOf<1 << landing>,
-     .write = {.apply = SwitchAll<1 << landing>},
+     .write = {.apply = ApplyAnyOf<1 << landing>},
      .lossy = flagLoss},
 };
 

@@ -7,22 +7,22 @@ namespace {
 
 int contactAtcHeld = 0;
 
-int ReadOne(const OffsetRow&, double* value) {
+bool ReadOne(const OffsetRow&, double* value) {
   *value = 1;
-  return 1;
+  return true;
 }
-int ReadZero(const OffsetRow&, double* value) {
+bool ReadZero(const OffsetRow&, double* value) {
   *value = 0;
-  return 1;
+  return true;
 }
 
 // Begin and end stay in pairs: a value that changes from 1 to 2 does not begin a second time.
 void ApplyContactAtc(const OffsetRow&, const Staged& staged) {
   if (staged.integer == 0) {
     ReleaseContactAtc();
-  } else if (!contactAtcHeld && commandBlock.contactAtc != nullptr) {
+  } else if (!contactAtcHeld && commandOf<"sim/operation/contact_atc">.handle != nullptr) {
     contactAtcHeld = 1;
-    XPLMCommandBegin(commandBlock.contactAtc);
+    XPLMCommandBegin(commandOf<"sim/operation/contact_atc">.handle);
   }
 }
 
@@ -32,7 +32,8 @@ constexpr OffsetRow rows[] = {
      .name = "custom_reload",
      .meaning = "write 1 to read the custom offsets file again",
      .cycle = Cycle::C1,
-     .read = ReadZero},
+     .read = ReadZero,
+     .dispatch = DispatchAction::CustomReload},
 
     {.offset = 0x079C,
      .type = Stored::U32,
@@ -53,14 +54,14 @@ constexpr OffsetRow rows[] = {
      .meaning = "stall warning available",
      .show = Show::Flag,
      .cycle = Cycle::C313,
-     .source = IntAt(0x077C)},
+     .source = Int<"sim/aircraft/view/acf_has_stallwarn">},
     {.offset = 0x0780,
      .type = Stored::U32,
      .name = "has_mixture",
      .meaning = "mixture control available",
      .show = Show::Flag,
      .cycle = Cycle::C313,
-     .source = IntAt(0x0780)},
+     .source = Int<"sim/aircraft/view/acf_has_mixture">},
     {.offset = 0x02C4,
      .type = Stored::U32,
      .name = "vne",
@@ -68,8 +69,9 @@ constexpr OffsetRow rows[] = {
      .unit = "kt",
      .unitScale = 1.0 / 128,
      .cycle = Cycle::C313,
-     .source = FloatAt(0x02C4),
-     .factor = 128},
+     .source = Float<"sim/aircraft/view/acf_Vne">,
+     .factor = 128,
+     .readOnly = true},
     {.offset = 0x6F16,
      .type = Stored::U8,
      .name = "contact_atc",
@@ -85,11 +87,14 @@ constexpr OffsetRow rows[] = {
      .type = Stored::U8,
      .name = "custom_clear",
      .meaning = "write 1 to drop the custom offsets and read their file again",
-     .show = Show::Flag},
+     .show = Show::Flag,
+     .dispatch = DispatchAction::CustomReload},
     {.offset = 0xC800,
      .type = Stored::U16,
      .name = "weather_selector",
      .meaning = "1 to 4 apply the weather area 0xC800-0xC87F, once the whole request has been read",
+     .write = {.width = 1},
+     .dispatch = DispatchAction::WeatherArea,
      .note = "set back to 0 once taken"},
     {.offset = 0x3380,
      .type = Stored::Text,
@@ -104,7 +109,7 @@ constexpr OffsetRow rows[] = {
 void ReleaseContactAtc() {
   if (!contactAtcHeld) return;
   contactAtcHeld = 0;
-  XPLMCommandEnd(commandBlock.contactAtc);
+  XPLMCommandEnd(commandOf<"sim/operation/contact_atc">.handle);
 }
 
 const RowTable miscRows = {"Other", rows};

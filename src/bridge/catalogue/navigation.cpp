@@ -14,16 +14,18 @@ namespace {
 constexpr double latitudeUnits = 10001750.0 / 90;
 constexpr double longitudeUnits = 65536.0 * 65536.0 / 360;
 constexpr double needleUnitsPerDot = 50.9;  // 2.5 dots are the full 127
-constexpr Source heading = FloatAt(0x0580);
-constexpr Source magneticVariation = FloatAt(0x02A0);                  // degrees, west positive
-constexpr Source dmeDistance[2] = {FloatAt(0x0C29), FloatAt(0x0C33)};  // nautical miles
-constexpr Source hasDme[2] = {IntAt(0x0C4D), IntAt(0x0C70)};
+constexpr Source heading = Float<"sim/flightmodel/position/psi">;
+constexpr Source magneticVariation =
+    Float<"sim/flightmodel/position/magnetic_variation">;  // degrees, west positive
+constexpr Source dmeDistance[2] = {Float<"sim/cockpit/radios/nav1_dme_dist_m">,
+                                   Float<"sim/cockpit/radios/nav2_dme_dist_m">};  // nautical miles
+constexpr Source hasDme[2] = {Int<"sim/cockpit/radios/nav1_has_dme">, Int<"sim/cockpit/radios/nav2_has_dme">};
 
 const NavRadio& Radio(const OffsetRow& row) { return navRadios[row.member - 1]; }
 
-int ReadOne(const OffsetRow&, double* value) {
+bool ReadOne(const OffsetRow&, double* value) {
   *value = 1;
-  return 1;
+  return true;
 }
 
 // --- Texts ---------------------------------------------------------------------------------------------
@@ -32,24 +34,26 @@ void CopyCut(char* text, const char* from, size_t longest) {
 }
 
 constexpr size_t longestIdent = 5;
-int ReadNavIdent(const OffsetRow& row, char* text) {
+bool ReadNavIdent(const OffsetRow& row, char* text) {
   CopyCut(text, Radio(row).ident, longestIdent);
-  return 1;
+  return true;
 }
-int ReadNavName(const OffsetRow& row, char* text) {
+bool ReadNavName(const OffsetRow& row, char* text) {
   CopyCut(text, Radio(row).station.name, 24);  // the last of 25 bytes is always 0
-  return 1;
+  return true;
 }
-int ReadAdfIdent(const OffsetRow& row, char* text) {
+constexpr Source adfIdent[2] = {Bytes<"sim/cockpit2/radios/indicators/adf1_nav_id">,
+                                Bytes<"sim/cockpit2/radios/indicators/adf2_nav_id">};
+bool ReadAdfIdent(const OffsetRow& row, char* text) {
   char ident[longestIdent + 1];
-  ReadText(Block::Primary, row.offset, ident, sizeof ident);
+  ReadText(adfIdent[row.member - 1], ident, sizeof ident);
   CopyCut(text, ident, longestIdent);
-  return 1;
+  return true;
 }
 
 // Four characters: "05.2" below 100 miles, "123." from there on. Made from the same truncated tenths that
 // the number shows, so that 99.96 does not grow to five characters.
-int ReadDmeText(const OffsetRow& row, char* text) {
+bool ReadDmeText(const OffsetRow& row, char* text) {
   const double distance = ReadSource(dmeDistance[row.member - 1]);
   const double tenths = std::isnan(distance) ? 0 : std::clamp(distance * 10, 0.0, 9999.0);
   const int t = static_cast<int>(static_cast<float>(tenths));  // the number's own rounding
@@ -61,7 +65,7 @@ int ReadDmeText(const OffsetRow& row, char* text) {
     const char shown[] = {digit(1000), digit(100), digit(10), '.'};
     std::memcpy(text, shown, sizeof shown);
   }
-  return 1;
+  return true;
 }
 
 // --- Transmitters --------------------------------------------------------------------------------------
@@ -75,181 +79,91 @@ const Transmitter& LocalizerOf(const NavRadio& radio) {
   return ReceivesLocalizer(radio) ? radio.station : none;
 }
 
-int ReadBeaconLatitude(const OffsetRow& row, double* value) {
+bool ReadBeaconLatitude(const OffsetRow& row, double* value) {
   *value = Beacon(Radio(row)).latitude * latitudeUnits;
-  return 1;
+  return true;
 }
-int ReadBeaconLongitude(const OffsetRow& row, double* value) {
+bool ReadBeaconLongitude(const OffsetRow& row, double* value) {
   *value = Beacon(Radio(row)).longitude * longitudeUnits;
-  return 1;
+  return true;
 }
-int ReadBeaconHeight(const OffsetRow& row, double* value) {
+bool ReadBeaconHeight(const OffsetRow& row, double* value) {
   *value = Beacon(Radio(row)).height;
-  return 1;
+  return true;
 }
-int ReadLocalizerLatitude(const OffsetRow& row, double* value) {
+bool ReadLocalizerLatitude(const OffsetRow& row, double* value) {
   *value = LocalizerOf(Radio(row)).latitude * latitudeUnits;
-  return 1;
+  return true;
 }
-int ReadLocalizerLongitude(const OffsetRow& row, double* value) {
+bool ReadLocalizerLongitude(const OffsetRow& row, double* value) {
   *value = LocalizerOf(Radio(row)).longitude * longitudeUnits;
-  return 1;
+  return true;
 }
-int ReadLocalizerHeight(const OffsetRow& row, double* value) {
+bool ReadLocalizerHeight(const OffsetRow& row, double* value) {
   *value = LocalizerOf(Radio(row)).height;
-  return 1;
+  return true;
 }
-int ReadReciprocalCourse(const OffsetRow& row, double* value) {
+bool ReadReciprocalCourse(const OffsetRow& row, double* value) {
   const Transmitter& localizer = LocalizerOf(Radio(row));
   *value = localizer.found ? Wrapped(localizer.heading + 180) * angle16 : 0;
-  return 1;
+  return true;
 }
 
 // --- Bit words -----------------------------------------------------------------------------------------
-int ReadLocalizerWord(const OffsetRow& row, double* value) {
+bool ReadLocalizerWord(const OffsetRow& row, double* value) {
   const NavRadio& radio = Radio(row);
   *value = (ReceivesLocalizer(radio) ? 0x02 : 0) | (radio.type != stationNone ? 0x80 : 0);
-  return 1;
+  return true;
 }
-int ReadCodeWord(const OffsetRow& row, double* value) {
+bool ReadCodeWord(const OffsetRow& row, double* value) {
   const NavRadio& radio = Radio(row);
   *value = (IsOn(hasDme[row.member - 1]) ? 0x01 : 0) | (radio.type == stationNone ? 0x08 : 0) |
            (radio.type == stationIls ? 0x40 : 0) | (ReceivesLocalizer(radio) ? 0x80 : 0);
-  return 1;
+  return true;
 }
-int ReadSignal(const OffsetRow& row, double* value) {
+bool ReadSignal(const OffsetRow& row, double* value) {
   *value = Radio(row).type != stationNone ? 256 : 0;
-  return 1;
+  return true;
 }
-int ReadRadioStatus(const OffsetRow&, double* value) {
+bool ReadRadioStatus(const OffsetRow&, double* value) {
   *value = (navRadios[0].type != stationNone ? 0x0002 : 0) | (navRadios[1].type != stationNone ? 0x0004 : 0) |
            (adfRadios[0].type != stationNone ? 0x0008 : 0) | (IsOn(hasDme[0]) ? 0x0010 : 0) |
            (IsOn(hasDme[1]) ? 0x0020 : 0) | (navRadios[0].type == stationIls ? 0x0040 : 0) |
            (adfRadios[1].type != stationNone ? 0x0400 : 0) | (navRadios[1].type == stationIls ? 0x0800 : 0);
-  return 1;
+  return true;
 }
 
 // --- Bearings ------------------------------------------------------------------------------------------
-constexpr Source bearingToStation[2] = {FloatAt(0x0C50), FloatAt(0x0C60)};  // relative to the nose
+constexpr Source bearingToStation[2] = {Float<"sim/cockpit/radios/nav1_dir_degt">,
+                                        Float<"sim/cockpit/radios/nav2_dir_degt">};  // relative to the nose
 
-int ReadRadial(const OffsetRow& row, double* value) {
+bool ReadRadial(const OffsetRow& row, double* value) {
   const double magneticBearing =
       ReadSource(heading) + ReadSource(bearingToStation[row.member - 1]) + ReadSource(magneticVariation);
   *value = Wrapped(magneticBearing + 180) * angle16;  // from the station
-  return 1;
+  return true;
 }
-int ReadRelativeBearing(const OffsetRow& row, double* value) {
+bool ReadRelativeBearing(const OffsetRow& row, double* value) {
   const double bearing = ReadSource(bearingToStation[row.member - 1]) + ReadSource(magneticVariation);
   *value = std::trunc(Wrapped(bearing));
-  return 1;
+  return true;
 }
 
 // --- Rows ----------------------------------------------------------------------------------------------
-using ReadNumberOf = int (*)(const OffsetRow& row, double* value);
-
-constexpr OffsetRow Derived(uint32_t offset, Stored type, const char* name, int member, const char* meaning,
-                            Cycle cycle, ReadNumberOf read) {
-  return {.offset = offset,
-          .type = type,
-          .name = name,
-          .member = member,
-          .meaning = meaning,
-          .cycle = cycle,
-          .read = read};
-}
-constexpr OffsetRow Measured(uint32_t offset, Stored type, const char* name, int member, const char* meaning,
-                             const char* unit, double unitScale, double unitBias, Cycle cycle,
-                             ReadNumberOf read) {
-  OffsetRow row = Derived(offset, type, name, member, meaning, cycle, read);
-  row.unit = unit;
-  row.unitScale = unitScale;
-  row.unitBias = unitBias;
-  return row;
-}
-constexpr OffsetRow BitWord(uint32_t offset, Stored type, const char* name, int member, const char* meaning,
-                            Cycle cycle, ReadNumberOf read, const char* note) {
-  OffsetRow row = Derived(offset, type, name, member, meaning, cycle, read);
-  row.show = Show::Bits;
-  row.note = note;
-  return row;
-}
-constexpr OffsetRow StationText(uint32_t offset, uint16_t length, const char* name, int member,
-                                const char* meaning, Cycle cycle, int (*read)(const OffsetRow&, char*)) {
-  return {.offset = offset,
-          .type = Stored::Text,
-          .length = length,
-          .name = name,
-          .member = member,
-          .meaning = meaning,
-          .show = Show::Text,
-          .cycle = cycle,
-          .readText = read};
-}
-
-// A needle and its unrounded copy.
-constexpr OffsetRow Needle(uint32_t offset, Stored type, uint32_t slot, const char* name, int member,
-                           const char* meaning) {
-  return {.offset = offset,
-          .type = type,
-          .name = name,
-          .member = member,
-          .meaning = meaning,
-          .unit = "dots",
-          .unitScale = 1 / needleUnitsPerDot,
-          .cycle = Cycle::C1,
-          .source = FloatAt(slot),
-          .factor = needleUnitsPerDot};
-}
-
-constexpr OffsetRow Plain(uint32_t offset, Stored type, uint32_t slot, const char* name, int member,
-                          const char* meaning, Cycle cycle) {
-  return {.offset = offset,
-          .type = type,
-          .name = name,
-          .member = member,
-          .meaning = meaning,
-          .cycle = cycle,
-          .source = IntAt(slot)};
-}
-
-constexpr OffsetRow Obs(uint32_t offset, int member) {
-  return {.offset = offset,
-          .type = Stored::U16,
-          .name = "obs",
-          .member = member,
-          .meaning = "omni bearing selector",
-          .unit = "deg",
-          .cycle = Cycle::C7,
-          .source = FloatAt(offset),
-          .write = {.target = FloatAt(offset)},
-          .note = "whole degrees magnetic; 360 stays 360"};
-}
-
-constexpr OffsetRow Slope(uint32_t offset, int member, Cycle cycle) {
-  return {.offset = offset,
-          .type = Stored::S16,
-          .name = "glide_slope_angle",
-          .member = member,
-          .meaning = "glide-slope inclination, negative downwards",
-          .unit = "deg",
-          .unitScale = 1 / angle16,
-          .cycle = cycle,
-          .source = FloatAt(offset),
-          .factor = -angle16};
-}
-
 // Where the offsets of one NAV radio lie. Both radios have the same set, in no regular distance.
 struct NavPlaces {
   Cycle cycle;
   uint32_t beaconLatitude, beaconLongitude, beaconHeight;
   uint32_t localizerLatitude, localizerLongitude, localizerHeight;
-  uint32_t reciprocal, slope, localizerWord, codeWord, available, ident, name;
+  uint32_t reciprocal, slope;
+  Source slopeSource;
+  uint32_t localizerWord, codeWord, available, ident, name;
 };
 constexpr NavPlaces places[2] = {
-    {Cycle::C31Navigation, 0x085C, 0x0864, 0x086C, 0x0874, 0x0878, 0x087C, 0x0870, 0x0872, 0x0C4A, 0x0C4D,
-     0x07A0, 0x3000, 0x3006},
-    {Cycle::C31, 0x0858, 0x0860, 0x0868, 0x084C, 0x0850, 0x0854, 0x0844, 0x0846, 0x0C5A, 0x0C70, 0x07A4, 0x301F,
-     0x3025},
+    {Cycle::C31Navigation, 0x085C, 0x0864, 0x086C, 0x0874, 0x0878, 0x087C, 0x0870, 0x0872,
+     Float<"sim/cockpit/radios/nav1_slope_degt">, 0x0C4A, 0x0C4D, 0x07A0, 0x3000, 0x3006},
+    {Cycle::C31, 0x0858, 0x0860, 0x0868, 0x084C, 0x0850, 0x0854, 0x0844, 0x0846,
+     Float<"sim/cockpit/radios/nav2_slope_degt">, 0x0C5A, 0x0C70, 0x07A4, 0x301F, 0x3025},
 };
 constexpr const char* localizerBits = "bit 1 localizer tuned, 7 station received";
 constexpr const char* codeBits = "bit 0 DME, 3 no signal, 6 glide slope, 7 localizer";
@@ -257,76 +171,288 @@ constexpr const char* codeBits = "bit 0 DME, 3 no signal, 6 glide slope, 7 local
 constexpr std::array<OffsetRow, 13> TunedRows(int member) {
   const NavPlaces& at = places[member - 1];
   const Cycle cycle = at.cycle;
-  return {
-      Measured(at.beaconLatitude, Stored::S32, "nav_latitude", member,
-               "latitude of the station, on an ILS of the glide slope", "deg", 1 / latitudeUnits, 0, cycle,
-               ReadBeaconLatitude),
-      Measured(at.beaconLongitude, Stored::S32, "nav_longitude", member, "longitude of the same", "deg",
-               1 / longitudeUnits, 0, cycle, ReadBeaconLongitude),
-      Measured(at.beaconHeight, Stored::S32, "nav_elevation", member, "elevation of the same", "m", 1, 0, cycle,
-               ReadBeaconHeight),
-      Measured(at.localizerLatitude, Stored::S32, "localizer_latitude", member,
-               "latitude of the localizer, 0 without one", "deg", 1 / latitudeUnits, 0, cycle,
-               ReadLocalizerLatitude),
-      Measured(at.localizerLongitude, Stored::S32, "localizer_longitude", member, "longitude of the localizer",
-               "deg", 1 / longitudeUnits, 0, cycle, ReadLocalizerLongitude),
-      Measured(at.localizerHeight, Stored::S32, "localizer_elevation", member, "elevation of the localizer",
-               "m", 1, 0, cycle, ReadLocalizerHeight),
-      Measured(at.reciprocal, Stored::U16, "localizer_reciprocal", member,
-               "reciprocal course of the localizer, true; 0 without one", "deg", 1 / angle16, 0, cycle,
-               ReadReciprocalCourse),
-      Slope(at.slope, member, cycle),
-      BitWord(at.localizerWord, Stored::U8, "localizer_bits", member, "localizer and signal", cycle,
-              ReadLocalizerWord, localizerBits),
-      BitWord(at.codeWord, Stored::U8, "nav_code", member, "station code", cycle, ReadCodeWord, codeBits),
-      Derived(at.available, Stored::U32, "has_nav", member, "NAV receiver available, always 1", cycle, ReadOne),
-      StationText(at.ident, 6, "nav_ident", member, "station identifier", cycle, ReadNavIdent),
-      StationText(at.name, 25, "nav_name", member, "station name", cycle, ReadNavName),
-  };
+  return {{
+      {.offset = at.beaconLatitude,
+       .type = Stored::S32,
+       .name = "nav_latitude",
+       .member = member,
+       .meaning = "latitude of the station, on an ILS of the glide slope",
+       .unit = "deg",
+       .unitScale = 1 / latitudeUnits,
+       .cycle = cycle,
+       .read = ReadBeaconLatitude},
+      {.offset = at.beaconLongitude,
+       .type = Stored::S32,
+       .name = "nav_longitude",
+       .member = member,
+       .meaning = "longitude of the same",
+       .unit = "deg",
+       .unitScale = 1 / longitudeUnits,
+       .cycle = cycle,
+       .read = ReadBeaconLongitude},
+      {.offset = at.beaconHeight,
+       .type = Stored::S32,
+       .name = "nav_elevation",
+       .member = member,
+       .meaning = "elevation of the same",
+       .unit = "m",
+       .cycle = cycle,
+       .read = ReadBeaconHeight},
+      {.offset = at.localizerLatitude,
+       .type = Stored::S32,
+       .name = "localizer_latitude",
+       .member = member,
+       .meaning = "latitude of the localizer, 0 without one",
+       .unit = "deg",
+       .unitScale = 1 / latitudeUnits,
+       .cycle = cycle,
+       .read = ReadLocalizerLatitude},
+      {.offset = at.localizerLongitude,
+       .type = Stored::S32,
+       .name = "localizer_longitude",
+       .member = member,
+       .meaning = "longitude of the localizer",
+       .unit = "deg",
+       .unitScale = 1 / longitudeUnits,
+       .cycle = cycle,
+       .read = ReadLocalizerLongitude},
+      {.offset = at.localizerHeight,
+       .type = Stored::S32,
+       .name = "localizer_elevation",
+       .member = member,
+       .meaning = "elevation of the localizer",
+       .unit = "m",
+       .cycle = cycle,
+       .read = ReadLocalizerHeight},
+      {.offset = at.reciprocal,
+       .type = Stored::U16,
+       .name = "localizer_reciprocal",
+       .member = member,
+       .meaning = "reciprocal course of the localizer, true; 0 without one",
+       .unit = "deg",
+       .unitScale = 1 / angle16,
+       .cycle = cycle,
+       .read = ReadReciprocalCourse},
+      {.offset = at.slope,
+       .type = Stored::S16,
+       .name = "glide_slope_angle",
+       .member = member,
+       .meaning = "glide-slope inclination, negative downwards",
+       .unit = "deg",
+       .unitScale = 1 / angle16,
+       .cycle = cycle,
+       .source = at.slopeSource,
+       .factor = -angle16},
+      {.offset = at.localizerWord,
+       .type = Stored::U8,
+       .name = "localizer_bits",
+       .member = member,
+       .meaning = "localizer and signal",
+       .show = Show::Bits,
+       .cycle = cycle,
+       .read = ReadLocalizerWord,
+       .note = localizerBits},
+      {.offset = at.codeWord,
+       .type = Stored::U8,
+       .name = "nav_code",
+       .member = member,
+       .meaning = "station code",
+       .show = Show::Bits,
+       .cycle = cycle,
+       .read = ReadCodeWord,
+       .note = codeBits},
+      {.offset = at.available,
+       .type = Stored::U32,
+       .name = "has_nav",
+       .member = member,
+       .meaning = "NAV receiver available, always 1",
+       .cycle = cycle,
+       .read = ReadOne},
+      {.offset = at.ident,
+       .type = Stored::Text,
+       .length = 6,
+       .name = "nav_ident",
+       .member = member,
+       .meaning = "station identifier",
+       .show = Show::Text,
+       .cycle = cycle,
+       .readText = ReadNavIdent},
+      {.offset = at.name,
+       .type = Stored::Text,
+       .length = 25,
+       .name = "nav_name",
+       .member = member,
+       .meaning = "station name",
+       .show = Show::Text,
+       .cycle = cycle,
+       .readText = ReadNavName},
+  }};
 }
 
 constexpr OffsetRow otherRows[] = {
-    Needle(0x0C48, Stored::S8, 0x0C48, "cdi", 1, "course needle"),
-    Needle(0x2AAC, Stored::F32, 0x0C48, "cdi_exact", 1, "course needle, unrounded"),
-    Needle(0x0C49, Stored::S8, 0x0C49, "gsi", 1, "glide-slope needle"),
-    Needle(0x2AB0, Stored::F32, 0x0C49, "gsi_exact", 1, "glide-slope needle, unrounded"),
-    Needle(0x0C59, Stored::S8, 0x0C59, "cdi", 2, "course needle"),
-    Needle(0x2AB4, Stored::F32, 0x0C59, "cdi_exact", 2, "course needle, unrounded"),
-    Needle(0x0C6E, Stored::S8, 0x0C6E, "gsi", 2, "glide-slope needle"),
-    Needle(0x2AB8, Stored::F32, 0x0C6E, "gsi_exact", 2, "glide-slope needle, unrounded"),
+    {.offset = 0x0C48,
+     .type = Stored::S8,
+     .name = "cdi",
+     .member = 1,
+     .meaning = "course needle",
+     .unit = "dots",
+     .unitScale = 1 / needleUnitsPerDot,
+     .cycle = Cycle::C1,
+     .source = Float<"sim/cockpit/radios/nav1_hdef_dot">,
+     .factor = needleUnitsPerDot,
+     .readOnly = true},
+    {.offset = 0x2AAC,
+     .type = Stored::F32,
+     .name = "cdi_exact",
+     .member = 1,
+     .meaning = "course needle, unrounded",
+     .unit = "dots",
+     .unitScale = 1 / needleUnitsPerDot,
+     .cycle = Cycle::C1,
+     .source = Float<"sim/cockpit/radios/nav1_hdef_dot">,
+     .factor = needleUnitsPerDot},
+    {.offset = 0x0C49,
+     .type = Stored::S8,
+     .name = "gsi",
+     .member = 1,
+     .meaning = "glide-slope needle",
+     .unit = "dots",
+     .unitScale = 1 / needleUnitsPerDot,
+     .cycle = Cycle::C1,
+     .source = Float<"sim/cockpit/radios/nav1_vdef_dot">,
+     .factor = needleUnitsPerDot,
+     .readOnly = true},
+    {.offset = 0x2AB0,
+     .type = Stored::F32,
+     .name = "gsi_exact",
+     .member = 1,
+     .meaning = "glide-slope needle, unrounded",
+     .unit = "dots",
+     .unitScale = 1 / needleUnitsPerDot,
+     .cycle = Cycle::C1,
+     .source = Float<"sim/cockpit/radios/nav1_vdef_dot">,
+     .factor = needleUnitsPerDot},
+    {.offset = 0x0C59,
+     .type = Stored::S8,
+     .name = "cdi",
+     .member = 2,
+     .meaning = "course needle",
+     .unit = "dots",
+     .unitScale = 1 / needleUnitsPerDot,
+     .cycle = Cycle::C1,
+     .source = Float<"sim/cockpit/radios/nav2_hdef_dot">,
+     .factor = needleUnitsPerDot,
+     .readOnly = true},
+    {.offset = 0x2AB4,
+     .type = Stored::F32,
+     .name = "cdi_exact",
+     .member = 2,
+     .meaning = "course needle, unrounded",
+     .unit = "dots",
+     .unitScale = 1 / needleUnitsPerDot,
+     .cycle = Cycle::C1,
+     .source = Float<"sim/cockpit/radios/nav2_hdef_dot">,
+     .factor = needleUnitsPerDot},
+    {.offset = 0x0C6E,
+     .type = Stored::S8,
+     .name = "gsi",
+     .member = 2,
+     .meaning = "glide-slope needle",
+     .unit = "dots",
+     .unitScale = 1 / needleUnitsPerDot,
+     .cycle = Cycle::C1,
+     .source = Float<"sim/cockpit/radios/nav2_vdef_dot">,
+     .factor = needleUnitsPerDot,
+     .readOnly = true},
+    {.offset = 0x2AB8,
+     .type = Stored::F32,
+     .name = "gsi_exact",
+     .member = 2,
+     .meaning = "glide-slope needle, unrounded",
+     .unit = "dots",
+     .unitScale = 1 / needleUnitsPerDot,
+     .cycle = Cycle::C1,
+     .source = Float<"sim/cockpit/radios/nav2_vdef_dot">,
+     .factor = needleUnitsPerDot},
 
-    Measured(0x0C50, Stored::U16, "radial", 1, "radial, magnetic, from the station", "deg", 1 / angle16, 0,
-             Cycle::C3, ReadRadial),
-    Measured(0x0C60, Stored::U16, "radial", 2, "radial, magnetic, from the station", "deg", 1 / angle16, 0,
-             Cycle::C3, ReadRadial),
-    Measured(0x0C56, Stored::U16, "nav_bearing", 1, "relative bearing to the station", "deg", 1, 0, Cycle::C3,
-             ReadRelativeBearing),
-    Measured(0x0C5C, Stored::U16, "nav_bearing", 2, "relative bearing to the station", "deg", 1, 0, Cycle::C3,
-             ReadRelativeBearing),
+    {.offset = 0x0C50,
+     .type = Stored::U16,
+     .name = "radial",
+     .member = 1,
+     .meaning = "radial, magnetic, from the station",
+     .unit = "deg",
+     .unitScale = 1 / angle16,
+     .cycle = Cycle::C3,
+     .read = ReadRadial,
+     .readOnly = true},
+    {.offset = 0x0C60,
+     .type = Stored::U16,
+     .name = "radial",
+     .member = 2,
+     .meaning = "radial, magnetic, from the station",
+     .unit = "deg",
+     .unitScale = 1 / angle16,
+     .cycle = Cycle::C3,
+     .read = ReadRadial,
+     .readOnly = true},
+    {.offset = 0x0C56,
+     .type = Stored::U16,
+     .name = "nav_bearing",
+     .member = 1,
+     .meaning = "relative bearing to the station",
+     .unit = "deg",
+     .cycle = Cycle::C3,
+     .read = ReadRelativeBearing},
+    {.offset = 0x0C5C,
+     .type = Stored::U16,
+     .name = "nav_bearing",
+     .member = 2,
+     .meaning = "relative bearing to the station",
+     .unit = "deg",
+     .cycle = Cycle::C3,
+     .read = ReadRelativeBearing},
     {.offset = 0x0BAC,
      .type = Stored::U16,
      .name = "inner_marker",
      .meaning = "over the inner marker",
      .show = Show::Flag,
      .cycle = Cycle::C3,
-     .source = IntAt(0x0BAC)},
+     .source = Int<"sim/cockpit/misc/over_inner_marker">},
     {.offset = 0x0BAE,
      .type = Stored::U16,
      .name = "middle_marker",
      .meaning = "over the middle marker",
      .show = Show::Flag,
      .cycle = Cycle::C3,
-     .source = IntAt(0x0BAE)},
+     .source = Int<"sim/cockpit/misc/over_middle_marker">},
     {.offset = 0x0BB0,
      .type = Stored::U16,
      .name = "outer_marker",
      .meaning = "over the outer marker",
      .show = Show::Flag,
      .cycle = Cycle::C3,
-     .source = IntAt(0x0BB0)},
+     .source = Int<"sim/cockpit/misc/over_outer_marker">},
 
-    Obs(0x0C4E, 1),
-    Obs(0x0C5E, 2),
+    {.offset = 0x0C4E,
+     .type = Stored::U16,
+     .name = "obs",
+     .member = 1,
+     .meaning = "omni bearing selector",
+     .unit = "deg",
+     .cycle = Cycle::C7,
+     .source = Float<"sim/cockpit/radios/nav1_obs_degm">,
+     .write = {.target = Float<"sim/cockpit/radios/nav1_obs_degm">},
+     .note = "whole degrees magnetic; 360 stays 360"},
+    {.offset = 0x0C5E,
+     .type = Stored::U16,
+     .name = "obs",
+     .member = 2,
+     .meaning = "omni bearing selector",
+     .unit = "deg",
+     .cycle = Cycle::C7,
+     .source = Float<"sim/cockpit/radios/nav2_obs_degm">,
+     .write = {.target = Float<"sim/cockpit/radios/nav2_obs_degm">},
+     .note = "whole degrees magnetic; 360 stays 360"},
 
     {.offset = 0x0300,
      .type = Stored::U16,
@@ -336,7 +462,7 @@ constexpr OffsetRow otherRows[] = {
      .unit = "nm",
      .unitScale = 0.1,
      .cycle = Cycle::C13,
-     .source = FloatAt(0x0C29),
+     .source = Float<"sim/cockpit/radios/nav1_dme_dist_m">,
      .factor = 10},
     {.offset = 0x0306,
      .type = Stored::U16,
@@ -346,23 +472,97 @@ constexpr OffsetRow otherRows[] = {
      .unit = "nm",
      .unitScale = 0.1,
      .cycle = Cycle::C13,
-     .source = FloatAt(0x0C33),
+     .source = Float<"sim/cockpit/radios/nav2_dme_dist_m">,
      .factor = 10},
-    Plain(0x0C4B, Stored::U8, 0x0C4B, "to_from", 1, "0 off, 1 to, 2 from", Cycle::C13),
-    Plain(0x0C5B, Stored::U8, 0x0C5B, "to_from", 2, "0 off, 1 to, 2 from", Cycle::C13),
-    Plain(0x0C4C, Stored::U8, 0x0C4C, "glide_slope", 1, "glide slope received", Cycle::C13),
-    Plain(0x0C6F, Stored::U8, 0x0C6F, "glide_slope", 2, "glide slope received", Cycle::C13),
-    StationText(0x0C29, 5, "dme_text", 1, "DME distance as text", Cycle::C13, ReadDmeText),
-    StationText(0x0C33, 5, "dme_text", 2, "DME distance as text", Cycle::C13, ReadDmeText),
+    {.offset = 0x0C4B,
+     .type = Stored::U8,
+     .name = "to_from",
+     .member = 1,
+     .meaning = "0 off, 1 to, 2 from",
+     .cycle = Cycle::C13,
+     .source = Int<"sim/cockpit/radios/nav1_fromto">},
+    {.offset = 0x0C5B,
+     .type = Stored::U8,
+     .name = "to_from",
+     .member = 2,
+     .meaning = "0 off, 1 to, 2 from",
+     .cycle = Cycle::C13,
+     .source = Int<"sim/cockpit/radios/nav2_fromto">},
+    {.offset = 0x0C4C,
+     .type = Stored::U8,
+     .name = "glide_slope",
+     .member = 1,
+     .meaning = "glide slope received",
+     .cycle = Cycle::C13,
+     .source = Int<"sim/cockpit/radios/nav1_CDI">},
+    {.offset = 0x0C6F,
+     .type = Stored::U8,
+     .name = "glide_slope",
+     .member = 2,
+     .meaning = "glide slope received",
+     .cycle = Cycle::C13,
+     .source = Int<"sim/cockpit/radios/nav2_CDI">},
+    {.offset = 0x0C29,
+     .type = Stored::Text,
+     .length = 5,
+     .name = "dme_text",
+     .member = 1,
+     .meaning = "DME distance as text",
+     .show = Show::Text,
+     .cycle = Cycle::C13,
+     .readText = ReadDmeText},
+    {.offset = 0x0C33,
+     .type = Stored::Text,
+     .length = 5,
+     .name = "dme_text",
+     .member = 2,
+     .meaning = "DME distance as text",
+     .show = Show::Text,
+     .cycle = Cycle::C13,
+     .readText = ReadDmeText},
 
-    BitWord(0x3300, Stored::U16, "radio_status", 0, "radio status", Cycle::C31Navigation, ReadRadioStatus,
-            "bit 1 NAV1, 2 NAV2, 3 ADF1, 10 ADF2 receive a station; 4, 5 NAV1, NAV2 have DME; 6, 11 are tuned "
-            "to an ILS"),
+    {.offset = 0x3300,
+     .type = Stored::U16,
+     .name = "radio_status",
+     .meaning = "radio status",
+     .show = Show::Bits,
+     .cycle = Cycle::C31Navigation,
+     .read = ReadRadioStatus,
+     .note = "bit 1 NAV1, 2 NAV2, 3 ADF1, 10 ADF2 receive a station; 4, 5 NAV1, NAV2 have DME; 6, 11 are tuned "
+             "to an ILS"},
 
-    StationText(0x303E, 6, "adf_ident", 1, "station identifier", Cycle::C59, ReadAdfIdent),
-    StationText(0x02DC, 6, "adf_ident", 2, "station identifier", Cycle::C59, ReadAdfIdent),
-    Derived(0x0C52, Stored::U32, "nav_signal", 1, "signal strength, 0 or 256", Cycle::C59, ReadSignal),
-    Derived(0x0C62, Stored::U32, "nav_signal", 2, "signal strength, 0 or 256", Cycle::C59, ReadSignal),
+    {.offset = 0x303E,
+     .type = Stored::Text,
+     .length = 6,
+     .name = "adf_ident",
+     .member = 1,
+     .meaning = "station identifier",
+     .show = Show::Text,
+     .cycle = Cycle::C59,
+     .readText = ReadAdfIdent},
+    {.offset = 0x02DC,
+     .type = Stored::Text,
+     .length = 6,
+     .name = "adf_ident",
+     .member = 2,
+     .meaning = "station identifier",
+     .show = Show::Text,
+     .cycle = Cycle::C59,
+     .readText = ReadAdfIdent},
+    {.offset = 0x0C52,
+     .type = Stored::U32,
+     .name = "nav_signal",
+     .member = 1,
+     .meaning = "signal strength, 0 or 256",
+     .cycle = Cycle::C59,
+     .read = ReadSignal},
+    {.offset = 0x0C62,
+     .type = Stored::U32,
+     .name = "nav_signal",
+     .member = 2,
+     .meaning = "signal strength, 0 or 256",
+     .cycle = Cycle::C59,
+     .read = ReadSignal},
 };
 
 constexpr auto tuned1 = TunedRows(1);

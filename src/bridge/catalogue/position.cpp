@@ -31,37 +31,39 @@ double HeadingWord(double degrees) {
 constexpr char inLocalAxes[] = "the simulator keeps places in local axes: reads back within a centimetre or so";
 constexpr char inSinglePrecision[] = "the simulator keeps attitude in single precision";
 
-// Height of the ground above the sea, metres. The first of the two rows asks the simulator, the second,
-// which follows it, stores the same height in its own unit.
-double groundMetres = 0;
-
-int ReadGroundFine(const OffsetRow&, double* value) {
-  groundMetres = ReadSource(DoubleAt(0x0020)) - ReadSource(FloatAt(0x31E4));
-  *value = groundMetres * 256;
-  return 1;
+// Height of the ground above the sea, metres.
+double GroundMetres() {
+  return ReadSource(Double<"sim/flightmodel/position/elevation">) -
+         ReadSource(Float<"sim/flightmodel/position/y_agl">);
 }
 
-int ReadGroundMetres(const OffsetRow&, double* value) {
-  *value = groundMetres;
-  return 1;
+bool ReadGroundFine(const OffsetRow&, double* value) {
+  *value = GroundMetres() * 256;
+  return true;
+}
+
+bool ReadGroundMetres(const OffsetRow&, double* value) {
+  *value = GroundMetres();
+  return true;
 }
 
 // Clients choose the altimeter's unit by the word at 0x0C18: 2 is metres. While the lock is busy the unit of
 // the last look counts.
 uint16_t altimeterUnit;
 
-int ReadAltimeter(const OffsetRow&, double* value) {
+bool ReadAltimeter(const OffsetRow&, double* value) {
   TryCopyFromMemory(0x0C18, sizeof(altimeterUnit), &altimeterUnit);
-  const double feet = ReadSource(FloatAt(0x3324));
+  const double feet = ReadSource(Float<"sim/cockpit2/gauges/indicators/altitude_ft_pilot">);
   *value = altimeterUnit == 2 ? feet * 0.3048 : feet;
-  return 1;
+  return true;
 }
 
 constexpr OffsetRow rows[] = {
     {.offset = 0x0558,
      .type = Stored::U32,
      .meaning = "opens a repositioning: forgets the last one",
-     .write = {.apply = ClearReposition}},
+     .write = {.apply = ApplyNewReposition},
+     .dispatch = DispatchAction::StageTwoOrFour},
     {.offset = 0x0560,
      .type = Stored::S64,
      .name = "latitude",
@@ -69,7 +71,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 90 / (latitudeUnits * twoTo32),
      .cycle = Cycle::C1,
-     .source = DoubleAt(0x0560),
+     .source = Double<"sim/flightmodel/position/latitude">,
      .convert = LatitudeWord,
      .write = {.group = ApplyPosition},
      .lossy = inLocalAxes,
@@ -81,7 +83,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 360 / twoTo64,
      .cycle = Cycle::C1,
-     .source = DoubleAt(0x0568),
+     .source = Double<"sim/flightmodel/position/longitude">,
      .convert = LongitudeWord,
      .write = {.group = ApplyPosition},
      .lossy = inLocalAxes,
@@ -93,7 +95,7 @@ constexpr OffsetRow rows[] = {
      .unit = "m",
      .unitScale = 1 / twoTo32,
      .cycle = Cycle::C1,
-     .source = DoubleAt(0x0570),
+     .source = Double<"sim/flightmodel/position/elevation">,
      .factor = twoTo32,
      .write = {.group = ApplyPosition},
      .lossy = inLocalAxes,
@@ -104,7 +106,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "altitude above the sea, whole metres",
      .unit = "m",
      .cycle = Cycle::C1,
-     .source = DoubleAt(0x0570),
+     .source = Double<"sim/flightmodel/position/elevation">,
      .convert = WholeMetres,
      .write = {.group = ApplyPosition},
      .lossy = inLocalAxes,
@@ -116,7 +118,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 360 / twoTo32,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x0578),
+     .source = Float<"sim/flightmodel/position/theta">,
      .factor = -(twoTo32 / 360),
      .write = {.group = ApplyAttitude},
      .lossy = inSinglePrecision},
@@ -126,7 +128,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "attitude indicator pitch, positive nose down",
      .unit = "deg",
      .cycle = Cycle::C1,
-     .source = FloatAt(0x0578),
+     .source = Float<"sim/flightmodel/position/theta">,
      .factor = -1},
     {.offset = 0x057C,
      .type = Stored::S32,
@@ -135,7 +137,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 360 / twoTo32,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x057C),
+     .source = Float<"sim/flightmodel/position/phi">,
      .factor = -(twoTo32 / 360),
      .write = {.group = ApplyAttitude},
      .lossy = inSinglePrecision},
@@ -145,7 +147,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "attitude indicator bank, positive left wing down",
      .unit = "deg",
      .cycle = Cycle::C1,
-     .source = FloatAt(0x057C),
+     .source = Float<"sim/flightmodel/position/phi">,
      .factor = -1},
     {.offset = 0x0580,
      .type = Stored::U32,
@@ -154,7 +156,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 360 / twoTo32,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x0580),
+     .source = Float<"sim/flightmodel/position/psi">,
      .convert = HeadingWord,
      .write = {.group = ApplyAttitude},
      .lossy = inSinglePrecision},
@@ -180,8 +182,9 @@ constexpr OffsetRow rows[] = {
      .unit = "m",
      .unitScale = 1.0 / 65536,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x31E4),
-     .factor = 65536},
+     .source = Float<"sim/flightmodel/position/y_agl">,
+     .factor = 65536,
+     .readOnly = true},
     {.offset = 0x3324,
      .type = Stored::S32,
      .name = "indicated_altitude",
@@ -197,7 +200,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 360.0 / 65536,
      .cycle = Cycle::C313,
-     .source = FloatAt(0x02A0),
+     .source = Float<"sim/flightmodel/position/magnetic_variation">,
      .factor = -(65536.0 / 360)},
 };
 

@@ -4,7 +4,7 @@
 namespace {
 
 // A float in most versions of the simulator, an integer in some.
-constexpr Source runwayFriction = {Block::Primary, 0x6DA8, Accessor::Any, 0};
+constexpr Source runwayFriction = Fitting<"sim/weather/runway_friction">;
 
 constexpr OffsetRow rows[] = {
     // The simulator's names say metres; the values are feet.
@@ -14,23 +14,23 @@ constexpr OffsetRow rows[] = {
      .meaning = "cabin altitude",
      .unit = "ft",
      .cycle = Cycle::C1,
-     .source = FloatAt(0x0318)},
+     .source = Float<"sim/cockpit/pressure/cabin_altitude_actual_m_msl">},
     {.offset = 0x031C,
      .type = Stored::S32,
      .name = "cabin_altitude_goal",
      .meaning = "cabin altitude goal",
      .unit = "ft",
      .cycle = Cycle::C13,
-     .source = FloatAt(0x031C),
-     .write = {.target = FloatAt(0x031C)},
+     .source = Float<"sim/cockpit/pressure/cabin_altitude_set_m_msl">,
+     .write = {.target = Float<"sim/cockpit/pressure/cabin_altitude_set_m_msl">},
      .lossy = "single precision above 16777216"},
     {.offset = 0x0320,
      .type = Stored::S32,
      .name = "cabin_rate",
      .meaning = "cabin rate of change",
      .cycle = Cycle::C13,
-     .source = FloatAt(0x0320),
-     .write = {.target = FloatAt(0x0320)},
+     .source = Float<"sim/cockpit/pressure/cabin_vvi_set_m_msec">,
+     .write = {.target = Float<"sim/cockpit/pressure/cabin_vvi_set_m_msec">},
      .lossy = "single precision above 16777216"},
     {.offset = 0x3367,
      .type = Stored::U8,
@@ -38,8 +38,9 @@ constexpr OffsetRow rows[] = {
      .meaning = "exits open",
      .show = Show::Bits,
      .cycle = Cycle::C59,
-     .source = IntAt(0x3367),
+     .source = Int<"sim/cockpit2/annunciators/cabin_door_open">,
      .convert = OnOff,
+     .readOnly = true,
      .note = "bit 0 cabin door"},
     {.offset = 0x6DA8,
      .type = Stored::U8,
@@ -56,7 +57,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "undercarriage has skids",
      .show = Show::Flag,
      .cycle = Cycle::C313,
-     .source = IntAt(0x6F02),
+     .source = Int<"sim/aircraft/gear/acf_gear_is_skid">,
      .convert = OnOff},
 };
 

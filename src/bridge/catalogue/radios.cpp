@@ -36,16 +36,17 @@ double FrequencyToBcd(double tensOfKilohertz) { return ToBcd(tensOfKilohertz - d
 double FrequencyFromBcd(double word) { return droppedDigit + FromBcd(word); }
 
 // The tuned frequencies come from the values with which this cycle looked the stations up.
-int ReadNavFrequency(const OffsetRow& row, double* value) {
+bool ReadNavFrequency(const OffsetRow& row, double* value) {
   *value = FrequencyToBcd(navRadios[row.member - 1].frequency);
-  return 1;
+  return true;
 }
-int ReadAdfFrequency(const OffsetRow& row, double* value) {
+bool ReadAdfFrequency(const OffsetRow& row, double* value) {
   *value = ToBcd(adfRadios[row.member - 1].frequency);
-  return 1;
+  return true;
 }
 
-constexpr OffsetRow Frequency(uint32_t offset, const char* name, int member, const char* meaning, Cycle cycle) {
+constexpr OffsetRow Frequency(uint32_t offset, Source source, const char* name, int member, const char* meaning,
+                              Cycle cycle) {
   return {.offset = offset,
           .type = Stored::U16,
           .name = name,
@@ -54,20 +55,20 @@ constexpr OffsetRow Frequency(uint32_t offset, const char* name, int member, con
           .unit = "MHz",
           .show = Show::Bcd,
           .cycle = cycle,
-          .source = IntAt(offset),
+          .source = source,
           .convert = FrequencyToBcd,
-          .write = {.target = IntAt(offset), .convert = FrequencyFromBcd},
+          .write = {.target = source, .convert = FrequencyFromBcd},
           .lossy = digitLoss,
           .note = "leading 1 dropped; steps of 10 kHz"};
 }
-constexpr OffsetRow NavFrequency(uint32_t offset, int member, Cycle cycle) {
-  OffsetRow row = Frequency(offset, "nav", member, "NAV frequency", cycle);
+constexpr OffsetRow NavFrequency(uint32_t offset, Source target, int member, Cycle cycle) {
+  OffsetRow row = Frequency(offset, target, "nav", member, "NAV frequency", cycle);
   row.source = {};
   row.convert = nullptr;
   row.read = ReadNavFrequency;
   return row;
 }
-constexpr OffsetRow AdfFrequency(uint32_t offset, int member, Cycle cycle) {
+constexpr OffsetRow AdfFrequency(uint32_t offset, Source target, int member, Cycle cycle) {
   return {.offset = offset,
           .type = Stored::U16,
           .name = "adf",
@@ -77,7 +78,7 @@ constexpr OffsetRow AdfFrequency(uint32_t offset, int member, Cycle cycle) {
           .show = Show::Bcd,
           .cycle = cycle,
           .read = ReadAdfFrequency,
-          .write = {.target = IntAt(offset), .convert = FromBcd},
+          .write = {.target = target, .convert = FromBcd},
           .lossy = digitLoss,
           .note = "whole kilohertz, all four digits"};
 }
@@ -89,19 +90,23 @@ struct AudioBit {
 };
 constexpr int com1Bit = 0x80, com2Bit = 0x40, bothComBit = 0x20;
 constexpr AudioBit audioBits[] = {
-    {com1Bit, AuxIntAt(0x3129)}, {com2Bit, AuxIntAt(0x3128)}, {0x10, AuxIntAt(0x3126)},
-    {0x08, AuxIntAt(0x3125)},    {0x04, AuxIntAt(0x3124)},    {0x02, AuxIntAt(0x3123)},
-    {0x01, AuxIntAt(0x3122)},
+    {com1Bit, Int<"sim/cockpit2/radios/actuators/audio_selection_com1">},
+    {com2Bit, Int<"sim/cockpit2/radios/actuators/audio_selection_com2">},
+    {0x10, Int<"sim/cockpit2/radios/actuators/audio_selection_nav1">},
+    {0x08, Int<"sim/cockpit2/radios/actuators/audio_selection_nav2">},
+    {0x04, Int<"sim/cockpit2/radios/actuators/audio_marker_enabled">},
+    {0x02, Int<"sim/cockpit2/radios/actuators/audio_dme_enabled">},
+    {0x01, Int<"sim/cockpit2/radios/actuators/audio_selection_adf1">},
 };
 
-int ReadAudio(const OffsetRow&, double* value) {
+bool ReadAudio(const OffsetRow&, double* value) {
   int panel = 0;
   for (const AudioBit& bit : audioBits) {
     if (IsOn(bit.selector)) panel |= bit.mask;
   }
   if ((panel & com1Bit) != 0 && (panel & com2Bit) != 0) panel |= bothComBit;
   *value = panel;
-  return 1;
+  return true;
 }
 
 void ApplyAudio(const OffsetRow&, const Staged& staged) {
@@ -116,10 +121,10 @@ struct Exchange {
   Source active, standby;
 };
 constexpr Exchange exchanges[] = {
-    {0x01, IntAt(0x0352), IntAt(0x3120)},  // NAV2
-    {0x02, IntAt(0x0350), IntAt(0x311E)},  // NAV1
-    {0x08, IntAt(0x034E), IntAt(0x311A)},  // COM1
-    {0x04, IntAt(0x3118), IntAt(0x311C)},  // COM2
+    {0x01, Int<"sim/cockpit/radios/nav2_freq_hz">, Int<"sim/cockpit/radios/nav2_stdby_freq_hz">},  // NAV2
+    {0x02, Int<"sim/cockpit/radios/nav1_freq_hz">, Int<"sim/cockpit/radios/nav1_stdby_freq_hz">},  // NAV1
+    {0x08, Int<"sim/cockpit/radios/com1_freq_hz">, Int<"sim/cockpit/radios/com1_stdby_freq_hz">},  // COM1
+    {0x04, Int<"sim/cockpit/radios/com2_freq_hz">, Int<"sim/cockpit/radios/com2_stdby_freq_hz">},  // COM2
 };
 
 void ApplyExchange(const OffsetRow& row, const Staged& staged) {
@@ -149,34 +154,38 @@ constexpr OffsetRow rows[] = {
      .lossy = "bit 5 sets bits 7 and 6, and they set it",
      .note = "bit 7 COM1, 6 COM2, 5 both COM, 4 NAV1, 3 NAV2, 2 markers, 1 DME, 0 ADF1"},
 
-    Frequency(0x034E, "com", 1, "COM1 frequency", Cycle::C31Navigation),
-    Frequency(0x311A, "com_standby", 1, "COM1 standby frequency", Cycle::C31Navigation),
-    NavFrequency(0x0350, 1, Cycle::C31Navigation),
-    Frequency(0x311E, "nav_standby", 1, "NAV1 standby frequency", Cycle::C31Navigation),
-    AdfFrequency(0x034C, 1, Cycle::C31Navigation),
+    Frequency(0x034E, Int<"sim/cockpit/radios/com1_freq_hz">, "com", 1, "COM1 frequency", Cycle::C31Navigation),
+    Frequency(0x311A, Int<"sim/cockpit/radios/com1_stdby_freq_hz">, "com_standby", 1, "COM1 standby frequency",
+              Cycle::C31Navigation),
+    NavFrequency(0x0350, Int<"sim/cockpit/radios/nav1_freq_hz">, 1, Cycle::C31Navigation),
+    Frequency(0x311E, Int<"sim/cockpit/radios/nav1_stdby_freq_hz">, "nav_standby", 1, "NAV1 standby frequency",
+              Cycle::C31Navigation),
+    AdfFrequency(0x034C, Int<"sim/cockpit/radios/adf1_freq_hz">, 1, Cycle::C31Navigation),
 
-    Frequency(0x3118, "com", 2, "COM2 frequency", Cycle::C31),
-    Frequency(0x311C, "com_standby", 2, "COM2 standby frequency", Cycle::C31),
-    NavFrequency(0x0352, 2, Cycle::C31),
-    Frequency(0x3120, "nav_standby", 2, "NAV2 standby frequency", Cycle::C31),
-    AdfFrequency(0x02D4, 2, Cycle::C31),
+    Frequency(0x3118, Int<"sim/cockpit/radios/com2_freq_hz">, "com", 2, "COM2 frequency", Cycle::C31),
+    Frequency(0x311C, Int<"sim/cockpit/radios/com2_stdby_freq_hz">, "com_standby", 2, "COM2 standby frequency",
+              Cycle::C31),
+    NavFrequency(0x0352, Int<"sim/cockpit/radios/nav2_freq_hz">, 2, Cycle::C31),
+    Frequency(0x3120, Int<"sim/cockpit/radios/nav2_stdby_freq_hz">, "nav_standby", 2, "NAV2 standby frequency",
+              Cycle::C31),
+    AdfFrequency(0x02D4, Int<"sim/cockpit/radios/adf2_freq_hz">, 2, Cycle::C31),
     {.offset = 0x0354,
      .type = Stored::U16,
      .name = "transponder",
      .meaning = "transponder code",
      .show = Show::Bcd,
      .cycle = Cycle::C31,
-     .source = IntAt(0x0354),
+     .source = Int<"sim/cockpit/radios/transponder_code">,
      .convert = ToBcd,
-     .write = {.target = IntAt(0x0354), .convert = FromBcd},
+     .write = {.target = Int<"sim/cockpit/radios/transponder_code">, .convert = FromBcd},
      .lossy = digitLoss},
     {.offset = 0x6D8C,
      .type = Stored::U8,
      .name = "transponder_mode",
      .meaning = "transponder mode: 0 off, 1 standby, 2 on, 3 test",
      .cycle = Cycle::C31,
-     .source = IntAt(0x6D8C),
-     .write = {.target = IntAt(0x6D8C)}},
+     .source = Int<"sim/cockpit/radios/transponder_mode">,
+     .write = {.target = Int<"sim/cockpit/radios/transponder_mode">}},
 
     {.offset = 0x3123,
      .type = Stored::U8,

@@ -17,8 +17,10 @@ constexpr double twoTo32 = 4294967296.0;
 constexpr double twoTo64 = twoTo32 * twoTo32;
 constexpr double latitudeUnits = 10001750.0;  // metres from the equator to a pole
 
-constexpr Source attitudeQuaternion = {Block::Auxiliary, 0x0578, Accessor::FloatArray, 0};
-constexpr Source localVx = AuxFloatAt(0x0035), localVy = AuxFloatAt(0x0036), localVz = AuxFloatAt(0x0037);
+constexpr Source attitudeQuaternion = FloatElement<"sim/flightmodel/position/q">(0);
+constexpr Source localVx = Float<"sim/flightmodel/position/local_vx">,
+                 localVy = Float<"sim/flightmodel/position/local_vy">,
+                 localVz = Float<"sim/flightmodel/position/local_vz">;
 
 // Takes a staged value when its flag is up, else what the offset memory holds. Offset lock held.
 template <typename T>
@@ -94,9 +96,9 @@ void ApplyPosition() {
   double x = 0, y = 0, z = 0;
   XPLMWorldToLocal(repositionRecord.latitude, repositionRecord.longitude, repositionRecord.altitude, &x, &y,
                    &z);
-  SetSource(AuxDoubleAt(0x0560), x);
-  SetSource(AuxDoubleAt(0x0568), y);
-  SetSource(AuxDoubleAt(0x0570), z);
+  SetSource(Double<"sim/flightmodel/position/local_x">, x);
+  SetSource(Double<"sim/flightmodel/position/local_y">, y);
+  SetSource(Double<"sim/flightmodel/position/local_z">, z);
   MoveFreeze(x, z);
 }
 
@@ -117,19 +119,19 @@ void ApplyAttitude() {
   repositionRecord.heading = attitude.heading;
   SetQuaternion(EulerToQuaternion(attitude));
   // With its path override on, the simulator draws from the three angles and not from the quaternion.
-  if (IsOn(AuxIntElementAt(0x0084, 0))) {
-    SetSource(FloatAt(0x0578), attitude.pitch);
-    SetSource(FloatAt(0x057C), attitude.bank);
-    SetSource(FloatAt(0x0580), attitude.heading);
+  if (IsOn(IntElement<"sim/operation/override/override_planepath">(0))) {
+    SetSource(Float<"sim/flightmodel/position/theta">, attitude.pitch);
+    SetSource(Float<"sim/flightmodel/position/phi">, attitude.bank);
+    SetSource(Float<"sim/flightmodel/position/psi">, attitude.heading);
   }
 }
 
-void ClearReposition(const OffsetRow&, const Staged&) { repositionRecord = {}; }
+void ApplyNewReposition(const OffsetRow&, const Staged&) { repositionRecord = {}; }
 
 void ApplyBodyVelocity(const OffsetRow&, const Staged& staged) {
   // Body axes: x right, y up, z back.
-  const double bx = ReadSource(FloatAt(0x3098));
-  const double by = ReadSource(FloatAt(0x30A0));
+  const double bx = ReadSource(Float<"sim/flightmodel/forces/vx_acf_axis">);
+  const double by = ReadSource(Float<"sim/flightmodel/forces/vy_acf_axis">);
   const double bz = -staged.number * 0.3048;
   const Attitude attitude = QuaternionToEuler(ReadQuaternion());
   const double phi = attitude.bank * radians;

@@ -37,7 +37,7 @@ void ApplyPosition();
 // Group of pitch, bank and heading (0x0578, 0x057C, 0x0580).
 void ApplyAttitude();
 // 0x0558: forgets the last request.
-void ClearReposition(const OffsetRow& row, const Staged& staged);
+void ApplyNewReposition(const OffsetRow& row, const Staged& staged);
 // 0x3090: forward body velocity, ft/s; side and vertical parts stay as they are.
 void ApplyBodyVelocity(const OffsetRow& row, const Staged& staged);
 // 0x02BC: airspeed, knots x 128, as level flight along the heading.

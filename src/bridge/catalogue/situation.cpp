@@ -82,6 +82,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "name of a situation (.sit) or movie (.smo) file",
      .show = Show::Text,
      .write = {.apply = ApplyName},
+     .dispatch = DispatchAction::StageText,
      .note =
          "relative to the simulator's folder, without '..' and ':'; at most 251 characters; other names are "
          "refused"},
@@ -90,11 +91,13 @@ constexpr OffsetRow rows[] = {
      .name = "situation_command",
      .meaning = "0 loads, another value saves the file at 0x3F04",
      .write = {.apply = ApplyCommand},
+     .dispatch = DispatchAction::StageAlways,
      .note = "taken at every write, also of the value that stands there; send the name in a record of its own"},
     {.offset = loadCountOffset,
      .type = Stored::U16,
      .name = "situation_loads",
-     .meaning = "files loaded so far"},
+     .meaning = "files loaded so far",
+     .readOnly = true},
 };
 
 }  // namespace

@@ -6,8 +6,10 @@
 
 namespace {
 
-constexpr Source localX = AuxDoubleAt(0x0560), localZ = AuxDoubleAt(0x0570);
-constexpr Source planePathOverride = AuxIntElementAt(0x0084, 0);  // element 0: the user's aircraft
+constexpr Source localX = Double<"sim/flightmodel/position/local_x">,
+                 localZ = Double<"sim/flightmodel/position/local_z">;
+constexpr Source planePathOverride =
+    IntElement<"sim/operation/override/override_planepath">(0);  // element 0: the user's aircraft
 
 int slewing = 0;
 int frozen = 0;
@@ -21,17 +23,17 @@ void UpdatePlanePath() {
   pathTaken = wanted;
 }
 
-void WriteSlew(const OffsetRow&, const Staged& staged) {
+void ApplySlew(const OffsetRow&, const Staged& staged) {
   slewing = staged.integer != 0;
   UpdatePlanePath();
 }
 
-int ReadFreeze(const OffsetRow&, double* value) {
+bool ReadFreeze(const OffsetRow&, double* value) {
   *value = frozen;
-  return 1;
+  return true;
 }
 
-void WriteFreeze(const OffsetRow&, const Staged& staged) {
+void ApplyFreeze(const OffsetRow&, const Staged& staged) {
   frozen = staged.integer != 0;
   if (frozen) {
     frozenX = ReadSource(localX);
@@ -40,12 +42,12 @@ void WriteFreeze(const OffsetRow&, const Staged& staged) {
   UpdatePlanePath();
 }
 
-int ReadPushback(const OffsetRow&, double* value) {
+bool ReadPushback(const OffsetRow&, double* value) {
   *value = pushbackMode;
-  return 1;
+  return true;
 }
 
-void WritePushback(const OffsetRow&, const Staged& staged) {
+void ApplyPushback(const OffsetRow&, const Staged& staged) {
   CommandPushback(static_cast<uint32_t>(staged.integer));
 }
 
@@ -55,7 +57,7 @@ constexpr OffsetRow rows[] = {
      .name = "slew",
      .meaning = "slew mode",
      .show = Show::Flag,
-     .write = {.apply = WriteSlew},
+     .write = {.apply = ApplySlew},
      .note = "not refreshed: holds what the last client wrote"},
     {.offset = 0x3541,
      .type = Stored::U8,
@@ -64,7 +66,7 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C1,
      .read = ReadFreeze,
-     .write = {.apply = WriteFreeze},
+     .write = {.apply = ApplyFreeze},
      .lossy = flagLoss,
      .note = "any changed value but 0 takes the place of that moment"},
     {.offset = 0x31F0,
@@ -79,7 +81,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "pushback command: 0 straight, 1 tail to the left, 2 tail to the right, 3 stop",
      .cycle = Cycle::C31Navigation,
      .read = ReadPushback,
-     .write = {.apply = WritePushback},
+     .write = {.apply = ApplyPushback},
      .lossy = "above 3 counts as 0",
      .note = "shows the pushback state again after a stop, so that the next command differs"},
 };

@@ -4,16 +4,16 @@
 
 namespace {
 
-constexpr Source verticalSpeed = FloatAt(0x02C8);  // m/s
-constexpr Source onGround = IntAt(0x0366);
+constexpr Source verticalSpeed = Float<"sim/flightmodel/position/vh_ind">;  // m/s
+constexpr Source onGround = Int<"sim/flightmodel/failures/onground_any">;
 
 double Flag(double value) { return value != 0; }
 
 // The vertical speed stands still once a wheel touches: clients read the landing from it.
-int ReadTouchdown(const OffsetRow&, double* value) {
-  if (IsOn(onGround)) return 0;
+bool ReadTouchdown(const OffsetRow&, double* value) {
+  if (IsOn(onGround)) return false;
   *value = ReadSource(verticalSpeed) * 256;
-  return 1;
+  return true;
 }
 
 constexpr OffsetRow rows[] = {
@@ -24,7 +24,7 @@ constexpr OffsetRow rows[] = {
      .unit = "kt",
      .unitScale = 1.0 / 128,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x02B8),
+     .source = Float<"sim/flightmodel/position/true_airspeed">,
      .factor = 1.94384 * 128},
     {.offset = 0x02BC,
      .type = Stored::S32,
@@ -33,7 +33,7 @@ constexpr OffsetRow rows[] = {
      .unit = "kt",
      .unitScale = 1.0 / 128,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x02BC),
+     .source = Float<"sim/flightmodel/position/indicated_airspeed">,
      .factor = 128,
      .write = {.apply = ApplyAirspeed},
      .lossy = "sets the true speed along the heading in level flight; what the airspeed indicator makes of it "
@@ -62,14 +62,15 @@ constexpr OffsetRow rows[] = {
      .unit = "m/s",
      .unitScale = 1.0 / 256,
      .cycle = Cycle::C1,
-     .read = ReadTouchdown},
+     .read = ReadTouchdown,
+     .readOnly = true},
     {.offset = 0x31A0,
      .type = Stored::F64,
      .name = "vertical_speed_ft_s",
      .meaning = "vertical speed",
      .unit = "ft/s",
      .cycle = Cycle::C1,
-     .source = FloatAt(0x31A0),
+     .source = Float<"sim/flightmodel/position/vh_ind_fpm">,
      .factor = 1.0 / 60},
     {.offset = 0x11C6,
      .type = Stored::U16,
@@ -77,21 +78,21 @@ constexpr OffsetRow rows[] = {
      .meaning = "Mach number",
      .unitScale = 1.0 / 20480,
      .cycle = Cycle::C1,
-     .source = FloatAt(0x11C6),
+     .source = Float<"sim/flightmodel/misc/machno">,
      .factor = 20480},
     {.offset = 0x036E,
      .type = Stored::S8,
      .name = "slip",
      .meaning = "slip ball, -128 left to 127 right",
      .cycle = Cycle::C1,
-     .source = FloatAt(0x036E),
+     .source = Float<"sim/flightmodel/misc/slip">,
      .factor = -30},
     {.offset = 0x037C,
      .type = Stored::S16,
      .name = "turn_rate",
      .meaning = "turn rate, 512 is a standard turn to the right",
      .cycle = Cycle::C1,
-     .source = FloatAt(0x037C),
+     .source = Float<"sim/cockpit2/gauges/indicators/turn_rate_heading_deg_pilot">,
      .factor = 0.05 * 512},
     {.offset = 0x02B4,
      .type = Stored::S32,
@@ -100,15 +101,16 @@ constexpr OffsetRow rows[] = {
      .unit = "m/s",
      .unitScale = 1.0 / 65536,
      .cycle = Cycle::C3,
-     .source = FloatAt(0x02B4),
-     .factor = 65536},
+     .source = Float<"sim/flightmodel/position/groundspeed">,
+     .factor = 65536,
+     .readOnly = true},
     {.offset = 0x6030,
      .type = Stored::F64,
      .name = "ground_speed_m_s",
      .meaning = "ground speed",
      .unit = "m/s",
      .cycle = Cycle::C3,
-     .source = FloatAt(0x02B4)},
+     .source = Float<"sim/flightmodel/position/groundspeed">},
     {.offset = 0x0366,
      .type = Stored::U16,
      .name = "on_ground",
@@ -123,7 +125,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "stall warning",
      .show = Show::Flag,
      .cycle = Cycle::C13,
-     .source = IntAt(0x036C),
+     .source = Int<"sim/flightmodel/failures/stallwarning">,
      .convert = Flag},
 };
 

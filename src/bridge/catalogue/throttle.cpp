@@ -1,20 +1,14 @@
 // Throttle, mixture, magnetos and starters of the four engines.
 #include <algorithm>
 
-#include "aircraft/adapter_slots.h"
-#include "aircraft/adapters.h"
 #include "bridge/catalogue/engine_families.h"
 #include "bridge/catalogue/throttle_actions.h"
 
-LeverCommands b738LeverCommands[2];
-
 namespace {
 
-constexpr Source reverserWord = AuxIntAt(0x0010);  // bit n: reverser of engine n + 1 is out
-constexpr Source throttleOverride = AuxIntAt(0x0023);
-
-constexpr uint32_t throttleOffsets[] = {0x088C, 0x0924, 0x09BC, 0x0A54};
-constexpr uint32_t ignitionOffsets[] = {0x0892, 0x092A, 0x09C2, 0x0A5A};
+constexpr Source reverserWord =
+    Int<"sim/cockpit/warnings/annunciators/reverse">;  // bit n: reverser of engine n + 1 is out
+constexpr Source throttleOverride = Int<"sim/operation/override/override_throttles">;
 
 constexpr double forwardFull = 16384;
 constexpr double reverseFull = 4096;
@@ -22,29 +16,20 @@ constexpr double cutoffFull = 16383;  // of the fuel levers of engines 1 and 2
 
 int starterHeld[engineCount];
 
-// Kept from one row for the row behind it, which stores the same reading in another place.
-double throttleWord[engineCount];
-double starterEngaged[engineCount];
-
-int EngineOf(const OffsetRow& row) { return row.member - 1; }
-Source LeverOf(int engine) { return FloatElementAt(throttleOffsets[engine], engine); }
+bool EngineOf(const OffsetRow& row) { return row.member - 1; }
+Source LeverOf(int engine) { return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine); }
 // What the engine gets; the simulator takes it instead of the lever while the override is on.
-Source UsedThrottleOf(int engine) { return AuxFloatElementAt(throttleOffsets[engine], engine); }
+Source UsedThrottleOf(int engine) { return FloatElement<"sim/flightmodel/engine/ENGN_thro_use">(engine); }
 
 // --- Throttles ----------------------------------------------------------------------------------------
 
-int ReadThrottle(const OffsetRow& row, double* value) {
+bool ReadThrottle(const OffsetRow& row, double* value) {
   const int engine = EngineOf(row);
   const bool overridden = engine < 2 && IsOn(throttleOverride);
   const double ratio = overridden ? ReadSource(UsedThrottleOf(engine)) : ReadSource(LeverOf(engine));
   const bool reverse = (ReadInt(reverserWord) >> engine & 1) != 0;
-  *value = throttleWord[engine] = ratio * (reverse ? -reverseFull : forwardFull);
-  return 1;
-}
-
-int ReadLeverInput(const OffsetRow& row, double* value) {
-  *value = throttleWord[EngineOf(row)];
-  return 1;
+  *value = ratio * (reverse ? -reverseFull : forwardFull);
+  return true;
 }
 
 // -1 full reverse ... 1 full forward.
@@ -56,17 +41,18 @@ double SignedRatio(double word) {
 void SetPropMode(int engine, bool reverse) {
   constexpr int normalMode = 1;
   constexpr int reverseMode = 3;
-  const Source mode = AuxIntElementAt(0x003A, engine);
+  const Source mode = IntElement<"sim/flightmodel/engine/ENGN_propmode">(engine);
   const bool isReverse = ReadInt(mode) == reverseMode;
   if (isReverse != reverse) SetSource(mode, reverse ? reverseMode : normalMode);
 }
 
 // The IXEG 737 has inputs of its own for its two levers; returns 0 when they are not there.
 int SetIxegLever(int engine, double signedRatio) {
-  if (adapters.ixeg733 == 0 || engine > 1) return 0;
-  const Source input = engine == 0 ? ixegTavrixThro1 : ixegTavrixThro2;
+  if (IsLoaded(AddOn::Ixeg733) == 0 || engine > 1) return 0;
+  const Source input =
+      engine == 0 ? Fitting<"ixeg/733/hardware/tavrix_thro1"> : Fitting<"ixeg/733/hardware/tavrix_thro2">;
   if (HandleOf(input) == nullptr) return 0;
-  ixegThrottleOverrideOn = 1;
+  ixegThrottleTaken = true;
   SetSource(input, signedRatio);
   return 1;
 }
@@ -106,7 +92,7 @@ constexpr Family leverInput = {{.type = Stored::S16,
                                 .unit = "%",
                                 .unitScale = 100 / forwardFull,
                                 .cycle = Cycle::C1,
-                                .read = ReadLeverInput},
+                                .read = ReadThrottle},
                                {0, 0, 0x3334, 0x3336}};
 constexpr Family directThrottle = {
     {.type = Stored::S16,
@@ -117,49 +103,45 @@ constexpr Family directThrottle = {
      .write = {.apply = ApplyDirectThrottle},
      .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
     {0x089A, 0x0932, 0, 0}};
-constexpr Family directThrust = {{.type = Stored::S16,
-                                  .name = "throttle_direct",
-                                  .meaning = "throttle past the axis cut-off",
-                                  .unit = "%",
-                                  .unitScale = 100 / forwardFull,
-                                  .write = {.target = ownFloatElement, .convert = SignedRatio},
-                                  .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
-                                 {0, 0, 0x09CA, 0x0A62}};
+constexpr Family directThrust = {
+    {.type = Stored::S16,
+     .name = "throttle_direct",
+     .meaning = "throttle past the axis cut-off",
+     .unit = "%",
+     .unitScale = 100 / forwardFull,
+     .write = {.target = FloatElement<"sim/flightmodel/engine/ENGN_thro">(0), .convert = SignedRatio},
+     .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
+    {0, 0, 0x09CA, 0x0A62}};
 
 // --- Mixture and fuel valves --------------------------------------------------------------------------
 
-Source X737LeverOf(int engine) { return engine == 0 ? x737LeftCutoffLeverPos : x737RightCutoffLeverPos; }
-Source B738RatioOf(int engine) { return engine == 0 ? b738MixtureRatio1 : b738MixtureRatio2; }
-Source MixtureOf(const OffsetRow& row) { return FloatElementAt(row.offset, EngineOf(row)); }
-
-int ReadCutoffLever(const OffsetRow& row, double* value) {
-  const int engine = EngineOf(row);
-  const Source lever = adapters.x737           ? X737LeverOf(engine)
-                       : adapters.b738Extended ? B738RatioOf(engine)
-                                               : MixtureOf(row);
-  *value = ReadSource(lever) * cutoffFull;
-  return 1;
+Source X737LeverOf(int engine) {
+  return engine == 0 ? Float<"x737/cockpit/tq/leftCutoffLeverPos">
+                     : Float<"x737/cockpit/tq/rightCutoffLeverPos">;
+}
+Source B738RatioOf(int engine) {
+  return engine == 0 ? Float<"laminar/B738/engine/mixture_ratio1">
+                     : Float<"laminar/B738/engine/mixture_ratio2">;
+}
+Source MixtureOf(const OffsetRow& row) {
+  return FloatElement<"sim/flightmodel/engine/ENGN_mixt">(EngineOf(row));
 }
 
-// The extended 737-800 moves its fuel levers itself, from one stop to the other, at a command.
-void MoveB738Lever(int engine, double word) {
-  const Source ratio = B738RatioOf(engine);
-  const bool wantsIdle = word > 8191;
-  const XPLMCommandRef command = wantsIdle ? b738LeverCommands[engine].idle : b738LeverCommands[engine].cutoff;
-  if (command == nullptr) {
-    SetSource(ratio, std::clamp(word / cutoffFull, 0.0, 1.0));
-  } else if (wantsIdle != (ReadSource(ratio) >= 0.5)) {
-    XPLMCommandBegin(command);
-    XPLMCommandEnd(command);
-  }
+bool ReadCutoffLever(const OffsetRow& row, double* value) {
+  const int engine = EngineOf(row);
+  const Source lever = IsLoaded(AddOn::X737)           ? X737LeverOf(engine)
+                       : IsLoaded(AddOn::B738Extended) ? B738RatioOf(engine)
+                                                       : MixtureOf(row);
+  *value = ReadSource(lever) * cutoffFull;
+  return true;
 }
 
 void ApplyCutoffLever(const OffsetRow& row, const Staged& staged) {
   const int engine = EngineOf(row);
-  if (adapters.x737) {
+  if (IsLoaded(AddOn::X737)) {
     SetSource(X737LeverOf(engine), std::clamp(staged.number / 16384, 0.0, 1.0));
-  } else if (adapters.b738Extended) {
-    MoveB738Lever(engine, staged.number);
+  } else if (IsLoaded(AddOn::B738Extended)) {
+    SetSource(B738RatioOf(engine), std::clamp(staged.number / cutoffFull, 0.0, 1.0));
   } else {
     SetSource(MixtureOf(row), std::clamp(staged.number / cutoffFull, 0.0, 1.0));
   }
@@ -183,28 +165,30 @@ constexpr Family mixture = {{.type = Stored::U16,
                              .unit = "%",
                              .unitScale = 100.0 / 16384,
                              .cycle = Cycle::C7,
-                             .source = ownFloatElement,
+                             .source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
                              .factor = 16384,
-                             .write = {.target = ownFloatElement, .factor = 1.0 / 16384, .low = 0, .high = 1},
+                             .write = {.target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
+                                       .factor = 1.0 / 16384,
+                                       .low = 0,
+                                       .high = 1},
                              .lossy = "above 16384 reads back 16384",
                              .note = "16384 full rich"},
                             {0, 0, 0x09C0, 0x0A58}};
-constexpr Family fuelValve = {{.type = Stored::S32,
-                               .name = "fuel_valve",
-                               .meaning = "fuel valve open",
-                               .show = Show::Flag,
-                               .cycle = Cycle::C13,
-                               .source = ownFloatElement,
-                               .convert = Positive,
-                               .write = {.target = ownFloatElement, .convert = OnOff},
-                               .lossy = flagLoss},
-                              {0x3590, 0x3594, 0, 0}};
+constexpr Family fuelValve = {
+    {.type = Stored::S32,
+     .name = "fuel_valve",
+     .meaning = "fuel valve open",
+     .show = Show::Flag,
+     .cycle = Cycle::C13,
+     .source = FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio">(0),
+     .convert = Positive,
+     .write = {.target = FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio">(0), .convert = OnOff},
+     .lossy = flagLoss},
+    {0x3590, 0x3594, 0, 0}};
 
 // --- Magnetos and starters ----------------------------------------------------------------------------
 
 constexpr uint8_t pistonEngine = 0;  // every other engine type is a turbine to the starter switch
-
-bool pistonEngines;  // of this run of the switches' readers
 
 // As the simulator has it at this moment: right after a change of aircraft the offset memory may still show the
 // type of the last one.
@@ -235,34 +219,52 @@ double PistonSwitch(int key) {
   }
 }
 
-int ReadMagnetoSwitch(const OffsetRow& row, double* value) {
+bool IsStarterEngaged(int engine) {
+  return ReadSource(FloatElement<"sim/cockpit/engine/starter_duration">(engine)) > 0;
+}
+
+bool ReadMagnetoSwitch(const OffsetRow& row, double* value) {
   const int engine = EngineOf(row);
-  const bool engaged = ReadSource(AuxFloatElementAt(0x0038, engine)) > 0;
-  const int key = ReadInt(IntElementAt(ignitionOffsets[engine], engine));
-  starterEngaged[engine] = engaged;
-  if (engine == 0) pistonEngines = HasPistonEngines();  // one look for all engines
-  if (pistonEngines) {
+  const bool engaged = IsStarterEngaged(engine);
+  const int key = ReadInt(IntElement<"sim/cockpit/engine/ignition_on">(engine));
+  if (HasPistonEngines()) {
     *value = engaged ? 4 : PistonSwitch(key);
   } else {
     *value = engaged ? 1 : key != 0 ? 2 : 0;
   }
-  return 1;
+  return true;
 }
 
-int ReadStarter(const OffsetRow& row, double* value) {
-  *value = starterEngaged[EngineOf(row)];
-  return 1;
+bool ReadStarter(const OffsetRow& row, double* value) {
+  *value = IsStarterEngaged(EngineOf(row));
+  return true;
 }
+
+struct PistonCommands {
+  const Command* positions[5];  // off, right, left, both, start
+};
+constexpr PistonCommands pistonCommands[engineCount] = {
+    {{&commandOf<"sim/magnetos/magnetos_off_1">, &commandOf<"sim/magnetos/magnetos_right_1">,
+      &commandOf<"sim/magnetos/magnetos_left_1">, &commandOf<"sim/magnetos/magnetos_both_1">,
+      &commandOf<"sim/magnetos/magnetos_both_1">}},
+    {{&commandOf<"sim/magnetos/magnetos_off_2">, &commandOf<"sim/magnetos/magnetos_right_2">,
+      &commandOf<"sim/magnetos/magnetos_left_2">, &commandOf<"sim/magnetos/magnetos_both_2">,
+      &commandOf<"sim/magnetos/magnetos_both_2">}},
+    {{&commandOf<"sim/magnetos/magnetos_off_3">, &commandOf<"sim/magnetos/magnetos_right_3">,
+      &commandOf<"sim/magnetos/magnetos_left_3">, &commandOf<"sim/magnetos/magnetos_both_3">,
+      &commandOf<"sim/magnetos/magnetos_both_3">}},
+    {{&commandOf<"sim/magnetos/magnetos_off_4">, &commandOf<"sim/magnetos/magnetos_right_4">,
+      &commandOf<"sim/magnetos/magnetos_left_4">, &commandOf<"sim/magnetos/magnetos_both_4">,
+      &commandOf<"sim/magnetos/magnetos_both_4">}},
+};
 
 // Off, right, left, both, start: the key springs back from start when any other position is written.
 void TurnPistonSwitch(int engine, int64_t position) {
   constexpr int64_t start = 4;
-  const EngineCommands& commands = commandBlock.engines[engine];
-  const XPLMCommandRef positions[] = {commands.magnetosOff, commands.magnetosRight, commands.magnetosLeft,
-                                      commands.magnetosBoth, commands.magnetosBoth};
+  const PistonCommands& commands = pistonCommands[engine];
   if (position != start) LetStarterGo(engine);
   if (position > start) return;
-  FireCommand(positions[position]);
+  FireCommand(*commands.positions[position]);
   if (position == start) HoldStarter(engine);
 }
 
@@ -271,7 +273,7 @@ void TurnTurbineSwitch(int engine, int64_t position) {
   if (position > 2) return;
   const bool start = position == 1;
   if (!start) LetStarterGo(engine);
-  SetSource(AuxIntElementAt(0x0039, engine), start);
+  SetSource(IntElement<"sim/cockpit/engine/igniters_on">(engine), start);
   if (start) HoldStarter(engine);
 }
 
@@ -300,22 +302,24 @@ constexpr Family starter = {{.type = Stored::U8,
                              .cycle = Cycle::C13,
                              .read = ReadStarter},
                             {0x0506, 0x0507, 0x0508, 0x0509}};
-constexpr Family ignition = {{.type = Stored::S32,
-                              .name = "ignition",
-                              .meaning = "ignition switch",
-                              .show = Show::Flag,
-                              .cycle = Cycle::C13,
-                              .source = ownIntElement,
-                              .write = {.target = ownIntElement, .convert = OnOff},
-                              .lossy = flagLoss},
-                             {0x208C, 0x218C, 0x228C, 0x238C}};
-constexpr Family igniter = {{.type = Stored::U8,
-                             .name = "igniter",
-                             .meaning = "igniter switch",
-                             .show = Show::Flag,
-                             .write = {.target = ownIntElement, .convert = OnOff},
-                             .note = "keeps what a client wrote"},
-                            {0x6D8E, 0x6D8F, 0, 0}};
+constexpr Family ignition = {
+    {.type = Stored::S32,
+     .name = "ignition",
+     .meaning = "ignition switch",
+     .show = Show::Flag,
+     .cycle = Cycle::C13,
+     .source = IntElement<"sim/cockpit/engine/igniters_on">(0),
+     .write = {.target = IntElement<"sim/cockpit/engine/igniters_on">(0), .convert = OnOff},
+     .lossy = flagLoss},
+    {0x208C, 0x218C, 0x228C, 0x238C}};
+constexpr Family igniter = {
+    {.type = Stored::U8,
+     .name = "igniter",
+     .meaning = "igniter switch",
+     .show = Show::Flag,
+     .write = {.target = IntElement<"sim/cockpit/engine/igniters_on">(0), .convert = OnOff},
+     .note = "keeps what a client wrote"},
+    {0x6D8E, 0x6D8F, 0, 0}};
 
 constexpr auto rows = Joined(EngineRows<throttle, leverInput>(), EngineRows<directThrottle, directThrust>(),
                              EngineRows<cutoffLever, mixture>(), EngineRows<fuelValve>(),

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr Source localTime = FloatAt(0x0238);  // seconds since local midnight
-constexpr Source zuluTime = FloatAt(0x023B);   // seconds since midnight UTC
+constexpr Source localTime = Float<"sim/time/local_time_sec">;  // seconds since local midnight
+constexpr Source zuluTime = Float<"sim/time/zulu_time_sec">;    // seconds since midnight UTC
 constexpr int daySeconds = 86400;
 
 // Whole seconds of the day, 0..86399, whatever the simulator says.
@@ -24,7 +24,7 @@ double HourOf(double seconds) { return SecondOfDay(seconds) / 3600; }
 double MinuteOf(double seconds) { return SecondOfDay(seconds) / 60 % 60; }
 double SecondOf(double seconds) { return SecondOfDay(seconds) % 60; }
 
-int ReadClockText(const OffsetRow&, char* text) {
+bool ReadClockText(const OffsetRow&, char* text) {
   const int time = SecondOfDay(ReadSource(localTime));
   const int fields[3] = {time / 3600, time / 60 % 60, time % 60};
   for (int i = 0; i < 3; ++i) {
@@ -32,7 +32,7 @@ int ReadClockText(const OffsetRow&, char* text) {
     text[i * 3 + 1] = static_cast<char>('0' + fields[i] % 10);
     if (i < 2) text[i * 3 + 2] = ':';
   }
-  return 1;
+  return true;
 }
 
 // Hour and minute are set one by one; what a client does not name, fractions of a second included, stays.
@@ -45,22 +45,22 @@ void SetZuluTime(int hour, int minute) {
   SetSource(zuluTime, (hour < 0 ? hours : hour) * 3600 + (minute < 0 ? minutes : minute) * 60 + seconds);
 }
 
-void WriteZuluHour(const OffsetRow&, const Staged& staged) {
+void ApplyZuluHour(const OffsetRow&, const Staged& staged) {
   SetZuluTime(static_cast<int>(std::min<int64_t>(staged.integer, 23)), -1);
 }
 
-void WriteZuluMinute(const OffsetRow&, const Staged& staged) {
+void ApplyZuluMinute(const OffsetRow&, const Staged& staged) {
   SetZuluTime(-1, static_cast<int>(std::min<int64_t>(staged.integer, 59)));
 }
 
 // Hours that local time is behind UTC. Rounded to whole seconds first: the simulator's clocks are single
 // precision, and 7199.99 s must not lose an hour.
-int ReadTimeZone(const OffsetRow&, double* value) {
+bool ReadTimeZone(const OffsetRow&, double* value) {
   double behind = std::round(ReadSource(zuluTime) - ReadSource(localTime));
   if (behind > daySeconds / 2) behind -= daySeconds;
   if (behind <= -daySeconds / 2) behind += daySeconds;
   *value = std::trunc(behind / 3600);
-  return 1;
+  return true;
 }
 
 double DayBefore(double day) { return day - 1; }
@@ -71,21 +71,21 @@ double SeasonOf(double day) {
   return day < 151 ? 1 : day < 243 ? 2 : 3;
 }
 
-void WritePause(const OffsetRow&, const Staged& staged) {
+void ApplyPause(const OffsetRow&, const Staged& staged) {
   // The simulator's pause word cannot be set; the key toggles it.
-  if ((staged.integer != 0) != (IsOn(IntAt(0x0264)) != 0)) XPLMCommandKeyStroke(xplm_key_pause);
+  if ((staged.integer != 0) != (IsOn(Int<"sim/time/paused">) != 0)) XPLMCommandKeyStroke(xplm_key_pause);
 }
 
 // A client's 0 or fraction must not stop the simulator.
 double WholeRate(double value) { return std::max(1.0, std::trunc(value / 256)); }
 
-int ReadActivity(const OffsetRow&, double* value) {
+bool ReadActivity(const OffsetRow&, double* value) {
   static uint16_t runs = 0;
   *value = ++runs;
-  return 1;
+  return true;
 }
 
-void ShowMessage(const OffsetRow& row, const Staged&) {
+void ApplyShowMessage(const OffsetRow& row, const Staged&) {
   char text[128] = {};
   CopyFromMemory(0x3380, sizeof(text) - 1, text);
   // Once taken the request goes back to 0, else the same one could not be made again.
@@ -101,8 +101,8 @@ constexpr OffsetRow rows[] = {
      .meaning = "pause control",
      .show = Show::Flag,
      .cycle = Cycle::C1,
-     .source = IntAt(0x0264),
-     .write = {.apply = WritePause},
+     .source = Int<"sim/time/paused">,
+     .write = {.apply = ApplyPause},
      .lossy = flagLoss,
      .note = "pauses or resumes by the simulator's pause key when it is not already so"},
     {.offset = 0x0264,
@@ -111,7 +111,8 @@ constexpr OffsetRow rows[] = {
      .meaning = "pause indicator",
      .show = Show::Flag,
      .cycle = Cycle::C1,
-     .source = IntAt(0x0264)},
+     .source = Int<"sim/time/paused">,
+     .readOnly = true},
     {.offset = 0x337E,
      .type = Stored::U16,
      .name = "activity",
@@ -126,7 +127,8 @@ constexpr OffsetRow rows[] = {
      .unit = "h",
      .cycle = Cycle::C13,
      .source = localTime,
-     .convert = HourOf},
+     .convert = HourOf,
+     .readOnly = true},
     {.offset = 0x0239,
      .type = Stored::U8,
      .name = "local_minute",
@@ -134,7 +136,8 @@ constexpr OffsetRow rows[] = {
      .unit = "min",
      .cycle = Cycle::C13,
      .source = localTime,
-     .convert = MinuteOf},
+     .convert = MinuteOf,
+     .readOnly = true},
     {.offset = 0x023A,
      .type = Stored::U8,
      .name = "second",
@@ -142,7 +145,8 @@ constexpr OffsetRow rows[] = {
      .unit = "s",
      .cycle = Cycle::C13,
      .source = localTime,
-     .convert = SecondOf},
+     .convert = SecondOf,
+     .readOnly = true},
     {.offset = 0x0C20,
      .type = Stored::Text,
      .length = 9,
@@ -159,7 +163,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C31Navigation,
      .source = zuluTime,
      .convert = HourOf,
-     .write = {.apply = WriteZuluHour},
+     .write = {.apply = ApplyZuluHour},
      .lossy = "above 23 counts as 23",
      .note = "minute and second stay"},
     {.offset = 0x023C,
@@ -170,7 +174,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C31Navigation,
      .source = zuluTime,
      .convert = MinuteOf,
-     .write = {.apply = WriteZuluMinute},
+     .write = {.apply = ApplyZuluMinute},
      .lossy = "above 59 counts as 59",
      .note = "hour and second stay"},
     {.offset = 0x0246,
@@ -187,16 +191,17 @@ constexpr OffsetRow rows[] = {
      .unit = "s",
      .unitScale = 1.0 / 32768,
      .cycle = Cycle::C31Navigation,
-     .source = FloatAt(0x0274),
-     .factor = 32768},
+     .source = Float<"sim/operation/misc/frame_rate_period">,
+     .factor = 32768,
+     .readOnly = true},
     {.offset = 0x023E,
      .type = Stored::U16,
      .name = "day_of_year",
      .meaning = "day of the year",
      .cycle = Cycle::C313,
-     .source = IntAt(0x023E),
+     .source = Int<"sim/time/local_date_days">,
      .add = 1,
-     .write = {.target = IntAt(0x023E), .low = 0, .high = 365, .convert = DayBefore},
+     .write = {.target = Int<"sim/time/local_date_days">, .low = 0, .high = 365, .convert = DayBefore},
      .lossy = "limited to 1..366",
      .note = "1 January is 1"},
     {.offset = 0x0248,
@@ -204,7 +209,7 @@ constexpr OffsetRow rows[] = {
      .name = "season",
      .meaning = "season of the northern hemisphere: 0 winter, 1 spring, 2 summer, 3 autumn",
      .cycle = Cycle::C313,
-     .source = IntAt(0x023E),
+     .source = Int<"sim/time/local_date_days">,
      .convert = SeasonOf},
     {.offset = 0x0240,
      .type = Stored::U16,
@@ -218,16 +223,16 @@ constexpr OffsetRow rows[] = {
      .meaning = "simulation rate",
      .unitScale = 1.0 / 256,
      .cycle = Cycle::C31,
-     .source = IntAt(0x0C1A),
+     .source = Int<"sim/time/sim_speed">,
      .factor = 256,
-     .write = {.target = IntAt(0x0C1A), .convert = WholeRate},
+     .write = {.target = Int<"sim/time/sim_speed">, .convert = WholeRate},
      .lossy = "the simulator has whole rates only, from 1 up"},
     {.offset = 0x32FA,
      .type = Stored::S16,
      .name = "show_message",
      .meaning = "any value but the last shows and speaks the text at 0x3380",
      .unit = "s",
-     .write = {.apply = ShowMessage},
+     .write = {.apply = ApplyShowMessage},
      .lossy = "goes back to 0 once taken",
      .note = "the text ends at its first zero byte, after 127 characters at most"},
 };

@@ -1,7 +1,6 @@
 // Weights, payload and balance. The simulator counts in kilograms, clients in pounds.
 #include <algorithm>
 
-#include "bridge/aircraft_state.h"
 #include "bridge/catalogue.h"
 
 namespace {
@@ -9,18 +8,18 @@ namespace {
 constexpr double poundsPerKg = 2.2046;
 constexpr double poundsTimes256 = 256 * poundsPerKg;
 
-constexpr Source emptyWeight = AuxFloatAt(0x0034);
-constexpr Source payload = FloatAt(0x1400);
-constexpr Source defaultBalance = FloatAt(0x2EF8);
+constexpr Source emptyWeight = Float<"sim/aircraft/weight/acf_m_empty">;
+constexpr Source payload = Float<"sim/flightmodel/weight/m_fixed">;
+constexpr Source defaultBalance = Float<"sim/flightmodel/misc/cgz_ref_to_default">;
 
-int ReadOne(const OffsetRow&, double* value) {
+bool ReadOne(const OffsetRow&, double* value) {
   *value = 1;
-  return 1;
+  return true;
 }
 
-int ReadZeroFuelWeight(const OffsetRow&, double* value) {
+bool ReadZeroFuelWeight(const OffsetRow&, double* value) {
   *value = (ReadSource(emptyWeight) + ReadSource(payload)) * poundsTimes256;
-  return 1;
+  return true;
 }
 // The empty weight is the aircraft's own: what is above it is payload.
 void ApplyZeroFuelWeight(const OffsetRow&, const Staged& staged) {
@@ -37,16 +36,17 @@ double ChordShare737() {
   constexpr double leadingEdge = 15.9283;
   constexpr double perChord = 1 / 3.95732;
   const double cabin = operatingEmptyKg + ReadSource(payload);
-  const double wingTanks = ReadSource(FloatElementAt(0x0B74, 0)) + ReadSource(FloatElementAt(0x0B74, 2));
-  const double centreTank = ReadSource(FloatElementAt(0x0B74, 1));
+  const double wingTanks = ReadSource(FloatElement<"sim/flightmodel/weight/m_fuel">(0)) +
+                           ReadSource(FloatElement<"sim/flightmodel/weight/m_fuel">(2));
+  const double centreTank = ReadSource(FloatElement<"sim/flightmodel/weight/m_fuel">(1));
   const double arm = (cabin * cabinArm + wingTanks * wingTankArm + centreTank * centreTankArm) /
                      (cabin + wingTanks + centreTank);
   return std::clamp((arm - leadingEdge) * perChord, 0.06, 0.36);
 }
-int ReadBalance(const OffsetRow&, double* value) {
-  const bool is737 = adapters.x737 || adapters.b738Extended || adapters.b738Stock;
+bool ReadBalance(const OffsetRow&, double* value) {
+  const bool is737 = IsLoaded(AddOn::X737) || IsLoaded(AddOn::B738Extended) || IsLoaded(AddOn::B738Stock);
   *value = is737 ? ChordShare737() : ReadSource(defaultBalance);
-  return 1;
+  return true;
 }
 
 constexpr OffsetRow rows[] = {
@@ -57,9 +57,9 @@ constexpr OffsetRow rows[] = {
      .unit = "lb",
      .unitScale = 1.0 / 256,
      .cycle = Cycle::C313,
-     .source = FloatAt(0x1330),
+     .source = Float<"sim/aircraft/weight/acf_m_empty/ac">,
      .factor = poundsTimes256,
-     .write = {.target = FloatAt(0x1330), .factor = 1 / poundsTimes256},
+     .write = {.target = Float<"sim/aircraft/weight/acf_m_empty/ac">, .factor = 1 / poundsTimes256},
      .lossy = "the dataref's single precision",
      .note = "0 where the simulator does not publish it"},
     {.offset = 0x1334,
@@ -69,9 +69,9 @@ constexpr OffsetRow rows[] = {
      .unit = "lb",
      .unitScale = 1.0 / 256,
      .cycle = Cycle::C313,
-     .source = FloatAt(0x1334),
+     .source = Float<"sim/aircraft/weight/acf_m_max">,
      .factor = poundsTimes256,
-     .write = {.target = FloatAt(0x1334), .factor = 1 / poundsTimes256},
+     .write = {.target = Float<"sim/aircraft/weight/acf_m_max">, .factor = 1 / poundsTimes256},
      .lossy = "the dataref's single precision"},
     {.offset = 0x13FC,
      .type = Stored::U32,
@@ -102,7 +102,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "gross weight",
      .unit = "lb",
      .cycle = Cycle::C157,
-     .source = FloatAt(0x30C0),
+     .source = Float<"sim/flightmodel/weight/m_total">,
      .factor = poundsPerKg},
     {.offset = 0x2EF8,
      .type = Stored::F64,
@@ -119,15 +119,16 @@ constexpr OffsetRow rows[] = {
      .meaning = "jettisonable load, total",
      .unit = "kg",
      .cycle = Cycle::C157,
-     .source = FloatAt(0x16024)},
+     .source = Float<"sim/flightmodel/weight/m_jettison">,
+     .readOnly = true},
     {.offset = 0x16024,
      .type = Stored::F32,
      .name = "jettison",
      .meaning = "jettisonable load",
      .unit = "kg",
      .cycle = Cycle::C157,
-     .source = FloatAt(0x16024),
-     .write = {.target = FloatAt(0x16024), .low = 0},
+     .source = Float<"sim/flightmodel/weight/m_jettison">,
+     .write = {.target = Float<"sim/flightmodel/weight/m_jettison">, .low = 0},
      .lossy = "below 0 counts as 0"},
 };
 
