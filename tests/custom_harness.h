@@ -37,21 +37,8 @@ inline void Load(const std::string& text) {
 inline void Start() {
   std::filesystem::remove_all(testing::TempDir() + "tavrix_custom");
   std::filesystem::create_directories(Folder());
-  sim::Options options;
-  options.root = testing::TempDir() + "tavrix_custom";
-  options.rate = 0;
-  options.circuit = false;
-  ASSERT_EQ(sim::SimStart(options), 0);
-  ASSERT_EQ(CreateLocks(), 1);
-  ConnectCustomOffsets();
-  ForgetCustomRequests();
-  InitMemoryBlocks();
-  LookUpDataRefs();
-  LookUpCommands();
-  BuildCycles();
+  rows::Start("jet", {}, testing::TempDir() + "tavrix_custom");
   OpenLogs(Folder().c_str(), nullptr);
-  sim::SimCommand("calls");
-  sim::SimCommand("writes");
 }
 
 inline void Stop() {

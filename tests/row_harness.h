@@ -13,17 +13,26 @@
 #include "bridge/catalogue.h"
 #include "bridge/cycles.h"
 #include "bridge/registry.h"
+#include "bridge/slew.h"
 #include "core/sim.h"
+#include "custom/custom.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "pushback/pushback.h"
+#include "settings/settings.h"
 #include "shell/frame_callbacks.h"
 
 namespace rows {
 
-// Starts everything; `missing` names datarefs that the simulator does not publish this time.
-inline void Start(const char* aircraft = "jet", std::initializer_list<const char*> missing = {}) {
+// Of the request that the writes below belong to.
+inline RequestMarks marks;
+
+// Starts everything; `missing` names datarefs that the simulator does not publish this time. What a test before
+// has left in program-wide variables is forgotten.
+inline void Start(const char* aircraft = "jet", std::initializer_list<const char*> missing = {},
+                  const std::string& root = "") {
   sim::Options options;
+  options.root = root;
   options.rate = 0;
   options.circuit = false;
   options.aircraft = aircraft;
@@ -34,16 +43,25 @@ inline void Start(const char* aircraft = "jet", std::initializer_list<const char
   }
   ASSERT_EQ(CreateLocks(), 1);
   ConnectPushback();
+  ConnectCustomOffsets();
+  ForgetCustomRequests();
+  SetSettingsPath("");  // changes that could not be saved
+  marks = {};
   InitMemoryBlocks();
   LookUpDataRefs();
   LookUpCommands();
   BuildCycles();
   RecogniseAircraft();
+  AbortPushback();
+  ClearSlew();
   sim::SimCommand("calls");
+  sim::SimCommand("writes");
 }
 
 inline void Stop() {
   AbortPushback();  // a row may have started it
+  ClearSlew();
+  ReleaseOverrides();
   ResetAdapters();
   DeleteLocks();
   sim::SimStop();
@@ -111,9 +129,6 @@ inline double ReadAs(Stored type, uint32_t offset) {
   CopyFromMemory(offset, sizeof bytes, bytes);
   return DecodeNumber(type, bytes);
 }
-
-// Of the request that the writes below belong to.
-inline RequestMarks marks;
 
 // A client's write of plain bytes: dispatched, then copied. Returns what the dispatcher said.
 inline int WriteBytes(uint32_t offset, const void* data, uint32_t size) {

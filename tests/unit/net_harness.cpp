@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "bridge/cycles.h"
 #include "base/locks.h"
 #include "base/log.h"
 #include "bridge/registry.h"
@@ -173,7 +174,7 @@ void Network::SetUp() {
   ASSERT_TRUE(CreateLocks());
   ASSERT_TRUE(OpenLogs(Folder().c_str(), nullptr));
   InitMemoryBlocks();
-  ResetDispatchTable();
+  BuildCycles();
   relayRecordStore.waiting = 0;
   readTrace = writeTrace = 0;
 }

@@ -109,7 +109,7 @@ TEST_F(NetServerThreads, TheLastClientEndsTheBurstsAndTheNextOneStartsThemAgain)
     ASSERT_FALSE(net::ReceiveType(&clients[0], 13).empty()) << "round " << round;
     net::Disconnect(&clients[0]);
     ASSERT_TRUE(net::WaitUntil([&] { return CountText(Log(), " SocketI->Closing burst thread \n") == round; }));
-    EXPECT_EQ(ConnectedClients(), 0u);
+    ASSERT_TRUE(net::WaitUntil([] { return ConnectedClients() == 0; }));
   }
   EXPECT_EQ(CountText(Log(), "Creating burst thread OK\n"), 3);
   EXPECT_EQ(CountText(Log(), "bind() failed"), 0);

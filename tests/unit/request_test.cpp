@@ -258,7 +258,7 @@ TEST_F(Request, LastWriteWinsForEveryOffsetInAnyOrder) {
   for (const RowTable* table : Catalogue()) {
     for (const OffsetRow& row : table->rows) {
       const WriteRule& write = row.write;
-      if (write.target.block == ::Block::None && !write.apply && !write.group && !write.staged) continue;
+      if (write.target.ref == nullptr && !write.apply && !write.group && !write.staged) continue;
       all.push_back({row.offset, DispatchWidth(row.offset), row.type == Stored::Text, row.offset == 0x0558});
     }
   }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "aircraft/adapter_slots.h"
 #include "bridge/catalogue/throttle_actions.h"
 #include "bridge/reader_groups.h"
 #include "row_harness.h"
@@ -72,7 +71,7 @@ TEST_F(EngineRows, FamiliesKeepTheDistancesOfTheirBlocks) {
   for (const RowTable* table : {&throttleRows, &engineRows, &iceRows}) {
     for (const OffsetRow& row : table->rows) {
       SCOPED_TRACE(testing::Message() << row.name << row.member);
-      if (row.source.block != Block::None && row.offset != 0x1330 && row.source.index < 0x10000) {
+      if (row.source.ref != nullptr && row.offset != 0x1330) {
         EXPECT_NE(HandleOf(row.source), nullptr);
       }
       if (row.member == 0) continue;
@@ -162,7 +161,7 @@ TEST_F(EngineRows, ReadsZeroForWhatIsNoNumberOrNotThere) {
   ASSERT_EQ(Memory(0x09C8, Stored::U16), 14745);
   Set(engine + "ENGN_N1_[2]", NAN);
   Set(engine + "ENGN_EGT_c[1]", NAN);
-  DataRefMemBlock[0x08BC] = nullptr;
+  dataRefOf<"sim/flightmodel/engine/ENGN_EPR">.handle = nullptr;
   BindReaders();
   Refresh(Cycle::C1);
   EXPECT_EQ(Memory(0x09C8, Stored::U16), 0);
@@ -268,8 +267,8 @@ TEST_F(EngineRows, IxegLeversTakeSignedRatios) {
   Write(0x0924, Stored::S16, 32767);
   EXPECT_NEAR(Get("ixeg/733/hardware/tavrix_thro1"), -0.5, 1e-6);
   EXPECT_NEAR(Get("ixeg/733/hardware/tavrix_thro2"), 1, 1e-6);
-  EXPECT_EQ(ixegThrottleOverrideOn, 1);
-  AuxDataRefMemBlock[ixegTavrixThro1.index] = nullptr;  // an aircraft without inputs of its own
+  EXPECT_TRUE(ixegThrottleTaken);
+  dataRefOf<"ixeg/733/hardware/tavrix_thro1">.handle = nullptr;  // an aircraft without inputs of its own
   Write(0x088C, Stored::S16, 4096);
   EXPECT_NEAR(Get(actuators + "throttle_ratio[0]"), 0.25, 1e-6);
 }
@@ -284,36 +283,6 @@ TEST_F(EngineRows, MixtureStandsWhereTheAircraftHasIt) {
   Set("x737/cockpit/tq/rightCutoffLeverPos", 0.5);
   Refresh(Cycle::C7);
   EXPECT_EQ(Memory(0x0928, Stored::U16), 8191);
-}
-
-TEST_F(EngineRows, ExtendedB738MovesItsLeversOnlyWhenTheyStandElsewhere) {
-  Stop();
-  Start("b738-extended");
-  const std::string ratio = "laminar/B738/engine/mixture_ratio2";
-  const LeverCommands known = b738LeverCommands[1];
-  b738LeverCommands[1] = {};
-  Write(0x0928, Stored::U16, 0);
-  EXPECT_EQ(Get(ratio), 0) << "no command known: the ratio itself";
-  sim::SimCommand("command lever/idle");
-  sim::SimCommand("command lever/cutoff");
-  b738LeverCommands[1] = {XPLMFindCommand("lever/idle"), XPLMFindCommand("lever/cutoff")};
-  struct Case {
-    double stands;
-    int value;
-    const char* calls;
-  };
-  const Case cases[] = {
-      {1, 8192, ""},
-      {1, 8191, "begin lever/cutoff; end lever/cutoff"},
-      {0, 100, ""},
-      {0, 8192, "begin lever/idle; end lever/idle"},
-  };
-  for (const Case& c : cases) {
-    Set(ratio, c.stands);
-    Write(0x0928, Stored::U16, c.value);
-    EXPECT_EQ(Calls(), c.calls) << c.value;
-  }
-  b738LeverCommands[1] = known;
 }
 
 // --- Magnetos -----------------------------------------------------------------------------------------
@@ -523,7 +492,7 @@ TEST_F(EngineRows, BalanceOfThe737IsAShareOfItsChord) {
   for (const char* load : {"m_fixed", "m_fuel[0]", "m_fuel[1]", "m_fuel[2]"}) Set(weight + load, 0);
   Refresh(Cycle::C59);
   EXPECT_EQ(Memory(0x2EF8, Stored::F64), 0.125);
-  adapters.b738Stock = 1;
+  loadedAddOns[static_cast<size_t>(AddOn::B738Stock)] = true;
   Refresh(Cycle::C59);
   EXPECT_NEAR(Memory(0x2EF8, Stored::F64), 0.95 / 3.95732, 1e-5) << "empty: 0.95 m behind the leading edge";
   Set(weight + "m_fuel[1]", 1e9);
@@ -561,7 +530,7 @@ TEST_F(EngineRows, FailureRequestsCanBeRepeated) {
   Write(0x6DA4, Stored::U32, 0);
   EXPECT_EQ(Calls(), "");
   sim::SimCommand("define test/failures int[70] 1 2 3");
-  DataRefMemBlock[0x6DAA] = XPLMFindDataRef("test/failures");
+  dataRefOf<"sim/operation/failures/failures">.handle = XPLMFindDataRef("test/failures");
   Write(0x6DAA, Stored::U8, 69);
   EXPECT_EQ(Get("test/failures[69]"), 6);
   EXPECT_EQ(Memory(0x6DAA, Stored::U8), 0);

@@ -14,9 +14,9 @@ constexpr double forwardFull = 16384;
 constexpr double reverseFull = 4096;
 constexpr double cutoffFull = 16383;  // of the fuel levers of engines 1 and 2
 
-int starterHeld[engineCount];
+bool starterHeld[engineCount];
 
-bool EngineOf(const OffsetRow& row) { return row.member - 1; }
+int EngineOf(const OffsetRow& row) { return row.member - 1; }
 Source LeverOf(int engine) { return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine); }
 // What the engine gets; the simulator takes it instead of the lever while the override is on.
 Source UsedThrottleOf(int engine) { return FloatElement<"sim/flightmodel/engine/ENGN_thro_use">(engine); }
@@ -47,14 +47,14 @@ void SetPropMode(int engine, bool reverse) {
 }
 
 // The IXEG 737 has inputs of its own for its two levers; returns 0 when they are not there.
-int SetIxegLever(int engine, double signedRatio) {
-  if (IsLoaded(AddOn::Ixeg733) == 0 || engine > 1) return 0;
+bool SetIxegLever(int engine, double signedRatio) {
+  if (!IsLoaded(AddOn::Ixeg733) || engine > 1) return false;
   const Source input =
       engine == 0 ? Fitting<"ixeg/733/hardware/tavrix_thro1"> : Fitting<"ixeg/733/hardware/tavrix_thro2">;
-  if (HandleOf(input) == nullptr) return 0;
+  if (HandleOf(input) == nullptr) return false;
   ixegThrottleTaken = true;
   SetSource(input, signedRatio);
-  return 1;
+  return true;
 }
 
 void ApplyThrottle(const OffsetRow& row, const Staged& staged) {
@@ -62,7 +62,7 @@ void ApplyThrottle(const OffsetRow& row, const Staged& staged) {
   const double signedRatio = SignedRatio(staged.number);
   const double ratio = std::abs(signedRatio);
   SetPropMode(engine, signedRatio < 0);
-  if (SetIxegLever(engine, signedRatio) == 0) SetSource(LeverOf(engine), ratio);
+  if (!SetIxegLever(engine, signedRatio)) SetSource(LeverOf(engine), ratio);
   if (IsOn(throttleOverride)) SetSource(UsedThrottleOf(engine), ratio);
 }
 
@@ -195,13 +195,13 @@ constexpr uint8_t pistonEngine = 0;  // every other engine type is a turbine to 
 bool HasPistonEngines() { return PresentEngineType() == pistonEngine; }
 
 void HoldStarter(int engine) {
-  if (starterHeld[engine] != 0) return;
-  starterHeld[engine] = 1;
+  if (starterHeld[engine]) return;
+  starterHeld[engine] = true;
   XPLMCommandButtonPress(xplm_joy_start_0 + engine);
 }
 void LetStarterGo(int engine) {
-  if (starterHeld[engine] == 0) return;
-  starterHeld[engine] = 0;
+  if (!starterHeld[engine]) return;
+  starterHeld[engine] = false;
   XPLMCommandButtonRelease(xplm_joy_start_0 + engine);
 }
 
