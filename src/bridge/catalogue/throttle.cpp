@@ -23,13 +23,15 @@ Source UsedThrottleOf(int engine) { return FloatElement<"sim/flightmodel/engine/
 
 // --- Throttles ----------------------------------------------------------------------------------------
 
-bool ReadThrottle(const OffsetRow& row, double* value) {
-  const int engine = EngineOf(row);
-  const bool overridden = engine < 2 && IsOn(throttleOverride);
-  const double ratio = overridden ? ReadSource(UsedThrottleOf(engine)) : ReadSource(LeverOf(engine));
-  const bool reverse = (ReadInt(reverserWord) >> engine & 1) != 0;
-  *value = ratio * (reverse ? -reverseFull : forwardFull);
-  return true;
+double throttleWords[engineCount];  // as the simulator has the levers
+
+void TakeThrottles() {
+  const bool overridden = IsOn(throttleOverride);
+  const int reversers = ReadInt(reverserWord);
+  for (int engine = 0; engine < engineCount; engine++) {
+    const double ratio = ReadSource(overridden && engine < 2 ? UsedThrottleOf(engine) : LeverOf(engine));
+    throttleWords[engine] = ratio * ((reversers >> engine & 1) != 0 ? -reverseFull : forwardFull);
+  }
 }
 
 // -1 full reverse ... 1 full forward.
@@ -81,7 +83,8 @@ constexpr Family throttle = {
      .unit = "%",
      .unitScale = 100 / forwardFull,
      .cycle = Cycle::C1,
-     .read = ReadThrottle,
+     .prepared = throttleWords,
+     .prepare = TakeThrottles,
      .write = {.apply = ApplyThrottle},
      .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
      .note = "16384 full forward, -4096 full reverse"},
@@ -92,7 +95,8 @@ constexpr Family leverInput = {{.type = Stored::S16,
                                 .unit = "%",
                                 .unitScale = 100 / forwardFull,
                                 .cycle = Cycle::C1,
-                                .read = ReadThrottle},
+                                .prepared = throttleWords,
+                                .prepare = TakeThrottles},
                                {0, 0, 0x3334, 0x3336}};
 constexpr Family directThrottle = {
     {.type = Stored::S16,
