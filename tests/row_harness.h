@@ -12,6 +12,7 @@
 #include "base/locks.h"
 #include "bridge/catalogue.h"
 #include "bridge/cycles.h"
+#include "bridge/reader_groups.h"
 #include "bridge/registry.h"
 #include "bridge/slew.h"
 #include "core/sim.h"
@@ -52,6 +53,7 @@ inline void Start(const char* aircraft = "jet", std::initializer_list<const char
   LookUpCommands();
   BuildCycles();
   RecogniseAircraft();
+  BindReaders();
   AbortPushback();
   ClearSlew();
   sim::SimCommand("calls");

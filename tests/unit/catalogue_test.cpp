@@ -72,10 +72,7 @@ std::vector<const OffsetRow*> AllRows() {
 }
 
 bool IsRefreshed(const OffsetRow& row) { return row.cycle != Cycle::None; }
-bool IsWritten(const OffsetRow& row) {
-  const WriteRule& write = row.write;
-  return write.target.ref != nullptr || write.apply != nullptr || write.group != nullptr || write.staged;
-}
+bool IsWritten(const OffsetRow& row) { return HasWriter(row); }
 testing::Message At(uint32_t offset) { return testing::Message() << "offset 0x" << std::hex << offset; }
 
 using Callback = float (*)(float, float, int, void*);
@@ -244,9 +241,12 @@ TEST(CatalogueTexts, AreThereAndUnique) {
       EXPECT_EQ(StoredWidth(*row), 2u);
     }
     // Where a value comes from, and where it goes, is said once.
-    EXPECT_LE((row->source.ref != nullptr) + (row->read != nullptr) + (row->readText != nullptr), 1);
+    EXPECT_LE((row->source.ref != nullptr) + (row->read != nullptr) + (row->readText != nullptr) +
+                  (row->prepared != nullptr),
+              1);
     EXPECT_EQ(IsRefreshed(*row), row->source.ref != nullptr || row->read != nullptr ||
-                                     row->readText != nullptr || !row->variants.empty());
+                                     row->readText != nullptr || row->prepared != nullptr ||
+                                     !row->variants.empty());
     EXPECT_LE((row->write.target.ref != nullptr) + (row->write.apply != nullptr) +
                   (row->write.group != nullptr) + row->write.staged,
               1);
