@@ -273,11 +273,3 @@ const CustomCommandEntry* FindCustomCommand(uint32_t offset) {
   const size_t found = Find(tables->commandKeys, static_cast<uint16_t>(offset));
   return found < tables->commands.size() ? &tables->commands[found] : nullptr;
 }
-
-const CustomTables* LoadedCustomTables() { return loadedTables; }
-
-double EvaluateExpression(const std::string_view* tokens, int32_t first, int32_t count, double input) {
-  static const std::vector<CustomDatarefEntry> none;
-  return EvaluateTokens(tokens, first, count, input, loadedTables != nullptr ? loadedTables->datarefs : none,
-                        ReadDatarefValue);
-}

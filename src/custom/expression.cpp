@@ -172,31 +172,6 @@ Op FindOperator(std::string_view token) {
   return word != nullptr ? word->op : Op::Number;
 }
 
-double EvaluateTokens(const std::string_view* tokens, int32_t first, int32_t count, double input,
-                      const std::vector<CustomDatarefEntry>& datarefs, DatarefReader read) {
-  double stack[maxExpressionDepth + 1];
-  double* top = stack;
-  for (int32_t i = first; i < count && !IsWriteTarget(tokens[i]); ++i) {
-    const std::string_view token = tokens[i];
-    if (IsAliasValue(token)) {
-      const CustomDatarefEntry* dataref = FindCustomAlias(datarefs, token.substr(1));
-      if (dataref == nullptr) return resultNoAlias;
-      *top++ = read(*dataref);
-    } else if (const OperatorWord* word = FindWord(token)) {
-      if (static_cast<size_t>(top - stack) < word->operands) return resultTooFewValues;
-      if (word->op == Op::Input) {
-        *top++ = input;
-      } else {
-        top = Apply(word->op, top);
-      }
-    } else {
-      *top++ = NumberOf(token);
-    }
-    if (static_cast<size_t>(top - stack) > maxExpressionDepth) return resultOverflow;
-  }
-  return top - stack == 1 ? stack[0] : resultNoValue;
-}
-
 CompileOutcome CompileExpression(const std::string_view* tokens, int32_t first, int32_t count,
                                  const std::vector<CustomDatarefEntry>& datarefs,
                                  std::vector<Operation>* operations) {

@@ -443,14 +443,6 @@ bool SaveWaitingSettings() {
   }
 }
 
-bool CreateDefaultSettings() {
-  try {
-    return SaveText(DefaultText());
-  } catch (...) {
-    return ReportException("writing");
-  }
-}
-
 bool ReadAllSettings() {
   try {
     return ReadAll();
