@@ -269,20 +269,24 @@ std::string MakeNameTable() {
       "constexpr OffsetName offsetNames[] = {\n";
   for (const RowTable* table : Catalogue()) {
     for (const OffsetRow& row : table->rows) {
-      text += "    {" + Hex(row.offset) + ", ValueType::" + NamesOf(row.type).code + ", " +
-              std::to_string(StoredWidth(row)) + ", " + Quoted(RowName(row)) + ", " + Quoted(row.meaning) +
-              ", " + Quoted(row.unit) + ", " + Number(row.unitScale) + ", " + Number(row.unitBias) +
-              ", Form::" + FormCode(row) + ", " + (IsReadOnly(row.offset) ? "true" : "false") + ", " +
-              (IsWritable(row) ? "true" : "false") + "},\n";
+      text += "    {.offset = " + Hex(row.offset) + ", .type = ValueType::" + NamesOf(row.type).code +
+              ", .length = " + std::to_string(StoredWidth(row)) + ", .name = " + Quoted(RowName(row)) +
+              ", .meaning = " + Quoted(row.meaning) + ", .unit = " + Quoted(row.unit) +
+              ", .unitScale = " + Number(row.unitScale) + ", .unitBias = " + Number(row.unitBias) +
+              ", .show = Form::" + FormCode(row) +
+              ", .readOnly = " + (IsReadOnly(row.offset) ? "true" : "false") +
+              ", .writable = " + (IsWritable(row) ? "true" : "false") + "},\n";
     }
   }
   text += "};\nconstexpr OffsetRange readOnlyOffsets[] = {\n";
   for (uint32_t i = 0; i < readOnlyRangeCount; ++i) {
-    text += "    {" + Hex(readOnlyRanges[i].first) + ", " + Hex(readOnlyRanges[i].last) + "},\n";
+    text +=
+        "    {.first = " + Hex(readOnlyRanges[i].first) + ", .last = " + Hex(readOnlyRanges[i].last) + "},\n";
   }
   text += "};\nconstexpr OffsetSubject offsetSubjects[] = {\n";
   for (const RowTable* table : Catalogue()) {
-    text += "    {" + Quoted(table->subject) + ", " + std::to_string(table->rows.size()) + "},\n";
+    text +=
+        "    {.name = " + Quoted(table->subject) + ", .rows = " + std::to_string(table->rows.size()) + "},\n";
   }
   return text + "};\n// clang-format on\n";
 }
@@ -337,9 +341,9 @@ int main(int count, char** words) {
   }
   if (!CheckNames()) return 1;
   const Output outputs[] = {
-      {"docs/offsets.md", MakePage()},
-      {"docs/offsets.json", MakeJson()},
-      {"tools/offsetctl/offset_table.inc", MakeNameTable()},
+      {.path = "docs/offsets.md", .text = MakePage()},
+      {.path = "docs/offsets.json", .text = MakeJson()},
+      {.path = "tools/offsetctl/offset_table.inc", .text = MakeNameTable()},
   };
   for (const Output& output : outputs) {
     if (!(check ? CheckOutput(words[1], output) : WriteOutput(words[1], output))) return 1;
