@@ -249,11 +249,11 @@ TEST_F(SimFlight, RepositioningAndAttitude) {
   Put("local_z", z);
   PutAttitude(std::sqrt(0.5), 0, 0, std::sqrt(0.5));  // level, east
   Put("local_vx", 110);
-  Put("local_vy", 0);
+  Put("local_vy", 5);
   Put("local_vz", 0);
   SimFrames(1);
   Fly(R"(latitude = 49.4999 to 49.5001; longitude = 11.2499 to 11.2501; elevation = 2398 to 2402; psi = 89 to 91;
-         groundspeed = 108 to 112; wait 120; elevation = 2300 to 2500; longitude = 11.25 to 12)");
+         groundspeed = 108 to 112; vh_ind = 4 to 6; wait 120; elevation = 2300 to 2500; longitude = 11.25 to 12)");
 }
 
 TEST_F(SimFlight, PausedAndOverriddenStandStill) {
@@ -310,8 +310,10 @@ TEST_F(SimFlight, EnginesGearAndFlapsObey) {
          set sim/flightmodel/engine/ENGN_mixt[1] 0; wait 10; sim/flightmodel/engine/ENGN_running[1] = 0;
          sim/flightmodel/engine/ENGN_N1_[1] = 0 to 5; sim/flightmodel/engine/ENGN_N1_[0] = 20 to 110;
          sim/flightmodel/engine/ENGN_N1_[2] = 0; sim/cockpit2/engine/actuators/mixture_ratio[1] = 0;
+         once sim/starters/engage_starter_2; wait 2; sim/cockpit/engine/starter_duration[1] = 0;
          set sim/flightmodel/engine/ENGN_mixt[1] 1; press 3; wait 5; release 3;
-         sim/flightmodel/engine/ENGN_running[1] = 1; set sim/flightmodel/weight/m_fuel 0 0 0 0 0 0 0 0 0;
+         sim/flightmodel/engine/ENGN_running[1] = 1;
+         set sim/operation/failures/rel_engfai1 6; wait 1; sim/flightmodel/engine/ENGN_running[1] = 0; set sim/flightmodel/weight/m_fuel 0 0 0 0 0 0 0 0 0;
          wait 1; sim/flightmodel/engine/ENGN_running[0] = 0)");
 }
 
