@@ -313,7 +313,8 @@ TEST_F(SimFlight, EnginesGearAndFlapsObey) {
          once sim/starters/engage_starter_2; wait 2; sim/cockpit/engine/starter_duration[1] = 0;
          set sim/flightmodel/engine/ENGN_mixt[1] 1; press 3; wait 5; release 3;
          sim/flightmodel/engine/ENGN_running[1] = 1;
-         set sim/operation/failures/rel_engfai1 6; wait 1; sim/flightmodel/engine/ENGN_running[1] = 0; set sim/flightmodel/weight/m_fuel 0 0 0 0 0 0 0 0 0;
+         set sim/operation/failures/rel_engfai1 6; wait 1; sim/flightmodel/engine/ENGN_running[1] = 0;
+         set sim/flightmodel/weight/m_fuel 0 0 0 0 0 0 0 0 0;
          wait 1; sim/flightmodel/engine/ENGN_running[0] = 0)");
 }
 
