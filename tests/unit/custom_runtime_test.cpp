@@ -64,7 +64,7 @@ TEST_F(CustomRuntime, RefreshStoresTypesAndQuirks) {
        "Offset 9000 UINT16 1 r $psi\nOffset 66C0 SINT8 1 r $psi\nOffset 66C2 FLOAT32 1 r $psi\n"
        "Offset 66C8 UINT16 1 w >psi @\nOffset 66CA UINT8 1 r $x\nOffset 66CB UINT8 1 r\n"
        "Offset 66CC uint8 1 r 5\nOffset 66D0 FLOAT64 1 r $none 1 + $odd $n $past + + +\n");
-  Set("sim/joystick/joystick_button_values", 8, 1599);
+  Set("sim/joystick/joystick_button_values[1599]", 8);
   RefreshCustomOffsets(1);
   EXPECT_EQ(Read<uint16_t>(0x9000), 270);
   EXPECT_EQ(Read<int8_t>(0x66C0), 14);
@@ -221,7 +221,7 @@ TEST_F(CustomRuntime, ClientWritesSetDatarefs) {
   }
   Write<uint16_t>(0x66D4, 0x1FF);
   WriteFrame();
-  EXPECT_EQ(Get("t/bytes", 1), 0xFF);
+  EXPECT_EQ(Get("t/bytes[1]"), 0xFF);
   // An entry of size 0 is passed over, and nothing fixed lies there either.
   EXPECT_EQ(Write<uint8_t>(0x66DA, 1), 0);
   custom::Writes();

@@ -117,7 +117,7 @@ TEST_F(Lifecycle, NetworkClientIsFoundAtEnable) {
   SimCommand(std::string("plugin ") + xSquawkBox + " on");
   Calls();
   SimCommand("enable");
-  EXPECT_EQ(adapters.xSquawkBox, 1);
+  EXPECT_TRUE(IsLoaded(AddOn::XSquawkBox));
   EXPECT_EQ(Calls(), "plugin-message 16777217 15");
   const std::string log = Log();
   const size_t found = log.find("XSB found pluginID=");
@@ -127,7 +127,7 @@ TEST_F(Lifecycle, NetworkClientIsFoundAtEnable) {
   sim::SimFrames(700);
   EXPECT_EQ(Logged("XSB found"), 1) << "not again in the cycles";
   SimCommand("disable");
-  EXPECT_EQ(adapters.xSquawkBox, 0);
+  EXPECT_FALSE(IsLoaded(AddOn::XSquawkBox));
   EXPECT_EQ(Count(Calls(), "plugin-message 16777218 0"), 1);
 }
 
@@ -140,8 +140,7 @@ TEST_F(Lifecycle, ClientModeRecognisesNothing) {
   SimCommand("enable");
   SimCommand("aircraft b738-extended");
   sim::SimFrames(70);
-  const AdapterState none = {};
-  EXPECT_EQ(std::memcmp(&adapters, &none, sizeof none), 0);
+  EXPECT_EQ(loadedAddOns, AddOnSet{});
   EXPECT_EQ(Calls(), "");
   EXPECT_EQ(Log().find(" found"), std::string::npos) << Log();
 }

@@ -3,13 +3,11 @@
 #include <string>
 #include <thread>
 
-#include "bridge/reader_groups.h"
 #include "core/more_api.h"
 #include "row_harness.h"
 
 namespace {
 
-constexpr uint32_t distanceIndex = 0x0C33;  // of the second DME, which the last text of its cycle shows
 constexpr uint32_t clockText = 0x0C20, distanceText = 0x0C33, distanceNumber = 0x0306;
 
 // A dataref whose owner lets the holder of the lock go at its `releasing`-th call.
@@ -40,11 +38,12 @@ float ReadDistance(void*) {
 struct Readers : testing::Test {
   void SetUp() override {
     rows::Start();
-    owned = XPLMRegisterDataAccessor("t/distance", xplmType_Float, 0, nullptr, nullptr, ReadDistance, nullptr,
+    const char* name = "sim/cockpit/radios/nav2_dme_dist_m";
+    sim::Withdraw(sim::FindLive(name));
+    owned = XPLMRegisterDataAccessor(name, xplmType_Float, 0, nullptr, nullptr, ReadDistance, nullptr, nullptr,
                                      nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                     nullptr, nullptr);
-    DataRefMemBlock[distanceIndex] = owned;
-    BindReaders();
+                                     nullptr);
+    rows::LookUp();
     calls = releasing = 0;
     RunReaders(Cycle::C13);
     perRun = calls;

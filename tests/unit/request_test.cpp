@@ -257,8 +257,7 @@ TEST_F(Request, LastWriteWinsForEveryOffsetInAnyOrder) {
   std::vector<Row> all;
   for (const RowTable* table : Catalogue()) {
     for (const OffsetRow& row : table->rows) {
-      const WriteRule& write = row.write;
-      if (write.target.block == ::Block::None && !write.apply && !write.group && !write.staged) continue;
+      if (!rows::IsWritten(row)) continue;
       all.push_back({row.offset, DispatchWidth(row.offset), row.type == Stored::Text, row.offset == 0x0558});
     }
   }

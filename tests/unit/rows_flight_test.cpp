@@ -38,52 +38,12 @@ constexpr double quarterTurn = 0x40000000;
 #define LAMINAR "laminar/B738/"
 #define PANEL "x737/systems/"
 
-class FlightRows : public testing::Test {
- protected:
-  void SetUp() override { rows::Start(); }
-  void TearDown() override { rows::Stop(); }
-  void Restart(const char* aircraft, std::initializer_list<const char*> missing = {}) {
-    rows::Stop();
-    rows::Start(aircraft, missing);
-  }
-};
-
-// --- Registry ---------------------------------------------------------------------------------------
-
-TEST_F(FlightRows, RegistryHoldsWhatTheSimulatorPublishes) {
-  std::set<uint32_t> primary, auxiliary;
-  for (uint32_t i = 0; i < bindingCount; i++) {
-    const Binding& binding = bindings[i];
-    const bool first = binding.block == Block::Primary;
-    EXPECT_TRUE((first ? primary : auxiliary).insert(binding.index).second) << "bound twice: " << binding.index;
-    const XPLMDataRef handle = (first ? DataRefMemBlock : AuxDataRefMemBlock)[binding.index];
-    EXPECT_EQ(handle != nullptr, sim::FindLive(binding.name) != nullptr) << binding.name;
-  }
-  EXPECT_EQ(primary.size(), 507u);
-  EXPECT_EQ(auxiliary.size(), 127u);
-
-  size_t readOnly = 0;
-  for (const uint8_t access : VariablesAccessMemBlock) readOnly += access == accessReadOnly;
-  EXPECT_EQ(readOnly, 108u);
-  for (const uint32_t offset : {0x0238u, 0x023Au, 0x0265u, 0x030Fu, 0x31E7u, 0x6F0Au, 0x16023u})
-    EXPECT_EQ(VariablesAccessMemBlock[offset], accessReadOnly) << offset;
-  for (const uint32_t offset : {0x0237u, 0x023Bu, 0x0266u, 0x0310u, 0x31E8u, 0x6F0Bu, 0x16024u})
-    EXPECT_EQ(VariablesAccessMemBlock[offset], accessReadWrite) << offset;
-
-  std::set<XPLMCommandRef> commands = {commandBlock.backCourse, commandBlock.approach,
-                                       commandBlock.autothrottleToggle, commandBlock.takeOffGoAround,
-                                       commandBlock.contactAtc};
-  for (const EngineCommands& engine : commandBlock.engines)
-    commands.insert({engine.magnetosOff, engine.magnetosRight, engine.magnetosLeft, engine.magnetosBoth,
-                     engine.engageStarter});
-  commands.erase(nullptr);
-  EXPECT_EQ(commands.size(), 25u);
-}
+using FlightRows = rows::Harness;
 
 // --- Readers ----------------------------------------------------------------------------------------
 
 TEST_F(FlightRows, ReadsSimpleValues) {
-  const ReadCase cases[] = {
+  rows::CheckReads({
       {0x0238, U8, C13, "sim/time/local_time_sec", 45296.9, 12},
       {0x0239, U8, C13, "sim/time/local_time_sec", 45296.9, 34},
       {0x023A, U8, C13, "sim/time/local_time_sec", 45296.9, 56},
@@ -151,16 +111,15 @@ TEST_F(FlightRows, ReadsSimpleValues) {
       {0x0BD8, U32, C13, CONTROLS "sbrkrat", 1, 16383},
       {0x30F4, S16, C7, CONTROLS "wing1r_fla1def", 40, 10240},
       {0x0BE8, U32, C3, "sim/cockpit/switches/gear_handle_status", 1, 16383},
-      {0x0BF0, U32, C3, "sim/aircraft/parts/acf_gear_deploy", 0.5, 8191, 0, 2},
-      {0x0BF4, U32, C3, "sim/aircraft/parts/acf_gear_deploy", 0.25, 4095, 0, 1},
+      {0x0BF0, U32, C3, "sim/aircraft/parts/acf_gear_deploy[2]", 0.5, 8191},
+      {0x0BF4, U32, C3, "sim/aircraft/parts/acf_gear_deploy[1]", 0.25, 4095},
       {0x6D8A, S16, C3, "sim/flightmodel/parts/tire_steer_act", -12.5, -1250},
       {0x0BCA, U16, C3, CONTROLS "r_brake_add", 0.25, 16383},
       {0x0BC8, U16, C3, CONTROLS "parkbrake", 1, 32767},
       {0x0BC4, S16, C3, CONTROLS "parkbrake", 1, 16383},
       {0x3416, S16, C3, CONTROLS "l_brake_add", 0.5, 8191},
       {0x2F80, U8, C31, "sim/cockpit/switches/auto_brake_settings", 4, 4},
-  };
-  for (const ReadCase& test : cases) rows::CheckRead(test);
+  });
 
   Set("sim/time/local_time_sec", 45296);
   Refresh(C13);
@@ -248,8 +207,8 @@ TEST_F(FlightRows, ReadsDerivedValues) {
 }
 
 TEST_F(FlightRows, MissingDatarefsReadZeroAndTakeWrites) {
-  Restart("jet", {POSITION "latitude", POSITION "q", POSITION "local_x", "sim/joystick/yolk_pitch_ratio",
-                  AUTOPILOT "autopilot_state"});
+  rows::Restart("jet", {POSITION "latitude", POSITION "q", POSITION "local_x", "sim/joystick/yolk_pitch_ratio",
+                        AUTOPILOT "autopilot_state"});
   for (const Cycle cycle : {C1, C3, C7, C13, C31Navigation, C31, C313}) Refresh(cycle);
   EXPECT_EQ(Read<int64_t>(0x0560), 0);
   EXPECT_EQ(Read<int16_t>(0x0BB2), 0);
@@ -263,12 +222,12 @@ TEST_F(FlightRows, MissingDatarefsReadZeroAndTakeWrites) {
 // --- Writers ----------------------------------------------------------------------------------------
 
 TEST_F(FlightRows, WritesSimpleValues) {
-  const WriteCase cases[] = {
-      {0x023E, U16, 1, "sim/time/local_date_days", 0, 0, 0, 200},
-      {0x023E, U16, 0, "sim/time/local_date_days", 0, 0, 0, 200},
-      {0x023E, U16, 65535, "sim/time/local_date_days", 365, 0, 0, 200},
-      {0x0C1A, U16, 0, "sim/time/sim_speed", 1, 0, 0, 3},
-      {0x0C1A, U16, 1023, "sim/time/sim_speed", 3, 0, 0, 1},
+  rows::CheckWrites({
+      {0x023E, U16, 1, "sim/time/local_date_days", 0, 0, 200},
+      {0x023E, U16, 0, "sim/time/local_date_days", 0, 0, 200},
+      {0x023E, U16, 65535, "sim/time/local_date_days", 365, 0, 200},
+      {0x0C1A, U16, 0, "sim/time/sim_speed", 1, 0, 3},
+      {0x0C1A, U16, 1023, "sim/time/sim_speed", 3, 0, 1},
       {0x0BB2, S16, -16383, "sim/joystick/yolk_pitch_ratio", -1},
       {0x0BC0, S16, 16384, CONTROLS "elv_trim", 1},
       {0x2EA0, F64, 5 * pi / 180, CONTROLS "elv_trim", 0.5, 1e-6},
@@ -292,8 +251,7 @@ TEST_F(FlightRows, WritesSimpleValues) {
       {0x02BC, S32, 12800, POSITION "local_vy", 0},
       {0x0808, U32, 7, "sim/cockpit/switches/yaw_damper_on", 1},
       {0x0810, U32, 7, "sim/cockpit2/autopilot/autothrottle_enabled", 1},
-  };
-  for (const WriteCase& test : cases) rows::CheckWrite(test);
+  });
 
   // Hour and minute leave each other and the seconds alone.
   Set("sim/time/zulu_time_sec", 45296.5);
@@ -547,9 +505,8 @@ TEST_F(FlightRows, PushbackWordsShowTheMode) {
 // --- Add-on aircraft --------------------------------------------------------------------------------
 
 TEST_F(FlightRows, ExtendedBoeingUsesItsOwnPanel) {
-  Restart("b738-extended");
-  ASSERT_EQ(ActiveVariant(), Variant::B738);
-  const ReadCase reads[] = {
+  rows::Restart("b738-extended");
+  rows::CheckReads({
       {0x07C4, U32, C7, LAMINAR "autopilot/vorloc_status", 1, 1},
       {0x07DC, U32, C7, LAMINAR "autopilot/vnav_status1", 1, 1},
       {0x07DC, U32, C7, LAMINAR "autopilot/vnav_status1", 0.4, 0},
@@ -563,14 +520,12 @@ TEST_F(FlightRows, ExtendedBoeingUsesItsOwnPanel) {
       {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 1, 16383},
       {0x0BCC, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 1},
       {0x0BE8, U32, C3, LAMINAR "controls/gear_handle_down", 0.4, 0},
-  };
-  for (const ReadCase& test : reads) rows::CheckRead(test);
-  const WriteCase writes[] = {
+  });
+  rows::CheckWrites({
       {0x0BD0, U32, 5000, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 1e-6},
       {0x0BD0, U32, 16384, LAMINAR "flt_ctrls/speedbrake_lever", 1},
       {0x0BE8, U32, 8192, LAMINAR "controls/gear_handle_down", 1},
-  };
-  for (const WriteCase& test : writes) rows::CheckWrite(test);
+  });
   Calls();
   const struct {
     uint32_t value;
@@ -587,9 +542,8 @@ TEST_F(FlightRows, ExtendedBoeingUsesItsOwnPanel) {
 }
 
 TEST_F(FlightRows, X737UsesItsOwnPanel) {
-  Restart("x737");
-  ASSERT_EQ(ActiveVariant(), Variant::X737);
-  const ReadCase reads[] = {
+  rows::Restart("x737");
+  rows::CheckReads({
       {0x07BC, U32, C13, PANEL "afds/CMD_B", 1, 1},
       {0x07EC, U32, C7, PANEL "afds/VS_arm", 1, 1},
       {0x07CC, U16, C7, PANEL "afds/HDG_magnhdg", 90, 16384},
@@ -598,9 +552,8 @@ TEST_F(FlightRows, X737UsesItsOwnPanel) {
       {0x0BD0, U32, C13, PANEL "speedbrake/spdbrkLeverPos", 0.5, 8191},
       {0x0BC0, S16, C3, CONTROLS "elv_trim", -1, -6230},
       {0x0BC2, S16, C3, CONTROLS "elv_trim", 1, 16270},
-  };
-  for (const ReadCase& test : reads) rows::CheckRead(test);
-  const WriteCase writes[] = {
+  });
+  rows::CheckWrites({
       {0x07C8, U32, 3, PANEL "afds/HDG", 1},
       {0x07BC, U32, 1, PANEL "afds/CMD_A", 1},
       {0x07E2, U16, 180, PANEL "athr/MCPSPD_spd", 180},
@@ -608,8 +561,7 @@ TEST_F(FlightRows, X737UsesItsOwnPanel) {
       {0x07F2, S16, -900, PANEL "afds/VS_vvi", -900},
       {0x0BD0, U32, 4800, PANEL "speedbrake/spdbrkLeverPos", 0.125},
       {0x0BC0, S16, 5020, CONTROLS "elv_trim", 0},
-  };
-  for (const WriteCase& test : writes) rows::CheckWrite(test);
+  });
 }
 
 }  // namespace

@@ -147,7 +147,7 @@ class Stations : public RadioRows {
   // Tunes NAV1 (n 0) or NAV2 and runs the cycle that shows it.
   void Tune(int n, int type, const char* ident, int frequency) {
     const std::string radio = n == 0 ? "nav1" : "nav2";
-    rows::Set("sim/cockpit/radios/nav_type", type, static_cast<size_t>(n));
+    Set("sim/cockpit/radios/nav_type[" + std::to_string(n) + "]", type);
     sim::SimCommand("set sim/cockpit2/radios/indicators/" + radio + "_nav_id \"" + ident + "\"");
     Set("sim/cockpit/radios/" + radio + "_freq_hz", frequency);
     Refresh();
