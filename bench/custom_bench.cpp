@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string>
 
+#include "base/bytes.h"
 #include "bridge/cycles.h"
 #include "bridge/registry.h"
 #include "core/sim.h"
@@ -43,6 +44,7 @@ struct World {
     options.circuit = false;
     sim::SimStart(options);
     CreateLocks();
+    ConnectCustomOffsets();
     InitMemoryBlocks();
     LookUpDataRefs();
     LookUpCommands();
@@ -78,7 +80,7 @@ void CustomWriteDispatch(benchmark::State& state) {
     const double value = ++i;
     const uint32_t offset = firstOffset + i * 37 % entryCount * 8;
     uint8_t bytes[8];
-    std::memcpy(bytes, &value, sizeof value);
+    StoreTo(bytes, value);
     const LockScope lock(&offsetLock);
     benchmark::DoNotOptimize(DispatchWrite(offset, sizeof bytes, bytes, &marks));
     std::memcpy(offsetMemory.bytes + offset, bytes, sizeof bytes);

@@ -20,10 +20,15 @@
 
 #include "XPLMDataAccess.h"
 #include "bridge/cycles.h"
+#include "bridge/registry.h"
 #include "core/sim.h"
+#include "custom/custom.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
+#include "pushback/pushback.h"
+#include "shell/frame_callbacks.h"
+#include "shell/override_watch.h"
 
 namespace {
 
@@ -136,6 +141,8 @@ void StartAll() {
   options.root = "/tmp/tavrix-bench/";
   options.rate = 0;
   sim::SimStart(options);
+  ConnectCustomOffsets();
+  ConnectPushback();
   InitMemoryBlocks();
   LookUpDataRefs();
   LookUpCommands();

@@ -14,12 +14,12 @@ void Require(bool condition) {
   if (!condition) std::abort();
 }
 
-const std::vector<CustomDatarefEntry> datarefs = {{"a", "", nullptr, 1000, datarefInt},
-                                                  {"b", "", nullptr, -3, datarefInt},
-                                                  {"nan", "", nullptr, 0, datarefNone}};
+const std::vector<CustomDatarefEntry> datarefs = {{"a", "", nullptr, 1000, Accessor::Int},
+                                                  {"b", "", nullptr, -3, Accessor::Int},
+                                                  {"nan", "", nullptr, 0, Accessor::None}};
 
 double ReadIndex(const CustomDatarefEntry& dataref) {
-  return dataref.kind == datarefNone ? std::numeric_limits<double>::quiet_NaN() : dataref.index;
+  return dataref.kind == Accessor::None ? std::numeric_limits<double>::quiet_NaN() : dataref.index;
 }
 
 }  // namespace

@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::unique_ptr<uint8_t[]> buffer(new uint8_t[size]);
   std::copy(data, data + size, buffer.get());
   ReceivedFrame first{};
-  const int whole = ParseFrame(buffer.get(), size, 0, &first);
+  const bool whole = ParseFrame(buffer.get(), size, 0, &first);
   if (whole) Require(first.payload + first.length + 4 <= buffer.get() + size);
   const uint32_t before = requestCounters.requests;
   ServeFrames(buffer.get(), size, &scratch);

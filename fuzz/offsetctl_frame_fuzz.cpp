@@ -33,7 +33,7 @@ uint32_t CountChanged(const ctl::Picture& before, const ctl::Picture& after) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static ctl::Picture picture, before;
-  std::memset(&picture, 0, sizeof picture);
+  picture = {};
   uint8_t wanted[] = {1, 2, 3, 4};
   ctl::Echo echo = ctl::ExpectEcho({{0x0FFFE, 4, wanted}, {0x1FFFC, 4, wanted}}, picture);
   while (size > 2) {

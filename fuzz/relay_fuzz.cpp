@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   uint8_t frame[relayFrameSize];
   uint8_t again[relayRecordSize];
   BuildRelayFrame(record, frame);
-  Require(ParseRelayFrame(frame, sizeof frame, again) == 1 && std::memcmp(record, again, sizeof record) == 0);
+  Require(ParseRelayFrame(frame, sizeof frame, again) && std::memcmp(record, again, sizeof record) == 0);
   std::memcpy(relayRecordStore.bytes, record, relayRecordSize);
   relayRecordStore.waiting = 1;
   ApplyRelayRecord();

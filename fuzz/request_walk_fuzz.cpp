@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "base/bytes.h"
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "offsets/request_walk.h"
@@ -30,11 +31,7 @@ struct Outcome {
 
 // The list as its definition reads; the model's memory takes the writes.
 Outcome Expected(const std::vector<uint8_t>& list) {
-  const auto word = [&](size_t at) {
-    uint32_t value = 0;
-    std::memcpy(&value, &list[at], sizeof value);
-    return value;
-  };
+  const auto word = [&](size_t place) { return LoadFrom<uint32_t>(&list[place]); };
   size_t at = 0;
   while (at + 4 <= list.size()) {
     const uint32_t kind = word(at);

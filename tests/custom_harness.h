@@ -38,6 +38,7 @@ inline void Start() {
   std::filesystem::remove_all(testing::TempDir() + "tavrix_custom");
   std::filesystem::create_directories(Folder());
   rows::Start("jet", {}, testing::TempDir() + "tavrix_custom");
+  ConnectCustomOffsets();
   OpenLogs(Folder().c_str(), nullptr);
 }
 

@@ -22,6 +22,7 @@
 #include "offsets/memory.h"
 #include "pushback/pushback.h"
 #include "settings/settings.h"
+#include "shell/frame_callbacks.h"
 
 namespace rows {
 
@@ -54,6 +55,7 @@ inline void Start(const char* aircraft = "jet", std::initializer_list<const char
   ForgetCustomRequests();
   SetSettingsPath("");  // changes that could not be saved
   marks = {};
+  ConnectPushback();
   InitMemoryBlocks();
   LookUp();
   RecogniseAircraft();

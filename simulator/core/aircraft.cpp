@@ -39,12 +39,12 @@ void SetActivePlanes(int count) {
   SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_AIRPLANE_COUNT_CHANGED, 0);
 }
 
-int ChangeAircraft(const std::string& name) {
-  if (!WorldKnowsAircraft(name)) return 0;
+bool ChangeAircraft(const std::string& name) {
+  if (!WorldKnowsAircraft(name)) return false;
   WorldSelectAircraft(name);
   FollowAircraftPlugin();
   SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_PLANE_LOADED, XPLM_USER_AIRCRAFT);
-  return 1;
+  return true;
 }
 
 }  // namespace sim

@@ -50,11 +50,9 @@ bool RunHandlers(Command* command, int phase, bool before) {
     bool there = std::any_of(command->handlers.begin(), command->handlers.end(), [&](const Handler& other) {
       return other.fn == handler.fn && other.refcon == handler.refcon && other.before == before;
     });
-    int saved = 0;
-    if (!there || !EnterPlugin(handler.owner, &saved)) continue;
-    int passOn = handler.fn(command, phase, handler.refcon);
-    LeavePlugin(saved);
-    if (!passOn) return false;
+    if (!there || !MayCall(handler.owner)) continue;
+    InPlugin inside(handler.owner);
+    if (!handler.fn(command, phase, handler.refcon)) return false;
   }
   return true;
 }
@@ -216,19 +214,19 @@ void XPLMUnregisterCommandHandler(XPLMCommandRef handle, XPLMCommandCallback_f f
 void XPLMCommandKeyStroke(XPLMCommandKeyID key) {
   sim::Check("XPLMCommandKeyStroke");
   sim::LogCall("key " + sim::FormatInt(key));
-  if (key >= 0 && key < xplm_key_max) sim::WorldKey(key);
+  sim::WorldKey(key);
 }
 
 void XPLMCommandButtonPress(XPLMCommandButtonID button) {
   sim::Check("XPLMCommandButtonPress");
   sim::LogCall("press " + sim::FormatInt(button));
-  if (button >= 0 && button < xplm_joy_max) sim::WorldButton(button, true);
+  sim::WorldButton(button, true);
 }
 
 void XPLMCommandButtonRelease(XPLMCommandButtonID button) {
   sim::Check("XPLMCommandButtonRelease");
   sim::LogCall("release " + sim::FormatInt(button));
-  if (button >= 0 && button < xplm_joy_max) sim::WorldButton(button, false);
+  sim::WorldButton(button, false);
 }
 
 int XPLMLoadDataFile(XPLMDataFileType type, const char* path) {

@@ -123,15 +123,25 @@ std::string Aircraft(const Line& line) {
   return ChangeAircraft(line.words[1]) ? "ok" : Error("unknown aircraft: " + line.words[1]);
 }
 
-const struct {
-  const char* word;
-  int type;
-} kNavTypes[] = {
-    {"airport", xplm_Nav_Airport}, {"ndb", xplm_Nav_NDB},         {"vor", xplm_Nav_VOR},
-    {"ils", xplm_Nav_ILS},         {"loc", xplm_Nav_Localizer},   {"gs", xplm_Nav_GlideSlope},
-    {"om", xplm_Nav_OuterMarker},  {"mm", xplm_Nav_MiddleMarker}, {"im", xplm_Nav_InnerMarker},
-    {"fix", xplm_Nav_Fix},         {"dme", xplm_Nav_DME},
+struct NavTypeRow {
+  const char* word = "";
+  XPLMNavType type = xplm_Nav_Unknown;
 };
+constexpr NavTypeRow navTypeRows[] = {
+    {.word = "airport", .type = xplm_Nav_Airport}, {.word = "ndb", .type = xplm_Nav_NDB},
+    {.word = "vor", .type = xplm_Nav_VOR},         {.word = "ils", .type = xplm_Nav_ILS},
+    {.word = "loc", .type = xplm_Nav_Localizer},   {.word = "gs", .type = xplm_Nav_GlideSlope},
+    {.word = "om", .type = xplm_Nav_OuterMarker},  {.word = "mm", .type = xplm_Nav_MiddleMarker},
+    {.word = "im", .type = xplm_Nav_InnerMarker},  {.word = "fix", .type = xplm_Nav_Fix},
+    {.word = "dme", .type = xplm_Nav_DME},
+};
+// Every type that an aid of the database can have: those with one bit set.
+constexpr bool NavTypesAreComplete() {
+  XPLMNavType all = 0;
+  for (const NavTypeRow& row : navTypeRows) all |= row.type;
+  return all == xplm_Nav_LatLon - 1;
+}
+static_assert(NavTypesAreComplete());
 
 std::string Navaid(const Line& line) {
   if (line.words.size() == 2 && line.words[1] == "clear") {
@@ -141,7 +151,7 @@ std::string Navaid(const Line& line) {
   if (line.words.size() != 9)
     return Error("navaid TYPE ID FREQ LAT LON HEIGHT HEADING \"NAME\", or navaid clear");
   NavAid aid;
-  for (auto& row : kNavTypes) {
+  for (const NavTypeRow& row : navTypeRows) {
     if (line.words[1] == row.word) aid.type = row.type;
   }
   if (aid.type == 0) return Error("unknown type: " + line.words[1]);
@@ -162,15 +172,17 @@ std::string Navaid(const Line& line) {
   return "ok";
 }
 
-std::string Convert(const Line& line) {
+std::string Convert(const Line& line, decltype(&LocalToWorld) convert) {
   double in[3] = {}, out[3] = {};
   for (size_t i = 0; i < 3; ++i) {
     if (!ParseDouble(line.words[1 + i], &in[i])) return Error("not a number: " + line.words[1 + i]);
   }
-  auto convert = line.words[0] == "world" ? LocalToWorld : WorldToLocal;
   convert(in[0], in[1], in[2], &out[0], &out[1], &out[2]);
   return Ok(FormatDouble(out[0]) + ' ' + FormatDouble(out[1]) + ' ' + FormatDouble(out[2]));
 }
+
+std::string World(const Line& line) { return Convert(line, LocalToWorld); }
+std::string Local(const Line& line) { return Convert(line, WorldToLocal); }
 
 std::string EnableAll(const Line&) { return EnablePlugins() ? "ok" : Error("refused to be enabled"); }
 
@@ -195,51 +207,127 @@ std::string Quit(const Line&) {
   return "ok";
 }
 
-constexpr size_t kAny = 1000000;  // any number of words
-const struct {
-  const char* name;
-  const char* usage;   // what follows the name
-  size_t least, most;  // words, the name included
-  std::string (*run)(const Line&);
-  const char* about;
-} kCommands[] = {
-    {"get", "NAME", 2, 2, Get, "value of a dataref, of one element as NAME[I]"},
-    {"set", "NAME VALUE...", 3, kAny, Set, "sets it as the simulator would; text in double quotes"},
-    {"define", "NAME TYPE [VALUE]", 3, kAny, Define,
-     "publishes one: int, float, double, int[N], float[N], byte[N]"},
-    {"undefine", "NAME", 2, 2, Undefine, "withdraws a dataref"},
-    {"command", "NAME", 2, 2, MakeCommand, "creates a command"},
-    {"frames", "N", 2, 2, Frames, "runs N frames, then answers"},
-    {"calls", "", 1, 1, Calls, "commands, keys and the like that plug-ins fired since the last calls"},
-    {"writes", "", 1, 1, Writes, "datarefs that plug-ins set since the last writes"},
-    {"planes", "N", 2, 2, Planes, "number of active aircraft"},
-    {"message", "ID PARAM [from SIGNATURE]", 3, 5, Message, "sends a message to the plug-ins"},
-    {"plugin", "SIGNATURE on|off", 3, 3, Pretend, "pretends that such a plug-in is loaded"},
-    {"aircraft", "NAME", 2, 2, Aircraft, "changes the user's aircraft"},
-    {"navaid", "TYPE ID FREQ LAT LON HEIGHT HEADING \"NAME\"", 2, 9, Navaid,
-     "adds one; navaid clear removes all"},
-    {"world", "X Y Z", 4, 4, Convert, "LAT LON ALT of a local point"},
-    {"local", "LAT LON ALT", 4, 4, Convert, "X Y Z of a place"},
-    {"enable", "", 1, 1, EnableAll, "enables the plug-ins"},
-    {"disable", "", 1, 1, DisableAll, "disables them"},
-    {"reload", "", 1, 1, Reload, "stops, unloads, loads and starts them"},
-    {"menu", "[\"ITEM\"]", 1, kAny, MenuItem, "all menu items, or chooses one"},
-    {"loops", "", 1, 1, Loops, "registered flight loops"},
-    {"perf", "", 1, 1, Perf, "what plug-ins cost since the last perf: time in flight loops, simulator calls"},
-    {"stall", "SECONDS", 2, 2, Stall, "the next frame takes so long"},
-    {"quit", "", 1, 1, Quit, "stops the plug-ins and ends"},
+constexpr size_t any = 1000000;  // number of words
+struct CommandRow {
+  const char* name = "";
+  const char* usage = "";      // what follows the name
+  size_t least = 0, most = 0;  // words that follow
+  std::string (*run)(const Line&) = nullptr;
+  const char* about = "";
+};
+constexpr CommandRow commandRows[] = {
+    {.name = "get",
+     .usage = "NAME",
+     .least = 1,
+     .most = 1,
+     .run = Get,
+     .about = "value of a dataref, of one element as NAME[I]"},
+    {.name = "set",
+     .usage = "NAME VALUE...",
+     .least = 2,
+     .most = any,
+     .run = Set,
+     .about = "sets it as the simulator would; text in double quotes"},
+    {.name = "define",
+     .usage = "NAME TYPE [VALUE]",
+     .least = 2,
+     .most = any,
+     .run = Define,
+     .about = "publishes one: int, float, double, int[N], float[N], byte[N]"},
+    {.name = "undefine",
+     .usage = "NAME",
+     .least = 1,
+     .most = 1,
+     .run = Undefine,
+     .about = "withdraws a dataref"},
+    {.name = "command",
+     .usage = "NAME",
+     .least = 1,
+     .most = 1,
+     .run = MakeCommand,
+     .about = "creates a command"},
+    {.name = "frames",
+     .usage = "N",
+     .least = 1,
+     .most = 1,
+     .run = Frames,
+     .about = "runs N frames, then answers"},
+    {.name = "calls",
+     .run = Calls,
+     .about = "commands, keys and the like that plug-ins fired since the last calls"},
+    {.name = "writes", .run = Writes, .about = "datarefs that plug-ins set since the last writes"},
+    {.name = "planes",
+     .usage = "N",
+     .least = 1,
+     .most = 1,
+     .run = Planes,
+     .about = "number of active aircraft"},
+    {.name = "message",
+     .usage = "ID PARAM [from SIGNATURE]",
+     .least = 2,
+     .most = 4,
+     .run = Message,
+     .about = "sends a message to the plug-ins"},
+    {.name = "plugin",
+     .usage = "SIGNATURE on|off",
+     .least = 2,
+     .most = 2,
+     .run = Pretend,
+     .about = "pretends that such a plug-in is loaded"},
+    {.name = "aircraft",
+     .usage = "NAME",
+     .least = 1,
+     .most = 1,
+     .run = Aircraft,
+     .about = "changes the user's aircraft"},
+    {.name = "navaid",
+     .usage = "TYPE ID FREQ LAT LON HEIGHT HEADING \"NAME\"",
+     .least = 1,
+     .most = 8,
+     .run = Navaid,
+     .about = "adds one; navaid clear removes all"},
+    {.name = "world",
+     .usage = "X Y Z",
+     .least = 3,
+     .most = 3,
+     .run = World,
+     .about = "LAT LON ALT of a local point"},
+    {.name = "local", .usage = "LAT LON ALT", .least = 3, .most = 3, .run = Local, .about = "X Y Z of a place"},
+    {.name = "enable", .run = EnableAll, .about = "enables the plug-ins"},
+    {.name = "disable", .run = DisableAll, .about = "disables them"},
+    {.name = "reload", .run = Reload, .about = "stops, unloads, loads and starts them"},
+    {.name = "menu",
+     .usage = "[\"ITEM\"]",
+     .most = any,
+     .run = MenuItem,
+     .about = "all menu items, or chooses one"},
+    {.name = "loops", .run = Loops, .about = "registered flight loops"},
+    {.name = "perf",
+     .run = Perf,
+     .about = "what plug-ins cost since the last perf: time in flight loops, simulator calls"},
+    {.name = "stall",
+     .usage = "SECONDS",
+     .least = 1,
+     .most = 1,
+     .run = Stall,
+     .about = "the next frame takes so long"},
+    {.name = "quit", .run = Quit, .about = "stops the plug-ins and ends"},
 };
 
-const struct {
-  const char* name;
-  const char* usage;
-  const char* about;
-} kWidgetCommands[] = {
-    {"widgets", "", "plug-ins' windows and what is in them"},
-    {"press", "[\"WINDOW\"] \"LABEL\"", "presses a button or box"},
-    {"type", "[\"WINDOW\"] \"LABEL\" \"TEXT\"", "replaces the text of the field beside a label"},
-    {"close", "\"WINDOW\"", "uses the close box"},
-    {"picture", "FILE", "draws the windows into a PNG or SVG file"},
+// Words that the widget library answers.
+struct WidgetCommandRow {
+  const char* name = "";
+  const char* usage = "";
+  const char* about = "";
+};
+constexpr WidgetCommandRow widgetCommandRows[] = {
+    {.name = "widgets", .about = "plug-ins' windows and what is in them"},
+    {.name = "press", .usage = "[\"WINDOW\"] \"LABEL\"", .about = "presses a button or box"},
+    {.name = "type",
+     .usage = "[\"WINDOW\"] \"LABEL\" \"TEXT\"",
+     .about = "replaces the text of the field beside a label"},
+    {.name = "close", .usage = "\"WINDOW\"", .about = "uses the close box"},
+    {.name = "picture", .usage = "FILE", .about = "draws the windows into a PNG or SVG file"},
 };
 
 // Answers must stay one line, whatever a name or a reason holds.
@@ -255,7 +343,7 @@ std::string Run(const std::string& text) {
   if (begin == std::string::npos || text[begin] == '#') return "ok";
   size_t end = std::min(text.find_first_of(" \t", begin), text.size());
   std::string name = text.substr(begin, end - begin);
-  for (auto& widget : kWidgetCommands) {
+  for (const WidgetCommandRow& widget : widgetCommandRows) {
     if (name != widget.name) continue;
     if (!widgetHooks) return Error("there is no widget library");
     size_t rest = std::min(text.find_first_not_of(" \t", end), text.size());
@@ -263,11 +351,11 @@ std::string Run(const std::string& text) {
     widgetHooks->console(widget.name, text.substr(rest).c_str(), &answer);
     return answer;
   }
-  for (auto& command : kCommands) {
+  for (const CommandRow& command : commandRows) {
     if (name != command.name) continue;
     Line line;
     if (!SplitWords(text.c_str(), &line.words, &line.quoted)) return Error("a quote is not closed");
-    if (line.words.size() < command.least || line.words.size() > command.most) {
+    if (line.words.size() - 1 < command.least || line.words.size() - 1 > command.most) {
       return Error(*command.usage ? name + ' ' + command.usage : name + " takes no arguments");
     }
     return command.run(line);
@@ -298,8 +386,10 @@ std::string ConsoleHelp() {
     line.resize(aboutColumn, ' ');
     help += line + about + '\n';
   };
-  for (auto& command : kCommands) add(std::string("  ") + command.name, command.usage, command.about);
-  for (auto& widget : kWidgetCommands) add(std::string("  ") + widget.name, widget.usage, widget.about);
+  for (const CommandRow& command : commandRows)
+    add(std::string("  ") + command.name, command.usage, command.about);
+  for (const WidgetCommandRow& widget : widgetCommandRows)
+    add(std::string("  ") + widget.name, widget.usage, widget.about);
   return help;
 }
 

@@ -48,6 +48,8 @@ extern int currentPlugin;  // whose code is running, 0 none
 Plugin* FindPlugin(int id);
 Plugin* FindPluginBySignature(const std::string& signature);
 bool PluginEnabled(int id);
+// Whether a plug-in may be called back: not when it is disabled or gone.
+bool MayCall(int id);
 // A callback of plug-in `id` runs while this lives.
 struct InPlugin {
   explicit InPlugin(int id) : saved(currentPlugin) { currentPlugin = id; }
@@ -56,16 +58,16 @@ struct InPlugin {
   InPlugin& operator=(const InPlugin&) = delete;
   int saved;
 };
-// Load and start all, then enable all. 0 with a line on standard error when one fails.
-int StartPlugins(const Options& options);
-// Disables, stops and unloads all; checks for what they left. 0 when a module stays in memory.
-int StopPlugins();
-int EnablePlugins();  // 0 when one refuses
+// Load and start all, then enable all. False with a line on standard error when one fails.
+bool StartPlugins(const Options& options);
+// Disables, stops and unloads all; checks for what they left. False when a module stays in memory.
+bool StopPlugins();
+bool EnablePlugins();  // false when one refuses
 void DisablePlugins();
-int EnablePlugin(int id);
+bool EnablePlugin(int id);
 void DisablePlugin(int id);
 void ForgetPlugins();  // after StopPlugins
-int ReloadPlugins(std::string* why);
+bool ReloadPlugins(std::string* why);
 extern bool reloadWanted;  // a plug-in asked for it; done before the next frame
 void PretendPlugin(const std::string& signature, bool on);
 void FollowAircraftPlugin();  // pretends the add-on plug-in that the aircraft brings
@@ -78,7 +80,7 @@ int DropLoops(int owner, std::string* which);
 int DropCommandHandlers(int owner, std::string* which);
 int DropHeldCommands(int owner, std::string* which);
 int DropAccessors(int owner, std::string* which);
-int DropProbes(int owner);
+int DropProbes(int owner, std::string* which);
 void DropMenus(int owner);
 void DropPlanes(int owner);
 
@@ -127,8 +129,8 @@ void ClearNavAids();
 void SetActivePlanes(int count);  // tells world and plug-ins
 int ActivePlanes();
 void ResetPlanes(int count);
-// Selects the aircraft and tells the plug-ins. 0 when there is none of that name.
-int ChangeAircraft(const std::string& name);
+// Selects the aircraft and tells the plug-ins. False when there is none of that name.
+bool ChangeAircraft(const std::string& name);
 
 // --- Frames ------------------------------------------------------------------------------------------
 extern Options running;  // of this run

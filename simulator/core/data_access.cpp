@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/datarefs.h"
+#include "core/table.h"
 
 namespace {
 
@@ -77,6 +78,15 @@ void SetArray(DataRef* ref, std::vector<T>* storage, T* values, int offset, int 
   sim::AfterSet(ref, offset, taken);
 }
 
+// What a plug-in's scalar accessor answers, else 0.
+template <class T>
+T ProvidedScalar(const DataRef* ref, T (*Provider::*provided)(void*)) {
+  Provider* other = Answering(ref);
+  if (!other || !(other->*provided)) return 0;
+  sim::InPlugin inside(other->owner);
+  return (other->*provided)(other->readRef);
+}
+
 // A vector accessor of a plug-in, or 0 elements.
 template <class T, class Out>
 int ProvidedArray(const DataRef* ref, int (*Provider::*provided)(void*, Out*, int, int), T* out, int offset,
@@ -86,6 +96,20 @@ int ProvidedArray(const DataRef* ref, int (*Provider::*provided)(void*, Out*, in
   sim::InPlugin inside(other->owner);
   return (other->*provided)(other->readRef, out, offset, max);
 }
+
+struct TypeRow {
+  Kind kind = Kind::Int;
+  XPLMDataTypeID types = xplmType_Unknown;
+};
+constexpr TypeRow typeRows[] = {
+    {.kind = Kind::Int, .types = xplmType_Int},
+    {.kind = Kind::Float, .types = xplmType_Float},
+    {.kind = Kind::Double, .types = xplmType_Float | xplmType_Double},
+    {.kind = Kind::IntArray, .types = xplmType_IntArray},
+    {.kind = Kind::FloatArray, .types = xplmType_FloatArray},
+    {.kind = Kind::Bytes, .types = xplmType_Data},
+};
+static_assert(sim::IsTableOf<&TypeRow::kind>(typeRows, Kind::Bytes));
 
 }  // namespace
 
@@ -118,21 +142,7 @@ XPLMDataTypeID XPLMGetDataRefTypes(XPLMDataRef handle) {
   DataRef* ref = Ref(handle);
   if (!ref || !ref->live) return xplmType_Unknown;
   if (ref->provider) return ref->provider->types;
-  switch (ref->kind) {
-    case Kind::Int:
-      return xplmType_Int;
-    case Kind::Float:
-      return xplmType_Float;
-    case Kind::Double:
-      return xplmType_Float | xplmType_Double;
-    case Kind::IntArray:
-      return xplmType_IntArray;
-    case Kind::FloatArray:
-      return xplmType_FloatArray;
-    case Kind::Bytes:
-      return xplmType_Data;
-  }
-  return xplmType_Unknown;
+  return typeRows[static_cast<size_t>(ref->kind)].types;
 }
 
 int XPLMGetDatai(XPLMDataRef handle) {
@@ -140,10 +150,7 @@ int XPLMGetDatai(XPLMDataRef handle) {
   DataRef* ref = Ref(handle);
   if (!ref || !ref->live) return 0;
   if (ref->kind == Kind::Int) return ref->ints[0];
-  Provider* other = Answering(ref);
-  if (!other || !other->getInt) return 0;
-  sim::InPlugin inside(other->owner);
-  return other->getInt(other->readRef);
+  return ProvidedScalar(ref, &Provider::getInt);
 }
 
 float XPLMGetDataf(XPLMDataRef handle) {
@@ -152,10 +159,7 @@ float XPLMGetDataf(XPLMDataRef handle) {
   if (!ref || !ref->live) return 0;
   if (ref->kind == Kind::Float) return ref->floats[0];
   if (ref->kind == Kind::Double) return static_cast<float>(ref->doubles[0]);
-  Provider* other = Answering(ref);
-  if (!other || !other->getFloat) return 0;
-  sim::InPlugin inside(other->owner);
-  return other->getFloat(other->readRef);
+  return ProvidedScalar(ref, &Provider::getFloat);
 }
 
 double XPLMGetDatad(XPLMDataRef handle) {
@@ -163,10 +167,7 @@ double XPLMGetDatad(XPLMDataRef handle) {
   DataRef* ref = Ref(handle);
   if (!ref || !ref->live) return 0;
   if (ref->kind == Kind::Double) return ref->doubles[0];
-  Provider* other = Answering(ref);
-  if (!other || !other->getDouble) return 0;
-  sim::InPlugin inside(other->owner);
-  return other->getDouble(other->readRef);
+  return ProvidedScalar(ref, &Provider::getDouble);
 }
 
 void XPLMSetDatai(XPLMDataRef handle, int value) {

@@ -70,18 +70,17 @@ void Snapshot(const Provider& from, Get get, std::vector<T>* into, DataRef* copy
 void TellShares(DataRef* ref) {
   for (size_t i = 0; i < shares.size(); ++i) {
     Share share = shares[i];
-    int saved = 0;
-    if (share.ref != ref || !share.changed || !EnterPlugin(share.owner, &saved)) continue;
+    if (share.ref != ref || !share.changed || !MayCall(share.owner)) continue;
+    InPlugin inside(share.owner);
     share.changed(share.refcon);
-    LeavePlugin(saved);
   }
 }
 
 void SnapshotProvider(DataRef* ref, DataRef* copy) {
   const Provider& from = *ref->provider;
   copy->count = 0;
-  int saved = 0;
-  if (!EnterPlugin(from.owner, &saved)) return;
+  if (!MayCall(from.owner)) return;
+  InPlugin inside(from.owner);
   if (from.getDouble) {
     copy->kind = Kind::Double;
     copy->doubles = {from.getDouble(from.readRef)};
@@ -101,13 +100,12 @@ void SnapshotProvider(DataRef* ref, DataRef* copy) {
   } else if (from.getBytes) {
     Snapshot(from, from.getBytes, &copy->bytes, copy, Kind::Bytes);
   }
-  LeavePlugin(saved);
 }
 
 void StoreProvider(DataRef* ref, const DataRef& copy) {
   const Provider& to = *ref->provider;
-  int saved = 0;
-  if (!EnterPlugin(to.owner, &saved)) return;
+  if (!MayCall(to.owner)) return;
+  InPlugin inside(to.owner);
   DataRef values = copy;
   int count = copy.count;
   if (copy.kind == Kind::Double && to.setDouble) to.setDouble(to.writeRef, copy.doubles[0]);
@@ -116,7 +114,6 @@ void StoreProvider(DataRef* ref, const DataRef& copy) {
   if (copy.kind == Kind::FloatArray && to.setFloats) to.setFloats(to.writeRef, values.floats.data(), 0, count);
   if (copy.kind == Kind::IntArray && to.setInts) to.setInts(to.writeRef, values.ints.data(), 0, count);
   if (copy.kind == Kind::Bytes && to.setBytes) to.setBytes(to.writeRef, values.bytes.data(), 0, count);
-  LeavePlugin(saved);
 }
 
 int DropAccessors(int owner, std::string* which) {

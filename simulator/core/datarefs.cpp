@@ -6,6 +6,8 @@
 #include <memory>
 #include <unordered_map>
 
+#include "core/table.h"
+
 namespace sim {
 namespace {
 
@@ -112,6 +114,22 @@ std::string SetElement(DataRef* ref, size_t i, const std::string& word, bool sto
   if (store && ref->kind != Kind::Double) ref->floats[i] = static_cast<float>(value);
   return "";
 }
+
+// Words of the console for the kinds; an array's length follows in brackets.
+struct ShapeRow {
+  Kind kind = Kind::Int;
+  const char* word = "";
+  bool array = false;
+};
+constexpr ShapeRow shapeRows[] = {
+    {.kind = Kind::Int, .word = "int"},
+    {.kind = Kind::Float, .word = "float"},
+    {.kind = Kind::Double, .word = "double"},
+    {.kind = Kind::IntArray, .word = "int", .array = true},
+    {.kind = Kind::FloatArray, .word = "float", .array = true},
+    {.kind = Kind::Bytes, .word = "byte", .array = true},
+};
+static_assert(IsTableOf<&ShapeRow::kind>(shapeRows, Kind::Bytes));
 
 }  // namespace
 
@@ -260,18 +278,12 @@ bool ParseShape(const std::string& text, Kind* kind, int* count) {
     if (number < 1 || number > 1000000) return false;
     *count = static_cast<int>(number);
   }
-  if (type == "int") {
-    *kind = array ? Kind::IntArray : Kind::Int;
-  } else if (type == "float") {
-    *kind = array ? Kind::FloatArray : Kind::Float;
-  } else if (type == "double" && !array) {
-    *kind = Kind::Double;
-  } else if (type == "byte" && array) {
-    *kind = Kind::Bytes;
-  } else {
-    return false;
+  for (const ShapeRow& row : shapeRows) {
+    if (type != row.word || array != row.array) continue;
+    *kind = row.kind;
+    return true;
   }
-  return true;
+  return false;
 }
 
 void StoreNumber(DataRef* ref, double value) {

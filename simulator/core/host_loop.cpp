@@ -2,8 +2,8 @@
 //
 // Standard input is read by a thread of its own, because a pipe cannot be waited for together with the
 // next frame on every system. It does nothing but hand over lines.
+#include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <condition_variable>
 #include <cstdio>
 #include <cstring>
@@ -92,70 +92,122 @@ constexpr char kUsage[] =
     "usage: standin --plugin FILE [--plugin FILE ...] --root DIR [--rate N] [--flight circuit|none]\n"
     "               [--aircraft NAME] [--planes N] [--define FILE] [--seconds N] [--tolerant]\n";
 
+// --- Options ---------------------------------------------------------------------------------------
+// Each takes its value; an empty text means success, else why not.
+
+std::string TakePlugin(const std::string& value, Options* options) {
+  options->plugins.push_back(value);
+  return "";
+}
+
+template <std::string Options::*Text>
+std::string TakeText(const std::string& value, Options* options) {
+  options->*Text = value;
+  return "";
+}
+
+std::string TakeRate(const std::string& value, Options* options) {
+  bool good = ParseDouble(value, &options->rate) && options->rate >= 0 && options->rate <= 1000;
+  return good ? "" : "--rate is 0 to 1000, not " + value;
+}
+
+std::string TakeSeconds(const std::string& value, Options* options) {
+  bool good = ParseDouble(value, &options->seconds) && options->seconds >= 0 && options->seconds <= 1e8;
+  return good ? "" : "--seconds is a number of seconds, not " + value;
+}
+
+std::string TakeFlight(const std::string& value, Options* options) {
+  options->circuit = value == "circuit";
+  return options->circuit || value == "none" ? "" : "--flight is circuit or none, not " + value;
+}
+
+std::string TakeAircraft(const std::string& value, Options* options) {
+  options->aircraft = value;
+  return WorldKnowsAircraft(value) ? "" : "unknown aircraft: " + value;
+}
+
+std::string TakePlanes(const std::string& value, Options* options) {
+  int64_t planes = 0;
+  if (!ParseInt(value, &planes) || planes < 1 || planes > 128) return "--planes is 1 to 128, not " + value;
+  options->planes = static_cast<int>(planes);
+  return "";
+}
+
+std::string TakeTolerant(const std::string&, Options* options) {
+  options->tolerant = true;
+  return "";
+}
+
+struct OptionRow {
+  const char* name = "";
+  const char* value = "";  // what follows the name; empty: nothing does
+  std::string (*take)(const std::string& value, Options* options) = nullptr;
+  const char* about = "";
+};
+constexpr OptionRow optionRows[] = {
+    {.name = "--plugin", .value = "FILE", .take = TakePlugin, .about = "plug-in to load, may be repeated"},
+    {.name = "--root",
+     .value = "DIR",
+     .take = TakeText<&Options::root>,
+     .about = "system folder that plug-ins see; made when it is missing"},
+    {.name = "--rate",
+     .value = "N",
+     .take = TakeRate,
+     .about = "frames a second, 60 by default; 0: frames run only with the line \"frames N\""},
+    {.name = "--flight",
+     .value = "WHAT",
+     .take = TakeFlight,
+     .about = "circuit (default): a flight model flies; none: every value stays as it is set"},
+    {.name = "--aircraft",
+     .value = "NAME",
+     .take = TakeAircraft,
+     .about = "the user's aircraft, jet by default"},
+    {.name = "--planes",
+     .value = "N",
+     .take = TakePlanes,
+     .about = "active aircraft, 1 to 128, the user's own included"},
+    {.name = "--define",
+     .value = "FILE",
+     .take = TakeText<&Options::define>,
+     .about = "lines \"define\" and \"command\" that are run before the plug-ins start"},
+    {.name = "--seconds",
+     .value = "N",
+     .take = TakeSeconds,
+     .about = "ends after N seconds; without it the end of standard input does"},
+    {.name = "--tolerant", .take = TakeTolerant, .about = "tells of broken rules of the interface and goes on"},
+};
+
 int Usage(const std::string& why) {
   std::fprintf(stderr, "standin: %s\n%s       standin --help explains them\n", why.c_str(), kUsage);
   return 2;
 }
 
 int Help() {
+  std::printf("A simulator that loads plug-ins and flies, driven by lines on standard input.\n\n%s\n", kUsage);
+  for (const OptionRow& row : optionRows) {
+    std::printf("  %-17s %s\n", (row.name + std::string(" ") + row.value).c_str(), row.about);
+  }
   std::printf(
-      "A simulator that loads plug-ins and flies, driven by lines on standard input.\n\n%s\n"
-      "  --plugin FILE     plug-in to load, may be repeated\n"
-      "  --root DIR        system folder that plug-ins see; made when it is missing\n"
-      "  --rate N          frames a second, 60 by default; 0: frames run only with the line \"frames N\"\n"
-      "  --flight WHAT     circuit (default): a flight model flies; none: every value stays as it is set\n"
-      "  --aircraft NAME   the user's aircraft, jet by default\n"
-      "  --planes N        active aircraft, 1 to 128, the user's own included\n"
-      "  --define FILE     lines \"define\" and \"command\" that are run before the plug-ins start\n"
-      "  --seconds N       ends after N seconds; without it the end of standard input does\n"
-      "  --tolerant        tells of broken rules of the interface and goes on\n"
       "\nExit status: 0 done; 1 a plug-in could not be loaded or started; 2 usage; 3 a rule was broken.\n"
       "\nConsole: a command a line, one answer line each: ok, ok ANSWER or error: WHY.\n\n%s",
-      kUsage, ConsoleHelp().c_str());
+      ConsoleHelp().c_str());
   return 0;
 }
 
 // Empty when the options make sense, else why not.
 std::string ParseOptions(int argc, char** argv, Options* options) {
   for (int i = 1; i < argc; ++i) {
-    std::string name = argv[i];
-    if (name == "--tolerant") {
-      options->tolerant = true;
-      continue;
+    const std::string name = argv[i];
+    const OptionRow* row = std::find_if(std::begin(optionRows), std::end(optionRows),
+                                        [&](const OptionRow& each) { return name == each.name; });
+    if (row == std::end(optionRows)) return "unknown option: " + name;
+    std::string value;
+    if (*row->value) {
+      if (i + 1 < argc) value = argv[++i];
+      if (value.empty()) return name + " needs a value";
     }
-    bool known = false;
-    for (const char* other :
-         {"--plugin", "--root", "--rate", "--flight", "--aircraft", "--planes", "--define", "--seconds"}) {
-      known |= name == other;
-    }
-    if (!known) return "unknown option: " + name;
-    if (i + 1 >= argc) return name + " needs a value";
-    std::string value = argv[++i];
-    if (value.empty()) return name + " needs a value";
-    double number = 0;
-    int64_t planes = 0;
-    if (name == "--plugin") {
-      options->plugins.push_back(value);
-    } else if (name == "--root") {
-      options->root = value;
-    } else if (name == "--define") {
-      options->define = value;
-    } else if (name == "--aircraft") {
-      options->aircraft = value;
-      if (!WorldKnowsAircraft(value)) return "unknown aircraft: " + value;
-    } else if (name == "--flight") {
-      options->circuit = value == "circuit";
-      if (!options->circuit && value != "none") return "--flight is circuit or none, not " + value;
-    } else if (name == "--planes") {
-      if (!ParseInt(value, &planes) || planes < 1 || planes > 128) return "--planes is 1 to 128, not " + value;
-      options->planes = static_cast<int>(planes);
-    } else {
-      bool rate = name == "--rate";
-      bool good =
-          ParseDouble(value, &number) && std::isfinite(number) && number >= 0 && number <= (rate ? 1000 : 1e8);
-      if (!good) return name + (rate ? " is 0 to 1000, not " : " is a number of seconds, not ") + value;
-      (rate ? options->rate : options->seconds) = number;
-    }
+    const std::string why = row->take(value, options);
+    if (!why.empty()) return why;
   }
   if (options->plugins.empty()) return "--plugin is missing";
   return options->root.empty() ? "--root is missing" : "";

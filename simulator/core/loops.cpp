@@ -160,17 +160,16 @@ void RunLoops(int phase, double sinceLastFrame) {
   dispatching = true;
   for (size_t i = 0; i < loops.size(); ++i) {  // the list may grow meanwhile
     Loop* loop = loops[i].get();
-    int saved = 0;
-    if (loop->phase != phase || !Due(*loop) || !EnterPlugin(loop->owner, &saved)) continue;
+    if (loop->phase != phase || !Due(*loop) || !MayCall(loop->owner)) continue;
     float since = static_cast<float>(elapsed - loop->lastTime);
     loop->mode = Loop::Off;
     loop->lastTime = elapsed;
     loop->lastCycle = cycle;
+    InPlugin inside(loop->owner);
     PerfClock::time_point began = PerfClock::now();
     float next = loop->fn(since, static_cast<float>(sinceLastFrame), cycle, loop->refcon);
     perf.frameTime += PerfClock::now() - began;
     ++perf.callbacks;
-    LeavePlugin(saved);
     // What the callback returns counts; only a loop of the newer kind may have scheduled itself instead.
     if (!loop->created || next != 0) Schedule(loop, next, true);
   }

@@ -90,10 +90,9 @@ std::string Choose(const Entry& entry) {
   const Item item = menu->items[entry.index];
   if (!item.enabled) return "error: the item is greyed out";
   if (item.submenu || !menu->handler) return "error: nothing happens on this item";
-  int saved = 0;
-  if (!EnterPlugin(menu->owner, &saved)) return "error: disabled";
+  if (!MayCall(menu->owner)) return "error: disabled";
+  InPlugin inside(menu->owner);
   menu->handler(menu->ref, item.ref);
-  LeavePlugin(saved);
   return "ok";
 }
 

@@ -87,7 +87,7 @@ void ClearNavAids() {
   WorldNavAidsChanged();
 }
 
-int DropProbes(int owner) {
+int DropProbes(int owner, std::string*) {
   return static_cast<int>(std::erase_if(probes, [&](auto& probe) { return probe->owner == owner; }));
 }
 

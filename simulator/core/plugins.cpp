@@ -84,45 +84,51 @@ void Leftover(int count, const char* what, const std::string& which) {
   Breach("XPluginStop", (which.empty() ? why : why + " (" + which + ')').c_str());
 }
 
+// What a plug-in has to remove by itself before its stop ends.
+struct BelongingRow {
+  const char* what = "";
+  int (*drop)(int owner, std::string* which) = nullptr;
+};
+constexpr BelongingRow belongingRows[] = {
+    {.what = "flight loops", .drop = DropLoops},
+    {.what = "begun commands", .drop = DropHeldCommands},
+    {.what = "command handlers", .drop = DropCommandHandlers},
+    {.what = "data accessors", .drop = DropAccessors},
+    {.what = "probes", .drop = DropProbes},
+};
+
 // Removes what is still there of the plug-in. What it should have removed itself is a breach, unless it
 // never got to its stop.
 void Clean(Plugin* plugin, bool report) {
-  std::string which[4];
-  int loops = DropLoops(plugin->id, &which[0]);
-  int held = DropHeldCommands(plugin->id, &which[1]);
-  int handlers = DropCommandHandlers(plugin->id, &which[2]);
-  int accessors = DropAccessors(plugin->id, &which[3]);
-  int probes = DropProbes(plugin->id);
+  constexpr size_t kinds = std::size(belongingRows);
+  int left[kinds];
+  std::string which[kinds];
+  for (size_t i = 0; i < kinds; ++i) left[i] = belongingRows[i].drop(plugin->id, &which[i]);
   DropMenus(plugin->id);
   DropPlanes(plugin->id);
-  if (!report) return;
-  Leftover(loops, "flight loops", which[0]);
-  Leftover(held, "begun commands", which[1]);
-  Leftover(handlers, "command handlers", which[2]);
-  Leftover(accessors, "data accessors", which[3]);
-  Leftover(probes, "probes", "");
+  for (size_t i = 0; report && i < kinds; ++i) Leftover(left[i], belongingRows[i].what, which[i]);
 }
 
 // Anything that the plug-in calls from now on comes after its stop.
-int Unload(Plugin* plugin) {
-  if (!plugin->module) return 1;
+bool Unload(Plugin* plugin) {
+  if (!plugin->module) return true;
   callerThread = 0;
   UnloadModule(plugin->module);
   callerThread = CurrentThread();
   plugin->module = nullptr;
   plugin->entry = {};
-  if (!ModuleInMemory(plugin->file)) return 1;
+  if (!ModuleInMemory(plugin->file)) return true;
   Breach("unload", (plugin->file + " stays in memory").c_str());
-  return 0;
+  return false;
 }
 
-int StartAll() {
+bool StartAll() {
   for (size_t i = 0; i < plugins.size(); ++i) {
     Plugin* plugin = plugins[i].get();
-    if (!plugin->pretended && (!Load(plugin) || !Start(plugin))) return 0;
+    if (!plugin->pretended && (!Load(plugin) || !Start(plugin))) return false;
   }
   EnablePlugins();
-  return 1;
+  return true;
 }
 
 Plugin* Add(const std::string& file) {
@@ -139,15 +145,8 @@ int CallingPlugin() {
   return plugins[0]->pretended ? 0 : plugins[0]->id;
 }
 
-int EnterPlugin(int id, int* saved) {
-  // While its own code is running a plug-in is called back whatever its state: it asked for it.
-  if (id != currentPlugin && !PluginEnabled(id)) return 0;
-  *saved = currentPlugin;
-  currentPlugin = id;
-  return 1;
-}
-
-void LeavePlugin(int saved) { currentPlugin = saved; }
+// While its own code is running a plug-in is called back whatever its state: it asked for it.
+bool MayCall(int id) { return id == currentPlugin || PluginEnabled(id); }
 
 Plugin* FindPlugin(int id) {
   for (auto& plugin : plugins) {
@@ -168,7 +167,7 @@ bool PluginEnabled(int id) {
   return id == 0 || (plugin && plugin->enabled);
 }
 
-int StartPlugins(const Options& options) {
+bool StartPlugins(const Options& options) {
   if (options.linked) {
     Plugin* plugin = Add(SystemFolder() + "linked.xpl");
     plugin->entry = *options.linked;
@@ -178,8 +177,8 @@ int StartPlugins(const Options& options) {
   return StartAll();
 }
 
-int EnablePlugins() {
-  int all = 1;
+bool EnablePlugins() {
+  bool all = true;
   for (size_t i = 0; i < plugins.size(); ++i) all &= Enable(plugins[i].get());
   return all;
 }
@@ -188,7 +187,7 @@ void DisablePlugins() {
   for (size_t i = 0; i < plugins.size(); ++i) Disable(plugins[i].get());
 }
 
-int EnablePlugin(int id) {
+bool EnablePlugin(int id) {
   Plugin* plugin = FindPlugin(id);
   return plugin && Enable(plugin);
 }
@@ -197,7 +196,7 @@ void DisablePlugin(int id) {
   if (Plugin* plugin = FindPlugin(id)) Disable(plugin);
 }
 
-int StopPlugins() {
+bool StopPlugins() {
   bool any = false;
   DisablePlugins();
   std::vector<bool> stopped;
@@ -215,7 +214,7 @@ int StopPlugins() {
     widgetHooks->purge();
   }
   errorCallback = nullptr;
-  int clean = 1;
+  bool clean = true;
   for (auto& plugin : plugins) {
     if (!plugin->pretended) clean &= Unload(plugin.get());
   }
@@ -229,14 +228,14 @@ void ForgetPlugins() {
   reloadWanted = false;
 }
 
-int ReloadPlugins(std::string* why) {
+bool ReloadPlugins(std::string* why) {
   reloadWanted = false;
   // A module that stays is started once more all the same, with what it remembers: so does the simulator.
-  const int gone = StopPlugins();
-  const int started = StartAll();
+  const bool gone = StopPlugins();
+  const bool started = StartAll();
   if (!started) *why = "a plug-in could not be loaded or refused to start";
   if (!gone) *why = "a module stays in memory";
-  return gone && started ? 1 : 0;
+  return gone && started;
 }
 
 void PretendPlugin(const std::string& signature, bool on) {

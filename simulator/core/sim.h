@@ -70,8 +70,8 @@ void WithdrawCommand(const char* name);
 // Publishes every dataref and command that the simulator itself has, with sensible start values on the
 // ground or in flight as the flight mode wants, and fills navigation database and aircraft table.
 void WorldStart(bool circuitFlight, int activePlanes);
-// 1 when such an aircraft exists (the names of --aircraft).
-int WorldKnowsAircraft(const std::string& name);
+// Whether such an aircraft exists (the names of --aircraft).
+bool WorldKnowsAircraft(const std::string& name);
 // Makes NAME the user's aircraft: engine type, title, file, the add-on's plug-in signature, datarefs and
 // commands (those of the previous aircraft are withdrawn). The core sends message 102 afterwards.
 void WorldSelectAircraft(const std::string& name);
@@ -80,13 +80,14 @@ const char* WorldAircraftPluginSignature();
 // One frame of flight: dt seconds of simulated time (0 while paused is not called). The core has already
 // advanced total_running_time_sec, and calls flight loops before this.
 void WorldStep(double dt);
-// Keys and buttons by number (pause, autopilot modes, gear up and down ...): the effect.
+// Keys and buttons by public number (pause, autopilot modes, gear up and down ...): the effect. Other numbers
+// have none.
 void WorldKey(int key);
 void WorldButton(int button, bool pressed);
 // Number of active aircraft has changed (1..128, the user's included).
 void WorldSetActivePlanes(int count);
-// Name (file name) and full path of aircraft n, n from 0; 0 when there is none.
-int WorldAircraftModel(int index, std::string* fileName, std::string* path);
+// Name (file name) and full path of aircraft n, n from 0; false when there is none.
+bool WorldAircraftModel(int index, std::string* fileName, std::string* path);
 // World <-> local conversion around the reference point.
 void WorldToLocal(double lat, double lon, double alt, double* x, double* y, double* z);
 void LocalToWorld(double x, double y, double z, double* lat, double* lon, double* alt);
@@ -128,11 +129,6 @@ SIM_API uint64_t NullHandles();
 // Identifier of the plug-in whose code is running. Outside of any callback (a test that calls on its own)
 // the first plug-in, 0 when there is none.
 SIM_API int CallingPlugin();
-// A callback into a plug-in's code stands between these two. EnterPlugin returns 0 when the plug-in is
-// disabled or gone: then the callback must not be made and LeavePlugin not be called. *saved keeps who was
-// running before.
-SIM_API int EnterPlugin(int id, int* saved);
-SIM_API void LeavePlugin(int saved);
 
 // ---------------------------------------------------------------------------------------------
 // The widget library is a separate file; it hooks itself into the core when it is loaded.
@@ -146,9 +142,9 @@ struct WidgetHooks {
   void (*purge)();
 };
 SIM_API void SetWidgetHooks(const WidgetHooks* hooks);
-// Splits a console line into words; "quoted words" keep blanks, with \" \\ \n \xHH escapes. Returns 0
+// Splits a console line into words; "quoted words" keep blanks, with \" \\ \n \xHH escapes. False
 // when a quote is not closed. `quoted[i]` tells whether word i stood in quotes.
-SIM_API int SplitWords(const char* line, std::vector<std::string>* words, std::vector<bool>* quoted);
+SIM_API bool SplitWords(const char* line, std::vector<std::string>* words, std::vector<bool>* quoted);
 // Text in console quoting: "..." with escapes, cut at the first NUL.
 SIM_API std::string Quote(const std::string& text);
 

@@ -18,21 +18,73 @@ int HexDigit(char c) {
   return -1;
 }
 
+// A byte that stands for another inside quotes, after a backslash. Any other byte may be written \xHH.
+struct Escape {
+  char written = 0;
+  char meant = 0;
+};
+constexpr Escape escapes[] = {
+    {.written = '"', .meant = '"'},
+    {.written = '\\', .meant = '\\'},
+    {.written = 'n', .meant = '\n'},
+};
+
+// UTF-8 sequences by their first byte: how many bytes, and between which the second one lies. All bytes behind
+// it are 0x80 to 0xBF.
+struct Lead {
+  unsigned first = 0, last = 0;
+  size_t length = 0;
+  unsigned low = 0x80, high = 0xBF;
+};
+constexpr Lead leads[] = {
+    {.first = 0xC2, .last = 0xDF, .length = 2}, {.first = 0xE0, .last = 0xE0, .length = 3, .low = 0xA0},
+    {.first = 0xE1, .last = 0xEC, .length = 3}, {.first = 0xED, .last = 0xED, .length = 3, .high = 0x9F},
+    {.first = 0xEE, .last = 0xEF, .length = 3}, {.first = 0xF0, .last = 0xF0, .length = 4, .low = 0x90},
+    {.first = 0xF1, .last = 0xF3, .length = 4}, {.first = 0xF4, .last = 0xF4, .length = 4, .high = 0x8F},
+};
+
 // Length of the valid UTF-8 sequence at `at`, 0 when the byte does not begin one.
 size_t SequenceLength(const std::string& text, size_t at) {
-  auto byte = [&](size_t i) -> unsigned { return static_cast<unsigned char>(text[i]); };
-  unsigned lead = byte(at);
-  size_t length = lead >= 0xC2 && lead < 0xE0   ? 2
-                  : lead >= 0xE0 && lead < 0xF0 ? 3
-                  : lead >= 0xF0 && lead < 0xF5 ? 4
-                                                : 0;
-  if (length == 0 || at + length > text.size()) return 0;
-  for (size_t i = 1; i < length; ++i) {
-    if ((byte(at + i) & 0xC0) != 0x80) return 0;
+  auto byte = [&](size_t i) -> unsigned { return static_cast<unsigned char>(text[at + i]); };
+  for (const Lead& lead : leads) {
+    if (byte(0) < lead.first || byte(0) > lead.last) continue;
+    if (at + lead.length > text.size() || byte(1) < lead.low || byte(1) > lead.high) return 0;
+    for (size_t i = 2; i < lead.length; ++i) {
+      if ((byte(i) & 0xC0) != 0x80) return 0;
+    }
+    return lead.length;
   }
-  if ((lead == 0xE0 && byte(at + 1) < 0xA0) || (lead == 0xED && byte(at + 1) >= 0xA0)) return 0;
-  if ((lead == 0xF0 && byte(at + 1) < 0x90) || (lead == 0xF4 && byte(at + 1) >= 0x90)) return 0;
-  return length;
+  return 0;
+}
+
+// The byte that the text behind a backslash stands for, and how many characters that takes; a lone backslash
+// stands for itself.
+char Unescape(const char* text, size_t* taken) {
+  *taken = 1;
+  for (const Escape& row : escapes) {
+    if (*text == row.written) return row.meant;
+  }
+  if (text[0] == 'x' && HexDigit(text[1]) >= 0 && HexDigit(text[2]) >= 0) {
+    *taken = 3;
+    return static_cast<char>(HexDigit(text[1]) * 16 + HexDigit(text[2]));
+  }
+  *taken = 0;
+  return '\\';
+}
+
+// The word inside the quote that *text stands behind; moves *text behind the closing quote. False when there is
+// none.
+bool TakeQuoted(const char** text, std::string* word) {
+  const char* p = *text;
+  while (*p != '"') {
+    if (!*p) return false;
+    const char c = *p++;
+    size_t taken = 0;
+    *word += c == '\\' ? Unescape(p, &taken) : c;
+    p += taken;
+  }
+  *text = p + 1;
+  return true;
 }
 
 template <class T>
@@ -55,7 +107,7 @@ std::string FormatReal(T value) {
 
 }  // namespace
 
-int SplitWords(const char* line, std::vector<std::string>* words, std::vector<bool>* quoted) {
+bool SplitWords(const char* line, std::vector<std::string>* words, std::vector<bool>* quoted) {
   words->clear();
   quoted->clear();
   for (const char* p = line; *p;) {
@@ -64,59 +116,39 @@ int SplitWords(const char* line, std::vector<std::string>* words, std::vector<bo
       continue;
     }
     std::string word;
-    bool inQuotes = *p == '"';
-    if (!inQuotes) {
-      while (*p && !Blank(*p)) word += *p++;
-    } else {
-      for (++p; *p != '"';) {
-        if (!*p) return 0;
-        if (*p != '\\') {
-          word += *p++;
-        } else if (p[1] == '"' || p[1] == '\\') {
-          word += p[1];
-          p += 2;
-        } else if (p[1] == 'n') {
-          word += '\n';
-          p += 2;
-        } else if (p[1] == 'x' && HexDigit(p[2]) >= 0 && HexDigit(p[3]) >= 0) {
-          word += static_cast<char>(HexDigit(p[2]) * 16 + HexDigit(p[3]));
-          p += 4;
-        } else {
-          word += *p++;  // a lone backslash stands for itself
-        }
-      }
+    const bool inQuotes = *p == '"';
+    if (inQuotes) {
       ++p;
+      if (!TakeQuoted(&p, &word)) return false;
+    } else {
+      while (*p && !Blank(*p)) word += *p++;
     }
     words->push_back(word);
     quoted->push_back(inQuotes);
   }
-  return 1;
+  return true;
 }
 
 std::string Quote(const std::string& text) {
   static const char kHex[] = "0123456789ABCDEF";
   std::string out = "\"";
   for (size_t i = 0; i < text.size() && text[i];) {
-    unsigned char c = static_cast<unsigned char>(text[i]);
-    size_t sequence = c >= 0x80 ? SequenceLength(text, i) : 0;
-    if (sequence > 0) {
+    if (const size_t sequence = SequenceLength(text, i)) {
       out.append(text, i, sequence);
       i += sequence;
       continue;
     }
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += text[i];
-    } else if (c == '\n') {
-      out += "\\n";
-    } else if (c < 0x20 || c >= 0x7F) {
-      out += "\\x";
-      out += kHex[c >> 4];
-      out += kHex[c & 15];
+    const char c = text[i++];
+    const unsigned char byte = static_cast<unsigned char>(c);
+    const auto escape =
+        std::find_if(std::begin(escapes), std::end(escapes), [c](const Escape& row) { return row.meant == c; });
+    if (escape != std::end(escapes)) {
+      out.append({'\\', escape->written});
+    } else if (byte < 0x20 || byte >= 0x7F) {
+      out.append({'\\', 'x', kHex[byte >> 4], kHex[byte & 15]});
     } else {
-      out += text[i];
+      out += c;
     }
-    ++i;
   }
   return out + '"';
 }

@@ -72,8 +72,6 @@ void DisconnectAutopilot() {
 
 void PressBackCourse() { backCourse = !backCourse; }
 
-void PressToga() { PressModes(apTogaLateral | apTogaVertical); }
-
 // Pressing works whether anything flies or not.
 void HookAutopilot() {
   backCourse = false;

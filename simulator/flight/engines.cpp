@@ -10,6 +10,7 @@ namespace sim {
 namespace {
 
 constexpr int mostEngines = 8;
+constexpr int feathered = 0, reversed = 3;  // values of ENGN_propmode
 constexpr double idleN1 = 22, idleN2 = 60;  // percent
 double power[mostEngines];                  // 0 idle .. 1 full, what the engine has reached
 double turning[mostEngines];                // 0 still .. 1 at least idle speed
@@ -70,6 +71,27 @@ void Burn(double kg) {
       kg -= taken;
     }
   }
+}
+
+// Power and thrust; returns the fuel flow, kg/s.
+double StepEngine(int i, double fullThrust, double dt) {
+  double lever = ReadThrottle(i);
+  if (I(refs.overrideThrottles) == 0) F(refs.throttleUse, i) = static_cast<float>(lever);
+  Start(i, dt);
+  double lag = IsJet() ? 1.8 : 0.5;
+  bool runs = I(refs.running, i) != 0;
+  power[i] += ((runs ? lever : 0) - power[i]) * std::min(1.0, dt / lag);
+  double thrust = runs ? fullThrust * ThrustShare(power[i]) * turning[i] : 0;
+  if (I(refs.propMode, i) == reversed) {
+    thrust *= -0.4;
+  } else if (I(refs.propMode, i) == feathered && !IsJet()) {
+    thrust = 0;
+  }
+  flight.thrust += thrust;
+  F(refs.thrust, i) = static_cast<float>(thrust);
+  double flow = runs ? aircraft->fuelFlow * (0.1 + 0.9 * power[i]) : 0;
+  F(refs.fuelFlow, i) = static_cast<float>(flow);
+  return flow;
 }
 
 void Show(int i, double dt) {
@@ -170,24 +192,9 @@ void StepEngines(double dt) {
       Clear(i);
       continue;
     }
-    double lever = ReadThrottle(i);
-    if (I(refs.overrideThrottles) == 0) F(refs.throttleUse, i) = static_cast<float>(lever);
-    Start(i, dt);
-    double lag = IsJet() ? 1.8 : 0.5;
-    bool runs = I(refs.running, i) != 0;
-    power[i] += ((runs ? lever : 0) - power[i]) * std::min(1.0, dt / lag);
-    double thrust = runs ? full * ThrustShare(power[i]) * turning[i] : 0;
-    if (I(refs.propMode, i) == 3) {
-      thrust *= -0.4;
-      reversers |= 1 << i;
-    } else if (I(refs.propMode, i) == 0 && !IsJet()) {
-      thrust = 0;
-    }
-    flight.thrust += thrust;
-    F(refs.thrust, i) = static_cast<float>(thrust);
-    double flow = runs ? aircraft->fuelFlow * (0.1 + 0.9 * power[i]) : 0;
-    F(refs.fuelFlow, i) = static_cast<float>(flow);
+    double flow = StepEngine(i, full, dt);
     burnt += flow * dt;
+    if (I(refs.propMode, i) == reversed) reversers |= 1 << i;
     Show(i, dt);
   }
   I(refs.reverse) = reversers;
@@ -195,9 +202,7 @@ void StepEngines(double dt) {
   for (int i = 0; i < 9; i++) F(refs.fuel, i) = static_cast<float>(flight.fuel[i]);
   double total = TotalFuel();
   F(refs.fuelTotal) = static_cast<float>(total);
-  F(refs.massTotal) =
-      static_cast<float>(static_cast<double>(F(refs.massEmpty)) + static_cast<double>(F(refs.massFixed)) +
-                         static_cast<double>(F(refs.massJettison)) + total);
+  F(refs.massTotal) = static_cast<float>(EmptyMass() + total);
   StepApu(dt);
 }
 

@@ -86,7 +86,6 @@ int PressedState(int state, int wanted);
 void PressModes(int modes);  // presses them on the panel
 void DisconnectAutopilot();
 void PressBackCourse();
-void PressToga();
 void HookAutopilot();
 double NavDeflection();  // NAV 1 needle in dots, as the autopilot uses it (back course reversed)
 void StepModes();        // captures: armed modes become engaged ones
@@ -113,6 +112,7 @@ void PilotLost();                          // position was set from outside: dec
 // Where the pilot's circuit over the field begins: local metres, heading in degrees.
 void CircuitStart(double* x, double* z, double* heading);
 
+double EmptyMass();  // without fuel, kg
 // Lift that the wing gives at an angle of attack (coefficient), and the angle for a lift.
 double LiftAt(double alpha);
 double AngleForLift(double lift);

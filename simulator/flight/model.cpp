@@ -25,6 +25,10 @@ struct Shown {
 };
 Shown shown;
 
+// Rates about the three body axes, as degrees and as radians.
+DataRef** const rateRefs[3] = {&refs.rollRate, &refs.pitchRate, &refs.yawRate};
+DataRef** const radianRefs[3] = {&refs.rollRateRad, &refs.pitchRateRad, &refs.yawRateRad};
+
 void Normalise(double q[4]) {
   double length = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
   if (!(length > 1e-6) || !std::isfinite(length)) {
@@ -47,11 +51,9 @@ void Remember() {
   shown.vy = F(refs.vy);
   shown.vz = F(refs.vz);
   for (int i = 0; i < 4; i++) shown.q[i] = F(refs.q, i);
-  DataRef* rates[3] = {refs.rollRate, refs.pitchRate, refs.yawRate};
-  DataRef* radians[3] = {refs.rollRateRad, refs.pitchRateRad, refs.yawRateRad};
   for (int i = 0; i < 3; i++) {
-    shown.rates[i] = F(rates[i]);
-    shown.radians[i] = F(radians[i]);
+    shown.rates[i] = F(*rateRefs[i]);
+    shown.radians[i] = F(*radianRefs[i]);
   }
   for (int i = 0; i < 9; i++) shown.fuel[i] = F(refs.fuel, i);
 }
@@ -189,7 +191,110 @@ void Advance(double dt) {
   }
 }
 
+// --- What was set from outside since the last step ---------------------------------------------------
+
+void TakeOverPlace() {
+  double moved = std::hypot(D(refs.x) - shown.x, D(refs.z) - shown.z);
+  double climbed = std::fabs(D(refs.y) - shown.y);
+  if (!std::isfinite(moved) || !std::isfinite(climbed)) {
+    D(refs.x) = shown.x;
+    D(refs.y) = shown.y;
+    D(refs.z) = shown.z;
+  } else if (moved > 500 || climbed > 100) {
+    PilotLost();
+  }
+}
+
+void TakeOverVelocity() {
+  if (F(refs.vx) != shown.vx) flight.velocity.e = Finite(static_cast<double>(F(refs.vx)), -700, 700);
+  if (F(refs.vy) != shown.vy) flight.velocity.d = -Finite(static_cast<double>(F(refs.vy)), -700, 700);
+  if (F(refs.vz) != shown.vz) flight.velocity.n = -Finite(static_cast<double>(F(refs.vz)), -700, 700);
+}
+
+void TakeOverAttitude() {
+  bool turned = false;
+  for (int i = 0; i < 4; i++) turned |= F(refs.q, i) != shown.q[i];
+  if (turned) {
+    for (int i = 0; i < 4; i++) flight.q[i] = static_cast<double>(F(refs.q, i));
+    Normalise(flight.q);
+  }
+  double* own[3] = {&flight.rate.n, &flight.rate.e, &flight.rate.d};
+  for (int i = 0; i < 3; i++) {
+    float rate = F(*rateRefs[i]), radians = F(*radianRefs[i]);
+    if (rate != shown.rates[i]) *own[i] = Finite(static_cast<double>(rate) * degToRad, -3, 3);
+    if (radians != shown.radians[i]) *own[i] = Finite(static_cast<double>(radians), -3, 3);
+  }
+}
+
+void TakeOverWeights() {
+  for (int i = 0; i < 9; i++) {
+    if (F(refs.fuel, i) != shown.fuel[i]) flight.fuel[i] = Finite(static_cast<double>(F(refs.fuel, i)), 0, 1e6);
+  }
+  flight.mass = EmptyMass();
+  for (double kg : flight.fuel) flight.mass += kg;
+  if (!(flight.mass > 100)) flight.mass = 100;
+}
+
+// --- An aircraft that has just been chosen ----------------------------------------------------------
+
+void FillTanks() {
+  for (int i = 0; i < 9; i++) {
+    flight.fuel[i] = i < aircraft->tanks ? aircraft->fuelStartKg * aircraft->tankShare[i] : 0;
+    F(refs.fuel, i) = static_cast<float>(flight.fuel[i]);
+  }
+}
+
+// Where a run begins: on the circuit, or parked at the threshold.
+void PlaceAtStart() {
+  double course = runwayCourse * degToRad;
+  double x = -runwayHalf * std::sin(course), z = runwayHalf * std::cos(course), heading = runwayCourse;
+  D(refs.y) = aircraft->gearHeight;
+  if (circuitFlight) {
+    CircuitStart(&x, &z, &heading);
+    D(refs.y) = aircraft->circuitHeight;
+  }
+  D(refs.x) = x;
+  D(refs.z) = z;
+  QuaternionOf(0, 0, heading * degToRad, flight.q);
+}
+
+// Gear, brake and velocity at the place and heading that it has.
+void SetOut(bool flying) {
+  flight.ground = !flying;
+  flight.gear = flying && aircraft->retractable ? 0 : 1;
+  I(refs.gearHandle) = flight.gear > 0 ? 1 : 0;
+  F(refs.parkBrake) = flying ? 0.0F : 1.0F;
+  AnglesOf(flight.q, &flight.phi, &flight.theta, &flight.psi);
+  flight.air = AirAt(D(refs.y) + fieldElevation);
+  double speed = flying ? aircraft->circuitKt * ktToMs / std::sqrt(flight.air.rho / 1.225) : 0;
+  flight.velocity = {speed * std::cos(flight.psi) + (flying ? flight.air.windNorth : 0),
+                     speed * std::sin(flight.psi) + (flying ? flight.air.windEast : 0), 0};
+  flight.rate = flight.rateChange = flight.acceleration = {};
+}
+
+// Height and heading of a fresh run are those that it has.
+void PresetAutopilot(bool fresh) {
+  F(refs.apSpeed) = static_cast<float>(aircraft->circuitKt);
+  if (!fresh) return;
+  F(refs.apAltitude) = static_cast<float>(std::round((D(refs.y) + fieldElevation) / ftToM / 100) * 100);
+  F(refs.apHeading) = static_cast<float>(std::fmod(flight.psi * radToDeg + magneticVariation + 360, 360));
+}
+
+// Level flight at once: the attitude that carries the weight, and the thrust for it.
+void TrimLevel() {
+  double pressure = 0.5 * flight.air.rho * flight.airspeed * flight.airspeed * aircraft->wingArea;
+  double lift = flight.mass * gravity / pressure;
+  QuaternionOf(0, AngleForLift(lift), flight.psi, flight.q);
+  F(refs.elevatorTrim) = static_cast<float>((AngleForLift(lift) - flight.alphaNeutral) / elevatorReach);
+  SetThrottles(ThrottleForThrust(pressure * DragCoefficient(lift)));
+}
+
 }  // namespace
+
+double EmptyMass() {
+  return static_cast<double>(F(refs.massEmpty)) + static_cast<double>(F(refs.massFixed)) +
+         static_cast<double>(F(refs.massJettison));
+}
 
 double LiftAt(double alpha) {
   double lift = aircraft->liftZero + aircraft->flapLift * flight.flap * 0.6 + liftSlope * alpha;
@@ -238,39 +343,10 @@ Vec BodyOf(const double q[4], const Vec& world) {
 double WrapPi(double angle) { return std::remainder(angle, 2 * pi); }
 
 void TakeOverSetValues() {
-  bool frozen = I(refs.overridePath) != 0;
-  double moved = std::hypot(D(refs.x) - shown.x, D(refs.z) - shown.z);
-  double climbed = std::fabs(D(refs.y) - shown.y);
-  if (!std::isfinite(moved) || !std::isfinite(climbed)) {
-    D(refs.x) = shown.x;
-    D(refs.y) = shown.y;
-    D(refs.z) = shown.z;
-  } else if (moved > 500 || climbed > 100) {
-    PilotLost();
-  }
-  if (F(refs.vx) != shown.vx) flight.velocity.e = Finite(static_cast<double>(F(refs.vx)), -700, 700);
-  if (F(refs.vy) != shown.vy) flight.velocity.d = -Finite(static_cast<double>(F(refs.vy)), -700, 700);
-  if (F(refs.vz) != shown.vz) flight.velocity.n = -Finite(static_cast<double>(F(refs.vz)), -700, 700);
-  bool turned = false;
-  for (int i = 0; i < 4; i++) turned |= F(refs.q, i) != shown.q[i];
-  if (turned) {
-    for (int i = 0; i < 4; i++) flight.q[i] = static_cast<double>(F(refs.q, i));
-    Normalise(flight.q);
-  }
-  DataRef* rates[3] = {refs.rollRate, refs.pitchRate, refs.yawRate};
-  DataRef* radians[3] = {refs.rollRateRad, refs.pitchRateRad, refs.yawRateRad};
-  double* own[3] = {&flight.rate.n, &flight.rate.e, &flight.rate.d};
-  for (int i = 0; i < 3; i++) {
-    if (F(rates[i]) != shown.rates[i]) *own[i] = Finite(static_cast<double>(F(rates[i])) * degToRad, -3, 3);
-    if (F(radians[i]) != shown.radians[i]) *own[i] = Finite(static_cast<double>(F(radians[i])), -3, 3);
-  }
-  for (int i = 0; i < 9; i++) {
-    if (F(refs.fuel, i) != shown.fuel[i]) flight.fuel[i] = Finite(static_cast<double>(F(refs.fuel, i)), 0, 1e6);
-  }
-  flight.mass = static_cast<double>(F(refs.massEmpty)) + static_cast<double>(F(refs.massFixed)) +
-                static_cast<double>(F(refs.massJettison));
-  for (double kg : flight.fuel) flight.mass += kg;
-  if (!(flight.mass > 100)) flight.mass = 100;
+  TakeOverPlace();
+  TakeOverVelocity();
+  TakeOverAttitude();
+  TakeOverWeights();
   double lat, lon, altitude;
   LocalToWorld(D(refs.x), D(refs.y), D(refs.z), &lat, &lon, &altitude);
   D(refs.elevation) = altitude;  // the pilot looks at it
@@ -278,6 +354,7 @@ void TakeOverSetValues() {
   flight.air = AirAt(altitude);
   AnglesOf(flight.q, &flight.phi, &flight.theta, &flight.psi);
   FindAirData();
+  bool frozen = I(refs.overridePath) != 0;
   if (frozen) flight.ground = altitude <= flight.groundHeight + aircraft->gearHeight + 0.02;
 }
 
@@ -302,60 +379,21 @@ void FlightStart() {
 }
 
 void FlightAircraftChanged() {
-  for (int i = 0; i < 9; i++) {
-    flight.fuel[i] = i < aircraft->tanks ? aircraft->fuelStartKg * aircraft->tankShare[i] : 0;
-    F(refs.fuel, i) = static_cast<float>(flight.fuel[i]);
-  }
+  FillTanks();
   hands = Hands{};
   bool fresh = flight.time == 0 && RunningTime() <= 0;
   if (!circuitFlight && !fresh) {
     StartEngines();
     return;
   }
-  double x = 0, z = 0, heading = runwayCourse;
-  if (circuitFlight && fresh) {
-    CircuitStart(&x, &z, &heading);
-    D(refs.y) = aircraft->circuitHeight;
-  } else if (fresh) {
-    // Parked at the threshold.
-    double course = runwayCourse * degToRad;
-    x = -runwayHalf * std::sin(course);
-    z = runwayHalf * std::cos(course);
-    D(refs.y) = aircraft->gearHeight;
-  }
-  if (fresh) {
-    D(refs.x) = x;
-    D(refs.z) = z;
-    QuaternionOf(0, 0, heading * degToRad, flight.q);
-  }
+  if (fresh) PlaceAtStart();
   bool flying = circuitFlight && !(flight.ground && !fresh);
-  flight.ground = !flying;
-  flight.gear = flying && aircraft->retractable ? 0 : 1;
-  I(refs.gearHandle) = flight.gear > 0 ? 1 : 0;
-  F(refs.parkBrake) = flying ? 0.0F : 1.0F;
-  double psi = 0, theta = 0, phi = 0;
-  AnglesOf(flight.q, &phi, &theta, &psi);
-  double altitude = D(refs.y) + fieldElevation;
-  flight.air = AirAt(altitude);
-  double speed = flying ? aircraft->circuitKt * ktToMs / std::sqrt(flight.air.rho / 1.225) : 0;
-  flight.velocity = {speed * std::cos(psi) + (flying ? flight.air.windNorth : 0),
-                     speed * std::sin(psi) + (flying ? flight.air.windEast : 0), 0};
-  flight.rate = flight.rateChange = flight.acceleration = {};
-  F(refs.apSpeed) = static_cast<float>(aircraft->circuitKt);
-  if (fresh) F(refs.apAltitude) = static_cast<float>(std::round(altitude / ftToM / 100) * 100);
-  if (fresh) {
-    double magnetic = psi * radToDeg + magneticVariation;
-    F(refs.apHeading) = static_cast<float>(std::fmod(magnetic + 360, 360));
-  }
+  SetOut(flying);
+  PresetAutopilot(fresh);
   Remember();
   TakeOverSetValues();
   if (flying) {
-    // Level flight at once: the attitude that carries the weight, and the thrust for it.
-    double pressure = 0.5 * flight.air.rho * flight.airspeed * flight.airspeed * aircraft->wingArea;
-    double lift = flight.mass * gravity / pressure;
-    QuaternionOf(0, AngleForLift(lift), psi, flight.q);
-    F(refs.elevatorTrim) = static_cast<float>((AngleForLift(lift) - flight.alphaNeutral) / elevatorReach);
-    SetThrottles(ThrottleForThrust(pressure * DragCoefficient(lift)));
+    TrimLevel();
   } else {
     SetThrottles(0);
   }

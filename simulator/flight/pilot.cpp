@@ -239,6 +239,26 @@ void FlyGround(double dt) {
   holding = false;
 }
 
+// Where the flight director points: the bank and climb that are flown.
+void ShowDirector(double bank, double climb) {
+  F(refs.directorRoll) = static_cast<float>(bank * radToDeg);
+  F(refs.directorPitch) = static_cast<float>(
+      (std::asin(std::clamp(climb / std::max(flight.airspeed, 15.0), -0.5, 0.5)) + flight.alpha) * radToDeg);
+}
+
+void FlyThrottles(int modes, double dt) {
+  bool autothrottle = (modes & apAutothrottle) != 0;
+  if ((modes & apTogaVertical) != 0 && !hands.throttle) {
+    SetThrottles(1);
+  } else if (autothrottle && (modes & apLevelChange) == 0) {
+    HoldSpeed(SelectedSpeed(), dt);
+  } else if ((modes & apLevelChange) != 0 && (autothrottle || !hands.throttle)) {
+    SetThrottles(static_cast<double>(F(refs.apAltitude)) * ftToM > D(refs.elevation) ? 0.9 : 0);
+  } else if (!hands.throttle && I(refs.overrideThrottles) == 0) {
+    HoldSpeed(PilotSpeed(), dt);
+  }
+}
+
 void FlyAir(double dt) {
   flight.pilotBrake = 0;
   int modes = I(refs.apState);
@@ -270,21 +290,9 @@ void FlyAir(double dt) {
     trim = static_cast<float>(
         std::clamp(static_cast<double>(trim) + std::clamp(flight.elevator, -1.0, 1.0) * 0.3 * dt, -0.9, 0.9));
   }
-  F(refs.directorRoll) = static_cast<float>(bank * radToDeg);
-  F(refs.directorPitch) = static_cast<float>(
-      (std::asin(std::clamp(climb / std::max(flight.airspeed, 15.0), -0.5, 0.5)) + flight.alpha) * radToDeg);
-
+  ShowDirector(bank, climb);
   if (circuits) SetConfiguration();
-  bool autothrottle = (modes & apAutothrottle) != 0;
-  if ((modes & apTogaVertical) != 0 && !hands.throttle) {
-    SetThrottles(1);
-  } else if (autothrottle && (modes & apLevelChange) == 0) {
-    HoldSpeed(SelectedSpeed(), dt);
-  } else if ((modes & apLevelChange) != 0 && (autothrottle || !hands.throttle)) {
-    SetThrottles(static_cast<double>(F(refs.apAltitude)) * ftToM > D(refs.elevation) ? 0.9 : 0);
-  } else if (!hands.throttle && I(refs.overrideThrottles) == 0) {
-    HoldSpeed(PilotSpeed(), dt);
-  }
+  FlyThrottles(modes, dt);
 }
 
 }  // namespace

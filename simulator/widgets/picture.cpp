@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "core/sim.h"
+#include "core/table.h"
 
 namespace sim {
 namespace {
@@ -14,7 +15,7 @@ constexpr int kMargin = 10;     // around the windows
 constexpr int kLargest = 4096;  // pixels; a window may claim to be larger than any screen
 constexpr Colour kSky = 0x55677A, kPanel = 0xC8CCD0, kTitleBar = 0x36495E, kDarkPanel = 0x2A3038;
 constexpr Colour kWhite = 0xFFFFFF, kBlack = 0x101418, kEdge = 0x70787F, kPale = 0xA8AEB4;
-constexpr Colour kButton = 0xE4E7EA, kLit = 0xF0C040, kGreen = 0x3C9A50, kScreen = 0x101A12;
+constexpr Colour kInset = 0xD6DADD, kButton = 0xE4E7EA, kLit = 0xF0C040, kGreen = 0x3C9A50, kScreen = 0x101A12;
 
 struct Pen {
   Drawing* drawing;
@@ -62,33 +63,37 @@ void DrawWindow(const Widget* w, Pen* pen) {
   pen->Frame(w->box, kBlack);
 }
 
-void DrawButton(const Widget* w, Pen* pen) {
+// A small square with its mark, and the text beside it.
+void DrawBox(const Widget* w, bool round, Pen* pen) {
   const bool enabled = IsEnabled(w);
   const Colour ink = enabled ? kBlack : kEdge;
+  const Rect& r = w->box;
+  const int middle = (r.top + r.bottom) / 2;
+  const int side = std::max(4, std::min({12, r.Width(), r.Height()}));
+  const Rect mark = {r.left, middle + side / 2, r.left + side, middle + side / 2 - side};
+  pen->Fill(mark, enabled ? kWhite : kPale);
+  pen->Frame(mark, kBlack);
+  if (Property(w, xpProperty_ButtonState) && round) {
+    pen->Fill({mark.left + 3, mark.top - 3, mark.right - 3, mark.bottom + 3}, ink);
+  } else if (Property(w, xpProperty_ButtonState)) {
+    const int bottom = mark.bottom + 3, low = mark.left + side / 2 - 2;
+    for (int thick = 0; thick < 2; ++thick) {
+      pen->Line(mark.left + 2, middle + thick, low, bottom + thick, ink);
+      pen->Line(low, bottom + thick, mark.right - 3, mark.top - 4 + thick, ink);
+    }
+  }
+  pen->Text(w->text, mark.right + 4, r, enabled ? pen->Ink() : kEdge);
+}
+
+void DrawButton(const Widget* w, Pen* pen) {
   const intptr_t type = Property(w, xpProperty_ButtonType);
   const intptr_t behaviour = Property(w, xpProperty_ButtonBehavior);
+  const bool round = behaviour == xpButtonBehaviorRadioButton;
+  if (round || behaviour == xpButtonBehaviorCheckBox || type == xpRadioButton) return DrawBox(w, round, pen);
+  const bool enabled = IsEnabled(w);
+  const Colour ink = enabled ? kBlack : kEdge;
   const Rect& r = w->box;
   const int middleX = (r.left + r.right) / 2, middleY = (r.top + r.bottom) / 2;
-  if (behaviour == xpButtonBehaviorCheckBox || behaviour == xpButtonBehaviorRadioButton ||
-      type == xpRadioButton) {
-    const int side = std::max(4, std::min({12, r.Width(), r.Height()}));
-    const Rect mark = {r.left, middleY + side / 2, r.left + side, middleY + side / 2 - side};
-    pen->Fill(mark, enabled ? kWhite : kPale);
-    pen->Frame(mark, kBlack);
-    if (Property(w, xpProperty_ButtonState)) {
-      if (behaviour == xpButtonBehaviorRadioButton) {
-        pen->Fill({mark.left + 3, mark.top - 3, mark.right - 3, mark.bottom + 3}, ink);
-      } else {
-        const int bottom = mark.bottom + 3, low = mark.left + side / 2 - 2;
-        for (int thick = 0; thick < 2; ++thick) {
-          pen->Line(mark.left + 2, middleY + thick, low, bottom + thick, ink);
-          pen->Line(low, bottom + thick, mark.right - 3, mark.top - 4 + thick, ink);
-        }
-      }
-    }
-    pen->Text(w->text, mark.right + 4, r, enabled ? pen->Ink() : kEdge);
-    return;
-  }
   pen->Fill(r, Property(w, xpProperty_Hilited) ? kLit : enabled ? kButton : kPale);
   pen->Frame(r, kEdge);
   if (type == xpLittleUpArrow || type == xpLittleDownArrow) {
@@ -123,18 +128,17 @@ double Share(const Widget* w, XPWidgetPropertyID position, XPWidgetPropertyID lo
 
 void DrawScrollBar(const Widget* w, Pen* pen) {
   const Rect& r = w->box;
-  const bool lying = r.Width() > r.Height();
-  const int size = lying ? r.Height() : r.Width(), length = lying ? r.Width() : r.Height();
-  const bool arrows = Property(w, xpProperty_ScrollBarType) == xpScrollBarTypeScrollBar;
-  const int arrow = arrows ? size : 0;
+  const BarLayout layout = LayoutOf(w);
+  const bool lying = layout.lying;
+  const int size = layout.size, length = layout.length;
   const double share =
       Share(w, xpProperty_ScrollBarSliderPosition, xpProperty_ScrollBarMin, xpProperty_ScrollBarMax);
-  const int thumb = arrow + static_cast<int>(share * std::max(0, length - 2 * arrow - size));
+  const int thumb = layout.arrow + static_cast<int>(share * std::max(0, layout.Travel()));
   const auto part = [&](int from, int to) {
     return lying ? Rect{r.left + from, r.top, r.left + to, r.bottom}
                  : Rect{r.left, r.bottom + to, r.right, r.bottom + from};
   };
-  if (arrows) {
+  if (layout.arrows) {
     pen->Fill(r, kPale);
     pen->Frame(r, kEdge);
     for (int at : {0, length - size}) {
@@ -151,43 +155,53 @@ void DrawScrollBar(const Widget* w, Pen* pen) {
   pen->Fill(part(thumb + 1, thumb + size - 1), kTitleBar);
 }
 
-void DrawWidget(Widget* w, Pen* pen) {
-  switch (w->type) {
-    case xpWidgetClass_MainWindow:
-      return DrawWindow(w, pen);
-    case xpWidgetClass_SubWindow: {
-      const intptr_t style = Property(w, xpProperty_SubWindowType);
-      const bool screen = style == xpSubWindowStyle_Screen;
-      pen->Fill(w->box, screen                               ? kScreen
-                        : style == xpSubWindowStyle_ListView ? kWhite
-                        : pen->dark                          ? kDarkPanel
-                                                             : 0xD6DADD);
-      pen->Frame(w->box, kEdge);
-      return;
-    }
-    case xpWidgetClass_Button:
-      return DrawButton(w, pen);
-    case xpWidgetClass_TextField:
-      return DrawField(w, pen);
-    case xpWidgetClass_ScrollBar:
-      return DrawScrollBar(w, pen);
-    case xpWidgetClass_Caption:
-      return pen->Text(w->text, w->box.left, w->box, Property(w, xpProperty_CaptionLit) ? kWhite : pen->Ink());
-    case xpWidgetClass_Progress: {
-      Rect bar = w->box;
-      pen->Fill(bar, kWhite);
-      const double share =
-          Share(w, xpProperty_ProgressPosition, xpProperty_ProgressMin, xpProperty_ProgressMax);
-      bar.right = bar.left + static_cast<int>(share * bar.Width());
-      pen->Fill(bar, kGreen);
-      return pen->Frame(w->box, kEdge);
-    }
-    case xpWidgetClass_GeneralGraphics:
-      pen->Frame(w->box, pen->Ink());
-      return pen->Line(w->box.left, w->box.top, w->box.right, w->box.bottom, pen->Ink());
-    default:
-      return;  // a custom widget draws itself
-  }
+void DrawSubWindow(const Widget* w, Pen* pen) {
+  const intptr_t style = Property(w, xpProperty_SubWindowType);
+  const Colour plain = pen->dark ? kDarkPanel : kInset;
+  pen->Fill(w->box, style == xpSubWindowStyle_Screen     ? kScreen
+                    : style == xpSubWindowStyle_ListView ? kWhite
+                                                         : plain);
+  pen->Frame(w->box, kEdge);
+}
+
+void DrawCaption(const Widget* w, Pen* pen) {
+  pen->Text(w->text, w->box.left, w->box, Property(w, xpProperty_CaptionLit) ? kWhite : pen->Ink());
+}
+
+void DrawProgress(const Widget* w, Pen* pen) {
+  Rect bar = w->box;
+  pen->Fill(bar, kWhite);
+  const double share = Share(w, xpProperty_ProgressPosition, xpProperty_ProgressMin, xpProperty_ProgressMax);
+  bar.right = bar.left + static_cast<int>(share * bar.Width());
+  pen->Fill(bar, kGreen);
+  pen->Frame(w->box, kEdge);
+}
+
+void DrawGraphics(const Widget* w, Pen* pen) {
+  pen->Frame(w->box, pen->Ink());
+  pen->Line(w->box.left, w->box.top, w->box.right, w->box.bottom, pen->Ink());
+}
+
+struct LookRow {
+  XPWidgetClass type = xpWidgetClass_None;
+  void (*draw)(const Widget* w, Pen* pen) = nullptr;
+};
+constexpr LookRow lookRows[] = {
+    {.type = xpWidgetClass_None},  // a custom widget draws itself
+    {.type = xpWidgetClass_MainWindow, .draw = DrawWindow},
+    {.type = xpWidgetClass_SubWindow, .draw = DrawSubWindow},
+    {.type = xpWidgetClass_Button, .draw = DrawButton},
+    {.type = xpWidgetClass_TextField, .draw = DrawField},
+    {.type = xpWidgetClass_ScrollBar, .draw = DrawScrollBar},
+    {.type = xpWidgetClass_Caption, .draw = DrawCaption},
+    {.type = xpWidgetClass_GeneralGraphics, .draw = DrawGraphics},
+    {.type = xpWidgetClass_Progress, .draw = DrawProgress},
+};
+static_assert(IsTableOf<&LookRow::type>(lookRows, xpWidgetClass_Progress));
+
+void DrawWidget(const Widget* w, Pen* pen) {
+  const LookRow& row = lookRows[ClassOf(w->type).type];
+  if (row.draw) row.draw(w, pen);
 }
 
 // Paints a widget and what lies in it, asking it first whether it wants to do so itself.
@@ -208,11 +222,11 @@ bool EndsIn(const std::string& file, const std::string& ending) {
 
 }  // namespace
 
-int DrawPicture(const std::vector<Widget*>& windows, const std::string& file, std::string* error) {
+bool DrawPicture(const std::vector<Widget*>& windows, const std::string& file, std::string* error) {
   const bool svg = EndsIn(file, ".svg");
   if (!svg && !EndsIn(file, ".png")) {
     *error = "the picture's name must end in .png or .svg: " + Quote(file);
-    return 0;
+    return false;
   }
   Hold hold;
   Rect all = windows.empty() ? Rect{0, 40, 160, 0} : windows[0]->box;
@@ -236,9 +250,9 @@ int DrawPicture(const std::vector<Widget*>& windows, const std::string& file, st
   const bool written = out && std::fwrite(content.data(), 1, content.size(), out) == content.size();
   if (!(out && std::fclose(out) == 0 && written)) {
     *error = "cannot write " + Quote(file);
-    return 0;
+    return false;
   }
-  return 1;
+  return true;
 }
 
 }  // namespace sim

@@ -28,9 +28,9 @@ struct Drawing {
   std::vector<Shape> shapes;
 };
 
-// Draws the windows (front one first in the list) into a file that ends in .png or .svg. Returns 0 with an
+// Draws the windows (front one first in the list) into a file that ends in .png or .svg. Returns false with an
 // error text when the ending is another one or the file cannot be written.
-int DrawPicture(const std::vector<Widget*>& windows, const std::string& file, std::string* error);
+bool DrawPicture(const std::vector<Widget*>& windows, const std::string& file, std::string* error);
 
 // The whole content of a PNG file, two pixels for each of the drawing's.
 std::string PngFile(const Drawing& drawing);

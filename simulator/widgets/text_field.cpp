@@ -8,8 +8,6 @@ namespace sim {
 namespace {
 
 constexpr int kMargin = 3;  // pixels before the first character
-// Virtual keys that have no character of their own.
-constexpr unsigned char kEnd = 0x23, kHome = 0x24, kForwardDelete = 0x2E;
 
 struct Selection {
   size_t start = 0, end = 0;
@@ -67,39 +65,76 @@ void FocusNeighbour(Widget* field, bool back) {
   if (next != field && SetFocus(next) == next) Select(next, 0, next->text.size());
 }
 
-int KeyPressed(Widget* field, const XPKeyState_t& state) {
+// A key on its way down, and the field that it goes to.
+struct Stroke {
+  Widget* field = nullptr;
+  char character = 0;
+  bool shift = false;
+  Selection now = {};
+  bool selected = false;  // something is, else the caret stands at now.start
+  size_t caret = 0;       // the active end
+  size_t length = 0;
+};
+
+void Leave(const Stroke& it) { LoseFocus(it.field); }
+void Tab(const Stroke& it) { FocusNeighbour(it.field, it.shift); }
+void DeleteForward(const Stroke& it) {
+  Replace(it.field, it.now.start, it.selected ? it.now.end : std::min(it.now.end + 1, it.length), "");
+}
+void DeleteBack(const Stroke& it) {
+  Replace(it.field, it.selected || it.now.start == 0 ? it.now.start : it.now.start - 1, it.now.end, "");
+}
+void GoLeft(const Stroke& it) {
+  MoveCaret(it.field, it.selected && !it.shift ? it.now.start : it.caret - (it.caret > 0), it.shift);
+}
+void GoRight(const Stroke& it) {
+  MoveCaret(it.field, it.selected && !it.shift ? it.now.end : it.caret + (it.caret < it.length), it.shift);
+}
+void GoHome(const Stroke& it) { MoveCaret(it.field, 0, it.shift); }
+void GoEnd(const Stroke& it) { MoveCaret(it.field, it.length, it.shift); }
+void Insert(const Stroke& it) { Replace(it.field, it.now.start, it.now.end, std::string(1, it.character)); }
+
+// Keys by what they send: the character or the virtual key, 0 where they have none.
+struct KeyRow {
+  unsigned char key = 0, virtualKey = 0;
+  void (*press)(const Stroke&) = nullptr;
+};
+constexpr KeyRow keyRows[] = {
+    {.key = XPLM_KEY_RETURN, .press = Leave},
+    {.key = XPLM_KEY_ESCAPE, .press = Leave},
+    {.key = XPLM_KEY_TAB, .press = Tab},
+    {.virtualKey = 0x2E, .press = DeleteForward},
+    {.key = XPLM_KEY_DELETE, .press = DeleteBack},
+    {.key = 28, .virtualKey = 0x25, .press = GoLeft},
+    {.key = 29, .virtualKey = 0x27, .press = GoRight},
+    {.virtualKey = 0x24, .press = GoHome},
+    {.virtualKey = 0x23, .press = GoEnd},
+};
+
+// What a key does to a field; null when the field does not want it.
+void (*DeedOf(const XPKeyState_t& state))(const Stroke&) {
   const unsigned char key = static_cast<unsigned char>(state.key);
   const unsigned char virtualKey = static_cast<unsigned char>(state.vkey);
-  const bool release = (state.flags & xplm_UpFlag) && !(state.flags & xplm_DownFlag);
-  const bool shift = state.flags & xplm_ShiftFlag;
-  const Selection now = GetSelection(field);
-  const size_t length = field->text.size();
-  const bool selected = now.end > now.start;
-  const bool rightActive = Property(field, xpProperty_ActiveEditSide) != 0;
-  const size_t caret = selected && !rightActive ? now.start : now.end;
-
-  if (key == XPLM_KEY_RETURN || key == XPLM_KEY_ESCAPE) {
-    if (!release) LoseFocus(field);
-  } else if (key == XPLM_KEY_TAB) {
-    if (!release) FocusNeighbour(field, shift);
-  } else if (virtualKey == kForwardDelete) {
-    if (!release) Replace(field, now.start, selected ? now.end : std::min(now.end + 1, length), "");
-  } else if (key == XPLM_KEY_DELETE) {
-    if (!release) Replace(field, selected || now.start == 0 ? now.start : now.start - 1, now.end, "");
-  } else if (key == 28 || virtualKey == 0x25) {  // left
-    if (!release) MoveCaret(field, selected && !shift ? now.start : caret - (caret > 0), shift);
-  } else if (key == 29 || virtualKey == 0x27) {  // right
-    if (!release) MoveCaret(field, selected && !shift ? now.end : caret + (caret < length), shift);
-  } else if (virtualKey == kHome) {
-    if (!release) MoveCaret(field, 0, shift);
-  } else if (virtualKey == kEnd) {
-    if (!release) MoveCaret(field, length, shift);
-  } else if (key >= 32 && key != 127 && !(state.flags & xplm_ControlFlag)) {
-    if (!release) Replace(field, now.start, now.end, std::string(1, state.key));
-  } else {
-    return 0;
+  for (const KeyRow& row : keyRows) {
+    if ((row.key && key == row.key) || (row.virtualKey && virtualKey == row.virtualKey)) return row.press;
   }
-  return 1;
+  return key >= 32 && key != 127 && !(state.flags & xplm_ControlFlag) ? Insert : nullptr;
+}
+
+// Whether the field takes the key; its way up is taken and does nothing.
+bool KeyPressed(Widget* field, const XPKeyState_t& state) {
+  const auto press = DeedOf(state);
+  if (!press) return false;
+  if ((state.flags & xplm_UpFlag) && !(state.flags & xplm_DownFlag)) return true;
+  Stroke stroke = {.field = field, .character = state.key};
+  stroke.shift = (state.flags & xplm_ShiftFlag) != 0;
+  stroke.now = GetSelection(field);
+  stroke.selected = stroke.now.end > stroke.now.start;
+  const bool rightActive = Property(field, xpProperty_ActiveEditSide) != 0;
+  stroke.caret = stroke.selected && !rightActive ? stroke.now.start : stroke.now.end;
+  stroke.length = field->text.size();
+  press(stroke);
+  return true;
 }
 
 size_t CharacterAt(const Widget* field, int x) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "core/table.h"
 #include "widgets/widgets.h"
 
 namespace sim {
@@ -13,6 +14,11 @@ constexpr int kCloseBoxGap = 3;
 // Kept while the mouse holds a close box: which of the two, counted from 1.
 constexpr XPWidgetPropertyID kPressedCloseBox = 1299;
 
+bool IsMouse(XPWidgetMessage message) {
+  return message == xpMsg_MouseDown || message == xpMsg_MouseDrag || message == xpMsg_MouseUp;
+}
+
+// Which of the two, counted from 1; 0 none.
 int CloseBoxAt(const Widget* window, const XPMouseState_t& mouse) {
   if (!Property(window, xpProperty_MainWindowHasCloseBoxes)) return 0;
   for (int k = 0; k < 2; ++k) {
@@ -23,7 +29,7 @@ int CloseBoxAt(const Widget* window, const XPMouseState_t& mouse) {
 
 int MainWindowFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t param2) {
   Widget* window = static_cast<Widget*>(id);
-  if (message != xpMsg_MouseDown && message != xpMsg_MouseDrag && message != xpMsg_MouseUp) return 0;
+  if (!IsMouse(message)) return 0;
   const XPMouseState_t& mouse = *reinterpret_cast<const XPMouseState_t*>(param1);
   const Rect& box = window->box;
   if (message == xpMsg_MouseDown) {
@@ -48,7 +54,7 @@ int MainWindowFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, 
 
 int ButtonFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t) {
   Widget* button = static_cast<Widget*>(id);
-  if (message != xpMsg_MouseDown && message != xpMsg_MouseDrag && message != xpMsg_MouseUp) return 0;
+  if (!IsMouse(message)) return 0;
   if (!IsEnabled(button)) return 1;
   const XPMouseState_t& mouse = *reinterpret_cast<const XPMouseState_t*>(param1);
   const intptr_t behaviour = Property(button, xpProperty_ButtonBehavior);
@@ -87,55 +93,75 @@ void MoveSlider(Widget* bar, int64_t position) {
   if (IsLive(bar)) Send(bar, xpMsg_ScrollBarSliderPositionChanged, xpMode_UpChain, AsParam(bar), 0);
 }
 
-// A bar lies down when it is wider than high (lowest value left) and stands else (lowest value below).
-// Arrows take a square at either end; the thumb is a square too.
+// The mouse on a scroll bar, in pixels from its end with the lowest value.
+struct BarGrip {
+  BarLayout layout;
+  int at = 0;            // the mouse
+  int64_t position = 0;  // of the slider
+  int64_t low = 0, range = 0;
+  int64_t thumb = 0;  // its near edge
+  int travel = 1;
+};
+
+BarGrip GripOf(const Widget* bar, const XPMouseState_t& mouse) {
+  BarGrip grip;
+  grip.layout = LayoutOf(bar);
+  grip.at = grip.layout.lying ? mouse.x - bar->box.left : mouse.y - bar->box.bottom;
+  grip.position = Whole(bar, xpProperty_ScrollBarSliderPosition);
+  grip.low = Whole(bar, xpProperty_ScrollBarMin);
+  grip.range = std::max<int64_t>(0, Whole(bar, xpProperty_ScrollBarMax) - grip.low);
+  grip.travel = std::max(1, grip.layout.Travel());
+  grip.thumb = grip.layout.arrow + (grip.range ? (grip.position - grip.low) * grip.travel / grip.range : 0);
+  return grip;
+}
+
+// On an arrow a step, beside the thumb a page, on the thumb it is taken along.
+void PressBar(Widget* bar, const BarGrip& grip) {
+  const int64_t page = std::max<int64_t>(1, Whole(bar, xpProperty_ScrollBarPageAmount));
+  SetProperty(bar, xpProperty_Dragging, 0);
+  if (grip.at < grip.layout.arrow) return MoveSlider(bar, grip.position - 1);
+  if (grip.at > grip.layout.length - grip.layout.arrow) return MoveSlider(bar, grip.position + 1);
+  if (grip.at < grip.thumb) return MoveSlider(bar, grip.position - page);
+  if (grip.at > grip.thumb + grip.layout.size) return MoveSlider(bar, grip.position + page);
+  SetProperty(bar, xpProperty_Dragging, 1);
+  SetProperty(bar, xpProperty_ScrollBarSlop, static_cast<intptr_t>(grip.at - grip.thumb));
+}
+
+void DragBar(Widget* bar, const BarGrip& grip) {
+  if (!Property(bar, xpProperty_Dragging)) return;
+  const int64_t moved = grip.at - Whole(bar, xpProperty_ScrollBarSlop) - grip.layout.arrow;
+  const int64_t travel = grip.travel;
+  MoveSlider(bar, grip.low + (std::clamp<int64_t>(moved, 0, travel) * grip.range + travel / 2) / travel);
+}
+
 int ScrollBarFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t) {
   Widget* bar = static_cast<Widget*>(id);
-  if (message != xpMsg_MouseDown && message != xpMsg_MouseDrag && message != xpMsg_MouseUp &&
-      message != xpMsg_MouseWheel)
-    return 0;
-  const XPMouseState_t& mouse = *reinterpret_cast<const XPMouseState_t*>(param1);
+  if (!IsMouse(message) && message != xpMsg_MouseWheel) return 0;
   if (!IsEnabled(bar)) return 1;
-  const int64_t position = Whole(bar, xpProperty_ScrollBarSliderPosition);
-  if (message == xpMsg_MouseWheel) {
-    MoveSlider(bar, position + mouse.delta);
-    return 1;
-  }
-  const bool lying = bar->box.Width() > bar->box.Height();
-  const int size = lying ? bar->box.Height() : bar->box.Width();
-  const int length = lying ? bar->box.Width() : bar->box.Height();
-  const int at = lying ? mouse.x - bar->box.left : mouse.y - bar->box.bottom;
-  const int arrow = Property(bar, xpProperty_ScrollBarType) == xpScrollBarTypeScrollBar ? size : 0;
-  const int travel = std::max(1, length - 2 * arrow - size);  // pixels that the thumb can move
-  const int64_t low = Whole(bar, xpProperty_ScrollBarMin);
-  const int64_t range = std::max<int64_t>(0, Whole(bar, xpProperty_ScrollBarMax) - low);
-  const int64_t thumb = arrow + (range ? (position - low) * travel / range : 0);
-  if (message == xpMsg_MouseDown) {
-    const int64_t page = std::max<int64_t>(1, Whole(bar, xpProperty_ScrollBarPageAmount));
-    SetProperty(bar, xpProperty_Dragging, 0);
-    if (at < arrow) {
-      MoveSlider(bar, position - 1);
-    } else if (at > length - arrow) {
-      MoveSlider(bar, position + 1);
-    } else if (at < thumb) {
-      MoveSlider(bar, position - page);
-    } else if (at > thumb + size) {
-      MoveSlider(bar, position + page);
-    } else {
-      SetProperty(bar, xpProperty_Dragging, 1);
-      SetProperty(bar, xpProperty_ScrollBarSlop, static_cast<intptr_t>(at - thumb));
-    }
-  } else if (message == xpMsg_MouseDrag && Property(bar, xpProperty_Dragging)) {
-    const int64_t moved = at - Whole(bar, xpProperty_ScrollBarSlop) - arrow;
-    MoveSlider(bar, low + (std::clamp<int64_t>(moved, 0, travel) * range + travel / 2) / travel);
-  } else if (message == xpMsg_MouseUp) {
-    SetProperty(bar, xpProperty_Dragging, 0);
-  }
+  const XPMouseState_t& mouse = *reinterpret_cast<const XPMouseState_t*>(param1);
+  const BarGrip grip = GripOf(bar, mouse);
+  if (message == xpMsg_MouseWheel) MoveSlider(bar, grip.position + mouse.delta);
+  if (message == xpMsg_MouseDown) PressBar(bar, grip);
+  if (message == xpMsg_MouseDrag) DragBar(bar, grip);
+  if (message == xpMsg_MouseUp) SetProperty(bar, xpProperty_Dragging, 0);
   return 1;
 }
 
 // Classes that only show something: clicks go on to the window.
 int PlainFunction(XPWidgetMessage, XPWidgetID, intptr_t, intptr_t) { return 0; }
+
+constexpr ClassRow classRows[] = {
+    {.type = xpWidgetClass_None, .word = "custom"},
+    {.type = xpWidgetClass_MainWindow, .word = "window", .function = MainWindowFunction},
+    {.type = xpWidgetClass_SubWindow, .word = "subwindow", .function = PlainFunction},
+    {.type = xpWidgetClass_Button, .word = "button", .function = ButtonFunction},
+    {.type = xpWidgetClass_TextField, .word = "textfield", .function = TextFieldFunction},
+    {.type = xpWidgetClass_ScrollBar, .word = "scrollbar", .function = ScrollBarFunction},
+    {.type = xpWidgetClass_Caption, .word = "caption", .function = PlainFunction},
+    {.type = xpWidgetClass_GeneralGraphics, .word = "graphics", .function = PlainFunction},
+    {.type = xpWidgetClass_Progress, .word = "progress", .function = PlainFunction},
+};
+static_assert(IsTableOf<&ClassRow::type>(classRows, xpWidgetClass_Progress));
 
 }  // namespace
 
@@ -145,24 +171,19 @@ Rect CloseBox(const Widget* window, int k) {
   return {left, top, left + kCloseBoxSize, top - kCloseBoxSize};
 }
 
-XPWidgetFunc_t ClassFunction(XPWidgetClass type) {
-  switch (type) {
-    case xpWidgetClass_MainWindow:
-      return MainWindowFunction;
-    case xpWidgetClass_Button:
-      return ButtonFunction;
-    case xpWidgetClass_TextField:
-      return TextFieldFunction;
-    case xpWidgetClass_ScrollBar:
-      return ScrollBarFunction;
-    case xpWidgetClass_SubWindow:
-    case xpWidgetClass_Caption:
-    case xpWidgetClass_GeneralGraphics:
-    case xpWidgetClass_Progress:
-      return PlainFunction;
-    default:
-      return nullptr;
-  }
+BarLayout LayoutOf(const Widget* bar) {
+  BarLayout layout;
+  layout.lying = bar->box.Width() > bar->box.Height();
+  layout.size = layout.lying ? bar->box.Height() : bar->box.Width();
+  layout.length = layout.lying ? bar->box.Width() : bar->box.Height();
+  layout.arrows = Property(bar, xpProperty_ScrollBarType) == xpScrollBarTypeScrollBar;
+  layout.arrow = layout.arrows ? layout.size : 0;
+  return layout;
+}
+
+const ClassRow& ClassOf(XPWidgetClass type) {
+  const bool exists = type > xpWidgetClass_None && type <= xpWidgetClass_Progress;
+  return classRows[exists ? type : xpWidgetClass_None];
 }
 
 }  // namespace sim

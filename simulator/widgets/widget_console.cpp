@@ -35,27 +35,8 @@ bool IsBox(const Widget* widget) {
 }
 
 const char* ClassWord(const Widget* widget) {
-  switch (widget->type) {
-    case xpWidgetClass_MainWindow:
-      return "window";
-    case xpWidgetClass_SubWindow:
-      return "subwindow";
-    case xpWidgetClass_Button:
-      if (!IsBox(widget)) return "button";
-      return Property(widget, xpProperty_ButtonBehavior) == xpButtonBehaviorCheckBox ? "checkbox" : "radio";
-    case xpWidgetClass_TextField:
-      return "textfield";
-    case xpWidgetClass_ScrollBar:
-      return "scrollbar";
-    case xpWidgetClass_Caption:
-      return "caption";
-    case xpWidgetClass_GeneralGraphics:
-      return "graphics";
-    case xpWidgetClass_Progress:
-      return "progress";
-    default:
-      return "custom";
-  }
+  if (!IsBox(widget)) return ClassOf(widget->type).word;
+  return Property(widget, xpProperty_ButtonBehavior) == xpButtonBehaviorCheckBox ? "checkbox" : "radio";
 }
 
 std::string Number(intptr_t value) {
@@ -72,7 +53,7 @@ std::string State(const Widget* widget) {
   return "";
 }
 
-std::string ListWidgets() {
+std::string List(const std::vector<std::string>&) {
   std::string answer = "ok";
   for (const Widget* window : VisibleWindows()) {
     answer += answer == "ok" ? " " : "; ";
@@ -185,6 +166,10 @@ Widget* FindLabelled(const std::string* title, const std::string& label, Finder 
 
 // --- Acting ----------------------------------------------------------------------------------------
 
+// "ok", or "error: " and why not.
+std::string Answer(const std::string& error) { return error.empty() ? "ok" : "error: " + error; }
+
+// An empty text means success, else why not.
 std::string ClickOn(Widget* widget, const std::string& label) {
   int x = 0, y = 0;
   if (!ReachablePoint(widget, &x, &y)) return Quote(label) + " is covered or lies outside its window";
@@ -193,25 +178,24 @@ std::string ClickOn(Widget* widget, const std::string& label) {
 }
 
 std::string Press(const std::vector<std::string>& words) {
-  if (words.empty() || words.size() > 2) return "usage: press [\"WINDOW\"] \"LABEL\"";
   std::string error;
   const std::string& label = words.back();
   Widget* button =
       FindLabelled(words.size() == 2 ? &words[0] : nullptr, label, ButtonsLabelled, "button or box", &error);
-  return button ? ClickOn(button, label) : error;
+  return Answer(button ? ClickOn(button, label) : error);
 }
 
 std::string Type(const std::vector<std::string>& words) {
-  if (words.size() < 2 || words.size() > 3) return "usage: type [\"WINDOW\"] \"LABEL\" \"TEXT\"";
   std::string error;
   const std::string& label = words[words.size() - 2];
   Widget* field = FindLabelled(words.size() == 3 ? &words[0] : nullptr, label, FieldsLabelled,
                                "text field right of", &error);
-  if (!field) return error;
+  if (!field) return Answer(error);
   Hold hold;
   error = ClickOn(field, label);
-  if (!error.empty()) return error;
-  if (keyboardFocus != field) return "the field right of " + Quote(label) + " does not take the keyboard";
+  if (!error.empty()) return Answer(error);
+  if (keyboardFocus != field)
+    return "error: the field right of " + Quote(label) + " does not take the keyboard";
   SetProperty(field, xpProperty_EditFieldSelStart, 0);
   SetProperty(field, xpProperty_EditFieldSelEnd, static_cast<intptr_t>(field->text.size()));
   TypeKey(XPLM_KEY_DELETE, 0x08, 0);
@@ -219,32 +203,57 @@ std::string Type(const std::vector<std::string>& words) {
     if (keyboardFocus == field) TypeCharacter(character);
   }
   if (keyboardFocus == field) TypeKey(XPLM_KEY_RETURN, 0x0D, 0);
-  return "";
+  return "ok";
 }
 
 std::string Close(const std::vector<std::string>& words) {
-  if (words.size() != 1) return "usage: close \"WINDOW\"";
   for (Widget* window : VisibleWindows()) {
     if (window->text != words[0]) continue;
     if (!Property(window, xpProperty_MainWindowHasCloseBoxes))
-      return "window " + Quote(words[0]) + " has no close box";
+      return "error: window " + Quote(words[0]) + " has no close box";
     for (int k = 0; k < 2; ++k) {
       const Rect box = CloseBox(window, k);
       const int x = (box.left + box.right) / 2, y = (box.top + box.bottom) / 2;
       if (WidgetAt(window, x, y, true, true) != window) continue;
       Click(window, x, y);
-      return "";
+      return "ok";
     }
-    return "the close boxes of window " + Quote(words[0]) + " are covered";
+    return "error: the close boxes of window " + Quote(words[0]) + " are covered";
   }
-  return "no visible window " + Quote(words[0]);
+  return "error: no visible window " + Quote(words[0]);
 }
 
 std::string Picture(const std::vector<std::string>& words) {
-  if (words.size() != 1) return "usage: picture FILE";
   std::string error;
   DrawPicture(VisibleWindows(), words[0], &error);
-  return error;
+  return Answer(error);
+}
+
+// A word of the console; `run` returns the whole answer.
+struct WordRow {
+  const char* word = "";
+  const char* usage = "";
+  size_t least = 0, most = 0;  // words that follow
+  std::string (*run)(const std::vector<std::string>& words) = nullptr;
+};
+constexpr WordRow wordRows[] = {
+    {.word = "widgets", .run = List},
+    {.word = "press", .usage = " [\"WINDOW\"] \"LABEL\"", .least = 1, .most = 2, .run = Press},
+    {.word = "type", .usage = " [\"WINDOW\"] \"LABEL\" \"TEXT\"", .least = 2, .most = 3, .run = Type},
+    {.word = "close", .usage = " \"WINDOW\"", .least = 1, .most = 1, .run = Close},
+    {.word = "picture", .usage = " FILE", .least = 1, .most = 1, .run = Picture},
+};
+
+std::string Run(const std::string& word, const char* arguments) {
+  std::vector<std::string> words;
+  std::vector<bool> quoted;
+  if (!SplitWords(arguments, &words, &quoted)) return "error: a quote is not closed";
+  for (const WordRow& row : wordRows) {
+    if (word != row.word) continue;
+    if (words.size() < row.least || words.size() > row.most) return "error: usage: " + word + row.usage;
+    return row.run(words);
+  }
+  return "error: unknown command " + word;
 }
 
 const WidgetHooks kHooks = {WidgetConsole, WidgetCount, PurgeWidgets};
@@ -255,27 +264,7 @@ const bool hooked = (SetWidgetHooks(&kHooks), true);
 
 void WidgetConsole(const char* command, const char* arguments, std::string* answer) {
   Hold hold;
-  const std::string word = command;
-  std::vector<std::string> words;
-  std::vector<bool> quoted;
-  std::string error;
-  *answer = "ok";
-  if (!SplitWords(arguments, &words, &quoted)) {
-    error = "a quote is not closed";
-  } else if (word == "widgets") {
-    *answer = words.empty() ? ListWidgets() : "error: usage: widgets";
-  } else if (word == "press") {
-    error = Press(words);
-  } else if (word == "type") {
-    error = Type(words);
-  } else if (word == "close") {
-    error = Close(words);
-  } else if (word == "picture") {
-    error = Picture(words);
-  } else {
-    error = "unknown command " + word;
-  }
-  if (!error.empty()) *answer = "error: " + error;
+  *answer = Run(command, arguments);
 }
 
 }  // namespace sim

@@ -31,9 +31,9 @@ void LoseFocus(Widget* widget) {
   }
 }
 
-int ReachablePoint(Widget* widget, int* x, int* y) {
+bool ReachablePoint(Widget* widget, int* x, int* y) {
   Widget* window = RootOf(widget);
-  if (!window || !IsVisible(widget)) return 0;
+  if (!window || !IsVisible(widget)) return false;
   const Rect box = Exposed(widget);
   // The centre first, then a grid: something may lie on top of a part of it.
   static const int kSixths[] = {3, 1, 2, 4, 5};
@@ -41,13 +41,13 @@ int ReachablePoint(Widget* widget, int* x, int* y) {
     for (int across : kSixths) {
       *x = box.left + box.Width() * across / 6;
       *y = box.bottom + box.Height() * down / 6;
-      if (WidgetAt(window, *x, *y, true, true) == widget) return 1;
+      if (WidgetAt(window, *x, *y, true, true) == widget) return true;
     }
   }
-  return 0;
+  return false;
 }
 
-int Click(Widget* window, int x, int y) {
+void Click(Widget* window, int x, int y) {
   Hold hold;
   BringToFront(window);
   XPMouseState_t mouse = {x, y, 0, 0};
@@ -55,9 +55,7 @@ int Click(Widget* window, int x, int y) {
   // Up the chain; the one that takes the click owns the rest of it.
   while (target && IsLive(target) && !Send(target, xpMsg_MouseDown, xpMode_Direct, AsParam(&mouse), 0))
     target = target->parent;
-  if (!target) return 0;
-  if (IsLive(target)) Send(target, xpMsg_MouseUp, xpMode_Direct, AsParam(&mouse), 0);
-  return 1;
+  if (target && IsLive(target)) Send(target, xpMsg_MouseUp, xpMode_Direct, AsParam(&mouse), 0);
 }
 
 void TypeKey(char key, unsigned char virtualKey, int modifiers) {

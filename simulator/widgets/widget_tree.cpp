@@ -259,7 +259,7 @@ using namespace sim;
 XPWidgetID XPCreateWidget(int left, int top, int right, int bottom, int visible, const char* descriptor,
                           int isRoot, XPWidgetID container, XPWidgetClass widgetClass) {
   Widget* parent = Check(container, "XPCreateWidget");
-  XPWidgetFunc_t function = ClassFunction(widgetClass);
+  XPWidgetFunc_t function = ClassOf(widgetClass).function;
   if (!function) return nullptr;
   return Create({left, top, right, bottom}, visible != 0, descriptor, isRoot != 0, parent, widgetClass,
                 function);
@@ -409,5 +409,5 @@ void XPAddWidgetCallback(XPWidgetID widget, XPWidgetFunc_t fn) {
 
 XPWidgetFunc_t XPGetWidgetClassFunc(XPWidgetClass widgetClass) {
   CheckCaller("XPGetWidgetClassFunc");
-  return ClassFunction(widgetClass);
+  return ClassOf(widgetClass).function;
 }

@@ -85,20 +85,38 @@ Widget* WidgetAt(Widget* container, int x, int y, bool recursive, bool visibleOn
 Widget* SetFocus(Widget* widget);
 // The widget gives the keyboard to the nearest parent that wants it, else to the simulator.
 void LoseFocus(Widget* widget);
-// A point where the mouse would really meet this widget, its window being in front. 0 when there is none.
-int ReachablePoint(Widget* widget, int* x, int* y);
-// Left button down and up at a point of a window. 1 when some widget handled it.
-int Click(Widget* window, int x, int y);
+// A point where the mouse would really meet this widget, its window being in front. False when there is none.
+bool ReachablePoint(Widget* widget, int* x, int* y);
+// Left button down and up at a point of a window.
+void Click(Widget* window, int x, int y);
 // One key down and up for whoever has the keyboard.
 void TypeKey(char key, unsigned char virtualKey, int modifiers);
 // The key that produces a character, with shift where a keyboard needs it.
 void TypeCharacter(char character);
 
-// Class functions, to be used as the oldest callback of a widget.
-XPWidgetFunc_t ClassFunction(XPWidgetClass type);
+// A class of the public interface.
+struct ClassRow {
+  XPWidgetClass type = xpWidgetClass_None;
+  const char* word = "";              // as the console calls it
+  XPWidgetFunc_t function = nullptr;  // the oldest callback of its widgets; null: there are none of the class
+};
+// The row of None (custom widgets) for a class that does not exist.
+const ClassRow& ClassOf(XPWidgetClass type);
 int TextFieldFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t param2);
 // The k-th close box (0 left, 1 right) of a main window.
 Rect CloseBox(const Widget* window, int k);
+// Where the parts of a scroll bar lie, in pixels from the end with the lowest value. A bar lies down when it is
+// wider than high (lowest value left) and stands else (lowest value below). Arrows take a square at either end;
+// the thumb is a square too.
+struct BarLayout {
+  bool lying = false;
+  int size = 0;    // side of the squares
+  int length = 0;  // of the whole bar
+  bool arrows = false;
+  int arrow = 0;  // what they take at either end, 0 for a slider without
+  int Travel() const { return length - 2 * arrow - size; }  // that the thumb can move
+};
+BarLayout LayoutOf(const Widget* bar);
 constexpr int kTitleHeight = 20;
 constexpr int kCharacterWidth = 6;
 

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "core/table.h"
 #include "world/refs.h"
 
 namespace sim {
@@ -23,17 +24,12 @@ bool hasLamps = false;  // mode lamps of the extended 737-800
 
 float Value(const char* name) {
   DataRef* ref = FindLive(name);
-  return ref == nullptr ? 0 : F(ref) + static_cast<float>(I(ref)) * (ref->kind == Kind::Int ? 1.0F : 0.0F);
+  if (ref == nullptr) return 0;
+  return ref->kind == Kind::Int ? static_cast<float>(I(ref)) : F(ref);
 }
 
 void SetValue(const char* name, double value) {
-  DataRef* ref = FindLive(name);
-  if (ref == nullptr) return;
-  if (ref->kind == Kind::Int) {
-    I(ref) = static_cast<int>(value);
-  } else {
-    F(ref) = static_cast<float>(value);
-  }
+  if (DataRef* ref = FindLive(name)) StoreElement(ref, 0, value);
 }
 
 void PutLampsOut() {
@@ -44,91 +40,152 @@ void PutLampsOut() {
   if (circuitFlight) DisconnectAutopilot();
 }
 
-void Run(const AddonCommand& row) {
-  bool on = *row.status != '\0' && Value(row.status) > 0.5F;
-  auto toggle = [&] { SetValue(row.status, on ? 0 : 1); };
-  switch (row.effect) {
-    case AddonEffect::Mode:
-      toggle();
-      if (circuitFlight) PressModes(row.number);
-      break;
-    case AddonEffect::Master:
-      if (Value("laminar/B738/autopilot/disconnect_pos") > 0.5F) break;
-      SetValue(row.status, 1);
-      if (circuitFlight) I(refs.apMode) = 2;
-      break;
-    case AddonEffect::Disconnect:
-      toggle();
-      if (!on) PutLampsOut();
-      break;
-    case AddonEffect::ArmThrottle:
-      toggle();
-      if (circuitFlight && ((I(refs.apState) & apAutothrottle) != 0) == on) PressModes(apAutothrottle);
-      break;
-    case AddonEffect::YawDamper:
-      toggle();
-      SetValue("sim/cockpit/switches/yaw_damper_on", on ? 1 : 0);
-      break;
-    case AddonEffect::ParkBrake:
-      toggle();
-      F(refs.parkBrake) = on ? 0.0F : 1.0F;
-      break;
-    case AddonEffect::Flaps:
-      RequestFlaps(row.number / 8.0);
-      break;
-  }
+// --- What commands do ------------------------------------------------------------------------------
+// `on` is the status before the command.
+
+void Toggle(const AddonCommand& row, bool on) { SetValue(row.status, on ? 0 : 1); }
+
+void RunMode(const AddonCommand& row, bool on) {
+  Toggle(row, on);
+  if (circuitFlight) PressModes(row.number);
 }
+
+void RunMaster(const AddonCommand& row, bool) {
+  if (Value("laminar/B738/autopilot/disconnect_pos") > 0.5F) return;
+  SetValue(row.status, 1);
+  if (circuitFlight) I(refs.apMode) = 2;
+}
+
+void RunDisconnect(const AddonCommand& row, bool on) {
+  Toggle(row, on);
+  if (!on) PutLampsOut();
+}
+
+void RunArmThrottle(const AddonCommand& row, bool on) {
+  Toggle(row, on);
+  if (circuitFlight && ((I(refs.apState) & apAutothrottle) != 0) == on) PressModes(apAutothrottle);
+}
+
+void RunYawDamper(const AddonCommand& row, bool on) {
+  Toggle(row, on);
+  I(refs.yawDamper) = on ? 1 : 0;
+}
+
+void RunParkBrake(const AddonCommand& row, bool on) {
+  Toggle(row, on);
+  F(refs.parkBrake) = on ? 0.0F : 1.0F;
+}
+
+void RunFlaps(const AddonCommand& row, bool) { RequestFlaps(row.number / 8.0); }
+
+struct EffectRow {
+  AddonEffect effect;
+  void (*run)(const AddonCommand& row, bool on) = nullptr;
+};
+constexpr EffectRow effectRows[] = {
+    {.effect = AddonEffect::Mode, .run = RunMode},
+    {.effect = AddonEffect::Master, .run = RunMaster},
+    {.effect = AddonEffect::Disconnect, .run = RunDisconnect},
+    {.effect = AddonEffect::ArmThrottle, .run = RunArmThrottle},
+    {.effect = AddonEffect::YawDamper, .run = RunYawDamper},
+    {.effect = AddonEffect::ParkBrake, .run = RunParkBrake},
+    {.effect = AddonEffect::Flaps, .run = RunFlaps},
+};
+static_assert(IsTableOf<&EffectRow::effect>(effectRows, AddonEffect::Flaps));
 
 void RunCommand(int phase, int tag) {
-  if (phase == 0) Run(addonCommands[tag]);
+  if (phase != 0) return;
+  const AddonCommand& row = addonCommands[static_cast<size_t>(tag)];
+  bool on = *row.status != '\0' && Value(row.status) > 0.5F;
+  effectRows[static_cast<int>(row.effect)].run(row, on);
 }
 
-// A switch of the add-on was set by a plug-in or the console.
+// --- What switches do, and what they show ------------------------------------------------------------
+
+// The bits of a switch's mode, armed or engaged.
+int BothBits(int mode) {
+  return mode | (mode == apNavArmed ? apNav : 0) | (mode == apGlideArmed ? apGlide : 0);
+}
+bool ModeIsOn(int mode) { return (I(refs.apState) & BothBits(mode)) != 0; }
+
+void SetMode(const Linked& it) {
+  if (ModeIsOn(it.row->number) != (I(it.own) != 0)) PressModes(it.row->number);
+}
+void ShowMode(const Linked& it) { I(it.own) = ModeIsOn(it.row->number) ? 1 : 0; }
+
+void SetMaster(const Linked& it) {
+  bool on = I(it.own) != 0;
+  I(refs.apMode) = on ? 2 : 0;
+  if (!on) DisconnectAutopilot();
+  for (const char* lamp : {"x737/systems/afds/CMD_A", "x737/systems/afds/APengaged"})
+    SetValue(lamp, on ? 1 : 0);
+  if (!on) SetValue("x737/systems/afds/CMD_B", 0);
+}
+
+void SetCopy(const Linked& it) {
+  if (it.stock != nullptr) F(it.stock) = F(it.own);
+}
+void SetCopyInt(const Linked& it) {
+  if (it.stock != nullptr) I(it.stock) = I(it.own);
+}
+
+void SetTank(const Linked& it) { F(refs.fuel, it.row->number) = F(it.own); }
+void ShowTank(const Linked& it) { F(it.own) = F(refs.fuel, it.row->number); }
+
+void ShowTemperature(const Linked& it) { F(it.own) = F(refs.egt, it.row->number); }
+
+void SetThrottle(const Linked& it) {
+  int engine = it.row->number;
+  F(refs.throttle, engine) = F(refs.engineThrottle, engine) = std::clamp(F(it.own), 0.0F, 1.0F);
+  I(refs.propMode, engine) = F(it.own) < 0 ? 3 : 1;
+  hands.throttle = true;
+}
+
+void SetMixture(const Linked& it) { F(refs.mixture, it.row->number) = F(it.own); }
+
+void SetGear(const Linked& it) {
+  float handle = F(it.own);
+  if (handle < 0.25F || handle > 0.75F) RequestGear(handle > 0.75F);  // between: the "off" notch
+}
+
+struct LinkRow {
+  AddonLinkKind link;
+  void (*set)(const Linked&) = nullptr;   // after a plug-in or the console has set the switch
+  void (*show)(const Linked&) = nullptr;  // each frame
+};
+constexpr LinkRow linkRows[] = {
+    {.link = AddonLinkKind::Mode, .set = SetMode, .show = ShowMode},
+    {.link = AddonLinkKind::Master, .set = SetMaster},
+    {.link = AddonLinkKind::Copy, .set = SetCopy},
+    {.link = AddonLinkKind::CopyInt, .set = SetCopyInt},
+    {.link = AddonLinkKind::Tank, .set = SetTank, .show = ShowTank},
+    {.link = AddonLinkKind::Temperature, .show = ShowTemperature},
+    {.link = AddonLinkKind::Throttle, .set = SetThrottle},
+    {.link = AddonLinkKind::Mixture, .set = SetMixture},
+    {.link = AddonLinkKind::Gear, .set = SetGear},
+};
+static_assert(IsTableOf<&LinkRow::link>(linkRows, AddonLinkKind::Gear));
+
+const LinkRow& RowOf(const Linked& it) { return linkRows[static_cast<int>(it.row->link)]; }
+
 void SwitchSet(DataRef* self, int, int) {
   for (const Linked& it : linked) {
-    if (it.own != self) continue;
-    bool on = I(self) != 0;
-    switch (it.row->link) {
-      case AddonLinkKind::Mode: {
-        int both = it.row->number | (it.row->number == apNavArmed ? apNav : 0) |
-                   (it.row->number == apGlideArmed ? apGlide : 0);
-        if (((I(refs.apState) & both) != 0) != on) PressModes(it.row->number);
-        break;
-      }
-      case AddonLinkKind::Master:
-        I(refs.apMode) = on ? 2 : 0;
-        if (!on) DisconnectAutopilot();
-        for (const char* lamp : {"x737/systems/afds/CMD_A", "x737/systems/afds/APengaged"})
-          SetValue(lamp, on ? 1 : 0);
-        if (!on) SetValue("x737/systems/afds/CMD_B", 0);
-        break;
-      case AddonLinkKind::Copy:
-        if (it.stock != nullptr) F(it.stock) = F(self);
-        break;
-      case AddonLinkKind::CopyInt:
-        if (it.stock != nullptr) I(it.stock) = I(self);
-        break;
-      case AddonLinkKind::Tank:
-        F(refs.fuel, it.row->number) = F(self);
-        break;
-      case AddonLinkKind::Throttle: {
-        float ratio = std::clamp(F(self), 0.0F, 1.0F);
-        F(refs.throttle, it.row->number) = F(refs.engineThrottle, it.row->number) = ratio;
-        I(refs.propMode, it.row->number) = F(self) < 0 ? 3 : 1;
-        hands.throttle = true;
-        break;
-      }
-      case AddonLinkKind::Mixture:
-        F(refs.mixture, it.row->number) = F(self);
-        break;
-      case AddonLinkKind::Gear:
-        if (F(self) < 0.25F || F(self) > 0.75F) RequestGear(F(self) > 0.75F);  // between: the "off" notch
-        break;
-      case AddonLinkKind::Temperature:
-        break;
-    }
+    if (it.own == self && RowOf(it).set != nullptr) RowOf(it).set(it);
   }
 }
+
+// The lamps of pressed modes follow captures.
+struct LampRow {
+  const char* lamp = "";
+  int modes = 0;
+};
+constexpr LampRow lampRows[] = {
+    {.lamp = "laminar/B738/autopilot/alt_hld_status", .modes = apAltitude},
+    {.lamp = "laminar/B738/autopilot/hdg_sel_status", .modes = apHeading},
+    {.lamp = "laminar/B738/autopilot/vs_status", .modes = apVerticalSpeed},
+    {.lamp = "laminar/B738/autopilot/lvl_chg_status", .modes = apLevelChange},
+    {.lamp = "laminar/B738/autopilot/vorloc_status", .modes = apNavArmed | apNav},
+};
 
 }  // namespace
 
@@ -143,60 +200,33 @@ void PublishAddon(const Aircraft& which) {
     if (ref->live) Withdraw(ref);
   }
   ForgetAddon();
-  for (int i = 0; i < addonRowsCount; i++) {
-    if (std::strcmp(addonRows[i].aircraft, which.name) != 0) continue;
-    for (int j = 0; j < addonRows[i].count; j++) {
-      DataRef* ref = PublishRow(addonRows[i].rows[j]);
+  for (const AddonRows& addon : addonRows) {
+    if (std::strcmp(addon.aircraft, which.name) != 0) continue;
+    for (const DataRefRow& row : addon.rows) {
+      DataRef* ref = PublishRow(row);
       if (ref != nullptr) published.push_back(ref);
     }
   }
-  for (int i = 0; i < addonCommandCount; i++) {
+  for (size_t i = 0; i < addonCommands.size(); i++) {
     if (std::strcmp(addonCommands[i].aircraft, which.name) == 0)
-      PublishCommand(addonCommands[i].name, RunCommand, i);
+      PublishCommand(addonCommands[i].name, RunCommand, static_cast<int>(i));
   }
   if (!circuitFlight) return;
   hasLamps = FindLive("laminar/B738/autopilot/alt_hld_status") != nullptr;
-  for (int i = 0; i < addonLinkCount; i++) {
-    const AddonLink& row = addonLinks[i];
+  for (const AddonLink& row : addonLinks) {
     DataRef* own = FindLive(row.name);
     if (own == nullptr) continue;
     own->onSet = SwitchSet;
-    linked.push_back({&row, own, *row.stock != '\0' ? FindLive(row.stock) : nullptr});
+    linked.push_back({.row = &row, .own = own, .stock = *row.stock != '\0' ? FindLive(row.stock) : nullptr});
   }
 }
 
 void StepAddon() {
   for (const Linked& it : linked) {
-    switch (it.row->link) {
-      case AddonLinkKind::Temperature:
-        F(it.own) = F(refs.egt, it.row->number);
-        break;
-      case AddonLinkKind::Tank:
-        F(it.own) = F(refs.fuel, it.row->number);
-        break;
-      case AddonLinkKind::Mode: {
-        int both = it.row->number | (it.row->number == apNavArmed ? apNav : 0) |
-                   (it.row->number == apGlideArmed ? apGlide : 0);
-        I(it.own) = (I(refs.apState) & both) != 0 ? 1 : 0;
-        break;
-      }
-      default:
-        break;
-    }
+    if (RowOf(it).show != nullptr) RowOf(it).show(it);
   }
-  // The lamps of pressed modes follow captures.
   if (!hasLamps) return;
-  const struct {
-    const char* lamp;
-    int modes;
-  } lamps[] = {
-      {"laminar/B738/autopilot/alt_hld_status", apAltitude},
-      {"laminar/B738/autopilot/hdg_sel_status", apHeading},
-      {"laminar/B738/autopilot/vs_status", apVerticalSpeed},
-      {"laminar/B738/autopilot/lvl_chg_status", apLevelChange},
-      {"laminar/B738/autopilot/vorloc_status", apNavArmed | apNav},
-  };
-  for (const auto& it : lamps) SetValue(it.lamp, (I(refs.apState) & it.modes) != 0 ? 1 : 0);
+  for (const LampRow& row : lampRows) SetValue(row.lamp, (I(refs.apState) & row.modes) != 0 ? 1 : 0);
 }
 
 }  // namespace sim

@@ -8,11 +8,9 @@ namespace sim {
 
 struct AddonRows {
   const char* aircraft = "";
-  const DataRefRow* rows = nullptr;
-  int count = 0;
+  std::span<const DataRefRow> rows = {};
 };
-extern const AddonRows addonRows[];
-extern const int addonRowsCount;
+extern const std::span<const AddonRows> addonRows;
 
 enum class AddonEffect {
   Mode,         // presses the stock autopilot mode `number` and toggles the status
@@ -30,8 +28,7 @@ struct AddonCommand {
   AddonEffect effect = AddonEffect::Mode;
   int number = 0;
 };
-extern const AddonCommand addonCommands[];
-extern const int addonCommandCount;
+extern const std::span<const AddonCommand> addonCommands;
 
 enum class AddonLinkKind { Mode, Master, Copy, CopyInt, Tank, Temperature, Throttle, Mixture, Gear };
 struct AddonLink {
@@ -40,7 +37,6 @@ struct AddonLink {
   const char* stock = "";  // for the copies
   int number = 0;          // mode bits, tank or engine
 };
-extern const AddonLink addonLinks[];
-extern const int addonLinkCount;
+extern const std::span<const AddonLink> addonLinks;
 
 }  // namespace sim

@@ -151,22 +151,14 @@ const DataRefRow ixeg[] = {
     {.name = "ixeg/733/misc/seatbelt_act", .kind = Kind::Float, .writable = true, .unit = "switch position"},
 };
 
-template <int N>
-constexpr int Count(const DataRefRow (&)[N]) {
-  return N;
-}
-
-}  // namespace
-
-const AddonRows addonRows[] = {
-    {.aircraft = "b738", .rows = stockBoeing, .count = Count(stockBoeing)},
-    {.aircraft = "b738-extended", .rows = extendedBoeing, .count = Count(extendedBoeing)},
-    {.aircraft = "x737", .rows = x737, .count = Count(x737)},
-    {.aircraft = "ixeg733", .rows = ixeg, .count = Count(ixeg)},
+const AddonRows rows[] = {
+    {.aircraft = "b738", .rows = stockBoeing},
+    {.aircraft = "b738-extended", .rows = extendedBoeing},
+    {.aircraft = "x737", .rows = x737},
+    {.aircraft = "ixeg733", .rows = ixeg},
 };
-const int addonRowsCount = static_cast<int>(sizeof addonRows / sizeof addonRows[0]);
 
-const AddonCommand addonCommands[] = {
+const AddonCommand commands[] = {
     {.aircraft = "b738",
      .name = "laminar/B738/autopilot/cmd_a_press",
      .status = "laminar/B738/autopilot/cmd_a_status",
@@ -248,10 +240,9 @@ const AddonCommand addonCommands[] = {
      .effect = AddonEffect::Flaps,
      .number = 8},
 };
-const int addonCommandCount = static_cast<int>(sizeof addonCommands / sizeof addonCommands[0]);
 
 // Switches that are set, not pressed: writing them works the stock control of the same meaning.
-const AddonLink addonLinks[] = {
+const AddonLink links[] = {
     {.name = "x737/systems/afds/HDG", .link = AddonLinkKind::Mode, .number = apHeading},
     {.name = "x737/systems/afds/VORLOC", .link = AddonLinkKind::Mode, .number = apNavArmed},
     {.name = "x737/systems/afds/APP", .link = AddonLinkKind::Mode, .number = apGlideArmed},
@@ -303,6 +294,11 @@ const AddonLink addonLinks[] = {
     {.name = "x737/cockpit/tq/leftCutoffLeverPos", .link = AddonLinkKind::Mixture, .number = 0},
     {.name = "x737/cockpit/tq/rightCutoffLeverPos", .link = AddonLinkKind::Mixture, .number = 1},
 };
-const int addonLinkCount = static_cast<int>(sizeof addonLinks / sizeof addonLinks[0]);
+
+}  // namespace
+
+const std::span<const AddonRows> addonRows = rows;
+const std::span<const AddonCommand> addonCommands = commands;
+const std::span<const AddonLink> addonLinks = links;
 
 }  // namespace sim

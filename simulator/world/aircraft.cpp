@@ -37,25 +37,32 @@ constexpr Aircraft Jet() {
           .torqueMaxNm = 2000};
 }
 
-constexpr Aircraft Boeing() {
-  Aircraft it = Jet();
+// What one aircraft of a family calls itself.
+struct Naming {
+  const char* name = "";
+  const char* title = "";
+  const char* file = "";
+  const char* folder = "";
+  const char* signature = "";
+};
+
+constexpr Aircraft Named(Aircraft it, const Naming& naming) {
+  it.name = naming.name;
+  it.title = naming.title;
+  it.file = naming.file;
+  it.folder = naming.folder;
+  it.signature = naming.signature;
+  return it;
+}
+
+constexpr Aircraft Boeing(const Naming& naming) {
+  Aircraft it = Named(Jet(), naming);
   it.emptyKg = 41400;
   it.payloadKg = 12000;
   it.fuelMaxKg = 20800;
   it.fuelStartKg = 8000;
   it.maxKg = 79000;
   it.maxThrust = 117000;
-  return it;
-}
-
-constexpr Aircraft Boeing(const char* name, const char* title, const char* file, const char* folder,
-                          const char* signature) {
-  Aircraft it = Boeing();
-  it.name = name;
-  it.title = title;
-  it.file = file;
-  it.folder = folder;
-  it.signature = signature;
   return it;
 }
 
@@ -95,12 +102,11 @@ constexpr Aircraft Helicopter() {
 }
 
 constexpr Aircraft Ec135() {
-  Aircraft it = Helicopter();
-  it.name = "ec135";
-  it.title = "EC135 V5";
-  it.file = "EC135.acf";
-  it.folder = "Aircraft/Helicopters/EC135";
-  it.signature = "rotorsim.ec135.management";
+  Aircraft it = Named(Helicopter(), {.name = "ec135",
+                                     .title = "EC135 V5",
+                                     .file = "EC135.acf",
+                                     .folder = "Aircraft/Helicopters/EC135",
+                                     .signature = "rotorsim.ec135.management"});
   it.engines = 2;
   it.emptyKg = 1650;
   it.fuelMaxKg = 560;
@@ -112,9 +118,7 @@ constexpr Aircraft Ec135() {
   return it;
 }
 
-}  // namespace
-
-const Aircraft aircraftTable[] = {
+const Aircraft rows[] = {
     Jet(),
     {.name = "prop",
      .title = "Standin Single Prop",
@@ -177,14 +181,30 @@ const Aircraft aircraftTable[] = {
      .redlineRad = 209.4,
      .torqueMaxNm = 3000},
     Helicopter(),
-    Boeing("b738", "Boeing B737-800 by Standin", "b738.acf", "Aircraft/Laminar Research/Boeing B737-800", ""),
-    Boeing("b738-extended", "Boeing 737-800X", "b738x.acf", "Aircraft/Extra Aircraft/B737-800X", ""),
-    Boeing("x737", "x737-800", "x737_800.acf", "Aircraft/Heavy Metal/x737", "bs.x737.plugin"),
-    Boeing("ixeg733", "Boeing 737-300", "B733.acf", "Aircraft/X-Aviation/IXEG 737 Classic", ""),
+    Boeing({.name = "b738",
+            .title = "Boeing B737-800 by Standin",
+            .file = "b738.acf",
+            .folder = "Aircraft/Laminar Research/Boeing B737-800"}),
+    Boeing({.name = "b738-extended",
+            .title = "Boeing 737-800X",
+            .file = "b738x.acf",
+            .folder = "Aircraft/Extra Aircraft/B737-800X"}),
+    Boeing({.name = "x737",
+            .title = "x737-800",
+            .file = "x737_800.acf",
+            .folder = "Aircraft/Heavy Metal/x737",
+            .signature = "bs.x737.plugin"}),
+    Boeing({.name = "ixeg733",
+            .title = "Boeing 737-300",
+            .file = "B733.acf",
+            .folder = "Aircraft/X-Aviation/IXEG 737 Classic"}),
     Ec135(),
 };
-const int aircraftCount = static_cast<int>(sizeof aircraftTable / sizeof aircraftTable[0]);
-const Aircraft* aircraft = &aircraftTable[0];
+
+}  // namespace
+
+const std::span<const Aircraft> aircraftTable = rows;
+const Aircraft* aircraft = &rows[0];
 
 namespace {
 
@@ -195,52 +215,50 @@ const Aircraft* FindAircraft(const char* name) {
   return nullptr;
 }
 
-void SetInt(const char* name, int value, int elements = 1) {
-  DataRef* ref = FindLive(name);
-  for (int i = 0; ref != nullptr && i < elements; i++) I(ref, i) = value;
-}
+// A dataref that tells a plug-in what is being flown, and its element i for an aircraft.
+struct FigureRow {
+  const char* name = "";
+  double (*of)(const Aircraft&, int i) = nullptr;
+};
+const FigureRow figureRows[] = {
+    {.name = "sim/aircraft/prop/acf_en_type",
+     .of = [](const Aircraft& it, int i) -> double { return i < it.engines ? it.engineType : 0; }},
+    {.name = "sim/aircraft/engine/acf_num_engines",
+     .of = [](const Aircraft& it, int) -> double { return it.engines; }},
+    {.name = "sim/aircraft/overflow/acf_num_tanks",
+     .of = [](const Aircraft& it, int) -> double { return it.tanks; }},
+    {.name = "sim/aircraft/overflow/acf_tank_rat",
+     .of = [](const Aircraft& it, int i) { return i < it.tanks ? it.tankShare[i] : 0; }},
+    {.name = "sim/aircraft/gear/acf_gear_is_skid",
+     .of = [](const Aircraft& it, int) -> double { return it.redlineRad < 50; }},
+    {.name = "sim/aircraft/view/acf_has_mixture",
+     .of = [](const Aircraft& it, int) -> double { return it.mixture; }},
+    {.name = "sim/aircraft/view/acf_Vne", .of = [](const Aircraft& it, int) { return it.vne; }},
+    {.name = "sim/aircraft/engine/acf_RSC_redline_eng",
+     .of = [](const Aircraft& it, int) { return it.redlineRad; }},
+    {.name = "sim/aircraft/limits/red_hi_TRQ",
+     .of = [](const Aircraft& it, int) { return it.torqueMaxNm / 1.3558; }},
+    {.name = "sim/aircraft/weight/acf_m_empty", .of = [](const Aircraft& it, int) { return it.emptyKg; }},
+    {.name = "sim/aircraft/weight/acf_m_max", .of = [](const Aircraft& it, int) { return it.maxKg; }},
+    {.name = "sim/aircraft/weight/acf_m_fuel_tot", .of = [](const Aircraft& it, int) { return it.fuelMaxKg; }},
+    {.name = "sim/flightmodel/weight/m_fixed", .of = [](const Aircraft& it, int) { return it.payloadKg; }},
+    {.name = "sim/aircraft/parts/acf_gear_leglen",
+     .of = [](const Aircraft& it, int i) { return i < 3 ? it.gearHeight : 0; }},
+    {.name = "sim/aircraft/view/acf_livery_index", .of = [](const Aircraft&, int) { return 0.0; }},
+};
 
-void SetFloat(const char* name, double value) {
-  DataRef* ref = FindLive(name);
-  if (ref != nullptr) F(ref) = static_cast<float>(value);
-}
-
-void SetName(const char* name, const char* text) {
-  DataRef* ref = FindLive(name);
-  if (ref != nullptr) SetText(ref, text);
-}
-
-// The datarefs that tell a plug-in what is being flown.
 void DescribeAircraft(const Aircraft& it) {
-  for (int i = 0; i < 8; i++) {
-    if (DataRef* types = FindLive("sim/aircraft/prop/acf_en_type"))
-      I(types, i) = i < it.engines ? it.engineType : 0;
+  for (const FigureRow& row : figureRows) {
+    DataRef* ref = FindLive(row.name);
+    for (int i = 0; ref != nullptr && i < ref->count; i++) StoreElement(ref, i, row.of(it, i));
   }
-  SetInt("sim/aircraft/engine/acf_num_engines", it.engines);
-  SetInt("sim/aircraft/overflow/acf_num_tanks", it.tanks);
-  if (DataRef* share = FindLive("sim/aircraft/overflow/acf_tank_rat")) {
-    for (int i = 0; i < 9; i++) F(share, i) = static_cast<float>(i < it.tanks ? it.tankShare[i] : 0);
-  }
-  SetInt("sim/aircraft/gear/acf_gear_is_skid", it.redlineRad < 50 ? 1 : 0);
-  SetInt("sim/aircraft/view/acf_has_mixture", it.mixture ? 1 : 0);
-  SetFloat("sim/aircraft/view/acf_Vne", it.vne);
-  SetFloat("sim/aircraft/engine/acf_RSC_redline_eng", it.redlineRad);
-  SetFloat("sim/aircraft/limits/red_hi_TRQ", it.torqueMaxNm / 1.3558);
-  SetFloat("sim/aircraft/weight/acf_m_empty", it.emptyKg);
-  SetFloat("sim/aircraft/weight/acf_m_max", it.maxKg);
-  SetFloat("sim/aircraft/weight/acf_m_fuel_tot", it.fuelMaxKg);
-  SetFloat("sim/flightmodel/weight/m_fixed", it.payloadKg);
-  if (DataRef* legs = FindLive("sim/aircraft/parts/acf_gear_leglen")) {
-    for (int i = 0; i < 10; i++) F(legs, i) = static_cast<float>(i < 3 ? it.gearHeight : 0);
-  }
-  SetName("sim/aircraft/view/acf_descrip", it.title);
-  SetName("sim/aircraft/view/acf_livery_path", "");
-  SetInt("sim/aircraft/view/acf_livery_index", 0);
+  if (DataRef* title = FindLive("sim/aircraft/view/acf_descrip")) SetText(title, it.title);
+  if (DataRef* livery = FindLive("sim/aircraft/view/acf_livery_path")) SetText(livery, "");
 }
 
 }  // namespace
 
-int WorldKnowsAircraft(const std::string& name) { return FindAircraft(name.c_str()) != nullptr ? 1 : 0; }
+bool WorldKnowsAircraft(const std::string& name) { return FindAircraft(name.c_str()) != nullptr; }
 
 const char* WorldAircraftPluginSignature() { return aircraft->signature; }
 

@@ -6,7 +6,9 @@
 
 namespace sim {
 
-const DataRefRow datarefRows[] = {
+namespace {
+
+const DataRefRow rows[] = {
     {.name = "sim/aircraft/engine/acf_RSC_redline_eng",
      .kind = Kind::Float,
      .writable = true,
@@ -750,6 +752,9 @@ const DataRefRow datarefRows[] = {
      .start = 35,
      .unit = "kts >= 0"},
 };
-const int datarefRowCount = static_cast<int>(sizeof datarefRows / sizeof datarefRows[0]);
+
+}  // namespace
+
+const std::span<const DataRefRow> datarefRows = rows;
 
 }  // namespace sim

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "XPLMNavigation.h"
 #include "flight/flight.h"
 #include "world/refs.h"
 #include "world/world.h"
@@ -10,20 +11,6 @@
 namespace sim {
 
 namespace {
-
-enum Type {
-  Airport = 1,
-  Ndb = 2,
-  Vor = 4,
-  Ils = 8,
-  Loc = 16,
-  Gs = 32,
-  Om = 64,
-  Mm = 128,
-  Im = 256,
-  Fix = 512,
-  Dme = 1024
-};
 
 // Place in runway terms: metres along the runway course from its centre, metres to the right of it.
 struct AidRow {
@@ -38,24 +25,24 @@ struct AidRow {
 
 // Like-typed ones lie together.
 const AidRow aidRows[] = {
-    {.type = Airport, .id = "XTAV", .name = "Standin Field"},
-    {.type = Airport, .id = "XTAE", .along = 52000, .right = 21000, .height = 510, .name = "Eastwood"},
-    {.type = Ndb, .id = "SN", .freq = 375, .along = -8900, .heading = 0, .name = "Standin NDB"},
-    {.type = Ndb,
+    {.type = xplm_Nav_Airport, .id = "XTAV", .name = "Standin Field"},
+    {.type = xplm_Nav_Airport, .id = "XTAE", .along = 52000, .right = 21000, .height = 510, .name = "Eastwood"},
+    {.type = xplm_Nav_NDB, .id = "SN", .freq = 375, .along = -8900, .heading = 0, .name = "Standin NDB"},
+    {.type = xplm_Nav_NDB,
      .id = "EW",
      .freq = 416,
      .along = 52000,
      .right = 21000,
      .height = 510,
      .name = "Eastwood NDB"},
-    {.type = Vor,
+    {.type = xplm_Nav_VOR,
      .id = "STV",
      .freq = 11380,
      .along = 900,
      .right = 1200,
      .heading = -magneticVariation,
      .name = "Standin VOR/DME"},
-    {.type = Vor,
+    {.type = xplm_Nav_VOR,
      .id = "EWD",
      .freq = 11625,
      .along = 49000,
@@ -63,39 +50,61 @@ const AidRow aidRows[] = {
      .height = 640,
      .heading = -magneticVariation,
      .name = "Eastwood VOR/DME"},
-    {.type = Ils,
+    {.type = xplm_Nav_ILS,
      .id = "ISF",
      .freq = 10950,
      .along = 1700,
      .heading = runwayCourse,
      .name = "Standin Field 07 ILS"},
-    {.type = Loc,
+    {.type = xplm_Nav_Localizer,
      .id = "ISW",
      .freq = 11090,
      .along = -1700,
      .heading = runwayCourse + 180,
      .name = "Standin Field 25 LOC"},
-    {.type = Gs,
+    {.type = xplm_Nav_GlideSlope,
      .id = "ISF",
      .freq = 10950,
      .along = -1200,
      .right = 120,
      .heading = 300000 + runwayCourse,
      .name = "Standin Field 07 GS"},
-    {.type = Om, .id = "OM", .along = -8900, .heading = runwayCourse, .name = "Standin Field 07 OM"},
-    {.type = Mm, .id = "MM", .along = -2600, .heading = runwayCourse, .name = "Standin Field 07 MM"},
-    {.type = Im, .id = "IM", .along = -1850, .heading = runwayCourse, .name = "Standin Field 07 IM"},
-    {.type = Fix, .id = "SABLE", .along = -18000, .height = 0, .name = "SABLE"},
-    {.type = Fix, .id = "NORTA", .along = 6000, .right = -14000, .height = 0, .name = "NORTA"},
-    {.type = Dme, .id = "STV", .freq = 11380, .along = 900, .right = 1200, .name = "Standin VOR/DME DME"},
-    {.type = Dme,
+    {.type = xplm_Nav_OuterMarker,
+     .id = "OM",
+     .along = -8900,
+     .heading = runwayCourse,
+     .name = "Standin Field 07 OM"},
+    {.type = xplm_Nav_MiddleMarker,
+     .id = "MM",
+     .along = -2600,
+     .heading = runwayCourse,
+     .name = "Standin Field 07 MM"},
+    {.type = xplm_Nav_InnerMarker,
+     .id = "IM",
+     .along = -1850,
+     .heading = runwayCourse,
+     .name = "Standin Field 07 IM"},
+    {.type = xplm_Nav_Fix, .id = "SABLE", .along = -18000, .height = 0, .name = "SABLE"},
+    {.type = xplm_Nav_Fix, .id = "NORTA", .along = 6000, .right = -14000, .height = 0, .name = "NORTA"},
+    {.type = xplm_Nav_DME,
+     .id = "STV",
+     .freq = 11380,
+     .along = 900,
+     .right = 1200,
+     .name = "Standin VOR/DME DME"},
+    {.type = xplm_Nav_DME,
      .id = "EWD",
      .freq = 11625,
      .along = 49000,
      .right = 26000,
      .height = 640,
      .name = "Eastwood VOR/DME DME"},
-    {.type = Dme, .id = "ISF", .freq = 10950, .along = -1200, .right = 120, .name = "Standin Field 07 DME-ILS"},
+    {.type = xplm_Nav_DME,
+     .id = "ISF",
+     .freq = 10950,
+     .along = -1200,
+     .right = 120,
+     .name = "Standin Field 07 DME-ILS"},
 };
 
 // What a receiver is tuned to, found anew once a second, on a new frequency and when the list changes.
@@ -106,20 +115,25 @@ struct Receiver {
 Receiver nav[2], adf[2];
 double nextSearch = 0;
 
+struct Eye {  // where the aircraft is
+  double x = 0, z = 0, altitude = 0;
+  double heading = 0;  // degrees true
+};
+
 struct Sight {         // from the aircraft to an aid
   double bearing = 0;  // degrees true
   double metres = 0;   // along the ground
   double slant = 0;
 };
 
-Sight Look(const NavAid& aid, double x, double z, double altitude) {
+Sight Look(const NavAid& aid, const Eye& eye) {
   double ax, ay, az;
   WorldToLocal(static_cast<double>(aid.lat), static_cast<double>(aid.lon), static_cast<double>(aid.height), &ax,
                &ay, &az);
   Sight sight;
-  double east = ax - x, south = az - z;
+  double east = ax - eye.x, south = az - eye.z;
   sight.metres = std::hypot(east, south);
-  sight.slant = std::hypot(sight.metres, static_cast<double>(aid.height) - altitude);
+  sight.slant = std::hypot(sight.metres, static_cast<double>(aid.height) - eye.altitude);
   sight.bearing = std::atan2(east, -south) * radToDeg;
   return sight;
 }
@@ -128,24 +142,25 @@ double Wrap180(double angle) { return std::remainder(angle, 360.0); }
 
 double RangeOf(int type) {
   switch (type) {
-    case Vor:
+    case xplm_Nav_VOR:
       return 150000;
-    case Ndb:
+    case xplm_Nav_NDB:
       return 110000;
-    case Gs:
+    case xplm_Nav_GlideSlope:
       return 25000;
     default:
       return 60000;
   }
 }
 
-int Nearest(int types, int freq, double x, double z, double altitude) {
+// Index of the nearest one in reach, -1 none.
+int Nearest(int types, int freq, const Eye& eye) {
   int best = -1;
   double bestDistance = 1e12;
   const std::vector<NavAid>& aids = NavAids();
   for (size_t i = 0; i < aids.size(); i++) {
     if ((aids[i].type & types) == 0 || aids[i].freq != freq) continue;
-    Sight sight = Look(aids[i], x, z, altitude);
+    Sight sight = Look(aids[i], eye);
     // Written so that a position that is not a number receives nothing.
     if (!(sight.slant <= RangeOf(aids[i].type)) || !(sight.slant < bestDistance)) continue;
     best = static_cast<int>(i);
@@ -154,78 +169,111 @@ int Nearest(int types, int freq, double x, double z, double altitude) {
   return best;
 }
 
-void Search(double x, double z, double altitude) {
+void Search(const Eye& eye) {
   for (int i = 0; i < 2; i++) {
     int freq = I(refs.navFreq[i]);
     bool works = I(refs.failNav[i]) != 6;
     nav[i].freq = freq;
-    nav[i].station = works ? Nearest(Vor | Ils | Loc, freq, x, z, altitude) : -1;
-    nav[i].glide = works ? Nearest(Gs, freq, x, z, altitude) : -1;
-    nav[i].dme = works ? Nearest(Dme, freq, x, z, altitude) : -1;
+    nav[i].station = works ? Nearest(xplm_Nav_VOR | xplm_Nav_ILS | xplm_Nav_Localizer, freq, eye) : -1;
+    nav[i].glide = works ? Nearest(xplm_Nav_GlideSlope, freq, eye) : -1;
+    nav[i].dme = works ? Nearest(xplm_Nav_DME, freq, eye) : -1;
     adf[i].freq = I(refs.adfFreq[i]);
-    adf[i].station = I(refs.failAdf[i]) != 6 ? Nearest(Ndb, adf[i].freq, x, z, altitude) : -1;
+    adf[i].station = I(refs.failAdf[i]) != 6 ? Nearest(xplm_Nav_NDB, adf[i].freq, eye) : -1;
   }
 }
 
+const NavAid* AidAt(int index) { return index >= 0 ? &NavAids()[static_cast<size_t>(index)] : nullptr; }
+
 float Dots(double value) { return static_cast<float>(std::clamp(value, -2.5, 2.5)); }
 
-// Needles of one navigation receiver.
-void ShowNav(int i, double x, double z, double altitude, double heading) {
-  const std::vector<NavAid>& aids = NavAids();
-  const Receiver& receiver = nav[i];
-  float hdef = 0, vdef = 0, direction = 0, slope = 0;
-  int fromTo = 0, glide = 0, code = 0;
-  double courseTrue = static_cast<double>(F(refs.navObs[i])) - magneticVariation;
-  const char* id = "";
-  if (receiver.station >= 0) {
-    const NavAid& aid = aids[static_cast<size_t>(receiver.station)];
-    Sight sight = Look(aid, x, z, altitude);
-    id = aid.id.c_str();
-    direction = static_cast<float>(Wrap180(sight.bearing - heading));
-    if (aid.type == Vor) {
-      code = 3;
-      // Positive: the course lies to the right. Full scale, 2.5 dots, is 10 degrees.
-      double off = Wrap180(sight.bearing - courseTrue);
-      bool to = std::fabs(off) <= 90;
-      fromTo = to ? 1 : 2;
-      hdef = Dots((to ? off : -Wrap180(off + 180)) / 4);
-    } else {
-      code = aid.type == Ils ? 4 : 5;
-      courseTrue = static_cast<double>(aid.heading);
-      double off = Wrap180(sight.bearing - courseTrue);
-      bool front = std::fabs(off) <= 90;
-      fromTo = front ? 1 : 2;
-      hdef = Dots(front ? off : -Wrap180(off + 180));
+// Codes of nav_type.
+enum : int { codeNone = 0, codeNdb = 2, codeVor = 3, codeIls = 4, codeLocalizer = 5, codeDme = 12 };
+
+// What one navigation receiver indicates.
+struct Needles {
+  float hdef = 0, vdef = 0;  // dots
+  float direction = 0;       // of the station, degrees from the nose
+  float slope = 0;           // degrees
+  int fromTo = 0;            // 1 to, 2 from
+  bool glide = false;        // the slope is received
+  int code = codeNone;
+  double courseTrue = 0;
+};
+
+// The needle across: positive when the course lies to the right.
+void SeeCourse(const NavAid& aid, const Eye& eye, Needles* needles) {
+  Sight sight = Look(aid, eye);
+  needles->direction = static_cast<float>(Wrap180(sight.bearing - eye.heading));
+  bool vor = aid.type == xplm_Nav_VOR;
+  needles->code = vor ? codeVor : aid.type == xplm_Nav_ILS ? codeIls : codeLocalizer;
+  if (!vor) needles->courseTrue = static_cast<double>(aid.heading);
+  double off = Wrap180(sight.bearing - needles->courseTrue);
+  bool to = std::fabs(off) <= 90;
+  needles->fromTo = to ? 1 : 2;
+  // Full scale, 2.5 dots, is 10 degrees of a VOR and 2.5 degrees of a localizer.
+  needles->hdef = Dots((to ? off : -Wrap180(off + 180)) / (vor ? 4 : 1));
+}
+
+void SeeSlope(const NavAid& aid, const Eye& eye, Needles* needles) {
+  Sight sight = Look(aid, eye);
+  double packed = static_cast<double>(aid.heading);  // slope in degrees x 100,000 + course
+  double angle = std::floor(packed / 1000) / 100;
+  double course = packed - angle * 100000;
+  if (!(std::fabs(Wrap180(sight.bearing - course)) < 30 && angle > 0)) return;
+  needles->glide = true;
+  needles->slope = static_cast<float>(angle);
+  double own = std::atan2(eye.altitude - static_cast<double>(aid.height), sight.metres) * radToDeg;
+  needles->vdef = Dots((own - angle) / 0.28);  // positive: the path lies below
+}
+
+void ShowNav(int i, const Eye& eye) {
+  const NavAid* station = AidAt(nav[i].station);
+  const NavAid* glide = AidAt(nav[i].glide);
+  const NavAid* dme = AidAt(nav[i].dme);
+  Needles needles;
+  needles.courseTrue = static_cast<double>(F(refs.navObs[i])) - magneticVariation;
+  if (station != nullptr) SeeCourse(*station, eye, &needles);
+  if (glide != nullptr && needles.code == codeIls) SeeSlope(*glide, eye, &needles);
+  F(refs.navHdef[i]) = needles.hdef;
+  F(refs.navVdef[i]) = needles.vdef;
+  F(refs.navDir[i]) = needles.direction;
+  F(refs.navSlope[i]) = needles.slope;
+  I(refs.navFromTo[i]) = needles.fromTo;
+  I(refs.navCdi[i]) = needles.glide ? 1 : 0;
+  I(refs.navHasDme[i]) = dme != nullptr ? 1 : 0;
+  F(refs.navDme[i]) = dme != nullptr ? static_cast<float>(Look(*dme, eye).slant / 1852) : 0.0F;
+  I(refs.navType, i) = needles.code == codeNone && dme != nullptr ? codeDme : needles.code;
+  if (i == 1) F(refs.nav2Course) = static_cast<float>(std::fmod(needles.courseTrue + 360, 360));
+  SetText(refs.navId[i], station != nullptr ? station->id.c_str() : "");
+}
+
+void ShowAdf(int i) {
+  const NavAid* station = AidAt(adf[i].station);
+  SetText(refs.adfId[i], station != nullptr ? station->id.c_str() : "");
+  I(refs.navType, 2 + i) = station != nullptr ? codeNdb : codeNone;
+}
+
+struct MarkerRow {
+  int type = 0;
+  double reach = 0;  // metres along the ground
+  DataRef** lamp = nullptr;
+};
+constexpr MarkerRow markerRows[] = {
+    {.type = xplm_Nav_OuterMarker, .reach = 900, .lamp = &refs.marker[0]},
+    {.type = xplm_Nav_MiddleMarker, .reach = 450, .lamp = &refs.marker[1]},
+    {.type = xplm_Nav_InnerMarker, .reach = 250, .lamp = &refs.marker[2]},
+};
+
+void ShowMarkers(const Eye& eye) {
+  for (const MarkerRow& row : markerRows) {
+    bool over = false;
+    for (const NavAid& aid : NavAids()) {
+      if (aid.type != row.type) continue;
+      Sight sight = Look(aid, eye);
+      over |= sight.metres < row.reach && sight.slant < 1500;
     }
+    I(*row.lamp) = over ? 1 : 0;
   }
-  if (receiver.glide >= 0 && code == 4) {
-    const NavAid& aid = aids[static_cast<size_t>(receiver.glide)];
-    Sight sight = Look(aid, x, z, altitude);
-    double packed = static_cast<double>(aid.heading);  // slope in degrees x 100,000 + course
-    double angle = std::floor(packed / 1000) / 100;
-    double course = packed - angle * 100000;
-    if (std::fabs(Wrap180(sight.bearing - course)) < 30 && angle > 0) {
-      glide = 1;
-      slope = static_cast<float>(angle);
-      double own = std::atan2(altitude - static_cast<double>(aid.height), sight.metres) * radToDeg;
-      vdef = Dots((own - angle) / 0.28);  // positive: the path lies below
-    }
-  }
-  F(refs.navHdef[i]) = hdef;
-  F(refs.navVdef[i]) = vdef;
-  F(refs.navDir[i]) = direction;
-  F(refs.navSlope[i]) = slope;
-  I(refs.navFromTo[i]) = fromTo;
-  I(refs.navCdi[i]) = glide;
-  bool dme = receiver.dme >= 0;
-  I(refs.navHasDme[i]) = dme ? 1 : 0;
-  F(refs.navDme[i]) =
-      dme ? static_cast<float>(Look(aids[static_cast<size_t>(receiver.dme)], x, z, altitude).slant / 1852)
-          : 0.0F;
-  if (code == 0 && dme) code = 12;
-  I(refs.navType, i) = code;
-  if (i == 1) F(refs.nav2Course) = static_cast<float>(std::fmod(courseTrue + 360, 360));
-  SetText(refs.navId[i], id);
 }
 
 }  // namespace
@@ -259,31 +307,24 @@ void WorldNavAidsChanged() {
 }
 
 void StepRadios(double now) {
-  double x = D(refs.x), z = D(refs.z), altitude = D(refs.elevation);
-  double heading = static_cast<double>(F(refs.psi));
+  Eye eye = {.x = D(refs.x),
+             .z = D(refs.z),
+             .altitude = D(refs.elevation),
+             .heading = static_cast<double>(F(refs.psi))};
   bool retuned = false;
   for (int i = 0; i < 2; i++) {
     retuned |= nav[i].freq != I(refs.navFreq[i]) || adf[i].freq != I(refs.adfFreq[i]);
   }
   if (retuned || now >= nextSearch || now + 1 < nextSearch) {
-    Search(x, z, altitude);
+    Search(eye);
     nextSearch = now + 1;
   }
   for (int i = 0; i < 2; i++) {
-    ShowNav(i, x, z, altitude, heading);
-    bool heard = adf[i].station >= 0;
-    SetText(refs.adfId[i], heard ? NavAids()[static_cast<size_t>(adf[i].station)].id.c_str() : "");
-    I(refs.navType, 2 + i) = heard ? 2 : 0;
+    ShowNav(i, eye);
+    ShowAdf(i);
   }
-  I(refs.navType, 5) = nav[0].dme >= 0 || nav[1].dme >= 0 ? 12 : 0;
-  int over[3] = {0, 0, 0};
-  for (const NavAid& aid : NavAids()) {
-    if ((aid.type & (Om | Mm | Im)) == 0) continue;
-    Sight sight = Look(aid, x, z, altitude);
-    double reach = aid.type == Om ? 900 : aid.type == Mm ? 450 : 250;
-    if (sight.metres < reach && sight.slant < 1500) over[aid.type == Om ? 0 : aid.type == Mm ? 1 : 2] = 1;
-  }
-  for (int i = 0; i < 3; i++) I(refs.marker[i]) = over[i];
+  I(refs.navType, 5) = nav[0].dme >= 0 || nav[1].dme >= 0 ? codeDme : codeNone;
+  ShowMarkers(eye);
 }
 
 }  // namespace sim

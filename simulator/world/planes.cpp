@@ -24,24 +24,30 @@ PlaneRefs planes[otherPlanes];
 int shownPlanes = 1;  // active ones when the datarefs were last filled
 
 struct Member {
-  const char* name;
-  Kind kind;
-  bool always;  // plug-ins may set it whatever the number of the aircraft (else from the tenth on)
-  DataRef* PlaneRefs::*slot;
+  const char* name = "";
+  Kind kind = Kind::Double;
+  DataRef* PlaneRefs::*slot = nullptr;
+  bool always = true;  // plug-ins may set it whatever the number of the aircraft (else from the tenth on)
 };
-const Member members[] = {
-    {"x", Kind::Double, true, &PlaneRefs::x},      {"y", Kind::Double, true, &PlaneRefs::y},
-    {"z", Kind::Double, true, &PlaneRefs::z},      {"lat", Kind::Double, false, &PlaneRefs::lat},
-    {"lon", Kind::Double, false, &PlaneRefs::lon}, {"el", Kind::Double, false, &PlaneRefs::el},
-    {"the", Kind::Float, true, &PlaneRefs::the},   {"phi", Kind::Float, true, &PlaneRefs::phi},
-    {"psi", Kind::Float, true, &PlaneRefs::psi},   {"v_x", Kind::Float, true, &PlaneRefs::vx},
-    {"v_y", Kind::Float, true, &PlaneRefs::vy},    {"v_z", Kind::Float, true, &PlaneRefs::vz},
+constexpr Member members[] = {
+    {.name = "x", .kind = Kind::Double, .slot = &PlaneRefs::x},
+    {.name = "y", .kind = Kind::Double, .slot = &PlaneRefs::y},
+    {.name = "z", .kind = Kind::Double, .slot = &PlaneRefs::z},
+    {.name = "lat", .kind = Kind::Double, .slot = &PlaneRefs::lat, .always = false},
+    {.name = "lon", .kind = Kind::Double, .slot = &PlaneRefs::lon, .always = false},
+    {.name = "el", .kind = Kind::Double, .slot = &PlaneRefs::el, .always = false},
+    {.name = "the", .kind = Kind::Float, .slot = &PlaneRefs::the},
+    {.name = "phi", .kind = Kind::Float, .slot = &PlaneRefs::phi},
+    {.name = "psi", .kind = Kind::Float, .slot = &PlaneRefs::psi},
+    {.name = "v_x", .kind = Kind::Float, .slot = &PlaneRefs::vx},
+    {.name = "v_y", .kind = Kind::Float, .slot = &PlaneRefs::vy},
+    {.name = "v_z", .kind = Kind::Float, .slot = &PlaneRefs::vz},
 };
 
 // Circle of aircraft n (from 1): centre east and north of the field, radius, height above the field, speed,
 // bearing from the centre at the start.
 struct Circle {
-  double east, north, radius, height, speed, bearing;
+  double east = 0, north = 0, radius = 0, height = 0, speed = 0, bearing = 0;
 };
 
 Circle CircleOf(int n) {
@@ -49,16 +55,21 @@ Circle CircleOf(int n) {
   if (n == 1) {
     // Inside the jet's downwind leg (left of the runway), 150 m above it and 900 m abeam at the start.
     double side = 6030 - 900 - 1500;
-    return {-side * std::cos(course), side * std::sin(course), 1500, 632, 75, runwayCourse - 90};
+    return {.east = -side * std::cos(course),
+            .north = side * std::sin(course),
+            .radius = 1500,
+            .height = 632,
+            .speed = 75,
+            .bearing = runwayCourse - 90};
   }
   double bearing = 47.0 * n;
   double away = 3000.0 + 1900.0 * n;
-  return {away * std::sin(bearing * degToRad),
-          away * std::cos(bearing * degToRad),
-          1800.0 + 150.0 * n,
-          500.0 + 180.0 * n,
-          70.0 + 4.0 * n,
-          19.0 * n};
+  return {.east = away * std::sin(bearing * degToRad),
+          .north = away * std::cos(bearing * degToRad),
+          .radius = 1800.0 + 150.0 * n,
+          .height = 500.0 + 180.0 * n,
+          .speed = 70.0 + 4.0 * n,
+          .bearing = 19.0 * n};
 }
 
 void Place(int n, double now) {
@@ -121,16 +132,16 @@ void StepPlanes(double now) {
   for (int n = 1; n < shownPlanes; n++) Place(n, now);
 }
 
-int WorldAircraftModel(int index, std::string* fileName, std::string* path) {
-  if (index < 0 || index >= std::min(activePlanes, modelCount)) return 0;
-  const Aircraft& model = index == 0 ? *aircraft : aircraftTable[(index - 1) % 4];
+bool WorldAircraftModel(int index, std::string* fileName, std::string* path) {
+  if (index < 0 || index >= std::min(activePlanes, modelCount)) return false;
+  const Aircraft& model = index == 0 ? *aircraft : aircraftTable[static_cast<size_t>(index - 1) % 4];
   *fileName = model.file;
   *path = SystemFolder();
   char separator = path->empty() ? '/' : path->back();
   for (const char* c = model.folder; *c != '\0'; c++) path->push_back(*c == '/' ? separator : *c);
   path->push_back(separator);
   path->append(model.file);
-  return 1;
+  return true;
 }
 
 }  // namespace sim

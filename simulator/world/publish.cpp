@@ -42,9 +42,15 @@ void SetText(DataRef* ref, const char* text) {
   std::fill(ref->bytes.begin() + static_cast<std::ptrdiff_t>(length), ref->bytes.end(), uint8_t{0});
 }
 
+void StoreElement(DataRef* ref, int i, double value) {
+  if (!ref->ints.empty()) I(ref, i) = static_cast<int>(value);
+  if (!ref->floats.empty()) F(ref, i) = static_cast<float>(value);
+  if (!ref->doubles.empty()) D(ref, i) = value;
+}
+
 void WorldStart(bool circuit, int planes) {
   circuitFlight = circuit;
-  for (int i = 0; i < datarefRowCount; i++) PublishRow(datarefRows[i]);
+  for (const DataRefRow& row : datarefRows) PublishRow(row);
   BindRefs();
   ForgetAddon();
   PublishCommands();

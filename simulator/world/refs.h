@@ -15,11 +15,11 @@ struct Refs {
   DataRef *onGround, *stallWarning, *altimeter, *radioAltimeter, *turnRate, *nosewheel, *tireSteer, *distance;
   // Controls
   DataRef *yokePitch, *yokePitchTwin, *yokeRoll, *yokeYaw, *yokeYawTwin, *elevatorTrim, *aileronTrim,
-      *rudderTrim, *flapRequest, *flapRatio;
+      *rudderTrim, *rudderTrimTwin, *flapRequest, *flapRatio;
   DataRef *slats, *flapLeft1, *flapRight1, *flapLeft2, *flapRight2, *elevatorDeg, *aileronDeg, *rudderDeg;
   DataRef *speedBrakeRequest, *speedBrakeRatio, *parkBrake, *brakeLeft, *brakeRight, *gearHandle, *gearDeploy;
   DataRef *overridePath, *overrideJoystick, *overridePitch, *overrideRoll, *overrideYaw, *overrideThrottles;
-  DataRef *overrideGearBrake, *overrideAutopilot;
+  DataRef *overrideGearBrake, *overrideAutopilot, *yawDamper, *landingLights;
   // Engines, fuel, weight
   DataRef *throttle, *engineThrottle, *throttleUse, *mixture, *propMode, *running, *starter, *ignition,
       *reverse;

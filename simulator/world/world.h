@@ -7,6 +7,7 @@
 // name says otherwise; headings are true, clockwise from north.
 #pragma once
 #include <numbers>
+#include <span>
 
 #include "core/sim.h"
 
@@ -29,8 +30,7 @@ struct DataRefRow {
   const char* text = "";  // start content of Kind::Bytes
   const char* unit = "";  // for the reader of the table
 };
-extern const DataRefRow datarefRows[];
-extern const int datarefRowCount;
+extern const std::span<const DataRefRow> datarefRows;
 
 // Publishes one row with its start value and returns its record; a name that is live already with another
 // shape (the console may do that) is left as it is and null is returned.
@@ -42,6 +42,8 @@ float& F(DataRef* ref, int i = 0);
 int& I(DataRef* ref, int i = 0);
 double& D(DataRef* ref, int i = 0);
 void SetText(DataRef* ref, const char* text);
+// Element i of a dataref of any numeric kind; integers lose the fraction.
+void StoreElement(DataRef* ref, int i, double value);
 
 void PublishCommands();  // every stock command
 
@@ -77,8 +79,7 @@ struct Aircraft {
   double redlineRad = 0;  // propeller or rotor at full power, rad/s
   double torqueMaxNm = 0;
 };
-extern const Aircraft aircraftTable[];
-extern const int aircraftCount;
+extern const std::span<const Aircraft> aircraftTable;
 extern const Aircraft* aircraft;  // the user's, never null
 
 // Publishes what the add-on of the aircraft brings and withdraws what the previous one brought.
@@ -117,7 +118,7 @@ void PublishPlanes(int active);
 // Moves the other aircraft to where they are `now` seconds after the start.
 void StepPlanes(double now);
 
-// 1 while the flight model derives values, 0 when every value stays as set.
+// True while the flight model derives values, false when every value stays as set.
 extern bool circuitFlight;
 extern int activePlanes;  // the user's included
 

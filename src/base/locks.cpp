@@ -16,13 +16,13 @@ void ServerLockScope::WaitForSimulator() {
   for (int i = 0; i < longestTurn && simulatorTurn.load(std::memory_order_relaxed) != 0; ++i) GiveWay();
 }
 
-int CreateLocks() {
+bool CreateLocks() {
   for (Lock* lock : {&offsetLock, &traceLock, &trafficLock, &trafficSlotLock, &spareLock, &clientListLock}) {
     if (CreateLock(lock)) continue;
     DeleteLocks();
-    return 0;
+    return false;
   }
-  return 1;
+  return true;
 }
 
 void DeleteLocks() {

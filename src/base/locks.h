@@ -1,4 +1,8 @@
-// The program's locks, and the one place that states their order.
+// The room base/: what every room above leans on: the program's locks (this header), the logs (log.h), the
+// version texts, the folders, numbers in bytes. It knows nothing of offsets or of any room above. Log lines and
+// locks are for any thread; the folders ask the simulator and are for its thread.
+//
+// This header: the program's locks, and the one place that states their order.
 //
 // They live from enable to disable, created in the order below, deleted as DeleteLocks does it.
 //
@@ -46,9 +50,9 @@ struct ServerLockScope {
   static void WaitForSimulator();
 };
 
-// Creates the six locks. Simulator's thread, at enable. Returns 1, or 0 when the system refuses one (those
-// made are deleted again).
-int CreateLocks();
+// Creates the six locks. Simulator's thread, at enable. False when the system refuses one (those made
+// are deleted again).
+bool CreateLocks();
 // Deletes them: offset, trace, traffic slot, traffic, spare, client list. Simulator's thread, at disable,
 // after every thread that uses them has been joined.
 void DeleteLocks();

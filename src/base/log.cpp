@@ -42,25 +42,25 @@ void CloseFile(LogFile* log) {
   log->file = nullptr;
 }
 
-// Opens the file in the place of one that is open. Returns 1, or 0 with the one before still open.
-int Open(LogFile* log, OpenMode mode, OpenFailure* failure) {
+// Opens the file in the place of one that is open. On failure the one before is still open.
+bool Open(LogFile* log, OpenMode mode, OpenFailure* failure) {
   FILE* opened = OpenPlainFile(log->path, mode, failure);
-  if (!opened) return 0;
+  if (!opened) return false;
   CloseFile(log);
   log->file = opened;
   const long end = std::fseek(opened, 0, SEEK_END) == 0 ? std::ftell(opened) : -1;
   log->size = end < 0 ? largestLog : static_cast<uint64_t>(end);  // beyond what the system counts: it is full
-  return 1;
+  return true;
 }
 
-// Opens it for appending; the open one goes on taking lines when that fails. Returns 1 or 0.
-int Reopen(LogFile* log) {
-  if (!log->file) return 0;
+// Opens it for appending; the open one goes on taking lines when that fails.
+bool Reopen(LogFile* log) {
+  if (!log->file) return false;
   try {
     OpenFailure failure;
     return Open(log, OpenMode::Append, &failure);
   } catch (...) {
-    return 0;
+    return false;
   }
 }
 
@@ -74,7 +74,7 @@ void Put(LogFile* log, const char* text, size_t length) {
 void BeginAnew(LogFile* log) {
   CloseFile(log);
   // What else stands under either name (a folder, a pipe) is the user's.
-  const int kept =
+  const bool kept =
       IsFileOrNothing(log->oldPath) && IsFileOrNothing(log->path) && ReplaceFile(log->path, log->oldPath);
   OpenFailure failure;
   if (!Open(log, OpenMode::Empty, &failure)) return;
@@ -114,15 +114,15 @@ void WriteTrace(const char* text, size_t length) {
   if (traceLog.file) Put(&traceLog, text, length);
 }
 
-// Sets the paths of a log file in the folder. Returns 1, or 0 when they are too long.
-int SetPaths(LogFile* log, const char* folder, const char* name) {
+// Sets the paths of a log file in the folder. False when they are too long.
+bool SetPaths(LogFile* log, const char* folder, const char* name) {
   const int length = std::snprintf(log->path, longestPath, "%s%s", folder, name);
   const int oldLength = std::snprintf(log->oldPath, longestPath, "%s%s%s", folder, name, oldSuffix);
-  return length >= 0 && oldLength >= 0 && static_cast<size_t>(oldLength) < longestPath ? 1 : 0;
+  return length >= 0 && oldLength >= 0 && static_cast<size_t>(oldLength) < longestPath;
 }
 
-int ReportFailure(const char* what, const std::string& reason, void (*report)(const char* line)) {
-  if (!report) return 0;
+bool ReportFailure(const char* what, const std::string& reason, void (*report)(const char* line)) {
+  if (!report) return false;
   try {
     const std::string line =
         "TAVRIX->Can't write the log file " + EscapedControls(what) + " (" + reason +
@@ -132,10 +132,10 @@ int ReportFailure(const char* what, const std::string& reason, void (*report)(co
   } catch (...) {
     report("TAVRIX->Out of memory, no log files\n");
   }
-  return 0;
+  return false;
 }
 
-int OpenBoth(const char* folder, void (*report)(const char* line)) {
+bool OpenBoth(const char* folder, void (*report)(const char* line)) {
   if (!SetPaths(&mainLog, folder, mainLogName) || !SetPaths(&traceLog, folder, traceLogName)) {
     return ReportFailure(folder, "its path is too long", report);
   }
@@ -144,7 +144,7 @@ int OpenBoth(const char* folder, void (*report)(const char* line)) {
   for (LogFile* log : {&mainLog, &traceLog}) {
     if (!Open(log, OpenMode::Empty, &failure)) return ReportFailure(log->path, failure.reason, report);
   }
-  return 1;
+  return true;
 }
 
 std::string Escaped(std::string_view text, bool (*isPlain)(unsigned char byte)) {
@@ -175,10 +175,10 @@ char* TwoDigits(char* text, int value) {
 
 }  // namespace
 
-int OpenLogs(const char* folder, void (*report)(const char* line)) {
+bool OpenLogs(const char* folder, void (*report)(const char* line)) {
   CloseLogs();
   if (!CreateLock(&logLock)) return ReportFailure(folder, "the system gives no lock", report);
-  int opened = 0;
+  bool opened = false;
   try {
     opened = OpenBoth(folder, report);
   } catch (...) {
@@ -188,7 +188,7 @@ int OpenLogs(const char* folder, void (*report)(const char* line)) {
   return opened;
 }
 
-int ReopenMainLog() {
+bool ReopenMainLog() {
   const LockScope scope(&logLock);  // nobody renames the file while it is being opened
   return Reopen(&mainLog);
 }
@@ -287,7 +287,7 @@ char* TimeStamp(char* buffer) {
   return buffer;
 }
 
-void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes,
+void TraceRecord(bool isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes,
                  char mark) {
   const std::atomic<uint32_t>& traced = isWrite ? writeTrace : readTrace;
   if (!traced.load(std::memory_order_relaxed)) return;
@@ -311,7 +311,7 @@ void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, 
   WriteTrace(line, length);
 }
 
-void SwitchTrace(int isWrite, int on) {
+void SwitchTrace(bool isWrite, bool on) {
   const LockScope scope(&traceLock);
   if (!readTrace.load(std::memory_order_relaxed) && !writeTrace.load(std::memory_order_relaxed)) {
     Reopen(&traceLog);

@@ -22,10 +22,11 @@
 #include <string>
 #include <string_view>
 
-#if defined(__MINGW32__)
-#define TAVRIX_PRINTF(formatIndex, firstIndex) __attribute__((format(gnu_printf, formatIndex, firstIndex)))
-#else
+// GCC takes "printf" for the C library's own conversions, which are other ones on Windows.
+#if defined(__clang__)
 #define TAVRIX_PRINTF(formatIndex, firstIndex) __attribute__((format(printf, formatIndex, firstIndex)))
+#else
+#define TAVRIX_PRINTF(formatIndex, firstIndex) __attribute__((format(gnu_printf, formatIndex, firstIndex)))
 #endif
 
 constexpr uint64_t largestLog = 20u << 20;  // bytes
@@ -37,11 +38,11 @@ extern std::atomic<uint32_t> writeTrace;
 
 // Sets the folder that holds both files (full path with trailing separator), makes it when missing, and
 // opens both files empty. `report` gets one line for the simulator's log when that fails; it is called on
-// the simulator's thread only. Returns 1 or 0.
-int OpenLogs(const char* folder, void (*report)(const char* line));
-// Reopens the main log for appending (at enable). Returns 1, or 0 when there is no log or it cannot be
-// opened again (the open file goes on taking lines then). Simulator's thread, others may log meanwhile.
-int ReopenMainLog();
+// the simulator's thread only. Returns whether both are open.
+bool OpenLogs(const char* folder, void (*report)(const char* line));
+// Reopens the main log for appending (at enable). False when there is no log or it cannot be opened
+// again (the open file goes on taking lines then). Simulator's thread, others may log meanwhile.
+bool ReopenMainLog();
 // Flushes both files. Simulator's thread with no lock held (takes the trace lock).
 void FlushLogs();
 // Closes both files (at stop). Simulator's thread, when all other threads have ended.
@@ -74,12 +75,12 @@ char* TimeStamp(char* buffer);
 // (size of them, already copied under the offset lock), 16 a line. Nothing while the switch of its kind is
 // off. The header line begins with `mark`: a blank for local clients, '*' for those on the network. The caller
 // holds the trace lock.
-void TraceRecord(int isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes,
+void TraceRecord(bool isWrite, uint32_t request, uint32_t offset, uint32_t size, const uint8_t* bytes,
                  char mark = ' ');
-// Switches read (isWrite 0) or write tracing; when both were off the trace log is reopened for appending,
-// so that a user may have moved or deleted the file.
+// Switches read or write tracing; when both were off the trace log is reopened for appending, so that a user
+// may have moved or deleted the file.
 // Writes "Start Readlogging %f sec\n" and its kin. Takes the trace lock. Simulator's thread.
-void SwitchTrace(int isWrite, int on);
+void SwitchTrace(bool isWrite, bool on);
 
 // Simulator's running time in seconds as the last frame published it; any thread.
 float PublishedRunningTime();

@@ -7,10 +7,7 @@
 #include <cstdint>
 
 #include "XPLMDataAccess.h"
-
-// How a dataref is read and set. Any: asks the simulator for the type each time, for publishers that do not
-// state it. Bytes: one byte of a text or data block.
-enum class Accessor : uint8_t { None, Int, Float, Double, IntArray, FloatArray, Bytes, Any };
+#include "bridge/accessor.h"
 
 // The accessor that fits what the simulator reports: double before float before int, scalars before arrays;
 // None for a null handle and for a dataref without any of them.

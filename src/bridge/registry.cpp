@@ -8,8 +8,6 @@
 #include "base/log.h"
 #include "bridge/catalogue.h"
 
-uint8_t VariablesAccessMemBlock[offsetMemorySize];
-
 namespace {
 
 constexpr std::string_view simulatorPrefix = "sim/";

@@ -10,10 +10,6 @@
 #include "bridge/sources.h"
 #include "offsets/memory.h"
 
-constexpr uint8_t accessReadWrite = 1;
-constexpr uint8_t accessReadOnly = 2;
-extern uint8_t VariablesAccessMemBlock[offsetMemorySize];
-
 // The names that start asks for, in their order.
 extern const std::span<const char* const> startDataRefs;
 extern const std::span<const char* const> startCommands;

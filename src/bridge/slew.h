@@ -1,8 +1,17 @@
-// Slew mode, position freeze, and what writes have taken from the simulator.
+// Slew mode, position freeze, pushback, and what writes have taken from the simulator.
 //
 // While slew or freeze is on, the simulator's own flight path is switched off (its path override). The
 // freeze holds the place over ground only: height and attitude stay free. Simulator's thread, no lock held.
 #pragma once
+#include <cstdint>
+
+// What the rows of pushback ask of the room that tows, which stands above this one.
+struct PushbackHooks {
+  int (*state)();                     // 0 straight, 1 and 2 turning, 3 off
+  void (*command)(uint32_t command);  // a client's: 0, 1, 2 start, 3 stops, anything above starts straight
+};
+// Connects that room; until then pushback is off and commands do nothing. At start.
+void ConnectPushbackRows(const PushbackHooks& hooks);
 
 // Every frame: puts a frozen aircraft back to its place when it has moved.
 void SlewStep();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "bridge/sources.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
@@ -42,9 +43,7 @@ constexpr WindPlaces winds[layerCount] = {
 
 template <typename T>
 T Field(const uint8_t* area, uint32_t at) {
-  T value;
-  std::memcpy(&value, area + at, sizeof value);
-  return value;
+  return LoadFrom<T>(area + at);
 }
 
 void ApplyClouds(const uint8_t* layer, const CloudPlaces& places) {

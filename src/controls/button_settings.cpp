@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "base/log.h"
-#include "bridge/registry.h"
+#include "offsets/memory.h"
 #include "settings/settings.h"
 #include "settings/settings_text.h"
 
@@ -101,7 +101,7 @@ void ReadButtonSettings(ButtonAssignment (&assignments)[maxButtons]) {
   }
 }
 
-int WriteButtonSetting(int button, const ButtonAssignment& assignment) {
+bool WriteButtonSetting(int button, const ButtonAssignment& assignment) {
   char line[fieldCount * 12];
   char* at = line;
   for (size_t i = 0; i < fieldCount; ++i) {

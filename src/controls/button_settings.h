@@ -6,5 +6,5 @@
 // Reads the whole section with one pass over the file. Buttons without a line, with a line of zeros or with
 // one that cannot work (a log line tells why) get noAssignment.
 void ReadButtonSettings(ButtonAssignment (&assignments)[maxButtons]);
-// Writes one button's line. Returns 1, or 0 (a log line tells why).
-int WriteButtonSetting(int button, const ButtonAssignment& assignment);
+// Writes one button's line. Returns true, or false (a log line tells why).
+bool WriteButtonSetting(int button, const ButtonAssignment& assignment);

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "base/log.h"
-#include "bridge/registry.h"
 #include "controls/button_settings.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
@@ -41,23 +41,23 @@ int rawStates[maxButtons];    // as the simulator gave them last
 bool heldStates[maxButtons];  // whose changes have been queued
 int lastPressed = -1;
 
-// Puts a change at the queue's end; the button lock is held. Returns 0 when it is full: the change is found
+// Puts a change at the queue's end; the button lock is held. Returns false when it is full: the change is found
 // again in the next frame.
-int Enqueue(Change change) {
-  if (!listening) return 1;
-  if (queueLength == queueSize) return 0;
+bool Enqueue(Change change) {
+  if (!listening) return true;
+  if (queueLength == queueSize) return false;
   queue[(queueHead + queueLength++) % queueSize] = change;
-  return 1;
+  return true;
 }
 
-int TakeChange(Change* change, ButtonAssignment* assignment) {
+bool TakeChange(Change* change, ButtonAssignment* assignment) {
   const LockScope lock(&buttonLock);
-  if (queueLength == 0) return 0;
+  if (queueLength == 0) return false;
   *change = queue[queueHead];
   *assignment = assignments[change->button];
   queueHead = (queueHead + 1) % queueSize;
   --queueLength;
-  return 1;
+  return true;
 }
 
 // What a change of the button does, for either direction.
@@ -103,7 +103,7 @@ void Act(const ButtonAssignment& assignment, bool pressed) {
       value = ChangeBit(current, action);
     }
     uint8_t bytes[sizeof value];
-    std::memcpy(bytes, &value, sizeof value);
+    StoreTo(bytes, value);
     DispatchWrite(offset, size, bytes, &marks);
     std::memcpy(offsetMemory.bytes + offset, bytes, size);
   }
@@ -136,11 +136,11 @@ bool IsButton(int button) { return button >= 0 && button < maxButtons; }
 
 }  // namespace
 
-int CreateButtons() {
-  if (!CreateLock(&buttonLock)) return 0;
+bool CreateButtons() {
+  if (!CreateLock(&buttonLock)) return false;
   if (!CreateAutoEvent(&wakeEvent)) {
     DeleteLock(&buttonLock);
-    return 0;
+    return false;
   }
   std::fill_n(rawStates, maxButtons, 0);
   std::fill_n(heldStates, maxButtons, false);
@@ -148,7 +148,7 @@ int CreateButtons() {
   lastPressed = -1;
   queueHead = queueLength = 0;
   status[0] = '\0';
-  return 1;
+  return true;
 }
 
 void DeleteButtons() {
@@ -156,13 +156,13 @@ void DeleteButtons() {
   DeleteLock(&buttonLock);
 }
 
-int StartButtonThread() {
+bool StartButtonThread() {
   buttonRun = 1;
   SetListening(true);
-  if (StartThread(&buttonThread, ButtonProcedure, nullptr)) return 1;
+  if (StartThread(&buttonThread, ButtonProcedure, nullptr)) return true;
   buttonRun = 0;
   SetListening(false);
-  return 0;
+  return false;
 }
 
 void StopButtonThread() {
@@ -181,14 +181,14 @@ void LoadButtonAssignments() {
   std::copy_n(loaded, maxButtons, assignments);
 }
 
-int SaveButtonAssignment(int button, const ButtonAssignment& assignment) {
-  if (!IsButton(button)) return 0;
-  const int written = WriteButtonSetting(button, assignment);
+bool SaveButtonAssignment(int button, const ButtonAssignment& assignment) {
+  if (!IsButton(button)) return false;
+  const bool written = WriteButtonSetting(button, assignment);
   LoadButtonAssignments();
   return written;
 }
 
-int ClearButtonAssignment(int button) { return SaveButtonAssignment(button, {}); }
+bool ClearButtonAssignment(int button) { return SaveButtonAssignment(button, {}); }
 
 ButtonAssignment AssignmentOfButton(int button) {
   if (!IsButton(button)) return noAssignment;
@@ -231,7 +231,7 @@ std::string ButtonStatus() {
 }
 
 void RunButtonRound(Event* wake) {
-  if (WaitEvent(wake, -1) == 0) {
+  if (!WaitEvent(wake, -1)) {
     TellWaitError(SystemErrorNumber());
     SleepMilliseconds(waitErrorPauseMs);
     return;

@@ -1,5 +1,5 @@
-// Joystick buttons that write offsets: when the user presses or releases an assigned button, a value is
-// written, or one bit set, cleared or toggled, in an offset of 1, 2 or 4 bytes.
+// The room controls/: joystick buttons that write offsets. When the user presses or releases an assigned
+// button, a value is written, or one bit set, cleared or toggled, in an offset of 1, 2 or 4 bytes.
 //
 // The simulator's thread watches the buttons every frame and queues each change; a thread of its own carries
 // the changes out, each write going through the dispatcher like a client's. Queue and table lie under a lock
@@ -27,22 +27,22 @@ constexpr ButtonAssignment noAssignment = {-1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 
 
 // --- Simulator's thread, no lock held -----------------------------------------------------------------
 // Makes the wake event and forgets button states and queued changes. At enable, after the program's locks.
-// Returns 1, or 0 when the system refuses.
-int CreateButtons();
+// Returns true, or false when the system refuses.
+bool CreateButtons();
 // Gives them back. At disable, after StopButtonThread.
 void DeleteButtons();
-// Returns 1, or 0 when no thread could be made.
-int StartButtonThread();
+// Returns true, or false when no thread could be made.
+bool StartButtonThread();
 // Ends and joins the thread; nothing happens when it was not started.
 void StopButtonThread();
 // Fills the table from the settings file, which is read once. Assignments that cannot work are left inactive,
 // with a log line each.
 void LoadButtonAssignments();
-// The settings window's save: writes the button's line and loads again. Returns 1, or 0 when the number is
-// no button or the file could not be written.
-int SaveButtonAssignment(int button, const ButtonAssignment& assignment);
+// The settings window's save: writes the button's line and loads again. Returns true, or false when the number
+// is no button or the file could not be written.
+bool SaveButtonAssignment(int button, const ButtonAssignment& assignment);
 // The settings window's clear: writes a line of zeros, which marks the button as not assigned.
-int ClearButtonAssignment(int button);
+bool ClearButtonAssignment(int button);
 // What is in force for a button; noAssignment for a number that is none.
 ButtonAssignment AssignmentOfButton(int button);
 // Takes the states of the first `count` buttons (not 0: held down; the others count as released), queues

@@ -1,5 +1,6 @@
-// Custom offsets: what the user's file "TAVRIXOffsets.cfg" makes of offsets, by datarefs, expressions and
-// commands of the user's own choice.
+// The room custom/: what the user's file "TAVRIXOffsets.cfg" makes of offsets, by datarefs, expressions and
+// commands of the user's own choice. Grammar and expressions (custom_parser.h, expression.h) are pure and know
+// nothing but the records.
 //
 // The simulator's thread owns the tables: it loads and frees them, refreshes entries from them and applies
 // what clients wrote. The dispatcher, on any thread, reaches them only while they are published, with the
@@ -21,7 +22,7 @@ void LoadCustomOffsets();
 void ClearCustomOffsets();
 // Both, with a log line each, as the user asks for it in a window.
 void ReloadCustomOffsets();
-// Does the reload that a client has asked for (RequestCustomReload), with its log lines. Once a frame.
+// Does the reload that a client has asked for (through the dispatcher), with its log lines. Once a frame.
 void TakeCustomReload();
 // Forgets reloads that clients have asked for, and that one was done lately. At enable, before the file is
 // loaded.
@@ -42,21 +43,10 @@ double ReadDatarefValue(const CustomDatarefEntry& dataref);
 // What is loaded, published or not; null for nothing. Valid until the next load or clear.
 const CustomTables* LoadedCustomTables();
 
+// Hands this room's functions to the dispatcher, which knows nothing of it. At start, before anybody can write.
+void ConnectCustomOffsets();
+
 // --- Any thread, offset lock held --------------------------------------------------------------------
 // The published entry at an offset, by its low 16 bits; null for none.
 const CustomOffsetEntry* FindCustomOffset(uint32_t offset);
 const CustomCommandEntry* FindCustomCommand(uint32_t offset);
-// A client writes `data`, as many bytes as the entry is wide, before they are copied into the memory. Bytes
-// that are already there do nothing; else the write or the command waits for ApplyPendingCustomWrites,
-// replacing one that waits already. A command that is replaced by that of another offset still ends what it
-// would have ended.
-void WriteCustomOffset(const CustomOffsetEntry& entry, const uint8_t* data);
-void WriteCommandOffset(const CustomCommandEntry& entry, const uint8_t* data);
-// A client asks for the file to be read again: the tables are withdrawn at once, the simulator's thread
-// loads them in the next frame. Within a second after a client's last load the tables stay in use until the
-// second is over: then one load serves all who asked. The offset says which of the two request bytes it was;
-// writes at customClearOffset have a log line of their own, and its byte returns to 0 when the tables are
-// there.
-constexpr uint32_t customReloadOffset = 0x6F0D;
-constexpr uint32_t customClearOffset = 0x6F0E;
-void RequestCustomReload(uint32_t offset);

@@ -27,12 +27,12 @@ constexpr TypeWord typeWords[] = {
 
 struct KindWord {
   std::string_view word;
-  CustomDatarefKind kind;
+  Accessor kind;
 };
 constexpr KindWord kindWords[] = {
-    {"int", datarefInt},           {"float", datarefFloat},
-    {"double", datarefDouble},     {"floatarray", datarefFloatArray},
-    {"intarray", datarefIntArray}, {"data", datarefData},
+    {.word = "int", .kind = Accessor::Int},           {.word = "float", .kind = Accessor::Float},
+    {.word = "double", .kind = Accessor::Double},     {.word = "floatarray", .kind = Accessor::FloatArray},
+    {.word = "intarray", .kind = Accessor::IntArray}, {.word = "data", .kind = Accessor::Bytes},
 };
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
@@ -224,27 +224,27 @@ int NextCustomLine(CustomFileReader* reader, CustomLine* line) {
   }
 }
 
-int FindCustomType(std::string_view word, CustomType* type, uint8_t* size) {
+bool FindCustomType(std::string_view word, CustomType* type, uint8_t* size) {
   *type = CustomType::U8;
   *size = 0;
   for (const TypeWord& row : typeWords) {
     if (word != row.word) continue;
     *type = row.type;
     *size = row.size;
-    return 1;
+    return true;
   }
-  return 0;
+  return false;
 }
 
-int FindCustomKind(std::string_view word, CustomDatarefKind* kind) {
-  *kind = datarefNone;
+bool FindCustomKind(std::string_view word, Accessor* kind) {
+  *kind = Accessor::None;
   for (const KindWord& row : kindWords) {
     if (word == row.word) *kind = row.kind;
   }
-  return *kind != datarefNone;
+  return *kind != Accessor::None;
 }
 
-int FindCustomAccess(std::string_view word, CustomAccess* access) {
+bool FindCustomAccess(std::string_view word, CustomAccess* access) {
   *access = word == "w" ? CustomAccess::Write : word == "rw" ? CustomAccess::ReadWrite : CustomAccess::Read;
   return word == "r" || *access != CustomAccess::Read;
 }
@@ -290,8 +290,8 @@ size_t ParseCustomNumber(std::string_view text, double* value) {
   return at + read.size();
 }
 
-int ParseCustomFile(std::string_view text, CustomTables* tables,
-                    void (*skipped)(uint32_t line, CustomLineFault fault), uint32_t* tooLong) {
+bool ParseCustomFile(std::string_view text, CustomTables* tables,
+                     void (*skipped)(uint32_t line, CustomLineFault fault), uint32_t* tooLong) {
   *tables = {};
   // Three texts of a line may be missing and cost their NUL all the same.
   const auto lines = static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
@@ -323,11 +323,11 @@ int ParseCustomFile(std::string_view text, CustomTables* tables,
   if (result < 0) {
     *tables = {};
     if (tooLong != nullptr) *tooLong = line.lastLine;
-    return 0;
+    return false;
   }
   Sort(tables);
   CompileCustomTables(tables);
-  return 1;
+  return true;
 }
 
 const CustomDatarefEntry* FindCustomAlias(const std::vector<CustomDatarefEntry>& datarefs,

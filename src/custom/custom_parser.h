@@ -52,10 +52,10 @@ struct CustomFileReader {
 // physical or joined line that is too long (`firstLine` and `lastLine` tell which).
 int NextCustomLine(CustomFileReader* reader, CustomLine* line);
 
-// Words of the grammar. Return 1, or 0 for an unknown word (the results are 0 then).
-int FindCustomType(std::string_view word, CustomType* type, uint8_t* size);
-int FindCustomKind(std::string_view word, CustomDatarefKind* kind);
-int FindCustomAccess(std::string_view word, CustomAccess* access);
+// Words of the grammar. Return true, or false for an unknown word (the results are 0 or None then).
+bool FindCustomType(std::string_view word, CustomType* type, uint8_t* size);
+bool FindCustomKind(std::string_view word, Accessor* kind);
+bool FindCustomAccess(std::string_view word, CustomAccess* access);
 // Numbers as far as the text is one. They return how many characters were read; 0 leaves 0 as the value.
 // Hexadecimal with or without 0x, low 16 bits; decimal with sign, saturated; floating point with sign and
 // exponent, a decimal point whatever the locale, no words such as "inf".
@@ -65,10 +65,10 @@ size_t ParseCustomNumber(std::string_view text, double* value);
 
 // Reads a whole file into the tables, sorts them and compiles the expressions; handles stay null and the
 // refresh groups empty. `skipped` (may be null) hears of lines of ours that are left out because of their
-// fault. Returns 1, or 0 when a line is too long: the tables are empty then, and `tooLong` (may be null) is its
-// number.
-int ParseCustomFile(std::string_view text, CustomTables* tables,
-                    void (*skipped)(uint32_t line, CustomLineFault fault), uint32_t* tooLong = nullptr);
+// fault. Returns true, or false when a line is too long: the tables are empty then, and `tooLong` (may be null)
+// is its number.
+bool ParseCustomFile(std::string_view text, CustomTables* tables,
+                     void (*skipped)(uint32_t line, CustomLineFault fault), uint32_t* tooLong = nullptr);
 // The entry of that alias, or null.
 const CustomDatarefEntry* FindCustomAlias(const std::vector<CustomDatarefEntry>& datarefs,
                                           std::string_view alias);

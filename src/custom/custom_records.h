@@ -9,21 +9,12 @@
 #include <string_view>
 #include <vector>
 
+#include "bridge/accessor.h"
+
 // Value types in the order of their codes; a word that is none of them leaves code 0 and size 0.
 enum class CustomType : uint8_t { U8, S8, U16, S16, U32, S32, U64, S64, F32, F64 };
 
 enum class CustomAccess : uint8_t { Read = 0, Write = 1, ReadWrite = 2 };
-
-// The simulator's data type bits; 0 for a word that is no kind.
-enum CustomDatarefKind : uint8_t {
-  datarefNone = 0,
-  datarefInt = 1,
-  datarefFloat = 2,
-  datarefDouble = 4,
-  datarefFloatArray = 8,
-  datarefIntArray = 16,
-  datarefData = 32,
-};
 
 // A "Dataref" line: the name by which expressions refer to a dataref.
 struct CustomDatarefEntry {
@@ -31,7 +22,7 @@ struct CustomDatarefEntry {
   const char* path;  // without index suffix
   void* handle;      // the simulator's, null when it does not publish the path
   int32_t index;     // array element
-  CustomDatarefKind kind;
+  Accessor kind;     // None for a word that is no kind, else one that the file states: never Any
 };
 
 // One step of a compiled expression.

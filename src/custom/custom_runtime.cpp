@@ -4,9 +4,9 @@
 #include <cstring>
 #include <span>
 
-#include "XPLMDataAccess.h"
 #include "XPLMUtilities.h"
 #include "bridge/cycles.h"
+#include "bridge/dataref_codec.h"
 #include "custom/custom.h"
 #include "custom/custom_state.h"
 #include "custom/custom_values.h"
@@ -29,11 +29,11 @@ void Compute(const CustomTables& tables, std::span<CustomRefreshItem> items) {
   }
 }
 
-// Whatever stands in the memory is replaced: others than clients write there too. Returns 0 when the lock is
-// busy.
-int TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
+// Whatever stands in the memory is replaced: others than clients write there too. Returns false when the lock
+// is busy.
+bool TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
   const SimulatorTurn turn;
-  if (TryEnterLock(&offsetLock) == 0) return 0;
+  if (TryEnterLock(&offsetLock) == 0) return false;
   // A client may have withdrawn the tables while we computed: its clear must be the last word.
   if (publishedTables.load(std::memory_order_relaxed) == &tables) {
     for (const CustomRefreshItem& item : items) {
@@ -41,51 +41,16 @@ int TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> item
     }
   }
   LeaveLock(&offsetLock);
-  return 1;
+  return true;
 }
 
 // A refresh counts once, as stored or as dropped.
-void CountStored(int stored, bool counts) {
-  if (counts) (stored != 0 ? refreshCounters.stored : refreshCounters.dropped)++;
+void CountStored(bool stored, bool counts) {
+  if (counts) (stored ? refreshCounters.stored : refreshCounters.dropped)++;
 }
 
 bool IsRefreshed(const CustomOffsetEntry& entry) {
   return entry.number >= 1 && entry.number <= customRefreshGroups && entry.size > 0;
-}
-
-void SetDataref(const CustomDatarefEntry& dataref, double value) {
-  if (dataref.handle == nullptr) return;
-  const bool whole =
-      dataref.kind == datarefInt || dataref.kind == datarefIntArray || dataref.kind == datarefData;
-  if (!whole && !std::isfinite(value)) return;  // the simulator must not meet a NaN
-  switch (dataref.kind) {
-    case datarefInt:
-      XPLMSetDatai(dataref.handle, TruncateTo32(value));
-      break;
-    case datarefFloat:
-      XPLMSetDataf(dataref.handle, static_cast<float>(value));
-      break;
-    case datarefDouble:
-      XPLMSetDatad(dataref.handle, value);
-      break;
-    case datarefFloatArray: {
-      auto single = static_cast<float>(value);
-      XPLMSetDatavf(dataref.handle, &single, dataref.index, 1);
-      break;
-    }
-    case datarefIntArray: {
-      int single = TruncateTo32(value);
-      XPLMSetDatavi(dataref.handle, &single, dataref.index, 1);
-      break;
-    }
-    case datarefData: {
-      auto byte = static_cast<uint8_t>(TruncateTo32(value));
-      XPLMSetDatab(dataref.handle, &byte, dataref.index, 1);
-      break;
-    }
-    case datarefNone:
-      break;
-  }
 }
 
 bool Ends(const CommandAction& action, double value) { return action.mode == 0 && value != action.value; }
@@ -136,6 +101,30 @@ void KeepEnds(const CustomTables& tables, const CustomCommandWrite& displaced) {
   tables.endList[customEndCount++] = place;
 }
 
+template <typename Key>
+size_t Find(const std::vector<Key>& keys, Key key) {
+  const auto found = std::lower_bound(keys.begin(), keys.end(), key);
+  return found != keys.end() && *found == key ? static_cast<size_t>(found - keys.begin()) : keys.size();
+}
+
+// A client writes `data`, as many bytes as the entry is wide, before they are copied into the memory. Offset
+// lock held.
+void WriteOffset(const CustomOffsetEntry& entry, const uint8_t* data) {
+  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
+  if (entry.access == CustomAccess::Read || entry.writeTarget == nullptr) return;
+  pendingWrite = {entry.writeTarget, entry.write, DecodeCustomValue(entry.type, data)};
+  customPending.store(1, std::memory_order_relaxed);
+}
+
+void WriteCommand(const CustomCommandEntry& entry, const uint8_t* data) {
+  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
+  const CustomTables& tables = *publishedTables.load(std::memory_order_relaxed);
+  if (pendingCommand.entry != nullptr && pendingCommand.entry != &entry) KeepEnds(tables, pendingCommand);
+  pendingCommand = {&entry, DecodeCustomValue(entry.type, data)};
+  tables.ends[PlaceOf(tables, entry)].waiting = false;  // the newer write of the same offset decides
+  customPending.store(1, std::memory_order_relaxed);
+}
+
 // Moves the kept ends out and returns how many there are. Simulator's thread, offset lock held.
 uint32_t TakeEnds(CustomTables* tables) {
   uint32_t taken = 0;
@@ -169,7 +158,7 @@ void RefreshCustomOffsets(int group) {
   size_t missed = all.size();  // where the first batch stands that found the lock busy
   for (size_t first = 0; first < all.size(); first += batchItems) {
     Compute(*tables, batchAt(first));
-    all[first].missed = TryStore(*tables, batchAt(first)) == 0;
+    all[first].missed = !TryStore(*tables, batchAt(first));
     if (all[first].missed) {
       missed = std::min(missed, first);
     } else {
@@ -191,51 +180,43 @@ void RefreshCustomOffset(const CustomOffsetEntry& entry) {
 }
 
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {
-  if (dataref.handle == nullptr) return 0;
-  switch (dataref.kind) {
-    case datarefInt:
-      return XPLMGetDatai(dataref.handle);
-    case datarefFloat:
-      return static_cast<double>(XPLMGetDataf(dataref.handle));
-    case datarefDouble:
-      return XPLMGetDatad(dataref.handle);
-    case datarefFloatArray: {
-      float value = 0;
-      XPLMGetDatavf(dataref.handle, &value, dataref.index, 1);
-      return static_cast<double>(value);
-    }
-    case datarefIntArray: {
-      int value = 0;
-      XPLMGetDatavi(dataref.handle, &value, dataref.index, 1);
-      return value;
-    }
-    case datarefData: {
-      uint8_t value = 0;
-      XPLMGetDatab(dataref.handle, &value, dataref.index, 1);
-      return value;
-    }
-    case datarefNone:
-      break;
+  return ReadNumber(dataref.handle, dataref.kind, dataref.index);
+}
+
+const CustomOffsetEntry* FindCustomOffset(uint32_t offset) {
+  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
+  if (tables == nullptr) return nullptr;
+  const size_t found = Find(tables->offsetKeys, static_cast<int16_t>(offset));
+  return found < tables->offsets.size() ? &tables->offsets[found] : nullptr;
+}
+
+const CustomCommandEntry* FindCustomCommand(uint32_t offset) {
+  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
+  if (tables == nullptr) return nullptr;
+  const size_t found = Find(tables->commandKeys, static_cast<uint16_t>(offset));
+  return found < tables->commands.size() ? &tables->commands[found] : nullptr;
+}
+
+CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t supplied) {
+  assert(HoldsLock(&offsetLock));
+  if (publishedTables.load(std::memory_order_relaxed) == nullptr) return {};
+  uint8_t value[8];
+  const auto take = [&](uint32_t at, uint32_t size) {
+    const uint32_t given = std::min(size, supplied);
+    std::memcpy(value, data, given);
+    std::memcpy(value + given, offsetMemory.bytes + at + given, size - given);
+    return value;
+  };
+  CustomOutcome outcome = {};
+  if (const CustomCommandEntry* command = FindCustomCommand(offset)) {
+    WriteCommand(*command, take(command->offset, command->size));
+    outcome.commandSize = command->size;
   }
-  return 0;
-}
-
-void WriteCustomOffset(const CustomOffsetEntry& entry, const uint8_t* data) {
-  assert(HoldsLock(&offsetLock));
-  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
-  if (entry.access == CustomAccess::Read || entry.writeTarget == nullptr) return;
-  pendingWrite = {entry.writeTarget, entry.write, DecodeCustomValue(entry.type, data)};
-  customPending.store(1, std::memory_order_relaxed);
-}
-
-void WriteCommandOffset(const CustomCommandEntry& entry, const uint8_t* data) {
-  assert(HoldsLock(&offsetLock));
-  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
-  const CustomTables& tables = *publishedTables.load(std::memory_order_relaxed);
-  if (pendingCommand.entry != nullptr && pendingCommand.entry != &entry) KeepEnds(tables, pendingCommand);
-  pendingCommand = {&entry, DecodeCustomValue(entry.type, data)};
-  tables.ends[PlaceOf(tables, entry)].waiting = false;  // the newer write of the same offset decides
-  customPending.store(1, std::memory_order_relaxed);
+  const CustomOffsetEntry* entry = FindCustomOffset(offset);
+  if (entry == nullptr || entry->size == 0) return outcome;
+  WriteOffset(*entry, take(entry->offset, entry->size));
+  outcome.offsetSize = entry->size;
+  return outcome;
 }
 
 void ApplyPendingCustomWrites() {
@@ -263,7 +244,8 @@ void ApplyPendingCustomWrites() {
   }
   if (write.target != nullptr) {
     const Operation* operations = loadedTables->operations.data() + write.expression.first;
-    SetDataref(*write.target, RunExpression(operations, write.expression.count, write.input, ReadDatarefValue));
+    WriteNumber(write.target->handle, write.target->kind, write.target->index,
+                RunExpression(operations, write.expression.count, write.input, ReadDatarefValue));
   }
 }
 

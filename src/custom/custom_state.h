@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "custom/custom_records.h"
+#include "offsets/dispatcher.h"
 
 // A client's write to a custom offset: the expression is evaluated when it is applied, as that reads
 // datarefs.
@@ -24,6 +25,17 @@ extern CustomCommandWrite pendingCommand;  // entry null: nothing pending
 extern std::atomic<uint32_t> customPending;
 // How much of the published tables' `endList` is in use. Under the offset lock.
 extern uint32_t customEndCount;
+
+// For the dispatcher (CustomHooks). Any thread, offset lock held.
+// A client writes at an offset. Bytes that are already there do nothing; else the write or the command waits
+// for ApplyPendingCustomWrites, replacing one that waits already. A command that is replaced by that of another
+// offset still ends what it would have ended.
+CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t supplied);
+// A client asks for the file to be read again: the tables are withdrawn at once, the simulator's thread
+// loads them in the next frame. Within a second after a client's last load the tables stay in use until the
+// second is over: then one load serves all who asked. Writes at customClearOffset have a log line of their own,
+// and its byte returns to 0 when the tables are there.
+void RequestCustomReload(uint32_t offset);
 
 // Makes what the tables need at run time: the refresh groups and room for displaced commands. Simulator's
 // thread, before they are published.

@@ -63,8 +63,8 @@ void TellStrangeText(const std::string& path, std::string_view text) {
   }
 }
 
-// Returns 1, or 0 when it has told why not.
-int ReadWholeFile(const std::string& path, std::string* text) {
+// Returns true, or false when it has told why not.
+bool ReadWholeFile(const std::string& path, std::string* text) {
   OpenFailure failure;
   const std::unique_ptr<FILE, int (*)(FILE*)> file(OpenPlainFile(path.c_str(), OpenMode::Read, &failure),
                                                    std::fclose);
@@ -72,11 +72,11 @@ int ReadWholeFile(const std::string& path, std::string* text) {
     LogLine(errorLine);
     LogOwn("TAVRIX->There is no file %s: that is fine unless you want offsets of your own\n",
            EscapedControls(path).c_str());
-    return 0;
+    return false;
   }
   if (!file) {
     TellUnreadable(path, failure.reason + ", make it a text file that your user may read");
-    return 0;
+    return false;
   }
   char part[16384];
   size_t length = 0;
@@ -84,15 +84,15 @@ int ReadWholeFile(const std::string& path, std::string* text) {
     text->append(part, length);
     if (text->size() > largestFile) {
       TellUnreadable(path, "it is larger than 64 MB, put your own file there");
-      return 0;
+      return false;
     }
   }
   if (std::ferror(file.get()) == 0) {
     TellStrangeText(path, *text);
-    return 1;
+    return true;
   }
   TellUnreadable(path, SystemErrorText());
-  return 0;
+  return false;
 }
 
 void TellSkipped(uint32_t line, CustomLineFault fault) {
@@ -186,12 +186,6 @@ void Load() {
   if ((requests & withdrawn) == 0) publishedTables = loadedTables;
 }
 
-template <typename Key>
-size_t Find(const std::vector<Key>& keys, Key key) {
-  const auto found = std::lower_bound(keys.begin(), keys.end(), key);
-  return found != keys.end() && *found == key ? static_cast<size_t>(found - keys.begin()) : keys.size();
-}
-
 }  // namespace
 
 void LoadCustomOffsets() {
@@ -260,18 +254,8 @@ void TakeCustomReload() {
   Store<uint8_t>(customClearOffset, 0);  // the client's own 1 was copied over the dispatcher's 0
 }
 
-const CustomOffsetEntry* FindCustomOffset(uint32_t offset) {
-  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
-  if (tables == nullptr) return nullptr;
-  const size_t found = Find(tables->offsetKeys, static_cast<int16_t>(offset));
-  return found < tables->offsets.size() ? &tables->offsets[found] : nullptr;
-}
-
-const CustomCommandEntry* FindCustomCommand(uint32_t offset) {
-  const CustomTables* tables = publishedTables.load(std::memory_order_relaxed);
-  if (tables == nullptr) return nullptr;
-  const size_t found = Find(tables->commandKeys, static_cast<uint16_t>(offset));
-  return found < tables->commands.size() ? &tables->commands[found] : nullptr;
+void ConnectCustomOffsets() {
+  ConnectDispatcher({.offer = OfferCustomWrite, .requestReload = RequestCustomReload});
 }
 
 const CustomTables* LoadedCustomTables() { return loadedTables; }

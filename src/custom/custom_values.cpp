@@ -3,15 +3,14 @@
 #include <cstring>
 #include <limits>
 
+#include "base/bytes.h"
 #include "custom/expression.h"
 
 namespace {
 
 template <typename T>
 double Get(const uint8_t* bytes) {
-  T value;
-  std::memcpy(&value, bytes, sizeof value);
-  return static_cast<double>(value);
+  return static_cast<double>(LoadFrom<T>(bytes));
 }
 
 uint64_t IntegerBits(CustomType type, double value) {
@@ -52,13 +51,12 @@ double DecodeCustomValue(CustomType type, const uint8_t* bytes) {
 
 void EncodeCustomValue(CustomType type, double value, uint8_t bytes[8]) {
   if (type == CustomType::F64) {
-    std::memcpy(bytes, &value, sizeof value);
+    StoreTo(bytes, value);
   } else if (type == CustomType::F32) {
     const auto single = static_cast<float>(value);
-    std::memcpy(bytes, &single, sizeof single);
+    StoreTo(bytes, single);
     std::memset(bytes + sizeof single, 0, 8 - sizeof single);
   } else {
-    const uint64_t bits = IntegerBits(type, value);
-    std::memcpy(bytes, &bits, sizeof bits);
+    StoreTo(bytes, IntegerBits(type, value));
   }
 }

@@ -163,7 +163,9 @@ int32_t TruncateTo32(double value) {
   return std::isnan(value) ? 0 : Limits::min();
 }
 
-int IsWriteTarget(std::string_view token) { return token.size() >= 2 && token.front() == '>' && token != ">="; }
+bool IsWriteTarget(std::string_view token) {
+  return token.size() >= 2 && token.front() == '>' && token != ">=";
+}
 
 Op FindOperator(std::string_view token) {
   const OperatorWord* word = FindWord(token);

@@ -20,9 +20,9 @@ constexpr size_t maxExpressionDepth = 256;
 
 using DatarefReader = double (*)(const CustomDatarefEntry& dataref);
 
-// 1 for a token that ends an expression and names the dataref to write (">" and an alias). The operator
+// Whether a token ends an expression and names the dataref to write (">" and an alias). The operator
 // ">=" is none.
-int IsWriteTarget(std::string_view token);
+bool IsWriteTarget(std::string_view token);
 // The operation of an operator word, or Op::Number for any other token.
 Op FindOperator(std::string_view token);
 

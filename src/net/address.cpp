@@ -3,21 +3,21 @@
 #include <charconv>
 #include <cstring>
 
-int ParseAddress(const char* text, uint32_t* ip) {
+bool ParseAddress(const char* text, uint32_t* ip) {
   const char* at = text;
   const char* end = text + std::strlen(text);
   uint32_t result = 0;
   for (int part = 0; part < 4; ++part) {
-    if (part > 0 && (at == end || *at++ != '.')) return 0;
+    if (part > 0 && (at == end || *at++ != '.')) return false;
     uint8_t value = 0;
     const auto [next, error] = std::from_chars(at, end, value);
-    if (error != std::errc() || next - at > 3) return 0;
+    if (error != std::errc() || next - at > 3) return false;
     result = result << 8 | value;
     at = next;
   }
-  if (at != end) return 0;
+  if (at != end) return false;
   *ip = result;
-  return 1;
+  return true;
 }
 
 std::string AddressText(uint32_t ip) {

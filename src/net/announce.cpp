@@ -25,19 +25,19 @@ uint32_t AnnounceProcedure(void*) {
 
 }  // namespace
 
-int OpenAnnouncement() {
-  if (!OpenSocket(&announceSocket, Transport::Datagram)) return 0;
+bool OpenAnnouncement() {
+  if (!OpenSocket(&announceSocket, Transport::Datagram)) return false;
   // Sending works from any port: a failed bind does not matter.
   BindSocket(&announceSocket, {serverIp, announcePort});
-  if (serverIp == 0 || !SetMulticastInterface(&announceSocket, serverIp)) return 0;
+  if (serverIp == 0 || !SetMulticastInterface(&announceSocket, serverIp)) return false;
   LogNetwork("Granting multicast to %s\n", serverAddressText);
-  return 1;
+  return true;
 }
 
 void CloseAnnouncement() { CloseSocket(&announceSocket); }
 
-int StartAnnouncement() {
-  if (!CreateAutoEvent(&announceStop)) return 0;
+bool StartAnnouncement() {
+  if (!CreateAutoEvent(&announceStop)) return false;
   announceRunning = 1;
   return StartThread(&announceThread, AnnounceProcedure, nullptr);
 }

@@ -53,11 +53,11 @@ void SendChanges(Socket* socket) {
   SendToAll(socket, changeFrame, FinishFrame(changeFrame, frameChanges, count * changeEntrySize, endChanges));
 }
 
-int TryBurstSocket(Socket* socket) {
-  if (!OpenSocket(socket, Transport::Datagram) || !BindSocket(socket, {serverIp, burstPort})) return 0;
+bool TryBurstSocket(Socket* socket) {
+  if (!OpenSocket(socket, Transport::Datagram) || !BindSocket(socket, {serverIp, burstPort})) return false;
   // Room for a round of blocks to all clients: what does not fit is dropped, as nothing waits for a link.
   SetSendQueue(socket, sendQueue);
-  return 1;
+  return true;
 }
 
 void OpenBurstSocket(Socket* socket) {
@@ -67,19 +67,19 @@ void OpenBurstSocket(Socket* socket) {
   LogOwn("%s\n", AdviseOnFailure("UDP", burstPort, error).c_str());
 }
 
-int TakeNewClient() {
+bool TakeNewClient() {
   LockScope lock(&clientListLock);
-  return newClient.exchange(0) != 0 ? 1 : 0;
+  return newClient.exchange(0) != 0;
 }
 
 // The mark is cleared under the same lock under which a client is added: whoever comes now finds it cleared
 // and gets a new burst thread, whose port is free.
-int EndWhenAlone(Socket* socket) {
+bool EndWhenAlone(Socket* socket) {
   LockScope lock(&clientListLock);
-  if (burstRunning.load() != 0 && CountClients() > 0) return 0;
+  if (burstRunning.load() != 0 && CountClients() > 0) return false;
   CloseSocket(socket);
   burstRunning = 0;
-  return 1;
+  return true;
 }
 
 uint32_t BurstProcedure(void*) {
@@ -123,10 +123,10 @@ uint32_t BurstProcedure(void*) {
 
 }  // namespace
 
-int StartBursts() {
-  if (StartThread(&burstThread, BurstProcedure, nullptr)) return 1;
+bool StartBursts() {
+  if (StartThread(&burstThread, BurstProcedure, nullptr)) return true;
   burstRunning = 0;
-  return 0;
+  return false;
 }
 
 bool BurstsNeedJoin() { return burstThread.started.load() != 0; }

@@ -7,6 +7,7 @@
 
 #include <cstring>
 
+#include "base/bytes.h"
 #include "base/log.h"
 #include "offsets/memory.h"
 
@@ -21,11 +22,7 @@ uint8_t shadow[offsetMemorySize];
 bool StretchDiffers(const uint8_t* now, const uint8_t* before) {
   uint64_t difference = 0;
   for (uint32_t i = 0; i < stretchSize; i += sizeof difference) {
-    uint64_t left;
-    uint64_t right;
-    std::memcpy(&left, now + i, sizeof left);
-    std::memcpy(&right, before + i, sizeof right);
-    difference |= left ^ right;
+    difference |= LoadFrom<uint64_t>(now + i) ^ LoadFrom<uint64_t>(before + i);
   }
   return difference != 0;
 }
@@ -37,12 +34,12 @@ uint32_t SkipEqual(uint32_t from, uint32_t end) {
   return from;
 }
 
-// 1 when the byte has changed: the shadow copy has its new value then.
-int TakeChange(uint32_t at) {
+// Whether the byte has changed: the shadow copy has its new value then.
+bool TakeChange(uint32_t at) {
   const ServerLockScope lock;
-  if (offsetMemory.bytes[at] == shadow[at]) return 0;
+  if (offsetMemory.bytes[at] == shadow[at]) return false;
   shadow[at] = offsetMemory.bytes[at];
-  return 1;
+  return true;
 }
 
 void PutEntry(uint8_t* entry, uint32_t offset) {

@@ -1,35 +1,22 @@
 #include "net/frame.h"
 
-#include <cstring>
+#include "base/bytes.h"
 
 namespace {
-
-uint16_t Fetch(const uint8_t* from) {
-  uint16_t word;
-  std::memcpy(&word, from, sizeof word);
-  return word;
-}
-
-void Put(uint8_t* to, size_t value) {
-  const auto word = static_cast<uint16_t>(value);
-  std::memcpy(to, &word, sizeof word);
-}
 
 bool IsClientFrame(uint8_t type) { return type == frameRequestList || type == frameSubscription; }
 
 }  // namespace
 
-int ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame) {
-  if (at > size || size - at < frameOverhead) return 0;
+bool ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame) {
+  if (at > size || size - at < frameOverhead) return false;
   uint8_t* start = buffer + at;
-  *frame = {start[0], Fetch(start + 2), Fetch(start + 4), start + frameHeaderSize};
-  if (!IsClientFrame(frame->type)) return 0;
-  if (frame->length > size - at - frameOverhead) return 0;
+  *frame = {start[0], LoadFrom<uint16_t>(start + 2), LoadFrom<uint16_t>(start + 4), start + frameHeaderSize};
+  if (!IsClientFrame(frame->type)) return false;
+  if (frame->length > size - at - frameOverhead) return false;
   const uint16_t endMarker = frame->type == frameRequestList ? endRequestList : endSubscription;
-  return Fetch(frame->payload + frame->length) == frame->length &&
-                 Fetch(frame->payload + frame->length + 2) == endMarker
-             ? 1
-             : 0;
+  return LoadFrom<uint16_t>(frame->payload + frame->length) == frame->length &&
+         LoadFrom<uint16_t>(frame->payload + frame->length + 2) == endMarker;
 }
 
 size_t ServableSize(const uint8_t* buffer, size_t size, size_t capacity) {
@@ -38,7 +25,7 @@ size_t ServableSize(const uint8_t* buffer, size_t size, size_t capacity) {
   while (at < size) {
     if (!IsClientFrame(buffer[at])) return size;
     if (size - at < lengthEnd) return at;
-    const size_t whole = Fetch(buffer + at + 2) + frameOverhead;
+    const size_t whole = LoadFrom<uint16_t>(buffer + at + 2) + frameOverhead;
     if (whole > capacity) return size;
     if (whole > size - at) return at;
     at += whole;
@@ -47,12 +34,13 @@ size_t ServableSize(const uint8_t* buffer, size_t size, size_t capacity) {
 }
 
 size_t FinishFrame(uint8_t* frame, uint8_t type, size_t payloadSize, uint16_t endMarker) {
+  const auto length = static_cast<uint16_t>(payloadSize);
   frame[0] = type;
   frame[1] = 0;
-  Put(frame + 2, payloadSize);
-  Put(frame + 4, 0);
+  StoreTo(frame + 2, length);
+  StoreTo<uint16_t>(frame + 4, 0);
   uint8_t* end = frame + frameHeaderSize + payloadSize;
-  Put(end, payloadSize);
-  Put(end + 2, endMarker);
+  StoreTo(end, length);
+  StoreTo(end + 2, endMarker);
   return payloadSize + frameOverhead;
 }

@@ -37,9 +37,9 @@ struct ReceivedFrame {
   uint8_t* payload;
 };
 
-// Looks at the frame that begins at buffer + at. Returns 1 when it is a whole and well-formed request or
-// subscription list, 0 for anything else.
-int ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame);
+// Looks at the frame that begins at buffer + at. Returns true when it is a whole and well-formed request or
+// subscription list, false for anything else.
+bool ParseFrame(uint8_t* buffer, size_t size, size_t at, ReceivedFrame* frame);
 // How many of the bytes that have come so far can be served: whole frames, and everything from the first header
 // on that begins no frame a client may send or one that could never fit into `capacity` bytes. A frame whose
 // end has not come yet stays behind.

@@ -1,4 +1,4 @@
-// The network room: clients on other computers read and write the offset memory.
+// The room net/: clients on other computers read and write the offset memory.
 //
 // Clients connect by TCP (port 65000) and send request lists; what they may know of the offset memory goes to
 // each of them by UDP from port 65100: the whole of it in blocks when somebody has connected, then the
@@ -17,12 +17,12 @@
 // Takes the server address of the settings (cut to 19 characters), forgets subscriptions and what was
 // reported to clients. At enable, when no thread of the room runs.
 void PrepareNetwork(const char* serverAddress);
-// Opens the TCP and the announcement socket and logs how that went. Returns 1, or 0 when one of them cannot be
-// had: networkStatusText and networkAlertText tell then, and nothing is left open.
-int OpenNetworkServer();
-// Starts the accept thread, which starts the others. Returns 1, or 0 when the system refuses (the sockets are
-// closed then). After OpenNetworkServer.
-int StartNetworkServer();
+// Opens the TCP and the announcement socket and logs how that went. Returns true, or false when one of them
+// cannot be had: networkStatusText and networkAlertText tell then, and nothing is left open.
+bool OpenNetworkServer();
+// Starts the accept thread, which starts the others. Returns true, or false when the system refuses (the
+// sockets are closed then). After OpenNetworkServer.
+bool StartNetworkServer();
 // Tells all threads to end, joins them and closes everything; two of the pauses in it (100 ms each) let
 // connections settle. Nothing happens when the server was not started.
 void StopNetworkServer();

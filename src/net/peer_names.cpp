@@ -29,8 +29,8 @@ Look looks[maxClients];  // client list lock
 void LookUp(void* data) {
   auto* question = static_cast<Question*>(data);
   // Of its own, as it may outlive the plug-in's use of the library.
-  const int opened = OpenSocketLibrary();
-  question->found = LookUpPeerName(question->peer, question->name, sizeof question->name) != 0;
+  const bool opened = OpenSocketLibrary();
+  question->found = LookUpPeerName(question->peer, question->name, sizeof question->name);
   if (opened) CloseSocketLibrary();
 }
 

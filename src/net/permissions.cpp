@@ -22,20 +22,20 @@ std::vector<AllowedNetwork> allowed;
 bool everybody = true;
 bool writesAllowed = true;
 
-// "10.0.5.7" or "10.0.5.0/24". Returns 1, or 0 for anything else.
-int ParseNetwork(std::string_view text, AllowedNetwork* network) {
+// "10.0.5.7" or "10.0.5.0/24". Returns true, or false for anything else.
+bool ParseNetwork(std::string_view text, AllowedNetwork* network) {
   const size_t slash = text.find('/');
   int bits = 32;
   if (slash != std::string_view::npos) {
     const std::string_view number = text.substr(slash + 1);
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), bits);
-    if (error != std::errc() || end != number.data() + number.size() || bits < 0 || bits > 32) return 0;
+    if (error != std::errc() || end != number.data() + number.size() || bits < 0 || bits > 32) return false;
   }
   uint32_t ip = 0;
-  if (!ParseAddress(std::string(text.substr(0, slash)).c_str(), &ip)) return 0;
+  if (!ParseAddress(std::string(text.substr(0, slash)).c_str(), &ip)) return false;
   network->mask = bits == 0 ? 0 : UINT32_MAX << (32 - bits);
   network->ip = ip & network->mask;
-  return 1;
+  return true;
 }
 
 int PrefixLength(uint32_t mask) {

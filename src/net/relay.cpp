@@ -1,11 +1,12 @@
 #include "net/relay.h"
 
-#include <cmath>
 #include <cstring>
 #include <string>
 
 #include "XPLMDataAccess.h"
+#include "base/bytes.h"
 #include "base/locks.h"
+#include "bridge/dataref_codec.h"
 #include "net/address.h"
 #include "net/frame.h"
 #include "net/permissions.h"
@@ -25,11 +26,37 @@ Socket relaySocket;             // the simulator's thread; in client mode the re
 SocketAddress destination;      // ip 0: nobody to send to
 uint8_t datagram[receiveSize];  // relay thread
 
-template <typename T>
-T Field(const uint8_t* record, size_t at) {
-  T value;
-  std::memcpy(&value, record + at, sizeof value);
-  return value;
+// What takes a value, by the exact types that the simulator reports: no other combination does.
+Accessor RelayAccessor(XPLMDataTypeID types) {
+  switch (types) {
+    case xplmType_Int:
+      return Accessor::Int;
+    case xplmType_Float:
+      return Accessor::Float;
+    case xplmType_Double:
+    case xplmType_Float | xplmType_Double:
+      return Accessor::Double;
+    case xplmType_FloatArray:
+      return Accessor::FloatArray;
+    case xplmType_IntArray:
+      return Accessor::IntArray;
+    default:
+      return Accessor::None;
+  }
+}
+
+// The record's number for such a dataref; a double holds each of them exactly.
+double RelayNumber(const uint8_t* record, Accessor accessor) {
+  switch (accessor) {
+    case Accessor::Int:
+    case Accessor::IntArray:
+      return LoadFrom<int32_t>(record + relayIntAt);
+    case Accessor::Float:
+    case Accessor::FloatArray:
+      return static_cast<double>(LoadFrom<float>(record + relayFloatAt));
+    default:
+      return LoadFrom<double>(record + relayDoubleAt);
+  }
 }
 
 void SetDataRef(const uint8_t* record) {
@@ -37,30 +64,8 @@ void SetDataRef(const uint8_t* record) {
   const std::string name(text, strnlen(text, relayNameSize));
   XPLMDataRef ref = name.empty() ? nullptr : XPLMFindDataRef(name.c_str());
   if (ref == nullptr) return;
-  const int index = record[relayIndexAt];
-  auto whole = Field<int>(record, relayIntAt);
-  auto single = Field<float>(record, relayFloatAt);
-  const auto wide = Field<double>(record, relayDoubleAt);
-  switch (XPLMGetDataRefTypes(ref)) {
-    case xplmType_Int:
-      XPLMSetDatai(ref, whole);
-      break;
-    case xplmType_Float:
-      if (std::isfinite(single)) XPLMSetDataf(ref, single);
-      break;
-    case xplmType_Double:
-    case xplmType_Float | xplmType_Double:
-      if (std::isfinite(wide)) XPLMSetDatad(ref, wide);
-      break;
-    case xplmType_FloatArray:
-      if (std::isfinite(single)) XPLMSetDatavf(ref, &single, index, 1);
-      break;
-    case xplmType_IntArray:
-      XPLMSetDatavi(ref, &whole, index, 1);
-      break;
-    default:
-      break;
-  }
+  const Accessor accessor = RelayAccessor(XPLMGetDataRefTypes(ref));
+  WriteNumber(ref, accessor, record[relayIndexAt], RelayNumber(record, accessor));
 }
 
 void SendRelay(const uint8_t* record) {
@@ -93,40 +98,38 @@ uint32_t RelayProcedure(void*) {
   return 0;
 }
 
-int OpenSender() {
-  if (serverIp == 0 || !OpenSocket(&relaySocket, Transport::Datagram)) return 0;
-  if (!AllowBroadcast(&relaySocket)) return 0;
+bool OpenSender() {
+  if (serverIp == 0 || !OpenSocket(&relaySocket, Transport::Datagram)) return false;
+  if (!AllowBroadcast(&relaySocket)) return false;
   destination = {BroadcastAddress(serverIp), relayPort};
-  return 1;
+  return true;
 }
 
-int OpenReceiver() {
-  return serverIp != 0 && OpenBroadcastReceiver(&relaySocket, {serverIp, relayPort}) ? 1 : 0;
-}
+bool OpenReceiver() { return serverIp != 0 && OpenBroadcastReceiver(&relaySocket, {serverIp, relayPort}); }
 
 }  // namespace
 
-int OpenRelay(RelayRole role) {
+bool OpenRelay(RelayRole role) {
   destination = {};
   if (role == RelayRole::Sender ? OpenSender() : OpenReceiver()) {
     LogLine("TAVRIX->UDP Broadcast server init OK\n");
-    return 1;
+    return true;
   }
   const int error = SocketErrorNumber();
   CloseSocket(&relaySocket);
   LogLine("TAVRIX->UDP Broadcast server init FAILED\n");
   LogOwn("%s\n", AdviseOnFailure("UDP", relayPort, error).c_str());
-  return 0;
+  return false;
 }
 
 void CloseRelay() { CloseSocket(&relaySocket); }
 
-int StartRelayThread() {
+bool StartRelayThread() {
   relayRunning = 1;
-  if (CreateWaker(&relayWaker) && StartThread(&relayThread, RelayProcedure, nullptr)) return 1;
+  if (CreateWaker(&relayWaker) && StartThread(&relayThread, RelayProcedure, nullptr)) return true;
   relayRunning = 0;
   CloseWaker(&relayWaker);
-  return 0;
+  return false;
 }
 
 void StopRelayThread() {
@@ -154,12 +157,13 @@ void BuildRelayFrame(const uint8_t* record, uint8_t* frame) {
   FinishFrame(frame, frameRelay, relayRecordSize, endRelay);
 }
 
-int ParseRelayFrame(const uint8_t* received, size_t size, uint8_t* record) {
+bool ParseRelayFrame(const uint8_t* received, size_t size, uint8_t* record) {
   constexpr size_t copyAt = frameHeaderSize + relayRecordSize;
   std::memset(record, 0, relayRecordSize);
-  if (size < copyAt + sizeof(uint16_t)) return 0;
-  if (Field<uint16_t>(received, 2) != relayRecordSize || Field<uint16_t>(received, copyAt) != relayRecordSize)
-    return 0;
+  if (size < copyAt + sizeof(uint16_t)) return false;
+  if (LoadFrom<uint16_t>(received + 2) != relayRecordSize ||
+      LoadFrom<uint16_t>(received + copyAt) != relayRecordSize)
+    return false;
   std::memcpy(record, received + frameHeaderSize, relayRecordSize);
-  return 1;
+  return true;
 }

@@ -27,12 +27,13 @@ enum class RelayRole { Sender, Receiver };
 
 // Opens the relay socket on the address that PrepareNetwork took, and logs how that went. The sender
 // broadcasts to that address's network; the receiver binds the address, which must be this computer's.
-// Returns 1, or 0 without socket: sending and receiving then do nothing.
-int OpenRelay(RelayRole role);
+// Returns true, or false without socket: sending and receiving then do nothing.
+bool OpenRelay(RelayRole role);
 // After StopRelayThread.
 void CloseRelay();
-// Starts the thread that receives records into the record store. Returns 1 or 0.
-int StartRelayThread();
+// Starts the thread that receives records into the record store. Returns true, or false when the system
+// refuses.
+bool StartRelayThread();
 // Wakes the thread, gives it 200 ms and joins it. The pause is made without a thread too.
 void StopRelayThread();
 
@@ -42,6 +43,6 @@ void ApplyRelayRecord();
 
 // Pure functions, any thread.
 void BuildRelayFrame(const uint8_t* record, uint8_t* frame);
-// Returns 1 with the record (relayRecordSize bytes), or 0 with the record all zero when either length field is
-// not the record's size.
-int ParseRelayFrame(const uint8_t* datagram, size_t size, uint8_t* record);
+// Returns true with the record (relayRecordSize bytes), or false with the record all zero when either length
+// field is not the record's size.
+bool ParseRelayFrame(const uint8_t* datagram, size_t size, uint8_t* record);

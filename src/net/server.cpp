@@ -81,11 +81,11 @@ void LogListener(Listener state) {
   LogLine("TAVFARNET->Socket Thread Init OK\n");
 }
 
-// Both. Returns 1, or 0 with the error.
-int SetUpListener(Listening turn, int* error) {
+// Both. Returns true, or false with the error.
+bool SetUpListener(Listening turn, int* error) {
   const Listener state = TryListener(turn, error);
   LogListener(state);
-  return state == Listener::Listening ? 1 : 0;
+  return state == Listener::Listening;
 }
 
 // The process has run out of handles, perhaps only for now: a line when it begins, none while it lasts.
@@ -315,36 +315,36 @@ void PrepareNetwork(const char* serverAddress) {
   ClearSubscriptions();
 }
 
-int OpenNetworkServer() {
+bool OpenNetworkServer() {
   int error = 0;
-  const int listening = SetUpListener(Listening::First, &error);
+  const bool listening = SetUpListener(Listening::First, &error);
   if (!listening) {
     LogNetwork("TAVFARNET->Can`t init TCP.....\n");
     SetFailure("TCP", requestPort, error);
   }
-  const int announcing = OpenAnnouncement();
+  const bool announcing = OpenAnnouncement();
   if (!announcing) {
     error = SocketErrorNumber();
     LogNetwork("TAVFARNET->Can`t init UDP multicast; tried %s.....\n", serverAddressText);
     SetFailure("UDP", announcePort, error);
   }
-  if (listening && announcing) return 1;
+  if (listening && announcing) return true;
   CloseSocket(&listener);
   CloseAnnouncement();
-  return 0;
+  return false;
 }
 
-int StartNetworkServer() {
+bool StartNetworkServer() {
   serverRunning = 1;
   clientThreadsRunning = 1;
   newClient = 0;
   shortOfResources = false;
-  if (CreateWaker(&serverWaker) && StartThread(&serverThread, ServerProcedure, nullptr)) return 1;
+  if (CreateWaker(&serverWaker) && StartThread(&serverThread, ServerProcedure, nullptr)) return true;
   serverRunning = 0;
   CloseWaker(&serverWaker);
   CloseSocket(&listener);
   CloseAnnouncement();
-  return 0;
+  return false;
 }
 
 void StopNetworkServer() {

@@ -46,13 +46,13 @@ void EndSessions();
 void ServeFrames(uint8_t* buffer, size_t size, RequestScratch* scratch);
 // Forgets all subscriptions.
 void ClearSubscriptions();
-// 1 when a client has marked the offset.
-int IsSubscribed(uint32_t offset);
+// Whether a client has marked the offset.
+bool IsSubscribed(uint32_t offset);
 
 // --- bursts.cpp -------------------------------------------------------------------------------------------
 // Starts the burst thread, whose mark is set and whose predecessor was joined. Accept thread, no lock held.
-// Returns 1, or 0 with the mark cleared.
-int StartBursts();
+// Returns true, or false with the mark cleared.
+bool StartBursts();
 // Whether a burst thread was started and not joined. As JoinBursts, with any lock held.
 bool BurstsNeedJoin();
 // Waits for the end of the burst thread, whose mark is cleared. Accept thread, and the simulator's after that
@@ -68,10 +68,11 @@ void FollowPeerNames();
 void EndPeerNames();
 
 // --- announce.cpp -----------------------------------------------------------------------------------------
-// Opens the announcement socket. Simulator's thread. Returns 1 or 0 (closed again).
-int OpenAnnouncement();
+// Opens the announcement socket. Simulator's thread. Returns true, or false (the caller closes it).
+bool OpenAnnouncement();
 void CloseAnnouncement();
-// Announces once a second on a thread of its own. Accept thread. Returns 1 or 0.
-int StartAnnouncement();
+// Announces once a second on a thread of its own. Accept thread. Returns true, or false when the
+// system refuses.
+bool StartAnnouncement();
 // Ends the thread at once and closes the socket.
 void StopAnnouncement();

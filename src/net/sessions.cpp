@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "base/log.h"
 #include "net/frame.h"
 #include "net/permissions.h"
@@ -36,17 +37,11 @@ Session sessions[maxClients];
 std::atomic<uint32_t>
     subscriptions[offsetMemorySize];  // kept for clients that send them; bursts carry everything
 
-uint32_t FetchWord16(const uint8_t* from) {
-  uint16_t word;
-  std::memcpy(&word, from, sizeof word);
-  return word;
-}
-
 void MarkOffsets(const ReceivedFrame& frame) {
   if (frame.auxiliary != subscribeMode && frame.auxiliary != unsubscribeMode) return;
   const uint32_t mark = frame.auxiliary == subscribeMode ? 1 : 0;
   for (uint32_t i = 0; i < frame.length / 2U; ++i) {
-    subscriptions[FetchWord16(frame.payload + i * 2)].store(mark, std::memory_order_relaxed);
+    subscriptions[LoadFrom<uint16_t>(frame.payload + i * 2)].store(mark, std::memory_order_relaxed);
   }
 }
 
@@ -177,6 +172,4 @@ void ClearSubscriptions() {
   for (std::atomic<uint32_t>& mark : subscriptions) mark.store(0, std::memory_order_relaxed);
 }
 
-int IsSubscribed(uint32_t offset) {
-  return static_cast<int>(subscriptions[offset].load(std::memory_order_relaxed));
-}
+bool IsSubscribed(uint32_t offset) { return subscriptions[offset].load(std::memory_order_relaxed) != 0; }

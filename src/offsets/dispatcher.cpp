@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "custom/custom.h"
 #include "offsets/memory.h"
 
 RelayRecordStore relayRecordStore;
@@ -44,34 +43,11 @@ void ForEntriesWithin(uint32_t offset, uint32_t size, See see) {
   }
 }
 
-// What a walk did with the user's own entries at an offset.
-struct CustomOutcome {
-  uint32_t offsetSize;   // of the custom offset, which ends the look-ups; 0 for none
-  uint32_t commandSize;  // of the command, which lets the fixed offset have the value too; 0 for none
-};
-
-// Hands a value to the user's own entries at this offset.
-CustomOutcome DispatchCustom(uint32_t at, const uint8_t* data, uint32_t supplied) {
-  uint8_t value[8];
-  const auto take = [&](uint32_t offset, uint32_t size) {
-    const uint32_t given = std::min(size, supplied);
-    std::memcpy(value, data, given);
-    std::memcpy(value + given, offsetMemory.bytes + offset + given, size - given);
-    return value;
-  };
-  CustomOutcome outcome = {};
-  if (const CustomCommandEntry* command = FindCustomCommand(at)) {
-    WriteCommandOffset(*command, take(command->offset, command->size));
-    outcome.commandSize = command->size;
-  }
-  const CustomOffsetEntry* entry = FindCustomOffset(at);
-  if (entry == nullptr || entry->size == 0) return outcome;
-  WriteCustomOffset(*entry, take(entry->offset, entry->size));
-  outcome.offsetSize = entry->size;
-  return outcome;
-}
+CustomHooks customHooks = {[](uint32_t, const uint8_t*, uint32_t) { return CustomOutcome{}; }, [](uint32_t) {}};
 
 }  // namespace
+
+void ConnectDispatcher(const CustomHooks& hooks) { customHooks = hooks; }
 
 void ClearRequestMarks() {
   weatherBlockReady = 0;
@@ -94,18 +70,18 @@ void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action) {
 
 uint32_t DispatchWidth(uint32_t offset) { return table[offset].width; }
 
-int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks) {
+bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks) {
   uint32_t done = 0;
   while (done < size) {
     const uint32_t at = offset + done;
-    const CustomOutcome custom = DispatchCustom(at, data + done, size - done);
+    const CustomOutcome custom = customHooks.offer(at, data + done, size - done);
     if (custom.offsetSize != 0) {
       done += custom.offsetSize;
       continue;
     }
     const DispatchEntry entry = table[at];
     if (entry.action == DispatchAction::None) {
-      if (custom.commandSize == 0) return 0;
+      if (custom.commandSize == 0) return false;
       done += custom.commandSize;
       continue;
     }
@@ -155,7 +131,7 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMa
         if (done == 0) clientEntryWritten = 1;
         break;
       case DispatchAction::CustomReload:
-        if (differs && value[0] == 1) RequestCustomReload(at);
+        if (differs && value[0] == 1) customHooks.requestReload(at);
         break;
       default:
         if (differs) Raise(at, value, width);
@@ -163,7 +139,7 @@ int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMa
     }
     done += entry.action == DispatchAction::StageText ? given : width;
   }
-  return 1;
+  return true;
 }
 
 void CopyLatest(uint32_t offset, uint32_t size, void* bytes) {

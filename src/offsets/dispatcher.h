@@ -12,6 +12,11 @@ constexpr uint32_t relayRecordOffset = 0x11125;
 constexpr uint32_t relayRecordSize = 120;
 constexpr uint32_t weatherAreaOffset = 0xC800;
 constexpr uint32_t atcTextSize = 12;
+constexpr uint32_t atcNumberOffset = 0x3130;
+constexpr uint32_t atcTailNumberOffset = 0x313C;
+// A 1 asks for the user's offsets file to be read again; at the second one a log line says so.
+constexpr uint32_t customReloadOffset = 0x6F0D;
+constexpr uint32_t customClearOffset = 0x6F0E;
 
 // A client's relay record, kept until the relay takes it. Under the offset lock; `waiting` may be read by
 // any thread.
@@ -60,6 +65,24 @@ enum class DispatchAction : uint8_t {
   CustomReload,  // a changed 1 asks for the user's offsets file to be read again
 };
 
+// What became of a write at one offset among the user's own entries.
+struct CustomOutcome {
+  uint32_t offsetSize;   // bytes of the custom offset, which ends the look-ups; 0 for none
+  uint32_t commandSize;  // bytes of the command, which lets the fixed offset have the value too; 0 for none
+};
+// Functions of the user's own entries, whose room stands above this one. Called on any thread, with the offset
+// lock held.
+struct CustomHooks {
+  // Offers a client's write; `data` holds `supplied` bytes, not yet copied into the memory. The bytes that an
+  // entry has beyond them are taken from the memory.
+  CustomOutcome (*offer)(uint32_t offset, const uint8_t* data, uint32_t supplied);
+  // A client asks for the file to be read again, at one of the two offsets above.
+  void (*requestReload)(uint32_t offset);
+};
+// Connects the user's own entries (ConnectCustomOffsets does); until then there are none. Simulator's thread,
+// at start, before anybody can write.
+void ConnectDispatcher(const CustomHooks& hooks);
+
 // Forgets all entries. Simulator's thread, at start.
 void ResetDispatchTable();
 // Makes an offset dispatchable, `width` bytes wide (1 to 252). Simulator's thread, at start.
@@ -75,9 +98,9 @@ void ClearRequestMarks();
 // offset + size lies within the offset memory. A value is staged when it differs from the one that still waits
 // there, or, with none waiting, from the offset memory; bytes that the write does not supply are taken from
 // the same place. Any thread, offset lock held; call it before the bytes are copied into the offset memory.
-// `marks` are the request's own. Returns 1 when every byte was recognised, 0 when the walk stopped at an offset
-// without a meaning for writes (the bytes behind it are not examined).
-int DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks);
+// `marks` are the request's own. Returns true when every byte was recognised, false when the walk stopped at an
+// offset without a meaning for writes (the bytes behind it are not examined).
+bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks);
 // What clients have last left in a range: the offset memory, with the staged values that still wait on top of
 // it. Any thread, offset lock held.
 void CopyLatest(uint32_t offset, uint32_t size, void* bytes);

@@ -1,5 +1,8 @@
 #include "offsets/memory.h"
 
+#include "base/version.h"
+
+uint8_t VariablesAccessMemBlock[offsetMemorySize];
 OffsetMemory offsetMemory;
 PendingValues pendingValues;
 PendingFlags pendingFlags;
@@ -15,9 +18,10 @@ void ClearOffsetMemory() {
 }
 
 void PlaceStartValues() {
+  constexpr size_t versionSize = 8;  // bytes of the plug-in's version, without a terminator
+  static_assert(std::char_traits<char>::length(pluginVersion) == versionSize);
   Store<uint32_t>(0x3304, 0x50000008);
   Store<uint32_t>(0x3308, 0xFADE0008);
-  std::memcpy(offsetMemory.bytes + 0x6F03, "2.0.", 4);
-  std::memcpy(offsetMemory.bytes + 0x6F07, "5.25", 4);
+  std::memcpy(offsetMemory.bytes + 0x6F03, pluginVersion, versionSize);
   Store<uint16_t>(0x3BFA, 2047);
 }

@@ -1,4 +1,6 @@
-// The offset memory: 131,072 bytes that every client reads and writes, and its companions.
+// The room offsets/: the offset memory, 131,072 bytes that every client reads and writes, its companions, and
+// the ways in: requests (request_walk.h), the dispatcher, which every client's write passes (dispatcher.h), and
+// the local server (window_server.h). It knows neither datarefs nor the catalogue.
 //
 // Standard offsets 0x0000-0xFFFF have a fixed meaning and encoding that clients know, extended offsets
 // 0x10000-0x1FFFF hold the plug-in's own records. Values are little-endian at their offset's own width.
@@ -15,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "base/bytes.h"
 #include "base/locks.h"
 #include "platform/system.h"
 
@@ -37,6 +40,12 @@ struct RequestCounters {
   uint32_t bytesWritten;  // sum of the sizes of applied write records
 };
 
+// What clients may do at an offset, by the offset where their record begins. Filled at start, constant
+// afterwards: any thread may read it without a lock.
+constexpr uint8_t accessReadWrite = 1;
+constexpr uint8_t accessReadOnly = 2;
+extern uint8_t VariablesAccessMemBlock[offsetMemorySize];
+
 extern OffsetMemory offsetMemory;
 extern PendingValues pendingValues;
 extern PendingFlags pendingFlags;
@@ -51,23 +60,19 @@ template <typename T>
 T Load(uint32_t offset) {
   assert(offset <= offsetMemorySize - sizeof(T));
   assert(HoldsLock(&offsetLock));
-  T value;
-  std::memcpy(&value, offsetMemory.bytes + offset, sizeof(T));
-  return value;
+  return LoadFrom<T>(offsetMemory.bytes + offset);
 }
 template <typename T>
 void Store(uint32_t offset, T value) {
   assert(offset <= offsetMemorySize - sizeof(T));
   assert(HoldsLock(&offsetLock));
-  std::memcpy(offsetMemory.bytes + offset, &value, sizeof(T));
+  StoreTo(offsetMemory.bytes + offset, value);
 }
 template <typename T>
 T LoadPending(uint32_t offset) {
   assert(offset <= offsetMemorySize - sizeof(T));
   assert(HoldsLock(&offsetLock));
-  T value;
-  std::memcpy(&value, pendingValues.bytes + offset, sizeof(T));
-  return value;
+  return LoadFrom<T>(pendingValues.bytes + offset);
 }
 
 // Clears memory, staged values, flags, counters and request marks. Simulator's thread, at start only.
@@ -82,11 +87,11 @@ enum class PathSource : uint32_t { Local = 0, Network = 1 };
 // the folders that this computer shares. Simulator's thread, at start.
 void PrepareFolders(const char* systemFolder);
 // Walks the range block by block and puts the source's folder into 0x3E00 when the walk comes there. Any
-// thread, offset lock held, before a read record's bytes are copied out. Returns 1 when the range was made
-// of the recognised blocks only, else 0 (callers ignore it).
-int FillPathBlock(uint32_t offset, uint32_t length, PathSource source);
+// thread, offset lock held, before a read record's bytes are copied out. Returns whether the range was made of
+// the recognised blocks only (callers ignore it).
+bool FillPathBlock(uint32_t offset, uint32_t length, PathSource source);
 
 // The network form of a folder: pure function of the folder, the computer's name and the shares (name and
 // folder pairs). `isDirectory` decides whether a candidate exists. Cut to 255 characters.
 std::string NetworkFolder(const std::string& folder, const std::string& computer,
-                          const std::vector<SharedFolder>& shares, int (*isDirectory)(const char*));
+                          const std::vector<SharedFolder>& shares, bool (*isDirectory)(const char*));

@@ -21,13 +21,13 @@ void KeepFolder(char (&target)[folderSize], const std::string& text) {
 
 char LowerCase(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
 
-// 1 when `folder` begins with `share` (regardless of case, as the file system compares) and the share's
+// Whether `folder` begins with `share` (regardless of case, as the file system compares) and the share's
 // text ends at the folder's end or at a separator. A drive root ("C:\") needs no such boundary.
-int IsBelowShare(const std::string& folder, const std::string& share) {
-  if (share.empty() || share.size() > folder.size()) return 0;
+bool IsBelowShare(const std::string& folder, const std::string& share) {
+  if (share.empty() || share.size() > folder.size()) return false;
   if (!std::equal(share.begin(), share.end(), folder.begin(),
                   [](char a, char b) { return LowerCase(a) == LowerCase(b); })) {
-    return 0;
+    return false;
   }
   return share.size() == 3 || share.size() == folder.size() || folder[share.size()] == '\\';
 }
@@ -35,7 +35,7 @@ int IsBelowShare(const std::string& folder, const std::string& share) {
 }  // namespace
 
 std::string NetworkFolder(const std::string& folder, const std::string& computer,
-                          const std::vector<SharedFolder>& shares, int (*isDirectory)(const char*)) {
+                          const std::vector<SharedFolder>& shares, bool (*isDirectory)(const char*)) {
   std::string best;
   size_t limit = 261;
   for (const SharedFolder& share : shares) {
@@ -56,7 +56,7 @@ void PrepareFolders(const char* systemFolder) {
   KeepFolder(networkFolder, NetworkFolder(localFolder, ComputerName(), ListSharedFolders(), IsDirectory));
 }
 
-int FillPathBlock(uint32_t offset, uint32_t length, PathSource source) {
+bool FillPathBlock(uint32_t offset, uint32_t length, PathSource source) {
   uint32_t consumed = 0;
   while (consumed < length) {
     switch (offset + consumed) {
@@ -73,8 +73,8 @@ int FillPathBlock(uint32_t offset, uint32_t length, PathSource source) {
         consumed += 256;
         break;
       default:
-        return 0;
+        return false;
     }
   }
-  return 1;
+  return true;
 }

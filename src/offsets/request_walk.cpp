@@ -1,7 +1,7 @@
 #include "offsets/request_walk.h"
 
+#include "base/bytes.h"
 #include "base/log.h"
-#include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "platform/clock.h"
 
@@ -13,17 +13,11 @@ struct RecordHeader {
   uint32_t type, offset, size;
 };
 
-uint32_t FetchWord(const uint8_t* from) {
-  uint32_t word;
-  std::memcpy(&word, from, sizeof word);
-  return word;
-}
-
-int WithinMemory(const RecordHeader& record) {
+bool WithinMemory(const RecordHeader& record) {
   return record.offset <= offsetMemorySize && record.size <= offsetMemorySize - record.offset;
 }
 
-void TraceServed(int isWrite, uint32_t request, const RecordHeader& record, const uint8_t* bytes,
+void TraceServed(bool isWrite, uint32_t request, const RecordHeader& record, const uint8_t* bytes,
                  PathSource source) {
   LockScope lock(&traceLock);
   TraceRecord(isWrite, request, record.offset, record.size, bytes, source == PathSource::Network ? '*' : ' ');
@@ -41,7 +35,7 @@ void ServeRead(const RecordHeader& record, uint8_t* answer, PathSource source, u
   }
   // Not under the lock: a page of the client's memory may take its time to come.
   std::memcpy(answer, scratch->bytes, record.size);
-  if (traced) TraceServed(0, request, record, scratch->bytes, source);
+  if (traced) TraceServed(false, request, record, scratch->bytes, source);
 }
 
 void ServeWrite(const RecordHeader& record, const uint8_t* data, PathSource source, uint32_t request,
@@ -55,7 +49,7 @@ void ServeWrite(const RecordHeader& record, const uint8_t* data, PathSource sour
     std::memcpy(offsetMemory.bytes + record.offset, scratch->bytes, record.size);
   }
   if (writeTrace.load(std::memory_order_relaxed) != 0) {
-    TraceServed(1, request, record, scratch->bytes, source);
+    TraceServed(true, request, record, scratch->bytes, source);
   }
 }
 
@@ -68,8 +62,7 @@ void RefuseUnknown(uint8_t* record, PathSource source) {
               static_cast<ptrdiff_t>(readHeaderSize), static_cast<ptrdiff_t>(sizeof(void*)));
     FlushTrace();
   }
-  const uint32_t none = recordEnd;
-  std::memcpy(record, &none, sizeof none);
+  StoreTo(record, recordEnd);
 }
 
 // Long lists, and short ones in a row, give way between their records, the end being one of them: a thread that
@@ -78,27 +71,27 @@ void GiveWayAtTimes(RequestScratch* scratch) {
   if (++scratch->served % recordsAtOnce == 0) GiveWay();
 }
 
-int WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
-                RequestMarks* marks, size_t* position) {
+bool WalkRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
+                 RequestMarks* marks, size_t* position) {
   size_t& at = *position;
   for (;;) {
     // A local block may be as large as memory: its end is not waited for when the thread is to stop.
-    if (scratch->run != nullptr && scratch->run->load(std::memory_order_relaxed) == 0) return 0;
-    if (size - at < sizeof(uint32_t)) return 0;  // no end before the block's end
-    const uint32_t type = FetchWord(block + at);
+    if (scratch->run != nullptr && scratch->run->load(std::memory_order_relaxed) == 0) return false;
+    if (size - at < sizeof(uint32_t)) return false;  // no end before the block's end
+    const uint32_t type = LoadFrom<uint32_t>(block + at);
     if (type == recordEnd) {
       at += sizeof type;
       GiveWayAtTimes(scratch);
-      return 1;
+      return true;
     }
     if (type != recordRead && type != recordWrite) {
       RefuseUnknown(block + at, source);
-      return 0;
+      return false;
     }
     const uint32_t headerSize = type == recordRead ? readHeaderSize : writeHeaderSize;
-    if (size - at < headerSize) return 0;
-    const RecordHeader record = {type, FetchWord(block + at + 4), FetchWord(block + at + 8)};
-    if (!WithinMemory(record) || record.size > size - at - headerSize) return 0;
+    if (size - at < headerSize) return false;
+    const RecordHeader record = {type, LoadFrom<uint32_t>(block + at + 4), LoadFrom<uint32_t>(block + at + 8)};
+    if (!WithinMemory(record) || record.size > size - at - headerSize) return false;
     uint8_t* data = block + at + headerSize;
     if (type == recordRead) {
       ServeRead(record, data, source, request, scratch);
@@ -119,11 +112,11 @@ uint32_t CountRequest() {
   return ++requestCounters.requests;
 }
 
-int ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
-                 size_t* consumed) {
+bool ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
+                  size_t* consumed) {
   size_t position = 0;
   RequestMarks marks = {};
-  const int result = WalkRecords(block, size, source, request, scratch, &marks, &position);
+  const bool result = WalkRecords(block, size, source, request, scratch, &marks, &position);
   if (consumed != nullptr) *consumed = position;
   FinishRequest(marks);
   if (readTrace.load(std::memory_order_relaxed) != 0 || writeTrace.load(std::memory_order_relaxed) != 0) {

@@ -31,10 +31,10 @@ struct RequestScratch {
 // Counts a request message and returns its number. Any server thread, no lock held.
 uint32_t CountRequest();
 // Serves the records of `block` (size bytes, readable and writable throughout) in order. Takes offset lock
-// and trace lock for each record by itself. Returns 1, or 0 when a record was unknown (its type word is
+// and trace lock for each record by itself. False when a record was unknown (its type word is
 // zeroed) or would leave the offset memory or the block, when the list has no end, or when the thread's run
 // flag has fallen meanwhile; records before it stay served, nothing of it is applied. `consumed` (may be null)
 // gets the bytes up to and with the list's end, or up to the record that ended it. For PathSource::Network
 // trace headers begin with '*', and an unknown record leaves no line.
-int ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
-                 size_t* consumed = nullptr);
+bool ServeRecords(uint8_t* block, size_t size, PathSource source, uint32_t request, RequestScratch* scratch,
+                  size_t* consumed = nullptr);

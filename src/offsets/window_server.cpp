@@ -109,7 +109,9 @@ LRESULT ServeCall(WPARAM atom) {
   LRESULT result = 0;
   void* view = MapViewOfFile(mapping, mappingAccess, 0, 0, 0);
   if (view != nullptr) {
-    result = ServeRecords(static_cast<uint8_t*>(view), UsableSize(view), PathSource::Local, request, &scratch);
+    const bool served =
+        ServeRecords(static_cast<uint8_t*>(view), UsableSize(view), PathSource::Local, request, &scratch);
+    result = served ? 1 : 0;
     UnmapViewOfFile(view);
   } else {
     TellUnreachableBlock(name);
@@ -247,8 +249,8 @@ void AdmitClientsWithFewerRights(HWND window) {
       windowName, SystemErrorText().c_str());
 }
 
-// Returns 1, or 0 when the system refuses; `report` says whether that makes a line.
-int OpenWindow(HINSTANCE instance, bool report) {
+// False when the system refuses; `report` says whether that makes a line.
+bool OpenWindow(HINSTANCE instance, bool report) {
   HWND window = CreateWindowExA(WS_EX_CLIENTEDGE, windowName, windowName, WS_POPUP, 0, 0, 10, 10, nullptr,
                                 nullptr, instance, nullptr);
   if (window == nullptr) {
@@ -256,7 +258,7 @@ int OpenWindow(HINSTANCE instance, bool report) {
       LogOwn("TAVRIX->The window %s cannot be created (%s): local clients cannot connect\n", windowName,
              SystemErrorText().c_str());
     }
-    return 0;
+    return false;
   }
   LogLine("Create KORLMain Window OK!\n");
   callMessage = RegisterWindowMessageA(callMessageName);
@@ -268,7 +270,7 @@ int OpenWindow(HINSTANCE instance, bool report) {
   ShowWindow(window, SW_HIDE);
   UpdateWindow(window);
   CaptureJoystick(window);
-  return 1;
+  return true;
 }
 
 // Makes a lost window anew; while the system refuses, once a second. Other programs cannot take the window
@@ -352,18 +354,18 @@ uint32_t ServerProcedure(void*) {
 
 }  // namespace
 
-int StartWindowServer() {
-  if (!CreateAutoEvent(&queueReady)) return 0;
+bool StartWindowServer() {
+  if (!CreateAutoEvent(&queueReady)) return false;
   serverRun = 1;
   if (!StartThread(&serverThread, ServerProcedure, nullptr)) {
     serverRun = 0;
     CloseEvent(&queueReady);
-    return 0;
+    return false;
   }
   // A quit message posted before the thread has its queue would be lost, and the join would hang.
   WaitEvent(&queueReady, -1);
   CloseEvent(&queueReady);
-  return 1;
+  return true;
 }
 
 void StopWindowServer() {

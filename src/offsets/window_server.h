@@ -1,25 +1,17 @@
 // Local server: client programs on this computer send a registered message to the hidden window
 // "KORLMAIN"; it names a shared block with records, which are served in place. A Windows mechanism: on
-// other systems it does not exist.
+// other systems it does not exist, and nobody calls the functions.
 //
 // Starting and stopping is for the simulator's thread. The window, its message loop and every request run
 // on the server's own thread.
 #pragma once
+#include "platform/system.h"
 
-#if defined(_WIN32)
-constexpr bool windowServerExists = true;
-#else
-constexpr bool windowServerExists = false;
-#endif
+constexpr bool windowServerExists = onWindows;
 
-#if defined(_WIN32)
-// Starts the thread and waits until its message queue exists. Returns 1, or 0 when no thread could be made.
-int StartWindowServer();
+// Starts the thread and waits until its message queue exists. False when no thread could be made.
+bool StartWindowServer();
 // Tells the thread to quit and waits for its end; nothing happens when it was not started. The window goes at
 // its next message, whatever else waits there; a request that is being served ends with 0 at its next record,
 // those that wait are refused with the window.
 void StopWindowServer();
-#else
-inline int StartWindowServer() { return 0; }
-inline void StopWindowServer() {}
-#endif

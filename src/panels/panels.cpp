@@ -7,12 +7,12 @@
 #include "XPStandardWidgets.h"
 #include "XPWidgets.h"
 #include "base/log.h"
+#include "base/version.h"
 #include "bridge/cycles.h"
 #include "controls/buttons.h"
 #include "custom/custom.h"
 #include "net/net.h"
 #include "offsets/memory.h"
-#include "shell/lifecycle.h"
 
 namespace {
 
@@ -65,7 +65,7 @@ XPWidgetID AddCaption(XPWidgetID window, int line, const char* text) {
                         xpWidgetClass_Caption);
 }
 
-XPWidgetID AddCheckBox(XPWidgetID window, int line, const char* label, int on) {
+XPWidgetID AddCheckBox(XPWidgetID window, int line, const char* label, bool on) {
   const LinePlace place = LineOf(window, line);
   XPWidgetID box = XPCreateWidget(place.left, place.top, place.left + 14, place.bottom, 1, label, 0, window,
                                   xpWidgetClass_Button);
@@ -125,25 +125,25 @@ int HandlePerformance(XPWidgetMessage message, XPWidgetID widget, intptr_t param
   }
   if (message != xpMsg_ButtonStateChanged) return 0;
   if (box != readTraceBox && box != writeTraceBox) return 0;
-  SwitchTrace(box == writeTraceBox ? 1 : 0, param2 != 0 ? 1 : 0);
+  SwitchTrace(box == writeTraceBox, param2 != 0);
   return 1;
 }
 
 void MakeVersionWindow() {
-  versionWindow = MakeWindow("TAVRIX Version and Info", 320, 4, HandleVersion);
+  versionWindow = MakeWindow(versionWindowTitle, 320, 4, HandleVersion);
   if (versionWindow == nullptr) return;
-  AddCaption(versionWindow, 0, WithoutLineEnd(pluginVersionText).c_str());
-  AddCaption(versionWindow, 1, WithoutLineEnd(networkVersionText).c_str());
-  AddCaption(versionWindow, 2, ("X-Plane Version: " + std::to_string(simulatorVersion)).c_str());
+  AddCaption(versionWindow, 0, pluginTitle);
+  AddCaption(versionWindow, 1, networkTitle);
+  AddCaption(versionWindow, 2, (simulatorVersionLabel + std::to_string(simulatorVersion)).c_str());
   networkLine = AddCaption(versionWindow, 3, "");
   if (networkLine != nullptr) XPAddWidgetCallback(networkLine, HandleNetworkLine);
 }
 
 void MakePerformanceWindow() {
-  performanceWindow = MakeWindow("Performance settings", 360, 6, HandlePerformance);
+  performanceWindow = MakeWindow(performanceWindowTitle, 360, 6, HandlePerformance);
   if (performanceWindow == nullptr) return;
-  readTraceBox = AddCheckBox(performanceWindow, 0, "Log reads", 0);
-  writeTraceBox = AddCheckBox(performanceWindow, 1, "Log writes", 0);
+  readTraceBox = AddCheckBox(performanceWindow, 0, "Log reads", false);
+  writeTraceBox = AddCheckBox(performanceWindow, 1, "Log writes", false);
   requestLine = AddCaption(performanceWindow, 2, "");
   droppedLine = AddCaption(performanceWindow, 3, "");
   reloadButton = AddPushButton(performanceWindow, 4, "Reload TAVRIXOffsets.cfg");

@@ -1,8 +1,14 @@
-// The plug-in's windows, drawn by the simulator's widget library. Simulator's thread only.
+// The room panels/: the plug-in's windows, drawn by the simulator's widget library. They show what other rooms
+// know and tell those what the user wants; no room below knows them, their switches follow when shell/ says so.
+// Simulator's thread only, no lock held.
 //
 // Each window is made on first use and only shown again when it exists but is hidden; its close box hides
 // it. CloseAllWindows destroys what exists.
 #pragma once
+
+// Titles, which are the names of the menu's items too.
+constexpr char versionWindowTitle[] = "TAVRIX Version and Info";
+constexpr char performanceWindowTitle[] = "Performance settings";
 
 void OpenVersionWindow();
 void OpenPerformanceWindow();

@@ -17,8 +17,8 @@ constexpr size_t maxDetachedData = 2048;
 // Starts `proc` on a thread of its own with a copy of `size` bytes of data (at most maxDetachedData). Returns
 // null when the system refuses. Any thread; the result belongs to one thread at a time.
 DetachedWork* StartDetached(DetachedProc proc, const void* data, size_t size);
-// Waits up to timeoutMs for the work's end. Returns 1 with the data as the work has left it (the work is freed
-// and the pointer null), or 0 when it is not done yet.
-int FinishDetached(DetachedWork** work, int timeoutMs, void* data);
+// Waits up to timeoutMs for the work's end. Returns true with the data as the work has left it (the work is
+// freed and the pointer null), or false when it is not done yet.
+bool FinishDetached(DetachedWork** work, int timeoutMs, void* data);
 // Leaves the work alone, or frees it when it is done; the pointer is null afterwards.
 void LeaveDetached(DetachedWork** work);

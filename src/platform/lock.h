@@ -16,19 +16,19 @@ struct Lock {
   std::atomic<uint32_t> exists;
 };
 
-// Makes the lock usable; one that exists stays as it is. Returns 1, or 0 when the system refuses (nothing
-// is created then).
-int CreateLock(Lock* lock);
+// Makes the lock usable; one that exists stays as it is. False when the system refuses (nothing is created
+// then).
+bool CreateLock(Lock* lock);
 // Ends the lock; nothing happens when it does not exist.
 void DeleteLock(Lock* lock);
 // Waits until the lock is ours.
 void EnterLock(Lock* lock);
-// Takes the lock when it is free: 1 taken, 0 held by another thread (nothing waits).
-int TryEnterLock(Lock* lock);
+// Takes the lock when it is free; false: another thread holds it (nothing waits).
+bool TryEnterLock(Lock* lock);
 void LeaveLock(Lock* lock);
-// Lock-checking builds: 1 when the calling thread holds the lock, or when the lock does not exist (before
-// enable and after disable there is only one thread). Other builds: always 1.
-int HoldsLock(const Lock* lock);
+// Lock-checking builds: whether the calling thread holds the lock, or the lock does not exist (before enable
+// and after disable there is only one thread). Other builds: always true.
+bool HoldsLock(const Lock* lock);
 
 // Holds a lock for a scope.
 struct LockScope {

@@ -30,21 +30,21 @@ enum class Transport { Stream, Datagram };
 // What a failed call was about, for the line that tells the user what to do.
 enum class SocketFault { PortTaken, AddressNotHere, NoResources, Other };
 
-// Starts the system's socket library. Returns 1 or 0.
-int OpenSocketLibrary();
+// Starts the system's socket library. Returns true, or false when it cannot be had.
+bool OpenSocketLibrary();
 void CloseSocketLibrary();
 
-// Returns 1, or 0 when the system refuses. Made before the waiting thread starts, closed after its join.
-int CreateWaker(SocketWaker* waker);
+// Returns true, or false when the system refuses. Made before the waiting thread starts, closed after its join.
+bool CreateWaker(SocketWaker* waker);
 void CloseWaker(SocketWaker* waker);
 // Any thread, while the waker exists.
 void WakeSocket(SocketWaker* waker);
-// Waits for the wake-up alone: 1 woken, 0 timed out.
-int WaitWaker(SocketWaker* waker, int timeoutMs);
+// Waits for the wake-up alone: true woken, false timed out.
+bool WaitWaker(SocketWaker* waker, int timeoutMs);
 
-// Returns 1, or 0 and the record is without socket. No socket of ours is handed on to programs that the
+// Returns true, or false and the record is without socket. No socket of ours is handed on to programs that the
 // simulator or another plug-in starts.
-int OpenSocket(Socket* socket, Transport transport);
+bool OpenSocket(Socket* socket, Transport transport);
 // Nothing happens without socket.
 void CloseSocket(Socket* socket);
 
@@ -53,13 +53,13 @@ void CloseSocket(Socket* socket);
 // on it lives. A listener that is closed and made anew beside its own connections cannot have it.
 enum class PortClaim { Exclusive, Renewable };
 // Binds to an address of this computer (ip 0: all of them). A stream port whose old connections are still
-// closing can be bound. Returns 1 or 0.
-int BindSocket(Socket* socket, const SocketAddress& address, PortClaim claim = PortClaim::Exclusive);
+// closing can be bound. Returns true, or false when it cannot.
+bool BindSocket(Socket* socket, const SocketAddress& address, PortClaim claim = PortClaim::Exclusive);
 // Opens a datagram socket that receives what is sent to the address, broadcasts of its network included.
-// Returns 1, or 0 (no socket left) when the address is not this computer's or the port is taken.
-int OpenBroadcastReceiver(Socket* socket, const SocketAddress& address);
-// Returns 1 or 0.
-int ListenSocket(Socket* socket, int backlog);
+// Returns true, or false (no socket left) when the address is not this computer's or the port is taken.
+bool OpenBroadcastReceiver(Socket* socket, const SocketAddress& address);
+// Returns true, or false when the system refuses.
+bool ListenSocket(Socket* socket, int backlog);
 constexpr int acceptFailed = -1;
 constexpr int acceptNoResources = -2;  // the process or the system has no handle or memory left for now
 // Waits for a connection. Returns 1 with the accepted socket and its peer, 0 woken, or one of the values above;
@@ -77,27 +77,28 @@ int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffe
 // broadcast address are passed over. `from` gets the sender.
 int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size,
                      uint32_t address, SocketAddress* from);
-// Sends all of it, or as much as the connection takes without waiting. Returns 1 when all has gone, else 0.
-int SendStream(Socket* socket, const void* data, size_t size);
+// Sends all of it, or as much as the connection takes without waiting. Returns true when all has gone.
+bool SendStream(Socket* socket, const void* data, size_t size);
 // Sends one datagram, the rest again when the system took a part only. Never waits: while the system's queue is
-// full (a link that stands still) the datagram is dropped, as the network would. Returns 1, or 0 when a call
-// failed.
-int SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddress& to);
+// full (a link that stands still) the datagram is dropped, as the network would. Returns true, or false when a
+// call failed.
+bool SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddress& to);
 void ShutdownReceive(Socket* socket);
 void ShutdownSend(Socket* socket);
 
-// Options. Each returns 1 or 0.
+// Options. Each returns true, or false when the system refuses.
 // Lets the system queue so many bytes of datagrams; it may grant less.
-int SetSendQueue(Socket* socket, int bytes);
-int AllowBroadcast(Socket* socket);
+bool SetSendQueue(Socket* socket, int bytes);
+bool AllowBroadcast(Socket* socket);
 // Multicast datagrams leave through the interface with this address and do not come back to this computer.
-int SetMulticastInterface(Socket* socket, uint32_t ip);
+bool SetMulticastInterface(Socket* socket, uint32_t ip);
 // A peer that vanished without closing makes the receive fail within 30 s: first probe after 10 s of
 // silence, then one every 5 s (closer where the system fixes the number of probes at ten).
-int SetKeepAlive(Socket* socket);
+bool SetKeepAlive(Socket* socket);
 
-// Name of a peer by reverse lookup (may take seconds), cut to size - 1. Returns 1, or 0 when it has none.
-int LookUpPeerName(const SocketAddress& peer, char* name, size_t size);
+// Name of a peer by reverse lookup (may take seconds), cut to size - 1. Returns true, or false when it has
+// none.
+bool LookUpPeerName(const SocketAddress& peer, char* name, size_t size);
 // About the calling thread's last failed call: the system's number, its text, and what to tell the user.
 int SocketErrorNumber();
 std::string SocketErrorText(int number);

@@ -18,17 +18,17 @@ struct Thread {
 // The message that ends a message loop; the number is the system's own on Windows.
 constexpr uint32_t messageQuit = 18;
 
-// Starts a thread; an exception that leaves `proc` is swallowed at the thread's end. Returns 1, or 0 when
-// the system refuses (then `started` is 0) or an earlier thread of the record was not joined.
-int StartThread(Thread* thread, ThreadProc proc, void* argument);
+// Starts a thread; an exception that leaves `proc` is swallowed at the thread's end. Returns true, or false
+// when the system refuses (then `started` is 0) or an earlier thread of the record was not joined.
+bool StartThread(Thread* thread, ThreadProc proc, void* argument);
 // Waits without limit for the thread's end and gives its handle back. Nothing happens when it was not
 // started. Returns the thread's exit code.
 uint32_t JoinThread(Thread* thread);
 // Makes the calling thread's message queue. Called by the thread itself before it signals readiness.
 void PrepareThreadMessages();
-// Puts a message into a started thread's queue. Returns 1, or 0 when it has none. Only by the thread that
-// joins it: the record must not be joined meanwhile.
-int PostMessageToThread(Thread* thread, uint32_t message, uintptr_t value);
+// Puts a message into a started thread's queue. Returns true, or false when it has none. Only by the thread
+// that joins it: the record must not be joined meanwhile.
+bool PostMessageToThread(Thread* thread, uint32_t message, uintptr_t value);
 // Waits for a message to the calling thread: 1 got one (other than quit), 0 quit, -1 failure or, with
 // timeoutMs >= 0, time-out. Window messages that arrive meanwhile are dispatched on Windows.
 int WaitThreadMessage(int timeoutMs, uint32_t* message, uintptr_t* value);

@@ -7,6 +7,7 @@
 #include "XPLMDataAccess.h"
 #include "XPLMProcessing.h"
 #include "bridge/catalogue/reposition.h"
+#include "bridge/slew.h"
 #include "bridge/sources.h"
 #include "settings/settings.h"
 #include "settings/settings_text.h"
@@ -35,13 +36,13 @@ double maxSpeed;     // m/s, negative is backwards
 float maxTurnSpeed;  // degrees a frame, never negative
 float turnSpeed;     // m/s
 
-int active;
+bool active;
 float speed;     // m/s
-int turning;     // a turn step has run: the turn speed counts
-int hasTurned;   // since the module was loaded
+bool turning;    // a turn step has run: the turn speed counts
+bool hasTurned;  // since the module was loaded
 float turnRate;  // degrees a frame; kept from one turn to the next until a crash or the next enable
 double turnedAngle;
-int distanceReached;
+bool distanceReached;
 bool monitored;  // the distance monitor is registered
 
 double ReadFloat(XPLMDataRef handle) { return ReadNumber(handle, Accessor::Float, 0); }
@@ -56,7 +57,7 @@ void SetInt(XPLMDataRef handle, int value) {
 
 bool ParkingBrakeSet() { return ReadFloat(handles.parkingBrake) > 0; }
 
-void SetOverrides(int on) {
+void SetOverrides(bool on) {
   SetInt(handles.overrideJoystick, on);
   SetInt(handles.overrideStability, on);
   SetInt(handles.overrideGearBrake, on);
@@ -64,41 +65,41 @@ void SetOverrides(int on) {
 
 void Stop() {
   pushbackMode = pushbackOff;
-  active = 0;
-  SetOverrides(0);
+  active = false;
+  SetOverrides(false);
 }
 
 // No roll-out. The turn rate stays for the next turn.
 void StandStill() {
   speed = 0;
-  turning = 0;
+  turning = false;
 }
 
 void Start(int mode) {
-  distanceReached = 0;
+  distanceReached = false;
   SetFloat(handles.distance, 0);
   pushbackMode = mode;
-  SetOverrides(1);
+  SetOverrides(true);
   SetFloat(handles.yokeHeading, 0);
   SetFloat(handles.leftBrake, 0);
   SetFloat(handles.rightBrake, 0);
-  active = 1;
+  active = true;
 }
 
 void ApplyVelocity() {
-  const double along = static_cast<double>(turning != 0 ? turnSpeed : speed);
+  const double along = static_cast<double>(turning ? turnSpeed : speed);
   const double heading = ReadFloat(handles.heading) * radians;
   SetFloat(handles.localVx, static_cast<float>(along * std::sin(heading)));
   SetFloat(handles.localVz, static_cast<float>(-(along * std::cos(heading))));
 }
 
 void Turn() {
-  if (hasTurned == 0) {
-    hasTurned = 1;
+  if (!hasTurned) {
+    hasTurned = true;
     turnedAngle = 0;
     turnRate = 0;
   }
-  turning = 1;
+  turning = true;
   turnRate = std::min(static_cast<float>(static_cast<double>(turnRate) + turnRateStep), maxTurnSpeed);
   turnedAngle += static_cast<double>(turnRate);
   double heading = ReadFloat(handles.heading);
@@ -123,9 +124,9 @@ void Ramp() {
 }
 
 float DistanceMonitor(float, float, int, void*) {
-  if (active != 0 && distanceReached == 0 && pushbackMode > pushbackStraight &&
+  if (active && !distanceReached && pushbackMode > pushbackStraight &&
       ReadFloat(handles.distance) > monitoredDistance) {
-    distanceReached = 1;
+    distanceReached = true;
   }
   return 1.0F;
 }
@@ -145,6 +146,10 @@ void LoadPushbackSettings() {
   maxSpeed = ReadOrComplete("MaxSpeed", "-1.5");
   maxTurnSpeed = std::max(static_cast<float>(ReadOrComplete("MaxTurnSpeed", "0.15")), 0.0F);
   turnSpeed = static_cast<float>(maxSpeed) * turnShare;
+}
+
+void ConnectPushback() {
+  ConnectPushbackRows({.state = [] { return pushbackMode; }, .command = CommandPushback});
 }
 
 void InitPushback() {
@@ -175,13 +180,13 @@ void StopPushback() {
 
 void CommandPushback(uint32_t command) {
   if (command == pushbackOff) {
-    distanceReached = 0;
+    distanceReached = false;
     Stop();
     return;
   }
   if (ParkingBrakeSet()) {
     StandStill();
-    distanceReached = 0;
+    distanceReached = false;
     Stop();
     return;
   }
@@ -189,7 +194,7 @@ void CommandPushback(uint32_t command) {
 }
 
 void PushbackStep() {
-  if (active == 0) {
+  if (!active) {
     if (speed >= 0) return;
     speed = static_cast<float>(static_cast<double>(speed) + rollOutStep);
     ApplyVelocity();
@@ -204,7 +209,7 @@ void PushbackStep() {
 }
 
 void AbortPushback() {
-  if (active != 0) Stop();
+  if (active) Stop();
   StandStill();
   turnRate = 0;
 }

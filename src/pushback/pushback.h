@@ -1,4 +1,5 @@
-// Pushback: tows the aircraft on a client's word (a command at 0x31F4) until the parking brake is set.
+// The room pushback/: tows the aircraft on a client's word (a command at 0x31F4) until the parking brake is
+// set.
 //
 // While it runs, the aircraft's local velocity and, in a turn, its attitude are written every frame, with
 // joystick, gear brakes and artificial stability overridden; the overrides are given back whenever it ends.
@@ -12,6 +13,8 @@ constexpr int pushbackStraight = 0, pushbackTurnUp = 1, pushbackTurnDown = 2, pu
 // Pushback as clients see it: 0 straight, 1 turning with the heading increasing, 2 decreasing, 3 off.
 extern int pushbackMode;
 
+// Hands this room's functions to the rows of the catalogue, which know nothing of it. At start.
+void ConnectPushback();
 // Finds the datarefs, reads the settings, registers the distance monitor (called every second). At enable.
 void InitPushback();
 // Ends pushback, gives the overrides back, unregisters the monitor. At disable; does nothing when not begun.

@@ -35,10 +35,10 @@ enum class Kind {
   integer,     // int
   text,        // char[maxSettingValue + 1]
   address,     // char[sizeof Settings::serverAddress]
-  yesNo,       // int
+  yesNo,       // bool
   axis,        // AxisCombination
   number,      // double
-  active,      // int: 1 for "Active"
+  active,      // bool: "Active"
   detents,     // int, taken from 2 to maxFlapDetents only
   flapDetent,  // FlapDetent
   list,        // std::string
@@ -138,7 +138,7 @@ void Take(const Row& row, std::string_view value) {
       CopyText(static_cast<char*>(row.target), sizeof settings.serverAddress, value);
       break;
     case Kind::yesNo:
-      *static_cast<int*>(row.target) = ParseYesNo(value);
+      *static_cast<bool*>(row.target) = ParseYesNo(value);
       break;
     case Kind::axis:
       *static_cast<AxisCombination*>(row.target) = ParseAxis(value);
@@ -147,7 +147,7 @@ void Take(const Row& row, std::string_view value) {
       *static_cast<double*>(row.target) = ParseNumber(value);
       break;
     case Kind::active:
-      *static_cast<int*>(row.target) = value == "Active" ? 1 : 0;
+      *static_cast<bool*>(row.target) = value == "Active";
       break;
     case Kind::detents: {
       const int count = ParseInteger(value);
@@ -167,8 +167,7 @@ void Take(const Row& row, std::string_view value) {
 }
 
 std::string DefaultText() {
-  std::string text = "TAVRIX Version ";
-  text += pluginVersion;
+  std::string text = pluginTitle;
   text += " ini file\n\n";
   for (const char* section : sections) {
     text += '[';
@@ -183,12 +182,12 @@ std::string DefaultText() {
 // settings every frame. Forgotten as soon as the file can be read or written, and at every enable.
 char toldUnreadable[300], toldUnwritable[300];
 
-// 1 when the reason is a new one.
-int IsNews(char (&told)[300], const std::string& reason) {
+// Whether the reason is a new one.
+bool IsNews(char (&told)[300], const std::string& reason) {
   const std::string kept = reason.substr(0, sizeof told - 1);
-  if (kept == told) return 0;
+  if (kept == told) return false;
   CopyText(told, sizeof told, kept);
-  return 1;
+  return true;
 }
 
 int ReportUnreadable(const std::string& reason, const char* remedy) {
@@ -198,14 +197,14 @@ int ReportUnreadable(const std::string& reason, const char* remedy) {
   return -1;
 }
 
-int ReportUnwritable(const char* path, const std::string& reason,
-                     const char* remedy = "make the file and its folder writable for your user") {
-  if (!IsNews(toldUnwritable, reason)) return 0;
+bool ReportUnwritable(const char* path, const std::string& reason,
+                      const char* remedy = "make the file and its folder writable for your user") {
+  if (!IsNews(toldUnwritable, reason)) return false;
   LogOwn(
       "TAVRIX->Can't write the settings file %s (%s): %s; changes of the settings are lost at the end of this "
       "session\n",
       EscapedControls(path).c_str(), reason.c_str(), remedy);
-  return 0;
+  return false;
 }
 
 // As ReadSettingsText, but what the system throws comes through.
@@ -236,7 +235,7 @@ int LoadText(std::string* text) {
 }
 
 // Writes the whole file: into a temporary file beside it, down to the disk, then under its name.
-int SaveText(const std::string& text) {
+bool SaveText(const std::string& text) {
   if (settingsPath[0] == '\0') return ReportUnwritable("TAVRIX.ini", "its path is missing or too long");
   if (text.size() > largestFile) {
     return ReportUnwritable(settingsPath, "it would grow beyond 4 MB and could not be read again",
@@ -256,7 +255,7 @@ int SaveText(const std::string& text) {
   if (written && closed) {
     if (ReplaceFile(temporary.c_str(), settingsPath)) {
       toldUnwritable[0] = '\0';
-      return 1;
+      return true;
     }
     reason = SystemErrorText();
   }
@@ -295,15 +294,15 @@ void ForgetWaiting() {
 }
 
 // Writes the changes, which hold all waiting ones, in one rewrite of the file.
-int SaveChanges(std::span<const SettingChange> changes) {
+bool SaveChanges(std::span<const SettingChange> changes) {
   std::string text;
   const int loaded = LoadText(&text);
-  if (loaded < 0) return 0;
+  if (loaded < 0) return false;
   if (loaded == 0) text = DefaultText();
   const std::string changed = SetSettingsInText(text, changes);
-  if ((loaded == 0 || changed != text) && !SaveText(changed)) return 0;
+  if ((loaded == 0 || changed != text) && !SaveText(changed)) return false;
   ForgetWaiting();
-  return 1;
+  return true;
 }
 
 // The misspelled key counts while the right one is missing or holds the default, which is what an older
@@ -312,14 +311,14 @@ std::string_view ChooseAddress(const Row& row, std::string_view value, const Set
   return value == row.byDefault && legacy.found && !legacy.value.empty() ? legacy.value : value;
 }
 
-int ReadAll() {
+bool ReadAll() {
   const Settings previous = settings;
   settings = {};
   for (const Row& row : rows) Take(row, row.byDefault);
   toldUnreadable[0] = toldUnwritable[0] = '\0';
   std::string file;
   const int loaded = LoadText(&file);
-  if (loaded < 0) return 0;
+  if (loaded < 0) return false;
   if (loaded == 0) return SaveText(DefaultText());
   // Changes that could not be saved in the session before still count.
   const std::string text = waiting.empty() ? file : SetSettingsInText(file, WaitingBut({}, {}));
@@ -345,19 +344,19 @@ int ReadAll() {
   }
   const std::string completed = missing.empty() ? text : SetSettingsInText(text, missing);
   if (completed == file || SaveText(completed)) ForgetWaiting();
-  return 1;
+  return true;
 }
 
-int CanBeWritten(const char* section, const char* key) {
-  if (AreSettingNames(section, key)) return 1;
+bool CanBeWritten(const char* section, const char* key) {
+  if (AreSettingNames(section, key)) return true;
   LogOwn("TAVRIX->The setting \"%s\" of section \"%s\" has no name that a settings file can hold\n",
          EscapedForLog(key).c_str(), EscapedForLog(section).c_str());
-  return 0;
+  return false;
 }
 
-int ReportException(const char* what) {
+bool ReportException(const char* what) {
   LogOwn("TAVRIX->Out of memory while %s the settings file %s\n", what, EscapedControls(settingsPath).c_str());
-  return 0;
+  return false;
 }
 
 }  // namespace
@@ -395,8 +394,8 @@ int ReadSetting(const char* section, const char* key, char* buffer, size_t size)
   }
 }
 
-int WriteSetting(const char* section, const char* key, const char* value) {
-  if (!CanBeWritten(section, key)) return 0;
+bool WriteSetting(const char* section, const char* key, const char* value) {
+  if (!CanBeWritten(section, key)) return false;
   try {
     std::vector<SettingChange> changes = WaitingBut(section, key);
     changes.push_back({section, key, value});
@@ -406,8 +405,8 @@ int WriteSetting(const char* section, const char* key, const char* value) {
   }
 }
 
-int KeepSetting(const char* section, const char* key, const char* value, int64_t now) {
-  if (!CanBeWritten(section, key)) return 0;
+bool KeepSetting(const char* section, const char* key, const char* value, int64_t now) {
+  if (!CanBeWritten(section, key)) return false;
   try {
     std::string kept(CutSettingValue(value));
     if (waiting.empty()) firstChange = now;
@@ -417,13 +416,13 @@ int KeepSetting(const char* section, const char* key, const char* value, int64_t
       waiting.push_back({section, key, std::move(kept)});
     }
     lastChange = now;
-    return 1;
+    return true;
   } catch (...) {
     return ReportException("changing");
   }
 }
 
-int SettingsWait() { return waiting.empty() ? 0 : 1; }
+bool SettingsWait() { return !waiting.empty(); }
 
 void SaveSettingsWhenDue(int64_t now) {
   if (waiting.empty()) return;
@@ -433,8 +432,8 @@ void SaveSettingsWhenDue(int64_t now) {
   SaveWaitingSettings();
 }
 
-int SaveWaitingSettings() {
-  if (waiting.empty()) return 1;
+bool SaveWaitingSettings() {
+  if (waiting.empty()) return true;
   saveFailed = true;
   try {
     return SaveChanges(WaitingBut({}, {}));
@@ -443,7 +442,7 @@ int SaveWaitingSettings() {
   }
 }
 
-int CreateDefaultSettings() {
+bool CreateDefaultSettings() {
   try {
     return SaveText(DefaultText());
   } catch (...) {
@@ -451,7 +450,7 @@ int CreateDefaultSettings() {
   }
 }
 
-int ReadAllSettings() {
+bool ReadAllSettings() {
   try {
     return ReadAll();
   } catch (...) {

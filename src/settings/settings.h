@@ -1,13 +1,14 @@
-// The settings file "TAVRIX.ini": the user's settings, in sections of "key = value" lines.
+// The room settings/: the settings file "TAVRIX.ini", the user's settings in sections of "key = value" lines.
 //
 // The file lies in the plug-in's folder. All of it is read at enable, missing keys are completed with
 // their defaults, and single keys are rewritten when a window or a client changes them; what clients change
 // waits for a quiet moment, as they may do so every frame. A rewrite goes through a temporary file that takes
 // the old one's place in one step, so a kill at any moment leaves either the old or the new file.
 //
-// Everything here is for the simulator's thread alone. An unreadable or unwritable file is never fatal:
-// a log line tells, once for each reason, and the defaults hold. What is no plain file (a folder, a pipe, a
-// device) is neither read nor replaced, and no rewrite makes the file larger than what is read again (4 MB).
+// Everything here is for the simulator's thread alone (settings_text.h is pure, for any thread). An unreadable
+// or unwritable file is never fatal: a log line tells, once for each reason, and the defaults hold. What is no
+// plain file (a folder, a pipe, a device) is neither read nor replaced, and no rewrite makes the file larger
+// than what is read again (4 MB).
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +18,7 @@ constexpr int maxSettingValue = 130;  // characters; longer values are cut when 
 constexpr int maxFlapDetents = 10;
 
 struct AxisCombination {
-  int active;  // 0: not assigned
+  bool active;  // false: not assigned
   int joystick;
   int axis;
 };
@@ -33,20 +34,20 @@ enum class PageAccess { All, Local, Off };
 struct Settings {
   int tuneValue;
   char serverAddress[20];
-  int clientMode;
+  bool clientMode;
   std::string allowedClients;  // addresses and networks, "" everyone
-  int networkWrites;
+  bool networkWrites;
   PageAccess statusPage;
   char atcNumber[maxSettingValue + 1];
   char atcTailNumber[maxSettingValue + 1];
   char atcAirlineName[maxSettingValue + 1];
   char atcAircraftType[maxSettingValue + 1];
-  int invertElevator, invertAileron, invertRudder;
+  bool invertElevator, invertAileron, invertRudder;
   AxisCombination combineRudder, combineAileron, combineElevator, combineTiller;
   AxisCombination combineLeftToeBrake, combineRightToeBrake;
   double pushbackMaxSpeed;
   double toeBrakeNullZone;
-  int flapsActive;
+  bool flapsActive;
   int flapDetents;  // 2..10
   FlapDetent flapDetent[maxFlapDetents];
 };
@@ -64,24 +65,25 @@ int ReadSetting(const char* section, const char* key, char* buffer, size_t size)
 // line tells why); `text` is empty then.
 int ReadSettingsText(std::string* text);
 // Sets one key, making section and key when missing; all other lines stay as they are. Values are cut at
-// control characters and to 130 characters; a missing file is created with all defaults. Returns 1, or 0
-// (old file in place, a log line tells why). `settings` does not change.
-int WriteSetting(const char* section, const char* key, const char* value);
+// control characters and to 130 characters; a missing file is created with all defaults. Returns true, or
+// false (old file in place, a log line tells why). `settings` does not change.
+bool WriteSetting(const char* section, const char* key, const char* value);
 // The same for a key that a client changes, perhaps often: ReadSetting knows the value at once, the file gets
 // it later, two seconds after the last change and ten seconds after the first one at the latest, all such keys
-// in one rewrite (a WriteSetting takes them along). `now` is monotonic time in ns. Returns 1 or 0.
-int KeepSetting(const char* section, const char* key, const char* value, int64_t now);
-// 1 while changes wait to be written.
-int SettingsWait();
+// in one rewrite (a WriteSetting takes them along). `now` is monotonic time in ns. Returns true, or
+// false for names that no settings file can hold (a log line tells).
+bool KeepSetting(const char* section, const char* key, const char* value, int64_t now);
+// Whether changes wait to be written.
+bool SettingsWait();
 // Writes them when it is time to. What fails is tried again a minute later. Once a frame.
 void SaveSettingsWhenDue(int64_t now);
-// Writes them now (at disable). Returns 1 when nothing waits any more, or 0 (they wait on).
-int SaveWaitingSettings();
-// Creates the file anew with its header, the six sections and every key at its default. Returns 1, or 0
-// (a log line tells why).
-int CreateDefaultSettings();
+// Writes them now (at disable). Returns true when nothing waits any more, or false (they wait on).
+bool SaveWaitingSettings();
+// Creates the file anew with its header, the six sections and every key at its default. Returns true, or
+// false (a log line tells why).
+bool CreateDefaultSettings();
 // Sets `settings` to the defaults, then creates a missing file, reads every key of the table and writes
 // the default of each that is missing, all in one rewrite. A number of flap detents that is out of range leaves
-// the previous one. Always leaves usable settings; returns 1, or 0
+// the previous one. Always leaves usable settings; returns true, or false
 // when the file could neither be read nor written. An existing file that cannot be read is not touched.
-int ReadAllSettings();
+bool ReadAllSettings();

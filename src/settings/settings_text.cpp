@@ -149,8 +149,8 @@ bool IsPlainName(std::string_view name) {
 
 }  // namespace
 
-int NextSettingLine(std::string_view* rest, SettingLine* line) {
-  if (rest->empty()) return 0;
+bool NextSettingLine(std::string_view* rest, SettingLine* line) {
+  if (rest->empty()) return false;
   const size_t end = rest->find('\n');
   line->whole = rest->substr(0, end == std::string_view::npos ? end : end + 1);
   rest->remove_prefix(line->whole.size());
@@ -163,20 +163,20 @@ int NextSettingLine(std::string_view* rest, SettingLine* line) {
   if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.remove_suffix(1);
   text = Trim(text);
-  if (text.empty() || text.front() == ';' || text.front() == '#') return 1;
+  if (text.empty() || text.front() == ';' || text.front() == '#') return true;
   if (text.front() == '[') {
     const size_t close = text.find(']');
-    if (close == std::string_view::npos) return 1;
+    if (close == std::string_view::npos) return true;
     line->kind = SettingLineKind::section;
     line->name = Trim(text.substr(1, close - 1));
-    return 1;
+    return true;
   }
   const size_t equals = text.find('=');
-  if (equals == std::string_view::npos || equals == 0) return 1;
+  if (equals == std::string_view::npos || equals == 0) return true;
   line->kind = SettingLineKind::key;
   line->name = Trim(text.substr(0, equals));
   line->value = Trim(CutAtControl(Trim(text.substr(equals + 1))));
-  return 1;
+  return true;
 }
 
 void FindSettings(std::string_view text, std::span<SettingQuery> queries) {
@@ -201,25 +201,25 @@ void FindSettings(std::string_view text, std::span<SettingQuery> queries) {
   }
 }
 
-int FindSetting(std::string_view text, std::string_view section, std::string_view key,
-                std::string_view* value) {
+bool FindSetting(std::string_view text, std::string_view section, std::string_view key,
+                 std::string_view* value) {
   SettingQuery query = {section, key, {}, false};
   FindSettings(text, {&query, 1});
-  if (!query.found) return 0;
+  if (!query.found) return false;
   *value = query.value;
-  return 1;
+  return true;
 }
 
-int AreSettingNames(std::string_view section, std::string_view key) {
-  if (!IsPlainName(section) || !IsPlainName(key)) return 0;
-  if (section.find(']') != std::string_view::npos || key.find('=') != std::string_view::npos) return 0;
-  if (key.starts_with(byteOrderMark)) return 0;
-  return key.front() != '[' && key.front() != ';' && key.front() != '#' ? 1 : 0;
+bool AreSettingNames(std::string_view section, std::string_view key) {
+  if (!IsPlainName(section) || !IsPlainName(key)) return false;
+  if (section.find(']') != std::string_view::npos || key.find('=') != std::string_view::npos) return false;
+  if (key.starts_with(byteOrderMark)) return false;
+  return key.front() != '[' && key.front() != ';' && key.front() != '#';
 }
 
-int AreSameSettings(std::string_view section, std::string_view key, std::string_view otherSection,
-                    std::string_view otherKey) {
-  return SameIgnoringCase(section, otherSection) && SameIgnoringCase(key, otherKey) ? 1 : 0;
+bool AreSameSettings(std::string_view section, std::string_view key, std::string_view otherSection,
+                     std::string_view otherKey) {
+  return SameIgnoringCase(section, otherSection) && SameIgnoringCase(key, otherKey);
 }
 
 std::string SetSettingsInText(std::string_view text, std::span<const SettingChange> changes) {
@@ -284,14 +284,14 @@ double ParseNumber(std::string_view text) {
   return result.ec == std::errc{} && std::isfinite(value) ? value : 0.0;
 }
 
-int ParseYesNo(std::string_view text) { return text == "Yes" || text == "YES" ? 1 : 0; }
+bool ParseYesNo(std::string_view text) { return text == "Yes" || text == "YES"; }
 
 AxisCombination ParseAxis(std::string_view text) {
   text = Trim(text);
   if (text.empty() || text == "Not assigned" || text == "NOT ASSIGNED") return {};
   const size_t comma = text.find(',');
   const std::string_view axis = comma == std::string_view::npos ? "" : text.substr(comma + 1);
-  return {.active = 1, .joystick = ParseInteger(text.substr(0, comma)), .axis = ParseInteger(axis)};
+  return {.active = true, .joystick = ParseInteger(text.substr(0, comma)), .axis = ParseInteger(axis)};
 }
 
 FlapDetent ParseFlapDetent(std::string_view text) {

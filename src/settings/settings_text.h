@@ -26,10 +26,11 @@ struct SettingLine {
   std::string_view whole;  // the line with its line end
 };
 
-// Takes the next line off `rest`. Returns 1, or 0 at the end of the text.
-int NextSettingLine(std::string_view* rest, SettingLine* line);
-// Looks a key up. Returns 1 and the value (part of `text`), or 0 when key or section is missing.
-int FindSetting(std::string_view text, std::string_view section, std::string_view key, std::string_view* value);
+// Takes the next line off `rest`. Returns true, or false at the end of the text.
+bool NextSettingLine(std::string_view* rest, SettingLine* line);
+// Looks a key up. Returns true and the value (part of `text`), or false when key or section is missing.
+bool FindSetting(std::string_view text, std::string_view section, std::string_view key,
+                 std::string_view* value);
 // The same for many keys in one walk over the text.
 struct SettingQuery {
   std::string_view section, key;
@@ -37,12 +38,12 @@ struct SettingQuery {
   bool found;
 };
 void FindSettings(std::string_view text, std::span<SettingQuery> queries);
-// 1 when the names can be written and found again: not empty, no blanks around, no control characters, no
+// Whether the names can be written and found again: not empty, no blanks around, no control characters, no
 // "]" in a section, no "=" in a key, which must not begin like a header or a comment either.
-int AreSettingNames(std::string_view section, std::string_view key);
-// 1 when both name the same key, the case of letters disregarded.
-int AreSameSettings(std::string_view section, std::string_view key, std::string_view otherSection,
-                    std::string_view otherKey);
+bool AreSettingNames(std::string_view section, std::string_view key);
+// Whether both name the same key, the case of letters disregarded.
+bool AreSameSettings(std::string_view section, std::string_view key, std::string_view otherSection,
+                     std::string_view otherKey);
 // Returns the text with the key set. Every other line stays byte for byte; a replaced line keeps its line
 // end; a new key goes behind the last line of its section that is not blank, a new section to the end of
 // the text. The value is cut as CutSettingValue does it. The names must be writable (AreSettingNames).
@@ -61,8 +62,8 @@ std::string_view CutSettingValue(std::string_view value);
 int ParseInteger(std::string_view text);
 // Leading number with a decimal point, whatever the locale; 0 when there is none or it is not finite.
 double ParseNumber(std::string_view text);
-// 1 for "Yes" and "YES", else 0.
-int ParseYesNo(std::string_view text);
+// Whether it is "Yes" or "YES".
+bool ParseYesNo(std::string_view text);
 // "Not assigned", "NOT ASSIGNED" or nothing: not active. Else active with "joystick,axis".
 AxisCombination ParseAxis(std::string_view text);
 // Up to three numbers separated by commas; what follows the third is ignored.

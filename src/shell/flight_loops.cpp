@@ -3,8 +3,9 @@
 #include <exception>
 
 #include "XPLMProcessing.h"
-#include "bridge/cycles.h"
 #include "net/relay.h"
+#include "shell/frame_callbacks.h"
+#include "shell/override_watch.h"
 
 namespace {
 

@@ -34,14 +34,13 @@
 #include "pushback/pushback.h"
 #include "settings/settings.h"
 #include "shell/advice.h"
+#include "shell/atc_texts.h"
 #include "shell/flight_loops.h"
+#include "shell/frame_callbacks.h"
 #include "shell/menu.h"
+#include "shell/override_watch.h"
 #include "status/status_page.h"
 #include "traffic/traffic.h"
-
-char pluginVersionText[64];
-char networkVersionText[64];
-int simulatorVersion;
 
 namespace {
 
@@ -53,9 +52,9 @@ constexpr char separatorLine[] = "----------------------------------------------
 enum class Stage { Unloaded, Started, Enabled };
 Stage stage = Stage::Unloaded;
 
-int clientModeAtEnable;  // disable acts on the mode that enable chose
-int threadsStarted;      // once per load
-int socketLibraryOpen;
+bool clientModeAtEnable;  // disable acts on the mode that enable chose
+bool threadsStarted;      // once per load
+bool socketLibraryOpen;
 XPLMProbeRef terrainProbe;
 
 void CopyIdentity(char* target, const char* text) { std::snprintf(target, identitySize, "%s", text); }
@@ -66,29 +65,23 @@ void LogStamped(const char* text) {
   LogLine("%s %s\n", TimeStamp(stamp), text);
 }
 
-// A client compares with what it reads here, and so does the dispatcher. At enable, before the locks exist.
-void PublishAtcTexts() {
-  const auto publish = [](uint32_t offset, const char* text) {
-    char field[atcTextSize] = {};
-    const size_t length = std::min<size_t>(std::char_traits<char>::length(text), atcTextSize);
-    std::copy_n(text, length, field);
-    std::copy_n(field, atcTextSize, offsetMemory.bytes + offset);
-  };
-  publish(0x3130, settings.atcNumber);
-  publish(0x313C, settings.atcTailNumber);
+// Where a lower room calls a higher one: the dispatcher the user's own offsets, the catalogue pushback.
+void ConnectRooms() {
+  ConnectCustomOffsets();
+  ConnectPushback();
 }
 
 void StartThreads() {
   LoadAircraftList();
-  if (windowServerExists) {
+  if constexpr (windowServerExists) {
     LogLine(StartWindowServer() ? "TAVRIX->Create KORL Thread OK!\n" : "TAVRIX->Create KORL Thread failed!\n");
   }
   LogLine(StartButtonThread() ? "TAVRIX->Create Joystick Thread OK!\n"
                               : "TAVRIX->Create Joystick Thread failed!\n");
-  const int networkOpen = OpenNetworkServer();
+  const bool networkOpen = OpenNetworkServer() != 0;
   if (!networkOpen) OpenAlertWindow(networkAlertText);
-  const int networkRuns = networkOpen != 0 && StartNetworkServer() != 0;
-  const int trafficRuns = StartTrafficThread();
+  const bool networkRuns = networkOpen && StartNetworkServer() != 0;
+  const bool trafficRuns = StartTrafficThread() != 0;
   if (!StartAircraftModelThread()) LogOwn("TAVRIX->Create aircraft model thread failed!\n");
   if (settings.statusPage != PageAccess::Off &&
       !StartStatusPage(SystemFolder().c_str(), settings.statusPage == PageAccess::Local))
@@ -99,10 +92,10 @@ void StartThreads() {
 
 float DeferredStart(float, float, int, void*) {
   try {
-    if (threadsStarted != 0) {
+    if (threadsStarted) {
       LogOwn("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
     } else {
-      threadsStarted = 1;
+      threadsStarted = true;
       StartThreads();
       FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr"));
     }
@@ -129,8 +122,7 @@ void EnableServerMode() {
   LogLine("TAVRIX->TAVRIX2TAVRIX mode not active, init flightloops\n");
   ForgetStations();
   anythingPending = 1;  // flags that were raised while nobody applied them
-  navigationPending = 1;
-  aircraftChanged = 0;  // every cycle runs within the first second
+  AwaitFirstCycles();
   RegisterFlightLoops(DeferredStart);
   if (terrainProbe == nullptr) terrainProbe = XPLMCreateProbe(xplm_ProbeY);
   RecogniseXSquawkBox();
@@ -162,7 +154,7 @@ void DisableServerMode() {
   LogStamped("TAVRIX->Closing KORL main window.....");
   StopNetworkServer();
   StopAircraftModelThread();
-  if (windowServerExists) {
+  if constexpr (windowServerExists) {
     LogStamped("TAVRIX->Closing KORLMain Thread......");
     StopWindowServer();
   }
@@ -181,23 +173,22 @@ int StartPlugin(char* name, char* signature, char* description) {
   CopyIdentity(description, "A plugin that emulates morven.dll and FARNET.");
   if (stage != Stage::Unloaded) return 1;
   stage = Stage::Started;
-  threadsStarted = 0;  // a module that could not be unloaded starts once more with what it had
+  threadsStarted = false;  // a module that could not be unloaded starts once more with what it had
   readTrace = 0;
   writeTrace = 0;
 
   const std::string folder = PluginFolder();
   OpenLogs(folder.c_str(), [](const char* line) { XPLMDebugString(line); });
-  LogBoth("TAVRIX Version %s %s\n", pluginVersion, buildWord);
-  LogBoth("TAVFARNET Version %s %s\n", networkVersion, buildWord);
-  std::snprintf(pluginVersionText, sizeof pluginVersionText, "TAVRIX Version %s\n", pluginVersion);
-  std::snprintf(networkVersionText, sizeof networkVersionText, "TAVFARNET Version %s\n", networkVersion);
-  socketLibraryOpen = OpenSocketLibrary();
+  LogBoth("%s %s\n", pluginTitle, buildWord);
+  LogBoth("%s %s\n", networkTitle, buildWord);
+  socketLibraryOpen = OpenSocketLibrary() != 0;
   if (!socketLibraryOpen) LogOwn("TAVFARNET->The system's socket library does not start: no network clients\n");
   SetSettingsPath((folder + "TAVRIX.ini").c_str());
 
   BuildMenu();
 
   LogLine("Start Init!\n");
+  ConnectRooms();
   InitMemoryBlocks();
   LookUpDataRefs();
   LookUpCommands();
@@ -206,7 +197,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   int programInterface = 0;
   XPLMHostApplicationID host = 0;
   XPLMGetVersions(&simulatorVersion, &programInterface, &host);
-  LogBoth("X-Plane Version: %i\n", simulatorVersion);
+  LogBoth("%s%i\n", simulatorVersionLabel, simulatorVersion);
 
   PlaceStartValues();
   PrepareFolders(ReportedSystemFolder().c_str());
@@ -221,7 +212,7 @@ int EnablePlugin() {
   ClearRequestMarks();
   ForgetCustomRequests();
   ReadAllSettings();
-  clientModeAtEnable = settings.clientMode;
+  clientModeAtEnable = settings.clientMode != 0;
   PublishAtcTexts();
   ReopenMainLog();
   LogLine("%s", separatorLine);
@@ -240,10 +231,10 @@ int EnablePlugin() {
         "again\n");
     return 0;
   }
-  crashCountdown = 5;
+  BeginCrashCountdown();
   PrepareNetwork(settings.serverAddress);
   PreparePermissions(settings.allowedClients, settings.networkWrites != 0);
-  if (clientModeAtEnable != 0) {
+  if (clientModeAtEnable) {
     EnableClientMode();
   } else {
     EnableServerMode();
@@ -262,7 +253,7 @@ void DisablePlugin() {
     LogStamped("TAVRIX->Stopping HTTP.....");
     StopStatusPage();
   }
-  if (clientModeAtEnable != 0) {
+  if (clientModeAtEnable) {
     DisableClientMode();
   } else {
     DisableServerMode();
@@ -297,7 +288,7 @@ void StopPlugin() {
   terrainProbe = nullptr;
   DestroyMenuAndWindows();
   if (socketLibraryOpen) CloseSocketLibrary();
-  socketLibraryOpen = 0;
+  socketLibraryOpen = false;
   CloseLogs();
 }
 
@@ -309,12 +300,11 @@ void ReceivePluginMessage(int from, int message, void* parameter) {
   }
   switch (message) {
     case XPLM_MSG_PLANE_LOADED:
-      if (reinterpret_cast<intptr_t>(parameter) != 0 || clientModeAtEnable != 0) break;
+      if (reinterpret_cast<intptr_t>(parameter) != 0 || clientModeAtEnable) break;
       if (TrafficRuns()) LoadAircraftList();
       DetectLoadedAircraft();
       BindReaders();
-      navigationPending = 1;
-      aircraftChanged = 1;
+      RefreshForNewAircraft();
       break;
     case XPLM_MSG_PLANE_CRASHED:
       AbortPushback();

@@ -18,10 +18,10 @@ struct MenuRow {
   void (*open)();
 };
 constexpr MenuRow rows[] = {
-    {Entry::Item, "TAVRIX Version and Info", "Open Version", OpenVersionWindow},
+    {Entry::Item, versionWindowTitle, "Open Version", OpenVersionWindow},
     {Entry::Separator, "", "", nullptr},
     {Entry::Submenu, "TAVRIX settings", "", nullptr},
-    {Entry::Item, "Performance settings", "Open performance", OpenPerformanceWindow},
+    {Entry::Item, performanceWindowTitle, "Open performance", OpenPerformanceWindow},
     {Entry::EndOfSubmenu, "", "", nullptr},
 };
 

@@ -153,17 +153,17 @@ uint32_t PageProcedure(void*) {
 
 }  // namespace
 
-int StartStatusPage(const char* systemFolder, bool localOnly) {
+bool StartStatusPage(const char* systemFolder, bool localOnly) {
   pageLocal = localOnly;
   logPath = std::string(systemFolder) + "httpLog.txt";
   pageRunning = 1;
-  if (CreateWaker(&pageWaker) && StartThread(&pageThread, PageProcedure, nullptr)) return 1;
+  if (CreateWaker(&pageWaker) && StartThread(&pageThread, PageProcedure, nullptr)) return true;
   pageRunning = 0;
   CloseWaker(&pageWaker);
-  return 0;
+  return false;
 }
 
-int StatusPageRuns() { return pageThread.started.load() != 0 ? 1 : 0; }
+bool StatusPageRuns() { return pageThread.started.load() != 0; }
 
 void StopStatusPage() {
   pageRunning = 0;

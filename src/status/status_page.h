@@ -1,5 +1,5 @@
-// Status page: a web server on TCP port 4321 that shows version, frame rate and a few flight values to any
-// browser, one connection at a time, and asks it to reload the page every second.
+// The room status/: the status page, a web server on TCP port 4321 that shows version, frame rate and a few
+// flight values to any browser, one connection at a time, and asks it to reload the page every second.
 //
 // Start and Stop are for the simulator's thread. Everything else runs on the page's own thread, which owns
 // its sockets and its log "httpLog.txt" in the simulator's folder. The page reloads itself every second: a
@@ -22,10 +22,10 @@ struct StatusValues {
 };
 
 // Starts the thread. `systemFolder` is the simulator's folder as it reports it; `localOnly` shows the page to
-// browsers on this computer alone (http://127.0.0.1:4321). Returns 1, or 0 when the system refuses.
-int StartStatusPage(const char* systemFolder, bool localOnly = false);
-// 1 from a successful start until StopStatusPage has returned.
-int StatusPageRuns();
+// browsers on this computer alone (http://127.0.0.1:4321). Returns true, or false when the system refuses.
+bool StartStatusPage(const char* systemFolder, bool localOnly = false);
+// Whether it runs: from a successful start until StopStatusPage has returned.
+bool StatusPageRuns();
 // Ends the thread, whatever it waits for, and joins it. Nothing happens when it was not started.
 void StopStatusPage();
 

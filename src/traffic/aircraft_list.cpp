@@ -75,8 +75,8 @@ void GatherModel(int index, bool exists) {
 
 }  // namespace
 
-int InitTraffic() {
-  if (!CreateLock(&gatherLock)) return 0;
+bool InitTraffic() {
+  if (!CreateLock(&gatherLock)) return false;
   std::memset(modelNames, 0, sizeof modelNames);
   std::memset(modelPaths, 0, sizeof modelPaths);
   std::fill_n(planeSources, maxSlots, PlaneSource{});
@@ -88,7 +88,7 @@ int InitTraffic() {
   aircraftCount = 1;
   countChanged = 0;
   listBeingBuilt = 0;
-  return 1;
+  return true;
 }
 
 void ReleaseTraffic() { DeleteLock(&gatherLock); }
@@ -111,10 +111,10 @@ void LoadAircraftList() {
   countChanged = 1;
 }
 
-int StartAircraftModelThread() {
-  if (!CreateAutoEvent(&modelThreadReady)) return 0;
+bool StartAircraftModelThread() {
+  if (!CreateAutoEvent(&modelThreadReady)) return false;
   modelRun = 1;
-  const int started = StartThread(&modelThread, ModelProcedure, nullptr);
+  const bool started = StartThread(&modelThread, ModelProcedure, nullptr);
   if (started) {
     WaitEvent(&modelThreadReady, -1);  // a message to a thread without a queue is lost
   } else {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "base/log.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
@@ -25,25 +26,25 @@ std::atomic<uint32_t> managerRun;
 
 // The manager thread's own.
 uint32_t lastSerial;  // grows as long as the module lives: a slot made anew is a new aircraft to clients
-uint32_t settling;    // slots and aircraft do not agree yet
+bool settling;        // slots and aircraft do not agree yet
 uint16_t changeCounter;
 uint16_t nearestEntry;
 
 uint32_t WantedSlots() { return std::clamp(aircraftCount.load(), 1U, maxSlots + 1) - 1; }
 
-// Returns 0 when the slot's former thread has not ended yet: then it is for the next round.
-int AddSlot() {
+// Returns false when the slot's former thread has not ended yet: then it is for the next round.
+bool AddSlot() {
   const uint32_t index = activeSlots;
-  if (slots[index].thread.started.load() != 0) return 0;
+  if (slots[index].thread.started.load() != 0) return false;
   if (!StartSlot(index, lastSerial + 1)) {
     LogOwn("TAVRIX->The system gives no thread for slot %02i, aircraft from there on are not shown\n",
            static_cast<int>(index));
-    settling = 0;  // the next change of the number tries again
-    return 0;
+    settling = false;  // the next change of the number tries again
+    return false;
   }
   ++lastSerial;
   ++activeSlots;
-  return 1;
+  return true;
 }
 
 // One slot at most is added or removed in a round.
@@ -51,15 +52,15 @@ void Settle() {
   for (uint32_t i = activeSlots; i < maxSlots; ++i) {
     if (slots[i].ended.load() != 0) JoinSlot(i);
   }
-  if (countChanged.exchange(0) != 0) settling = 1;
-  if (settling == 0) return;
+  if (countChanged.exchange(0) != 0) settling = true;
+  if (!settling) return;
   const uint32_t wanted = WantedSlots();
   if (wanted > activeSlots) {
     AddSlot();
   } else if (wanted < activeSlots) {
     EndSlot(--activeSlots);
   }
-  if (wanted == activeSlots) settling = 0;
+  if (wanted == activeSlots) settling = false;
 }
 
 void TakeClientEntry() {
@@ -88,15 +89,14 @@ uint16_t FindNearest() {
 
 void StoreHeader() {
   uint8_t header[trafficHeaderSize] = {};
-  const auto count = static_cast<uint16_t>(activeSlots);
-  std::memcpy(header, &sizeAndCapacity, sizeof sizeAndCapacity);
-  std::memcpy(header + countField, &count, sizeof count);
-  std::memcpy(header + changeField, &changeCounter, sizeof changeCounter);
+  StoreTo(header, sizeAndCapacity);
+  StoreTo(header + countField, static_cast<uint16_t>(activeSlots));
+  StoreTo(header + changeField, changeCounter);
   for (uint32_t i = 0; i < maxSlots; ++i) {
     header[roundsField + i] = slotRounds[i].load(std::memory_order_relaxed);
   }
   header[markField] = 'P';
-  std::memcpy(header + nearestField, &nearestEntry, sizeof nearestEntry);
+  StoreTo(header + nearestField, nearestEntry);
   const ServerLockScope lock;
   std::memcpy(offsetMemory.bytes + trafficHeaderOffset, header, sizeof header);
 }
@@ -117,13 +117,13 @@ uint32_t ManagerProcedure(void*) {
 
 void BeginManager() {
   activeSlots = 0;
-  settling = 1;
+  settling = true;
   nearestEntry = 0;
   for (std::atomic<uint8_t>& rounds : slotRounds) rounds = 0;
   countChanged = 0;
   for (uint32_t wanted = WantedSlots(); activeSlots < wanted && AddSlot();) {
   }
-  settling = 0;
+  settling = false;
 }
 
 void RunManagerRound() {
@@ -145,15 +145,15 @@ void EndManager() {
   StoreHeader();
 }
 
-int TrafficRuns() { return managerRun.load() != 0; }
+bool TrafficRuns() { return managerRun.load() != 0; }
 
-int StartTrafficThread() {
-  if (!CreateAutoEvent(&managerWake)) return 0;
+bool StartTrafficThread() {
+  if (!CreateAutoEvent(&managerWake)) return false;
   managerRun = 1;
-  if (StartThread(&managerThread, ManagerProcedure, nullptr)) return 1;
+  if (StartThread(&managerThread, ManagerProcedure, nullptr)) return true;
   managerRun = 0;
   CloseEvent(&managerWake);
-  return 0;
+  return false;
 }
 
 void StopTrafficThread() {

@@ -63,7 +63,7 @@ PlaneSource ReadPlane(uint32_t slot) {
   const PlaneDataRefs& from = planeDataRefs[slot];
   PlaneSource plane = {};
   if (HandleOf(from.latitude) == nullptr || HandleOf(from.longitude) == nullptr) return plane;
-  plane.known = 1;
+  plane.known = true;
   plane.latitude = Single(ReadSource(from.latitude));
   plane.longitude = Single(ReadSource(from.longitude));
   plane.altitude = Single(ReadSource(from.altitude));
@@ -75,24 +75,24 @@ PlaneSource ReadPlane(uint32_t slot) {
   plane.verticalSpeed = Whole<int16_t>(ReadSource(from.climb));
   plane.pitch = Whole<int16_t>(ReadSource(from.pitch));
   plane.bank = Whole<int16_t>(ReadSource(from.bank));
-  plane.place = {plane.latitude, plane.longitude, 0};
+  plane.place = {plane.latitude, plane.longitude, false};
   return plane;
 }
 
 }  // namespace
 
-int FillTrafficPositions() {
+bool FillTrafficPositions() {
   const uint32_t others = std::clamp(aircraftCount.load(), 1U, maxModels) - 1;
   const uint32_t positioned = std::min(others, positionedPlanes);
   PlaneSource planes[positionedPlanes];
   for (uint32_t slot = 0; slot < positioned; ++slot) planes[slot] = ReadPlane(slot);
-  const Place user = {Single(ReadSource(userLatitude)), Single(ReadSource(userLongitude)), 0};
+  const Place user = {Single(ReadSource(userLatitude)), Single(ReadSource(userLongitude)), false};
 
-  if (TryEnterLock(&trafficLock) == 0) return 0;
+  if (TryEnterLock(&trafficLock) == 0) return false;
   std::copy_n(planes, positioned, planeSources);
   // The slot of an aircraft that has gone shows its last place until it is removed, but is nowhere near.
-  for (uint32_t slot = positioned; slot < positionedPlanes; ++slot) planeSources[slot].known = 0;
+  for (uint32_t slot = positioned; slot < positionedPlanes; ++slot) planeSources[slot].known = false;
   userPlace = user;
   LeaveLock(&trafficLock);
-  return 1;
+  return true;
 }

@@ -103,7 +103,7 @@ void RunSlotRound(Slot& slot, Work* work) {
   }
   Fill(work, source, slot.serial);
   StoreRecords(*work, slot.index);
-  StoreDistance(slot.index, source.known != 0 ? DistanceBetween(user, source.place) : noDistance);
+  StoreDistance(slot.index, source.known ? DistanceBetween(user, source.place) : noDistance);
 }
 
 uint32_t SlotProcedure(void* argument) {
@@ -133,10 +133,10 @@ uint32_t SlotProcedure(void* argument) {
 }  // namespace
 
 void ConvertPlace(Place* place) {
-  if (place->inRadians != 0) return;
+  if (place->inRadians) return;
   place->latitude *= radiansPerDegree;
   place->longitude *= radiansPerDegree;
-  place->inRadians = 1;
+  place->inRadians = true;
 }
 
 int32_t DistanceBetween(const Place& a, const Place& b) {
@@ -148,19 +148,19 @@ int32_t DistanceBetween(const Place& a, const Place& b) {
   return static_cast<int32_t>(std::acos(std::clamp(cosine, -1.0, 1.0)) * earthRadius);
 }
 
-int StartSlot(uint32_t index, uint32_t serial) {
+bool StartSlot(uint32_t index, uint32_t serial) {
   Slot& slot = slots[index];
-  if (!CreateAutoEvent(&slot.wake)) return 0;
+  if (!CreateAutoEvent(&slot.wake)) return false;
   slot.index = index;
   slot.serial = serial;
   slot.retire = 0;
   slot.ended = 0;
   slot.run = 1;
   slotRounds[index] = 0;
-  if (StartThread(&slot.thread, SlotProcedure, &slot)) return 1;
+  if (StartThread(&slot.thread, SlotProcedure, &slot)) return true;
   slot.run = 0;
   CloseEvent(&slot.wake);
-  return 0;
+  return false;
 }
 
 void EndSlot(uint32_t index) {

@@ -1,4 +1,4 @@
-// Traffic: tells clients about the other aircraft in the simulation, in a table of the offset memory.
+// The room traffic/: tells clients about the other aircraft in the simulation, in a table of the offset memory.
 //
 // The table has three parts: a header of 128 bytes at 0xF000 (entry size, capacity, number of active slots,
 // change counter, one round counter per slot, offset of the nearest aircraft's entry), an entry of 40 bytes
@@ -14,9 +14,9 @@
 #pragma once
 #include <cstdint>
 
-// Clears positions, models and slots. At enable, after the program's locks. Returns 1, or 0 when the system
-// refuses the list's own lock.
-int InitTraffic();
+// Clears positions, models and slots. At enable, after the program's locks. Returns true, or false when the
+// system refuses the list's own lock.
+bool InitTraffic();
 // Gives that lock back. At disable, when both threads have ended.
 void ReleaseTraffic();
 
@@ -24,15 +24,16 @@ void ReleaseTraffic();
 // tables (without that thread it is done here). When an aircraft was loaded and when their number changed.
 void LoadAircraftList();
 // Takes the positions of the user's aircraft and of the others, 19 of which have any, for the slot threads.
-// Returns 1, or 0 when a slot thread is just reading them: the old ones stand, try again at the next frame.
-int FillTrafficPositions();
-// 1 while the manager thread runs: somebody wants the positions.
-int TrafficRuns();
+// Returns true, or false when a slot thread is just reading them: the old ones stand, try again at the next
+// frame.
+bool FillTrafficPositions();
+// Whether the manager thread runs: somebody wants the positions.
+bool TrafficRuns();
 
-// The manager thread; it makes and ends the slot threads. Starting returns 1, or 0 when the system refuses.
-// Stopping joins all of them and takes 100 ms, and 400 ms more with slots.
-int StartTrafficThread();
+// The manager thread; it makes and ends the slot threads. Starting returns true, or false when the system
+// refuses. Stopping joins all of them and takes 100 ms, and 400 ms more with slots.
+bool StartTrafficThread();
 void StopTrafficThread();
 // The thread that moves gathered model names into the tables.
-int StartAircraftModelThread();
+bool StartAircraftModelThread();
 void StopAircraftModelThread();

@@ -20,7 +20,7 @@ constexpr int slotRoundMs = 200;
 // them into radians where they stand, once, and the others find them so.
 struct Place {
   float latitude, longitude;
-  uint32_t inRadians;
+  bool inRadians;
 };
 struct PlaneSource {
   float latitude, longitude;  // degrees, for the entry
@@ -29,7 +29,7 @@ struct PlaneSource {
   uint16_t groundSpeed;       // knots
   int16_t verticalSpeed;      // m/s
   int16_t pitch, bank;        // degrees
-  uint32_t known;             // 0: the simulator publishes no position for this aircraft
+  bool known;                 // false: the simulator publishes no position for this aircraft
   Place place;
 };
 extern PlaneSource planeSources[maxSlots];
@@ -73,8 +73,8 @@ extern Slot slots[maxSlots];
 // Each slot thread's rounds; the manager copies them into the header.
 extern std::atomic<uint8_t> slotRounds[maxSlots];
 
-// Starts a slot's thread; the slot must have been joined. Returns 1, or 0 when the system refuses.
-int StartSlot(uint32_t index, uint32_t serial);
+// Starts a slot's thread; the slot must have been joined. Returns true, or false when the system refuses.
+bool StartSlot(uint32_t index, uint32_t serial);
 // Tells it to end; it clears its entry at once.
 void EndSlot(uint32_t index);
 // Joins its thread if there is one, and gives its event back.

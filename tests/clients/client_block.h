@@ -9,20 +9,22 @@
 #include <string>
 #include <vector>
 
+#include "base/bytes.h"
+
 struct Server {
   HWND window;
   UINT message;
 };
 
-// Waits up to 10 seconds for the server's window. Returns 1 or 0.
-inline int FindServer(Server* server) {
+// Waits up to 10 seconds for the server's window. Returns true, or false without it.
+inline bool FindServer(Server* server) {
   server->message = RegisterWindowMessageA("KELDOMAR:IPC");
   for (int attempt = 0; attempt < 200; ++attempt) {
     server->window = FindWindowA("KORLMAIN", "KORLMAIN");
-    if (server->window != nullptr) return 1;
+    if (server->window != nullptr) return true;
     Sleep(50);
   }
-  return 0;
+  return false;
 }
 
 struct ClientBlock {
@@ -33,15 +35,16 @@ struct ClientBlock {
   std::string name;
 };
 
-// A block of `size` bytes. `protection` may add SEC_RESERVE or be read-only. Returns 1 or 0.
-inline int MakeBlock(uint32_t size, ClientBlock* block, DWORD protection = PAGE_READWRITE) {
+// A block of `size` bytes. `protection` may add SEC_RESERVE or be read-only. Returns true, or
+// false when the system refuses.
+inline bool MakeBlock(uint32_t size, ClientBlock* block, DWORD protection = PAGE_READWRITE) {
   static LONG counter;
   *block = {};
   block->size = size;
   block->name =
       "CRAFTED:" + std::to_string(GetCurrentProcessId()) + ":" + std::to_string(InterlockedIncrement(&counter));
   block->mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, protection, 0, size, block->name.c_str());
-  if (block->mapping == nullptr) return 0;
+  if (block->mapping == nullptr) return false;
   const bool readable = (protection & PAGE_READONLY) != 0;
   block->view =
       static_cast<uint8_t*>(MapViewOfFile(block->mapping, readable ? FILE_MAP_READ : FILE_MAP_WRITE, 0, 0, 0));
@@ -73,7 +76,7 @@ struct RecordWriter {
   size_t at;
 
   void Word(uint32_t word) {
-    std::memcpy(base + at, &word, 4);
+    StoreTo(base + at, word);
     at += 4;
   }
   // Returns where the server puts the bytes.
@@ -95,9 +98,3 @@ struct RecordWriter {
   }
   void End() { Word(0); }
 };
-
-inline uint32_t WordAt(const void* bytes) {
-  uint32_t word = 0;
-  std::memcpy(&word, bytes, 4);
-  return word;
-}

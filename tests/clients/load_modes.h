@@ -72,8 +72,8 @@ inline HANDLE StartSelf(const std::string& words) {
   return process.hProcess;
 }
 
-// Waits for its end; one that does not end in time is ended. Returns 1 when it exited with 0.
-inline int FinishProcess(HANDLE process, DWORD timeoutMs) {
+// Waits for its end; one that does not end in time is ended. Returns true when it exited with 0.
+inline bool FinishProcess(HANDLE process, DWORD timeoutMs) {
   DWORD status = 1;
   if (WaitForSingleObject(process, timeoutMs) != WAIT_OBJECT_0) {
     TerminateProcess(process, 1);
@@ -84,7 +84,7 @@ inline int FinishProcess(HANDLE process, DWORD timeoutMs) {
   return status == 0;
 }
 
-inline int RunSelf(const std::string& words, DWORD timeoutMs) {
+inline bool RunSelf(const std::string& words, DWORD timeoutMs) {
   HANDLE process = StartSelf(words);
   return process != nullptr && FinishProcess(process, timeoutMs);
 }
@@ -115,7 +115,7 @@ inline Forecast Foretell(const ClientBlock& block) {
                        std::vector<uint8_t>(block.size, 1)};
   uint32_t at = 0;
   while (block.size - at >= 4) {
-    const uint32_t type = WordAt(&forecast.image[at]);
+    const uint32_t type = LoadFrom<uint32_t>(&forecast.image[at]);
     if (type == 0) {
       forecast.answer = 1;
       break;
@@ -126,8 +126,8 @@ inline Forecast Foretell(const ClientBlock& block) {
     }
     const uint32_t header = type == 1 ? 16 : 12;
     if (block.size - at < header) break;
-    const uint64_t offset = WordAt(&forecast.image[at + 4]);
-    const uint32_t size = WordAt(&forecast.image[at + 8]);
+    const uint64_t offset = LoadFrom<uint32_t>(&forecast.image[at + 4]);
+    const uint32_t size = LoadFrom<uint32_t>(&forecast.image[at + 8]);
     if (offset + size > 0x20000 || size > block.size - at - header) break;
     at += header;
     if (type == 1) std::memset(forecast.known.data() + at, 0, size);
@@ -148,9 +148,9 @@ inline void FillAtRandom(std::mt19937* random, ClientBlock* block) {
     const uint32_t type = kind == 0 ? 0 : kind == 1 ? 3 + pick(1000) : 1 + kind % 2;
     const uint32_t offset = pick(12) == 0 ? offsets[pick(8)] : pick(0x20000);
     const uint32_t size = pick(12) == 0 ? sizes[pick(10)] : pick(300);
-    std::memcpy(block->view + at, &type, 4);
-    std::memcpy(block->view + at + 4, &offset, 4);
-    std::memcpy(block->view + at + 8, &size, 4);
+    StoreTo(block->view + at, type);
+    StoreTo(block->view + at + 4, offset);
+    StoreTo(block->view + at + 8, size);
     if (type == 0 || size > block->size) break;
     at += (type == 1 ? 16 : 12) + size;
   }
@@ -204,7 +204,8 @@ inline int RunHammer(const Server& server, uint32_t seconds, uint32_t records, u
     }
     writer.End();
     uint32_t wrong = Call(server, block.atom) != 1;
-    for (uint32_t i = 0; i < pairs; ++i) wrong |= WordAt(echoes[i]) != (requests + 1) * 2654435761u + i;
+    for (uint32_t i = 0; i < pairs; ++i)
+      wrong |= LoadFrom<uint32_t>(echoes[i]) != (requests + 1) * 2654435761u + i;
     errors += wrong;
     ++requests;
   }
@@ -368,7 +369,7 @@ inline LRESULT CALLBACK HelperProcedure(HWND window, UINT message, WPARAM wParam
   HANDLE mapping = OpenFileMappingA(FILE_MAP_WRITE, FALSE, name);
   if (mapping == nullptr) return 0;
   const void* view = MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0);
-  const LRESULT result = view != nullptr && WordAt(view) == 1;
+  const LRESULT result = view != nullptr && LoadFrom<uint32_t>(view) == 1;
   if (view != nullptr) UnmapViewOfFile(view);
   CloseHandle(mapping);
   return result;
@@ -415,7 +416,7 @@ inline int RunLatency(const Server& server, uint32_t requests, uint32_t records)
     if (bare.window == nullptr) Sleep(50);
   }
   ClientBlock block;
-  const int ready = MakeBlock(std::max(records, 1u) * 20 + 4, &block);
+  const bool ready = MakeBlock(std::max(records, 1u) * 20 + 4, &block);
   if (bare.window == nullptr || !ready) {
     std::printf("latency: FAILED: no helper process\n");
     if (helper != nullptr) FinishProcess(helper, 0);

@@ -22,12 +22,12 @@ constexpr uint32_t pageSize = 4096;
 Server server;
 std::string why;  // what went wrong, for the printed line
 
-int Expect(bool truth, const std::string& what) {
+bool Expect(bool truth, const std::string& what) {
   if (!truth && why.empty()) why = what;
   return truth;
 }
 
-int ExpectAnswer(WPARAM atom, int wanted, const char* what) {
+bool ExpectAnswer(WPARAM atom, int wanted, const char* what) {
   const int answer = Call(server, atom);
   return Expect(answer == wanted, std::string(what) + ": answered " +
                                       (answer == noAnswer ? "nothing" : std::to_string(answer)) + ", not " +
@@ -35,15 +35,15 @@ int ExpectAnswer(WPARAM atom, int wanted, const char* what) {
 }
 
 // A well-formed request of its own is served. Sets the constant word.
-int ExpectAlive() {
+bool ExpectAlive() {
   ClientBlock block;
-  if (!Expect(MakeBlock(pageSize, &block), "no block")) return 0;
+  if (!Expect(MakeBlock(pageSize, &block), "no block")) return false;
   RecordWriter records = {block.view, 0};
   records.Write(constantOffset, 4, &constantValue);
   const uint8_t* data = records.Read(constantOffset, 4);
   records.End();
   ExpectAnswer(block.atom, 1, "plain request");
-  Expect(WordAt(data) == constantValue, "plain request: wrong data");
+  Expect(LoadFrom<uint32_t>(data) == constantValue, "plain request: wrong data");
   FreeBlock(&block);
   return why.empty();
 }
@@ -55,7 +55,7 @@ uint32_t ReadWord(uint32_t offset) {
   RecordWriter records = {block.view, 0};
   const uint8_t* data = records.Read(offset, 4);
   records.End();
-  if (ExpectAnswer(block.atom, 1, "reading back")) word = WordAt(data);
+  if (ExpectAnswer(block.atom, 1, "reading back")) word = LoadFrom<uint32_t>(data);
   FreeBlock(&block);
   return word;
 }
@@ -83,8 +83,9 @@ void UnknownRecord(ClientBlock* block) {
   records.Write(scratchOffset, 4, &value);
   records.End();
   ExpectAnswer(block->atom, 0, "unknown record");
-  Expect(WordAt(data) == constantValue, "the read before it was not served");
-  Expect(WordAt(unknown) == 0 && WordAt(unknown + 4) == 0x5A5A5A5A, "not just its type was zeroed");
+  Expect(LoadFrom<uint32_t>(data) == constantValue, "the read before it was not served");
+  Expect(LoadFrom<uint32_t>(unknown) == 0 && LoadFrom<uint32_t>(unknown + 4) == 0x5A5A5A5A,
+         "not just its type was zeroed");
   Expect(ReadWord(scratchOffset) == 0x11111111, "the write behind it was served");
 }
 
@@ -96,8 +97,9 @@ void NoTerminator(ClientBlock* block) {
   const uint8_t* tail = records.Read(constantOffset + 4 - rest, rest) + rest - 4;
   Expect(records.at == block->size, "the mode fills the block wrongly");
   ExpectAnswer(block->atom, 0, "no terminator");
-  Expect(WordAt(data) == constantValue, "the first record was not served");
-  Expect(WordAt(tail) == constantValue, "the end of the record that ends with the view was not served");
+  Expect(LoadFrom<uint32_t>(data) == constantValue, "the first record was not served");
+  Expect(LoadFrom<uint32_t>(tail) == constantValue,
+         "the end of the record that ends with the view was not served");
 }
 
 // The last header is cut by the view's end, or its data is one byte too long: 0, nothing of it applied.
@@ -175,7 +177,7 @@ void ZeroSizes(ClientBlock* block) {
   const uint8_t* data = records.Read(constantOffset, 4);
   records.End();
   ExpectAnswer(block->atom, 1, "records of size 0");
-  Expect(WordAt(data) == constantValue, "the read behind them was not served");
+  Expect(LoadFrom<uint32_t>(data) == constantValue, "the read behind them was not served");
 }
 
 // A write to a read-only offset is passed over: 1, nothing changed, the next write applied.
@@ -189,7 +191,7 @@ void ReadOnlyWrite(ClientBlock* block) {
   const uint8_t* data = records.Read(readOnlyOffset, 4);
   records.End();
   ExpectAnswer(block->atom, 1, "write to a read-only offset");
-  Expect(WordAt(data) == before, "a read-only offset was written");
+  Expect(LoadFrom<uint32_t>(data) == before, "a read-only offset was written");
   Expect(ReadWord(scratchOffset) == value, "the write behind it was not applied");
 }
 
@@ -201,7 +203,7 @@ void HugeMapping(ClientBlock* block) {
   const uint8_t* data = records.Read(0, memorySize);
   records.End();
   ExpectAnswer(block->atom, 1, "huge block");
-  Expect(WordAt(data + constantOffset) == constantValue, "wrong data");
+  Expect(LoadFrom<uint32_t>(data + constantOffset) == constantValue, "wrong data");
 }
 
 // Of 1 MiB of address space only the first page is there: records inside it are served, 1; one that runs
@@ -215,7 +217,7 @@ void ReservedMapping(ClientBlock* block) {
   const uint8_t* data = records.Read(constantOffset, 4);
   records.End();
   ExpectAnswer(block->atom, 1, "inside the page");
-  Expect(WordAt(data) == constantValue, "wrong data");
+  Expect(LoadFrom<uint32_t>(data) == constantValue, "wrong data");
   records = {block->view, 0};
   records.Word(1);
   records.Word(0);
@@ -428,10 +430,10 @@ int main(int count, char** words) {
     return 1;
   }
   int failed = 0;
-  int found = 0;
+  bool found = false;
   for (const Mode& mode : modes) {
     if (name != "all" && name != mode.name) continue;
-    found = 1;
+    found = true;
     failed |= RunMode(mode);
   }
   return found ? failed : Usage();

@@ -69,18 +69,18 @@ TEST_F(Adapters, AircraftComeAndGo) {
     std::initializer_list<const char*> lines;
   };
   const Case cases[] = {
-      {"x737", AddOn::X737, "x737/", 40, 0, {"x737 found pluginID="}},
+      {"x737", AddOn::X737, "x737/", 45, 0, {"x737 found pluginID="}},
       {"ixeg733",
        AddOn::Ixeg733,
        "ixeg/733/",
-       1,
-       1,
+       9,
+       0,
        {" IXEG found, datarefs loaded\n", "\nIXEG found, commands loaded\n"}},
       {"b738-extended",
        AddOn::B738Extended,
        "laminar/B738/",
-       40,
-       20,
+       26,
+       17,
        {" Extended 737-800 found, datarefs loaded\n", " Extended 737-800 found, commands loaded\n"}},
       {"b738",
        AddOn::B738Stock,

@@ -12,13 +12,13 @@
 
 namespace {
 
-const std::vector<CustomDatarefEntry> aliases = {{"alt", "", nullptr, 1000, datarefInt},
-                                                 {"bad", "", nullptr, 0, datarefNone},
-                                                 {"n1", "", nullptr, -7, datarefInt}};
+const std::vector<CustomDatarefEntry> aliases = {{"alt", "", nullptr, 1000, Accessor::Int},
+                                                 {"bad", "", nullptr, 0, Accessor::None},
+                                                 {"n1", "", nullptr, -7, Accessor::Int}};
 
 // In these tests a dataref's value is its index; "bad" is not a number.
 double ReadIndex(const CustomDatarefEntry& dataref) {
-  return dataref.kind == datarefNone ? std::numeric_limits<double>::quiet_NaN() : dataref.index;
+  return dataref.kind == Accessor::None ? std::numeric_limits<double>::quiet_NaN() : dataref.index;
 }
 
 struct Results {

@@ -9,9 +9,9 @@
 namespace {
 
 struct Parsed : CustomTables {
-  explicit Parsed(const std::string& text) {
+  explicit Parsed(const std::string& file) {
     skipped = 0;
-    result = ParseCustomFile(text, this, [](uint32_t line, CustomLineFault) { skipped = line; });
+    result = ParseCustomFile(file, this, [](uint32_t line, CustomLineFault) { skipped = line; });
   }
   int result;
   static inline uint32_t skipped;  // last line left out
@@ -64,7 +64,8 @@ TEST(CustomFile, DatarefsAndCommands) {
   ASSERT_EQ(parsed.datarefs.size(), 4u);
   const std::string_view order[] = {"a", "ab", "b", "\xE9"};
   const char* paths[] = {"sim/x", "sim/z", "sim/x/y", "p"};
-  const int indices[] = {0, -1, 3, 0}, kinds[] = {0, 1, 8, 32};
+  const int indices[] = {0, -1, 3, 0};
+  const Accessor kinds[] = {Accessor::None, Accessor::Int, Accessor::FloatArray, Accessor::Bytes};
   for (size_t i = 0; i < 4; ++i) {
     EXPECT_EQ(parsed.datarefs[i].alias, order[i]);
     EXPECT_STREQ(parsed.datarefs[i].path, paths[i]);

@@ -19,6 +19,7 @@
 #include "row_harness.h"
 #include "settings/settings.h"
 #include "shell/advice.h"
+#include "shell/atc_texts.h"
 #include "shell/lifecycle.h"
 #if !defined(_WIN32)
 #include <sys/stat.h>

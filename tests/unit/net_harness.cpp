@@ -15,6 +15,7 @@
 
 #include "base/locks.h"
 #include "base/log.h"
+#include "bridge/cycles.h"
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "platform/clock.h"
@@ -173,7 +174,7 @@ void Network::SetUp() {
   ASSERT_TRUE(CreateLocks());
   ASSERT_TRUE(OpenLogs(Folder().c_str(), nullptr));
   InitMemoryBlocks();
-  ResetDispatchTable();
+  BuildCycles();
   relayRecordStore.waiting = 0;
   readTrace = writeTrace = 0;
 }

@@ -348,11 +348,11 @@ TEST(NetworkFolder, ShortestExistingShareWins) {
       {"not there", {{"missing", "C:\\Games"}}, "C:\\Games\\X-Plane 9\\"},
   };
   for (const Case& test : cases) {
-    const auto exists = [](const char* path) { return std::strstr(path, "missing") == nullptr ? 1 : 0; };
+    const auto exists = [](const char* path) { return std::strstr(path, "missing") == nullptr; };
     EXPECT_EQ(NetworkFolder(folder, "SIM", test.shares, exists), test.result) << test.what;
   }
   const std::string longFolder = "C:\\" + std::string(300, 'x');
-  EXPECT_EQ(NetworkFolder(longFolder, "SIM", {}, [](const char*) { return 1; }).size(), 255U);
+  EXPECT_EQ(NetworkFolder(longFolder, "SIM", {}, [](const char*) { return true; }).size(), 255U);
 }
 
 }  // namespace

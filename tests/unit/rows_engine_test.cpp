@@ -487,8 +487,9 @@ TEST_F(EngineRows, FailureRequestsCanBeRepeated) {
   ExpectShown({{0x6DA4, U32, 0}});
   WriteNew(0x6DA4, U32, 0);
   EXPECT_EQ(Calls(), "");
-  sim::SimCommand("define sim/operation/failures/failures int[70] 1 2 3");
-  LookUp();
+  sim::Withdraw(sim::FindLive(failure + "failures"));
+  sim::Publish((failure + "failures").c_str(), sim::Kind::IntArray, 70, true);
+  SetAll({{failure + "failures[0]", 1}, {failure + "failures[2]", 3}});
   WriteNew(0x6DAA, U8, 69);
   EXPECT_EQ(Get(failure + "failures[69]"), 6);
   ExpectShown({{0x6DAA, U8, 0}});

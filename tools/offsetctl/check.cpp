@@ -278,13 +278,13 @@ void CheckDatarefLine(Check* check, const CustomLine& line) {
   const std::string_view path = line.tokens[2].text;
   const size_t bracket = path.find('[');
   CheckFound(check, line.tokens[2], path.substr(0, bracket), "dataref");
-  CustomDatarefKind kind = datarefNone;
+  Accessor kind = Accessor::None;
   if (!FindCustomKind(line.tokens[3].text, &kind)) {
     Tell(check, line.tokens[3],
          "unknown kind " + Quoted(line.tokens[3].text) +
              ", the dataref reads 0: write int, float, double, floatarray, intarray or data");
   }
-  const bool array = kind == datarefFloatArray || kind == datarefIntArray || kind == datarefData;
+  const bool array = kind == Accessor::FloatArray || kind == Accessor::IntArray || kind == Accessor::Bytes;
   if (bracket == std::string_view::npos) return;
   int32_t index = 0;
   const std::string_view inside = path.substr(bracket + 1);
@@ -293,10 +293,10 @@ void CheckDatarefLine(Check* check, const CustomLine& line) {
     Tell(check, line.tokens[2],
          "the element behind \"[\" is read as " + WholeText(int64_t{index}) + ": write it like " +
              std::string(path.substr(0, bracket)) + "[3]");
-  } else if (kind != datarefNone && !array) {
+  } else if (kind != Accessor::None && !array) {
     Tell(check, line.tokens[3],
          "kind " + Quoted(line.tokens[3].text) + " ignores the element: write " +
-             (kind == datarefInt ? "intarray" : "floatarray"));
+             (kind == Accessor::Int ? "intarray" : "floatarray"));
   }
 }
 
@@ -416,7 +416,7 @@ void CollectAliases(Check* check, std::string_view text) {
     if (!fresh) Tell(check, line.tokens[1], "the alias " + Quoted(line.tokens[1].text) + " is defined twice");
   }
   for (const auto& [alias, used] : check->aliases) {
-    check->datarefs.push_back({alias, "", nullptr, 0, datarefNone});
+    check->datarefs.push_back({alias, "", nullptr, 0, Accessor::None});
   }
 }
 

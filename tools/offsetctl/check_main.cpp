@@ -10,9 +10,9 @@ namespace {
 
 constexpr size_t largestFile = 64u << 20;
 
-int ReadFile(const std::string& path, std::string* text) {
+bool ReadFile(const std::string& path, std::string* text) {
   const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-  if (!file) return 0;
+  if (!file) return false;
   char part[16384];
   size_t length = 0;
   while ((length = std::fread(part, 1, sizeof part, file.get())) > 0 && text->size() <= largestFile) {

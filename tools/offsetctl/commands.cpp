@@ -17,17 +17,17 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-// Returns 1, or 0 with the sentence in `error`.
-int ParseItems(const Options& options, std::vector<Item>* items, std::string* error) {
+// Returns true, or false with the sentence in `error`.
+bool ParseItems(const Options& options, std::vector<Item>* items, std::string* error) {
   const NameTable names = KnownOffsets();
   for (const std::string& text : options.items) {
     Item item;
-    const int parsed = options.command == Command::Write ? ParseAssignment(text, names, &item, error)
-                                                         : ParseItem(text, names, &item, error);
-    if (!parsed) return 0;
+    const bool parsed = options.command == Command::Write ? ParseAssignment(text, names, &item, error)
+                                                          : ParseItem(text, names, &item, error);
+    if (!parsed) return false;
     items->push_back(item);
   }
-  return 1;
+  return true;
 }
 
 std::vector<Transfer> TransfersOf(std::vector<Item>* items) {

@@ -6,13 +6,13 @@ namespace ctl {
 
 // From here on Ctrl-C asks for a clean end instead of killing the program.
 void WatchForStop();
-// 1 after Ctrl-C. Any thread.
-int StopRequested();
+// Whether Ctrl-C was pressed. Any thread.
+bool StopRequested();
 // Waits that long, at most a million seconds, or until Ctrl-C; not at all when it is zero or less. Returns
 // StopRequested().
-int WaitForStop(double seconds);
-// 1 when standard output is a terminal that CursorHome works on.
-int StdoutIsTerminal();
+bool WaitForStop(double seconds);
+// Whether standard output is a terminal that CursorHome works on.
+bool StdoutIsTerminal();
 // Columns and lines that are visible at the moment; 80 and 24 when the terminal does not tell.
 struct TerminalSize {
   size_t columns, lines;

@@ -48,9 +48,9 @@ void WatchForStop() {
   sigaction(SIGTERM, &action, nullptr);
 }
 
-int StopRequested() { return stopRequested != 0; }
+bool StopRequested() { return stopRequested != 0; }
 
-int WaitForStop(double seconds) {
+bool WaitForStop(double seconds) {
   if (!(seconds > 0)) return StopRequested();
   const auto length = std::chrono::duration<double>(std::min(seconds, longestWait));
   const Clock::time_point end = Clock::now() + std::chrono::duration_cast<Clock::duration>(length);
@@ -63,7 +63,7 @@ int WaitForStop(double seconds) {
   return StopRequested();
 }
 
-int StdoutIsTerminal() { return isatty(STDOUT_FILENO); }
+bool StdoutIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
 
 TerminalSize SizeOfTerminal() {
   winsize size = {};

@@ -41,15 +41,15 @@ void WatchForStop() {
   SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 }
 
-int StopRequested() { return WaitForSingleObject(stopEvent, 0) == WAIT_OBJECT_0; }
+bool StopRequested() { return WaitForSingleObject(stopEvent, 0) == WAIT_OBJECT_0; }
 
-int WaitForStop(double seconds) {
+bool WaitForStop(double seconds) {
   if (!(seconds > 0)) return StopRequested();
   const double milliseconds = std::ceil(std::min(seconds, longestWait) * 1000);
   return WaitForSingleObject(stopEvent, static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
 }
 
-int StdoutIsTerminal() {
+bool StdoutIsTerminal() {
   CONSOLE_SCREEN_BUFFER_INFO info;
   return GetConsoleScreenBufferInfo(Output(), &info) != 0;
 }

@@ -3,15 +3,16 @@
 #include <cmath>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "numbers.h"
 
 namespace ctl {
 
 namespace {
 
-int Fail(std::string* error, const std::string& text) {
+bool Fail(std::string* error, const std::string& text) {
   *error = text;
-  return 0;
+  return false;
 }
 
 int HexDigit(char letter) {
@@ -22,7 +23,7 @@ int HexDigit(char letter) {
 }
 
 // Pairs of hexadecimal digits, with spaces between pairs or not.
-int ParseHexBytes(std::string_view text, std::vector<uint8_t>* bytes) {
+bool ParseHexBytes(std::string_view text, std::vector<uint8_t>* bytes) {
   std::vector<uint8_t> parsed;
   for (size_t at = 0; at < text.size();) {
     if (text[at] == ' ') {
@@ -31,28 +32,29 @@ int ParseHexBytes(std::string_view text, std::vector<uint8_t>* bytes) {
     }
     const int high = HexDigit(text[at]);
     const int low = at + 1 < text.size() ? HexDigit(text[at + 1]) : -1;
-    if (high < 0 || low < 0) return 0;
+    if (high < 0 || low < 0) return false;
     parsed.push_back(static_cast<uint8_t>(high * 16 + low));
     at += 2;
   }
   *bytes = std::move(parsed);
-  return 1;
+  return true;
 }
 
-int ParseQuoted(std::string_view text, std::vector<uint8_t>* bytes) {
-  if (text.size() < 2 || text.front() != '"' || text.back() != '"') return 0;
+bool ParseQuoted(std::string_view text, std::vector<uint8_t>* bytes) {
+  if (text.size() < 2 || text.front() != '"' || text.back() != '"') return false;
   std::vector<uint8_t> parsed;
   text = text.substr(1, text.size() - 2);
   for (size_t at = 0; at < text.size(); ++at) {
     char letter = text[at];
-    if (letter == '"') return 0;
+    if (letter == '"') return false;
     if (letter == '\\') {
-      if (++at == text.size()) return 0;
+      if (++at == text.size()) return false;
       letter = text[at];
       if (letter == 'n') letter = '\n';
       if (letter == 'x') {
         std::vector<uint8_t> one;
-        if (at + 2 >= text.size() || !ParseHexBytes(text.substr(at + 1, 2), &one) || one.size() != 1) return 0;
+        if (at + 2 >= text.size() || !ParseHexBytes(text.substr(at + 1, 2), &one) || one.size() != 1)
+          return false;
         letter = static_cast<char>(one[0]);
         at += 2;
       }
@@ -60,7 +62,7 @@ int ParseQuoted(std::string_view text, std::vector<uint8_t>* bytes) {
     parsed.push_back(static_cast<uint8_t>(letter));
   }
   *bytes = std::move(parsed);
-  return 1;
+  return true;
 }
 
 void PutBits(uint64_t bits, Item* item) {
@@ -82,7 +84,7 @@ std::string RangeText(ValueType type, uint32_t size) {
          WholeText(LargestMagnitude(type, size, false));
 }
 
-int EncodeWhole(std::string_view text, Item* item, std::string* error) {
+bool EncodeWhole(std::string_view text, Item* item, std::string* error) {
   WholeNumber value;
   if (!ParseWhole(text, &value)) return Fail(error, Quote(text) + " is no whole number");
   if (value.magnitude > LargestMagnitude(item->type, item->size, value.negative)) {
@@ -90,39 +92,38 @@ int EncodeWhole(std::string_view text, Item* item, std::string* error) {
                            ", which holds " + RangeText(item->type, item->size));
   }
   PutBits(value.negative ? uint64_t{0} - value.magnitude : value.magnitude, item);
-  return 1;
+  return true;
 }
 
 void PutReal(double value, Item* item) {
   if (item->type == ValueType::F64) {
-    std::memcpy(item->bytes.data(), &value, 8);
+    StoreTo(item->bytes.data(), value);
   } else {
-    const float single = static_cast<float>(value);
-    std::memcpy(item->bytes.data(), &single, 4);
+    StoreTo(item->bytes.data(), static_cast<float>(value));
   }
 }
 
-int EncodeReal(std::string_view text, double value, Item* item, std::string* error) {
+bool EncodeReal(std::string_view text, double value, Item* item, std::string* error) {
   if (item->type == ValueType::F32 && std::isfinite(value) && std::isinf(static_cast<float>(value))) {
     return Fail(error, std::string(text) + " does not fit f32");
   }
   PutReal(value, item);
-  return 1;
+  return true;
 }
 
-int ParseFraction(std::string_view text, double* value, std::string* error) {
+bool ParseFraction(std::string_view text, double* value, std::string* error) {
   if (text.find_first_of("xX") != std::string_view::npos) {
     return Fail(error, "values are in engineering units here; for the stored number give the type too");
   }
   if (!ParseReal(text, value)) return Fail(error, Quote(text) + " is no number");
-  return 1;
+  return true;
 }
 
 // Engineering units into the stored number, rounded to the nearest step.
-int EncodeScaled(std::string_view text, Item* item, std::string* error) {
+bool EncodeScaled(std::string_view text, Item* item, std::string* error) {
   const OffsetName& row = *item->row;
   double value = 0;
-  if (!ParseFraction(text, &value, error)) return 0;
+  if (!ParseFraction(text, &value, error)) return false;
   const double stored = (value - row.unitBias) / row.unitScale;
   if (!IsInteger(item->type)) return EncodeReal(text, stored, item, error);
   const double rounded = std::round(stored);
@@ -140,15 +141,15 @@ int EncodeScaled(std::string_view text, Item* item, std::string* error) {
   PutBits(IsSigned(item->type) ? static_cast<uint64_t>(static_cast<int64_t>(rounded))
                                : static_cast<uint64_t>(rounded),
           item);
-  return 1;
+  return true;
 }
 
 bool IsMegahertz(const OffsetName& row) { return std::strcmp(row.unit, "MHz") == 0 && row.length == 2; }
 
 // Decimal digits, four bits each. Megahertz drop the leading 1 and what does not fit behind the point.
-int EncodeBcd(std::string_view text, Item* item, std::string* error) {
+bool EncodeBcd(std::string_view text, Item* item, std::string* error) {
   double value = 0;
-  if (!ParseFraction(text, &value, error)) return 0;
+  if (!ParseFraction(text, &value, error)) return false;
   const double first = IsMegahertz(*item->row) ? 100 : 0;
   const double scale = IsMegahertz(*item->row) ? 100 : 1;
   const double count = std::floor((value - first) * scale + 1e-6);
@@ -161,10 +162,10 @@ int EncodeBcd(std::string_view text, Item* item, std::string* error) {
   uint64_t bits = 0;
   for (uint32_t digit = 0; digit < 2 * item->size; ++digit, rest /= 10) bits |= (rest % 10) << (4 * digit);
   PutBits(bits, item);
-  return 1;
+  return true;
 }
 
-int EncodeFlag(std::string_view text, Item* item, std::string* error) {
+bool EncodeFlag(std::string_view text, Item* item, std::string* error) {
   if (text == "on" || text == "true") text = "1";
   if (text == "off" || text == "false") text = "0";
   if (IsInteger(item->type)) return EncodeWhole(text, item, error);
@@ -172,7 +173,7 @@ int EncodeFlag(std::string_view text, Item* item, std::string* error) {
   return ParseFraction(text, &value, error) && EncodeReal(text, value, item, error);
 }
 
-int EncodeText(std::string_view text, Item* item, std::string* error) {
+bool EncodeText(std::string_view text, Item* item, std::string* error) {
   std::vector<uint8_t> bytes(text.begin(), text.end());
   if (text.starts_with('"') && !ParseQuoted(text, &bytes)) {
     return Fail(error, std::string(text) + " is no quoted text: inside use \\\" \\\\ \\n \\xHH");
@@ -182,10 +183,10 @@ int EncodeText(std::string_view text, Item* item, std::string* error) {
                 std::to_string(bytes.size()) + " characters do not fit into " + std::to_string(item->size));
   }
   std::copy(bytes.begin(), bytes.end(), item->bytes.begin());
-  return 1;
+  return true;
 }
 
-int EncodeHex(std::string_view digits, Item* item, std::string* error) {
+bool EncodeHex(std::string_view digits, Item* item, std::string* error) {
   std::vector<uint8_t> bytes;
   if (!ParseHexBytes(digits, &bytes)) return Fail(error, "hex: takes pairs of digits, like hex:533F");
   if (bytes.size() != item->size) {
@@ -193,7 +194,7 @@ int EncodeHex(std::string_view digits, Item* item, std::string* error) {
                            " has " + std::to_string(item->size));
   }
   item->bytes = std::move(bytes);
-  return 1;
+  return true;
 }
 
 }  // namespace
@@ -204,12 +205,12 @@ bool IsSigned(ValueType type) {
 
 bool IsInteger(ValueType type) { return type <= ValueType::S64; }
 
-int ParseBytes(std::string_view text, std::vector<uint8_t>* bytes) {
+bool ParseBytes(std::string_view text, std::vector<uint8_t>* bytes) {
   if (text.starts_with("hex:")) return ParseHexBytes(text.substr(4), bytes);
   return ParseQuoted(text, bytes);
 }
 
-int EncodeValue(std::string_view text, Item* item, std::string* error) {
+bool EncodeValue(std::string_view text, Item* item, std::string* error) {
   if (text.empty() && item->type != ValueType::Text) return Fail(error, "the value is missing");
   if (text.starts_with("hex:")) return EncodeHex(text.substr(4), item, error);
   if (item->type == ValueType::Hex) return EncodeHex(text, item, error);
@@ -237,39 +238,31 @@ uint64_t StoredBits(const Item& item) {
 }
 
 double StoredNumber(const Item& item) {
-  if (item.type == ValueType::F32) {
-    float value = 0;
-    std::memcpy(&value, item.bytes.data(), 4);
-    return static_cast<double>(value);
-  }
-  if (item.type == ValueType::F64) {
-    double value = 0;
-    std::memcpy(&value, item.bytes.data(), 8);
-    return value;
-  }
+  if (item.type == ValueType::F32) return static_cast<double>(LoadFrom<float>(item.bytes.data()));
+  if (item.type == ValueType::F64) return LoadFrom<double>(item.bytes.data());
   const uint64_t bits = StoredBits(item);
   return IsSigned(item.type) ? static_cast<double>(static_cast<int64_t>(bits)) : static_cast<double>(bits);
 }
 
-int EngineeringNumber(const Item& item, double* value) {
-  if (item.type == ValueType::Hex || item.type == ValueType::Text) return 0;
+bool EngineeringNumber(const Item& item, double* value) {
+  if (item.type == ValueType::Hex || item.type == ValueType::Text) return false;
   if (item.row == nullptr || item.row->show == Form::Flag || item.row->show == Form::Bits) {
     *value = StoredNumber(item);
-    return 1;
+    return true;
   }
   if (item.row->show != Form::Bcd) {
     *value = StoredNumber(item) * item.row->unitScale + item.row->unitBias;
-    return 1;
+    return true;
   }
   uint64_t number = 0;
   const uint64_t bits = StoredBits(item);
   for (uint32_t digit = 2 * item.size; digit-- > 0;) {
     const uint64_t one = (bits >> (4 * digit)) & 15;
-    if (one > 9) return 0;
+    if (one > 9) return false;
     number = number * 10 + one;
   }
   *value = IsMegahertz(*item.row) ? static_cast<double>(number + 10000) / 100 : static_cast<double>(number);
-  return 1;
+  return true;
 }
 
 }  // namespace ctl

@@ -8,19 +8,20 @@
 
 namespace ctl {
 
-// Reads hex:533F, hex:53 3F or text in double quotes (\" \\ \n \xHH inside) as bytes. Returns 1, or 0 when
-// the text is neither.
-int ParseBytes(std::string_view text, std::vector<uint8_t>* bytes);
+// Reads hex:533F, hex:53 3F or text in double quotes (\" \\ \n \xHH inside) as bytes. Returns true, or false
+// when the text is neither.
+bool ParseBytes(std::string_view text, std::vector<uint8_t>* bytes);
 // Encodes a value into `item->bytes` by the item's type and size; in engineering units when the item has a
-// row. Returns 1, or 0 with a sentence in `error` when the text is no such value or does not fit.
-int EncodeValue(std::string_view text, Item* item, std::string* error);
+// row. Returns true, or false with a sentence in `error` when the text is no such value or does not fit.
+bool EncodeValue(std::string_view text, Item* item, std::string* error);
 
 // The stored number; 0 for hex and text. Integers of 64 bits are rounded.
 double StoredNumber(const Item& item);
 // The stored integer, extended to 64 bits with its sign, as bits; 0 for other types.
 uint64_t StoredBits(const Item& item);
-// The number in the units of the item's row. Returns 1, or 0 when there is none (text, broken BCD digits).
-int EngineeringNumber(const Item& item, double* value);
+// The number in the units of the item's row. Returns true, or false when there is none (text, broken BCD
+// digits).
+bool EngineeringNumber(const Item& item, double* value);
 
 bool IsSigned(ValueType type);
 bool IsInteger(ValueType type);

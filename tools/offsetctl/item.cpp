@@ -24,17 +24,17 @@ constexpr TypeName typeNames[] = {
 
 constexpr char typeList[] = "u8 s8 u16 s16 u32 s32 u64 s64 f32 f64 hex:N text:N";
 
-int Fail(std::string* error, const std::string& text) {
+bool Fail(std::string* error, const std::string& text) {
   *error = text;
-  return 0;
+  return false;
 }
 
-int ParseType(std::string_view text, Item* item, std::string* error) {
+bool ParseType(std::string_view text, Item* item, std::string* error) {
   for (const TypeName& known : typeNames) {
     if (text == known.text) {
       item->type = known.type;
       item->size = known.size;
-      return 1;
+      return true;
     }
   }
   const bool isHex = text.starts_with("hex:");
@@ -43,13 +43,13 @@ int ParseType(std::string_view text, Item* item, std::string* error) {
     if (!ParseUnsigned(text.substr(isHex ? 4 : 5), offsetMemorySize, &item->size) || item->size == 0) {
       return Fail(error, Quote(text) + ": N is the number of bytes, 1 to 131072");
     }
-    return 1;
+    return true;
   }
   return Fail(error, "no type " + Quote(text) + ": types are " + typeList);
 }
 
 // The offset or name before the type. Leaves the known row in `item->row`, if there is one.
-int ParsePlace(std::string_view text, const NameTable& names, Item* item, std::string* error) {
+bool ParsePlace(std::string_view text, const NameTable& names, Item* item, std::string* error) {
   if (text.empty()) return Fail(error, "an item is OFFSET:TYPE or a name");
   item->shown = text;
   if (text[0] >= '0' && text[0] <= '9') {
@@ -58,31 +58,31 @@ int ParsePlace(std::string_view text, const NameTable& names, Item* item, std::s
                              ": offsets are 0 to 131071, or with 0x before hexadecimal digits 0x0 to 0x1FFFF");
     }
     item->row = FindByOffset(names, item->offset);
-    return 1;
+    return true;
   }
   item->row = FindByName(names, text);
   if (item->row == nullptr) {
     return Fail(error, "no offset is named " + Quote(text) + ": see offsetctl list");
   }
   item->offset = item->row->offset;
-  return 1;
+  return true;
 }
 
-int CheckRange(Item* item, std::string* error) {
+bool CheckRange(Item* item, std::string* error) {
   if (item->size > offsetMemorySize - item->offset) {
     return Fail(error, item->shown + ": " + std::to_string(item->size) + " bytes from " +
                            HexText(item->offset, 4) + " leave the offset memory, which ends at 0x1FFFF");
   }
   item->bytes.assign(item->size, 0);
-  return 1;
+  return true;
 }
 
 // An item whose type is left to its value (hex: or quoted text) gets size 0 and is completed later.
-int ParsePlaceAndType(std::string_view text, const NameTable& names, bool typeFromValue, Item* item,
-                      std::string* error) {
+bool ParsePlaceAndType(std::string_view text, const NameTable& names, bool typeFromValue, Item* item,
+                       std::string* error) {
   *item = {};
   const size_t colon = text.find(':');
-  if (!ParsePlace(text.substr(0, colon), names, item, error)) return 0;
+  if (!ParsePlace(text.substr(0, colon), names, item, error)) return false;
   if (colon != std::string_view::npos) {
     item->row = nullptr;
     return ParseType(text.substr(colon + 1), item, error);
@@ -90,9 +90,9 @@ int ParsePlaceAndType(std::string_view text, const NameTable& names, bool typeFr
   if (item->row != nullptr) {
     item->type = item->row->type;
     item->size = item->row->length;
-    return 1;
+    return true;
   }
-  if (typeFromValue) return 1;
+  if (typeFromValue) return true;
   return Fail(error, item->shown + " needs a type, like " + item->shown + ":u16 (types are " + typeList + ")");
 }
 
@@ -107,18 +107,18 @@ std::string TypeText(ValueType type, uint32_t size) {
   return "";
 }
 
-int ParseItem(std::string_view text, const NameTable& names, Item* item, std::string* error) {
+bool ParseItem(std::string_view text, const NameTable& names, Item* item, std::string* error) {
   return ParsePlaceAndType(text, names, false, item, error) && CheckRange(item, error);
 }
 
-int ParseAssignment(std::string_view text, const NameTable& names, Item* item, std::string* error) {
+bool ParseAssignment(std::string_view text, const NameTable& names, Item* item, std::string* error) {
   const size_t equals = text.find('=');
   if (equals == std::string_view::npos) {
     return Fail(error, Quote(text) + " has no value: write ITEM=VALUE");
   }
   const std::string_view value = text.substr(equals + 1);
   const bool ownType = value.starts_with("hex:") || value.starts_with('"');
-  if (!ParsePlaceAndType(text.substr(0, equals), names, ownType, item, error)) return 0;
+  if (!ParsePlaceAndType(text.substr(0, equals), names, ownType, item, error)) return false;
   if (item->size == 0) {
     item->type = value[0] == '"' ? ValueType::Text : ValueType::Hex;
     if (!ParseBytes(value, &item->bytes) || item->bytes.empty()) {
@@ -126,7 +126,7 @@ int ParseAssignment(std::string_view text, const NameTable& names, Item* item, s
     }
     item->size = static_cast<uint32_t>(item->bytes.size());
   }
-  if (!CheckRange(item, error)) return 0;
+  if (!CheckRange(item, error)) return false;
   std::string reason;
   if (!EncodeValue(value, item, &reason)) return Fail(error, item->shown + ": " + reason);
   const uint32_t refused = FirstReadOnly(names, item->offset, item->size);
@@ -135,7 +135,7 @@ int ParseAssignment(std::string_view text, const NameTable& names, Item* item, s
     return Fail(error, item->shown + (whole ? " is read-only"
                                             : " covers " + HexText(refused, 4) + ", which is read-only"));
   }
-  return 1;
+  return true;
 }
 
 }  // namespace ctl

@@ -23,10 +23,10 @@ struct Item {
 
 // "u16", "hex:4" ...
 std::string TypeText(ValueType type, uint32_t size);
-// Reads an item. Returns 1, or 0 with a sentence in `error`. `bytes` is `size` zeros then.
-int ParseItem(std::string_view text, const NameTable& names, Item* item, std::string* error);
+// Reads an item. Returns true, or false with a sentence in `error`. `bytes` is `size` zeros then.
+bool ParseItem(std::string_view text, const NameTable& names, Item* item, std::string* error);
 // Reads ITEM=VALUE and encodes the value into `bytes`. Values that the type cannot hold and read-only
-// offsets are errors. Returns 1, or 0 with a sentence in `error`.
-int ParseAssignment(std::string_view text, const NameTable& names, Item* item, std::string* error);
+// offsets are errors. Returns true, or false with a sentence in `error`.
+bool ParseAssignment(std::string_view text, const NameTable& names, Item* item, std::string* error);
 
 }  // namespace ctl

@@ -59,10 +59,10 @@ HANDLE MakeMapping(size_t size, std::string* name) {
 }
 
 // Makes `blocks.back()` a block of at least that size that no earlier request can touch.
-int PrepareBlock(size_t size, std::string* error) {
+bool PrepareBlock(size_t size, std::string* error) {
   size = std::min((size + pageSize - 1) / pageSize * pageSize, largestBlock);
   if (!blocks.empty() && !lastAbandoned) {
-    if (blocks.back().size >= size) return 1;
+    if (blocks.back().size >= size) return true;
     FreeBlock(blocks.back());
     blocks.pop_back();
   }
@@ -77,11 +77,11 @@ int PrepareBlock(size_t size, std::string* error) {
   if (block.atom == 0) {
     *error = "no shared memory for a request (system error " + std::to_string(GetLastError()) + ")";
     FreeBlock(block);
-    return 0;
+    return false;
   }
   blocks.push_back(block);
   lastAbandoned = false;
-  return 1;
+  return true;
 }
 
 int RemainingMs(Clock::time_point deadline) {
@@ -103,7 +103,7 @@ Answer SendBlock(int timeoutMs) {
   return Answer::TimedOut;
 }
 
-int Explain(Answer answer, std::string* error) {
+bool Explain(Answer answer, std::string* error) {
   switch (answer) {
     case Answer::Refused:
       *error = "the server refused the request";
@@ -115,15 +115,15 @@ int Explain(Answer answer, std::string* error) {
       *error = "no answer from the server within " + std::to_string(requestTimeoutMs) + " ms";
       break;
   }
-  return 0;
+  return false;
 }
 
 // Sends the transfers in as few requests as the block allows. Reads are repeated until the deadline;
 // a write is sent once, because the server may still apply one whose answer did not come in time.
-int Transact(RecordKind kind, const std::vector<Transfer>& transfers, std::string* error) {
+bool Transact(RecordKind kind, const std::vector<Transfer>& transfers, std::string* error) {
   const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(requestTimeoutMs);
   for (size_t first = 0; first < transfers.size();) {
-    if (!PrepareBlock(BlockSize(kind, transfers, first), error)) return 0;
+    if (!PrepareBlock(BlockSize(kind, transfers, first), error)) return false;
     const SharedBlock& block = blocks.back();
     const size_t last = PackRecords(kind, transfers, first, block.view, block.size);
     const int remaining = RemainingMs(deadline);
@@ -136,29 +136,29 @@ int Transact(RecordKind kind, const std::vector<Transfer>& transfers, std::strin
     if (kind == RecordKind::Read) UnpackReads(transfers, first, last, block.view);
     first = last;
   }
-  return 1;
+  return true;
 }
 
-int OpenLocal(int timeoutMs, std::string* error) {
+bool OpenLocal(int timeoutMs, std::string* error) {
   requestTimeoutMs = timeoutMs;
   window = FindWindowA(serverWindow, serverWindow);
   if (window == nullptr) {
     *error = "no server: no window KORLMAIN on this computer; is the simulator running with TAVRIX?";
-    return 0;
+    return false;
   }
   message = RegisterWindowMessageA(callMessage);
   if (message == 0) {
     *error = "the system registers no message (error " + std::to_string(GetLastError()) + ")";
-    return 0;
+    return false;
   }
-  return 1;
+  return true;
 }
 
-int ReadLocal(const std::vector<Transfer>& transfers, std::string* error) {
+bool ReadLocal(const std::vector<Transfer>& transfers, std::string* error) {
   return Transact(RecordKind::Read, transfers, error);
 }
 
-int WriteLocal(const std::vector<Transfer>& transfers, std::string* error) {
+bool WriteLocal(const std::vector<Transfer>& transfers, std::string* error) {
   return Transact(RecordKind::Write, transfers, error);
 }
 

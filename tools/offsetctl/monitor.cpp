@@ -200,7 +200,7 @@ int RunMonitor(const Options& options, const Transport& transport) {
   const auto elapsed = [start] { return Seconds(Clock::now() - start).count(); };
   TerminalSize drawn = {};
   std::string error;
-  int done = 1;
+  bool done = true;
   for (double wanted = 0; !StopRequested(); wanted = std::max(wanted + period, elapsed())) {
     if (wanted > end) {
       WaitForStop(end - elapsed());

@@ -114,18 +114,18 @@ bool WaitWithRepeats(std::unique_lock<std::mutex>* hold, Clock::time_point deadl
   return true;
 }
 
-int Explain(const std::string& text, std::string* error) {
+bool Explain(const std::string& text, std::string* error) {
   *error = text;
-  return 0;
+  return false;
 }
 
 std::string Within() { return " within " + std::to_string(timeoutMs) + " ms"; }
 
-int ExplainGone(std::string* error) {
+bool ExplainGone(std::string* error) {
   return Explain("the server at " + net.host + " has closed the connection", error);
 }
 
-int ExplainConnecting(Connecting result, const std::string& reason, std::string* error) {
+bool ExplainConnecting(Connecting result, const std::string& reason, std::string* error) {
   const std::string where = net.host + ", TCP port " + std::to_string(requestPort);
   switch (result) {
     case Connecting::Refused:
@@ -144,7 +144,7 @@ int ExplainConnecting(Connecting result, const std::string& reason, std::string*
 
 // The server sends datagrams to the connection's own port: that port is taken for datagrams first, so that
 // none is missed.
-int ConnectBoth(std::string* error) {
+bool ConnectBoth(std::string* error) {
   const Clock::time_point deadline = In(timeoutMs);
   std::string reason;
   for (int attempt = 0; attempt < portAttempts; ++attempt) {
@@ -152,7 +152,7 @@ int ConnectBoth(std::string* error) {
     datagrams = OpenDatagramSocket(&port);
     if (datagrams == noSocket) return Explain("the system gives no datagram socket", error);
     const Connecting result = ConnectStream(port, server, MillisecondsLeft(deadline), &stream, &reason);
-    if (result == Connecting::Done) return 1;
+    if (result == Connecting::Done) return true;
     CloseSocket(datagrams);
     datagrams = noSocket;
     if (result != Connecting::PortTaken) return ExplainConnecting(result, reason, error);
@@ -160,20 +160,20 @@ int ConnectBoth(std::string* error) {
   return Explain("no port is free for datagrams and a connection at once", error);
 }
 
-int OpenNet(int milliseconds, std::string* error) {
+bool OpenNet(int milliseconds, std::string* error) {
   timeoutMs = milliseconds;
-  if (!StartSockets(error)) return 0;
+  if (!StartSockets(error)) return false;
   server.port = requestPort;
   if (!ResolveHost(net.host, timeoutMs, &server.ip, error) || !ConnectBoth(error)) {
     StopSockets();
-    return 0;
+    return false;
   }
   session.picture = {};
   session.echo.clear();
   session.gone = false;
   receiving = true;
   receiver = std::thread(ReceiveUntilClosed);
-  return 1;
+  return true;
 }
 
 void CloseNet() {
@@ -186,9 +186,9 @@ void CloseNet() {
   StopSockets();
 }
 
-// The whole picture. Returns 1, or 0 with a line in `error`.
-int WaitForPicture(std::unique_lock<std::mutex>* hold, Clock::time_point deadline, std::string* error) {
-  if (WaitWithRepeats(hold, deadline, [] { return IsComplete(session.picture) != 0; })) return 1;
+// The whole picture. Returns true, or false with a line in `error`.
+bool WaitForPicture(std::unique_lock<std::mutex>* hold, Clock::time_point deadline, std::string* error) {
+  if (WaitWithRepeats(hold, deadline, [] { return IsComplete(session.picture); })) return true;
   if (session.gone) return ExplainGone(error);
   return Explain("connected to " + net.host + ", but " + std::to_string(ArrivedBlocks(session.picture)) +
                      " of " + std::to_string(pictureBlocks) + " blocks have come" + Within() +
@@ -196,36 +196,36 @@ int WaitForPicture(std::unique_lock<std::mutex>* hold, Clock::time_point deadlin
                  error);
 }
 
-int SendFrames(int writing, const std::vector<Transfer>& transfers, std::string* error) {
+bool SendFrames(bool writing, const std::vector<Transfer>& transfers, std::string* error) {
   bool first = true;
   for (const std::vector<uint8_t>& frame : BuildRequestFrames(writing, transfers)) {
     if (!first) std::this_thread::sleep_for(std::chrono::milliseconds(framePauseMs));
     first = false;
     if (!SendStream(stream, frame.data(), frame.size(), timeoutMs)) return ExplainGone(error);
   }
-  return 1;
+  return true;
 }
 
 // The simulator's folder is put into the memory, in the form for other computers, when a client reads it.
-int AskForFolder(const std::vector<Transfer>& transfers, std::string* error) {
+bool AskForFolder(const std::vector<Transfer>& transfers, std::string* error) {
   const auto touches = [](const Transfer& transfer) {
     return transfer.offset < folderOffset + folderSize && transfer.offset + transfer.size > folderOffset;
   };
-  if (std::none_of(transfers.begin(), transfers.end(), touches)) return 1;
+  if (std::none_of(transfers.begin(), transfers.end(), touches)) return true;
   uint8_t unused[folderSize];
-  return SendFrames(0, {{folderOffset, folderSize, unused}}, error);
+  return SendFrames(false, {{folderOffset, folderSize, unused}}, error);
 }
 
-int ReadNet(const std::vector<Transfer>& transfers, std::string* error) {
+bool ReadNet(const std::vector<Transfer>& transfers, std::string* error) {
   const Clock::time_point deadline = In(timeoutMs);
   std::unique_lock<std::mutex> hold(session.lock);
   if (session.gone) return ExplainGone(error);
   if (!IsComplete(session.picture)) {
     const auto folder = [] { return session.picture.bytes[folderOffset] != 0; };
     hold.unlock();
-    if (!AskForFolder(transfers, error)) return 0;
+    if (!AskForFolder(transfers, error)) return false;
     hold.lock();
-    if (!WaitForPicture(&hold, deadline, error)) return 0;
+    if (!WaitForPicture(&hold, deadline, error)) return false;
     const auto inFolder = [](const Transfer& transfer) { return transfer.offset == folderOffset; };
     if (std::any_of(transfers.begin(), transfers.end(), inFolder)) {
       WaitFor(&hold, std::min(deadline, In(folderWaitMs)), folder);
@@ -234,26 +234,26 @@ int ReadNet(const std::vector<Transfer>& transfers, std::string* error) {
   for (const Transfer& transfer : transfers) {
     std::memcpy(transfer.bytes, session.picture.bytes.data() + transfer.offset, transfer.size);
   }
-  return 1;
+  return true;
 }
 
 // The server closes its side after it has taken everything, which shows that it got that far.
-int WaitUntilTaken(std::string* error) {
+bool WaitUntilTaken(std::string* error) {
   FinishSending(stream);
   std::unique_lock<std::mutex> hold(session.lock);
-  if (WaitFor(&hold, In(timeoutMs), [] { return session.gone; })) return 1;
+  if (WaitFor(&hold, In(timeoutMs), [] { return session.gone; })) return true;
   return Explain("the server at " + net.host + " does not take the write" + Within(), error);
 }
 
-int WriteConfirmed(const std::vector<Transfer>& transfers, std::string* error) {
+bool WriteConfirmed(const std::vector<Transfer>& transfers, std::string* error) {
   const Clock::time_point deadline = In(timeoutMs);
   std::unique_lock<std::mutex> hold(session.lock);
-  if (!WaitForPicture(&hold, deadline, error)) return 0;
+  if (!WaitForPicture(&hold, deadline, error)) return false;
   session.echo = ExpectEcho(transfers, session.picture);
   hold.unlock();
-  if (!SendFrames(1, transfers, error)) return 0;
+  if (!SendFrames(true, transfers, error)) return false;
   hold.lock();
-  if (WaitWithRepeats(&hold, deadline, [] { return session.echo.empty(); })) return 1;
+  if (WaitWithRepeats(&hold, deadline, [] { return session.echo.empty(); })) return true;
   if (session.gone) return ExplainGone(error);
   return Explain("sent, but the server does not show all written bytes" + Within() + ", first at " +
                      HexText(session.echo.begin()->first, 4) +
@@ -261,9 +261,9 @@ int WriteConfirmed(const std::vector<Transfer>& transfers, std::string* error) {
                  error);
 }
 
-int WriteNet(const std::vector<Transfer>& transfers, std::string* error) {
+bool WriteNet(const std::vector<Transfer>& transfers, std::string* error) {
   if (net.confirm) return WriteConfirmed(transfers, error);
-  return SendFrames(1, transfers, error) && WaitUntilTaken(error);
+  return SendFrames(true, transfers, error) && WaitUntilTaken(error);
 }
 
 Transport netTransport = {"", OpenNet, ReadNet, WriteNet, CloseNet};
@@ -277,7 +277,7 @@ const Transport* NetTransport(const NetSettings& settings) {
   return &netTransport;
 }
 
-std::vector<std::string> FindServers(int settleMs, int timeout, int (*stopRequested)(), std::string* error) {
+std::vector<std::string> FindServers(int settleMs, int timeout, bool (*stopRequested)(), std::string* error) {
   std::vector<std::string> found;
   if (!StartSockets(error)) return found;
   const SocketHandle socket = OpenGroupSocket(announceGroup, error);

@@ -9,9 +9,9 @@
 namespace ctl {
 
 struct NetSettings {
-  std::string host;        // name or dotted address
-  int confirm;             // 1: a write waits until the server shows the written bytes
-  int (*stopRequested)();  // 1 ends every wait
+  std::string host;         // name or dotted address
+  bool confirm;             // a write waits until the server shows the written bytes
+  bool (*stopRequested)();  // true ends every wait
 };
 
 // The transport to that server. Reads answer from the picture that the datagrams give, the first one waits
@@ -20,6 +20,6 @@ const Transport* NetTransport(const NetSettings& settings);
 
 // Listens for servers that announce themselves: ends after `settleMs` of hearing no new one since the first, or
 // after `timeoutMs`. Returns their addresses in the order heard; none, with a line in `error`, on failure.
-std::vector<std::string> FindServers(int settleMs, int timeoutMs, int (*stopRequested)(), std::string* error);
+std::vector<std::string> FindServers(int settleMs, int timeoutMs, bool (*stopRequested)(), std::string* error);
 
 }  // namespace ctl

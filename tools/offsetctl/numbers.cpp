@@ -15,7 +15,7 @@ std::string Shortest(T value) {
 
 }  // namespace
 
-int ParseWhole(std::string_view text, WholeNumber* value) {
+bool ParseWhole(std::string_view text, WholeNumber* value) {
   WholeNumber parsed = {};
   if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
     parsed.negative = text[0] == '-';
@@ -28,27 +28,27 @@ int ParseWhole(std::string_view text, WholeNumber* value) {
   }
   const char* end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, parsed.magnitude, base);
-  if (text.empty() || result.ec != std::errc() || result.ptr != end) return 0;
+  if (text.empty() || result.ec != std::errc() || result.ptr != end) return false;
   *value = parsed;
-  return 1;
+  return true;
 }
 
-int ParseUnsigned(std::string_view text, uint32_t limit, uint32_t* value) {
+bool ParseUnsigned(std::string_view text, uint32_t limit, uint32_t* value) {
   WholeNumber whole;
-  if (text.empty() || text[0] < '0' || text[0] > '9') return 0;
-  if (!ParseWhole(text, &whole) || whole.magnitude > limit) return 0;
+  if (text.empty() || text[0] < '0' || text[0] > '9') return false;
+  if (!ParseWhole(text, &whole) || whole.magnitude > limit) return false;
   *value = static_cast<uint32_t>(whole.magnitude);
-  return 1;
+  return true;
 }
 
-int ParseReal(std::string_view text, double* value) {
+bool ParseReal(std::string_view text, double* value) {
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   const char* end = text.data() + text.size();
   double parsed = 0;
   const auto result = std::from_chars(text.data(), end, parsed);
-  if (text.empty() || result.ec != std::errc() || result.ptr != end) return 0;
+  if (text.empty() || result.ec != std::errc() || result.ptr != end) return false;
   *value = parsed;
-  return 1;
+  return true;
 }
 
 std::string RealText(double value) { return Shortest(value); }

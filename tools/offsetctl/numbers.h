@@ -12,13 +12,13 @@ struct WholeNumber {
   uint64_t magnitude;
 };
 
-// Decimal or 0x, with an optional sign. Returns 1, or 0 when the text is anything else or has more than
+// Decimal or 0x, with an optional sign. Returns true, or false when the text is anything else or has more than
 // 64 bits.
-int ParseWhole(std::string_view text, WholeNumber* value);
-// Decimal or 0x without sign, at most `limit`. Returns 1 or 0 (then `value` is as before).
-int ParseUnsigned(std::string_view text, uint32_t limit, uint32_t* value);
-// A decimal fraction (also nan, inf). Returns 1 or 0.
-int ParseReal(std::string_view text, double* value);
+bool ParseWhole(std::string_view text, WholeNumber* value);
+// Decimal or 0x without sign, at most `limit`. Returns true, or false (then `value` is as before).
+bool ParseUnsigned(std::string_view text, uint32_t limit, uint32_t* value);
+// A decimal fraction (also nan, inf). Returns true, or false when it is none.
+bool ParseReal(std::string_view text, double* value);
 
 // The shortest text that reads back as the same number.
 std::string RealText(double value);

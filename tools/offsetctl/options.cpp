@@ -65,59 +65,76 @@ const CommandLine* LineOf(Command command) {
   return nullptr;
 }
 
-int Fail(std::string* error, const std::string& text) {
+bool Fail(std::string* error, const std::string& text) {
   *error = text;
-  return 0;
+  return false;
 }
 
-int TakeNumber(const std::string& option, const std::string& text, double least, double most, double* value,
-               std::string* error) {
+// Options with a number behind them.
+struct NumberOption {
+  const char* name;
+  unsigned commands;  // bits of which one is enough
+  double least, most;
+  double Options::*target;
+};
+constexpr NumberOption numberOptions[] = {
+    {.name = "--timeout",
+     .commands = server | timeout,
+     .least = 0.01,
+     .most = 3600,
+     .target = &Options::timeout},
+    {.name = "--rate", .commands = rate, .least = 0.01, .most = 1000, .target = &Options::rate},
+    {.name = "--seconds", .commands = seconds, .least = 0.01, .most = 1e6, .target = &Options::seconds},
+};
+
+bool TakeNumber(const NumberOption& option, const std::string& text, Options* options, std::string* error) {
   double parsed = 0;
-  if (ParseReal(text, &parsed) && parsed >= least && parsed <= most) {
-    *value = parsed;
-    return 1;
+  if (ParseReal(text, &parsed) && parsed >= option.least && parsed <= option.most) {
+    options->*option.target = parsed;
+    return true;
   }
-  return Fail(error, option + " takes a number from " + RealText(least) + " to " + RealText(most) + ", not \"" +
-                         text + "\"");
+  return Fail(error, std::string(option.name) + " takes a number from " + RealText(option.least) + " to " +
+                         RealText(option.most) + ", not \"" + text + "\"");
 }
 
-// An option with a value. Returns 1 taken, 0 failed, -1 not one of them.
-int TakeValueOption(const std::string& option, unsigned allowed, const std::string& value, Options* options,
-                    std::string* error) {
+enum class Taken { Yes, No, Unknown };
+
+// An option with a value. No: with a sentence in `error`. Unknown: it is none of these, or not one of this
+// command.
+Taken TakeValueOption(const std::string& option, unsigned allowed, const std::string& value, Options* options,
+                      std::string* error) {
+  const auto result = [](bool taken) { return taken ? Taken::Yes : Taken::No; };
   if (option == "--net" && (allowed & server)) {
     options->net = value;
-    return !value.empty() && value[0] != '-' ? 1 : Fail(error, "--net takes a computer's name or address");
-  }
-  if (option == "--timeout" && (allowed & (server | timeout))) {
-    return TakeNumber(option, value, 0.01, 3600, &options->timeout, error);
-  }
-  if (option == "--rate" && (allowed & rate))
-    return TakeNumber(option, value, 0.01, 1000, &options->rate, error);
-  if (option == "--seconds" && (allowed & seconds)) {
-    return TakeNumber(option, value, 0.01, 1e6, &options->seconds, error);
+    const bool named = !value.empty() && value[0] != '-';
+    return result(named || Fail(error, "--net takes a computer's name or address"));
   }
   if (option == "--count" && (allowed & count)) {
-    if (ParseUnsigned(value, UINT32_MAX, &options->count) && options->count > 0) return 1;
-    return Fail(error, "--count takes a whole number from 1, not \"" + value + "\"");
+    const bool counted = ParseUnsigned(value, UINT32_MAX, &options->count) && options->count > 0;
+    return result(counted || Fail(error, "--count takes a whole number from 1, not \"" + value + "\""));
   }
-  return -1;
+  for (const NumberOption& known : numberOptions) {
+    if (option == known.name && (allowed & known.commands))
+      return result(TakeNumber(known, value, options, error));
+  }
+  return Taken::Unknown;
 }
 
-int CheckWay(const Options& options, std::string* error) {
-  if (options.local + options.find + !options.net.empty() <= 1) return 1;
+bool CheckWay(const Options& options, std::string* error) {
+  if (options.local + options.find + !options.net.empty() <= 1) return true;
   return Fail(error, "--local, --net and --find are three ways to the server: choose one");
 }
 
-int CheckItems(const CommandLine& line, const Options& options, std::string* error) {
+bool CheckItems(const CommandLine& line, const Options& options, std::string* error) {
   const size_t items = options.items.size();
-  if (items >= line.fewest && items <= line.most) return 1;
+  if (items >= line.fewest && items <= line.most) return true;
   return Fail(error, std::string(items < line.fewest ? "something is missing" : "too much is given") +
                          ": offsetctl " + line.usage);
 }
 
 }  // namespace
 
-int ParseOptions(const std::vector<std::string>& words, Options* options, std::string* error) {
+bool ParseOptions(const std::vector<std::string>& words, Options* options, std::string* error) {
   *options = {};
   const CommandLine* line = nullptr;
   bool optionsEnded = false;
@@ -165,16 +182,16 @@ int ParseOptions(const std::vector<std::string>& words, Options* options, std::s
       } else if (i + 1 < words.size()) {
         value = words[i + 1];
       }
-      const int taken = TakeValueOption(option, allowed, value, options, error);
-      if (taken == 0) return 0;
-      if (taken < 0) {
+      const Taken taken = TakeValueOption(option, allowed, value, options, error);
+      if (taken == Taken::No) return false;
+      if (taken == Taken::Unknown) {
         return Fail(error, std::string(line->word) + " has no option " + option + ": see offsetctl " +
                                line->word + " --help");
       }
       if (equals == std::string::npos) ++i;
     }
   }
-  if (options->help) return 1;
+  if (options->help) return true;
   if (line == nullptr) return Fail(error, "a command is missing: see offsetctl --help");
   return CheckWay(*options, error) && CheckItems(*line, *options, error);
 }

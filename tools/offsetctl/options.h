@@ -23,8 +23,8 @@ struct Options {
   uint32_t count = 0;    // printed values, 0: without end
 };
 
-// Reads the words behind the program's name. Returns 1, or 0 with a sentence in `error`.
-int ParseOptions(const std::vector<std::string>& words, Options* options, std::string* error);
+// Reads the words behind the program's name. Returns true, or false with a sentence in `error`.
+bool ParseOptions(const std::vector<std::string>& words, Options* options, std::string* error);
 // The page for `offsetctl --help`, or for one command.
 std::string HelpText(Command command);
 

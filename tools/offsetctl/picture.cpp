@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 
+#include "base/bytes.h"
 #include "request_block.h"
 
 namespace ctl {
@@ -25,21 +26,16 @@ constexpr size_t largestFrame = 1200;  // Ethernet carries 1,448 in a segment, t
 constexpr uint32_t largestPart = 1024;
 constexpr uint32_t cutUnit = 16;
 
-uint16_t Word(const uint8_t* from) { return static_cast<uint16_t>(from[0] | from[1] << 8); }
-
-void PutHalf(size_t word, uint8_t* to) {
-  to[0] = static_cast<uint8_t>(word);
-  to[1] = static_cast<uint8_t>(word >> 8);
+uint32_t EntryOffset(const uint8_t* entry) {
+  return static_cast<uint32_t>(entry[0]) << 16 | LoadFrom<uint16_t>(entry + 2);
 }
 
-uint32_t EntryOffset(const uint8_t* entry) { return static_cast<uint32_t>(entry[0]) << 16 | Word(entry + 2); }
-
-int AreEntries(const uint8_t* payload, size_t size) {
-  if (size == 0 || size % entrySize != 0) return 0;
+bool AreEntries(const uint8_t* payload, size_t size) {
+  if (size == 0 || size % entrySize != 0) return false;
   for (size_t at = 0; at < size; at += entrySize) {
-    if (payload[at] > 1) return 0;
+    if (payload[at] > 1) return false;
   }
-  return 1;
+  return true;
 }
 
 // Pieces of at most largestPart bytes that end at multiples of cutUnit.
@@ -62,10 +58,11 @@ std::vector<Transfer> Cut(const std::vector<Transfer>& transfers) {
 NetFrame ReadFrame(const uint8_t* datagram, size_t size) {
   NetFrame frame = {FrameKind::None, 0, nullptr, 0};
   if (size < frameOverhead) return frame;
-  const size_t length = Word(datagram + 2);
-  if (size != length + frameOverhead || Word(datagram + frameHeader + length) != length) return frame;
+  const size_t length = LoadFrom<uint16_t>(datagram + 2);
+  if (size != length + frameOverhead || LoadFrom<uint16_t>(datagram + frameHeader + length) != length)
+    return frame;
   const uint8_t type = datagram[0];
-  const uint16_t end = Word(datagram + frameHeader + length + 2);
+  const uint16_t end = LoadFrom<uint16_t>(datagram + frameHeader + length + 2);
   frame.payload = datagram + frameHeader;
   frame.size = length;
   if (type >= typeFirstBlock && type <= typeSpareBlock && end == endBlock && length == pictureBlockSize) {
@@ -90,7 +87,7 @@ void ApplyFrame(const NetFrame& frame, Picture* picture) {
   }
 }
 
-int IsComplete(const Picture& picture) { return picture.arrived == (1u << pictureBlocks) - 1; }
+bool IsComplete(const Picture& picture) { return picture.arrived == (1u << pictureBlocks) - 1; }
 
 uint32_t ArrivedBlocks(const Picture& picture) { return static_cast<uint32_t>(std::popcount(picture.arrived)); }
 
@@ -117,7 +114,7 @@ void TakeEcho(const NetFrame& frame, Echo* echo) {
   }
 }
 
-std::vector<std::vector<uint8_t>> BuildRequestFrames(int writing, const std::vector<Transfer>& transfers) {
+std::vector<std::vector<uint8_t>> BuildRequestFrames(bool writing, const std::vector<Transfer>& transfers) {
   const RecordKind kind = writing ? RecordKind::Write : RecordKind::Read;
   const std::vector<Transfer> parts = Cut(transfers);
   std::vector<std::vector<uint8_t>> frames;
@@ -127,11 +124,11 @@ std::vector<std::vector<uint8_t>> BuildRequestFrames(int writing, const std::vec
     const size_t last = PackRecords(kind, parts, first, payload, largestFrame - frameOverhead);
     const std::vector<Transfer> packed(parts.begin() + static_cast<std::ptrdiff_t>(first),
                                        parts.begin() + static_cast<std::ptrdiff_t>(last));
-    const size_t length = BlockSize(kind, packed, 0);
+    const auto length = static_cast<uint16_t>(BlockSize(kind, packed, 0));
     frame[0] = typeRequests;
-    PutHalf(length, frame.data() + 2);
-    PutHalf(length, payload + length);
-    PutHalf(endRequests, payload + length + 2);
+    StoreTo(frame.data() + 2, length);
+    StoreTo(payload + length, length);
+    StoreTo(payload + length + 2, endRequests);
     frame.resize(length + frameOverhead);
     frames.push_back(frame);
     first = last;

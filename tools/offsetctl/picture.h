@@ -54,7 +54,7 @@ struct Picture {
 
 // Puts a block or changes into the picture; nothing happens with other kinds.
 void ApplyFrame(const NetFrame& frame, Picture* picture);
-int IsComplete(const Picture& picture);
+bool IsComplete(const Picture& picture);
 uint32_t ArrivedBlocks(const Picture& picture);
 
 // Written bytes that the server has not shown yet, by offset.
@@ -67,6 +67,6 @@ void TakeEcho(const NetFrame& frame, Echo* echo);
 
 // The request list frames for these transfers, in order. Each fits into one TCP segment, because the server
 // drops a frame that it receives in two parts: long transfers are cut at multiples of 16.
-std::vector<std::vector<uint8_t>> BuildRequestFrames(int writing, const std::vector<Transfer>& transfers);
+std::vector<std::vector<uint8_t>> BuildRequestFrames(bool writing, const std::vector<Transfer>& transfers);
 
 }  // namespace ctl

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "base/bytes.h"
+
 namespace ctl {
 
 namespace {
@@ -11,8 +13,6 @@ constexpr size_t writeHeaderSize = 12;
 constexpr size_t endSize = 4;
 
 size_t HeaderSize(RecordKind kind) { return kind == RecordKind::Read ? readHeaderSize : writeHeaderSize; }
-
-void PutWord(uint32_t word, uint8_t* to) { std::memcpy(to, &word, sizeof word); }
 
 }  // namespace
 
@@ -29,15 +29,15 @@ size_t PackRecords(RecordKind kind, const std::vector<Transfer>& transfers, size
   for (; i < transfers.size(); ++i) {
     const Transfer& transfer = transfers[i];
     if (capacity - at < HeaderSize(kind) + transfer.size + endSize) break;
-    PutWord(static_cast<uint32_t>(kind), block + at);
-    PutWord(transfer.offset, block + at + 4);
-    PutWord(transfer.size, block + at + 8);
-    if (kind == RecordKind::Read) PutWord(0, block + at + 12);
+    StoreTo(block + at, kind);
+    StoreTo(block + at + 4, transfer.offset);
+    StoreTo(block + at + 8, transfer.size);
+    if (kind == RecordKind::Read) StoreTo<uint32_t>(block + at + 12, 0);
     at += HeaderSize(kind);
     if (kind == RecordKind::Write) std::memcpy(block + at, transfer.bytes, transfer.size);
     at += transfer.size;
   }
-  PutWord(0, block + at);
+  StoreTo<uint32_t>(block + at, 0);
   return i;
 }
 

@@ -132,7 +132,7 @@ sockaddr_in SystemAddress(const NetAddress& address) {
   return result;
 }
 
-int Bind(SocketHandle socket, const NetAddress& address) {
+bool Bind(SocketHandle socket, const NetAddress& address) {
   const sockaddr_in local = SystemAddress(address);
   return bind(Native(socket), reinterpret_cast<const sockaddr*>(&local), sizeof local) == 0;
 }
@@ -150,8 +150,8 @@ timeval Duration(int milliseconds) {
   return time;
 }
 
-// Waits until a connect has ended or a send can go on. Returns 1, or 0 after the time.
-int WaitWritable(SocketHandle socket, int timeoutMs) {
+// Waits until a connect has ended or a send can go on. Returns true, or false after the time.
+bool WaitWritable(SocketHandle socket, int timeoutMs) {
   fd_set writable, failed;
   FD_ZERO(&writable);
   FD_ZERO(&failed);
@@ -221,17 +221,17 @@ std::string IpText(uint32_t ip) {
          "." + std::to_string(ip & 255);
 }
 
-int StartSockets(std::string* error) {
+bool StartSockets(std::string* error) {
 #if defined(_WIN32)
   WSADATA data;
   if (const int failed = WSAStartup(MAKEWORD(2, 2), &data)) {
     *error = "no network (" + ErrorText(failed) + ")";
-    return 0;
+    return false;
   }
 #else
   (void)error;
 #endif
-  return 1;
+  return true;
 }
 
 void StopSockets() {
@@ -244,17 +244,17 @@ void CloseSocket(SocketHandle socket) {
   if (socket != noSocket) CloseSystemSocket(Native(socket));
 }
 
-int ResolveHost(const std::string& host, int timeoutMs, uint32_t* ip, std::string* error) {
+bool ResolveHost(const std::string& host, int timeoutMs, uint32_t* ip, std::string* error) {
   const auto lookup = std::make_shared<Lookup>();
   std::thread(LookUp, lookup, host).detach();
   std::unique_lock<std::mutex> hold(lookup->lock);
   const bool ended =
       lookup->done.wait_for(hold, std::chrono::milliseconds(timeoutMs), [&] { return lookup->ended; });
   *ip = lookup->ip;
-  if (ended && *ip != 0) return 1;
+  if (ended && *ip != 0) return true;
   *error = "no computer \"" + host + "\" is known" + (ended ? "" : " (the name server does not answer)") +
            ": give its address, as in --net 192.168.0.1";
-  return 0;
+  return false;
 }
 
 SocketHandle OpenDatagramSocket(uint16_t* port) {
@@ -294,7 +294,7 @@ Connecting ConnectStream(uint16_t localPort, const NetAddress& server, int timeo
   return result;
 }
 
-int SendStream(SocketHandle socket, const void* data, size_t size, int timeoutMs) {
+bool SendStream(SocketHandle socket, const void* data, size_t size, int timeoutMs) {
   const char* at = static_cast<const char*>(data);
   while (size > 0) {
     const auto sent = send(Native(socket), at, static_cast<Length>(size), MSG_NOSIGNAL);
@@ -302,10 +302,10 @@ int SendStream(SocketHandle socket, const void* data, size_t size, int timeoutMs
       at += sent;
       size -= static_cast<size_t>(sent);
     } else if (!IsPending(LastError()) || !WaitWritable(socket, timeoutMs)) {
-      return 0;
+      return false;
     }
   }
-  return 1;
+  return true;
 }
 
 void FinishSending(SocketHandle socket) { shutdown(Native(socket), 1); }

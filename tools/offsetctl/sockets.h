@@ -19,14 +19,15 @@ struct NetAddress {
 
 std::string IpText(uint32_t ip);
 
-// Starts the system's socket library. Returns 1, or 0 with a line in `error`. Every 1 needs a StopSockets.
-int StartSockets(std::string* error);
+// Starts the system's socket library. Returns true, or false with a line in `error`. Every true needs a
+// StopSockets.
+bool StartSockets(std::string* error);
 void StopSockets();
 void CloseSocket(SocketHandle socket);
 
-// A name or dotted address. Returns 1, or 0 with a line in `error`; a resolver that takes longer than the time
-// is given up.
-int ResolveHost(const std::string& host, int timeoutMs, uint32_t* ip, std::string* error);
+// A name or dotted address. Returns true, or false with a line in `error`; a resolver that takes longer than
+// the time is given up.
+bool ResolveHost(const std::string& host, int timeoutMs, uint32_t* ip, std::string* error);
 
 // A datagram socket with a large receive buffer on any free port, which goes to `port`. noSocket on failure.
 SocketHandle OpenDatagramSocket(uint16_t* port);
@@ -35,8 +36,8 @@ enum class Connecting { Done, PortTaken, Refused, TimedOut, Failed };
 // is noticed within about half a minute.
 Connecting ConnectStream(uint16_t localPort, const NetAddress& server, int timeoutMs, SocketHandle* socket,
                          std::string* reason);
-// Returns 1, or 0 when the connection has gone or does not take it in time.
-int SendStream(SocketHandle socket, const void* data, size_t size, int timeoutMs);
+// Returns true, or false when the connection has gone or does not take it in time.
+bool SendStream(SocketHandle socket, const void* data, size_t size, int timeoutMs);
 // No more will be sent; the other side reads to the end and closes.
 void FinishSending(SocketHandle socket);
 

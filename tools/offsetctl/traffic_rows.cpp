@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <numbers>
 
+#include "base/bytes.h"
 #include "numbers.h"
 
 namespace ctl {
@@ -21,30 +21,23 @@ struct Traffic {
   double altitude, heading, speed, climb;
 };
 
-template <typename T>
-T Field(const uint8_t* entry, uint32_t at) {
-  T value;
-  std::memcpy(&value, entry + at, sizeof value);
-  return value;
-}
-
 Traffic ReadEntry(const uint8_t* entry, double latitude, double longitude) {
   Traffic traffic = {};
   for (uint32_t i = 0; i < textSize && entry[22 + i] != 0; ++i) {
     const char letter = static_cast<char>(entry[22 + i]);
     traffic.text += letter >= ' ' && letter <= '~' ? letter : '?';
   }
-  const double from = latitude * radians, to = static_cast<double>(Field<float>(entry, 4)) * radians;
-  const double turn = (static_cast<double>(Field<float>(entry, 8)) - longitude) * radians;
+  const double from = latitude * radians, to = static_cast<double>(LoadFrom<float>(entry + 4)) * radians;
+  const double turn = (static_cast<double>(LoadFrom<float>(entry + 8)) - longitude) * radians;
   const double north = std::cos(from) * std::sin(to) - std::sin(from) * std::cos(to) * std::cos(turn);
   const double east = std::sin(turn) * std::cos(to);
   const double cosine = std::sin(from) * std::sin(to) + std::cos(from) * std::cos(to) * std::cos(turn);
   traffic.range = std::atan2(std::hypot(north, east), cosine) * earthRadius;
   traffic.bearing = std::fmod(std::atan2(east, north) / radians + 360, 360);
-  traffic.altitude = static_cast<double>(Field<float>(entry, 12));
-  traffic.heading = Field<uint16_t>(entry, 16) * 360.0 / 65536;
-  traffic.speed = Field<uint16_t>(entry, 18);
-  traffic.climb = Field<int16_t>(entry, 20);
+  traffic.altitude = static_cast<double>(LoadFrom<float>(entry + 12));
+  traffic.heading = LoadFrom<uint16_t>(entry + 16) * 360.0 / 65536;
+  traffic.speed = LoadFrom<uint16_t>(entry + 18);
+  traffic.climb = LoadFrom<int16_t>(entry + 20);
   return traffic;
 }
 
@@ -68,7 +61,7 @@ std::vector<std::string> TrafficLines(const uint8_t* table, double latitude, dou
   std::vector<Traffic> all;
   for (uint32_t i = 0; i < entries; ++i) {
     const uint8_t* entry = table + headerSize + entrySize * i;
-    if (Field<uint32_t>(entry, 0) != 0) all.push_back(ReadEntry(entry, latitude, longitude));
+    if (LoadFrom<uint32_t>(entry) != 0) all.push_back(ReadEntry(entry, latitude, longitude));
   }
   std::stable_sort(all.begin(), all.end(),
                    [](const Traffic& a, const Traffic& b) { return a.range < b.range; });

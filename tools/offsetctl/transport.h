@@ -15,14 +15,14 @@ struct Transfer {
 
 struct Transport {
   const char* title;  // names the way, for the monitor
-  // Finds the server, or connects to it. `timeoutMs` bounds every call from here on. Returns 1, or 0 with a
-  // line in `error`.
-  int (*open)(int timeoutMs, std::string* error);
-  // Both return 1, or 0 with a line in `error` when the server is gone, refused or did not answer in time.
-  // Of several requests that a long list needs, the first may have been served by then. `readOffsets` also
-  // ends, with 0, soon after Ctrl-C.
-  int (*readOffsets)(const std::vector<Transfer>& transfers, std::string* error);
-  int (*writeOffsets)(const std::vector<Transfer>& transfers, std::string* error);
+  // Finds the server, or connects to it. `timeoutMs` bounds every call from here on. Returns true, or false
+  // with a line in `error`.
+  bool (*open)(int timeoutMs, std::string* error);
+  // Both return true, or false with a line in `error` when the server is gone, refused or did not answer in
+  // time. Of several requests that a long list needs, the first may have been served by then. `readOffsets`
+  // also ends, with false, soon after Ctrl-C.
+  bool (*readOffsets)(const std::vector<Transfer>& transfers, std::string* error);
+  bool (*writeOffsets)(const std::vector<Transfer>& transfers, std::string* error);
   // Gives everything back. Does nothing when it is not open.
   void (*close)();
 };

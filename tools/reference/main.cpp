@@ -308,10 +308,10 @@ std::string MakeNameTable() {
   return text + "};\n// clang-format on\n";
 }
 
-// Two rows of one name would hide the second from offsetctl. Returns 1, or 0 after naming the pair.
-int CheckNames() {
+// Two rows of one name would hide the second from offsetctl. Returns true, or false after naming the pair.
+bool CheckNames() {
   std::map<std::string, uint32_t> offsets;
-  int unique = 1;
+  bool unique = true;
   for (const RowTable* table : ListedTables()) {
     for (const OffsetRow& row : table->rows) {
       const std::string name = RowName(row);
@@ -321,31 +321,31 @@ int CheckNames() {
       std::fprintf(stderr,
                    "offset_reference: %s and %s are both named %s: rename one in src/bridge/catalogue\n",
                    Hex(place->second).c_str(), Hex(row.offset).c_str(), name.c_str());
-      unique = 0;
+      unique = false;
     }
   }
   return unique;
 }
 
-int WriteOutput(const std::string& folder, const Output& output) {
+bool WriteOutput(const std::string& folder, const Output& output) {
   const std::string path = folder + "/" + output.path;
   CreateFolders(path.substr(0, path.rfind('/')).c_str());
   std::ofstream file(path, std::ios::binary);
   file << output.text;
   file.close();
-  if (!file.fail()) return 1;
+  if (!file.fail()) return true;
   std::fprintf(stderr, "offset_reference: cannot write %s\n", path.c_str());
-  return 0;
+  return false;
 }
 
-int CheckOutput(const std::string& folder, const Output& output) {
+bool CheckOutput(const std::string& folder, const Output& output) {
   const std::string path = folder + "/" + output.path;
   std::ifstream file(path, std::ios::binary);
   const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  if (file.is_open() && text == output.text) return 1;
+  if (file.is_open() && text == output.text) return true;
   std::fprintf(stderr, "offset_reference: %s is stale: run offset_reference on the tree and keep its result\n",
                output.path);
-  return 0;
+  return false;
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
-#include "pushback/pushback.h"
 
 namespace {
 
@@ -15,6 +14,7 @@ int slewing = 0;
 int frozen = 0;
 int pathTaken = 0;  // 1: the override is on because we set it
 double frozenX = 0, frozenZ = 0;
+PushbackHooks pushbackHooks = {[] { return 3; }, [](uint32_t) {}};
 
 void UpdatePlanePath() {
   const int wanted = slewing || frozen;
@@ -43,12 +43,12 @@ void ApplyFreeze(const OffsetRow&, const Staged& staged) {
 }
 
 bool ReadPushback(const OffsetRow&, double* value) {
-  *value = pushbackMode;
+  *value = pushbackHooks.state();
   return true;
 }
 
 void ApplyPushback(const OffsetRow&, const Staged& staged) {
-  CommandPushback(static_cast<uint32_t>(staged.integer));
+  pushbackHooks.command(static_cast<uint32_t>(staged.integer));
 }
 
 constexpr OffsetRow rows[] = {
@@ -89,6 +89,8 @@ constexpr OffsetRow rows[] = {
 }  // namespace
 
 const RowTable slewRows = {"Slew, freeze, pushback", rows};
+
+void ConnectPushbackRows(const PushbackHooks& hooks) { pushbackHooks = hooks; }
 
 void SlewStep() {
   if (!frozen) return;

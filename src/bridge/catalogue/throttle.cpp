@@ -16,7 +16,7 @@ constexpr double cutoffFull = 16383;  // of the fuel levers of engines 1 and 2
 
 int starterHeld[engineCount];
 
-bool EngineOf(const OffsetRow& row) { return row.member - 1; }
+int EngineOf(const OffsetRow& row) { return row.member - 1; }
 Source LeverOf(int engine) { return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine); }
 // What the engine gets; the simulator takes it instead of the lever while the override is on.
 Source UsedThrottleOf(int engine) { return FloatElement<"sim/flightmodel/engine/ENGN_thro_use">(engine); }

@@ -17,12 +17,12 @@ inline timespec DeadlineAfter(int milliseconds) {
 }
 
 // A condition whose deadlines are on the monotonic clock, so that setting the wall clock disturbs no wait.
-// Returns 1 or 0.
-inline int InitCondition(pthread_cond_t* condition) {
+// Returns true, or false when the system refuses.
+inline bool InitCondition(pthread_cond_t* condition) {
   pthread_condattr_t attributes;
-  if (pthread_condattr_init(&attributes) != 0) return 0;
+  if (pthread_condattr_init(&attributes) != 0) return false;
   pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
-  const int made = pthread_cond_init(condition, &attributes) == 0;
+  const bool made = pthread_cond_init(condition, &attributes) == 0;
   pthread_condattr_destroy(&attributes);
   return made;
 }

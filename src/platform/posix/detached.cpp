@@ -73,9 +73,9 @@ DetachedWork* StartDetached(DetachedProc proc, const void* data, size_t size) {
   return nullptr;
 }
 
-int FinishDetached(DetachedWork** work, int timeoutMs, void* data) {
+bool FinishDetached(DetachedWork** work, int timeoutMs, void* data) {
   DetachedWork* finished = *work;
-  if (finished == nullptr) return 0;
+  if (finished == nullptr) return false;
   const timespec deadline = DeadlineAfter(timeoutMs);
   pthread_mutex_lock(&finished->mutex);
   int failure = 0;
@@ -84,12 +84,12 @@ int FinishDetached(DetachedWork** work, int timeoutMs, void* data) {
   }
   const bool done = finished->done;
   pthread_mutex_unlock(&finished->mutex);
-  if (!done) return 0;
+  if (!done) return false;
   pthread_join(finished->thread, nullptr);
   std::memcpy(data, finished->data, finished->size);
   Free(finished);
   *work = nullptr;
-  return 1;
+  return true;
 }
 
 void LeaveDetached(DetachedWork** work) {

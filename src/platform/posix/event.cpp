@@ -19,21 +19,21 @@ struct EventState {
 
 }  // namespace
 
-int CreateAutoEvent(Event* event) {
+bool CreateAutoEvent(Event* event) {
   event->handle = nullptr;
   auto* state = new (std::nothrow) EventState{};
-  if (!state) return 0;
+  if (!state) return false;
   if (pthread_mutex_init(&state->mutex, nullptr) != 0) {
     delete state;
-    return 0;
+    return false;
   }
   if (!InitCondition(&state->raised)) {
     pthread_mutex_destroy(&state->mutex);
     delete state;
-    return 0;
+    return false;
   }
   event->handle = state;
-  return 1;
+  return true;
 }
 
 void CloseEvent(Event* event) {
@@ -54,12 +54,12 @@ void SignalEvent(Event* event) {
   pthread_mutex_unlock(&state->mutex);
 }
 
-int WaitEvent(Event* event, int timeoutMs) {
+bool WaitEvent(Event* event, int timeoutMs) {
   auto* state = static_cast<EventState*>(event->handle);
   if (!state) {
     SleepMilliseconds(timeoutMs);
     errno = EBADF;
-    return 0;
+    return false;
   }
   const timespec deadline = DeadlineAfter(timeoutMs < 0 ? 0 : timeoutMs);
   pthread_mutex_lock(&state->mutex);
@@ -68,7 +68,7 @@ int WaitEvent(Event* event, int timeoutMs) {
     failure = timeoutMs < 0 ? pthread_cond_wait(&state->raised, &state->mutex)
                             : pthread_cond_timedwait(&state->raised, &state->mutex, &deadline);
   }
-  const int got = state->signalled ? 1 : 0;
+  const bool got = state->signalled;
   state->signalled = false;
   pthread_mutex_unlock(&state->mutex);
   if (!got) errno = failure;

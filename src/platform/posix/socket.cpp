@@ -32,8 +32,8 @@ sockaddr_in SystemAddress(const SocketAddress& address) {
   return result;
 }
 
-int SetInt(const Socket* socket, int level, int option, int value) {
-  return setsockopt(Fd(socket), level, option, &value, sizeof value) == 0 ? 1 : 0;
+bool SetInt(const Socket* socket, int level, int option, int value) {
+  return setsockopt(Fd(socket), level, option, &value, sizeof value) == 0;
 }
 
 int64_t Milliseconds() { return MonotonicNanoseconds() / 1000000; }
@@ -69,12 +69,12 @@ bool IsMeantForUs(const msghdr& message, uint32_t address) {
 
 }  // namespace
 
-int OpenSocketLibrary() { return 1; }
+bool OpenSocketLibrary() { return true; }
 void CloseSocketLibrary() {}
 
-int CreateWaker(SocketWaker* waker) {
+bool CreateWaker(SocketWaker* waker) {
   waker->handle = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  return waker->handle >= 0 ? 1 : 0;
+  return waker->handle >= 0;
 }
 
 void CloseWaker(SocketWaker* waker) {
@@ -88,12 +88,12 @@ void WakeSocket(SocketWaker* waker) {
   [[maybe_unused]] const ssize_t written = write(static_cast<int>(waker->handle), &one, sizeof one);
 }
 
-int WaitWaker(SocketWaker* waker, int timeoutMs) { return WaitReadable(-1, waker, timeoutMs) == 0 ? 1 : 0; }
+bool WaitWaker(SocketWaker* waker, int timeoutMs) { return WaitReadable(-1, waker, timeoutMs) == 0; }
 
-int OpenSocket(Socket* socket, Transport transport) {
+bool OpenSocket(Socket* socket, Transport transport) {
   const int type = transport == Transport::Stream ? SOCK_STREAM : SOCK_DGRAM;
   socket->handle = ::socket(AF_INET, type | SOCK_CLOEXEC, 0);
-  return socket->handle >= 0 ? 1 : 0;
+  return socket->handle >= 0;
 }
 
 void CloseSocket(Socket* socket) {
@@ -101,37 +101,37 @@ void CloseSocket(Socket* socket) {
   socket->handle = -1;
 }
 
-int BindSocket(Socket* socket, const SocketAddress& address, PortClaim) {
+bool BindSocket(Socket* socket, const SocketAddress& address, PortClaim) {
   int type = 0;
   socklen_t length = sizeof type;
   getsockopt(Fd(socket), SOL_SOCKET, SO_TYPE, &type, &length);
   // For streams only: it passes over closing connections there, but shares the port of datagrams.
   if (type == SOCK_STREAM) SetInt(socket, SOL_SOCKET, SO_REUSEADDR, 1);
   const sockaddr_in target = SystemAddress(address);
-  return bind(Fd(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0 ? 1 : 0;
+  return bind(Fd(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0;
 }
 
 // A socket that is bound to one address gets no broadcasts here: the address is tried for the error alone,
 // then all addresses are bound.
-int OpenBroadcastReceiver(Socket* socket, const SocketAddress& address) {
+bool OpenBroadcastReceiver(Socket* socket, const SocketAddress& address) {
   for (const uint32_t ip : {address.ip, 0U}) {
     CloseSocket(socket);
-    if (!OpenSocket(socket, Transport::Datagram)) return 0;
+    if (!OpenSocket(socket, Transport::Datagram)) return false;
     // Each datagram tells where it was sent to.
     if (SetInt(socket, IPPROTO_IP, IP_PKTINFO, 1) && BindSocket(socket, {ip, address.port})) continue;
     const int error = errno;
     CloseSocket(socket);
     errno = error;
-    return 0;
+    return false;
   }
-  return 1;
+  return true;
 }
 
-int ListenSocket(Socket* socket, int backlog) {
+bool ListenSocket(Socket* socket, int backlog) {
   // A connection may be gone between poll and accept: the accept must not block then.
   const int flags = fcntl(Fd(socket), F_GETFL, 0);
-  if (flags < 0 || fcntl(Fd(socket), F_SETFL, flags | O_NONBLOCK) != 0) return 0;
-  return listen(Fd(socket), backlog) == 0 ? 1 : 0;
+  if (flags < 0 || fcntl(Fd(socket), F_SETFL, flags | O_NONBLOCK) != 0) return false;
+  return listen(Fd(socket), backlog) == 0;
 }
 
 int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketAddress* peer) {
@@ -206,60 +206,56 @@ int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* bu
   }
 }
 
-int SendStream(Socket* socket, const void* data, size_t size) {
+bool SendStream(Socket* socket, const void* data, size_t size) {
   const auto* at = static_cast<const uint8_t*>(data);
   while (size > 0) {
     const ssize_t sent = send(Fd(socket), at, size, MSG_NOSIGNAL | MSG_DONTWAIT);
     if (sent < 0 && errno == EINTR) continue;
-    if (sent <= 0) return 0;
+    if (sent <= 0) return false;
     at += sent;
     size -= static_cast<size_t>(sent);
   }
-  return 1;
+  return true;
 }
 
-int SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddress& to) {
+bool SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddress& to) {
   const auto* at = static_cast<const uint8_t*>(data);
   const sockaddr_in target = SystemAddress(to);
   while (size > 0) {
     const ssize_t sent =
         sendto(Fd(socket), at, size, MSG_DONTWAIT, reinterpret_cast<const sockaddr*>(&target), sizeof target);
     if (sent < 0 && errno == EINTR) continue;
-    if (sent <= 0) return 0;
+    if (sent <= 0) return false;
     at += sent;
     size -= static_cast<size_t>(sent);
   }
-  return 1;
+  return true;
 }
 
 void ShutdownReceive(Socket* socket) { shutdown(Fd(socket), SHUT_RD); }
 void ShutdownSend(Socket* socket) { shutdown(Fd(socket), SHUT_WR); }
 
-int SetSendQueue(Socket* socket, int bytes) { return SetInt(socket, SOL_SOCKET, SO_SNDBUF, bytes); }
+bool SetSendQueue(Socket* socket, int bytes) { return SetInt(socket, SOL_SOCKET, SO_SNDBUF, bytes); }
 
-int AllowBroadcast(Socket* socket) { return SetInt(socket, SOL_SOCKET, SO_BROADCAST, 1); }
+bool AllowBroadcast(Socket* socket) { return SetInt(socket, SOL_SOCKET, SO_BROADCAST, 1); }
 
-int SetMulticastInterface(Socket* socket, uint32_t ip) {
+bool SetMulticastInterface(Socket* socket, uint32_t ip) {
   in_addr interface {};
   interface.s_addr = htonl(ip);
-  if (!SetInt(socket, IPPROTO_IP, IP_MULTICAST_LOOP, 0)) return 0;
-  return setsockopt(Fd(socket), IPPROTO_IP, IP_MULTICAST_IF, &interface, sizeof interface) == 0 ? 1 : 0;
+  if (!SetInt(socket, IPPROTO_IP, IP_MULTICAST_LOOP, 0)) return false;
+  return setsockopt(Fd(socket), IPPROTO_IP, IP_MULTICAST_IF, &interface, sizeof interface) == 0;
 }
 
-int SetKeepAlive(Socket* socket) {
+bool SetKeepAlive(Socket* socket) {
   return SetInt(socket, SOL_SOCKET, SO_KEEPALIVE, 1) && SetInt(socket, IPPROTO_TCP, TCP_KEEPIDLE, 10) &&
-                 SetInt(socket, IPPROTO_TCP, TCP_KEEPINTVL, 5) && SetInt(socket, IPPROTO_TCP, TCP_KEEPCNT, 3)
-             ? 1
-             : 0;
+         SetInt(socket, IPPROTO_TCP, TCP_KEEPINTVL, 5) && SetInt(socket, IPPROTO_TCP, TCP_KEEPCNT, 3);
 }
 
-int LookUpPeerName(const SocketAddress& peer, char* name, size_t size) {
+bool LookUpPeerName(const SocketAddress& peer, char* name, size_t size) {
   const sockaddr_in address = SystemAddress(peer);
   char service[32];
   return getnameinfo(reinterpret_cast<const sockaddr*>(&address), sizeof address, name,
-                     static_cast<socklen_t>(size), service, sizeof service, NI_NAMEREQD) == 0
-             ? 1
-             : 0;
+                     static_cast<socklen_t>(size), service, sizeof service, NI_NAMEREQD) == 0;
 }
 
 int SocketErrorNumber() { return errno; }

@@ -34,20 +34,20 @@ std::string ComputerName() {
 
 std::vector<SharedFolder> ListSharedFolders() { return {}; }
 
-int IsDirectory(const char* path) {
+bool IsDirectory(const char* path) {
   struct stat info {};
-  return stat(path, &info) == 0 && S_ISDIR(info.st_mode) ? 1 : 0;
+  return stat(path, &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-int IsFile(const char* path) {
+bool IsFile(const char* path) {
   struct stat info {};
-  return stat(path, &info) == 0 && S_ISREG(info.st_mode) ? 1 : 0;
+  return stat(path, &info) == 0 && S_ISREG(info.st_mode);
 }
 
-int IsFileOrNothing(const char* path) {
+bool IsFileOrNothing(const char* path) {
   struct stat info {};
-  if (stat(path, &info) == 0) return S_ISREG(info.st_mode) ? 1 : 0;
-  return errno == ENOENT ? 1 : 0;
+  if (stat(path, &info) == 0) return S_ISREG(info.st_mode);
+  return errno == ENOENT;
 }
 
 std::string WithSeparator(std::string folder) {
@@ -84,7 +84,7 @@ FILE* OpenPlainFile(const char* path, OpenMode mode, OpenFailure* failure) {
   return file;
 }
 
-int CreateFolders(const char* path) {
+bool CreateFolders(const char* path) {
   const std::string whole = path;
   int reason = 0;  // of the first folder that could not be made
   for (size_t i = 1; i <= whole.size(); ++i) {
@@ -96,18 +96,18 @@ int CreateFolders(const char* path) {
       reason = errno;
     }
   }
-  if (IsDirectory(path)) return 1;
+  if (IsDirectory(path)) return true;
   errno = reason;
-  return 0;
+  return false;
 }
 
-int FlushToDisk(FILE* file) {
-  if (fflush(file) != 0) return 0;
-  return fsync(fileno(file)) == 0 ? 1 : 0;
+bool FlushToDisk(FILE* file) {
+  if (fflush(file) != 0) return false;
+  return fsync(fileno(file)) == 0;
 }
 
-int ReplaceFile(const char* from, const char* to) {
-  if (rename(from, to) != 0) return 0;
+bool ReplaceFile(const char* from, const char* to) {
+  if (rename(from, to) != 0) return false;
   // The new name is on the disk when its folder is. A file system that cannot do that changes nothing.
   std::string folder = to;
   const size_t slash = folder.rfind('/');
@@ -117,7 +117,7 @@ int ReplaceFile(const char* from, const char* to) {
     fsync(descriptor);
     close(descriptor);
   }
-  return 1;
+  return true;
 }
 
 std::string SystemErrorText() { return std::system_category().message(errno); }
@@ -140,13 +140,13 @@ int64_t ProcessMemoryBytes() {
   FILE* file = fopen("/proc/self/smaps_rollup", "r");
   if (!file) return -1;
   int64_t kilobytes = 0;
-  int found = 0;
+  bool found = false;
   char line[256];
   while (fgets(line, sizeof line, file)) {
     for (const char* name : {"Private_Dirty:", "Private_Clean:"}) {
       if (strncmp(line, name, strlen(name)) != 0) continue;
       kilobytes += strtoll(line + strlen(name), nullptr, 10);
-      found = 1;
+      found = true;
     }
   }
   fclose(file);

@@ -78,18 +78,18 @@ ThreadState* MakeState(ThreadProc proc, void* argument) {
 
 }  // namespace
 
-int StartThread(Thread* thread, ThreadProc proc, void* argument) {
-  if (thread->started.load(std::memory_order_acquire)) return 0;  // the old one was not joined
+bool StartThread(Thread* thread, ThreadProc proc, void* argument) {
+  if (thread->started.load(std::memory_order_acquire)) return false;  // the old one was not joined
   ThreadState* state = nullptr;
   try {
     state = MakeState(proc, argument);  // the queue's first block may not be had
   } catch (...) {
-    return 0;
+    return false;
   }
-  if (!state) return 0;
+  if (!state) return false;
   if (pthread_create(&state->thread, nullptr, RunThread, state) != 0) {
     FreeState(state);
-    return 0;
+    return false;
   }
   pthread_mutex_lock(&state->mutex);
   while (state->id == 0) pthread_cond_wait(&state->changed, &state->mutex);
@@ -97,7 +97,7 @@ int StartThread(Thread* thread, ThreadProc proc, void* argument) {
   pthread_mutex_unlock(&state->mutex);
   thread->handle = state;
   thread->started.store(1, std::memory_order_release);
-  return 1;
+  return true;
 }
 
 uint32_t JoinThread(Thread* thread) {
@@ -119,18 +119,17 @@ void PrepareThreadMessages() {
   pthread_mutex_unlock(&self->mutex);
 }
 
-int PostMessageToThread(Thread* thread, uint32_t message, uintptr_t value) {
-  if (!thread->started.load(std::memory_order_acquire)) return 0;
+bool PostMessageToThread(Thread* thread, uint32_t message, uintptr_t value) {
+  if (!thread->started.load(std::memory_order_acquire)) return false;
   auto* state = static_cast<ThreadState*>(thread->handle);
   pthread_mutex_lock(&state->mutex);
-  int posted = 0;
+  bool posted = false;
   if (state->hasQueue) {
     try {
       state->queue.push_back({message, value});
       pthread_cond_broadcast(&state->changed);
-      posted = 1;
-    } catch (...) {
-      posted = 0;
+      posted = true;
+    } catch (...) {  // as good as none
     }
   }
   pthread_mutex_unlock(&state->mutex);

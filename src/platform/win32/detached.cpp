@@ -62,14 +62,14 @@ DetachedWork* StartDetached(DetachedProc proc, const void* data, size_t size) {
   return work;
 }
 
-int FinishDetached(DetachedWork** work, int timeoutMs, void* data) {
+bool FinishDetached(DetachedWork** work, int timeoutMs, void* data) {
   DetachedWork* finished = *work;
-  if (finished == nullptr) return 0;
-  if (WaitForSingleObject(finished->thread, static_cast<DWORD>(timeoutMs)) != WAIT_OBJECT_0) return 0;
+  if (finished == nullptr) return false;
+  if (WaitForSingleObject(finished->thread, static_cast<DWORD>(timeoutMs)) != WAIT_OBJECT_0) return false;
   std::memcpy(data, finished->data, finished->size);
   Free(finished);
   *work = nullptr;
-  return 1;
+  return true;
 }
 
 void LeaveDetached(DetachedWork** work) {

@@ -4,9 +4,9 @@
 
 #include "platform/clock.h"
 
-int CreateAutoEvent(Event* event) {
+bool CreateAutoEvent(Event* event) {
   event->handle = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-  return event->handle ? 1 : 0;
+  return event->handle != nullptr;
 }
 
 void CloseEvent(Event* event) {
@@ -18,12 +18,12 @@ void SignalEvent(Event* event) {
   if (event->handle) SetEvent(event->handle);
 }
 
-int WaitEvent(Event* event, int timeoutMs) {
+bool WaitEvent(Event* event, int timeoutMs) {
   if (!event->handle) {
     SleepMilliseconds(timeoutMs);
     SetLastError(ERROR_INVALID_HANDLE);
-    return 0;
+    return false;
   }
   const DWORD limit = timeoutMs < 0 ? INFINITE : static_cast<DWORD>(timeoutMs);
-  return WaitForSingleObject(event->handle, limit) == WAIT_OBJECT_0 ? 1 : 0;
+  return WaitForSingleObject(event->handle, limit) == WAIT_OBJECT_0;
 }

@@ -26,25 +26,23 @@ sockaddr_in SystemAddress(const SocketAddress& address) {
   return result;
 }
 
-int SetInt(const Socket* socket, int level, int option, DWORD value) {
-  return setsockopt(Handle(socket), level, option, reinterpret_cast<const char*>(&value), sizeof value) == 0
-             ? 1
-             : 0;
+bool SetInt(const Socket* socket, int level, int option, DWORD value) {
+  return setsockopt(Handle(socket), level, option, reinterpret_cast<const char*>(&value), sizeof value) == 0;
 }
 
 // Ties the socket to a network event of its own, once; the socket does not block from then on.
-int HasEvent(Socket* socket, long events) {
-  if (socket->event != nullptr) return 1;
+bool HasEvent(Socket* socket, long events) {
+  if (socket->event != nullptr) return true;
   WSAEVENT event = WSACreateEvent();
-  if (event == WSA_INVALID_EVENT) return 0;
+  if (event == WSA_INVALID_EVENT) return false;
   if (WSAEventSelect(Handle(socket), event, events) != 0) {
     const int error = WSAGetLastError();
     WSACloseEvent(event);
     WSASetLastError(error);
-    return 0;
+    return false;
   }
   socket->event = event;
-  return 1;
+  return true;
 }
 
 int64_t Milliseconds() { return MonotonicNanoseconds() / 1000000; }
@@ -67,23 +65,23 @@ void KeepFromChildren(SOCKET socket) {
   SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
 }
 
-int IsWoken(const SocketWaker* waker) {
-  return WaitForSingleObject(reinterpret_cast<HANDLE>(waker->handle), 0) == WAIT_OBJECT_0 ? 1 : 0;
+bool IsWoken(const SocketWaker* waker) {
+  return WaitForSingleObject(reinterpret_cast<HANDLE>(waker->handle), 0) == WAIT_OBJECT_0;
 }
 
 }  // namespace
 
-int OpenSocketLibrary() {
+bool OpenSocketLibrary() {
   WSADATA data;
-  return WSAStartup(MAKEWORD(2, 2), &data) == 0 ? 1 : 0;
+  return WSAStartup(MAKEWORD(2, 2), &data) == 0;
 }
 
 void CloseSocketLibrary() { WSACleanup(); }
 
-int CreateWaker(SocketWaker* waker) {
+bool CreateWaker(SocketWaker* waker) {
   HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
   waker->handle = event == nullptr ? -1 : reinterpret_cast<intptr_t>(event);
-  return event == nullptr ? 0 : 1;
+  return event != nullptr;
 }
 
 void CloseWaker(SocketWaker* waker) {
@@ -95,22 +93,20 @@ void WakeSocket(SocketWaker* waker) {
   if (waker->handle != -1) SetEvent(reinterpret_cast<HANDLE>(waker->handle));
 }
 
-int WaitWaker(SocketWaker* waker, int timeoutMs) {
+bool WaitWaker(SocketWaker* waker, int timeoutMs) {
   return WaitForSingleObject(reinterpret_cast<HANDLE>(waker->handle), static_cast<DWORD>(timeoutMs)) ==
-                 WAIT_OBJECT_0
-             ? 1
-             : 0;
+         WAIT_OBJECT_0;
 }
 
-int OpenSocket(Socket* socket, Transport transport) {
+bool OpenSocket(Socket* socket, Transport transport) {
   const int type = transport == Transport::Stream ? SOCK_STREAM : SOCK_DGRAM;
   socket->event = nullptr;
   socket->handle = static_cast<intptr_t>(::socket(AF_INET, type, 0));
-  if (socket->handle == -1) return 0;
+  if (socket->handle == -1) return false;
   KeepFromChildren(Handle(socket));
   u_long on = 1;
   if (transport == Transport::Datagram) ioctlsocket(Handle(socket), static_cast<long>(FIONBIO), &on);
-  return 1;
+  return true;
 }
 
 void CloseSocket(Socket* socket) {
@@ -119,29 +115,29 @@ void CloseSocket(Socket* socket) {
   *socket = {};
 }
 
-int BindSocket(Socket* socket, const SocketAddress& address, PortClaim claim) {
+bool BindSocket(Socket* socket, const SocketAddress& address, PortClaim claim) {
   if (claim == PortClaim::Exclusive) SetInt(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, 1);
   const sockaddr_in target = SystemAddress(address);
-  return bind(Handle(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0 ? 1 : 0;
+  return bind(Handle(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0;
 }
 
 // Not every system refuses datagrams an address that it does not have: a stream is tried first.
-int OpenBroadcastReceiver(Socket* socket, const SocketAddress& address) {
-  if (!OpenSocket(socket, Transport::Stream)) return 0;
-  int bound = BindSocket(socket, {address.ip, 0});
+bool OpenBroadcastReceiver(Socket* socket, const SocketAddress& address) {
+  if (!OpenSocket(socket, Transport::Stream)) return false;
+  bool bound = BindSocket(socket, {address.ip, 0});
   if (bound) {
     CloseSocket(socket);
-    bound = OpenSocket(socket, Transport::Datagram) && BindSocket(socket, address) ? 1 : 0;
+    bound = OpenSocket(socket, Transport::Datagram) && BindSocket(socket, address);
   }
-  if (bound) return 1;
+  if (bound) return true;
   const int error = WSAGetLastError();
   CloseSocket(socket);
   WSASetLastError(error);
-  return 0;
+  return false;
 }
 
-int ListenSocket(Socket* socket, int backlog) {
-  return HasEvent(socket, FD_ACCEPT) && listen(Handle(socket), backlog) == 0 ? 1 : 0;
+bool ListenSocket(Socket* socket, int backlog) {
+  return HasEvent(socket, FD_ACCEPT) && listen(Handle(socket), backlog) == 0;
 }
 
 int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketAddress* peer) {
@@ -215,64 +211,58 @@ int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* bu
   return ReceiveFrom(socket, waker, timeoutMs, buffer, size, from);
 }
 
-int SendStream(Socket* socket, const void* data, size_t size) {
+bool SendStream(Socket* socket, const void* data, size_t size) {
   const auto* at = static_cast<const char*>(data);
   while (size > 0) {
     const int sent = send(Handle(socket), at, static_cast<int>(size), 0);
-    if (sent <= 0) return 0;
+    if (sent <= 0) return false;
     at += sent;
     size -= static_cast<size_t>(sent);
   }
-  return 1;
+  return true;
 }
 
-int SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddress& to) {
+bool SendDatagram(Socket* socket, const void* data, size_t size, const SocketAddress& to) {
   const auto* at = static_cast<const char*>(data);
   const sockaddr_in target = SystemAddress(to);
   while (size > 0) {
     const int sent = sendto(Handle(socket), at, static_cast<int>(size), 0,
                             reinterpret_cast<const sockaddr*>(&target), sizeof target);
-    if (sent <= 0) return 0;
+    if (sent <= 0) return false;
     at += sent;
     size -= static_cast<size_t>(sent);
   }
-  return 1;
+  return true;
 }
 
 void ShutdownReceive(Socket* socket) { shutdown(Handle(socket), SD_RECEIVE); }
 void ShutdownSend(Socket* socket) { shutdown(Handle(socket), SD_SEND); }
 
-int SetSendQueue(Socket* socket, int bytes) {
+bool SetSendQueue(Socket* socket, int bytes) {
   return SetInt(socket, SOL_SOCKET, SO_SNDBUF, static_cast<DWORD>(bytes));
 }
 
-int AllowBroadcast(Socket* socket) { return SetInt(socket, SOL_SOCKET, SO_BROADCAST, 1); }
+bool AllowBroadcast(Socket* socket) { return SetInt(socket, SOL_SOCKET, SO_BROADCAST, 1); }
 
-int SetMulticastInterface(Socket* socket, uint32_t ip) {
+bool SetMulticastInterface(Socket* socket, uint32_t ip) {
   return SetInt(socket, IPPROTO_IP, IP_MULTICAST_LOOP, 0) &&
-                 SetInt(socket, IPPROTO_IP, IP_MULTICAST_IF, htonl(ip))
-             ? 1
-             : 0;
+         SetInt(socket, IPPROTO_IP, IP_MULTICAST_IF, htonl(ip));
 }
 
-int SetKeepAlive(Socket* socket) {
+bool SetKeepAlive(Socket* socket) {
   // Ten probes unless the system lets us choose: 10 s + 3 x 5 s, or 10 s + 10 x 1.5 s.
-  const bool counted = SetInt(socket, IPPROTO_TCP, keepAliveCountOption, 3) != 0;
+  const bool counted = SetInt(socket, IPPROTO_TCP, keepAliveCountOption, 3);
   tcp_keepalive values = {1, 10000, counted ? 5000U : 1500U};
   DWORD returned = 0;
   return WSAIoctl(Handle(socket), SIO_KEEPALIVE_VALS, &values, sizeof values, nullptr, 0, &returned, nullptr,
-                  nullptr) == 0
-             ? 1
-             : 0;
+                  nullptr) == 0;
 }
 
-int LookUpPeerName(const SocketAddress& peer, char* name, size_t size) {
+bool LookUpPeerName(const SocketAddress& peer, char* name, size_t size) {
   const sockaddr_in address = SystemAddress(peer);
   char service[32];
   return getnameinfo(reinterpret_cast<const sockaddr*>(&address), sizeof address, name,
-                     static_cast<DWORD>(size), service, sizeof service, NI_NAMEREQD) == 0
-             ? 1
-             : 0;
+                     static_cast<DWORD>(size), service, sizeof service, NI_NAMEREQD) == 0;
 }
 
 int SocketErrorNumber() { return WSAGetLastError(); }

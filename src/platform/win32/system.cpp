@@ -103,19 +103,19 @@ std::vector<SharedFolder> ListSharedFolders() {
   return folders;
 }
 
-int IsDirectory(const char* path) {
+bool IsDirectory(const char* path) {
   const DWORD attributes = GetFileAttributesA(path);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? 1 : 0;
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-int IsFile(const char* path) {
+bool IsFile(const char* path) {
   const DWORD attributes = GetFileAttributesA(path);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0 ? 1 : 0;
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-int IsFileOrNothing(const char* path) {
+bool IsFileOrNothing(const char* path) {
   if (GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES) {
-    return GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND ? 1 : 0;
+    return GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND;
   }
   return IsFile(path);
 }
@@ -161,7 +161,7 @@ FILE* OpenPlainFile(const char* path, OpenMode mode, OpenFailure* failure) {
   return file;
 }
 
-int CreateFolders(const char* path) {
+bool CreateFolders(const char* path) {
   const std::string whole = path;
   DWORD reason = ERROR_SUCCESS;  // of the first folder that could not be made; drives and shares fail, too
   const auto make = [&reason](const std::string& folder) {
@@ -179,28 +179,28 @@ int CreateFolders(const char* path) {
     }
   }
   make(whole);
-  if (IsDirectory(path)) return 1;
+  if (IsDirectory(path)) return true;
   SetLastError(reason);
-  return 0;
+  return false;
 }
 
-int FlushToDisk(FILE* file) {
-  if (fflush(file) != 0) return 0;
-  return _commit(_fileno(file)) == 0 ? 1 : 0;
+bool FlushToDisk(FILE* file) {
+  if (fflush(file) != 0) return false;
+  return _commit(_fileno(file)) == 0;
 }
 
-int ReplaceFile(const char* from, const char* to) {
+bool ReplaceFile(const char* from, const char* to) {
   // Virus scanners and indexers hold a fresh file open for a moment, during which it cannot be replaced.
   constexpr int tries = 5;
   constexpr DWORD pauseMs = 20;
   for (int i = 0; i < tries; ++i) {
     if (i > 0) Sleep(pauseMs);
-    if (MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return 1;
+    if (MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return true;
     const DWORD error = GetLastError();
     if (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED && error != ERROR_LOCK_VIOLATION)
       break;
   }
-  return 0;
+  return false;
 }
 
 std::string SystemErrorText() {

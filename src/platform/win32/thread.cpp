@@ -43,14 +43,14 @@ int TakeMessage(const MSG* got, uint32_t* message, uintptr_t* value) {
 
 }  // namespace
 
-int StartThread(Thread* thread, ThreadProc proc, void* argument) {
-  if (thread->started.load(std::memory_order_acquire)) return 0;  // the old one was not joined
+bool StartThread(Thread* thread, ThreadProc proc, void* argument) {
+  if (thread->started.load(std::memory_order_acquire)) return false;  // the old one was not joined
   std::unique_ptr<StartArguments> arguments(new (std::nothrow) StartArguments{proc, argument});
-  if (!arguments) return 0;
+  if (!arguments) return false;
   // Suspended until the record is complete, so that the new thread may read it.
   unsigned id = 0;
   const uintptr_t begun = _beginthreadex(nullptr, 0, RunThread, arguments.get(), CREATE_SUSPENDED, &id);
-  if (begun == 0) return 0;
+  if (begun == 0) return false;
   auto handle = reinterpret_cast<HANDLE>(begun);
   thread->id = id;
   thread->handle = handle;
@@ -61,10 +61,10 @@ int StartThread(Thread* thread, ThreadProc proc, void* argument) {
     thread->id = 0;
     thread->handle = nullptr;
     thread->started.store(0, std::memory_order_release);
-    return 0;
+    return false;
   }
   (void)arguments.release();  // the thread frees it
-  return 1;
+  return true;
 }
 
 uint32_t JoinThread(Thread* thread) {
@@ -84,9 +84,9 @@ void PrepareThreadMessages() {
   PeekMessageA(&message, nullptr, WM_USER, WM_USER, PM_NOREMOVE);  // the first call makes the queue
 }
 
-int PostMessageToThread(Thread* thread, uint32_t message, uintptr_t value) {
-  if (!thread->started.load(std::memory_order_acquire)) return 0;
-  return PostThreadMessageA(thread->id, message, value, 0) ? 1 : 0;
+bool PostMessageToThread(Thread* thread, uint32_t message, uintptr_t value) {
+  if (!thread->started.load(std::memory_order_acquire)) return false;
+  return PostThreadMessageA(thread->id, message, value, 0) != 0;
 }
 
 int WaitThreadMessage(int timeoutMs, uint32_t* message, uintptr_t* value) {

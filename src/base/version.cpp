@@ -1,0 +1,3 @@
+#include "base/version.h"
+
+int simulatorVersion;
