@@ -12,6 +12,7 @@
 #include "base/log.h"
 #include "bridge/catalogue/identity.h"
 #include "row_harness.h"
+#include "test_tools.h"
 
 namespace {
 
@@ -30,11 +31,7 @@ class Adapters : public testing::Test {
 
   // How often a text stands in the main log.
   int Logged(const std::string& text) const {
-    std::ifstream file(folder / "TAVRIX.txt");
-    const std::string log{std::istreambuf_iterator<char>(file), {}};
-    int count = 0;
-    for (size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) ++count;
-    return count;
+    return tools::CountText(tools::ReadFile(folder / "TAVRIX.txt"), text);
   }
   // What the two cycles that recognise do.
   static void RunCycles() {

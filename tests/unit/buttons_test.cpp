@@ -62,7 +62,7 @@ TEST_F(Buttons, SettingsSection) {
 
   EXPECT_EQ(SaveButtonAssignment(9, {0x66F0, 4, 17, -1, 1, 0, 0, 0, 0, 1, 0, 0}), 1);
   EXPECT_EQ(Fields(AssignmentOfButton(9)), "26352,4,17,-1,1,0,0,0,0,1,0,0");
-  const auto file = [] { return custom::ReadText(custom::Folder() + "TAVRIX.ini"); };
+  const auto file = [] { return tools::ReadFile(custom::Folder() + "TAVRIX.ini"); };
   EXPECT_NE(file().find("9 = 66F0,4,17,-1,1,0,0,0,0,1,0,0\n"), std::string::npos) << file();
   EXPECT_EQ(ClearButtonAssignment(9), 1);
   EXPECT_NE(file().find("9 = 0,0,0,0,0,0,0,0,0,0,0,0\n"), std::string::npos) << file();

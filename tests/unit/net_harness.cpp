@@ -10,8 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 
 #include "base/locks.h"
 #include "base/log.h"
@@ -20,6 +18,7 @@
 #include "offsets/dispatcher.h"
 #include "platform/clock.h"
 #include "platform/system.h"
+#include "test_tools.h"
 
 namespace net {
 
@@ -188,9 +187,6 @@ void Network::TearDown() {
 
 std::string Network::Folder() const { return root.string() + pathSeparator; }
 
-std::string Network::Log(const char* name) const {
-  std::ifstream file(root / name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string Network::Log(const char* name) const { return tools::ReadFile(root / name); }
 
 }  // namespace net

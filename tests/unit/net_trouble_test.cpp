@@ -11,6 +11,7 @@
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/thread.h"
+#include "test_tools.h"
 
 #ifndef _WIN32
 #include <sys/resource.h>
@@ -21,6 +22,7 @@ namespace {
 
 using net::Bytes;
 using net::Client;
+using tools::CountText;
 
 Bytes Memory(uint32_t offset, size_t size) {
   const LockScope lock(&offsetLock);
@@ -30,12 +32,6 @@ Bytes Memory(uint32_t offset, size_t size) {
 RequestCounters Counters() {
   const LockScope lock(&offsetLock);
   return requestCounters;
-}
-
-int CountText(const std::string& text, const std::string& part) {
-  int count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-  return count;
 }
 
 struct NetTroubleThreads : net::Network {

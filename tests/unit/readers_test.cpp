@@ -1,38 +1,22 @@
 // Readers and the offset lock: what finds it busy is tried once more, then dropped.
 #include <cstring>
 #include <string>
-#include <thread>
 
 #include "core/more_api.h"
 #include "row_harness.h"
+#include "test_tools.h"
 
 namespace {
 
 constexpr uint32_t identText = 0x303E, titleText = 0x3C00, windWord = 0x04DA;
 
 // A dataref whose owner lets the holder of the lock go at its `releasing`-th call, 0 never.
-std::atomic<int> stage;
-std::thread holder;
+tools::LockHolder holder;
 int calls, releasing;
-
-void HoldTheLock() {
-  stage = 0;
-  holder = std::thread([] {
-    const LockScope lock(&offsetLock);
-    stage = 1;
-    while (stage != 2) std::this_thread::yield();
-  });
-  while (stage != 1) std::this_thread::yield();
-}
-
-void LetItGo() {
-  stage = 2;
-  if (holder.joinable()) holder.join();
-}
 
 // A text, which a cycle asks for after it has tried to store its numbers.
 int ReadIdent(void*, void* text, int offset, int size) {
-  if (++calls == releasing) LetItGo();
+  if (++calls == releasing) holder.LetGo();
   if (text != nullptr && offset == 0 && size >= 4) std::memcpy(text, "IDNT", 4);
   return 4;
 }
@@ -51,7 +35,7 @@ struct Readers : rows::Harness {
     RunReaders(Cycle::C59);
   }
   void TearDown() override {
-    LetItGo();
+    holder.LetGo();
     XPLMUnregisterDataAccessor(owned);
     rows::Stop();
   }
@@ -66,11 +50,11 @@ struct Readers : rows::Harness {
     const RefreshCounters before = refreshCounters;
     calls = 0;
     releasing = releasedAt;
-    HoldTheLock();
+    holder.Take(&offsetLock);
     RunReaders(Cycle::C59);
     const RefreshCounters run = {refreshCounters.stored - before.stored,
                                  refreshCounters.dropped - before.dropped};
-    LetItGo();
+    holder.LetGo();
     return run;
   }
   static void ExpectStored(bool stored) {

@@ -3,16 +3,14 @@
 // (a quarter turn, a hundred knots), not from the rows.
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 #include <numbers>
-#include <set>
-#include <sstream>
 
 #include "base/log.h"
 #include "bridge/catalogue/reposition.h"
 #include "bridge/slew.h"
 #include "row_harness.h"
+#include "test_tools.h"
 
 namespace {
 
@@ -395,9 +393,8 @@ TEST_F(FlightRows, RightBrakeAppliesTheLastValueAndLogsIt) {
   WriteAndRun<int16_t>(0x0BC6, 8192);
   CloseLogs();
   EXPECT_NEAR(Get(CONTROLS "r_brake_add"), 0.500031, 1e-6);
-  std::stringstream text;
-  text << std::ifstream(folder + "TAVRIX.txt").rdbuf();
-  EXPECT_EQ(text.str(), "Offset 0x0BC6 tavrixWriteValue = 8192 bc6Value = -7 FSVar = 0.500031\n");
+  EXPECT_EQ(tools::ReadFile(folder + "TAVRIX.txt"),
+            "Offset 0x0BC6 tavrixWriteValue = 8192 bc6Value = -7 FSVar = 0.500031\n");
 }
 
 // --- Slew, freeze, overrides ------------------------------------------------------------------------

@@ -14,6 +14,7 @@
 #include "bridge/stations.h"
 #include "bridge/weather_area.h"
 #include "row_harness.h"
+#include "test_tools.h"
 
 namespace {
 
@@ -552,10 +553,7 @@ TEST_F(RadioRows, SituationFilesStayBelowTheSimulatorsFolder) {
       EXPECT_EQ(!rows::Calls().empty(), c.taken) << EscapedForLog(c.name) << ' ' << command;
     }
   }
-  const auto log = [&] {
-    std::ifstream file(folder + "TAVRIX.txt", std::ios::binary);
-    return std::string{std::istreambuf_iterator<char>(file), {}};
-  };
+  const auto log = [&] { return tools::ReadFile(folder + "TAVRIX.txt"); };
   // Dozens of refusals within moments: one line at most (another one where this took longer than a second).
   const std::string lines = log();
   EXPECT_LE(std::count(lines.begin(), lines.end(), '\n'), 3) << lines;

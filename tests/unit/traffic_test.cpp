@@ -103,13 +103,6 @@ TEST(TrafficDistance, RightAndFiniteEverywhere) {
   }
 }
 
-TEST(TrafficDistance, ConvertedOnlyOnce) {
-  Place place = {90, -180, 0};
-  for (int i = 0; i < 5; ++i) ConvertPlace(&place);
-  EXPECT_FLOAT_EQ(place.latitude, 1.5707964F);
-  EXPECT_FLOAT_EQ(place.longitude, -3.1415927F);
-}
-
 // --- Table ------------------------------------------------------------------------------------------------
 
 TEST_F(Traffic, EntryAndRecordByteForByte) {
