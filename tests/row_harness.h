@@ -221,26 +221,24 @@ void WriteAndRun(uint32_t offset, T value) {
   RunWriters();
 }
 
-// One reader: with the dataref at `value`, the offset holds `expected` after the refresh.
+// Readers of one dataref: with it at `value`, the offset holds `expected` after the refresh.
 struct ReadCase {
   uint32_t offset;
   Stored type;
-  Cycle cycle;
-  const char* dataref;
   double value;
   double expected;
   double tolerance = 0;
 };
-inline void CheckReads(std::initializer_list<ReadCase> cases) {
+inline void CheckReads(const std::string& dataref, Cycle cycle, std::initializer_list<ReadCase> cases) {
+  const double before = Get(dataref);
   for (const ReadCase& test : cases) {
-    SCOPED_TRACE(testing::Message() << "offset 0x" << std::hex << test.offset << ", " << test.dataref << " = "
+    SCOPED_TRACE(testing::Message() << "offset 0x" << std::hex << test.offset << ", " << dataref << " = "
                                     << test.value);
-    const double before = Get(test.dataref);
-    Set(test.dataref, test.value);
-    Refresh(test.cycle);
+    Set(dataref, test.value);
+    Refresh(cycle);
     EXPECT_NEAR(ReadAs(test.type, test.offset), test.expected, test.tolerance);
-    Set(test.dataref, before);
   }
+  Set(dataref, before);
 }
 
 // One writer: after a client wrote `value`, the dataref holds `expected`. It starts from elsewhere, so that

@@ -45,66 +45,55 @@ TEST_F(EngineRows, FamiliesTakeTheirEnginesElements) {
 // --- Readings -----------------------------------------------------------------------------------------
 
 TEST_F(EngineRows, ReadsOneDatarefEach) {
-  rows::CheckReads({
-      // 16384 is 100 %, so 95.5 % is 15646.72 and the rest is cut; 400 % is more than 16 bits hold.
-      {0x0898, U16, C1, ENGINE "ENGN_N1_", 95.5, 15646},
-      {0x2000, F64, C1, ENGINE "ENGN_N1_", 95.5, 95.5, 1e-03},
-      {0x0A60, U16, C1, ENGINE "ENGN_N1_[3]", 100, 16384},
-      {0x0A60, U16, C1, ENGINE "ENGN_N1_[3]", -1, 0},
-      {0x09C8, U16, C1, ENGINE "ENGN_N1_[2]", 401, 65535},
-      {0x09C8, U16, C1, ENGINE "ENGN_N1_[2]", NAN, 0},
-      {0x2200, F64, C1, ENGINE "ENGN_N1_[2]", NAN, 0},
-      {0x092E, U16, C1, ENGINE "ENGN_N2_[1]", 50, 8192},
-      {0x2118, F64, C1, ENGINE "ENGN_N2_[1]", 62.5, 62.5, 6e-04},
-      // One kilogram a second is 3600 kg an hour, 2.2046 lb each.
-      {0x08A0, U16, C1, ENGINE "ENGN_FF_", 0.5, 3968},
-      {0x0918, F64, C1, ENGINE "ENGN_FF_", 0.5, 3968.3, 4e-02},
-      {0x0A68, U16, C1, ENGINE "ENGN_FF_[3]", 10, 65535},
-      {0x2360, F64, C1, ENGINE "ENGN_FF_[3]", 10, 79366, 8e-01},
-      {0x0950, S16, C1, ENGINE "ENGN_oil_temp_c[1]", -70, -8192},
-      {0x0950, S16, C1, ENGINE "ENGN_oil_temp_c[1]", 300, 32767},
-      {0x09EA, U16, C1, ENGINE "ENGN_oil_press_psi[2]", 55, 16384},
-      {0x09EA, U16, C1, ENGINE "ENGN_oil_press_psi[2]", 230, 65535},
-      {0x39E0, F64, C1, ENGINE "ENGN_oil_press_psi[2]", 10, 1440, 1e-02},
-      {0x08BC, U16, C1, ENGINE "ENGN_EPR", 1.2, 12288},
-      {0x2130, F64, C1, ENGINE "ENGN_EPR[1]", 1.5, 1.5, 2e-05},
-      {0x08BE, S16, C1, ENGINE "ENGN_EGT_c", 860, 16383},
-      {0x3AB0, F64, C1, ENGINE "ENGN_EGT_c[1]", 100, 671.67, 7e-03},
-      {0x2038, F64, C1, ENGINE "ENGN_ITT_c", -273.15, 0, 1e-4},
-      {0x2138, F64, C1, ENGINE "ENGN_ITT_c[1]", 500, 1391.67, 1e-02},
-      {0x08C0, U16, C1, "sim/cockpit2/engine/indicators/MPR_in_hg", 40, 40960},
-      // Standard pressure, 29.92 inches, is 2116.2 pounds per square foot.
-      {0x3728, F64, C1, "sim/cockpit2/engine/indicators/MPR_in_hg[1]", 29.92, 2116.13, 2e-02},
-      {0x0A98, S32, C313, "sim/cockpit2/engine/indicators/oil_quantity_ratio[3]", 0.75, 12288},
-      {0x0970, S32, C13, "sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", 0.5, 6000},
-      {0x0AA0, S32, C1, "sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", 3000, 36000000},
-      {0x0AA4, S32, C313, "sim/cockpit/misc/hydraulic_quantity", 0.5, 8192},
-      {0x0AE8, S32, C1, ENGINE "ENGN_TRQ[3]", -1000, -740},
-      {0x214C, F64, C1, ENGINE "POINT_thrust[1]", 10000, 2248.09, 2e-02},
-      {0x2510, F64, C1, ENGINE "POINT_thrust[1]", 10000, 2250.11, 2e-02},
-      // 40 revolutions a second.
-      {0x2400, F64, C1, ENGINE "POINT_tacrad", 251.32741, 2400, 2e-02},
-      {0x1070A, U16, C1, "sim/cockpit2/engine/indicators/engine_speed_rpm[1]", 2450.5, 2450},
-      {0x09C4, U16, C7, ENGINE "ENGN_running[2]", 1, 1},
-      {0x0A5C, U16, C13, ENGINE "ENGN_running[3]", 1, 1},
-      {0x228C, S32, C13, "sim/cockpit/engine/igniters_on[2]", 1, 1},
-      {0x3594, S32, C13, ACTUATORS "mixture_ratio[1]", 0.01, 1},
-      {0x3594, S32, C13, ACTUATORS "mixture_ratio[1]", 0, 0},
-      {0x0890, U16, C7, ENGINE "ENGN_mixt", 1, 16383},
-      {0x0A58, U16, C7, ENGINE "ENGN_mixt[3]", 1, 16384},
-      {0x0AEC, U16, C313, "sim/aircraft/engine/acf_num_engines", 4, 4},
-      {0x09E2, U16, C59, "sim/cockpit2/ice/ice_inlet_heat_on_per_engine[2]", 1, 1},
-      {0x029C, U8, C31Navigation, "sim/cockpit/switches/pitot_heat_on", 1, 1},
-      {0x6D88, U8, C31, "sim/cockpit2/switches/wiper_speed", 3, 3},
-      {0x0B54, F32, C7, "sim/cockpit2/electrical/APU_N1_percent", 98.5, 98.5, 1e-03},
-      {0x0B58, F32, C7, "sim/cockpit/engine/APU_running", 1, 1, 1e-05},
-      {0x0B18, F64, C157, "sim/cockpit/misc/vacuum", 4.5, 4.5, 5e-05},
-      {0x0318, S32, C1, "sim/cockpit/pressure/cabin_altitude_actual_m_msl", -1200.9, -1200},
-      {0x6DA8, U8, C59, "sim/weather/runway_friction", 2, 2},
-      {0x30C0, F64, C157, "sim/flightmodel/weight/m_total", 1000, 2204.6, 2e-02},
-      {0x126C, S32, C313, "sim/flightmodel/weight/m_fuel_total", 1000, 2204},
-      {0x1334, S32, C313, "sim/aircraft/weight/acf_m_max", 1000, 564377},
-  });
+  // 16384 is 100 %, so 95.5 % is 15646.72 and the rest is cut; 400 % is more than 16 bits hold.
+  CheckReads(ENGINE "ENGN_N1_", C1, {{0x0898, U16, 95.5, 15646}, {0x2000, F64, 95.5, 95.5, 1e-03}});
+  CheckReads(ENGINE "ENGN_N1_[3]", C1, {{0x0A60, U16, 100, 16384}, {0x0A60, U16, -1, 0}});
+  CheckReads(ENGINE "ENGN_N1_[2]", C1,
+             {{0x09C8, U16, 401, 65535}, {0x09C8, U16, NAN, 0}, {0x2200, F64, NAN, 0}});
+  CheckReads(ENGINE "ENGN_N2_[1]", C1, {{0x092E, U16, 50, 8192}, {0x2118, F64, 62.5, 62.5, 6e-04}});
+  // One kilogram a second is 3600 kg an hour, 2.2046 lb each.
+  CheckReads(ENGINE "ENGN_FF_", C1, {{0x08A0, U16, 0.5, 3968}, {0x0918, F64, 0.5, 3968.3, 4e-02}});
+  CheckReads(ENGINE "ENGN_FF_[3]", C1, {{0x0A68, U16, 10, 65535}, {0x2360, F64, 10, 79366, 8e-01}});
+  CheckReads(ENGINE "ENGN_oil_temp_c[1]", C1, {{0x0950, S16, -70, -8192}, {0x0950, S16, 300, 32767}});
+  CheckReads(ENGINE "ENGN_oil_press_psi[2]", C1,
+             {{0x09EA, U16, 55, 16384}, {0x09EA, U16, 230, 65535}, {0x39E0, F64, 10, 1440, 1e-02}});
+  CheckReads(ENGINE "ENGN_EPR", C1, {{0x08BC, U16, 1.2, 12288}});
+  CheckReads(ENGINE "ENGN_EPR[1]", C1, {{0x2130, F64, 1.5, 1.5, 2e-05}});
+  CheckReads(ENGINE "ENGN_EGT_c", C1, {{0x08BE, S16, 860, 16383}});
+  CheckReads(ENGINE "ENGN_EGT_c[1]", C1, {{0x3AB0, F64, 100, 671.67, 7e-03}});
+  CheckReads(ENGINE "ENGN_ITT_c", C1, {{0x2038, F64, -273.15, 0, 1e-4}});
+  CheckReads(ENGINE "ENGN_ITT_c[1]", C1, {{0x2138, F64, 500, 1391.67, 1e-02}});
+  CheckReads("sim/cockpit2/engine/indicators/MPR_in_hg", C1, {{0x08C0, U16, 40, 40960}});
+  // Standard pressure, 29.92 inches, is 2116.2 pounds per square foot.
+  CheckReads("sim/cockpit2/engine/indicators/MPR_in_hg[1]", C1, {{0x3728, F64, 29.92, 2116.13, 2e-02}});
+  CheckReads("sim/cockpit2/engine/indicators/oil_quantity_ratio[3]", C313, {{0x0A98, S32, 0.75, 12288}});
+  CheckReads("sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", C13, {{0x0970, S32, 0.5, 6000}});
+  CheckReads("sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", C1, {{0x0AA0, S32, 3000, 36000000}});
+  CheckReads("sim/cockpit/misc/hydraulic_quantity", C313, {{0x0AA4, S32, 0.5, 8192}});
+  CheckReads(ENGINE "ENGN_TRQ[3]", C1, {{0x0AE8, S32, -1000, -740}});
+  CheckReads(ENGINE "POINT_thrust[1]", C1,
+             {{0x214C, F64, 10000, 2248.09, 2e-02}, {0x2510, F64, 10000, 2250.11, 2e-02}});
+  // 40 revolutions a second.
+  CheckReads(ENGINE "POINT_tacrad", C1, {{0x2400, F64, 251.32741, 2400, 2e-02}});
+  CheckReads("sim/cockpit2/engine/indicators/engine_speed_rpm[1]", C1, {{0x1070A, U16, 2450.5, 2450}});
+  CheckReads(ENGINE "ENGN_running[2]", C7, {{0x09C4, U16, 1, 1}});
+  CheckReads(ENGINE "ENGN_running[3]", C13, {{0x0A5C, U16, 1, 1}});
+  CheckReads("sim/cockpit/engine/igniters_on[2]", C13, {{0x228C, S32, 1, 1}});
+  CheckReads(ACTUATORS "mixture_ratio[1]", C13, {{0x3594, S32, 0.01, 1}, {0x3594, S32, 0, 0}});
+  CheckReads(ENGINE "ENGN_mixt", C7, {{0x0890, U16, 1, 16383}});
+  CheckReads(ENGINE "ENGN_mixt[3]", C7, {{0x0A58, U16, 1, 16384}});
+  CheckReads("sim/aircraft/engine/acf_num_engines", C313, {{0x0AEC, U16, 4, 4}});
+  CheckReads("sim/cockpit2/ice/ice_inlet_heat_on_per_engine[2]", C59, {{0x09E2, U16, 1, 1}});
+  CheckReads("sim/cockpit/switches/pitot_heat_on", C31Navigation, {{0x029C, U8, 1, 1}});
+  CheckReads("sim/cockpit2/switches/wiper_speed", C31, {{0x6D88, U8, 3, 3}});
+  CheckReads("sim/cockpit2/electrical/APU_N1_percent", C7, {{0x0B54, F32, 98.5, 98.5, 1e-03}});
+  CheckReads("sim/cockpit/engine/APU_running", C7, {{0x0B58, F32, 1, 1, 1e-05}});
+  CheckReads("sim/cockpit/misc/vacuum", C157, {{0x0B18, F64, 4.5, 4.5, 5e-05}});
+  CheckReads("sim/cockpit/pressure/cabin_altitude_actual_m_msl", C1, {{0x0318, S32, -1200.9, -1200}});
+  CheckReads("sim/weather/runway_friction", C59, {{0x6DA8, U8, 2, 2}});
+  CheckReads("sim/flightmodel/weight/m_total", C157, {{0x30C0, F64, 1000, 2204.6, 2e-02}});
+  CheckReads("sim/flightmodel/weight/m_fuel_total", C313, {{0x126C, S32, 1000, 2204}});
+  CheckReads("sim/aircraft/weight/acf_m_max", C313, {{0x1334, S32, 1000, 564377}});
 }
 
 TEST_F(EngineRows, SharesOfLimitsSurviveAnAircraftWithoutLimits) {
@@ -123,7 +112,7 @@ TEST_F(EngineRows, SharesOfLimitsSurviveAnAircraftWithoutLimits) {
 TEST_F(EngineRows, TranslatesTheEngineType) {
   const int expected[] = {0, 0, 5, 0, 1, 1, 4, 4, 5, 1};
   for (int type = 0; type < 10; type++)
-    CheckReads({{0x0609, U8, C313, "sim/aircraft/prop/acf_en_type[0]", double(type), double(expected[type])}});
+    CheckReads("sim/aircraft/prop/acf_en_type[0]", C313, {{0x0609, U8, double(type), double(expected[type])}});
 }
 
 // --- Throttles ----------------------------------------------------------------------------------------
@@ -202,7 +191,7 @@ TEST_F(EngineRows, MixtureStandsWhereTheAircraftHasIt) {
   CheckWrites({{0x0928, U16, 16383, ENGINE "ENGN_mixt[1]", 1}});
   Restart("x737");
   CheckWrites({{0x0928, U16, 65535, "x737/cockpit/tq/rightCutoffLeverPos", 1}});
-  CheckReads({{0x0928, U16, C7, "x737/cockpit/tq/rightCutoffLeverPos", 0.5, 8191}});
+  CheckReads("x737/cockpit/tq/rightCutoffLeverPos", C7, {{0x0928, U16, 0.5, 8191}});
   Restart("b738-extended");
   CheckWrites({{0x0928, U16, 0, "laminar/B738/engine/mixture_ratio2", 0}});
 }

@@ -32,83 +32,67 @@ using FlightRows = Harness;
 // --- Readers ----------------------------------------------------------------------------------------
 
 TEST_F(FlightRows, ReadsSimpleValues) {
-  CheckReads({
-      {0x0238, U8, C13, "sim/time/local_time_sec", 45296.9, 12},
-      {0x0239, U8, C13, "sim/time/local_time_sec", 45296.9, 34},
-      {0x023A, U8, C13, "sim/time/local_time_sec", 45296.9, 56},
-      {0x0238, U8, C13, "sim/time/local_time_sec", nan, 0},
-      {0x023B, U8, C31Navigation, "sim/time/zulu_time_sec", 86399, 23},
-      {0x023C, U8, C31Navigation, "sim/time/zulu_time_sec", 86399, 59},
-      {0x023E, U16, C313, "sim/time/local_date_days", 0, 1},
-      {0x0248, U16, C313, "sim/time/local_date_days", 58, 0},
-      {0x0248, U16, C313, "sim/time/local_date_days", 59, 1},
-      {0x0248, U16, C313, "sim/time/local_date_days", 151, 2},
-      {0x0248, U16, C313, "sim/time/local_date_days", 242, 2},
-      {0x0248, U16, C313, "sim/time/local_date_days", 243, 3},
-      {0x0248, U16, C313, "sim/time/local_date_days", 334, 0},
-      {0x0274, U16, C31Navigation, "sim/operation/misc/frame_rate_period", 0.02, 655},
-      {0x0274, U16, C31Navigation, "sim/operation/misc/frame_rate_period", 3, 65535},
-      {0x0C1A, U16, C31, "sim/time/sim_speed", 2, 512},
-      {0x0578, S32, C1, POSITION "theta", 90, -quarterTurn},
-      {0x0578, S32, C1, POSITION "theta", nan, 0},
-      {0x2F70, F64, C1, POSITION "theta", 12.5, -12.5},
-      {0x057C, S32, C1, POSITION "phi", -45, quarterTurn / 2},
-      {0x057C, S32, C1, POSITION "phi", -180, 2147483647},  // one step short of half a turn
-      {0x2F78, F64, C1, POSITION "phi", -30, 30},
-      {0x0580, U32, C1, POSITION "psi", 90, quarterTurn},
-      {0x0580, U32, C1, POSITION "psi", -90, 3 * quarterTurn},
-      {0x0580, U32, C1, POSITION "psi", 360, 0},
-      {0x02A0, S16, C313, POSITION "magnetic_variation", 90, -16384},
-      {0x31E4, S32, C1, POSITION "y_agl", 100, 6553600},
-      {0x31E4, S32, C1, POSITION "y_agl", 40000, 2147483647},
-      {0x02B8, S32, C1, POSITION "true_airspeed", 51.44444, 12800, 1},
-      {0x02BC, S32, C1, POSITION "indicated_airspeed", 100, 12800},
-      {0x02BC, S32, C1, POSITION "indicated_airspeed", nan, 0},
-      {0x02C8, S32, C1, POSITION "vh_ind", -5, -1280},
-      {0x0842, S16, C1, POSITION "vh_ind", -5, 300},
-      {0x0842, S16, C1, POSITION "vh_ind", 600, -32768},
-      {0x31A0, F64, C1, POSITION "vh_ind_fpm", 600, 10, 1e-9},
-      {0x11C6, U16, C1, "sim/flightmodel/misc/machno", 0.75, 15360},
-      {0x11C6, U16, C1, "sim/flightmodel/misc/machno", -1, 0},
-      {0x036E, S8, C1, "sim/flightmodel/misc/slip", 1, -30},
-      {0x036E, S8, C1, "sim/flightmodel/misc/slip", 10, -128},
-      {0x037C, S16, C1, "sim/cockpit2/gauges/indicators/turn_rate_heading_deg_pilot", -20, -512},
-      {0x02B4, S32, C3, POSITION "groundspeed", 10, 655360},
-      {0x6030, F64, C3, POSITION "groundspeed", 10, 10},
-      {0x0366, U16, C3, "sim/flightmodel/failures/onground_any", 3, 1},
-      {0x3068, F64, C1, "sim/flightmodel/forces/g_nrml", 1, -32.1726, 1e-9},
-      {0x3090, F64, C1, "sim/flightmodel/forces/vz_acf_axis", -30.48, 100, 1e-5},
-      {0x30A8, F64, C1, POSITION "Qrad", 0.25, 0.25},
-      {0x31A8, F64, C1, POSITION "Qrad", 0.25, 0.25},
-      {0x2ED0, F64, C1, POSITION "alpha", 180, pi, 1e-9},
-      {0x11BE, U16, C1, POSITION "alpha", 100, 0},
-      {0x11BE, U16, C1, POSITION "alpha", 0, 32767},
-      {0x11BE, U16, C1, POSITION "alpha", -200, 65535},
-      {0x11BA, S16, C3, POSITION "local_ay", 9.81, 1250, 1},
-      {0x11BA, S16, C3, POSITION "local_ay", -9.81, 0, 1},
-      {0x07CC, U16, C7, AUTOPILOT "heading_mag", 270, 49152},
-      {0x07CC, U16, C7, AUTOPILOT "heading_mag", 360, 0},
-      {0x07CC, U16, C7, AUTOPILOT "heading_mag", -90, 49152},
-      {0x07D4, S32, C7, AUTOPILOT "altitude", 10000, 3048 * 65536.0},
-      {0x07F2, S16, C7, AUTOPILOT "vertical_velocity", -1800, -1800},
-      {0x0BB4, S16, C1, CONTROLS "hstab1_elv1def", 15, -16363},
-      {0x0BB8, S16, C1, CONTROLS "lail1def", 30, -16383},
-      {0x2EA8, F64, C1, CONTROLS "lail1def", 18, -pi, 1e-9},
-      {0x0BBC, S16, C1, CONTROLS "ldruddef", -30, -16383},
-      {0x2EA0, F64, C13, CONTROLS "elv_trim", 1, 10 * pi / 180, 1e-9},
-      {0x0BD4, U32, C13, CONTROLS "sbrkrat", -0.5, 0},
-      {0x0BD8, U32, C13, CONTROLS "sbrkrat", 1, 16383},
-      {0x30F4, S16, C7, CONTROLS "wing1r_fla1def", 40, 10240},
-      {0x0BE8, U32, C3, "sim/cockpit/switches/gear_handle_status", 1, 16383},
-      {0x0BF0, U32, C3, "sim/aircraft/parts/acf_gear_deploy[2]", 0.5, 8191},
-      {0x0BF4, U32, C3, "sim/aircraft/parts/acf_gear_deploy[1]", 0.25, 4095},
-      {0x6D8A, S16, C3, "sim/flightmodel/parts/tire_steer_act", -12.5, -1250},
-      {0x0BCA, U16, C3, CONTROLS "r_brake_add", 0.25, 16383},
-      {0x0BC8, U16, C3, CONTROLS "parkbrake", 1, 32767},
-      {0x0BC4, S16, C3, CONTROLS "parkbrake", 1, 16383},
-      {0x3416, S16, C3, CONTROLS "l_brake_add", 0.5, 8191},
-      {0x2F80, U8, C31, "sim/cockpit/switches/auto_brake_settings", 4, 4},
-  });
+  CheckReads(
+      "sim/time/local_time_sec", C13,
+      {{0x0238, U8, 45296.9, 12}, {0x0239, U8, 45296.9, 34}, {0x023A, U8, 45296.9, 56}, {0x0238, U8, nan, 0}});
+  CheckReads("sim/time/zulu_time_sec", C31Navigation, {{0x023B, U8, 86399, 23}, {0x023C, U8, 86399, 59}});
+  CheckReads("sim/time/local_date_days", C313,
+             {{0x023E, U16, 0, 1},
+              {0x0248, U16, 58, 0},
+              {0x0248, U16, 59, 1},
+              {0x0248, U16, 151, 2},
+              {0x0248, U16, 242, 2},
+              {0x0248, U16, 243, 3},
+              {0x0248, U16, 334, 0}});
+  CheckReads("sim/operation/misc/frame_rate_period", C31Navigation,
+             {{0x0274, U16, 0.02, 655}, {0x0274, U16, 3, 65535}});
+  CheckReads("sim/time/sim_speed", C31, {{0x0C1A, U16, 2, 512}});
+  CheckReads(POSITION "theta", C1,
+             {{0x0578, S32, 90, -quarterTurn}, {0x0578, S32, nan, 0}, {0x2F70, F64, 12.5, -12.5}});
+  // The second one is a step short of half a turn.
+  CheckReads(POSITION "phi", C1,
+             {{0x057C, S32, -45, quarterTurn / 2}, {0x057C, S32, -180, 2147483647}, {0x2F78, F64, -30, 30}});
+  CheckReads(POSITION "psi", C1,
+             {{0x0580, U32, 90, quarterTurn}, {0x0580, U32, -90, 3 * quarterTurn}, {0x0580, U32, 360, 0}});
+  CheckReads(POSITION "magnetic_variation", C313, {{0x02A0, S16, 90, -16384}});
+  CheckReads(POSITION "y_agl", C1, {{0x31E4, S32, 100, 6553600}, {0x31E4, S32, 40000, 2147483647}});
+  CheckReads(POSITION "true_airspeed", C1, {{0x02B8, S32, 51.44444, 12800, 1}});
+  CheckReads(POSITION "indicated_airspeed", C1, {{0x02BC, S32, 100, 12800}, {0x02BC, S32, nan, 0}});
+  CheckReads(POSITION "vh_ind", C1,
+             {{0x02C8, S32, -5, -1280}, {0x0842, S16, -5, 300}, {0x0842, S16, 600, -32768}});
+  CheckReads(POSITION "vh_ind_fpm", C1, {{0x31A0, F64, 600, 10, 1e-9}});
+  CheckReads("sim/flightmodel/misc/machno", C1, {{0x11C6, U16, 0.75, 15360}, {0x11C6, U16, -1, 0}});
+  CheckReads("sim/flightmodel/misc/slip", C1, {{0x036E, S8, 1, -30}, {0x036E, S8, 10, -128}});
+  CheckReads("sim/cockpit2/gauges/indicators/turn_rate_heading_deg_pilot", C1, {{0x037C, S16, -20, -512}});
+  CheckReads(POSITION "groundspeed", C3, {{0x02B4, S32, 10, 655360}, {0x6030, F64, 10, 10}});
+  CheckReads("sim/flightmodel/failures/onground_any", C3, {{0x0366, U16, 3, 1}});
+  CheckReads("sim/flightmodel/forces/g_nrml", C1, {{0x3068, F64, 1, -32.1726, 1e-9}});
+  CheckReads("sim/flightmodel/forces/vz_acf_axis", C1, {{0x3090, F64, -30.48, 100, 1e-5}});
+  CheckReads(POSITION "Qrad", C1, {{0x30A8, F64, 0.25, 0.25}, {0x31A8, F64, 0.25, 0.25}});
+  CheckReads(POSITION "alpha", C1,
+             {{0x2ED0, F64, 180, pi, 1e-9},
+              {0x11BE, U16, 100, 0},
+              {0x11BE, U16, 0, 32767},
+              {0x11BE, U16, -200, 65535}});
+  CheckReads(POSITION "local_ay", C3, {{0x11BA, S16, 9.81, 1250, 1}, {0x11BA, S16, -9.81, 0, 1}});
+  CheckReads(AUTOPILOT "heading_mag", C7,
+             {{0x07CC, U16, 270, 49152}, {0x07CC, U16, 360, 0}, {0x07CC, U16, -90, 49152}});
+  CheckReads(AUTOPILOT "altitude", C7, {{0x07D4, S32, 10000, 3048 * 65536.0}});
+  CheckReads(AUTOPILOT "vertical_velocity", C7, {{0x07F2, S16, -1800, -1800}});
+  CheckReads(CONTROLS "hstab1_elv1def", C1, {{0x0BB4, S16, 15, -16363}});
+  CheckReads(CONTROLS "lail1def", C1, {{0x0BB8, S16, 30, -16383}, {0x2EA8, F64, 18, -pi, 1e-9}});
+  CheckReads(CONTROLS "ldruddef", C1, {{0x0BBC, S16, -30, -16383}});
+  CheckReads(CONTROLS "elv_trim", C13, {{0x2EA0, F64, 1, 10 * pi / 180, 1e-9}});
+  CheckReads(CONTROLS "sbrkrat", C13, {{0x0BD4, U32, -0.5, 0}, {0x0BD8, U32, 1, 16383}});
+  CheckReads(CONTROLS "wing1r_fla1def", C7, {{0x30F4, S16, 40, 10240}});
+  CheckReads("sim/cockpit/switches/gear_handle_status", C3, {{0x0BE8, U32, 1, 16383}});
+  CheckReads("sim/aircraft/parts/acf_gear_deploy[2]", C3, {{0x0BF0, U32, 0.5, 8191}});
+  CheckReads("sim/aircraft/parts/acf_gear_deploy[1]", C3, {{0x0BF4, U32, 0.25, 4095}});
+  CheckReads("sim/flightmodel/parts/tire_steer_act", C3, {{0x6D8A, S16, -12.5, -1250}});
+  CheckReads(CONTROLS "r_brake_add", C3, {{0x0BCA, U16, 0.25, 16383}});
+  CheckReads(CONTROLS "parkbrake", C3, {{0x0BC8, U16, 1, 32767}, {0x0BC4, S16, 1, 16383}});
+  CheckReads(CONTROLS "l_brake_add", C3, {{0x3416, S16, 0.5, 8191}});
+  CheckReads("sim/cockpit/switches/auto_brake_settings", C31, {{0x2F80, U8, 4, 4}});
 
   Set("sim/time/local_time_sec", 45296);
   Refresh(C13);
@@ -162,9 +146,9 @@ TEST_F(FlightRows, ReadsDerivedValues) {
   Refresh(C1);
   ExpectShown({{0x030C, S32, -512}, {0x02C8, S32, 0}});
 
-  CheckReads({{0x3324, S32, C1, "sim/cockpit2/gauges/indicators/altitude_ft_pilot", 5000, 5000}});
+  CheckReads("sim/cockpit2/gauges/indicators/altitude_ft_pilot", C1, {{0x3324, S32, 5000, 5000}});
   Write<uint16_t>(0x0C18, 2);
-  CheckReads({{0x3324, S32, C1, "sim/cockpit2/gauges/indicators/altitude_ft_pilot", 5000, 1524}});
+  CheckReads("sim/cockpit2/gauges/indicators/altitude_ft_pilot", C1, {{0x3324, S32, 5000, 1524}});
 
   const uint16_t runs = Read<uint16_t>(0x337E);
   Refresh(C1);
@@ -172,11 +156,9 @@ TEST_F(FlightRows, ReadsDerivedValues) {
 
   // Mach 0.5 (170 m/s) and knots are two forms of one selection; with no air there is no Mach number.
   SetAll({{"sim/weather/speed_sound_ms", 340}, {"sim/weather/sigma", 1}, {AUTOPILOT "airspeed_is_mach", 1}});
-  CheckReads(
-      {{0x07E2, U16, C7, AUTOPILOT "airspeed", 0.5, 330}, {0x07E8, S32, C7, AUTOPILOT "airspeed", 0.5, 32768}});
+  CheckReads(AUTOPILOT "airspeed", C7, {{0x07E2, U16, 0.5, 330}, {0x07E8, S32, 0.5, 32768}});
   SetAll({{"sim/weather/sigma", 0}, {AUTOPILOT "airspeed_is_mach", 0}});
-  CheckReads(
-      {{0x07E2, U16, C7, AUTOPILOT "airspeed", 250, 250}, {0x07E8, S32, C7, AUTOPILOT "airspeed", 250, 0}});
+  CheckReads(AUTOPILOT "airspeed", C7, {{0x07E2, U16, 250, 250}, {0x07E8, S32, 250, 0}});
 }
 
 // --- Writers ----------------------------------------------------------------------------------------
@@ -443,21 +425,19 @@ TEST_F(FlightRows, OverridesThatAreNotOursStay) {
 
 TEST_F(FlightRows, ExtendedBoeingUsesItsOwnPanel) {
   Restart("b738-extended");
-  CheckReads({
-      {0x07C4, U32, C7, LAMINAR "autopilot/vorloc_status", 1, 1},
-      {0x07DC, U32, C7, LAMINAR "autopilot/vnav_status1", 1, 1},
-      {0x07DC, U32, C7, LAMINAR "autopilot/vnav_status1", 0.4, 0},
-      {0x0808, U32, C31, LAMINAR "annunciator/yaw_damp", 0, 1},  // the light says off
-      {0x0808, U32, C31, LAMINAR "annunciator/yaw_damp", 1, 0},
-      {0x0BC8, U16, C3, LAMINAR "annunciator/parking_brake", 0.3, 32767},
-      {0x0BC4, S16, C3, LAMINAR "annunciator/parking_brake", 0.6, 16383},
-      {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.07, 0},
-      {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 4800},
-      {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.2, 4800},
-      {0x0BD0, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 1, 16383},
-      {0x0BCC, U32, C13, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 1},
-      {0x0BE8, U32, C3, LAMINAR "controls/gear_handle_down", 0.4, 0},
-  });
+  CheckReads(LAMINAR "autopilot/vorloc_status", C7, {{0x07C4, U32, 1, 1}});
+  CheckReads(LAMINAR "autopilot/vnav_status1", C7, {{0x07DC, U32, 1, 1}, {0x07DC, U32, 0.4, 0}});
+  CheckReads(LAMINAR "annunciator/yaw_damp", C31, {{0x0808, U32, 0, 1}});
+  // the light says off
+  CheckReads(LAMINAR "annunciator/yaw_damp", C31, {{0x0808, U32, 1, 0}});
+  CheckReads(LAMINAR "annunciator/parking_brake", C3, {{0x0BC8, U16, 0.3, 32767}, {0x0BC4, S16, 0.6, 16383}});
+  CheckReads(LAMINAR "flt_ctrls/speedbrake_lever", C13,
+             {{0x0BD0, U32, 0.07, 0},
+              {0x0BD0, U32, 0.0889, 4800},
+              {0x0BD0, U32, 0.2, 4800},
+              {0x0BD0, U32, 1, 16383},
+              {0x0BCC, U32, 0.0889, 1}});
+  CheckReads(LAMINAR "controls/gear_handle_down", C3, {{0x0BE8, U32, 0.4, 0}});
   CheckWrites({
       {0x0BD0, U32, 5000, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 1e-6},
       {0x0BD0, U32, 16384, LAMINAR "flt_ctrls/speedbrake_lever", 1},
@@ -476,16 +456,12 @@ TEST_F(FlightRows, ExtendedBoeingUsesItsOwnPanel) {
 
 TEST_F(FlightRows, X737UsesItsOwnPanel) {
   Restart("x737");
-  CheckReads({
-      {0x07BC, U32, C13, PANEL "afds/CMD_B", 1, 1},
-      {0x07EC, U32, C7, PANEL "afds/VS_arm", 1, 1},
-      {0x07CC, U16, C7, PANEL "afds/HDG_magnhdg", 90, 16384},
-      {0x0BD0, U32, C13, PANEL "speedbrake/spdbrkLeverPos", 0.1, 0},
-      {0x0BD0, U32, C13, PANEL "speedbrake/spdbrkLeverPos", 0.12, 4800},
-      {0x0BD0, U32, C13, PANEL "speedbrake/spdbrkLeverPos", 0.5, 8191},
-      {0x0BC0, S16, C3, CONTROLS "elv_trim", -1, -6230},
-      {0x0BC2, S16, C3, CONTROLS "elv_trim", 1, 16270},
-  });
+  CheckReads(PANEL "afds/CMD_B", C13, {{0x07BC, U32, 1, 1}});
+  CheckReads(PANEL "afds/VS_arm", C7, {{0x07EC, U32, 1, 1}});
+  CheckReads(PANEL "afds/HDG_magnhdg", C7, {{0x07CC, U16, 90, 16384}});
+  CheckReads(PANEL "speedbrake/spdbrkLeverPos", C13,
+             {{0x0BD0, U32, 0.1, 0}, {0x0BD0, U32, 0.12, 4800}, {0x0BD0, U32, 0.5, 8191}});
+  CheckReads(CONTROLS "elv_trim", C3, {{0x0BC0, S16, -1, -6230}, {0x0BC2, S16, 1, 16270}});
   CheckWrites({
       {0x07C8, U32, 3, PANEL "afds/HDG", 1},
       {0x07BC, U32, 1, PANEL "afds/CMD_A", 1},

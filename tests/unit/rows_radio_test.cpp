@@ -518,41 +518,36 @@ TEST_F(RadioRows, SituationFiles) {
 TEST_F(RadioRows, SituationFilesStayBelowTheSimulatorsFolder) {
   const std::string folder = testing::TempDir() + "tavrix_situations/";
   ASSERT_EQ(OpenLogs(folder.c_str(), nullptr), 1);
-  struct Case {
-    std::string name;
-    bool taken;
-  };
-  const Case cases[] = {{"Output/situations/one.sit", true},
-                        {"Output\\situations\\two.sit", true},
-                        {".smo", true},
-                        {"a.b.sit", true},
-                        {"caf\xC3\xA9.sit", true},
-                        {"/etc/x.sit", false},
-                        {"\\Windows\\x.sit", false},
-                        {"\\\\host\\share\\x.sit", false},
-                        {"C:\\x.sit", false},
-                        {"C:x.sit", false},
-                        {"x.sit:stream.sit", false},
-                        {"../x.sit", false},
-                        {"Output/../../x.sit", false},
-                        {"Output\\..\\x.smo", false},
-                        {"..sit", false},
-                        {"x.SIT", false},
-                        {"x.sit ", false},
-                        {"x.sit.", false},
-                        {"x.sit.txt", false},
-                        {"x.smo/y", false},
-                        {"x\n.sit", false},
-                        {"x\x1B[2J.smo", false},
-                        {"x\x7F.sit", false},
-                        {"", false}};
-  for (const Case& c : cases) {
+  const char* const taken[] = {"Output/situations/one.sit", "Output\\situations\\two.sit", ".smo", "a.b.sit",
+                               "caf\xC3\xA9.sit"};
+  const char* const refused[] = {"/etc/x.sit",
+                                 "\\Windows\\x.sit",
+                                 "\\\\host\\share\\x.sit",
+                                 "C:\\x.sit",
+                                 "C:x.sit",
+                                 "x.sit:stream.sit",
+                                 "../x.sit",
+                                 "Output/../../x.sit",
+                                 "Output\\..\\x.smo",
+                                 "..sit",
+                                 "x.SIT",
+                                 "x.sit ",
+                                 "x.sit.",
+                                 "x.sit.txt",
+                                 "x.smo/y",
+                                 "x\n.sit",
+                                 "x\x1B[2J.smo",
+                                 "x\x7F.sit",
+                                 ""};
+  const auto check = [](const std::string& name, bool isTaken) {
     for (const uint16_t command : {uint16_t{0}, uint16_t{1}}) {
-      rows::WriteBytes(0x3F04, c.name.c_str(), static_cast<uint32_t>(c.name.size() + 1));
+      rows::WriteBytes(0x3F04, name.c_str(), static_cast<uint32_t>(name.size() + 1));
       WriteAndRun<uint16_t>(0x3F00, command);
-      EXPECT_EQ(!rows::Calls().empty(), c.taken) << EscapedForLog(c.name) << ' ' << command;
+      EXPECT_EQ(!rows::Calls().empty(), isTaken) << EscapedForLog(name) << ' ' << command;
     }
-  }
+  };
+  for (const char* name : taken) check(name, true);
+  for (const char* name : refused) check(name, false);
   const auto log = [&] { return tools::ReadFile(folder + "TAVRIX.txt"); };
   // Dozens of refusals within moments: one line at most (another one where this took longer than a second).
   const std::string lines = log();
