@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "bridge/cycles.h"
 #include "bridge/registry.h"
 #include "net/frame.h"
 #include "net/server.h"
@@ -21,7 +22,7 @@ void Prepare() {
   static const int ready = [] {
     CreateLocks();
     InitMemoryBlocks();
-    ResetDispatchTable();
+    BuildCycles();
     AddDispatchEntry(0x0BC8, 2, DispatchAction::Stage);
     AddDispatchEntry(0x3F00, 250, DispatchAction::StageText);
     return 1;

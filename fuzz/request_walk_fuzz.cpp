@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "bridge/cycles.h"
 #include "base/bytes.h"
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
@@ -53,7 +54,7 @@ void Prepare() {
   static const int ready = [] {
     CreateLocks();
     InitMemoryBlocks();
-    ResetDispatchTable();
+    BuildCycles();
     AddDispatchEntry(0x0BC8, 2, DispatchAction::Stage);
     std::fill(VariablesAccessMemBlock + readOnlyFirst, VariablesAccessMemBlock + readOnlyLast + 1,
               accessReadOnly);

@@ -101,10 +101,12 @@ struct OffsetRow {
   Source source = {};         // the dataref that is read
   double factor = 1;          // stored = trunc(value x factor + add), saturated, NaN as 0
   double add = 0;
-  Convert convert = nullptr;               // instead of factor and add
-  ReadRow read = nullptr;                  // instead of `source`
-  ReadRowText readText = nullptr;          // Stored::Text
-  Prepare prepare = nullptr;               // the snapshot that `read` looks at
+  Convert convert = nullptr;       // instead of factor and add
+  ReadRow read = nullptr;          // instead of `source`
+  ReadRowText readText = nullptr;  // Stored::Text
+  // Instead of `source`: a number of the snapshot that `prepare` takes; converted like a source's.
+  const double* prepared = nullptr;
+  Prepare prepare = nullptr;               // the snapshot that the row looks at
   std::span<const Variant> variants = {};  // how each aircraft shows and takes the value
 
   WriteRule write = {};

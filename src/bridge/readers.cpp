@@ -6,8 +6,10 @@
 // rows is laid out for these passes beforehand.
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 #include <vector>
 
+#include "base/bytes.h"
 #include "bridge/cycles.h"
 #include "bridge/encode.h"
 #include "bridge/reader_groups.h"
@@ -27,23 +29,28 @@ struct Fetch {
   Accessor accessor;
 };
 
+// How a number lies in memory: computed, or kept of a dataref as the simulator gave it.
+enum class Form : uint8_t { Number, Single, Whole };
+
 // The number of a row with a function: its own reading, or a conversion that is more than a factor.
 struct Derivation {
   ReadRow read;  // null: `convert`
   Convert convert;
   const OffsetRow* row;
-  const double* from;  // number that is converted
+  const void* from;  // number that is converted
+  Form form;
   uint32_t group;
   uint32_t bit;  // of its place, in the group's `left`
 };
 
-// stored = encoded (number x factor + add)
-struct Item {
-  double factor, add;
-  const double* number;
+// Items in a row whose numbers have one form.
+struct FormRun {
+  Form form;
+  size_t count;
 };
 
-using Encode = void (*)(const Item* item, size_t count, uint8_t* bytes);
+// Converts numbers that lie in a row into stored bytes.
+using Encode = void (*)(const double* values, size_t count, uint8_t* bytes);
 // Items of one type that stand together.
 struct Segment {
   Encode encode;
@@ -83,12 +90,17 @@ struct Reader {
   std::vector<Fetch> fetches;     // by accessor, so many of the common kinds:
   size_t floatArrays, floats, ints;
   std::vector<Derivation> derivations;
-  std::vector<Item> items;  // by type
+  // Items, by type and form: stored = encoded (number x factor + add)
+  std::vector<const void*> numbers;
+  std::vector<double> factors, adds;
+  std::vector<FormRun> runs;
   std::vector<Segment> segments;
   std::vector<Group> groups;
   std::vector<Place> places;  // group by group
-  // Of the run: what functions made of what the simulator gave, and all that is to be stored.
+  // Of the run: what functions made of what the simulator gave, the items' numbers, and all that is to be
+  // stored.
   std::vector<double> derived;
+  std::vector<double> values;
   std::vector<uint8_t> bytes;
 };
 
@@ -97,8 +109,9 @@ Reader readers[cycleCount];
 // --- Building -----------------------------------------------------------------------------------------
 
 bool HasReader(const OffsetRow& row) {
-  return row.cycle != Cycle::None && (row.read != nullptr || row.readText != nullptr ||
-                                      ActiveSource(row).ref != nullptr || !row.variants.empty());
+  return row.cycle != Cycle::None &&
+         (row.read != nullptr || row.readText != nullptr || row.prepared != nullptr ||
+          ActiveSource(row).ref != nullptr || !row.variants.empty());
 }
 
 // In a group the wide values are stored first: a row that lies within an earlier, wider one still ends up
@@ -169,11 +182,17 @@ void TakeRows(Cycle cycle, Reader* reader) {
   FormGroups(pieces);
 }
 
+double NumberAt(const void* number, Form form) {
+  return form == Form::Number   ? *static_cast<const double*>(number)
+         : form == Form::Single ? static_cast<double>(*static_cast<const float*>(number))
+                                : *static_cast<const int*>(number);
+}
+
+// Simple loops over numbers in a row: the compiler makes them work on several at a time.
 template <Stored type, typename T>
-void EncodeAs(const Item* item, size_t count, uint8_t* bytes) {
+void EncodeAs(const double* values, size_t count, uint8_t* bytes) {
   for (size_t i = 0; i < count; i++) {
-    const auto word = static_cast<T>(EncodedWord(type, *item[i].number * item[i].factor + item[i].add));
-    std::memcpy(bytes + i * sizeof word, &word, sizeof word);
+    StoreTo(bytes + i * sizeof(T), static_cast<T>(EncodedWord(type, values[i])));
   }
 }
 
@@ -203,7 +222,22 @@ Encode EncoderOf(Stored type) {
 }
 
 bool IsFetched(const OffsetRow* row) {
-  return row->read == nullptr && ActiveVariant(*row).read == nullptr && HandleOf(ActiveSource(*row)) != nullptr;
+  return row->read == nullptr && row->prepared == nullptr && ActiveVariant(*row).read == nullptr &&
+         HandleOf(ActiveSource(*row)) != nullptr;
+}
+
+Form FormOf(const OffsetRow* row) {
+  if (!IsFetched(row)) return Form::Number;
+  switch (ActiveSource(*row).accessor) {
+    case Accessor::Float:
+    case Accessor::FloatArray:
+      return Form::Single;
+    case Accessor::Int:
+    case Accessor::IntArray:
+      return Form::Whole;
+    default:
+      return Form::Number;
+  }
 }
 
 // Each snapshot that a row of the cycle looks at, once.
@@ -241,16 +275,45 @@ void LayOutFetches(Reader* reader) {
   });
 }
 
-// Where a row's number lies once the fetches are done.
-const double* NumberOf(const OffsetRow* row) {
+// Where a row's number lies once the fetches are done, and in which form.
+const void* NumberOf(const OffsetRow* row) {
+  if (row->prepared != nullptr) return row->prepared;
   if (!IsFetched(row)) return &nothing;
   const Source source = ActiveSource(*row);
-  return &source.ref->values[source.element];
+  const KeptValue& kept = source.ref->kept;
+  switch (FormOf(row)) {
+    case Form::Single:
+      return &kept.floats[std::min(source.element, keptElements - 1)];
+    case Form::Whole:
+      return &kept.ints[std::min(source.element, keptElements - 1)];
+    case Form::Number:
+      break;
+  }
+  return &kept.number;
+}
+
+// Far elements of an array, which are not kept, are read one by one.
+bool ReadFarElement(const OffsetRow& row, double* value) {
+  const double number = ReadSource(ActiveSource(row));
+  *value = row.convert != nullptr ? row.convert(number) : number * row.factor + row.add;
+  return true;
+}
+
+ReadRow ReadOf(const OffsetRow* row) {
+  if (row->read != nullptr) return row->read;
+  if (ActiveVariant(*row).read != nullptr) return ActiveVariant(*row).read;
+  return IsFetched(row) && ActiveSource(*row).element >= keptElements ? ReadFarElement : nullptr;
+}
+
+// The form in which a row's number is encoded: those with a function have computed one.
+Form EncodedForm(const OffsetRow* row) {
+  return ReadOf(row) != nullptr || row->convert != nullptr ? Form::Number : FormOf(row);
 }
 
 // Wide types first, which aligns all of them.
 bool ComesBefore(const OffsetRow* a, const OffsetRow* b) {
-  return StoredWidth(*a) != StoredWidth(*b) ? StoredWidth(*a) > StoredWidth(*b) : a->type < b->type;
+  return std::tuple(-static_cast<int>(StoredWidth(*a)), a->type, EncodedForm(a)) <
+         std::tuple(-static_cast<int>(StoredWidth(*b)), b->type, EncodedForm(b));
 }
 
 void LayOutItems(Reader* reader) {
@@ -258,14 +321,23 @@ void LayOutItems(Reader* reader) {
   for (Laid& laid : reader->rows) sorted.push_back(&laid);
   std::stable_sort(sorted.begin(), sorted.end(),
                    [](const Laid* a, const Laid* b) { return ComesBefore(a->row, b->row); });
-  reader->items.clear();
+  reader->numbers.clear();
+  reader->factors.clear();
+  reader->adds.clear();
+  reader->runs.clear();
   reader->segments.clear();
   size_t from = 0;
   for (Laid* laid : sorted) {
     const OffsetRow& row = *laid->row;
-    laid->item = reader->items.size();
+    laid->item = reader->numbers.size();
     laid->from = from;
-    reader->items.push_back({row.factor, row.add, NumberOf(&row)});
+    reader->numbers.push_back(NumberOf(&row));
+    reader->factors.push_back(row.factor);
+    reader->adds.push_back(row.add);
+    if (reader->runs.empty() || reader->runs.back().form != EncodedForm(&row)) {
+      reader->runs.push_back({EncodedForm(&row), 0});
+    }
+    reader->runs.back().count++;
     const Encode encode = EncoderOf(row.type);
     if (reader->segments.empty() || reader->segments.back().encode != encode) {
       reader->segments.push_back({encode, 0, 0});
@@ -274,6 +346,7 @@ void LayOutItems(Reader* reader) {
     reader->segments.back().bytes += StoredWidth(row);
     from += StoredWidth(row);
   }
+  reader->values.assign(sorted.size(), 0);
   reader->bytes.assign(from, 0);
 }
 
@@ -297,19 +370,6 @@ void LayOutPlaces(Reader* reader) {
   }
 }
 
-// Far elements of an array, which are not kept, are read one by one.
-bool ReadFarElement(const OffsetRow& row, double* value) {
-  const double number = ReadSource(ActiveSource(row));
-  *value = row.convert != nullptr ? row.convert(number) : number * row.factor + row.add;
-  return true;
-}
-
-ReadRow ReadOf(const OffsetRow* row) {
-  if (row->read != nullptr) return row->read;
-  if (ActiveVariant(*row).read != nullptr) return ActiveVariant(*row).read;
-  return IsFetched(row) && ActiveSource(*row).element >= keptElements ? ReadFarElement : nullptr;
-}
-
 void LayOutDerivations(Reader* reader) {
   reader->derivations.clear();
   const auto isDerived = [](const Laid& laid) {
@@ -320,11 +380,12 @@ void LayOutDerivations(Reader* reader) {
   const double* number = reader->derived.data();
   for (const Laid& laid : reader->rows) {
     if (!isDerived(laid)) continue;
-    Item& item = reader->items[laid.item];
-    reader->derivations.push_back({ReadOf(laid.row), laid.row->convert, laid.row, item.number,
-                                   static_cast<uint32_t>(laid.group), 1U << laid.place});
+    reader->derivations.push_back({ReadOf(laid.row), laid.row->convert, laid.row, reader->numbers[laid.item],
+                                   FormOf(laid.row), static_cast<uint32_t>(laid.group), 1U << laid.place});
     // Times 1 plus -0 leaves every number as it is, -0 too.
-    item = {1, -0.0, number++};
+    reader->numbers[laid.item] = number++;
+    reader->factors[laid.item] = 1;
+    reader->adds[laid.item] = -0.0;
   }
 }
 
@@ -335,27 +396,17 @@ void FetchNumbers(const Reader& reader) {
   const uint32_t frame = keptFrame;
   const Fetch* fetch = reader.fetches.data();
   const Fetch* const end = fetch + reader.fetches.size();
-  fetch += reader.floatArrays;  // they come last: see below
+  for (const Fetch* last = fetch + reader.floatArrays; fetch != last; fetch++) {
+    if (fetch->ref->frame != frame) KeepFloats(*fetch->ref);
+  }
   for (const Fetch* last = fetch + reader.floats; fetch != last; fetch++) {
-    DataRef& ref = *fetch->ref;
-    if (ref.frame == frame) continue;
-    ref.frame = frame;
-    ref.keptAs = Accessor::Float;
-    ref.values[0] = static_cast<double>(XPLMGetDataf(ref.handle));
+    if (fetch->ref->frame != frame) KeepFloat(*fetch->ref);
   }
   for (const Fetch* last = fetch + reader.ints; fetch != last; fetch++) {
-    DataRef& ref = *fetch->ref;
-    if (ref.frame == frame) continue;
-    ref.frame = frame;
-    ref.keptAs = Accessor::Int;
-    ref.values[0] = XPLMGetDatai(ref.handle);
+    if (fetch->ref->frame != frame) KeepInt(*fetch->ref);
   }
   for (; fetch != end; fetch++) {
     if (fetch->ref->frame != frame) Keep(*fetch->ref, fetch->accessor);
-  }
-  fetch = reader.fetches.data();
-  for (const Fetch* last = fetch + reader.floatArrays; fetch != last; fetch++) {
-    if (fetch->ref->frame != frame) Keep(*fetch->ref, Accessor::FloatArray);
   }
 }
 
@@ -364,7 +415,7 @@ void Derive(Reader& reader) {
   double* number = reader.derived.data();
   for (const Derivation& derivation : reader.derivations) {
     if (derivation.read == nullptr) {
-      *number++ = derivation.convert(*derivation.from);
+      *number++ = derivation.convert(NumberAt(derivation.from, derivation.form));
       continue;
     }
     double value = 0;
@@ -374,11 +425,32 @@ void Derive(Reader& reader) {
 }
 
 void EncodeItems(Reader& reader) {
-  const Item* item = reader.items.data();
+  double* const values = reader.values.data();
+  const void* const* number = reader.numbers.data();
+  double* value = values;
+  for (const FormRun& run : reader.runs) {
+    const double* const end = value + run.count;
+    switch (run.form) {
+      case Form::Number:
+        while (value != end) *value++ = *static_cast<const double*>(*number++);
+        break;
+      case Form::Single:
+        while (value != end) *value++ = static_cast<double>(*static_cast<const float*>(*number++));
+        break;
+      case Form::Whole:
+        while (value != end) *value++ = *static_cast<const int*>(*number++);
+        break;
+    }
+  }
+  const double* const factors = reader.factors.data();
+  const double* const adds = reader.adds.data();
+  const size_t count = reader.values.size();
+  for (size_t i = 0; i < count; i++) values[i] = values[i] * factors[i] + adds[i];
+  const double* from = values;
   uint8_t* bytes = reader.bytes.data();
   for (const Segment& segment : reader.segments) {
-    segment.encode(item, segment.count, bytes);
-    item += segment.count;
+    segment.encode(from, segment.count, bytes);
+    from += segment.count;
     bytes += segment.bytes;
   }
 }

@@ -25,19 +25,16 @@ KeepReads::KeepReads(bool newLook) {
 }
 
 void Keep(DataRef& ref, Accessor accessor) {
+  if (ref.handle != nullptr && accessor == Accessor::Float) return KeepFloat(ref);
+  if (ref.handle != nullptr && accessor == Accessor::Int) return KeepInt(ref);
+  if (ref.handle != nullptr && accessor == Accessor::FloatArray) return KeepFloats(ref);
   ref.frame = keptFrame;
   ref.keptAs = accessor;
-  const Accessor fitting = accessor == Accessor::Any ? FittingAccessor(ref.handle) : accessor;
-  if (ref.handle != nullptr && fitting == Accessor::FloatArray) {
-    float elements[keptElements] = {};  // what lies beyond the array's end stays 0
-    XPLMGetDatavf(ref.handle, elements, 0, keptElements);
-    for (int i = 0; i < keptElements; ++i) ref.values[i] = static_cast<double>(elements[i]);
-  } else if (ref.handle != nullptr && fitting == Accessor::IntArray) {
-    int elements[keptElements] = {};
-    XPLMGetDatavi(ref.handle, elements, 0, keptElements);
-    std::copy(std::begin(elements), std::end(elements), ref.values);
-  } else {
-    ref.values[0] = ReadNumber(ref.handle, fitting, 0);
+  ref.kept = {};
+  if (accessor != Accessor::IntArray) {
+    ref.kept.number = ReadNumber(ref.handle, accessor, 0);
+  } else if (ref.handle != nullptr) {
+    XPLMGetDatavi(ref.handle, ref.kept.ints, 0, keptElements);  // what lies beyond the array's end stays 0
   }
 }
 

@@ -27,6 +27,10 @@ constexpr Source runningTime = Float<"sim/time/total_running_time_sec">;
 bool navigationDue;    // the navigation cycle runs again soon
 bool aircraftChanged;  // the next frame runs all cycles
 int buttonStates[maxButtons];
+int lookedAt;  // the host's number of the frame in which the first cycle ran last
+
+// Whether what the first cycle has read is of this very frame. A host that does not count says no.
+bool IsLookedAt(int frame) { return frame != 0 && frame == lookedAt; }
 
 // Runs a recognition; when an adapter was loaded or has gone, the readers take their handles anew.
 void WatchAdapters(void (*recognise)()) {
@@ -73,34 +77,35 @@ float WriteCycle(float, float, int, void*) {
   return -1;
 }
 
-float RefreshCycle1(float, float, int, void*) {
+float RefreshCycle1(float, float, int frame, void*) {
   if (aircraftChanged) RefreshSlowCycles();
   RunReaders(Cycle::C1);
+  lookedAt = frame;
   RefreshCustomOffsets(1);
   PushbackStep();
   return -1;
 }
 
-float RefreshCycle3(float, float, int, void*) {
-  RunReaders(Cycle::C3, true);
+float RefreshCycle3(float, float, int frame, void*) {
+  RunReaders(Cycle::C3, IsLookedAt(frame));
   return -3;
 }
 
-float RefreshCycle7(float, float, int, void*) {
-  RunReaders(Cycle::C7, true);
+float RefreshCycle7(float, float, int frame, void*) {
+  RunReaders(Cycle::C7, IsLookedAt(frame));
   RefreshCustomOffsets(2);
   return -7;
 }
 
-float RefreshCycle13(float, float, int, void*) {
-  RunReaders(Cycle::C13, true);
+float RefreshCycle13(float, float, int frame, void*) {
+  RunReaders(Cycle::C13, IsLookedAt(frame));
   RefreshCustomOffsets(3);
   return -13;
 }
 
-float RefreshCycle31Navigation(float, float, int, void*) {
+float RefreshCycle31Navigation(float, float, int frame, void*) {
   TuneStations();
-  RunReaders(Cycle::C31Navigation, true);
+  RunReaders(Cycle::C31Navigation, IsLookedAt(frame));
   RefreshCustomOffsets(4);
   // The radios of a new aircraft settle late: they are read again half a second later.
   if (navigationDue) {
@@ -110,27 +115,27 @@ float RefreshCycle31Navigation(float, float, int, void*) {
   return -31;
 }
 
-float RefreshCycle31(float, float, int, void*) {
-  RunReaders(Cycle::C31, true);
+float RefreshCycle31(float, float, int frame, void*) {
+  RunReaders(Cycle::C31, IsLookedAt(frame));
   RefreshCustomOffsets(5);
   return -31;
 }
 
-float RefreshCycle59(float, float, int, void*) {
-  RunReaders(Cycle::C59, true);
+float RefreshCycle59(float, float, int frame, void*) {
+  RunReaders(Cycle::C59, IsLookedAt(frame));
   RefreshCustomOffsets(6);
   RunEc135Adapter();
   return -59;
 }
 
-float RefreshCycle157(float, float, int, void*) {
-  RunReaders(Cycle::C157, true);
+float RefreshCycle157(float, float, int frame, void*) {
+  RunReaders(Cycle::C157, IsLookedAt(frame));
   RefreshCustomOffsets(7);
   return -157;
 }
 
-float RefreshCycle313(float, float, int, void*) {
-  RunReaders(Cycle::C313, true);
+float RefreshCycle313(float, float, int frame, void*) {
+  RunReaders(Cycle::C313, IsLookedAt(frame));
   RefreshCustomOffsets(8);
   WatchAdapters(RecogniseAircraft);
   return -313;

@@ -283,7 +283,6 @@ TEST(CatalogueTexts, AreThereAndUnique) {
     // Where a value comes from, and where it goes, is said once.
     const int sources = (row->source.ref != nullptr) + (row->read != nullptr) + (row->readText != nullptr);
     EXPECT_LE(sources, 1);
-    EXPECT_TRUE(!IsRefreshed(*row) || sources == 1 || !row->variants.empty());
     EXPECT_LE((row->write.target.ref != nullptr) + (row->write.apply != nullptr) +
                   (row->write.group != nullptr) + row->write.staged,
               1);

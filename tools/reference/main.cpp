@@ -178,7 +178,7 @@ std::string SourceText(const OffsetRow& row) {
   if (row.source.ref != nullptr) return SourceName(row.source);
   const bool hasStock = std::any_of(row.variants.begin(), row.variants.end(),
                                     [](const Variant& variant) { return variant.addOn == AddOn::None; });
-  return row.read != nullptr || row.readText != nullptr || hasStock ? "derived" : "";
+  return row.read != nullptr || row.readText != nullptr || row.prepared != nullptr || hasStock ? "derived" : "";
 }
 
 std::string TypeText(const OffsetRow& row) {

@@ -193,18 +193,6 @@ void ApplyDirector(const OffsetRow&, const Staged& staged) {
   if (wanted ? mode == 0 : mode == 1) SetSource(autopilotMode, wanted);
 }
 
-bool ReadDirectorPitch(const OffsetRow&, double* value) {
-  *value = IsLoaded(AddOn::X737) ? ReadSource(Float<"x737/systems/afds/AP_A_pitch">)
-                                 : ReadSource(Float<"sim/cockpit/autopilot/flight_director_pitch">);
-  return true;
-}
-
-bool ReadDirectorBank(const OffsetRow&, double* value) {
-  *value = IsLoaded(AddOn::X737) ? ReadSource(Float<"x737/systems/afds/AP_A_roll">)
-                                 : ReadSource(Float<"sim/cockpit/autopilot/flight_director_roll">);
-  return true;
-}
-
 // --- Selected values ------------------------------------------------------------------------------
 
 Source SelectedHeading() {
@@ -386,14 +374,16 @@ constexpr OffsetRow rows[] = {
      .meaning = "flight director pitch",
      .unit = "deg",
      .cycle = Cycle::C1,
-     .read = ReadDirectorPitch},
+     .variants = variantsOf<Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/AP_A_pitch">},
+                            Variant{.source = Float<"sim/cockpit/autopilot/flight_director_pitch">}>},
     {.offset = 0x2EF0,
      .type = Stored::F64,
      .name = "fd_bank",
      .meaning = "flight director bank",
      .unit = "deg",
      .cycle = Cycle::C1,
-     .read = ReadDirectorBank},
+     .variants = variantsOf<Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/AP_A_roll">},
+                            Variant{.source = Float<"sim/cockpit/autopilot/flight_director_roll">}>},
     ModeRow(0x07BC, "ap", "autopilot master", ReadMaster, ApplyMaster, Cycle::C13),
     ModeRow(0x2EE0, "fd", "flight director", ReadDirector, ApplyDirector, Cycle::C13),
     ModeRow(0x07C0, "ap_wing_leveler", "wing leveler", ReadMode<leveler>, ApplyMode<leveler>, Cycle::C13),

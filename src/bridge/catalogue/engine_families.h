@@ -14,7 +14,7 @@ constexpr int engineCount = 4;
 int PresentEngineType();
 
 struct Family {
-  OffsetRow shape;                // without offset and member; an array's element is the engine's
+  OffsetRow shape;                // without offset and member; an array's element, and what is prepared, is the engine's
   uint32_t offsets[engineCount];  // 0: this engine has no such row
 };
 
@@ -31,6 +31,7 @@ constexpr OffsetRow RowOf(const Family& family, int engine) {
   row.member = engine + 1;
   row.source = SourceOf(row.source, engine);
   row.write.target = SourceOf(row.write.target, engine);
+  if (row.prepared != nullptr) row.prepared += engine;
   return row;
 }
 constexpr size_t Members(const Family& family) {

@@ -150,19 +150,19 @@ constexpr Family pressureRatio = {{.type = Stored::F64,
                                    .source = FloatElement<"sim/flightmodel/engine/ENGN_EPR">(0)},
                                   {0x2030, 0x2130, 0, 0}};
 
-double ExhaustTemperature(int engine) {  // deg C
+// Of one look: the same temperatures in the two forms that clients know.
+double exhaustWords[engineCount], exhaustRankine[engineCount];
+
+void TakeExhaust() {
   constexpr Source extended[2] = {Float<"laminar/B738/engine/eng1_egt">, Float<"laminar/B738/engine/eng2_egt">};
-  return ReadSource(IsLoaded(AddOn::B738Extended) && engine < 2
-                        ? extended[engine]
-                        : FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(engine));
-}
-bool ReadExhaust(const OffsetRow& row, double* value) {
-  *value = ExhaustTemperature(row.member - 1) * egtPerDegree;
-  return true;
-}
-bool ReadExhaustRankine(const OffsetRow& row, double* value) {
-  *value = (ExhaustTemperature(row.member - 1) + absoluteZero) * rankinePerKelvin;
-  return true;
+  const bool isExtended = IsLoaded(AddOn::B738Extended);
+  for (int engine = 0; engine < engineCount; engine++) {
+    const double celsius =
+        ReadSource(isExtended && engine < 2 ? extended[engine]
+                                            : FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(engine));
+    exhaustWords[engine] = celsius * egtPerDegree;
+    exhaustRankine[engine] = (celsius + absoluteZero) * rankinePerKelvin;
+  }
 }
 
 constexpr Family exhaustWord = {{.type = Stored::S16,
@@ -171,7 +171,8 @@ constexpr Family exhaustWord = {{.type = Stored::S16,
                                  .unit = "deg C",
                                  .unitScale = 1 / egtPerDegree,
                                  .cycle = Cycle::C1,
-                                 .read = ReadExhaust},
+                                 .prepared = exhaustWords,
+                                 .prepare = TakeExhaust},
                                 {0x08BE, 0x0956, 0x09EE, 0x0A86}};
 constexpr Family exhaust = {{.type = Stored::F64,
                              .name = "egt_rankine_eng",
@@ -180,7 +181,8 @@ constexpr Family exhaust = {{.type = Stored::F64,
                              .unitScale = 1 / rankinePerKelvin,
                              .unitBias = -absoluteZero,
                              .cycle = Cycle::C1,
-                             .read = ReadExhaustRankine,
+                             .prepared = exhaustRankine,
+                             .prepare = TakeExhaust,
                              .note = "stored in degrees Rankine"},
                             {0x3B70, 0x3AB0, 0, 0}};
 constexpr Family turbineTemperature = {{.type = Stored::F64,
@@ -272,18 +274,19 @@ constexpr Family hydraulicQuantity = {{.type = Stored::S32,
 
 // --- Torque, thrust, propellers -----------------------------------------------------------------------
 
-bool ReadTorqueRatio(const OffsetRow& row, double* value) {
-  const double limit = ReadSource(Float<"sim/aircraft/limits/red_hi_TRQ">) * nmPerFootPound;
-  *value = limit == 0 ? 0 : ReadSource(FloatElement<"sim/flightmodel/engine/ENGN_TRQ">(row.member - 1)) / limit;
-  return true;
-}
-bool ReadPropRatio(const OffsetRow& row, double* value) {
+// Shares of the limits, of engines 1 and 2; 0 when the aircraft has no limit.
+double torqueShares[engineCount], propSpeedShares[engineCount];
+
+void TakeShares() {
+  const double torqueLimit = ReadSource(Float<"sim/aircraft/limits/red_hi_TRQ">) * nmPerFootPound;
   const double redline = ReadSource(Float<"sim/aircraft/engine/acf_RSC_redline_eng">);  // rad/s
-  const double speed =
-      ReadSource(FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(row.member - 1)) * revolution /
-      60;
-  *value = redline == 0 ? 0 : speed / redline;
-  return true;
+  for (int engine = 0; engine < 2; engine++) {
+    const double torque = ReadSource(FloatElement<"sim/flightmodel/engine/ENGN_TRQ">(engine));
+    const double speed =
+        ReadSource(FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(engine)) * revolution / 60;
+    torqueShares[engine] = torqueLimit == 0 ? 0 : torque / torqueLimit;
+    propSpeedShares[engine] = redline == 0 ? 0 : speed / redline;
+  }
 }
 
 constexpr Family torque = {{.type = Stored::S32,
@@ -300,7 +303,8 @@ constexpr Family torqueRatio = {{.type = Stored::F64,
                                  .unit = "%",
                                  .unitScale = 100,
                                  .cycle = Cycle::C1,
-                                 .read = ReadTorqueRatio,
+                                 .prepared = torqueShares,
+                                 .prepare = TakeShares,
                                  .note = "0 when the aircraft has no limit"},
                                 {0x2028, 0x2128, 0, 0}};
 constexpr Family thrust = {{.type = Stored::F64,
@@ -333,7 +337,8 @@ constexpr Family propRatio = {{.type = Stored::F64,
                                .unit = "%",
                                .unitScale = 100,
                                .cycle = Cycle::C1,
-                               .read = ReadPropRatio,
+                               .prepared = propSpeedShares,
+                               .prepare = TakeShares,
                                .note = "0 when the aircraft has no redline"},
                               {0x2408, 0x2508, 0, 0}};
 constexpr Family engineSpeed = {{.type = Stored::U16,

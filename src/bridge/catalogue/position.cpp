@@ -31,20 +31,11 @@ double HeadingWord(double degrees) {
 constexpr char inLocalAxes[] = "the simulator keeps places in local axes: reads back within a centimetre or so";
 constexpr char inSinglePrecision[] = "the simulator keeps attitude in single precision";
 
-// Height of the ground above the sea, metres.
-double GroundMetres() {
-  return ReadSource(Double<"sim/flightmodel/position/elevation">) -
-         ReadSource(Float<"sim/flightmodel/position/y_agl">);
-}
+double groundMetres;  // height of the ground above the sea
 
-bool ReadGroundFine(const OffsetRow&, double* value) {
-  *value = GroundMetres() * 256;
-  return true;
-}
-
-bool ReadGroundMetres(const OffsetRow&, double* value) {
-  *value = GroundMetres();
-  return true;
+void TakeGround() {
+  groundMetres = ReadSource(Double<"sim/flightmodel/position/elevation">) -
+                 ReadSource(Float<"sim/flightmodel/position/y_agl">);
 }
 
 // Clients choose the altimeter's unit by the word at 0x0C18: 2 is metres. While the lock is busy the unit of
@@ -167,14 +158,17 @@ constexpr OffsetRow rows[] = {
      .unit = "m",
      .unitScale = 1.0 / 256,
      .cycle = Cycle::C1,
-     .read = ReadGroundFine},
+     .factor = 256,
+     .prepared = &groundMetres,
+     .prepare = TakeGround},
     {.offset = 0x0B4C,
      .type = Stored::S16,
      .name = "ground_altitude_m",
      .meaning = "height of the ground above the sea, whole metres",
      .unit = "m",
      .cycle = Cycle::C1,
-     .read = ReadGroundMetres},
+     .prepared = &groundMetres,
+     .prepare = TakeGround},
     {.offset = 0x31E4,
      .type = Stored::S32,
      .name = "radio_altitude",

@@ -14,7 +14,7 @@ constexpr double forwardFull = 16384;
 constexpr double reverseFull = 4096;
 constexpr double cutoffFull = 16383;  // of the fuel levers of engines 1 and 2
 
-int starterHeld[engineCount];
+bool starterHeld[engineCount];
 
 int EngineOf(const OffsetRow& row) { return row.member - 1; }
 Source LeverOf(int engine) { return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine); }
@@ -23,13 +23,15 @@ Source UsedThrottleOf(int engine) { return FloatElement<"sim/flightmodel/engine/
 
 // --- Throttles ----------------------------------------------------------------------------------------
 
-bool ReadThrottle(const OffsetRow& row, double* value) {
-  const int engine = EngineOf(row);
-  const bool overridden = engine < 2 && IsOn(throttleOverride);
-  const double ratio = overridden ? ReadSource(UsedThrottleOf(engine)) : ReadSource(LeverOf(engine));
-  const bool reverse = (ReadInt(reverserWord) >> engine & 1) != 0;
-  *value = ratio * (reverse ? -reverseFull : forwardFull);
-  return true;
+double throttleWords[engineCount];  // as the simulator has the levers
+
+void TakeThrottles() {
+  const bool overridden = IsOn(throttleOverride);
+  const int reversers = ReadInt(reverserWord);
+  for (int engine = 0; engine < engineCount; engine++) {
+    const double ratio = ReadSource(overridden && engine < 2 ? UsedThrottleOf(engine) : LeverOf(engine));
+    throttleWords[engine] = ratio * ((reversers >> engine & 1) != 0 ? -reverseFull : forwardFull);
+  }
 }
 
 // -1 full reverse ... 1 full forward.
@@ -47,14 +49,14 @@ void SetPropMode(int engine, bool reverse) {
 }
 
 // The IXEG 737 has inputs of its own for its two levers; returns 0 when they are not there.
-int SetIxegLever(int engine, double signedRatio) {
-  if (IsLoaded(AddOn::Ixeg733) == 0 || engine > 1) return 0;
+bool SetIxegLever(int engine, double signedRatio) {
+  if (!IsLoaded(AddOn::Ixeg733) || engine > 1) return false;
   const Source input =
       engine == 0 ? Fitting<"ixeg/733/hardware/tavrix_thro1"> : Fitting<"ixeg/733/hardware/tavrix_thro2">;
-  if (HandleOf(input) == nullptr) return 0;
+  if (HandleOf(input) == nullptr) return false;
   ixegThrottleTaken = true;
   SetSource(input, signedRatio);
-  return 1;
+  return true;
 }
 
 void ApplyThrottle(const OffsetRow& row, const Staged& staged) {
@@ -62,7 +64,7 @@ void ApplyThrottle(const OffsetRow& row, const Staged& staged) {
   const double signedRatio = SignedRatio(staged.number);
   const double ratio = std::abs(signedRatio);
   SetPropMode(engine, signedRatio < 0);
-  if (SetIxegLever(engine, signedRatio) == 0) SetSource(LeverOf(engine), ratio);
+  if (!SetIxegLever(engine, signedRatio)) SetSource(LeverOf(engine), ratio);
   if (IsOn(throttleOverride)) SetSource(UsedThrottleOf(engine), ratio);
 }
 
@@ -81,7 +83,8 @@ constexpr Family throttle = {
      .unit = "%",
      .unitScale = 100 / forwardFull,
      .cycle = Cycle::C1,
-     .read = ReadThrottle,
+     .prepared = throttleWords,
+     .prepare = TakeThrottles,
      .write = {.apply = ApplyThrottle},
      .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
      .note = "16384 full forward, -4096 full reverse"},
@@ -92,7 +95,8 @@ constexpr Family leverInput = {{.type = Stored::S16,
                                 .unit = "%",
                                 .unitScale = 100 / forwardFull,
                                 .cycle = Cycle::C1,
-                                .read = ReadThrottle},
+                                .prepared = throttleWords,
+                                .prepare = TakeThrottles},
                                {0, 0, 0x3334, 0x3336}};
 constexpr Family directThrottle = {
     {.type = Stored::S16,
@@ -195,13 +199,13 @@ constexpr uint8_t pistonEngine = 0;  // every other engine type is a turbine to 
 bool HasPistonEngines() { return PresentEngineType() == pistonEngine; }
 
 void HoldStarter(int engine) {
-  if (starterHeld[engine] != 0) return;
-  starterHeld[engine] = 1;
+  if (starterHeld[engine]) return;
+  starterHeld[engine] = true;
   XPLMCommandButtonPress(xplm_joy_start_0 + engine);
 }
 void LetStarterGo(int engine) {
-  if (starterHeld[engine] == 0) return;
-  starterHeld[engine] = 0;
+  if (!starterHeld[engine]) return;
+  starterHeld[engine] = false;
   XPLMCommandButtonRelease(xplm_joy_start_0 + engine);
 }
 
