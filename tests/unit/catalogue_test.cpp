@@ -349,8 +349,8 @@ TEST(CatalogueRoundTrip, WritesReadBackUnlessTheRowSaysOtherwise) {
 }
 
 // The way back to the value that the simulator has is a change too while another value waits, though a refresh
-// has shown the simulator's own value again meanwhile.
-TEST(CatalogueRoundTrip, ValueWrittenBackWithinAFrameIsTheOneThatCounts) {
+// has shown the simulator's own value again meanwhile; and when that other value was applied in between.
+TEST(CatalogueRoundTrip, ValueWrittenBackIsTheOneThatCounts) {
   for (const OffsetRow* row : AllRows()) {
     if (!IsRefreshed(*row) || !rows::IsWritten(*row) || row->type == Stored::Text) continue;
     const bool isSwitch = std::string_view(row->lossy) == flagLoss;
@@ -361,13 +361,16 @@ TEST(CatalogueRoundTrip, ValueWrittenBackWithinAFrameIsTheOneThatCounts) {
     RunAllCycles();
     rows::WriteAs(row->type, row->offset, 1);
     RunCycle(row->cycle);
-    uint8_t shown[8] = {};
+    uint8_t shown[8] = {}, other[8] = {};
     CopyFromMemory(row->offset, sizeof shown, shown);
-    for (const bool refreshedBetween : {false, true}) {
-      uint8_t other[8] = {};
-      const uint32_t width = rows::Encode(row->type, isSwitch ? 0 : 2, other);
+    const uint32_t width = rows::Encode(row->type, isSwitch ? 0 : 2, other);
+    const struct {
+      bool refreshed, applied;  // before the value is written back
+    } cases[] = {{false, false}, {true, false}, {true, true}};
+    for (const auto& test : cases) {
       rows::WriteBytes(row->offset, other, width);
-      if (refreshedBetween) RunCycle(row->cycle);
+      if (test.refreshed) RunCycle(row->cycle);
+      if (test.applied) RunWriters();
       rows::WriteBytes(row->offset, shown, width);
       RunWriters();
       RunCycle(row->cycle);
