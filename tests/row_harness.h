@@ -241,24 +241,23 @@ inline void CheckReads(const std::string& dataref, Cycle cycle, std::initializer
   Set(dataref, before);
 }
 
-// One writer: after a client wrote `value`, the dataref holds `expected`. It starts from elsewhere, so that
+// Writers of one dataref: after a client wrote `value`, it holds `expected`. It starts from elsewhere, so that
 // an unchanged dataref is no success.
 struct WriteCase {
   uint32_t offset;
   Stored type;
   double value;
-  const char* dataref;
   double expected;
   double tolerance = 0;
   double before = 0.37;
 };
-inline void CheckWrites(std::initializer_list<WriteCase> cases) {
+inline void CheckWrites(const std::string& dataref, std::initializer_list<WriteCase> cases) {
   for (const WriteCase& test : cases) {
-    SCOPED_TRACE(testing::Message() << "offset 0x" << std::hex << test.offset << ", " << test.dataref
-                                    << ", written " << test.value);
-    Set(test.dataref, test.before);
+    SCOPED_TRACE(testing::Message() << "offset 0x" << std::hex << test.offset << ", " << dataref << ", written "
+                                    << test.value);
+    Set(dataref, test.before);
     WriteNew(test.offset, test.type, test.value);
-    EXPECT_NEAR(Get(test.dataref), test.expected, test.tolerance);
+    EXPECT_NEAR(Get(dataref), test.expected, test.tolerance);
   }
 }
 

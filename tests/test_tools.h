@@ -1,8 +1,10 @@
 // Small things that many tests need.
 #pragma once
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <thread>
@@ -23,6 +25,17 @@ inline int CountText(const std::string& text, const std::string& part) {
   int count = 0;
   for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
   return count;
+}
+
+// Calls `condition` until it is true; false when it never was.
+constexpr int patienceMs = 20000;  // a wait that takes longer has hung
+inline bool WaitUntil(const std::function<bool()>& condition, int timeoutMs = patienceMs) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
 }
 
 // Another thread that holds a lock from Take to LetGo.

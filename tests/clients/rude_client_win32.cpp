@@ -290,8 +290,7 @@ int Usage() {
       "  flood-posted SECONDS SENDERS    messages into the window's queue, from so many threads\n"
       "  flood-threads SECONDS SENDERS   messages into the queues of the simulator's threads\n"
       "  flood-sent SECONDS SENDERS      messages handed over to the window like requests\n"
-      "  long-request MEGABYTES          one request with a block of this size\n"
-      "  latency REQUESTS RECORDS        median time of a request and of a bare window message\n");
+      "  long-request MEGABYTES          one request with a block of this size\n");
   return 2;
 }
 
@@ -300,7 +299,6 @@ int Usage() {
 int main(int count, char** words) {
   if (count < 2) return Usage();
   const std::string name = words[1];
-  if (name == "latency-helper" && count == 3) return RunLatencyHelper(words[2]);
   if (!FindServer(&server)) {
     std::printf("%s: no window KORLMAIN\n", name.c_str());
     return 2;
@@ -326,8 +324,6 @@ int main(int count, char** words) {
                      Argument(count, words, 4, 0));
   }
   if (name == "change-while-served") load = RunChangeWhileServed(server, Argument(count, words, 2, 2));
-  if (name == "latency")
-    load = RunLatency(server, Argument(count, words, 2, 1000), Argument(count, words, 3, 50));
   if (load >= 0) {
     if (ExpectAlive()) return load;
     std::printf("%s: FAILED: %s\n", name.c_str(), why.c_str());

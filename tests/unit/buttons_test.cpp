@@ -1,9 +1,7 @@
 // Joystick buttons: settings section, actions, edges, thread.
 #include "controls/buttons.h"
 
-#include <chrono>
 #include <functional>
-#include <thread>
 
 #include "custom_harness.h"
 #include "settings/settings.h"
@@ -78,11 +76,7 @@ void Button(int button, int state) {
   WatchButtons(states, maxButtons);
 }
 
-void WaitFor(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  while (!condition() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
-  EXPECT_TRUE(condition());
-}
+void WaitFor(const std::function<bool()>& condition) { EXPECT_TRUE(tools::WaitUntil(condition)); }
 
 // Button 1599 writes a mark: when it is there, everything queued before is done.
 void Drain() {

@@ -34,15 +34,6 @@ int System(const Socket& socket) { return static_cast<int>(socket.handle); }
 
 }  // namespace
 
-int WaitUntil(const std::function<bool()>& condition, int timeoutMs) {
-  const int64_t deadline = MonotonicNanoseconds() + timeoutMs * INT64_C(1000000);
-  while (!condition()) {
-    if (MonotonicNanoseconds() > deadline) return 0;
-    SleepMilliseconds(1);
-  }
-  return 1;
-}
-
 Bytes Word16(uint32_t value) { return {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8)}; }
 Bytes Word32(uint32_t value) { return Join({Word16(value), Word16(value >> 16)}); }
 

@@ -184,16 +184,16 @@ TEST_F(EngineRows, IxegLeversTakeSignedRatios) {
   ExpectAll({{"ixeg/733/hardware/tavrix_thro1", -0.5}, {"ixeg/733/hardware/tavrix_thro2", 1}});
   EXPECT_TRUE(ixegThrottleTaken);
   Restart("ixeg733", {"ixeg/733/hardware/tavrix_thro1"});  // without inputs of its own
-  CheckWrites({{0x088C, S16, 4096, ACTUATORS "throttle_ratio[0]", 0.25}});
+  CheckWrites(ACTUATORS "throttle_ratio[0]", {{0x088C, S16, 4096, 0.25}});
 }
 
 TEST_F(EngineRows, MixtureStandsWhereTheAircraftHasIt) {
-  CheckWrites({{0x0928, U16, 16383, ENGINE "ENGN_mixt[1]", 1}});
+  CheckWrites(ENGINE "ENGN_mixt[1]", {{0x0928, U16, 16383, 1}});
   Restart("x737");
-  CheckWrites({{0x0928, U16, 65535, "x737/cockpit/tq/rightCutoffLeverPos", 1}});
+  CheckWrites("x737/cockpit/tq/rightCutoffLeverPos", {{0x0928, U16, 65535, 1}});
   CheckReads("x737/cockpit/tq/rightCutoffLeverPos", C7, {{0x0928, U16, 0.5, 8191}});
   Restart("b738-extended");
-  CheckWrites({{0x0928, U16, 0, "laminar/B738/engine/mixture_ratio2", 0}});
+  CheckWrites("laminar/B738/engine/mixture_ratio2", {{0x0928, U16, 0, 0}});
 }
 
 // --- Magnetos -----------------------------------------------------------------------------------------
@@ -245,31 +245,26 @@ TEST_F(EngineRows, MagnetoReadingDependsOnTheEngineType) {
 // --- Plain writes -------------------------------------------------------------------------------------
 
 TEST_F(EngineRows, WritesReachTheirDatarefs) {
-  rows::CheckWrites({
-      {0x0A58, U16, 8192, ENGINE "ENGN_mixt[3]", 0.5, 5e-06},
-      {0x0A58, U16, 65535, ENGINE "ENGN_mixt[3]", 1, 1e-05},
-      {0x3594, S32, -7, ACTUATORS "mixture_ratio[1]", 1, 1e-05},
-      {0x3594, S32, 0, ACTUATORS "mixture_ratio[1]", 0, 1e-06},
-      {0x238C, S32, 256, "sim/cockpit/engine/igniters_on[3]", 1, 0, 3},
-      {0x6D8F, U8, 200, "sim/cockpit/engine/igniters_on[1]", 1, 0, 3},
-      {0x0A7A, U16, 2, "sim/cockpit2/ice/ice_inlet_heat_on_per_engine[3]", 1, 0, 3},
-      {0x6F0C, U8, 1, "sim/cockpit/switches/anti_ice_surf_heat_right", 1, 0, 3},
-      {0x3101, U8, 1, "sim/cockpit/electrical/generator_on[7]", 1, 0, 3},
-      {0x3104, U8, 1, "sim/cockpit/engine/fuel_pump_on", 1, 0, 3},
-      {0x3102, U8, 9, "sim/cockpit/electrical/battery_on", 1, 0, 3},
-      {0x6DA9, U8, 2, "sim/cockpit/engine/APU_switch", 2, 0, 3},
-      {0x0B20, U16, 0, "sim/operation/sound/sound_on", 0, 0, 1},
-      {0x6DA8, U8, 200, "sim/weather/runway_friction", 2, 2e-05},
-      {0x031C, S32, -500, "sim/cockpit/pressure/cabin_altitude_set_m_msl", -500, 5e-03},
-      {0x1334, S32, 2204.6 * 256, "sim/aircraft/weight/acf_m_max", 1000, 1e-02},
-      {0x1400, F64, 2204.6, "sim/flightmodel/weight/m_fixed", 1000, 1e-02},
-      {0x1400, F64, -5, "sim/flightmodel/weight/m_fixed", 0, 1e-06},
-      {0x2EF8, F64, -0.25, "sim/flightmodel/misc/cgz_ref_to_default", -0.25, 3e-06},
-      {0x16024, F32, -1, "sim/flightmodel/weight/m_jettison", 0, 1e-06},
-      {0x0B68, U8, 1, "sim/operation/failures/rel_g_comrad1", 6},
-      {0x0B65, U8, 1, "sim/operation/failures/rel_ss_asi", 6},
-      {0x0B65, U8, 0, "sim/operation/failures/rel_ss_asi", 0, 0, 6},
-  });
+  CheckWrites(ENGINE "ENGN_mixt[3]", {{0x0A58, U16, 8192, 0.5, 5e-06}, {0x0A58, U16, 65535, 1, 1e-05}});
+  CheckWrites(ACTUATORS "mixture_ratio[1]", {{0x3594, S32, -7, 1, 1e-05}, {0x3594, S32, 0, 0, 1e-06}});
+  CheckWrites("sim/cockpit/engine/igniters_on[3]", {{0x238C, S32, 256, 1, 0, 3}});
+  CheckWrites("sim/cockpit/engine/igniters_on[1]", {{0x6D8F, U8, 200, 1, 0, 3}});
+  CheckWrites("sim/cockpit2/ice/ice_inlet_heat_on_per_engine[3]", {{0x0A7A, U16, 2, 1, 0, 3}});
+  CheckWrites("sim/cockpit/switches/anti_ice_surf_heat_right", {{0x6F0C, U8, 1, 1, 0, 3}});
+  CheckWrites("sim/cockpit/electrical/generator_on[7]", {{0x3101, U8, 1, 1, 0, 3}});
+  CheckWrites("sim/cockpit/engine/fuel_pump_on", {{0x3104, U8, 1, 1, 0, 3}});
+  CheckWrites("sim/cockpit/electrical/battery_on", {{0x3102, U8, 9, 1, 0, 3}});
+  CheckWrites("sim/cockpit/engine/APU_switch", {{0x6DA9, U8, 2, 2, 0, 3}});
+  CheckWrites("sim/operation/sound/sound_on", {{0x0B20, U16, 0, 0, 0, 1}});
+  CheckWrites("sim/weather/runway_friction", {{0x6DA8, U8, 200, 2, 2e-05}});
+  CheckWrites("sim/cockpit/pressure/cabin_altitude_set_m_msl", {{0x031C, S32, -500, -500, 5e-03}});
+  CheckWrites("sim/aircraft/weight/acf_m_max", {{0x1334, S32, 2204.6 * 256, 1000, 1e-02}});
+  CheckWrites("sim/flightmodel/weight/m_fixed",
+              {{0x1400, F64, 2204.6, 1000, 1e-02}, {0x1400, F64, -5, 0, 1e-06}});
+  CheckWrites("sim/flightmodel/misc/cgz_ref_to_default", {{0x2EF8, F64, -0.25, -0.25, 3e-06}});
+  CheckWrites("sim/flightmodel/weight/m_jettison", {{0x16024, F32, -1, 0, 1e-06}});
+  CheckWrites("sim/operation/failures/rel_g_comrad1", {{0x0B68, U8, 1, 6}});
+  CheckWrites("sim/operation/failures/rel_ss_asi", {{0x0B65, U8, 1, 6}, {0x0B65, U8, 0, 0, 0, 6}});
   Set(weight + "m_fixed", 50);
   EXPECT_EQ(rows::Write<double>(0x1400, NAN), 1);
   RunWriters();
@@ -280,9 +275,9 @@ TEST_F(EngineRows, WritesReachTheirDatarefs) {
 TEST_F(EngineRows, ApuStartsAtAnyBitAndThenStaysOn) {
   const char* apu = "sim/cockpit/engine/APU_switch";
   Set(cockpit + "APU_running", 0);
-  CheckWrites({{0x0B58, S32, 1, apu, 2}});
+  CheckWrites(apu, {{0x0B58, S32, 1, 2}});
   Set(cockpit + "APU_running", 1);
-  CheckWrites({{0x0B58, F32, 1, apu, 1}, {0x0B58, F32, 0, apu, 0, 0, 1}});
+  CheckWrites(apu, {{0x0B58, F32, 1, 1}, {0x0B58, F32, 0, 0, 0, 1}});
 }
 
 TEST_F(EngineRows, LightWordAndSingleLightsAgree) {

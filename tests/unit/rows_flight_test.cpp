@@ -164,36 +164,30 @@ TEST_F(FlightRows, ReadsDerivedValues) {
 // --- Writers ----------------------------------------------------------------------------------------
 
 TEST_F(FlightRows, WritesSimpleValues) {
-  CheckWrites({
-      {0x023E, U16, 1, "sim/time/local_date_days", 0, 0, 200},
-      {0x023E, U16, 0, "sim/time/local_date_days", 0, 0, 200},
-      {0x023E, U16, 65535, "sim/time/local_date_days", 365, 0, 200},
-      {0x0C1A, U16, 0, "sim/time/sim_speed", 1, 0, 3},
-      {0x0C1A, U16, 1023, "sim/time/sim_speed", 3, 0, 1},
-      {0x0BB2, S16, -16383, "sim/joystick/yolk_pitch_ratio", -1},
-      {0x0BC0, S16, 16384, CONTROLS "elv_trim", 1},
-      {0x2EA0, F64, 5 * pi / 180, CONTROLS "elv_trim", 0.5, 1e-6},
-      {0x2EB0, F64, -1e300, CONTROLS "ail_trim", -1},
-      {0x2EC0, F64, nan, CONTROLS "rud_trim", 0.37, 1e-6},
-      {0x0BC4, S16, 16383, CONTROLS "l_brake_add", 1},
-      {0x0BC8, U16, 65535, CONTROLS "parkbrake", 1},
-      {0x0BDC, U32, 4294967295.0, CONTROLS "flaprqst", 1},
-      {0x0BCC, U32, 1, CONTROLS "sbrkrqst", -0.5},
-      {0x0BD0, U32, 4799, CONTROLS "sbrkrqst", 0},
-      {0x0BD0, U32, 4800, CONTROLS "sbrkrqst", -0.5},
-      {0x0BD0, U32, 5619, CONTROLS "sbrkrqst", -0.5},
-      {0x0BD0, U32, 5620, CONTROLS "sbrkrqst", 0},
-      {0x0BD0, U32, 16383, CONTROLS "sbrkrqst", 1},
-      {0x07CC, U16, 16380, AUTOPILOT "heading_mag", 90},
-      {0x07CC, U16, 65520, AUTOPILOT "heading_mag", 0},
-      {0x07D4, S32, 3048 * 65536.0, AUTOPILOT "altitude", 10000, 0.2},
-      {0x07F2, S16, -700, AUTOPILOT "vertical_velocity", -700},
-      {0x2F80, U8, 200, "sim/cockpit/switches/auto_brake_settings", 5},
-      {0x0BBE, U16, 32768, "sim/flightmodel/engine/POINT_pitch_deg", 15},
-      {0x02BC, S32, 12800, POSITION "local_vy", 0},
-      {0x0808, U32, 7, "sim/cockpit/switches/yaw_damper_on", 1},
-      {0x0810, U32, 7, "sim/cockpit2/autopilot/autothrottle_enabled", 1},
-  });
+  CheckWrites("sim/time/local_date_days",
+              {{0x023E, U16, 1, 0, 0, 200}, {0x023E, U16, 0, 0, 0, 200}, {0x023E, U16, 65535, 365, 0, 200}});
+  CheckWrites("sim/time/sim_speed", {{0x0C1A, U16, 0, 1, 0, 3}, {0x0C1A, U16, 1023, 3, 0, 1}});
+  CheckWrites("sim/joystick/yolk_pitch_ratio", {{0x0BB2, S16, -16383, -1}});
+  CheckWrites(CONTROLS "elv_trim", {{0x0BC0, S16, 16384, 1}, {0x2EA0, F64, 5 * pi / 180, 0.5, 1e-6}});
+  CheckWrites(CONTROLS "ail_trim", {{0x2EB0, F64, -1e300, -1}});
+  CheckWrites(CONTROLS "rud_trim", {{0x2EC0, F64, nan, 0.37, 1e-6}});
+  CheckWrites(CONTROLS "l_brake_add", {{0x0BC4, S16, 16383, 1}});
+  CheckWrites(CONTROLS "parkbrake", {{0x0BC8, U16, 65535, 1}});
+  CheckWrites(CONTROLS "flaprqst", {{0x0BDC, U32, 4294967295.0, 1}});
+  CheckWrites(CONTROLS "sbrkrqst", {{0x0BCC, U32, 1, -0.5},
+                                    {0x0BD0, U32, 4799, 0},
+                                    {0x0BD0, U32, 4800, -0.5},
+                                    {0x0BD0, U32, 5619, -0.5},
+                                    {0x0BD0, U32, 5620, 0},
+                                    {0x0BD0, U32, 16383, 1}});
+  CheckWrites(AUTOPILOT "heading_mag", {{0x07CC, U16, 16380, 90}, {0x07CC, U16, 65520, 0}});
+  CheckWrites(AUTOPILOT "altitude", {{0x07D4, S32, 3048 * 65536.0, 10000, 0.2}});
+  CheckWrites(AUTOPILOT "vertical_velocity", {{0x07F2, S16, -700, -700}});
+  CheckWrites("sim/cockpit/switches/auto_brake_settings", {{0x2F80, U8, 200, 5}});
+  CheckWrites("sim/flightmodel/engine/POINT_pitch_deg", {{0x0BBE, U16, 32768, 15}});
+  CheckWrites(POSITION "local_vy", {{0x02BC, S32, 12800, 0}});
+  CheckWrites("sim/cockpit/switches/yaw_damper_on", {{0x0808, U32, 7, 1}});
+  CheckWrites("sim/cockpit2/autopilot/autothrottle_enabled", {{0x0810, U32, 7, 1}});
 
   // Hour and minute leave each other and the seconds alone.
   Set("sim/time/zulu_time_sec", 45296.5);
@@ -438,11 +432,9 @@ TEST_F(FlightRows, ExtendedBoeingUsesItsOwnPanel) {
               {0x0BD0, U32, 1, 16383},
               {0x0BCC, U32, 0.0889, 1}});
   CheckReads(LAMINAR "controls/gear_handle_down", C3, {{0x0BE8, U32, 0.4, 0}});
-  CheckWrites({
-      {0x0BD0, U32, 5000, LAMINAR "flt_ctrls/speedbrake_lever", 0.0889, 1e-6},
-      {0x0BD0, U32, 16384, LAMINAR "flt_ctrls/speedbrake_lever", 1},
-      {0x0BE8, U32, 8192, LAMINAR "controls/gear_handle_down", 1},
-  });
+  CheckWrites(LAMINAR "flt_ctrls/speedbrake_lever",
+              {{0x0BD0, U32, 5000, 0.0889, 1e-6}, {0x0BD0, U32, 16384, 1}});
+  CheckWrites(LAMINAR "controls/gear_handle_down", {{0x0BE8, U32, 8192, 1}});
   CheckCalls({{0x0BDC, U32, 1023, "once " LAMINAR "push_button/flaps_0"},
               {0x0BDC, U32, 1025, "once " LAMINAR "push_button/flaps_1"},
               {0x0BDC, U32, 16383, "once " LAMINAR "push_button/flaps_40"},
@@ -462,15 +454,13 @@ TEST_F(FlightRows, X737UsesItsOwnPanel) {
   CheckReads(PANEL "speedbrake/spdbrkLeverPos", C13,
              {{0x0BD0, U32, 0.1, 0}, {0x0BD0, U32, 0.12, 4800}, {0x0BD0, U32, 0.5, 8191}});
   CheckReads(CONTROLS "elv_trim", C3, {{0x0BC0, S16, -1, -6230}, {0x0BC2, S16, 1, 16270}});
-  CheckWrites({
-      {0x07C8, U32, 3, PANEL "afds/HDG", 1},
-      {0x07BC, U32, 1, PANEL "afds/CMD_A", 1},
-      {0x07E2, U16, 180, PANEL "athr/MCPSPD_spd", 180},
-      {0x07F2, S16, -900, PANEL "afds/VS", 1},
-      {0x07F2, S16, -900, PANEL "afds/VS_vvi", -900},
-      {0x0BD0, U32, 4800, PANEL "speedbrake/spdbrkLeverPos", 0.125},
-      {0x0BC0, S16, 5020, CONTROLS "elv_trim", 0},
-  });
+  CheckWrites(PANEL "afds/HDG", {{0x07C8, U32, 3, 1}});
+  CheckWrites(PANEL "afds/CMD_A", {{0x07BC, U32, 1, 1}});
+  CheckWrites(PANEL "athr/MCPSPD_spd", {{0x07E2, U16, 180, 180}});
+  CheckWrites(PANEL "afds/VS", {{0x07F2, S16, -900, 1}});
+  CheckWrites(PANEL "afds/VS_vvi", {{0x07F2, S16, -900, -900}});
+  CheckWrites(PANEL "speedbrake/spdbrkLeverPos", {{0x0BD0, U32, 4800, 0.125}});
+  CheckWrites(CONTROLS "elv_trim", {{0x0BC0, S16, 5020, 0}});
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "offsetctl/traffic_rows.h"
 #include "platform/clock.h"
 #include "row_harness.h"
+#include "test_tools.h"
 #include "traffic/traffic_state.h"
 
 namespace {
@@ -22,11 +23,7 @@ uint32_t Entry(uint32_t slot) { return 0xF080 + 40 * slot; }
 uint32_t Record(uint32_t slot) { return 0xD840 + 20 * slot; }
 
 void WaitUntil(const char* what, const std::function<bool()>& condition) {
-  const int64_t end = MonotonicNanoseconds() + int64_t{20} * 1000000000;
-  while (!condition()) {
-    ASSERT_LT(MonotonicNanoseconds(), end) << "not in time: " << what;
-    SleepMilliseconds(1);
-  }
+  ASSERT_TRUE(tools::WaitUntil(condition)) << "not in time: " << what;
 }
 
 // The test plays the manager thread: it alone starts, ends and joins slots.
