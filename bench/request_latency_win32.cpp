@@ -2,6 +2,7 @@
 // than any server must. Windows only; bench/run.sh runs it against a stand-in with the plug-in:
 //
 //   request_latency_win32 REQUESTS RECORDS
+#include "client_block.h"
 #include "load_modes.h"
 
 namespace {

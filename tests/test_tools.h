@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "platform/lock.h"
+#include "platform/system.h"
 
 namespace tools {
 
@@ -25,6 +26,12 @@ inline int CountText(const std::string& text, const std::string& part) {
   int count = 0;
   for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
   return count;
+}
+
+// Threads of this program, with the one that a sanitizer makes for itself when the first is started.
+inline int CountThreads() {
+  std::thread([] {}).join();
+  return CountProcessThreads();
 }
 
 // Calls `condition` until it is true; false when it never was.

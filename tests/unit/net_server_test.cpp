@@ -142,7 +142,7 @@ TEST_F(NetServerThreads, ANinthClientWaitsUntilOneLeavesAgainAndAgain) {
 
 TEST_F(NetServerThreads, StopEndsEverythingInTimeAndLeavesNothing) {
   const int handles = CountProcessHandles();
-  const int threads = CountProcessThreads();
+  const int threads = tools::CountThreads();
   Client browser;
   for (int round = 0; round < 2; ++round) {  // the second finds the ports free
     Start();

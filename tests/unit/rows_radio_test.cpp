@@ -245,19 +245,18 @@ TEST_F(RadioRows, BearingsAndNeedles) {
   const Case cases[] = {{90, 30, 10, 56433, 40}, {0, 180, 0, 0, 180},       {350, -20, -5, 26396, 335},
                         {0, 0, 0, 32768, 0},     {359, 0.5, 0.5, 32768, 1}, {180, 359.75, 0.25, 0, 0}};
   for (const Case& c : cases) {
-    Set("sim/flightmodel/position/psi", c.heading);
-    Set("sim/flightmodel/position/magnetic_variation", c.west);
-    Set("sim/cockpit/radios/nav1_dir_degt", c.bearing);
-    Set("sim/cockpit/radios/nav2_dir_degt", c.bearing);
+    rows::SetAll({{"sim/flightmodel/position/psi", c.heading},
+                  {"sim/flightmodel/position/magnetic_variation", c.west},
+                  {"sim/cockpit/radios/nav1_dir_degt", c.bearing},
+                  {"sim/cockpit/radios/nav2_dir_degt", c.bearing}});
     RunReaders(Cycle::C3);
-    for (uint32_t offset : {0x0C50U, 0x0C60U}) EXPECT_EQ(Read<uint16_t>(offset), c.radial) << c.heading;
-    for (uint32_t offset : {0x0C56U, 0x0C5CU}) EXPECT_EQ(Read<uint16_t>(offset), c.relative) << c.heading;
+    const double radial = c.radial, relative = c.relative;
+    rows::ExpectShown({{0x0C50, rows::U16, radial}, {0x0C60, rows::U16, radial}});
+    rows::ExpectShown({{0x0C56, rows::U16, relative}, {0x0C5C, rows::U16, relative}});
   }
-  Set("sim/cockpit/radios/nav1_hdef_dot", 2.5);
-  Set("sim/cockpit/radios/nav2_vdef_dot", -3);
-  RunReaders(Cycle::C1);
-  EXPECT_EQ(Read<int8_t>(0x0C48), 127);
-  EXPECT_EQ(Read<int8_t>(0x0C6E), -128) << "saturates, does not wrap to the other side";
+  // Saturates, does not wrap to the other side.
+  rows::CheckReads("sim/cockpit/radios/nav1_hdef_dot", Cycle::C1, {{0x0C48, rows::S8, 2.5, 127}});
+  rows::CheckReads("sim/cockpit/radios/nav2_vdef_dot", Cycle::C1, {{0x0C6E, rows::S8, -3, -128}});
 }
 
 TEST_F(RadioRows, Wind) {
@@ -292,12 +291,10 @@ TEST_F(RadioRows, Wind) {
     EXPECT_EQ(Read<uint16_t>(c.copy), c.word) << c.dataRef;
   }
 
-  WriteAndRun<uint16_t>(0x0F74, 1821);  // 10.003 degrees magnetic are 350.003 true
-  EXPECT_NEAR(Get("sim/weather/wind_direction_degt[0]"), 350.003, 0.001);
-  WriteAndRun<uint16_t>(0x0F6A, 16384);
-  EXPECT_EQ(Get("sim/weather/wind_direction_degt[1]"), 90);
-  WriteAndRun<uint16_t>(0x0F60, 255);
-  EXPECT_NEAR(Get("sim/weather/turbulence[2]"), 9, 1e-6);
+  // 10.003 degrees magnetic are 350.003 true.
+  rows::CheckWrites("sim/weather/wind_direction_degt[0]", {{0x0F74, rows::U16, 1821, 350.003, 0.001}});
+  rows::CheckWrites("sim/weather/wind_direction_degt[1]", {{0x0F6A, rows::U16, 16384, 90}});
+  rows::CheckWrites("sim/weather/turbulence[2]", {{0x0F60, rows::U16, 255, 9, 1e-6}});
 
   Set("sim/weather/wind_direction_degt", 350);
   Set("sim/weather/wind_altitude_msl_m[0]", 1000);
@@ -311,16 +308,12 @@ TEST_F(RadioRows, Wind) {
 TEST_F(RadioRows, CloudsAndPrecipitation) {
   for (const auto& [offset, layer] : {std::pair{0x0EA6U, 0}, {0x6F13U, 1}, {0x0E9EU, 2}}) {
     const std::string type = "sim/weather/cloud_type[" + std::to_string(layer) + "]";
-    WriteAndRun<uint16_t>(offset, 0xFFFF);
-    EXPECT_EQ(Get(type), 5);
-    WriteAndRun<uint16_t>(offset, 3);
-    EXPECT_EQ(Get(type), 3);
+    rows::CheckWrites(type, {{offset, rows::U16, 0xFFFF, 5}, {offset, rows::U16, 3, 3}});
   }
   EXPECT_EQ(Get("sim/weather/cloud_coverage[1]"), 3);
-  WriteAndRun<uint16_t>(0x6F11, 2500);
-  EXPECT_EQ(Get("sim/weather/cloud_base_msl_m[1]"), 2500);
-  WriteAndRun<uint16_t>(0x0E8A, 1000);  // ten statute miles
-  EXPECT_NEAR(Get("sim/weather/visibility_reported_m"), 16093.44, 0.01);
+  rows::CheckWrites("sim/weather/cloud_base_msl_m[1]", {{0x6F11, rows::U16, 2500, 2500}});
+  rows::CheckWrites("sim/weather/visibility_reported_m",
+                    {{0x0E8A, rows::U16, 1000, 16093.44, 0.01}});  // ten miles
   RunReaders(Cycle::C59);
   EXPECT_EQ(Read<uint16_t>(0x0E8A), 1000);
 
@@ -335,15 +328,14 @@ TEST_F(RadioRows, CloudsAndPrecipitation) {
                         {0x0004, 9, 9, 0, 1, 0},   {0x0200, 9, 9, 0, 1, 0}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.written);
-    Set("sim/weather/cloud_type[0]", 0);
-    Set("sim/weather/rain_percent", 0.5);
-    Set("sim/weather/temperature_sealevel_c", c.before);
+    rows::SetAll({{"sim/weather/cloud_type[0]", 0},
+                  {"sim/weather/rain_percent", 0.5},
+                  {"sim/weather/temperature_sealevel_c", c.before}});
     WriteAndRun<uint16_t>(0x04D2, c.written);
     RunReaders(Cycle::C313);
-    EXPECT_EQ(Read<uint8_t>(0x04CB), c.rate);
-    EXPECT_EQ(Read<uint8_t>(0x04CC), c.kind);
-    EXPECT_EQ(Get("sim/weather/temperature_sealevel_c"), c.after);
-    EXPECT_EQ(Get("sim/weather/cloud_type[0]"), c.cloud);
+    rows::ExpectShown({{0x04CB, rows::U8, double(c.rate)}, {0x04CC, rows::U8, double(c.kind)}});
+    rows::ExpectAll(
+        {{"sim/weather/temperature_sealevel_c", c.after}, {"sim/weather/cloud_type[0]", double(c.cloud)}});
   }
 }
 
@@ -360,11 +352,9 @@ TEST_F(RadioRows, AltimeterAndPressure) {
     WriteAndRun<uint16_t>(0x0330, word);
     EXPECT_NEAR(Get("sim/cockpit/misc/barometer_setting"), hundredths / 100.0, 1e-5);
   }
-  WriteAndRun<uint16_t>(0x0F48, 16000);  // 1000 millibar at 0.02953 inches
-  EXPECT_NEAR(Get("sim/weather/barometer_sealevel_inhg"), 29.53, 1e-4);
-  Set("sim/weather/dewpoi_sealevel_c", -12.5);
-  RunReaders(Cycle::C313);
-  EXPECT_EQ(Read<int16_t>(0x04C8), -3200);
+  // 1000 millibar at 0.02953 inches.
+  rows::CheckWrites("sim/weather/barometer_sealevel_inhg", {{0x0F48, rows::U16, 16000, 29.53, 1e-4}});
+  rows::CheckReads("sim/weather/dewpoi_sealevel_c", Cycle::C313, {{0x04C8, rows::S16, -12.5, -3200}});
 }
 
 struct WeatherArea : RadioRows {
@@ -474,12 +464,11 @@ TEST_F(WeatherArea, LeftAlone) {
   Fill(4, "GLOB");
   Put16(0x0A, 0);
   Put16(0x0C, 0);
-  Set("sim/weather/barometer_sealevel_inhg", 29.5);
-  Set("sim/weather/visibility_reported_m", 5000);
-  Send();
-  EXPECT_EQ(Get("sim/weather/barometer_sealevel_inhg"), 29.5) << "not sent";
-  EXPECT_EQ(Get("sim/weather/visibility_reported_m"), 5000) << "not sent";
-  EXPECT_EQ(Get("sim/weather/temperature_sealevel_c"), -7);
+  rows::SetAll({{"sim/weather/barometer_sealevel_inhg", 29.5}, {"sim/weather/visibility_reported_m", 5000}});
+  Send();  // neither of these two
+  rows::ExpectAll({{"sim/weather/barometer_sealevel_inhg", 29.5},
+                   {"sim/weather/visibility_reported_m", 5000},
+                   {"sim/weather/temperature_sealevel_c", -7}});
 }
 
 TEST_F(RadioRows, SituationFiles) {

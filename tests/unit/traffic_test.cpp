@@ -361,7 +361,7 @@ class TrafficThreads : public testing::Test {
 };
 
 TEST_F(TrafficThreads, AllSlotsWhilePositionsModelsAndClientsChangeThenStopInTime) {
-  const int threads = CountProcessThreads();
+  const int threads = tools::CountThreads();
   sim::SimCommand("planes 97");
   LoadAircraftList();
   ASSERT_EQ(StartTrafficThread(), 1);
