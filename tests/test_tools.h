@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "platform/lock.h"
-#include "platform/system.h"
+#include "platform/thread.h"
 
 namespace tools {
 
