@@ -75,7 +75,7 @@ for name, figures in runs.items():
     print(f"{name.removeprefix('BM_'):32}{best['cpu_time']:17.1f} {best['time_unit']}   {more}")
 PYTHON
 
-client=build/win32/bin/rude_client_win32.exe
+client=build/win32/bin/request_latency_win32.exe
 if ! command -v wine Xvfb >/dev/null 2>&1 || [ ! -e "$client" ] || [ ! -e build/win32/plugin/win.xpl ]; then
   printf '\nNo Wine or no 32-bit build (./test makes it): local requests are left out.\n'
   exit 0
@@ -98,7 +98,7 @@ done
 status=0
 for records in 1 10 50; do
   printf '%3d records: ' "$records"
-  wine "$client" latency 2000 "$records" 2>/dev/null | tr -d '\r' || status=1
+  wine "$client" 2000 "$records" 2>/dev/null | tr -d '\r' || status=1
 done
 echo quit >&7
 exit "$status"

@@ -11,21 +11,14 @@
 #include "base/log.h"
 #include "custom/custom.h"
 #include "row_harness.h"
+#include "test_tools.h"
 
 namespace custom {
 
 inline std::string Folder() { return testing::TempDir() + "tavrix_custom/Resources/plugins/TAVRIX/"; }
 
-inline std::string ReadText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-inline void WriteFile(const std::string& text) {
-  std::ofstream(Folder() + "TAVRIXOffsets.cfg", std::ios::binary) << text;
-}
-
-inline std::string Log() { return ReadText(Folder() + "TAVRIX.txt"); }
+inline void WriteFile(const std::string& text) { tools::WriteFile(Folder() + "TAVRIXOffsets.cfg", text); }
+inline std::string Log() { return tools::ReadFile(Folder() + "TAVRIX.txt"); }
 
 // Writes the file and loads it; the log begins anew.
 inline void Load(const std::string& text) {
@@ -38,6 +31,7 @@ inline void Start() {
   std::filesystem::remove_all(testing::TempDir() + "tavrix_custom");
   std::filesystem::create_directories(Folder());
   rows::Start("jet", {}, testing::TempDir() + "tavrix_custom");
+  ConnectCustomOffsets();
   OpenLogs(Folder().c_str(), nullptr);
 }
 
@@ -46,6 +40,11 @@ inline void Stop() {
   CloseLogs();
   rows::Stop();
 }
+
+struct Harness : testing::Test {
+  void SetUp() override { Start(); }
+  void TearDown() override { Stop(); }
+};
 
 // The write cycle of one frame.
 inline void WriteFrame() { WriteCycle(0, 0, 0, nullptr); }
@@ -58,7 +57,7 @@ inline std::string Writes() {
 
 // The text of each fenced block of that kind in a document.
 inline std::vector<std::string> Blocks(const char* document, const char* kind) {
-  const std::string text = ReadText(std::string(TAVRIX_SOURCE_DIR "/docs/").append(document));
+  const std::string text = tools::ReadFile(std::string(TAVRIX_SOURCE_DIR "/docs/").append(document));
   std::vector<std::string> blocks;
   std::string fence = "```";
   fence.append(kind).append("\n");

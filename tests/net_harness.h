@@ -9,16 +9,15 @@
 #include <vector>
 
 #include "platform/socket.h"
+#include "test_tools.h"
 
 namespace net {
 
 constexpr uint32_t loopback = 0x7F000001;
-constexpr int patienceMs = 20000;  // a wait that takes longer has hung
+using tools::patienceMs;
+using tools::WaitUntil;
 
 using Bytes = std::vector<uint8_t>;
-
-// Calls `condition` until it is true; 0 when it never was.
-int WaitUntil(const std::function<bool()>& condition, int timeoutMs = patienceMs);
 
 // Little-endian pieces for frames and records.
 Bytes Word16(uint32_t value);

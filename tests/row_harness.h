@@ -1,12 +1,14 @@
-// Harness for tests of catalogue rows: the stand-in simulator without a plug-in, and the program's registry,
+// Harness for tests of catalogue rows: the stand-in simulator without a plug-in, and the program's names,
 // readers and writers filled as at start. Tests set datarefs, run one refresh cycle and look at the offset
 // memory, or write offsets as a client does, run the writers and look at datarefs and fired commands.
 #pragma once
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "aircraft/adapters.h"
 #include "base/locks.h"
@@ -25,8 +27,16 @@
 
 namespace rows {
 
+using enum Stored;
+
 // Of the request that the writes below belong to.
 inline RequestMarks marks;
+
+inline void LookUp() {
+  LookUpDataRefs();
+  LookUpCommands();
+  BuildCycles();
+}
 
 // Starts everything; `missing` names datarefs that the simulator does not publish this time. What a test before
 // has left in program-wide variables is forgotten.
@@ -42,16 +52,13 @@ inline void Start(const char* aircraft = "jet", std::initializer_list<const char
     ASSERT_NE(sim::FindLive(name), nullptr) << name;
     sim::Withdraw(sim::FindLive(name));
   }
-  ASSERT_EQ(CreateLocks(), 1);
-  ConnectPushback();
-  ConnectCustomOffsets();
+  ASSERT_TRUE(CreateLocks());
   ForgetCustomRequests();
   SetSettingsPath("");  // changes that could not be saved
   marks = {};
+  ConnectPushback();
   InitMemoryBlocks();
-  LookUpDataRefs();
-  LookUpCommands();
-  BuildCycles();
+  LookUp();
   RecogniseAircraft();
   BindReaders();
   AbortPushback();
@@ -69,45 +76,57 @@ inline void Stop() {
   sim::SimStop();
 }
 
-// Sets one element of a dataref, read-only ones too, as the simulator itself would.
-inline void Set(const std::string& name, double value, size_t element = 0) {
-  sim::DataRef* ref = sim::FindLive(name);
-  ASSERT_NE(ref, nullptr) << name;
-  switch (ref->kind) {
-    case sim::Kind::Int:
-    case sim::Kind::IntArray:
-      ref->ints.at(element) = static_cast<int>(value);
-      break;
-    case sim::Kind::Float:
-    case sim::Kind::FloatArray:
-      ref->floats.at(element) = static_cast<float>(value);
-      break;
-    case sim::Kind::Double:
-      ref->doubles.at(element) = value;
-      break;
-    case sim::Kind::Bytes:
-      ref->bytes.at(element) = static_cast<uint8_t>(value);
-      break;
-  }
+inline void Restart(const char* aircraft, std::initializer_list<const char*> missing = {}) {
+  Stop();
+  Start(aircraft, missing);
 }
 
-inline double Get(const std::string& name, size_t element = 0) {
-  const sim::DataRef* ref = sim::FindLive(name);
+struct Harness : testing::Test {
+  void SetUp() override { Start(); }
+  void TearDown() override { Stop(); }
+};
+
+// "name[3]" is element 3, unless a dataref has that very name.
+inline std::pair<sim::DataRef*, size_t> Find(const std::string& name) {
+  sim::DataRef* ref = sim::FindLive(name);
+  const size_t bracket = name.find('[');
+  if (ref != nullptr || bracket == std::string::npos) return {ref, 0};
+  return {sim::FindLive(name.substr(0, bracket)), std::stoul(name.substr(bracket + 1))};
+}
+
+// Sets one element of a dataref, read-only ones too, as the simulator itself would.
+inline void Set(const std::string& name, double value) {
+  const auto [ref, element] = Find(name);
+  ASSERT_NE(ref, nullptr) << name;
+  if (!ref->ints.empty()) ref->ints.at(element) = static_cast<int>(value);
+  if (!ref->floats.empty()) ref->floats.at(element) = static_cast<float>(value);
+  if (!ref->doubles.empty()) ref->doubles.at(element) = value;
+  if (!ref->bytes.empty()) ref->bytes.at(element) = static_cast<uint8_t>(value);
+}
+
+inline double Get(const std::string& name) {
+  const auto [ref, element] = Find(name);
   EXPECT_NE(ref, nullptr) << name;
   if (ref == nullptr) return 0;
-  switch (ref->kind) {
-    case sim::Kind::Int:
-    case sim::Kind::IntArray:
-      return ref->ints.at(element);
-    case sim::Kind::Float:
-    case sim::Kind::FloatArray:
-      return static_cast<double>(ref->floats.at(element));
-    case sim::Kind::Double:
-      return ref->doubles.at(element);
-    case sim::Kind::Bytes:
-      return ref->bytes.at(element);
-  }
-  return 0;
+  if (!ref->ints.empty()) return ref->ints.at(element);
+  if (!ref->floats.empty()) return static_cast<double>(ref->floats.at(element));
+  return ref->doubles.empty() ? ref->bytes.at(element) : ref->doubles.at(element);
+}
+
+// Set while the simulator is to know no name at all (start_names_test.cpp has the look-ups).
+inline bool nothingIsPublished = false;
+
+// Several at once.
+struct Value {
+  std::string name;
+  double value;
+  double tolerance = 1e-6;
+};
+inline void SetAll(std::initializer_list<Value> values) {
+  for (const Value& each : values) Set(each.name, each.value);
+}
+inline void ExpectAll(std::initializer_list<Value> values) {
+  for (const Value& each : values) EXPECT_NEAR(Get(each.name), each.value, each.tolerance) << each.name;
 }
 
 // Commands, keys, buttons and spoken texts since the last call, as the stand-in's console lists them.
@@ -124,6 +143,11 @@ T Read(uint32_t offset) {
   LockScope lock(&offsetLock);
   return Load<T>(offset);
 }
+inline std::string ReadString(uint32_t offset, uint32_t size) {
+  char text[257] = {};
+  CopyFromMemory(offset, size, text);
+  return text;
+}
 
 // The number that a catalogue type means there.
 inline double ReadAs(Stored type, uint32_t offset) {
@@ -131,17 +155,29 @@ inline double ReadAs(Stored type, uint32_t offset) {
   CopyFromMemory(offset, sizeof bytes, bytes);
   return DecodeNumber(type, bytes);
 }
+struct Shown {
+  uint32_t offset;
+  Stored type;
+  double value;
+  double tolerance = 0;
+};
+inline void ExpectShown(std::initializer_list<Shown> values, const char* why = "") {
+  for (const Shown& each : values) {
+    EXPECT_NEAR(ReadAs(each.type, each.offset), each.value, each.tolerance)
+        << "offset 0x" << std::hex << each.offset << ' ' << why;
+  }
+}
 
 // A client's write of plain bytes: dispatched, then copied. Returns what the dispatcher said.
-inline int WriteBytes(uint32_t offset, const void* data, uint32_t size) {
+inline bool WriteBytes(uint32_t offset, const void* data, uint32_t size) {
   LockScope lock(&offsetLock);
-  const int known = DispatchWrite(offset, size, static_cast<const uint8_t*>(data), &marks);
+  const bool known = DispatchWrite(offset, size, static_cast<const uint8_t*>(data), &marks);
   std::memcpy(offsetMemory.bytes + offset, data, size);
   return known;
 }
 
 template <typename T>
-int Write(uint32_t offset, T value) {
+bool Write(uint32_t offset, T value) {
   return WriteBytes(offset, &value, sizeof value);
 }
 
@@ -158,64 +194,82 @@ inline uint32_t Encode(Stored type, double value, uint8_t bytes[8]) {
 }
 
 // A client's write of a number, then the writers of one frame.
-inline int WriteAs(Stored type, uint32_t offset, double value) {
+inline bool WriteAs(Stored type, uint32_t offset, double value) {
   uint8_t bytes[8] = {};
   const uint32_t width = Encode(type, value, bytes);
-  const int known = WriteBytes(offset, bytes, width);
+  const bool known = WriteBytes(offset, bytes, width);
   RunWriters();
   return known;
 }
 
+// The same of a value that the memory does not hold yet, whatever it holds.
+inline void WriteNew(uint32_t offset, Stored type, double value) {
+  uint8_t bytes[8] = {};
+  const uint32_t width = Encode(type, value, bytes);
+  bytes[0] = static_cast<uint8_t>(~bytes[0]);
+  CopyToMemory(offset, width, bytes);
+  EXPECT_TRUE(WriteAs(type, offset, value)) << std::hex << offset;
+}
+
 template <typename T>
 void WriteAndRun(uint32_t offset, T value) {
-  EXPECT_EQ(Write<T>(offset, value), 1) << std::hex << offset;
+  EXPECT_TRUE(Write<T>(offset, value)) << std::hex << offset;
   RunWriters();
 }
 
-// One reader: with the dataref at `value`, the offset holds `expected` after the refresh.
+// Readers of one dataref: with it at `value`, the offset holds `expected` after the refresh.
 struct ReadCase {
   uint32_t offset;
   Stored type;
-  Cycle cycle;
-  const char* dataref;
   double value;
   double expected;
   double tolerance = 0;
-  size_t element = 0;
 };
-inline void CheckRead(const ReadCase& test) {
-  SCOPED_TRACE(testing::Message() << "offset 0x" << std::hex << test.offset << ", " << test.dataref << " = "
-                                  << test.value);
-  const double before = Get(test.dataref, test.element);
-  Set(test.dataref, test.value, test.element);
-  Refresh(test.cycle);
-  EXPECT_NEAR(ReadAs(test.type, test.offset), test.expected, test.tolerance);
-  Set(test.dataref, before, test.element);
+inline void CheckReads(const std::string& dataref, Cycle cycle, std::initializer_list<ReadCase> cases) {
+  const double before = Get(dataref);
+  for (const ReadCase& test : cases) {
+    SCOPED_TRACE(testing::Message() << "offset 0x" << std::hex << test.offset << ", " << dataref << " = "
+                                    << test.value);
+    Set(dataref, test.value);
+    Refresh(cycle);
+    EXPECT_NEAR(ReadAs(test.type, test.offset), test.expected, test.tolerance);
+  }
+  Set(dataref, before);
 }
 
-// One writer: after a client wrote `value`, the dataref holds `expected`. It starts from elsewhere, so that
+// Writers of one dataref: after a client wrote `value`, it holds `expected`. It starts from elsewhere, so that
 // an unchanged dataref is no success.
 struct WriteCase {
   uint32_t offset;
   Stored type;
   double value;
-  const char* dataref;
   double expected;
   double tolerance = 0;
-  size_t element = 0;
   double before = 0.37;
 };
-inline void CheckWrite(const WriteCase& test) {
-  SCOPED_TRACE(testing::Message() << "offset 0x" << std::hex << test.offset << ", " << test.dataref
-                                  << ", written " << test.value);
-  Set(test.dataref, test.before, test.element);
-  // Whatever the memory holds, the written value differs from it.
-  uint8_t bytes[8] = {};
-  const uint32_t width = Encode(test.type, test.value, bytes);
-  bytes[0] = static_cast<uint8_t>(~bytes[0]);
-  CopyToMemory(test.offset, width, bytes);
-  EXPECT_EQ(WriteAs(test.type, test.offset, test.value), 1);
-  EXPECT_NEAR(Get(test.dataref, test.element), test.expected, test.tolerance);
+inline void CheckWrites(const std::string& dataref, std::initializer_list<WriteCase> cases) {
+  for (const WriteCase& test : cases) {
+    SCOPED_TRACE(testing::Message() << "offset 0x" << std::hex << test.offset << ", " << dataref << ", written "
+                                    << test.value);
+    Set(dataref, test.before);
+    WriteNew(test.offset, test.type, test.value);
+    EXPECT_NEAR(Get(dataref), test.expected, test.tolerance);
+  }
+}
+
+// What is fired by one write after the other.
+struct CallCase {
+  uint32_t offset;
+  Stored type;
+  double value;
+  const char* calls;
+};
+inline void CheckCalls(std::initializer_list<CallCase> cases) {
+  Calls();
+  for (const CallCase& test : cases) {
+    WriteNew(test.offset, test.type, test.value);
+    EXPECT_EQ(Calls(), test.calls) << std::hex << test.offset << " = " << test.value;
+  }
 }
 
 }  // namespace rows

@@ -89,97 +89,6 @@ void UnknownRecord(ClientBlock* block) {
   Expect(ReadWord(scratchOffset) == 0x11111111, "the write behind it was served");
 }
 
-// Records up to the very end of the view and no terminator: 0, and all of them served.
-void NoTerminator(ClientBlock* block) {
-  RecordWriter records = {block->view, 0};
-  const uint8_t* data = records.Read(constantOffset, 4);
-  const uint32_t rest = block->size - static_cast<uint32_t>(records.at) - 16;
-  const uint8_t* tail = records.Read(constantOffset + 4 - rest, rest) + rest - 4;
-  Expect(records.at == block->size, "the mode fills the block wrongly");
-  ExpectAnswer(block->atom, 0, "no terminator");
-  Expect(LoadFrom<uint32_t>(data) == constantValue, "the first record was not served");
-  Expect(LoadFrom<uint32_t>(tail) == constantValue,
-         "the end of the record that ends with the view was not served");
-}
-
-// The last header is cut by the view's end, or its data is one byte too long: 0, nothing of it applied.
-void CutRecord(ClientBlock* block) {
-  PrepareScratch(0x33333333);
-  std::vector<uint8_t> bytes(block->size, 0x44);
-  for (const uint32_t left : {4u, 8u, 12u, 15u}) {
-    std::memset(block->view, 0, block->size);
-    RecordWriter records = {block->view, 0};
-    records.Read(0, block->size - 16 - left);
-    const uint32_t words[3] = {left == 15 ? 1u : 2u, scratchOffset, left == 15 ? 0u : 1u};
-    std::memcpy(block->view + records.at, words, left < 12 ? left : 12);
-    ExpectAnswer(block->atom, 0, "cut header");
-  }
-  RecordWriter records = {block->view, 0};
-  records.Word(2);
-  records.Word(scratchOffset);
-  records.Word(block->size - 12 + 1);
-  std::memcpy(block->view + records.at, bytes.data(), block->size - 12);
-  ExpectAnswer(block->atom, 0, "data beyond the view");
-  Expect(ReadWord(scratchOffset) == 0x33333333, "a part of a record was applied");
-}
-
-// Sizes that leave the memory or wrap around: 0, the block unchanged.
-void Oversize(ClientBlock* block) {
-  const uint32_t cases[][3] = {
-      {1, 0, memorySize + 1},      {1, 0, 0xFFFFFFFF},     {1, 0x10, 0xFFFFFFF0},
-      {1, 4, memorySize - 3},      {2, 0, memorySize + 1}, {2, scratchOffset, 0xFFFFFFFF},
-      {2, 0x10, 0xFFFFFFF0},       {1, 0xFFFFFFF0, 0x10},  {2, 0xFFFFFFFF, 2},
-      {1, 0x80000000, 0x80000000},
-  };
-  PrepareScratch(0x55555555);
-  for (const auto& words : cases) {
-    std::memset(block->view, 0xAB, block->size);
-    std::memcpy(block->view, words, sizeof words);
-    ExpectAnswer(block->atom, 0, "oversize record");
-    for (uint32_t i = sizeof words; i < block->size; ++i) {
-      if (!Expect(block->view[i] == 0xAB, "the block was changed at " + std::to_string(i))) break;
-    }
-  }
-  Expect(ReadWord(scratchOffset) == 0x55555555, "an oversize write was applied");
-}
-
-// The memory's last bytes are served, one byte more is not.
-void BeyondMemory(ClientBlock* block) {
-  for (const uint32_t offset : {memorySize - 4, memorySize - 3, memorySize - 1, memorySize, memorySize + 4}) {
-    RecordWriter records = {block->view, 0};
-    records.Read(offset, 4);
-    records.End();
-    ExpectAnswer(block->atom, offset == memorySize - 4, "read at the memory's end");
-  }
-  const uint32_t before = ReadWord(memorySize - 4);
-  const uint32_t value = before + 0x01010101;
-  for (const uint32_t offset : {memorySize - 2, memorySize}) {
-    RecordWriter records = {block->view, 0};
-    records.Write(offset, 4, &value);
-    records.End();
-    ExpectAnswer(block->atom, 0, "write at the memory's end");
-    Expect(ReadWord(memorySize - 4) == before, "a part of the write was applied");
-  }
-}
-
-// A list of nothing: 1.
-void Empty(ClientBlock* block) {
-  std::memset(block->view, 0, block->size);
-  ExpectAnswer(block->atom, 1, "empty list");
-}
-
-// Records of size 0 still take their header's room: 1, and the read behind them is served.
-void ZeroSizes(ClientBlock* block) {
-  RecordWriter records = {block->view, 0};
-  records.Read(0x1234, 0);
-  records.Write(scratchOffset, 0, nullptr);
-  records.Read(0, 0);
-  const uint8_t* data = records.Read(constantOffset, 4);
-  records.End();
-  ExpectAnswer(block->atom, 1, "records of size 0");
-  Expect(LoadFrom<uint32_t>(data) == constantValue, "the read behind them was not served");
-}
-
 // A write to a read-only offset is passed over: 1, nothing changed, the next write applied.
 void ReadOnlyWrite(ClientBlock* block) {
   PrepareScratch(0);
@@ -351,15 +260,10 @@ struct Mode {
   void (*run)(ClientBlock* block);
 };
 constexpr Mode modes[] = {
-    {"unknown-record", UnknownRecord},   {"no-terminator", NoTerminator},
-    {"cut-record", CutRecord},           {"oversize-read", Oversize},
-    {"beyond-memory", BeyondMemory},     {"empty", Empty},
-    {"zero-sizes", ZeroSizes},           {"readonly-write", ReadOnlyWrite},
-    {"huge-mapping", HugeMapping},       {"reserved-mapping", ReservedMapping},
-    {"tiny-mapping", TinyMapping},       {"bad-atom", BadAtom},
-    {"missing-mapping", MissingMapping}, {"readonly-mapping", ReadOnlyMapping},
-    {"unmap-during", UnmapDuring},       {"die-mid-request", DieMidRequest},
-    {"meddling", MeddlingMessages},
+    {"unknown-record", UnknownRecord},     {"readonly-write", ReadOnlyWrite},     {"huge-mapping", HugeMapping},
+    {"reserved-mapping", ReservedMapping}, {"tiny-mapping", TinyMapping},         {"bad-atom", BadAtom},
+    {"missing-mapping", MissingMapping},   {"readonly-mapping", ReadOnlyMapping}, {"unmap-during", UnmapDuring},
+    {"die-mid-request", DieMidRequest},    {"meddling", MeddlingMessages},
 };
 
 int RunMode(const Mode& mode) {
@@ -386,8 +290,7 @@ int Usage() {
       "  flood-posted SECONDS SENDERS    messages into the window's queue, from so many threads\n"
       "  flood-threads SECONDS SENDERS   messages into the queues of the simulator's threads\n"
       "  flood-sent SECONDS SENDERS      messages handed over to the window like requests\n"
-      "  long-request MEGABYTES          one request with a block of this size\n"
-      "  latency REQUESTS RECORDS        median time of a request and of a bare window message\n");
+      "  long-request MEGABYTES          one request with a block of this size\n");
   return 2;
 }
 
@@ -396,7 +299,6 @@ int Usage() {
 int main(int count, char** words) {
   if (count < 2) return Usage();
   const std::string name = words[1];
-  if (name == "latency-helper" && count == 3) return RunLatencyHelper(words[2]);
   if (!FindServer(&server)) {
     std::printf("%s: no window KORLMAIN\n", name.c_str());
     return 2;
@@ -422,8 +324,6 @@ int main(int count, char** words) {
                      Argument(count, words, 4, 0));
   }
   if (name == "change-while-served") load = RunChangeWhileServed(server, Argument(count, words, 2, 2));
-  if (name == "latency")
-    load = RunLatency(server, Argument(count, words, 2, 1000), Argument(count, words, 3, 50));
   if (load >= 0) {
     if (ExpectAlive()) return load;
     std::printf("%s: FAILED: %s\n", name.c_str(), why.c_str());

@@ -1,9 +1,7 @@
 // Joystick buttons: settings section, actions, edges, thread.
 #include "controls/buttons.h"
 
-#include <chrono>
 #include <functional>
-#include <thread>
 
 #include "custom_harness.h"
 #include "settings/settings.h"
@@ -62,7 +60,7 @@ TEST_F(Buttons, SettingsSection) {
 
   EXPECT_EQ(SaveButtonAssignment(9, {0x66F0, 4, 17, -1, 1, 0, 0, 0, 0, 1, 0, 0}), 1);
   EXPECT_EQ(Fields(AssignmentOfButton(9)), "26352,4,17,-1,1,0,0,0,0,1,0,0");
-  const auto file = [] { return custom::ReadText(custom::Folder() + "TAVRIX.ini"); };
+  const auto file = [] { return tools::ReadFile(custom::Folder() + "TAVRIX.ini"); };
   EXPECT_NE(file().find("9 = 66F0,4,17,-1,1,0,0,0,0,1,0,0\n"), std::string::npos) << file();
   EXPECT_EQ(ClearButtonAssignment(9), 1);
   EXPECT_NE(file().find("9 = 0,0,0,0,0,0,0,0,0,0,0,0\n"), std::string::npos) << file();
@@ -78,11 +76,7 @@ void Button(int button, int state) {
   WatchButtons(states, maxButtons);
 }
 
-void WaitFor(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  while (!condition() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
-  EXPECT_TRUE(condition());
-}
+void WaitFor(const std::function<bool()>& condition) { EXPECT_TRUE(tools::WaitUntil(condition)); }
 
 // Button 1599 writes a mark: when it is there, everything queued before is done.
 void Drain() {

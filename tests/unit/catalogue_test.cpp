@@ -6,9 +6,10 @@
 #include <cmath>
 #include <cstdlib>
 #include <map>
+#include <memory>
 #include <new>
 #include <set>
-#include <span>
+#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -16,7 +17,8 @@
 #include "XPLMPlugin.h"
 #include "XPLMUtilities.h"
 #include "bridge/catalogue/losses.h"
-#include "bridge/slew.h"
+#include "bridge/stations.h"
+#include "offsets/request_walk.h"
 #include "row_harness.h"
 #include "shell/override_watch.h"
 
@@ -72,33 +74,31 @@ std::vector<const OffsetRow*> AllRows() {
 }
 
 bool IsRefreshed(const OffsetRow& row) { return row.cycle != Cycle::None; }
-bool IsWritten(const OffsetRow& row) { return HasWriter(row); }
 testing::Message At(uint32_t offset) { return testing::Message() << "offset 0x" << std::hex << offset; }
 
 using Callback = float (*)(float, float, int, void*);
 struct Loop {
+  const char* name;
   Cycle cycle;
   int frames;
   Callback run;
 };
 constexpr Loop loops[] = {
-    {Cycle::C1, 1, RefreshCycle1},
-    {Cycle::C3, 3, RefreshCycle3},
-    {Cycle::C7, 7, RefreshCycle7},
-    {Cycle::C13, 13, RefreshCycle13},
-    {Cycle::C31Navigation, 31, RefreshCycle31Navigation},
-    {Cycle::C31, 31, RefreshCycle31},
-    {Cycle::C59, 59, RefreshCycle59},
-    {Cycle::C157, 157, RefreshCycle157},
-    {Cycle::C313, 313, RefreshCycle313},
+    {"1", Cycle::C1, 1, RefreshCycle1},
+    {"3", Cycle::C3, 3, RefreshCycle3},
+    {"7", Cycle::C7, 7, RefreshCycle7},
+    {"13", Cycle::C13, 13, RefreshCycle13},
+    {"31n", Cycle::C31Navigation, 31, RefreshCycle31Navigation},
+    {"31", Cycle::C31, 31, RefreshCycle31},
+    {"59", Cycle::C59, 59, RefreshCycle59},
+    {"157", Cycle::C157, 157, RefreshCycle157},
+    {"313", Cycle::C313, 313, RefreshCycle313},
 };
 
+// The readers alone; the second navigation radio shows what the navigation cycle has tuned.
 void RunCycle(Cycle cycle) {
-  for (const Loop& loop : loops) {
-    // The second navigation radio shows what the navigation cycle has tuned.
-    const bool tunes = loop.cycle == Cycle::C31Navigation && cycle == Cycle::C31;
-    if (loop.cycle == cycle || tunes) loop.run(0, 0, 0, nullptr);
-  }
+  if (cycle == Cycle::C31 || cycle == Cycle::C31Navigation) TuneStations();
+  rows::Refresh(cycle);
 }
 
 void RunAllCycles() {
@@ -129,81 +129,121 @@ std::vector<uint8_t> Snapshot() {
   return bytes;
 }
 
-class Catalogued : public testing::Test {
- protected:
-  void SetUp() override { rows::Start(); }
-  void TearDown() override { rows::Stop(); }
-};
+using Catalogued = rows::Harness;
 
 // --- What it holds --------------------------------------------------------------------------------------
 
-TEST_F(Catalogued, RefreshesEachOffsetInItsCycleAlone) {
-  std::map<uint32_t, Cycle> expected;
-  for (const auto& list : refreshedOffsets) {
-    for (const uint32_t offset : list.offsets) expected[offset] = list.cycle;
-  }
-  // Rows by their first byte; the whole metres are the upper half of the fine altitude and a row as well.
-  std::map<uint32_t, const OffsetRow*> rowAt;
-  uint32_t end = 0;
-  for (const OffsetRow* row : AllRows()) EXPECT_TRUE(rowAt.emplace(row->offset, row).second) << At(row->offset);
-  for (const auto& [offset, row] : rowAt) {
-    if (offset != 0x0574) {
-      EXPECT_GE(offset, end) << At(offset) << " overlaps the row before";
+// The offsets of a list, each with the words of the head (up to its colon) that stands before it.
+template <typename Take>
+void ForEachOffset(const char* list, const Take& take) {
+  std::istringstream lines(list);
+  std::string line, head;
+  while (std::getline(lines, line)) {
+    if (const size_t colon = line.find(':'); colon != std::string::npos) {
+      head = line.substr(0, colon);
+      line.erase(0, colon + 1);
     }
+    std::istringstream words(line);
+    for (std::string word; words >> word;) {
+      const size_t dash = word.find('-');
+      const auto first = static_cast<uint32_t>(std::stoul(word, nullptr, 16));
+      const auto last = dash == std::string::npos ? first : std::stoul(word.substr(dash + 1), nullptr, 16);
+      for (uint32_t at = first; at <= last; at++) take(head, at);
+    }
+  }
+}
+
+std::string TypeName(const OffsetRow& row) {
+  constexpr const char* names[] = {"u8", "s8", "u16", "s16", "u32", "s32", "s64", "f32", "f64", "text"};
+  return names[static_cast<size_t>(row.type)] + (row.type == Stored::Text ? std::to_string(row.length) : "");
+}
+
+TEST_F(Catalogued, RefreshesEachOffsetInItsCycleAlone) {
+  std::map<uint32_t, const OffsetRow*> rowAt;
+  for (const OffsetRow* row : AllRows()) EXPECT_TRUE(rowAt.emplace(row->offset, row).second) << At(row->offset);
+  // The whole metres are the upper half of the fine altitude and a row as well.
+  uint32_t end = 0;
+  for (const auto& [offset, row] : rowAt) {
+    EXPECT_TRUE(offset >= end || offset == 0x0574) << At(offset) << " overlaps the row before";
     end = offset + StoredWidth(*row);
     EXPECT_LE(end, offsetMemorySize);
-    const auto first = expected.lower_bound(offset);
-    const bool listed = first != expected.end() && first->first < end;
-    EXPECT_EQ(IsRefreshed(*row), listed) << At(offset);
   }
+
+  std::vector<Cycle> refreshedIn(offsetMemorySize, Cycle::None);
+  size_t count = 0;
+  ForEachOffset(refreshed, [&](const std::string& head, uint32_t offset) {
+    const auto row = rowAt.find(offset);
+    ASSERT_NE(row, rowAt.end()) << At(offset);
+    const auto loop = std::find_if(std::begin(loops), std::end(loops), [&](const Loop& each) {
+      return static_cast<int>(each.cycle) == static_cast<int>(row->second->cycle);
+    });
+    ASSERT_NE(loop, std::end(loops)) << At(offset);
+    std::istringstream words(head);
+    std::string cycle, type;
+    words >> cycle >> type;
+    EXPECT_EQ(loop->name, cycle) << At(offset);
+    EXPECT_EQ(TypeName(*row->second), type) << At(offset);
+    std::fill_n(refreshedIn.begin() + offset, StoredWidth(*row->second), loop->cycle);
+    count++;
+  });
+  EXPECT_EQ(count, static_cast<size_t>(std::count_if(rowAt.begin(), rowAt.end(), [](const auto& entry) {
+              return IsRefreshed(*entry.second);
+            })));
 
   // What a cycle touches, whatever the memory held before.
   rows::Set("sim/flightmodel/failures/onground_any", 0);  // else the touchdown speed stands still
   RunAllCycles();
-  for (const auto& list : refreshedOffsets) {
+  for (const Loop& loop : loops) {
     std::array<std::vector<uint8_t>, 2> after;
     for (size_t pass = 0; pass < 2; pass++) {
       Paint(paint[pass]);
-      rows::Refresh(list.cycle);
+      rows::Refresh(loop.cycle);
       after[pass] = Snapshot();
     }
-    std::set<uint32_t> touched;
     for (uint32_t at = 0; at < offsetMemorySize; at++) {
-      if (after[0][at] != paint[0] || after[1][at] != paint[1]) touched.insert(at);
-    }
-    for (const uint32_t offset : list.offsets) EXPECT_TRUE(touched.contains(offset)) << At(offset);
-    for (const uint32_t at : touched) {
-      const auto row = std::prev(rowAt.upper_bound(at));
-      const auto listed = expected.lower_bound(row->first);
-      ASSERT_LT(at, row->first + StoredWidth(*row->second)) << At(at) << " belongs to no row";
-      EXPECT_TRUE(listed != expected.end() && listed->second == list.cycle) << At(at) << " in a wrong cycle";
+      const bool touched = after[0][at] != paint[0] || after[1][at] != paint[1];
+      EXPECT_EQ(touched, refreshedIn[at] == loop.cycle) << At(at) << " in cycle " << loop.name;
     }
   }
 }
 
 TEST_F(Catalogued, DispatchesWhatHasAWriter) {
-  std::map<uint32_t, uint32_t> expected;
-  for (const auto& entry : dispatched) expected[entry.offset] = entry.width;
-  for (uint32_t offset = 0; offset < offsetMemorySize; offset++) {
-    const auto entry = expected.find(offset);
-    EXPECT_EQ(DispatchWidth(offset), entry == expected.end() ? 0 : entry->second) << At(offset);
-  }
-  std::set<uint32_t> written;
+  std::vector<uint32_t> widths(offsetMemorySize);
+  std::set<uint32_t> expected, written;
+  ForEachOffset(dispatched, [&](const std::string& head, uint32_t offset) {
+    widths[offset] = static_cast<uint32_t>(std::stoul(head));
+    expected.insert(offset);
+  });
+  for (uint32_t offset = 0; offset < offsetMemorySize; offset++)
+    EXPECT_EQ(DispatchWidth(offset), widths[offset]) << At(offset);
+  ForEachOffset(withoutWriter, [&](const std::string&, uint32_t offset) { expected.erase(offset); });
   for (const OffsetRow* row : AllRows()) {
-    if (IsWritten(*row)) written.insert(row->offset);
+    if (HasWriter(*row)) written.insert(row->offset);
   }
-  for (const uint32_t offset : writers) EXPECT_TRUE(written.contains(offset)) << At(offset);
-  EXPECT_EQ(written.size(), std::size(writers) + 1);  // the jettisonable load beside them
+  EXPECT_EQ(written, expected);
+}
 
-  size_t bytes = 0;
-  for (const auto& range : readOnly) {
-    for (uint32_t at = range.first; at <= range.last; at++, bytes++) {
-      EXPECT_EQ(VariablesAccessMemBlock[at], accessReadOnly) << At(at);
-      EXPECT_FALSE(expected.contains(at)) << At(at) << " cannot be written, yet has a writer";
-    }
+// A write record of one byte for every offset: each arrives but those at read-only bytes.
+TEST_F(Catalogued, PassesOverWritesOfReadOnlyBytes) {
+  const std::vector<uint8_t> before = Snapshot();
+  std::vector<uint8_t> request;
+  for (uint32_t at = 0; at < offsetMemorySize; at++) {
+    const uint32_t header[] = {recordWrite, at, 1};
+    const auto* bytes = reinterpret_cast<const uint8_t*>(header);
+    request.insert(request.end(), bytes, bytes + sizeof header);
+    request.push_back(static_cast<uint8_t>(~before[at]));
   }
-  for (const uint8_t access : VariablesAccessMemBlock) bytes -= access == accessReadOnly;
-  EXPECT_EQ(bytes, 0u);
+  request.insert(request.end(), sizeof recordEnd, 0);
+  const auto scratch = std::make_unique<RequestScratch>();
+  ASSERT_TRUE(ServeRecords(request.data(), request.size(), PathSource::Local, 1, scratch.get()));
+  const std::vector<uint8_t> after = Snapshot();
+  std::set<uint32_t> expected, kept;
+  ForEachOffset(readOnly, [&](const std::string&, uint32_t at) { expected.insert(at); });
+  EXPECT_EQ(expected.size(), 108u);
+  for (uint32_t at = 0; at < offsetMemorySize; at++) {
+    if (after[at] == before[at]) kept.insert(at);
+  }
+  EXPECT_EQ(kept, expected);
 }
 
 TEST_F(Catalogued, EndsTheWalkAtAnOffsetWithoutMeaning) {
@@ -222,7 +262,7 @@ TEST_F(Catalogued, EndsTheWalkAtAnOffsetWithoutMeaning) {
 TEST(CatalogueTexts, AreThereAndUnique) {
   std::set<std::string> names, subjects;
   for (const RowTable* table : Catalogue())
-    EXPECT_TRUE(subjects.insert(table->subject == nullptr ? "" : table->subject).second);
+    EXPECT_TRUE(subjects.insert(table->subject != nullptr ? table->subject : "").second);
   for (const OffsetRow* row : AllRows()) {
     SCOPED_TRACE(At(row->offset));
     EXPECT_NE(row->meaning[0], 0);
@@ -233,7 +273,7 @@ TEST(CatalogueTexts, AreThereAndUnique) {
     }
     EXPECT_TRUE(std::isfinite(row->unitScale) && row->unitScale != 0 && std::isfinite(row->unitBias));
     EXPECT_EQ(row->type == Stored::Text, row->length != 0);
-    EXPECT_EQ(row->type == Stored::Text, row->show == Show::Text);
+    EXPECT_TRUE(row->show != Show::Text || row->type == Stored::Text);
     if (row->show == Show::Flag || row->show == Show::Bits) {
       EXPECT_STREQ(row->unit, "");
     }
@@ -241,18 +281,15 @@ TEST(CatalogueTexts, AreThereAndUnique) {
       EXPECT_EQ(StoredWidth(*row), 2u);
     }
     // Where a value comes from, and where it goes, is said once.
-    EXPECT_LE((row->source.ref != nullptr) + (row->read != nullptr) + (row->readText != nullptr) +
-                  (row->prepared != nullptr),
-              1);
-    EXPECT_EQ(IsRefreshed(*row), row->source.ref != nullptr || row->read != nullptr ||
-                                     row->readText != nullptr || row->prepared != nullptr ||
-                                     !row->variants.empty());
+    const int sources = (row->source.ref != nullptr) + (row->read != nullptr) + (row->readText != nullptr) +
+                        (row->prepared != nullptr);
+    EXPECT_LE(sources, 1);
     EXPECT_LE((row->write.target.ref != nullptr) + (row->write.apply != nullptr) +
                   (row->write.group != nullptr) + row->write.staged,
               1);
     EXPECT_LE(row->write.low, row->write.high);
     if (row->lossy[0] != 0) {
-      EXPECT_TRUE(IsWritten(*row));
+      EXPECT_TRUE(HasWriter(*row));
     }
   }
 }
@@ -291,7 +328,7 @@ bool ComesBack(const OffsetRow& row, double value) {
 
 TEST(CatalogueRoundTrip, WritesReadBackUnlessTheRowSaysOtherwise) {
   for (const OffsetRow* row : AllRows()) {
-    if (!IsRefreshed(*row) || !IsWritten(*row)) continue;
+    if (!IsRefreshed(*row) || !HasWriter(*row)) continue;
     SCOPED_TRACE(At(row->offset) << " " << row->name << row->member);
     rows::Start();  // every row from the same state
     rows::Set("sim/flightmodel/controls/parkbrake", 0);
@@ -313,10 +350,10 @@ TEST(CatalogueRoundTrip, WritesReadBackUnlessTheRowSaysOtherwise) {
 }
 
 // The way back to the value that the simulator has is a change too while another value waits, though a refresh
-// has shown the simulator's own value again meanwhile.
-TEST(CatalogueRoundTrip, ValueWrittenBackWithinAFrameIsTheOneThatCounts) {
+// has shown the simulator's own value again meanwhile; and when that other value was applied in between.
+TEST(CatalogueRoundTrip, ValueWrittenBackIsTheOneThatCounts) {
   for (const OffsetRow* row : AllRows()) {
-    if (!IsRefreshed(*row) || !IsWritten(*row) || row->type == Stored::Text) continue;
+    if (!IsRefreshed(*row) || !HasWriter(*row) || row->type == Stored::Text) continue;
     const bool isSwitch = std::string_view(row->lossy) == flagLoss;
     if (row->lossy[0] != 0 && !isSwitch) continue;
     SCOPED_TRACE(At(row->offset) << " " << row->name << row->member);
@@ -325,13 +362,16 @@ TEST(CatalogueRoundTrip, ValueWrittenBackWithinAFrameIsTheOneThatCounts) {
     RunAllCycles();
     rows::WriteAs(row->type, row->offset, 1);
     RunCycle(row->cycle);
-    uint8_t shown[8] = {};
+    uint8_t shown[8] = {}, other[8] = {};
     CopyFromMemory(row->offset, sizeof shown, shown);
-    for (const bool refreshedBetween : {false, true}) {
-      uint8_t other[8] = {};
-      const uint32_t width = rows::Encode(row->type, isSwitch ? 0 : 2, other);
+    const uint32_t width = rows::Encode(row->type, isSwitch ? 0 : 2, other);
+    const struct {
+      bool refreshed, applied;  // before the value is written back
+    } cases[] = {{false, false}, {true, false}, {true, true}};
+    for (const auto& test : cases) {
       rows::WriteBytes(row->offset, other, width);
-      if (refreshedBetween) RunCycle(row->cycle);
+      if (test.refreshed) RunCycle(row->cycle);
+      if (test.applied) RunWriters();
       rows::WriteBytes(row->offset, shown, width);
       RunWriters();
       RunCycle(row->cycle);
@@ -345,7 +385,7 @@ TEST(CatalogueRoundTrip, ValueWrittenBackWithinAFrameIsTheOneThatCounts) {
 // --- Without datarefs -----------------------------------------------------------------------------------
 
 TEST(CatalogueWithoutDatarefs, StoresWhatZeroGivesAndConsumesWrites) {
-  std::array<std::vector<uint8_t>, 2> refreshed;
+  std::array<std::vector<uint8_t>, 2> shown;
   const uint64_t nullHandles = sim::NullHandles();
   for (const bool published : {true, false}) {
     sim::Options options;
@@ -359,39 +399,36 @@ TEST(CatalogueWithoutDatarefs, StoresWhatZeroGivesAndConsumesWrites) {
       std::fill(ref->floats.begin(), ref->floats.end(), 0.0F);
       std::fill(ref->doubles.begin(), ref->doubles.end(), 0.0);
       std::fill(ref->bytes.begin(), ref->bytes.end(), uint8_t{0});
-      if (!published) sim::Withdraw(ref);
     }
-    ASSERT_EQ(CreateLocks(), 1);
+    rows::nothingIsPublished = !published;
+    ASSERT_TRUE(CreateLocks());
     InitMemoryBlocks();
-    LookUpDataRefs();
-    LookUpCommands();
-    if (!published) DropNamesOf("sim/");
-    BuildCycles();
+    rows::LookUp();
+    rows::nothingIsPublished = false;
     Paint(0x55);
     rows::Write<uint8_t>(0x0609, 0);  // no readers of this run, but the magnetos ask for the engine type
     RunAllCycles();
     RunAllCycles();
     const uint16_t noCount = 0;
     CopyToMemory(0x337E, 2, &noCount);  // the frame counter goes on
-    refreshed[published] = Snapshot();
+    shown[published] = Snapshot();
 
     if (!published) {
-      for (const auto& entry : dispatched) {
-        std::vector<uint8_t> value(entry.width);
-        for (uint32_t i = 0; i < entry.width; i++)
-          value[i] = static_cast<uint8_t>(~refreshed[0][entry.offset + i]);
-        rows::WriteBytes(entry.offset, value.data(), entry.width);
-      }
+      ForEachOffset(dispatched, [&](const std::string& head, uint32_t offset) {
+        std::vector<uint8_t> value(static_cast<size_t>(std::stoi(head)));
+        for (uint32_t i = 0; i < value.size(); i++) value[i] = static_cast<uint8_t>(~shown[0][offset + i]);
+        rows::WriteBytes(offset, value.data(), static_cast<uint32_t>(value.size()));
+      });
       CopyToMemory(0x3380, 1, "x");
       RunFrames(2);
-      for (const uint32_t offset : writers) EXPECT_EQ(pendingFlags.flags[offset], 0u) << At(offset);
+      for (const OffsetRow* row : AllRows()) EXPECT_EQ(pendingFlags.flags[row->offset], 0u) << At(row->offset);
       EXPECT_EQ(sim::SimCommand("writes"), "ok");
     }
     for (const std::string& breach : sim::TakeBreaches()) ADD_FAILURE() << breach;
     EXPECT_EQ(sim::NullHandles(), nullHandles);
     rows::Stop();
   }
-  for (uint32_t at = 0; at < offsetMemorySize; at++) EXPECT_EQ(refreshed[0][at], refreshed[1][at]) << At(at);
+  for (uint32_t at = 0; at < offsetMemorySize; at++) EXPECT_EQ(shown[0][at], shown[1][at]) << At(at);
 }
 
 // --- A frame's cost -------------------------------------------------------------------------------------

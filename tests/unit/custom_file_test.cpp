@@ -118,18 +118,6 @@ TEST(CustomFile, Limits) {
   EXPECT_EQ(Parsed("Dataref " + std::string(256, 'a') + " p int").datarefs.size(), 0u);
 }
 
-TEST(CustomFile, EntriesAreSmall) {
-  std::string text = "Dataref a sim/time/paused int\n";
-  for (int i = 0; i < 5000; ++i)
-    text += "Offset " + std::to_string(i) + " FLOAT64 1 rw $a 2 * 3 + PI / round >a @\n";
-  const Parsed parsed(text);
-  ASSERT_EQ(parsed.offsets.size(), 5000u);
-  const size_t bytes = text.size() + parsed.offsets.capacity() * sizeof(CustomOffsetEntry) +
-                       parsed.tokens.capacity() * sizeof(std::string_view) +
-                       parsed.operations.capacity() * sizeof(Operation);
-  EXPECT_LT(bytes, size_t{5} << 20);
-}
-
 // Without the times of our own lines.
 std::string Unstamped(std::string log) {
   for (size_t at = log.find("TAVRIX->"); at != std::string::npos; at = log.find("TAVRIX->", at + 1)) {
@@ -140,10 +128,7 @@ std::string Unstamped(std::string log) {
   return log;
 }
 
-struct CustomLoad : testing::Test {
-  void SetUp() override { custom::Start(); }
-  void TearDown() override { custom::Stop(); }
-};
+using CustomLoad = custom::Harness;
 
 TEST_F(CustomLoad, LogsWhatIsNotFound) {
   const std::string path =
@@ -336,7 +321,7 @@ TEST(CustomCheck, PointsAtWhatTheSimulatorDidNotFind) {
 TEST_F(CustomLoad, DocumentedFilesAreFaultless) {
   std::vector<std::string> files = custom::Blocks("custom-offsets.md", "offsets");
   EXPECT_GE(files.size(), 4u);
-  files.push_back(custom::ReadText(TAVRIX_SOURCE_DIR "/docs/TAVRIXOffsets.example.cfg"));
+  files.push_back(tools::ReadFile(TAVRIX_SOURCE_DIR "/docs/TAVRIXOffsets.example.cfg"));
   for (const std::string& file : files) {
     EXPECT_FALSE(file.empty());
     for (const ctl::Finding& finding : ctl::CheckOffsetsFile(file, "", ctl::KnownOffsets())) {

@@ -31,10 +31,7 @@ std::string Hex(int offset) {
   return {text, std::to_chars(text, text + sizeof text, offset, 16).ptr};
 }
 
-struct CustomRuntime : testing::Test {
-  void SetUp() override { custom::Start(); }
-  void TearDown() override { custom::Stop(); }
-};
+using CustomRuntime = custom::Harness;
 
 TEST_F(CustomRuntime, EachGroupFollowsItsCycle) {
   using Callback = float (*)(float, float, int, void*);
@@ -64,7 +61,7 @@ TEST_F(CustomRuntime, RefreshStoresTypesAndQuirks) {
        "Offset 9000 UINT16 1 r $psi\nOffset 66C0 SINT8 1 r $psi\nOffset 66C2 FLOAT32 1 r $psi\n"
        "Offset 66C8 UINT16 1 w >psi @\nOffset 66CA UINT8 1 r $x\nOffset 66CB UINT8 1 r\n"
        "Offset 66CC uint8 1 r 5\nOffset 66D0 FLOAT64 1 r $none 1 + $odd $n $past + + +\n");
-  Set("sim/joystick/joystick_button_values", 8, 1599);
+  Set("sim/joystick/joystick_button_values[1599]", 8);
   RefreshCustomOffsets(1);
   EXPECT_EQ(Read<uint16_t>(0x9000), 270);
   EXPECT_EQ(Read<int8_t>(0x66C0), 14);
@@ -96,32 +93,13 @@ TEST_F(CustomRuntime, SharedBytesAreStoredEveryTime) {
   }
 }
 
-// Threads of ours store into the memory as well, the traffic table's among them: the user's entry shows again
-// at the next run of its group, whether its value has changed or not.
-TEST_F(CustomRuntime, StoredAtEveryRunWhoeverHasWritten) {
-  std::string text;
-  for (int i = 0; i < 40; ++i) text += "Offset " + Hex(0xE080 + 4 * i) + " UINT32 1 r 7\n";
-  Load(text);
-  for (int run = 0; run < 3; ++run) {
-    {
-      const LockScope lock(&offsetLock);
-      std::memset(offsetMemory.bytes + 0xE080, 0x55, 160);
-    }
-    RefreshCustomOffsets(1);
-    for (uint32_t i = 0; i < 40; ++i) EXPECT_EQ(Read<uint32_t>(0xE080 + 4 * i), 7u) << i << " in run " << run;
-  }
-}
-
 TEST_F(CustomRuntime, BusyLockIsTriedAgainAtTheEndThread) {
   // An entry of the second batch reads a dataref whose owner makes the holder let the lock go.
-  static std::atomic<int> stage;
-  static std::thread holder;
-  stage = 0;
+  static tools::LockHolder holder;
   XPLMDataRef owned = XPLMRegisterDataAccessor(
       "t/lets_go", xplmType_Int, 0,
       [](void*) {
-        stage = 2;
-        if (holder.joinable()) holder.join();
+        holder.LetGo();
         return 5;
       },
       nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
@@ -131,12 +109,7 @@ TEST_F(CustomRuntime, BusyLockIsTriedAgainAtTheEndThread) {
   for (int i = 0; i < 32; ++i) text += "Offset " + Hex(0x6700 + i) + " UINT8 1 r 3\n";
   text += "Offset 671F UINT16 1 r 1284\nOffset 6740 UINT8 1 r $go\n";
   Load(text);
-  holder = std::thread([] {
-    const LockScope lock(&offsetLock);
-    stage = 1;
-    while (stage != 2) std::this_thread::yield();
-  });
-  while (stage != 1) std::this_thread::yield();
+  holder.Take(&offsetLock);
   const RefreshCounters before = refreshCounters;
   RefreshCustomOffsets(1);
   EXPECT_EQ(refreshCounters.dropped, before.dropped) << "it was free at the second try";
@@ -144,25 +117,18 @@ TEST_F(CustomRuntime, BusyLockIsTriedAgainAtTheEndThread) {
   EXPECT_EQ(Read<uint8_t>(0x6700), 3);
   EXPECT_EQ(Read<uint16_t>(0x671F), 1284);
   EXPECT_EQ(Read<uint8_t>(0x6740), 5);
-  if (holder.joinable()) holder.join();
   ClearCustomOffsets();
   XPLMUnregisterDataAccessor(owned);
 }
 
 TEST_F(CustomRuntime, BusyLockSkipsTheRefreshThread) {
   Load("Offset 66C0 UINT8 1 r 5\n");
-  std::atomic<int> stage = 0;
-  std::thread holder([&] {
-    const LockScope lock(&offsetLock);
-    stage = 1;
-    while (stage != 2) std::this_thread::yield();
-  });
-  while (stage != 1) std::this_thread::yield();
+  tools::LockHolder holder;
+  holder.Take(&offsetLock);
   const uint64_t dropped = refreshCounters.dropped;
   RefreshCustomOffsets(1);  // must not wait: the holder waits for us
   EXPECT_EQ(refreshCounters.dropped, dropped + 1);
-  stage = 2;
-  holder.join();
+  holder.LetGo();
   EXPECT_EQ(Read<uint8_t>(0x66C0), 0);
   RefreshCustomOffsets(1);
   EXPECT_EQ(Read<uint8_t>(0x66C0), 5);
@@ -218,7 +184,7 @@ TEST_F(CustomRuntime, ClientWritesSetDatarefs) {
   }
   Write<uint16_t>(0x66D4, 0x1FF);
   WriteFrame();
-  EXPECT_EQ(Get("t/bytes", 1), 0xFF);
+  EXPECT_EQ(Get("t/bytes[1]"), 0xFF);
   // An entry of size 0 is passed over, and nothing fixed lies there either.
   EXPECT_EQ(Write<uint8_t>(0x66DA, 1), 0);
   custom::Writes();

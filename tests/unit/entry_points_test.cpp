@@ -113,32 +113,35 @@ TEST_P(EntryPoints, InAnyOrderCrashNothingAndLeaveNothing) {
   const struct {
     const char* calls;
     const char* answers;
-  } cases[] = {
-      {"SEFDP", "11"},
-      {"SEDP", "11"},   // the first frame never came
-      {"SEMDP", "11"},  // messages before the first frame
-      {"SEMFMDP", "11"},
-      {"SMEFDP", "11"},      // messages before enable
-      {"SEFDMEFDP", "111"},  // while disabled
-      {"SEFDPM", "11"},      // after stop
-      {"SDP", "1"},          // disable without enable
-      {"SDEFDP", "11"},
-      {"SEFDDP", "11"},
-      {"SEEDP", "111"},    // enable twice
-      {"SEFEFDP", "111"},  // with the threads running
-      {"SEFEFDEFDP", "1111"},
-      {"SEP", "11"},  // stop without disable
-      {"SEFP", "11"},
-      {"SEFPDP", "11"},
-      {"SP", "1"},
-      {"SPP", "1"},
-      {"SSEFDP", "111"},  // start twice
-      {"SEFSFDP", "111"},
-      {"SEFDPSEFDP", "1111"},  // start after stop, without unloading between them
-      {"EDP", "0"},            // never started
-      {"MDP", ""},
-      {"SPEDSEFDP", "1011"},
-  };
+  } cases[] = {{"SEFDP", "11"},
+               {"SEDP", "11"},
+               {"SEMDP", "11"},
+               {"SEMFMDP", "11"},
+               {"SMEFDP", "11"},
+               // while disabled, after stop, disable without enable
+               {"SEFDMEFDP", "111"},
+               {"SEFDPM", "11"},
+               {"SDP", "1"},
+               {"SDEFDP", "11"},
+               {"SEFDDP", "11"},
+               // enable twice, with the threads running too
+               {"SEEDP", "111"},
+               {"SEFEFDP", "111"},
+               {"SEFEFDEFDP", "1111"},
+               // stop without disable
+               {"SEP", "11"},
+               {"SEFP", "11"},
+               {"SEFPDP", "11"},
+               {"SP", "1"},
+               {"SPP", "1"},
+               // start twice, and after stop without unloading between them
+               {"SSEFDP", "111"},
+               {"SEFSFDP", "111"},
+               {"SEFDPSEFDP", "1111"},
+               // never started
+               {"EDP", "0"},
+               {"MDP", ""},
+               {"SPEDSEFDP", "1011"}};
   std::string answers;
   int threads = 0, handles = 0;
   for (int round = 0; round < 4; ++round) {  // what the system makes in the first rounds and keeps is no loss

@@ -16,6 +16,7 @@
 #include "custom/custom.h"
 #include "panels/panels.h"
 #include "row_harness.h"
+#include "test_tools.h"
 
 namespace {
 
@@ -38,9 +39,7 @@ struct Lifecycle : testing::Test {
     EXPECT_EQ(sim::TakeBreaches(), std::vector<std::string>{});
     std::filesystem::remove_all(root);
   }
-  void Put(const char* name, const std::string& text) const {
-    std::ofstream(folder + name, std::ios::binary) << text;
-  }
+  void Put(const char* name, const std::string& text) const { tools::WriteFile(folder + name, text); }
   void Begin(const char* aircraft = "jet") const {
     sim::Options options;
     options.root = root;
@@ -50,23 +49,9 @@ struct Lifecycle : testing::Test {
     options.linked = &entry;
     ASSERT_EQ(sim::SimStart(options), 0);
   }
-  std::string Log() const {
-    std::ifstream file(folder + "TAVRIX.txt", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  int Logged(const std::string& text) const {
-    const std::string log = Log();
-    int count = 0;
-    for (size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) ++count;
-    return count;
-  }
+  std::string Log() const { return tools::ReadFile(folder + "TAVRIX.txt"); }
+  int Logged(const std::string& text) const { return tools::CountText(Log(), text); }
 };
-
-int Count(const std::string& text, const std::string& part) {
-  int count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-  return count;
-}
 
 // What clients left in the last moment before a disable is not done after the next enable; values that they
 // wrote are.
@@ -102,12 +87,12 @@ TEST_F(Lifecycle, RequestsOfTheLastEnableAreForgotten) {
 TEST_F(Lifecycle, RudderIsCentredOnceALoad) {
   Begin();
   sim::SimFrames(5);
-  EXPECT_EQ(Count(Calls(), "once sim/flight_controls/rudder_ctr"), 1);
+  EXPECT_EQ(tools::CountText(Calls(), "once sim/flight_controls/rudder_ctr"), 1);
   for (int round = 0; round < 2; ++round) {
     SimCommand("disable");
     SimCommand("enable");
     sim::SimFrames(5);
-    EXPECT_EQ(Count(Calls(), "rudder_ctr"), 0) << "the pilot's rudder is left alone";
+    EXPECT_EQ(tools::CountText(Calls(), "rudder_ctr"), 0) << "the pilot's rudder is left alone";
   }
 }
 
@@ -128,7 +113,7 @@ TEST_F(Lifecycle, NetworkClientIsFoundAtEnable) {
   EXPECT_EQ(Logged("XSB found"), 1) << "not again in the cycles";
   SimCommand("disable");
   EXPECT_FALSE(IsLoaded(AddOn::XSquawkBox));
-  EXPECT_EQ(Count(Calls(), "plugin-message 16777218 0"), 1);
+  EXPECT_EQ(tools::CountText(Calls(), "plugin-message 16777218 0"), 1);
 }
 
 TEST_F(Lifecycle, ClientModeRecognisesNothing) {
@@ -207,16 +192,9 @@ TEST_F(Lifecycle, PositionsOfOthersAreReadTenTimesASecond) {
   EXPECT_EQ(MultiplayerCycle(0, 0, 0, nullptr), 0.1F) << "nobody wants them yet";
   sim::SimFrames(5);
   EXPECT_EQ(MultiplayerCycle(0, 0, 0, nullptr), 0.1F);
-  std::atomic<int> stage = 0;
-  std::thread holder([&stage] {
-    const LockScope lock(&trafficLock);
-    stage = 1;
-    while (stage != 2) std::this_thread::yield();
-  });
-  while (stage != 1) std::this_thread::yield();
+  tools::LockHolder holder;
+  holder.Take(&trafficLock);
   EXPECT_EQ(MultiplayerCycle(0, 0, 0, nullptr), 0.1F) << "busy";
-  stage = 2;
-  holder.join();
 }
 
 TEST_F(Lifecycle, OpenWindowFollowsTheTraceSwitches) {

@@ -15,16 +15,14 @@
 #include "base/locks.h"
 #include "platform/system.h"
 #include "platform/thread.h"
+#include "test_tools.h"
 
 namespace {
 
 std::vector<std::string> reports;
 void Report(const char* line) { reports.emplace_back(line); }
 
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+using tools::ReadFile;
 
 struct Log : testing::Test {
   std::filesystem::path root = std::filesystem::path(testing::TempDir()) / "tavrix_log_test";
@@ -134,17 +132,6 @@ TEST_F(Log, DecimalCommasOfTheLocaleDoNotReachTheFile) {
   if (!found) GTEST_SKIP() << "no locale with a decimal comma here, checked with the point";
 }
 
-TEST_F(Log, TimeStampIsTwelveCharactersOfDigitsAndColons) {
-  char text[timeStampSize + 1];
-  text[timeStampSize] = '#';
-  const std::string stamp = TimeStamp(text);
-  EXPECT_EQ(text[timeStampSize], '#');
-  ASSERT_EQ(stamp.size(), 12u);
-  for (size_t i = 0; i < stamp.size(); ++i) {
-    EXPECT_EQ(stamp[i] == ':', i == 2 || i == 5 || i == 8) << stamp;
-  }
-}
-
 TEST_F(Log, OwnLinesCarryTheTime) {
   LogLine("plain\n");
   LogOwn("TAVRIX->%s %i %.1f\n", "text", 7, 2.5);
@@ -244,21 +231,6 @@ TEST_F(Bounded, TraceRecordsAreNotTornApart) {
     EXPECT_EQ(std::count(text.begin() + static_cast<long>(begin), text.end(), '\n'), records * lines) << name;
   }
   EXPECT_EQ(seen, request);
-}
-
-uint32_t LogManyLines(void*) {
-  for (int i = 0; i < 400; ++i) LogLine("line of %s\n", "a worker");
-  return 0;
-}
-
-TEST_F(Log, ReopeningWhileThreadsLogLosesAndTearsNoLine) {
-  Thread threads[3]{};
-  for (Thread& thread : threads) ASSERT_TRUE(StartThread(&thread, LogManyLines, nullptr));
-  for (int i = 0; i < 50; ++i) EXPECT_EQ(ReopenMainLog(), 1);
-  for (Thread& thread : threads) JoinThread(&thread);
-  std::string expected;
-  for (int i = 0; i < 1200; ++i) expected += "line of a worker\n";
-  EXPECT_EQ(MainText(), expected);
 }
 
 uint32_t LogLongLines(void*) {

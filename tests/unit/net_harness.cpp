@@ -10,16 +10,15 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 
-#include "bridge/cycles.h"
 #include "base/locks.h"
 #include "base/log.h"
+#include "bridge/cycles.h"
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "platform/clock.h"
 #include "platform/system.h"
+#include "test_tools.h"
 
 namespace net {
 
@@ -34,15 +33,6 @@ int System(const Socket& socket) { return static_cast<int>(socket.handle); }
 #endif
 
 }  // namespace
-
-int WaitUntil(const std::function<bool()>& condition, int timeoutMs) {
-  const int64_t deadline = MonotonicNanoseconds() + timeoutMs * INT64_C(1000000);
-  while (!condition()) {
-    if (MonotonicNanoseconds() > deadline) return 0;
-    SleepMilliseconds(1);
-  }
-  return 1;
-}
 
 Bytes Word16(uint32_t value) { return {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8)}; }
 Bytes Word32(uint32_t value) { return Join({Word16(value), Word16(value >> 16)}); }
@@ -188,9 +178,6 @@ void Network::TearDown() {
 
 std::string Network::Folder() const { return root.string() + pathSeparator; }
 
-std::string Network::Log(const char* name) const {
-  std::ifstream file(root / name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string Network::Log(const char* name) const { return tools::ReadFile(root / name); }
 
 }  // namespace net

@@ -10,23 +10,19 @@
 #include "platform/clock.h"
 #include "platform/system.h"
 #include "status/status_page.h"
+#include "test_tools.h"
 
 namespace {
 
 using net::Bytes;
 using net::Client;
+using tools::CountText;
 
 int64_t Milliseconds() { return MonotonicNanoseconds() / 1000000; }
 
 void Put(uint32_t offset, uint8_t value) {
   LockScope lock(&offsetLock);
   Store<uint8_t>(offset, value);
-}
-
-int CountText(const std::string& text, const std::string& part) {
-  int count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-  return count;
 }
 
 // Sends a write and waits until the server has applied it.
@@ -146,7 +142,7 @@ TEST_F(NetServerThreads, ANinthClientWaitsUntilOneLeavesAgainAndAgain) {
 
 TEST_F(NetServerThreads, StopEndsEverythingInTimeAndLeavesNothing) {
   const int handles = CountProcessHandles();
-  const int threads = CountProcessThreads();
+  const int threads = tools::CountThreads();
   Client browser;
   for (int round = 0; round < 2; ++round) {  // the second finds the ports free
     Start();

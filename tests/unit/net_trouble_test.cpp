@@ -11,6 +11,7 @@
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/thread.h"
+#include "test_tools.h"
 
 #ifndef _WIN32
 #include <sys/resource.h>
@@ -21,6 +22,7 @@ namespace {
 
 using net::Bytes;
 using net::Client;
+using tools::CountText;
 
 Bytes Memory(uint32_t offset, size_t size) {
   const LockScope lock(&offsetLock);
@@ -30,12 +32,6 @@ Bytes Memory(uint32_t offset, size_t size) {
 RequestCounters Counters() {
   const LockScope lock(&offsetLock);
   return requestCounters;
-}
-
-int CountText(const std::string& text, const std::string& part) {
-  int count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-  return count;
 }
 
 struct NetTroubleThreads : net::Network {
@@ -266,24 +262,37 @@ int Prepare(Client* client) {
              : 0;
 }
 
+// Leaves this program so many handles while it lives.
+struct FewHandles {
+  explicit FewHandles(int left) {
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const int lowest = dup(0);
+    const rlimit few = {static_cast<rlim_t>(lowest) + 1 + static_cast<rlim_t>(left), limit.rlim_max};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    spare.push_back(lowest);
+    for (int fd = dup(0); fd >= 0; fd = dup(0)) spare.push_back(fd);  // the gaps below the limit as well
+    for (; left > 0; --left, spare.pop_back()) close(spare.back());
+  }
+  ~FewHandles() {
+    setrlimit(RLIMIT_NOFILE, &limit);
+    for (const int fd : spare) close(fd);
+  }
+  rlimit limit{};
+  std::vector<int> spare;
+};
+
 TEST_F(NetTroubleThreads, RunningOutOfHandlesIsWaitedOut) {
   Start();
   Client first, second;
   ASSERT_TRUE(net::Connect(&first));
   ASSERT_FALSE(net::ReceiveType(&first, 6).empty());
   ASSERT_TRUE(Prepare(&second));
-  rlimit limit{};
-  getrlimit(RLIMIT_NOFILE, &limit);
-  std::vector<int> spare;  // fills the gaps below the limit
-  const int lowest = dup(0);
-  const rlimit none = {static_cast<rlim_t>(lowest) + 1, limit.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  for (int fd = dup(0); fd >= 0; fd = dup(0)) spare.push_back(fd);
-  const int connected = net::ConnectTo(&second, {net::loopback, requestPort});
-  const int told = net::WaitUntil([] { return serverRunning.load() == 0 || IsShortOfResources(); });
-  setrlimit(RLIMIT_NOFILE, &limit);
-  close(lowest);
-  for (const int fd : spare) close(fd);
+  bool connected = false, told = false;
+  {
+    const FewHandles none(0);
+    connected = net::ConnectTo(&second, {net::loopback, requestPort});
+    told = net::WaitUntil([] { return serverRunning.load() == 0 || IsShortOfResources(); });
+  }
   EXPECT_TRUE(connected);
   EXPECT_TRUE(told);
   EXPECT_TRUE(net::WaitUntil([] { return ConnectedClients() == 2; })) << Log();
@@ -301,23 +310,16 @@ TEST_F(NetTroubleThreads, AcceptedButWithoutHandlesToServe) {
   ASSERT_TRUE(net::Connect(&first));
   ASSERT_FALSE(net::ReceiveType(&first, 6).empty());
   for (Client& other : others) ASSERT_TRUE(Prepare(&other));
-  rlimit limit{};
-  getrlimit(RLIMIT_NOFILE, &limit);
-  std::vector<int> spare;
-  const int lowest = dup(0);
-  const rlimit few = {static_cast<rlim_t>(lowest) + 2, limit.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
-  for (int fd = dup(0); fd >= 0; fd = dup(0)) spare.push_back(fd);
-  close(lowest);
   int turnedAway = 0;
-  for (Client& other : others) {
-    uint8_t byte;
-    if (net::ConnectTo(&other, {net::loopback, requestPort}) &&
-        ReceiveSocket(&other.tcp, &other.waker, 10000, &byte, 1) == 0)
-      ++turnedAway;
+  {
+    const FewHandles one(1);
+    for (Client& other : others) {
+      uint8_t byte;
+      if (net::ConnectTo(&other, {net::loopback, requestPort}) &&
+          ReceiveSocket(&other.tcp, &other.waker, 10000, &byte, 1) == 0)
+        ++turnedAway;
+    }
   }
-  setrlimit(RLIMIT_NOFILE, &limit);
-  for (const int fd : spare) close(fd);
   EXPECT_EQ(turnedAway, 3);
   EXPECT_EQ(CountText(Log(), "no handles or memory left"), 1) << Log();
   Client last;

@@ -8,7 +8,6 @@
 #include <string>
 
 #include "net/frame.h"
-#include "offsetctl/options.h"
 #include "offsetctl/picture.h"
 
 namespace {
@@ -229,45 +228,6 @@ TEST(OffsetctlRequest, ReadRecordsKeepRoomForTheData) {
   ASSERT_EQ(frames.size(), 1u);
   EXPECT_EQ(frames[0].size(), 16 + 256 + 4 + ctl::frameOverhead);
   EXPECT_EQ(frames[0][6], 1);
-}
-
-TEST(OffsetctlOptions, WaysToTheServer) {
-  const struct {
-    const char* words;
-    bool good;
-    const char* net;
-  } cases[] = {
-      {"read ias --net 192.168.0.7", true, "192.168.0.7"},
-      {"read --net=cockpit ias", true, "cockpit"},
-      {"read ias --find", true, ""},
-      {"--find", true, ""},
-      {"--find --timeout 2 --json", true, ""},
-      {"write gear=1 --net cockpit --confirm", true, "cockpit"},
-      {"read ias --net", false, ""},
-      {"read ias --net --json", false, ""},
-      {"read ias --net=", false, ""},
-      {"read ias --net a --local", false, ""},
-      {"read ias --find --net a", false, ""},
-      {"read ias --confirm", false, ""},
-      {"--find ias", false, ""},
-      {"--find --net a", false, ""},
-      {"list --find", false, ""},
-  };
-  for (const auto& row : cases) {
-    std::vector<std::string> words;
-    for (const char* at = row.words; *at != 0;) {
-      const size_t length = std::strcspn(at, " ");
-      words.emplace_back(at, length);
-      at += length + (at[length] != 0);
-    }
-    ctl::Options options;
-    std::string error;
-    EXPECT_EQ(ctl::ParseOptions(words, &options, &error), row.good ? 1 : 0) << row.words << ": " << error;
-    EXPECT_EQ(error.empty(), row.good) << row.words;
-    if (row.good) {
-      EXPECT_EQ(options.net, row.net) << row.words;
-    }
-  }
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <sstream>
 
 #include "offsetctl/encode.h"
 #include "offsetctl/item.h"
@@ -112,38 +114,36 @@ TEST(OffsetctlWrite, EncodesValues) {
 }
 
 TEST(OffsetctlWrite, RefusesWhatDoesNotFit) {
-  const char* cases[] = {
-      "0x0330:u16",
-      "0x0330:u16=",
-      "0x0330:u16=65536",
-      "0x0330:u16=-1",
-      "0x0330:s16=32768",
-      "0x0330:u8=0x100",
-      "0x0330:u64=18446744073709551616",
-      "0x0330:u16=1.5",
-      "0x0330:u16=1 ",
-      "0x0330:f32=1e39",
-      "0x0330:f64=1,5",
-      "0x0330:u16=hex:53",
-      "0x0330:u16=hex:533",
-      "0x0330:hex:2=0102 03",
-      "0x0330=hex:",
-      "0x0330=5",
-      "heading=360",
-      "heading=-0.1",
-      "heading=nan",
-      "heading=0xC000",
-      "com1=99.99",
-      "com1=200",
-      "squawk=10000",
-      "tail=\"D-EABCDEFGHIJ\"",
-      "tail=\"open",
-      "0x0238:u8=1",
-      "hour=5",
-      "0x0237:u16=0",
-      "0x3300:hex:8=0000000000000000",
-      "latitude=1e9",
-  };
+  const char* cases[] = {"0x0330:u16",
+                         "0x0330:u16=",
+                         "0x0330:u16=65536",
+                         "0x0330:u16=-1",
+                         "0x0330:s16=32768",
+                         "0x0330:u8=0x100",
+                         "0x0330:u64=18446744073709551616",
+                         "0x0330:u16=1.5",
+                         "0x0330:u16=1 ",
+                         "0x0330:f32=1e39",
+                         "0x0330:f64=1,5",
+                         "0x0330:u16=hex:53",
+                         "0x0330:u16=hex:533",
+                         "0x0330:hex:2=0102 03",
+                         "0x0330=hex:",
+                         "0x0330=5",
+                         "heading=360",
+                         "heading=-0.1",
+                         "heading=nan",
+                         "heading=0xC000",
+                         "com1=99.99",
+                         "com1=200",
+                         "squawk=10000",
+                         "tail=\"D-EABCDEFGHIJ\"",
+                         "tail=\"open",
+                         "0x0238:u8=1",
+                         "hour=5",
+                         "0x0237:u16=0",
+                         "0x3300:hex:8=0000000000000000",
+                         "latitude=1e9"};
   for (const char* text : cases) {
     Item item;
     std::string error;
@@ -232,37 +232,53 @@ TEST(OffsetctlBlock, SplitsWhereTheBlockIsFull) {
 }
 
 TEST(OffsetctlOptions, ReadsTheCommandLine) {
-  const struct {
-    std::vector<std::string> words;
-    int result;
-  } cases[] = {
-      {{"read", "a", "--json", "--timeout", "2.5"}, 1},
-      {{"watch", "a", "--count=3", "--rate", "20"}, 1},
-      {{"write", "--", "-odd=1"}, 1},
-      {{"list"}, 1},
-      {{"list", "standby", "radio"}, 1},
-      {{"--help"}, 1},
-      {{"dump", "--help"}, 1},
-      {{}, 0},
-      {{"read"}, 0},
-      {{"raed", "a"}, 0},
-      {{"dump", "a", "b"}, 0},
-      {{"write", "a=1", "--json"}, 0},
-      {{"watch", "a", "--count", "0"}, 0},
-      {{"watch", "a", "--rate"}, 0},
-      {{"read", "a", "--timeout", "nan"}, 0},
-      {{"read", "a", "--timeout", "0"}, 0},
-      {{"list", "--timeout", "1"}, 0},
-      {{"--json", "read", "a"}, 0},
-      {{"monitor", "--seconds", "1s"}, 0},
-  };
-  for (const auto& row : cases) {
+  const char* const good[] = {"read a --json --timeout 2.5",
+                              "watch a --count=3 --rate 20",
+                              "write -- -odd=1",
+                              "list",
+                              "list standby radio",
+                              "--help",
+                              "dump --help",
+                              "--find",
+                              "--find --timeout 2 --json"};
+  const char* const bad[] = {"",
+                             "read",
+                             "raed a",
+                             "dump a b",
+                             "write a=1 --json",
+                             "watch a --count 0",
+                             "watch a --rate",
+                             "read a --timeout nan",
+                             "read a --timeout 0",
+                             "list --timeout 1",
+                             "--json read a",
+                             "monitor --seconds 1s",
+                             "read ias --net",
+                             "read ias --net --json",
+                             "read ias --net=",
+                             "read ias --net a --local",
+                             "read ias --find --net a",
+                             "read ias --confirm",
+                             "--find ias",
+                             "--find --net a",
+                             "list --find"};
+  const auto check = [](const std::string& line, bool isGood, const char* net = nullptr) {
+    std::istringstream stream(line);
+    const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
     Options options;
     std::string error;
-    EXPECT_EQ(ParseOptions(row.words, &options, &error), row.result)
-        << testing::PrintToString(row.words) << error;
-    EXPECT_EQ(error.empty(), row.result == 1) << testing::PrintToString(row.words);
-  }
+    EXPECT_EQ(ParseOptions(words, &options, &error), isGood) << line << ": " << error;
+    EXPECT_EQ(error.empty(), isGood) << line;
+    if (net != nullptr) {
+      EXPECT_EQ(options.net, net) << line;
+    }
+  };
+  for (const char* line : good) check(line, true);
+  for (const char* line : bad) check(line, false);
+  check("read ias --net 192.168.0.7", true, "192.168.0.7");
+  check("read --net=cockpit ias", true, "cockpit");
+  check("read ias --find", true, "");
+  check("write gear=1 --net cockpit --confirm", true, "cockpit");
 }
 
 TEST(OffsetctlNames, TableOfTheCatalogueHoldsTogether) {

@@ -11,6 +11,7 @@
 #include "bridge/catalogue/reposition.h"
 #include "row_harness.h"
 #include "settings/settings.h"
+#include "test_tools.h"
 
 #define POSITION "sim/flightmodel/position/"
 
@@ -47,11 +48,7 @@ class Pushback : public testing::Test {
     SetSettingsPath(file.string().c_str());
     InitPushback();
   }
-  std::string File() const {
-    std::stringstream text;
-    text << std::ifstream(file, std::ios::binary).rdbuf();
-    return text.str();
-  }
+  std::string File() const { return tools::ReadFile(file); }
   static void Frames(int count) {
     for (int i = 0; i < count; ++i) PushbackStep();
   }

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include "offsets/dispatcher.h"
 #include "offsets/request_walk.h"
 #include "row_harness.h"
+#include "test_tools.h"
 
 namespace {
 
@@ -27,11 +27,6 @@ void SetByte(uint32_t offset, uint8_t value) {
   LockScope lock(&offsetLock);
   Store<uint8_t>(offset, value);
 }
-uint16_t StagedWord(uint32_t offset) {
-  LockScope lock(&offsetLock);
-  return LoadPending<uint16_t>(offset);
-}
-
 // A request block, built record by record.
 struct Block {
   std::vector<uint8_t> bytes;
@@ -72,11 +67,7 @@ struct Request : testing::Test {
     std::filesystem::remove_all(folder);
     rows::Stop();
   }
-  std::string Trace() const {
-    std::stringstream text;
-    text << std::ifstream(folder / "TAVRIX.log").rdbuf();
-    return text.str();
-  }
+  std::string Trace() const { return tools::ReadFile(folder / "TAVRIX.log"); }
 };
 
 TEST_F(Request, RecordsAreServedInOrderWithoutAlignment) {
@@ -172,21 +163,6 @@ TEST_F(Request, ReadOnlyRecordsAreSkippedWhole) {
   EXPECT_EQ(Trace().find("Offset: 0238"), std::string::npos);
   EXPECT_NE(Trace().find("Req: 000001 WRITE Offset: 6700 Bytes: 001 value: 05 \n"), std::string::npos)
       << Trace();
-}
-
-TEST_F(Request, TwoWritesBeforeAFrameAreOneAndAnEqualOneIsNone) {
-  const auto bug = [](uint8_t low) { return Block().WriteRecord(0x07CC, {low, 0x20}).End(); };
-  for (const uint8_t low : {uint8_t{1}, uint8_t{2}}) {
-    Block block = bug(low);
-    EXPECT_EQ(block.Serve(), 1);
-  }
-  EXPECT_EQ(StagedWord(0x07CC), 0x2002);
-  EXPECT_EQ(pendingFlags.flags[0x07CC], 1U);
-  RunWriters();
-  EXPECT_EQ(pendingFlags.flags[0x07CC], 0U);
-  Block same = bug(2);
-  EXPECT_EQ(same.Serve(), 1);
-  EXPECT_EQ(pendingFlags.flags[0x07CC], 0U) << "the memory held that value already";
 }
 
 // What a refresh does to the memory while a value waits for the write cycle.

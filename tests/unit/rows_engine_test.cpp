@@ -4,50 +4,22 @@
 #include <cmath>
 
 #include "bridge/catalogue/throttle_actions.h"
-#include "bridge/reader_groups.h"
 #include "row_harness.h"
 
 namespace {
 
-using rows::Calls;
-using rows::Refresh;
-using rows::Start;
-using rows::Stop;
+using namespace rows;
+using EngineRows = Harness;
+using enum Cycle;
 
-const std::string engine = "sim/flightmodel/engine/";
-const std::string actuators = "sim/cockpit2/engine/actuators/";
+#define ENGINE "sim/flightmodel/engine/"
+#define ACTUATORS "sim/cockpit2/engine/actuators/"
+const std::string engine = ENGINE;
+const std::string actuators = ACTUATORS;
 const std::string cockpit = "sim/cockpit/engine/";
 const std::string weight = "sim/flightmodel/weight/";
 const std::string failure = "sim/operation/failures/";
 const std::string throttleOverride = "sim/operation/override/override_throttles";
-
-// "name[3]" is element 3 of a dataref.
-std::pair<std::string, size_t> Place(const std::string& text) {
-  const size_t bracket = text.find('[');
-  if (bracket == std::string::npos) return {text, 0};
-  return {text.substr(0, bracket), std::stoul(text.substr(bracket + 1))};
-}
-std::string Element(int n) { return "[" + std::to_string(n) + "]"; }
-void Set(const std::string& text, double value) {
-  const auto [name, element] = Place(text);
-  rows::Set(name, value, element);
-}
-double Get(const std::string& text) {
-  const auto [name, element] = Place(text);
-  return rows::Get(name, element);
-}
-double Memory(uint32_t offset, Stored type) { return rows::ReadAs(type, offset); }
-
-// A client's write of a value that the memory does not hold yet, and one frame's writers.
-void Write(uint32_t offset, Stored type, double value) {
-  OffsetRow row;
-  row.type = type;
-  uint8_t bytes[8] = {};
-  EncodeNumber(row, value, bytes);
-  bytes[0] = static_cast<uint8_t>(~bytes[0]);
-  CopyToMemory(offset, StoredWidth(row), bytes);
-  EXPECT_EQ(rows::WriteAs(type, offset, value), 1) << std::hex << offset;
-}
 
 // By the number that clients know. The offset memory still shows something else, as right after a change of
 // aircraft.
@@ -57,32 +29,14 @@ void SetEngineType(int type) {
   CopyToMemory(0x0609, sizeof other, &other);
 }
 
-class EngineRows : public testing::Test {
- protected:
-  void SetUp() override { Start(); }
-  void TearDown() override { Stop(); }
-};
-
-// --- Places -------------------------------------------------------------------------------------------
-
-// The engines' blocks have fixed distances, and element n of an array belongs to engine n + 1.
-TEST_F(EngineRows, FamiliesKeepTheDistancesOfTheirBlocks) {
-  const std::initializer_list<int64_t> distances = {0x98, 0x100, -0xC0, 1, 2, 4};
+// Element n of an array belongs to engine n + 1.
+TEST_F(EngineRows, FamiliesTakeTheirEnginesElements) {
   for (const RowTable* table : {&throttleRows, &engineRows, &iceRows}) {
     for (const OffsetRow& row : table->rows) {
-      SCOPED_TRACE(testing::Message() << row.name << row.member);
-      if (row.source.ref != nullptr && row.offset != 0x1330) {
-        EXPECT_NE(HandleOf(row.source), nullptr);
-      }
       if (row.member == 0) continue;
       for (const Source& source : {row.source, row.write.target}) {
         const bool isArray = source.accessor == Accessor::IntArray || source.accessor == Accessor::FloatArray;
-        EXPECT_EQ(source.element, isArray ? row.member - 1 : 0);
-      }
-      for (const OffsetRow& next : table->rows) {
-        if (std::string(next.name) != row.name || next.member != row.member + 1) continue;
-        const int64_t distance = int64_t{next.offset} - int64_t{row.offset};
-        EXPECT_NE(std::find(distances.begin(), distances.end(), distance), distances.end()) << distance;
+        EXPECT_EQ(source.element, isArray ? row.member - 1 : 0) << row.name << row.member;
       }
     }
   }
@@ -91,130 +45,94 @@ TEST_F(EngineRows, FamiliesKeepTheDistancesOfTheirBlocks) {
 // --- Readings -----------------------------------------------------------------------------------------
 
 TEST_F(EngineRows, ReadsOneDatarefEach) {
-  const rows::ReadCase cases[] = {
-      // 16384 is 100 %, so 95.5 % is 15646.72 and the rest is cut; 400 % is more than 16 bits hold.
-      {0x0898, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_N1_", 95.5, 15646},
-      {0x2000, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_N1_", 95.5, 95.5, 1e-03},
-      {0x0A60, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_N1_", 100, 16384, 0, 3},
-      {0x0A60, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_N1_", -1, 0, 0, 3},
-      {0x09C8, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_N1_", 401, 65535, 0, 2},
-      {0x092E, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_N2_", 50, 8192, 0, 1},
-      {0x2118, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_N2_", 62.5, 62.5, 6e-04, 1},
-      // One kilogram a second is 3600 kg an hour, 2.2046 lb each.
-      {0x08A0, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_FF_", 0.5, 3968},
-      {0x0918, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_FF_", 0.5, 3968.3, 4e-02},
-      {0x0A68, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_FF_", 10, 65535, 0, 3},
-      {0x2360, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_FF_", 10, 79366, 8e-01, 3},
-      {0x0950, Stored::S16, Cycle::C1, "sim/flightmodel/engine/ENGN_oil_temp_c", -70, -8192, 0, 1},
-      {0x0950, Stored::S16, Cycle::C1, "sim/flightmodel/engine/ENGN_oil_temp_c", 300, 32767, 0, 1},
-      {0x09EA, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_oil_press_psi", 55, 16384, 0, 2},
-      {0x09EA, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_oil_press_psi", 230, 65535, 0, 2},
-      {0x39E0, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_oil_press_psi", 10, 1440, 1e-02, 2},
-      {0x08BC, Stored::U16, Cycle::C1, "sim/flightmodel/engine/ENGN_EPR", 1.2, 12288},
-      {0x2130, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_EPR", 1.5, 1.5, 2e-05, 1},
-      {0x08BE, Stored::S16, Cycle::C1, "sim/flightmodel/engine/ENGN_EGT_c", 860, 16383},
-      {0x3AB0, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_EGT_c", 100, 671.67, 7e-03, 1},
-      {0x2038, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_ITT_c", -273.15, 0, 1e-4},
-      {0x2138, Stored::F64, Cycle::C1, "sim/flightmodel/engine/ENGN_ITT_c", 500, 1391.67, 1e-02, 1},
-      {0x08C0, Stored::U16, Cycle::C1, "sim/cockpit2/engine/indicators/MPR_in_hg", 40, 40960},
-      // Standard pressure, 29.92 inches, is 2116.2 pounds per square foot.
-      {0x3728, Stored::F64, Cycle::C1, "sim/cockpit2/engine/indicators/MPR_in_hg", 29.92, 2116.13, 2e-02, 1},
-      {0x0A98, Stored::S32, Cycle::C313, "sim/cockpit2/engine/indicators/oil_quantity_ratio", 0.75, 12288, 0,
-       3},
-      {0x0970, Stored::S32, Cycle::C13, "sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", 0.5, 6000},
-      {0x0AA0, Stored::S32, Cycle::C1, "sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", 3000,
-       36000000},
-      {0x0AA4, Stored::S32, Cycle::C313, "sim/cockpit/misc/hydraulic_quantity", 0.5, 8192},
-      {0x0AE8, Stored::S32, Cycle::C1, "sim/flightmodel/engine/ENGN_TRQ", -1000, -740, 0, 3},
-      {0x214C, Stored::F64, Cycle::C1, "sim/flightmodel/engine/POINT_thrust", 10000, 2248.09, 2e-02, 1},
-      {0x2510, Stored::F64, Cycle::C1, "sim/flightmodel/engine/POINT_thrust", 10000, 2250.11, 2e-02, 1},
-      // 40 revolutions a second.
-      {0x2400, Stored::F64, Cycle::C1, "sim/flightmodel/engine/POINT_tacrad", 251.32741, 2400, 2e-02},
-      {0x1070A, Stored::U16, Cycle::C1, "sim/cockpit2/engine/indicators/engine_speed_rpm", 2450.5, 2450, 0, 1},
-      {0x09C4, Stored::U16, Cycle::C7, "sim/flightmodel/engine/ENGN_running", 1, 1, 0, 2},
-      {0x0A5C, Stored::U16, Cycle::C13, "sim/flightmodel/engine/ENGN_running", 1, 1, 0, 3},
-      {0x228C, Stored::S32, Cycle::C13, "sim/cockpit/engine/igniters_on", 1, 1, 0, 2},
-      {0x3594, Stored::S32, Cycle::C13, "sim/cockpit2/engine/actuators/mixture_ratio", 0.01, 1, 0, 1},
-      {0x3594, Stored::S32, Cycle::C13, "sim/cockpit2/engine/actuators/mixture_ratio", 0, 0, 0, 1},
-      {0x0890, Stored::U16, Cycle::C7, "sim/flightmodel/engine/ENGN_mixt", 1, 16383},
-      {0x0A58, Stored::U16, Cycle::C7, "sim/flightmodel/engine/ENGN_mixt", 1, 16384, 0, 3},
-      {0x0AEC, Stored::U16, Cycle::C313, "sim/aircraft/engine/acf_num_engines", 4, 4},
-      {0x09E2, Stored::U16, Cycle::C59, "sim/cockpit2/ice/ice_inlet_heat_on_per_engine", 1, 1, 0, 2},
-      {0x029C, Stored::U8, Cycle::C31Navigation, "sim/cockpit/switches/pitot_heat_on", 1, 1},
-      {0x6D88, Stored::U8, Cycle::C31, "sim/cockpit2/switches/wiper_speed", 3, 3},
-      {0x0B54, Stored::F32, Cycle::C7, "sim/cockpit2/electrical/APU_N1_percent", 98.5, 98.5, 1e-03},
-      {0x0B58, Stored::F32, Cycle::C7, "sim/cockpit/engine/APU_running", 1, 1, 1e-05},
-      {0x0B18, Stored::F64, Cycle::C157, "sim/cockpit/misc/vacuum", 4.5, 4.5, 5e-05},
-      {0x0318, Stored::S32, Cycle::C1, "sim/cockpit/pressure/cabin_altitude_actual_m_msl", -1200.9, -1200},
-      {0x6DA8, Stored::U8, Cycle::C59, "sim/weather/runway_friction", 2, 2},
-      {0x30C0, Stored::F64, Cycle::C157, "sim/flightmodel/weight/m_total", 1000, 2204.6, 2e-02},
-      {0x126C, Stored::S32, Cycle::C313, "sim/flightmodel/weight/m_fuel_total", 1000, 2204},
-      {0x1334, Stored::S32, Cycle::C313, "sim/aircraft/weight/acf_m_max", 1000, 564377},
-  };
-  for (const rows::ReadCase& test : cases) rows::CheckRead(test);
-}
-
-TEST_F(EngineRows, ReadsZeroForWhatIsNoNumberOrNotThere) {
-  Set(engine + "ENGN_N1_[2]", 90);
-  Set(engine + "ENGN_EPR[0]", 1.6);
-  Refresh(Cycle::C1);
-  ASSERT_EQ(Memory(0x09C8, Stored::U16), 14745);
-  Set(engine + "ENGN_N1_[2]", NAN);
-  Set(engine + "ENGN_EGT_c[1]", NAN);
-  dataRefOf<"sim/flightmodel/engine/ENGN_EPR">.handle = nullptr;
-  BindReaders();
-  Refresh(Cycle::C1);
-  EXPECT_EQ(Memory(0x09C8, Stored::U16), 0);
-  EXPECT_EQ(Memory(0x2200, Stored::F64), 0);
-  EXPECT_EQ(Memory(0x0956, Stored::S16), 0);
-  EXPECT_EQ(Memory(0x3AB0, Stored::F64), 0);
-  EXPECT_EQ(Memory(0x08BC, Stored::U16), 0);
-  EXPECT_EQ(Memory(0x2030, Stored::F64), 0);
+  // 16384 is 100 %, so 95.5 % is 15646.72 and the rest is cut; 400 % is more than 16 bits hold.
+  CheckReads(ENGINE "ENGN_N1_", C1, {{0x0898, U16, 95.5, 15646}, {0x2000, F64, 95.5, 95.5, 1e-03}});
+  CheckReads(ENGINE "ENGN_N1_[3]", C1, {{0x0A60, U16, 100, 16384}, {0x0A60, U16, -1, 0}});
+  CheckReads(ENGINE "ENGN_N1_[2]", C1,
+             {{0x09C8, U16, 401, 65535}, {0x09C8, U16, NAN, 0}, {0x2200, F64, NAN, 0}});
+  CheckReads(ENGINE "ENGN_N2_[1]", C1, {{0x092E, U16, 50, 8192}, {0x2118, F64, 62.5, 62.5, 6e-04}});
+  // One kilogram a second is 3600 kg an hour, 2.2046 lb each.
+  CheckReads(ENGINE "ENGN_FF_", C1, {{0x08A0, U16, 0.5, 3968}, {0x0918, F64, 0.5, 3968.3, 4e-02}});
+  CheckReads(ENGINE "ENGN_FF_[3]", C1, {{0x0A68, U16, 10, 65535}, {0x2360, F64, 10, 79366, 8e-01}});
+  CheckReads(ENGINE "ENGN_oil_temp_c[1]", C1, {{0x0950, S16, -70, -8192}, {0x0950, S16, 300, 32767}});
+  CheckReads(ENGINE "ENGN_oil_press_psi[2]", C1,
+             {{0x09EA, U16, 55, 16384}, {0x09EA, U16, 230, 65535}, {0x39E0, F64, 10, 1440, 1e-02}});
+  CheckReads(ENGINE "ENGN_EPR", C1, {{0x08BC, U16, 1.2, 12288}});
+  CheckReads(ENGINE "ENGN_EPR[1]", C1, {{0x2130, F64, 1.5, 1.5, 2e-05}});
+  CheckReads(ENGINE "ENGN_EGT_c", C1, {{0x08BE, S16, 860, 16383}});
+  CheckReads(ENGINE "ENGN_EGT_c[1]", C1, {{0x3AB0, F64, 100, 671.67, 7e-03}});
+  CheckReads(ENGINE "ENGN_ITT_c", C1, {{0x2038, F64, -273.15, 0, 1e-4}});
+  CheckReads(ENGINE "ENGN_ITT_c[1]", C1, {{0x2138, F64, 500, 1391.67, 1e-02}});
+  CheckReads("sim/cockpit2/engine/indicators/MPR_in_hg", C1, {{0x08C0, U16, 40, 40960}});
+  // Standard pressure, 29.92 inches, is 2116.2 pounds per square foot.
+  CheckReads("sim/cockpit2/engine/indicators/MPR_in_hg[1]", C1, {{0x3728, F64, 29.92, 2116.13, 2e-02}});
+  CheckReads("sim/cockpit2/engine/indicators/oil_quantity_ratio[3]", C313, {{0x0A98, S32, 0.75, 12288}});
+  CheckReads("sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", C13, {{0x0970, S32, 0.5, 6000}});
+  CheckReads("sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", C1, {{0x0AA0, S32, 3000, 36000000}});
+  CheckReads("sim/cockpit/misc/hydraulic_quantity", C313, {{0x0AA4, S32, 0.5, 8192}});
+  CheckReads(ENGINE "ENGN_TRQ[3]", C1, {{0x0AE8, S32, -1000, -740}});
+  CheckReads(ENGINE "POINT_thrust[1]", C1,
+             {{0x214C, F64, 10000, 2248.09, 2e-02}, {0x2510, F64, 10000, 2250.11, 2e-02}});
+  // 40 revolutions a second.
+  CheckReads(ENGINE "POINT_tacrad", C1, {{0x2400, F64, 251.32741, 2400, 2e-02}});
+  CheckReads("sim/cockpit2/engine/indicators/engine_speed_rpm[1]", C1, {{0x1070A, U16, 2450.5, 2450}});
+  CheckReads(ENGINE "ENGN_running[2]", C7, {{0x09C4, U16, 1, 1}});
+  CheckReads(ENGINE "ENGN_running[3]", C13, {{0x0A5C, U16, 1, 1}});
+  CheckReads("sim/cockpit/engine/igniters_on[2]", C13, {{0x228C, S32, 1, 1}});
+  CheckReads(ACTUATORS "mixture_ratio[1]", C13, {{0x3594, S32, 0.01, 1}, {0x3594, S32, 0, 0}});
+  CheckReads(ENGINE "ENGN_mixt", C7, {{0x0890, U16, 1, 16383}});
+  CheckReads(ENGINE "ENGN_mixt[3]", C7, {{0x0A58, U16, 1, 16384}});
+  CheckReads("sim/aircraft/engine/acf_num_engines", C313, {{0x0AEC, U16, 4, 4}});
+  CheckReads("sim/cockpit2/ice/ice_inlet_heat_on_per_engine[2]", C59, {{0x09E2, U16, 1, 1}});
+  CheckReads("sim/cockpit/switches/pitot_heat_on", C31Navigation, {{0x029C, U8, 1, 1}});
+  CheckReads("sim/cockpit2/switches/wiper_speed", C31, {{0x6D88, U8, 3, 3}});
+  CheckReads("sim/cockpit2/electrical/APU_N1_percent", C7, {{0x0B54, F32, 98.5, 98.5, 1e-03}});
+  CheckReads("sim/cockpit/engine/APU_running", C7, {{0x0B58, F32, 1, 1, 1e-05}});
+  CheckReads("sim/cockpit/misc/vacuum", C157, {{0x0B18, F64, 4.5, 4.5, 5e-05}});
+  CheckReads("sim/cockpit/pressure/cabin_altitude_actual_m_msl", C1, {{0x0318, S32, -1200.9, -1200}});
+  CheckReads("sim/weather/runway_friction", C59, {{0x6DA8, U8, 2, 2}});
+  CheckReads("sim/flightmodel/weight/m_total", C157, {{0x30C0, F64, 1000, 2204.6, 2e-02}});
+  CheckReads("sim/flightmodel/weight/m_fuel_total", C313, {{0x126C, S32, 1000, 2204}});
+  CheckReads("sim/aircraft/weight/acf_m_max", C313, {{0x1334, S32, 1000, 564377}});
 }
 
 TEST_F(EngineRows, SharesOfLimitsSurviveAnAircraftWithoutLimits) {
-  Set(engine + "ENGN_TRQ[1]", 675);  // newton metres: 500 foot-pounds at 1.35
-  Set("sim/aircraft/limits/red_hi_TRQ", 1000);
-  Set("sim/cockpit2/engine/indicators/prop_speed_rpm[0]", 1200);  // 20 turns a second
-  Set("sim/aircraft/engine/acf_RSC_redline_eng", 251.32741);
-  Refresh(Cycle::C1);
-  EXPECT_NEAR(Memory(0x2128, Stored::F64), 0.5, 1e-6);
-  EXPECT_NEAR(Memory(0x2408, Stored::F64), 0.5, 1e-6);
-  Set("sim/aircraft/limits/red_hi_TRQ", 0);
-  Set("sim/aircraft/engine/acf_RSC_redline_eng", 0);
-  Refresh(Cycle::C1);
-  EXPECT_EQ(Memory(0x2128, Stored::F64), 0);
-  EXPECT_EQ(Memory(0x2408, Stored::F64), 0);
+  // Newton metres: 500 foot-pounds at 1.35; 20 turns a second of 40.
+  for (const double present : {1.0, 0.0}) {
+    SetAll({{engine + "ENGN_TRQ[1]", 675},
+            {"sim/aircraft/limits/red_hi_TRQ", present * 1000},
+            {"sim/cockpit2/engine/indicators/prop_speed_rpm[0]", 1200},
+            {"sim/aircraft/engine/acf_RSC_redline_eng", present * 251.32741}});
+    Refresh(C1);
+    ExpectShown({{0x2128, F64, present / 2, 1e-6}, {0x2408, F64, present / 2, 1e-6}});
+  }
 }
 
 // Carburettor, injection, free turbine, electric, two jets, two rockets, fixed turbine, unknown.
 TEST_F(EngineRows, TranslatesTheEngineType) {
   const int expected[] = {0, 0, 5, 0, 1, 1, 4, 4, 5, 1};
-  for (int type = 0; type < 10; type++) {
-    Set("sim/aircraft/prop/acf_en_type[0]", type);
-    Refresh(Cycle::C313);
-    EXPECT_EQ(Memory(0x0609, Stored::U8), expected[type]) << type;
-  }
+  for (int type = 0; type < 10; type++)
+    CheckReads("sim/aircraft/prop/acf_en_type[0]", C313, {{0x0609, U8, double(type), double(expected[type])}});
 }
 
 // --- Throttles ----------------------------------------------------------------------------------------
 
 TEST_F(EngineRows, ThrottlesFollowLeverOverrideAndReverser) {
-  for (int n = 0; n < 4; n++) Set(actuators + "throttle_ratio[" + std::to_string(n) + "]", 0.5);
-  Set(engine + "ENGN_thro_use[0]", 0.25);
-  Set(engine + "ENGN_thro_use[2]", 0.25);
-  Set("sim/cockpit/warnings/annunciators/reverse", 0b0101);
-  Refresh(Cycle::C1);
-  EXPECT_EQ(Memory(0x088C, Stored::S16), -2048);
-  EXPECT_EQ(Memory(0x0924, Stored::S16), 8192);
-  EXPECT_EQ(Memory(0x09BC, Stored::S16), -2048);
-  EXPECT_EQ(Memory(0x3334, Stored::S16), -2048);
-  EXPECT_EQ(Memory(0x0A54, Stored::S16), 8192);
-  EXPECT_EQ(Memory(0x3336, Stored::S16), 8192);
+  for (const char* element : {"[0]", "[1]", "[2]", "[3]"}) Set(actuators + "throttle_ratio" + element, 0.5);
+  SetAll({{engine + "ENGN_thro_use[0]", 0.25},
+          {engine + "ENGN_thro_use[2]", 0.25},
+          {"sim/cockpit/warnings/annunciators/reverse", 0b0101}});
+  Refresh(C1);
+  ExpectShown({{0x088C, S16, -2048},
+               {0x0924, S16, 8192},
+               {0x09BC, S16, -2048},
+               {0x3334, S16, -2048},
+               {0x0A54, S16, 8192},
+               {0x3336, S16, 8192}});
   Set(throttleOverride, 1);
-  Refresh(Cycle::C1);
-  EXPECT_EQ(Memory(0x088C, Stored::S16), -1024) << "what the engine gets";
-  EXPECT_EQ(Memory(0x09BC, Stored::S16), -2048) << "engines 3 and 4 show the lever";
+  Refresh(C1);
+  ExpectShown({{0x088C, S16, -1024}}, "what the engine gets");
+  ExpectShown({{0x09BC, S16, -2048}}, "engines 3 and 4 show the lever");
 }
 
 TEST_F(EngineRows, ThrottleWritesChooseRatioAndPropMode) {
@@ -229,88 +147,69 @@ TEST_F(EngineRows, ThrottleWritesChooseRatioAndPropMode) {
   };
   const uint32_t offsets[] = {0x088C, 0x0924, 0x09BC, 0x0A54};
   for (int n = 0; n < 4; n++) {
-    const std::string element = Element(n);
+    const std::string element = "[" + std::to_string(n) + "]";
     for (const Case& c : cases) {
       Set(actuators + "throttle_ratio" + element, 0.9);
       Set(engine + "ENGN_thro_use" + element, 0.9);
       Set(engine + "ENGN_propmode" + element, c.modeBefore);
-      Write(offsets[n], Stored::S16, c.value);
+      WriteNew(offsets[n], S16, c.value);
       EXPECT_NEAR(Get(actuators + "throttle_ratio" + element), c.ratio, 1e-6) << n << ": " << c.value;
       EXPECT_NEAR(Get(engine + "ENGN_thro_use" + element), 0.9, 1e-6) << "not overridden";
       EXPECT_EQ(Get(engine + "ENGN_propmode" + element), c.modeAfter) << n << ": " << c.value;
     }
     Set(throttleOverride, 1);
-    Write(offsets[n], Stored::S16, -2048);
+    WriteNew(offsets[n], S16, -2048);
     EXPECT_NEAR(Get(engine + "ENGN_thro_use" + element), 0.5, 1e-6);
     Set(throttleOverride, 0);
   }
 }
 
 TEST_F(EngineRows, DirectThrottlesPassTheCutOff) {
-  Write(0x0932, Stored::S16, 4096);
-  EXPECT_NEAR(Get(actuators + "throttle_ratio[1]"), 0.25, 1e-6);
+  WriteNew(0x0932, S16, 4096);
   Set(throttleOverride, 1);
-  Write(0x0932, Stored::S16, 8192);
-  EXPECT_NEAR(Get(actuators + "throttle_ratio[1]"), 0.25, 1e-6);
-  EXPECT_NEAR(Get(engine + "ENGN_thro_use[1]"), 0.5, 1e-6);
-  Write(0x09CA, Stored::S16, -1024);
-  EXPECT_NEAR(Get(engine + "ENGN_thro[2]"), -0.25, 1e-6);
-  Write(0x0A62, Stored::S16, -32768);
-  EXPECT_NEAR(Get(engine + "ENGN_thro[3]"), -1, 1e-6);
+  WriteNew(0x0932, S16, 8192);
+  WriteNew(0x09CA, S16, -1024);
+  WriteNew(0x0A62, S16, -32768);
+  ExpectAll({{actuators + "throttle_ratio[1]", 0.25},
+             {engine + "ENGN_thro_use[1]", 0.5},
+             {engine + "ENGN_thro[2]", -0.25},
+             {engine + "ENGN_thro[3]", -1}});
 }
 
 TEST_F(EngineRows, IxegLeversTakeSignedRatios) {
-  Stop();
-  Start("ixeg733");
+  Restart("ixeg733");
   Set(actuators + "throttle_ratio[2]", 0);
-  Write(0x088C, Stored::S16, -2048);
-  Write(0x0924, Stored::S16, 32767);
-  EXPECT_NEAR(Get("ixeg/733/hardware/tavrix_thro1"), -0.5, 1e-6);
-  EXPECT_NEAR(Get("ixeg/733/hardware/tavrix_thro2"), 1, 1e-6);
+  WriteNew(0x088C, S16, -2048);
+  WriteNew(0x0924, S16, 32767);
+  ExpectAll({{"ixeg/733/hardware/tavrix_thro1", -0.5}, {"ixeg/733/hardware/tavrix_thro2", 1}});
   EXPECT_TRUE(ixegThrottleTaken);
-  dataRefOf<"ixeg/733/hardware/tavrix_thro1">.handle = nullptr;  // an aircraft without inputs of its own
-  Write(0x088C, Stored::S16, 4096);
-  EXPECT_NEAR(Get(actuators + "throttle_ratio[0]"), 0.25, 1e-6);
+  Restart("ixeg733", {"ixeg/733/hardware/tavrix_thro1"});  // without inputs of its own
+  CheckWrites(ACTUATORS "throttle_ratio[0]", {{0x088C, S16, 4096, 0.25}});
 }
 
 TEST_F(EngineRows, MixtureStandsWhereTheAircraftHasIt) {
-  Write(0x0928, Stored::U16, 16383);
-  EXPECT_EQ(Get(engine + "ENGN_mixt[1]"), 1);
-  Stop();
-  Start("x737");
-  Write(0x0928, Stored::U16, 65535);
-  EXPECT_EQ(Get("x737/cockpit/tq/rightCutoffLeverPos"), 1);
-  Set("x737/cockpit/tq/rightCutoffLeverPos", 0.5);
-  Refresh(Cycle::C7);
-  EXPECT_EQ(Memory(0x0928, Stored::U16), 8191);
+  CheckWrites(ENGINE "ENGN_mixt[1]", {{0x0928, U16, 16383, 1}});
+  Restart("x737");
+  CheckWrites("x737/cockpit/tq/rightCutoffLeverPos", {{0x0928, U16, 65535, 1}});
+  CheckReads("x737/cockpit/tq/rightCutoffLeverPos", C7, {{0x0928, U16, 0.5, 8191}});
+  Restart("b738-extended");
+  CheckWrites("laminar/B738/engine/mixture_ratio2", {{0x0928, U16, 0, 0}});
 }
 
 // --- Magnetos -----------------------------------------------------------------------------------------
 
 TEST_F(EngineRows, PistonMagnetosHoldTheStarterUntilTheNextPosition) {
   SetEngineType(0);
-  struct Case {
-    int value;
-    const char* calls;
-  };
-  const Case cases[] = {
-      {1, "once sim/magnetos/magnetos_right_2"},
-      {2, "once sim/magnetos/magnetos_left_2"},
-      {4, "once sim/magnetos/magnetos_both_2; press 3"},
-      {4, "once sim/magnetos/magnetos_both_2"},
-      {3, "release 3; once sim/magnetos/magnetos_both_2"},
-      {0, "once sim/magnetos/magnetos_off_2"},
-      {5, ""},
-      {4, "once sim/magnetos/magnetos_both_2; press 3"},
-      {9, "release 3"},
-  };
-  Calls();
-  for (const Case& c : cases) {
-    Write(0x092A, Stored::U16, c.value);
-    EXPECT_EQ(Calls(), c.calls) << c.value;
-  }
-  Write(0x0A5A, Stored::U16, 4);
-  Calls();
+  CheckCalls({{0x092A, U16, 1, "once sim/magnetos/magnetos_right_2"},
+              {0x092A, U16, 2, "once sim/magnetos/magnetos_left_2"},
+              {0x092A, U16, 4, "once sim/magnetos/magnetos_both_2; press 3"},
+              {0x092A, U16, 4, "once sim/magnetos/magnetos_both_2"},
+              {0x092A, U16, 3, "release 3; once sim/magnetos/magnetos_both_2"},
+              {0x092A, U16, 0, "once sim/magnetos/magnetos_off_2"},
+              {0x092A, U16, 5, ""},
+              {0x092A, U16, 4, "once sim/magnetos/magnetos_both_2; press 3"},
+              {0x092A, U16, 9, "release 3"},
+              {0x0A5A, U16, 4, "once sim/magnetos/magnetos_both_4; press 5"}});
   ReleaseStarters();
   EXPECT_EQ(Calls(), "release 5");
   ReleaseStarters();
@@ -319,17 +218,10 @@ TEST_F(EngineRows, PistonMagnetosHoldTheStarterUntilTheNextPosition) {
 
 TEST_F(EngineRows, TurbineSwitchesStartWithIgniters) {
   SetEngineType(5);
-  Calls();
-  Write(0x0892, Stored::U16, 1);
-  EXPECT_EQ(Calls(), "press 2");
+  CheckCalls({{0x0892, U16, 1, "press 2"}, {0x0892, U16, 3, ""}});  // there is no position 3
   EXPECT_EQ(Get(cockpit + "igniters_on[0]"), 1);
-  Write(0x0892, Stored::U16, 3);
-  EXPECT_EQ(Calls(), "") << "no such position";
-  Write(0x0892, Stored::U16, 2);
-  EXPECT_EQ(Calls(), "release 2");
+  CheckCalls({{0x0892, U16, 2, "release 2"}, {0x0892, U16, 0, ""}});
   EXPECT_EQ(Get(cockpit + "igniters_on[0]"), 0);
-  Write(0x0892, Stored::U16, 0);
-  EXPECT_EQ(Calls(), "");
 }
 
 TEST_F(EngineRows, MagnetoReadingDependsOnTheEngineType) {
@@ -344,41 +236,35 @@ TEST_F(EngineRows, MagnetoReadingDependsOnTheEngineType) {
     SetEngineType(c.type);
     Set(cockpit + "ignition_on[2]", c.key);
     Set(cockpit + "starter_duration[2]", c.starter);
-    Refresh(Cycle::C13);
-    EXPECT_EQ(Memory(0x09C2, Stored::U16), c.expected) << c.type << " " << c.key << " " << c.starter;
-    EXPECT_EQ(Memory(0x0508, Stored::U8), c.starter > 0);
+    Refresh(C13);
+    EXPECT_EQ(ReadAs(U16, 0x09C2), c.expected) << c.type << " " << c.key << " " << c.starter;
+    ExpectShown({{0x0508, U8, c.starter > 0 ? 1.0 : 0}});
   }
 }
 
 // --- Plain writes -------------------------------------------------------------------------------------
 
 TEST_F(EngineRows, WritesReachTheirDatarefs) {
-  const rows::WriteCase cases[] = {
-      {0x0A58, Stored::U16, 8192, "sim/flightmodel/engine/ENGN_mixt", 0.5, 5e-06, 3},
-      {0x0A58, Stored::U16, 65535, "sim/flightmodel/engine/ENGN_mixt", 1, 1e-05, 3},
-      {0x3594, Stored::S32, -7, "sim/cockpit2/engine/actuators/mixture_ratio", 1, 1e-05, 1},
-      {0x3594, Stored::S32, 0, "sim/cockpit2/engine/actuators/mixture_ratio", 0, 1e-06, 1},
-      {0x238C, Stored::S32, 256, "sim/cockpit/engine/igniters_on", 1, 0, 3, 3},
-      {0x6D8F, Stored::U8, 200, "sim/cockpit/engine/igniters_on", 1, 0, 1, 3},
-      {0x0A7A, Stored::U16, 2, "sim/cockpit2/ice/ice_inlet_heat_on_per_engine", 1, 0, 3, 3},
-      {0x6F0C, Stored::U8, 1, "sim/cockpit/switches/anti_ice_surf_heat_right", 1, 0, 0, 3},
-      {0x3101, Stored::U8, 1, "sim/cockpit/electrical/generator_on", 1, 0, 7, 3},
-      {0x3104, Stored::U8, 1, "sim/cockpit/engine/fuel_pump_on", 1, 0, 0, 3},
-      {0x3102, Stored::U8, 9, "sim/cockpit/electrical/battery_on", 1, 0, 0, 3},
-      {0x6DA9, Stored::U8, 2, "sim/cockpit/engine/APU_switch", 2, 0, 0, 3},
-      {0x0B20, Stored::U16, 0, "sim/operation/sound/sound_on", 0, 0, 0, 1},
-      {0x6DA8, Stored::U8, 200, "sim/weather/runway_friction", 2, 2e-05},
-      {0x031C, Stored::S32, -500, "sim/cockpit/pressure/cabin_altitude_set_m_msl", -500, 5e-03},
-      {0x1334, Stored::S32, 2204.6 * 256, "sim/aircraft/weight/acf_m_max", 1000, 1e-02},
-      {0x1400, Stored::F64, 2204.6, "sim/flightmodel/weight/m_fixed", 1000, 1e-02},
-      {0x1400, Stored::F64, -5, "sim/flightmodel/weight/m_fixed", 0, 1e-06},
-      {0x2EF8, Stored::F64, -0.25, "sim/flightmodel/misc/cgz_ref_to_default", -0.25, 3e-06},
-      {0x16024, Stored::F32, -1, "sim/flightmodel/weight/m_jettison", 0, 1e-06},
-      {0x0B68, Stored::U8, 1, "sim/operation/failures/rel_g_comrad1", 6},
-      {0x0B65, Stored::U8, 1, "sim/operation/failures/rel_ss_asi", 6},
-      {0x0B65, Stored::U8, 0, "sim/operation/failures/rel_ss_asi", 0, 0, 0, 6},
-  };
-  for (const rows::WriteCase& test : cases) rows::CheckWrite(test);
+  CheckWrites(ENGINE "ENGN_mixt[3]", {{0x0A58, U16, 8192, 0.5, 5e-06}, {0x0A58, U16, 65535, 1, 1e-05}});
+  CheckWrites(ACTUATORS "mixture_ratio[1]", {{0x3594, S32, -7, 1, 1e-05}, {0x3594, S32, 0, 0, 1e-06}});
+  CheckWrites("sim/cockpit/engine/igniters_on[3]", {{0x238C, S32, 256, 1, 0, 3}});
+  CheckWrites("sim/cockpit/engine/igniters_on[1]", {{0x6D8F, U8, 200, 1, 0, 3}});
+  CheckWrites("sim/cockpit2/ice/ice_inlet_heat_on_per_engine[3]", {{0x0A7A, U16, 2, 1, 0, 3}});
+  CheckWrites("sim/cockpit/switches/anti_ice_surf_heat_right", {{0x6F0C, U8, 1, 1, 0, 3}});
+  CheckWrites("sim/cockpit/electrical/generator_on[7]", {{0x3101, U8, 1, 1, 0, 3}});
+  CheckWrites("sim/cockpit/engine/fuel_pump_on", {{0x3104, U8, 1, 1, 0, 3}});
+  CheckWrites("sim/cockpit/electrical/battery_on", {{0x3102, U8, 9, 1, 0, 3}});
+  CheckWrites("sim/cockpit/engine/APU_switch", {{0x6DA9, U8, 2, 2, 0, 3}});
+  CheckWrites("sim/operation/sound/sound_on", {{0x0B20, U16, 0, 0, 0, 1}});
+  CheckWrites("sim/weather/runway_friction", {{0x6DA8, U8, 200, 2, 2e-05}});
+  CheckWrites("sim/cockpit/pressure/cabin_altitude_set_m_msl", {{0x031C, S32, -500, -500, 5e-03}});
+  CheckWrites("sim/aircraft/weight/acf_m_max", {{0x1334, S32, 2204.6 * 256, 1000, 1e-02}});
+  CheckWrites("sim/flightmodel/weight/m_fixed",
+              {{0x1400, F64, 2204.6, 1000, 1e-02}, {0x1400, F64, -5, 0, 1e-06}});
+  CheckWrites("sim/flightmodel/misc/cgz_ref_to_default", {{0x2EF8, F64, -0.25, -0.25, 3e-06}});
+  CheckWrites("sim/flightmodel/weight/m_jettison", {{0x16024, F32, -1, 0, 1e-06}});
+  CheckWrites("sim/operation/failures/rel_g_comrad1", {{0x0B68, U8, 1, 6}});
+  CheckWrites("sim/operation/failures/rel_ss_asi", {{0x0B65, U8, 1, 6}, {0x0B65, U8, 0, 0, 0, 6}});
   Set(weight + "m_fixed", 50);
   EXPECT_EQ(rows::Write<double>(0x1400, NAN), 1);
   RunWriters();
@@ -387,36 +273,28 @@ TEST_F(EngineRows, WritesReachTheirDatarefs) {
 
 // Clients write the float 1.0 or the integer 1: the latter is a denormal float.
 TEST_F(EngineRows, ApuStartsAtAnyBitAndThenStaysOn) {
+  const char* apu = "sim/cockpit/engine/APU_switch";
   Set(cockpit + "APU_running", 0);
-  Write(0x0B58, Stored::S32, 1);
-  EXPECT_EQ(Get(cockpit + "APU_switch"), 2);
+  CheckWrites(apu, {{0x0B58, S32, 1, 2}});
   Set(cockpit + "APU_running", 1);
-  Write(0x0B58, Stored::F32, 1);
-  EXPECT_EQ(Get(cockpit + "APU_switch"), 1);
-  Write(0x0B58, Stored::F32, 0);
-  EXPECT_EQ(Get(cockpit + "APU_switch"), 0);
+  CheckWrites(apu, {{0x0B58, F32, 1, 1}, {0x0B58, F32, 0, 0, 0, 1}});
 }
 
 TEST_F(EngineRows, LightWordAndSingleLightsAgree) {
   const std::string lights = "sim/cockpit2/switches/";
-  Write(0x0D0C, Stored::U16, 0xFFD5);  // bits 0, 2, 4 and all without a light
-  Refresh(Cycle::C7);
-  EXPECT_EQ(Memory(0x0D0C, Stored::U16), 0x15);
-  EXPECT_EQ(Memory(0x0280, Stored::U8), 1);
-  EXPECT_EQ(Memory(0x0281, Stored::U8), 1) << "strobe alone";
-  EXPECT_EQ(Memory(0x028C, Stored::U16), 1);
-  EXPECT_EQ(Get(lights + "beacon_on"), 0);
-  EXPECT_EQ(Get(lights + "taxi_light_on"), 0);
-  Write(0x0281, Stored::U8, 0);
-  Write(0x028C, Stored::U16, 0);
-  Refresh(Cycle::C7);
-  EXPECT_EQ(Memory(0x0D0C, Stored::U16), 1);
-  Stop();
-  Start("x737");
+  WriteNew(0x0D0C, U16, 0xFFD5);  // bits 0, 2, 4 and all without a light; of the beacon's pair the strobe alone
+  Refresh(C7);
+  ExpectShown({{0x0D0C, U16, 0x15}, {0x0280, U8, 1}, {0x0281, U8, 1}, {0x028C, U16, 1}});
+  ExpectAll({{lights + "beacon_on", 0}, {lights + "taxi_light_on", 0}});
+  WriteNew(0x0281, U8, 0);
+  WriteNew(0x028C, U16, 0);
+  Refresh(C7);
+  ExpectShown({{0x0D0C, U16, 1}});
+  Restart("x737");
   Set(lights + "beacon_on", 0);
-  Write(0x0281, Stored::U8, 1);
-  EXPECT_EQ(Get("x737/systems/exteriorLights/beaconLightSwitch"), 1);
-  EXPECT_EQ(Get("sim/cockpit/electrical/strobe_lights_on"), 1);
+  WriteNew(0x0281, U8, 1);
+  ExpectAll(
+      {{"x737/systems/exteriorLights/beaconLightSwitch", 1}, {"sim/cockpit/electrical/strobe_lights_on", 1}});
 }
 
 // --- Fuel, weights, balance ---------------------------------------------------------------------------
@@ -427,7 +305,7 @@ void SetTanks(int count, double kg) {
   for (int i = 0; i < 9; i++) {
     Set("sim/aircraft/overflow/acf_tank_rat[" + std::to_string(i) + "]", i < count ? 1.0 / count : 0);
   }
-  Refresh(Cycle::C313);
+  Refresh(C313);
 }
 
 TEST_F(EngineRows, TanksAreChosenByTheirNumber) {
@@ -443,102 +321,93 @@ TEST_F(EngineRows, TanksAreChosenByTheirNumber) {
   for (const Case& c : cases) {
     SetTanks(c.tanks, 3092.0 * (c.tanks == 0 ? 1 : c.tanks));  // 1000 US gallons in each
     for (int i = 0; i < 9; i++) Set(weight + "m_fuel[" + std::to_string(i) + "]", 100 + i);
-    Write(c.level, Stored::S32, 128 * 65536);
-    Refresh(Cycle::C59);
+    WriteNew(c.level, S32, 128 * 65536);
+    Refresh(C59);
     // A gallon weighs 6.82 lb. Full is 8388608; the two pound factors do not quite cancel.
     const uint32_t capacity = c.level + 4;
-    EXPECT_NEAR(Memory(capacity, Stored::U32), c.element < 0 ? 0 : 1000, 1) << c.tanks << " " << c.level;
-    EXPECT_NEAR(Memory(c.level, Stored::S32), c.element < 0 ? 0 : 8388608, 1700) << c.tanks << " " << c.level;
+    EXPECT_NEAR(ReadAs(U32, capacity), c.element < 0 ? 0 : 1000, 1) << c.tanks << " " << c.level;
+    EXPECT_NEAR(ReadAs(S32, c.level), c.element < 0 ? 0 : 8388608, 1700) << c.tanks << " " << c.level;
     for (int i = 0; i < 9; i++) {
       EXPECT_NEAR(Get(weight + "m_fuel[" + std::to_string(i) + "]"), i == c.element ? 3093.5 : 100 + i, 3.2);
     }
   }
   SetTanks(1, 3092);
-  Write(0x0B74, Stored::S32, -1);
+  WriteNew(0x0B74, S32, -1);
   EXPECT_EQ(Get(weight + "m_fuel[0]"), 0);
-  EXPECT_EQ(Memory(0x0AF4, Stored::U16), 1745);
+  ExpectShown({{0x0AF4, U16, 1745}});
 }
 
 TEST_F(EngineRows, X737TanksTellTheirSizeUnlessEmpty) {
-  Stop();
-  Start("x737");
+  Restart("x737");
   const std::string tank = "x737/systems/fuel/fuelCenterTank_";
   Set(tank + "kg", 1546.78);  // half of 1000 US gallons
   Set(tank + "perc", 0.5);
   SetTanks(3, 9276);
-  EXPECT_NEAR(Memory(0x0B78, Stored::U32), 1000, 1);
-  EXPECT_EQ(Memory(0x0B88, Stored::U32), 0) << "tanks without a source";
+  ExpectShown({{0x0B78, U32, 1000, 1}});
+  ExpectShown({{0x0B88, U32, 0}}, "tanks without a source");
   Set(tank + "kg", 0);
   Set(tank + "perc", 0);
-  Refresh(Cycle::C313);
-  EXPECT_NEAR(Memory(0x0B78, Stored::U32), 1000, 1) << "the last known size";
-  Write(0x0B74, Stored::S32, 64 * 65536);
+  Refresh(C313);
+  ExpectShown({{0x0B78, U32, 1000, 1}}, "the last known size");
+  WriteNew(0x0B74, S32, 64 * 65536);
   EXPECT_NEAR(Get(tank + "kg"), 500 * 6.82 * 0.453592, 2);
 }
 
 TEST_F(EngineRows, ZeroFuelWeightNeverTakesTheEmptyWeightAway) {
   Set("sim/aircraft/weight/acf_m_empty", 1000);
   Set(weight + "m_fixed", 0);
-  Write(0x3BFC, Stored::S32, 2646 * 256);  // 1200.2 kg
+  WriteNew(0x3BFC, S32, 2646 * 256);  // 1200.2 kg
   EXPECT_NEAR(Get(weight + "m_fixed"), 200.2, 0.1);
-  Refresh(Cycle::C313);
-  EXPECT_NEAR(Memory(0x3BFC, Stored::S32), 2646 * 256, 10);
-  Write(0x3BFC, Stored::S32, 100 * 256);
+  Refresh(C313);
+  ExpectShown({{0x3BFC, S32, 2646 * 256, 10}});
+  WriteNew(0x3BFC, S32, 100 * 256);
   EXPECT_EQ(Get(weight + "m_fixed"), 0);
 }
 
 TEST_F(EngineRows, BalanceOfThe737IsAShareOfItsChord) {
   Set("sim/flightmodel/misc/cgz_ref_to_default", 0.125);
   for (const char* load : {"m_fixed", "m_fuel[0]", "m_fuel[1]", "m_fuel[2]"}) Set(weight + load, 0);
-  Refresh(Cycle::C59);
-  EXPECT_EQ(Memory(0x2EF8, Stored::F64), 0.125);
+  Refresh(C59);
+  ExpectShown({{0x2EF8, F64, 0.125}});
   loadedAddOns[static_cast<size_t>(AddOn::B738Stock)] = true;
-  Refresh(Cycle::C59);
-  EXPECT_NEAR(Memory(0x2EF8, Stored::F64), 0.95 / 3.95732, 1e-5) << "empty: 0.95 m behind the leading edge";
+  Refresh(C59);
+  ExpectShown({{0x2EF8, F64, 0.95 / 3.95732, 1e-5}}, "empty: 0.95 m behind the leading edge");
   Set(weight + "m_fuel[1]", 1e9);
-  Refresh(Cycle::C59);
-  EXPECT_EQ(Memory(0x2EF8, Stored::F64), 0.06) << "only the centre tank counts: the forward limit";
+  Refresh(C59);
+  ExpectShown({{0x2EF8, F64, 0.06}}, "only the centre tank counts: the forward limit");
 }
 
 // --- Failures -----------------------------------------------------------------------------------------
 
 TEST_F(EngineRows, FailureWordsShowAndSetTheInoperativeCode) {
-  Write(0x0B6B, Stored::U8, 0b1010);
-  EXPECT_EQ(Get(failure + "rel_engfai0"), 0);
-  EXPECT_EQ(Get(failure + "rel_engfai1"), 6);
+  WriteNew(0x0B6B, U8, 0b1010);
+  ExpectAll({{failure + "rel_engfai0", 0}, {failure + "rel_engfai1", 6}});
   Set(failure + "rel_engfai3", 1);  // fails some day: works now
-  Refresh(Cycle::C13);
-  EXPECT_EQ(Memory(0x0B6B, Stored::U8), 0b0010);
-  EXPECT_EQ(Memory(0x3BE6, Stored::U16), 1 << 7);
-  Set(failure + "rel_adf2", 6);
-  Set(failure + "rel_cop_vvi", 6);
-  Refresh(Cycle::C13);
-  EXPECT_EQ(Memory(0x3BE6, Stored::U16), 0x8081);
-  Write(0x3BD6, Stored::U16, 1 << 3 | 1 << 14);
-  Refresh(Cycle::C13);
-  EXPECT_EQ(Memory(0x3BE6, Stored::U16), 0x4008) << "clear bits repair";
-  EXPECT_EQ(Get(failure + "rel_vacuum2"), 6);
-  EXPECT_EQ(Get(failure + "rel_cop_ahz"), 6);
-  EXPECT_EQ(Get(failure + "rel_engfai1"), 0);
+  Refresh(C13);
+  ExpectShown({{0x0B6B, U8, 0b0010}, {0x3BE6, U16, 1 << 7}});
+  SetAll({{failure + "rel_adf2", 6}, {failure + "rel_cop_vvi", 6}});
+  Refresh(C13);
+  ExpectShown({{0x3BE6, U16, 0x8081}});
+  WriteNew(0x3BD6, U16, 1 << 3 | 1 << 14);
+  Refresh(C13);
+  ExpectShown({{0x3BE6, U16, 0x4008}}, "clear bits repair");
+  ExpectAll({{failure + "rel_vacuum2", 6}, {failure + "rel_cop_ahz", 6}, {failure + "rel_engfai1", 0}});
 }
 
 TEST_F(EngineRows, FailureRequestsCanBeRepeated) {
-  Calls();
-  Write(0x6DA4, Stored::U32, 256);
-  EXPECT_EQ(Calls(), "press 84; release 84");
-  EXPECT_EQ(Memory(0x6DA4, Stored::U32), 0);
-  Write(0x6DA4, Stored::U32, 0);
-  EXPECT_EQ(Calls(), "");
-  sim::SimCommand("define test/failures int[70] 1 2 3");
-  dataRefOf<"sim/operation/failures/failures">.handle = XPLMFindDataRef("test/failures");
-  Write(0x6DAA, Stored::U8, 69);
-  EXPECT_EQ(Get("test/failures[69]"), 6);
-  EXPECT_EQ(Memory(0x6DAA, Stored::U8), 0);
-  Write(0x6DAA, Stored::U8, 255);  // beyond the array
-  Write(0x6DAA, Stored::U8, 0);
-  for (const char* element : {"[0]", "[2]", "[69]"}) {
-    EXPECT_EQ(Get(std::string("test/failures") + element), 0) << element;
-  }
+  CheckCalls({{0x6DA4, U32, 256, "press 84; release 84"}});
+  ExpectShown({{0x6DA4, U32, 0}});
+  CheckCalls({{0x6DA4, U32, 0, ""}});
+  const std::string all = failure + "failures";
+  sim::Withdraw(sim::FindLive(all));
+  sim::Publish(all.c_str(), sim::Kind::IntArray, 70, true);
+  SetAll({{all + "[0]", 1}, {all + "[2]", 3}});
+  WriteNew(0x6DAA, U8, 69);
+  ExpectAll({{all + "[69]", 6}});
+  ExpectShown({{0x6DAA, U8, 0}});
+  WriteNew(0x6DAA, U8, 255);  // beyond the array
+  WriteNew(0x6DAA, U8, 0);
+  ExpectAll({{all + "[0]", 0}, {all + "[2]", 0}, {all + "[69]", 0}});
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "platform/clock.h"
 #include "platform/system.h"
 #include "settings/settings_text.h"
+#include "test_tools.h"
 
 namespace {
 
@@ -156,15 +157,9 @@ struct SettingsFile : testing::Test {
     CloseLogs();
     std::filesystem::remove_all(root);
   }
-  static std::string Read(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  void Put(const std::string& text) const { std::ofstream(path, std::ios::binary) << text; }
-  long LogLines() const {
-    const std::string text = Read(logFolder + "TAVRIX.txt");
-    return std::count(text.begin(), text.end(), '\n');
-  }
+  static std::string Read(const std::string& name) { return tools::ReadFile(name); }
+  void Put(const std::string& text) const { tools::WriteFile(path, text); }
+  int LogLines() const { return tools::CountText(Read(logFolder + "TAVRIX.txt"), "\n"); }
 };
 
 TEST_F(SettingsFile, MissingFileIsCreatedWithEveryDefaultInOrder) {

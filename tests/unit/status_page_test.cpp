@@ -85,8 +85,10 @@ struct StatusPageThread : net::Network {
 TEST_F(StatusPageThread, EveryRequestGetsThePageAndABrowserALineAMinute) {
   StoreValues();
   ASSERT_NO_FATAL_FAILURE(Start());
-  for (const std::string request : {"GET / HTTP/1.1\r\nHost: \x1b[2Jx\r\n\r\n", "nonsense", "GET /again"}) {
-    ASSERT_TRUE(SendStream(&browser.tcp, request.data(), request.size()));
+  // The third is longer than the buffer, the last one never comes.
+  for (const std::string& request : {std::string("GET / HTTP/1.1\r\nHost: \x1b[2Jx\r\n\r\n"),
+                                     std::string("nonsense"), std::string(5000, 'x'), std::string()}) {
+    ASSERT_TRUE(request.empty() || SendStream(&browser.tcp, request.data(), request.size()));
     EXPECT_EQ(net::ReceiveText(&browser), expectedPage);
     net::Disconnect(&browser);
     ASSERT_TRUE(net::Connect(&browser, statusPort));
@@ -122,20 +124,6 @@ TEST_F(StatusPageThread, ShownToThisComputerAloneWhenTheUserWantsThat) {
   ASSERT_TRUE(OpenSocket(&other.tcp, Transport::Stream));
   EXPECT_FALSE(net::ConnectTo(&other, {0x7F000002, statusPort}));
   CloseSocket(&other.tcp);
-}
-
-TEST_F(StatusPageThread, ASilentBrowserGetsThePageToo) {
-  StoreValues();
-  ASSERT_NO_FATAL_FAILURE(Start());
-  EXPECT_EQ(net::ReceiveText(&browser), expectedPage);
-}
-
-TEST_F(StatusPageThread, ARequestLongerThanTheBufferStillGetsThePage) {
-  StoreValues();
-  ASSERT_NO_FATAL_FAILURE(Start());
-  const std::string request(5000, 'x');
-  ASSERT_TRUE(SendStream(&browser.tcp, request.data(), request.size()));
-  EXPECT_EQ(net::ReceiveText(&browser), expectedPage);
 }
 
 TEST_F(StatusPageThread, ATakenPortIsLoggedAndStopEndsTheWait) {

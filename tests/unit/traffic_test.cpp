@@ -8,6 +8,7 @@
 #include "offsetctl/traffic_rows.h"
 #include "platform/clock.h"
 #include "row_harness.h"
+#include "test_tools.h"
 #include "traffic/traffic_state.h"
 
 namespace {
@@ -22,11 +23,7 @@ uint32_t Entry(uint32_t slot) { return 0xF080 + 40 * slot; }
 uint32_t Record(uint32_t slot) { return 0xD840 + 20 * slot; }
 
 void WaitUntil(const char* what, const std::function<bool()>& condition) {
-  const int64_t end = MonotonicNanoseconds() + int64_t{20} * 1000000000;
-  while (!condition()) {
-    ASSERT_LT(MonotonicNanoseconds(), end) << "not in time: " << what;
-    SleepMilliseconds(1);
-  }
+  ASSERT_TRUE(tools::WaitUntil(condition)) << "not in time: " << what;
 }
 
 // The test plays the manager thread: it alone starts, ends and joins slots.
@@ -103,13 +100,6 @@ TEST(TrafficDistance, RightAndFiniteEverywhere) {
   }
 }
 
-TEST(TrafficDistance, ConvertedOnlyOnce) {
-  Place place = {90, -180, 0};
-  for (int i = 0; i < 5; ++i) ConvertPlace(&place);
-  EXPECT_FLOAT_EQ(place.latitude, 1.5707964F);
-  EXPECT_FLOAT_EQ(place.longitude, -3.1415927F);
-}
-
 // --- Table ------------------------------------------------------------------------------------------------
 
 TEST_F(Traffic, EntryAndRecordByteForByte) {
@@ -129,29 +119,31 @@ TEST_F(Traffic, EntryAndRecordByteForByte) {
   BeginManager();
   for (const auto& test : cases) {
     SCOPED_TRACE(test.psi);
-    Set("sim/multiplayer/position/plane1_psi", test.psi);
-    Set("sim/multiplayer/position/plane1_v_x", test.east);
-    Set("sim/multiplayer/position/plane1_v_z", test.south);
-    Set("sim/multiplayer/position/plane1_v_y", test.climb);
-    Set("sim/multiplayer/position/plane1_the", test.pitch);
-    Set("sim/multiplayer/position/plane1_phi", test.bank);
+    const std::string first = std::string(plane) + "1_";
+    rows::SetAll({{first + "psi", test.psi},
+                  {first + "v_x", test.east},
+                  {first + "v_z", test.south},
+                  {first + "v_y", test.climb},
+                  {first + "the", test.pitch},
+                  {first + "phi", test.bank}});
     const uint16_t foreign = 0xBEEF;  // not ours to write
     CopyToMemory(Entry(0) + 38, 2, &foreign);
     Rounds();
-    EXPECT_EQ(Read<uint32_t>(Entry(0)), slots[0].serial);
-    EXPECT_EQ(Read<float>(Entry(0) + 4), 48.25F);
-    EXPECT_EQ(Read<float>(Entry(0) + 8), -11.5F);
-    EXPECT_FLOAT_EQ(Read<float>(Entry(0) + 12), 3280.839F);
-    EXPECT_EQ(Read<uint16_t>(Entry(0) + 16), test.heading);
-    EXPECT_EQ(Read<uint16_t>(Entry(0) + 18), test.speed);
-    EXPECT_EQ(Read<int16_t>(Entry(0) + 20), test.vertical);
-    EXPECT_EQ(Read<uint16_t>(Entry(0) + 36), 0x8C00);
-    EXPECT_EQ(Read<uint16_t>(Entry(0) + 38), foreign);
-    EXPECT_EQ(Read<uint32_t>(Record(0)), slots[0].serial);
-    EXPECT_EQ(Read<uint16_t>(Record(0) + 4), 14);
-    EXPECT_EQ(Read<int16_t>(Record(0) + 6), test.angleA);
+    const double serial = slots[0].serial;
+    rows::ExpectShown({{Entry(0), rows::U32, serial},
+                       {Entry(0) + 4, rows::F32, 48.25},
+                       {Entry(0) + 8, rows::F32, -11.5},
+                       {Entry(0) + 12, rows::F32, 3280.839, 1e-3},
+                       {Entry(0) + 16, rows::U16, double(test.heading)},
+                       {Entry(0) + 18, rows::U16, double(test.speed)},
+                       {Entry(0) + 20, rows::S16, double(test.vertical)},
+                       {Entry(0) + 36, rows::U16, 0x8C00},
+                       {Entry(0) + 38, rows::U16, double(foreign)},
+                       {Record(0), rows::U32, serial},
+                       {Record(0) + 4, rows::U16, 14},
+                       {Record(0) + 6, rows::S16, double(test.angleA)},
+                       {Record(0) + 18, rows::S16, double(test.angleB)}});
     EXPECT_EQ(std::memcmp(offsetMemory.bytes + Record(0) + 8, "EDDMEDDT\0\0", 10), 0);
-    EXPECT_EQ(Read<int16_t>(Record(0) + 18), test.angleB);
   }
 }
 
@@ -369,7 +361,7 @@ class TrafficThreads : public testing::Test {
 };
 
 TEST_F(TrafficThreads, AllSlotsWhilePositionsModelsAndClientsChangeThenStopInTime) {
-  const int threads = CountProcessThreads();
+  const int threads = tools::CountThreads();
   sim::SimCommand("planes 97");
   LoadAircraftList();
   ASSERT_EQ(StartTrafficThread(), 1);

@@ -5,18 +5,14 @@
 
 #include <atomic>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "base/locks.h"
 #include "base/log.h"
 #include "clients/client_block.h"
 #include "offsets/window_server.h"
-#include "platform/clock.h"
+#include "test_tools.h"
 
 namespace {
-
-constexpr int64_t patienceNs = 20'000'000'000;
 
 std::atomic<HWND> toDestroy;
 
@@ -24,16 +20,6 @@ std::atomic<HWND> toDestroy;
 LRESULT CALLBACK DestroyFromWithin(int code, WPARAM wParam, LPARAM lParam) {
   if (const HWND window = toDestroy.exchange(nullptr)) DestroyWindow(window);
   return CallNextHookEx(nullptr, code, wParam, lParam);
-}
-
-template <class F>
-bool WaitUntil(F condition) {
-  const int64_t deadline = MonotonicNanoseconds() + patienceNs;
-  while (!condition()) {
-    if (MonotonicNanoseconds() > deadline) return false;
-    SleepMilliseconds(5);
-  }
-  return true;
 }
 
 struct WindowServer : testing::Test {
@@ -53,11 +39,8 @@ struct WindowServer : testing::Test {
     CloseLogs();
     std::filesystem::remove_all(root);
   }
-  size_t LinesWith(const std::string& text) const {
-    std::ifstream file(root / "TAVRIX.txt", std::ios::binary);
-    size_t count = 0;
-    for (std::string line; std::getline(file, line);) count += line.find(text) != std::string::npos;
-    return count;
+  int LinesWith(const std::string& text) const {
+    return tools::CountText(tools::ReadFile(root / "TAVRIX.txt"), text);
   }
 };
 
@@ -67,10 +50,10 @@ TEST_F(WindowServer, ALostWindowIsMadeAnewAndServes) {
   ASSERT_NE(hook, nullptr);
   ClientBlock block;
   ASSERT_TRUE(MakeBlock(64, &block));
-  for (size_t round = 1; round <= 3; ++round) {
+  for (int round = 1; round <= 3; ++round) {
     toDestroy = server.window;
     PostMessageA(server.window, WM_APP, 0, 0);
-    ASSERT_TRUE(WaitUntil([&] { return LinesWith("Register of joystickcapturewindow") == round + 1; }));
+    ASSERT_TRUE(tools::WaitUntil([&] { return LinesWith("Register of joystickcapturewindow") == round + 1; }));
     const HWND old = server.window;
     ASSERT_TRUE(FindServer(&server));
     EXPECT_NE(server.window, old);
@@ -83,13 +66,13 @@ TEST_F(WindowServer, ALostWindowIsMadeAnewAndServes) {
 }
 
 TEST_F(WindowServer, StartsAndStopsAgainAndAgain) {
-  for (size_t round = 0; round < 20; ++round) {
+  for (int round = 0; round < 20; ++round) {
     StopWindowServer();
     EXPECT_EQ(FindWindowA("KORLMAIN", "KORLMAIN"), nullptr);
     ASSERT_TRUE(StartWindowServer());
     ASSERT_TRUE(FindServer(&server));
   }
-  EXPECT_EQ(LinesWith("TAVRIX->Closed KORLMain Thread!"), 20u);
+  EXPECT_EQ(LinesWith("TAVRIX->Closed KORLMain Thread!"), 20);
 }
 
 // A client that asks in vain many times a second makes one line a reason, and each says what to do.
@@ -122,8 +105,8 @@ TEST_F(WindowServer, UnreachableBlocksAreToldOnceAReason) {
   }
   for (const auto& one : cases) {
     EXPECT_EQ(
-        LinesWith(std::string("The shared memory ") + one.shown + " of a local client cannot be opened ("), 1u);
-    EXPECT_EQ(LinesWith(one.remedy), 1u);
+        LinesWith(std::string("The shared memory ") + one.shown + " of a local client cannot be opened ("), 1);
+    EXPECT_EQ(LinesWith(one.remedy), 1);
   }
   CloseHandle(event);
   CloseHandle(mapping);
