@@ -70,14 +70,15 @@ def check_include(root, path, target, faults, graph):
         faults.append(f"#include {target} names no file")
         return
     name = own.group(1)
-    if (root / "src" / name).is_file() and ".." not in name.split("/"):
+    upwards = ".." in name.split("/")
+    if not upwards and (root / "src" / name).is_file():
         other = room_of("src/" + name)
         graph.setdefault(path, []).append("src/" + name)
         room = room_of(path)
         if room in LINE_OF and other in LINE_OF and room != other and LINE_OF[other] >= LINE_OF[room]:
             faults.append(f"room {room} must not include room {other} ({name})")
         return
-    if any((root / folder / name).is_file() for folder in SDK):
+    if not upwards and any((root / folder / name).is_file() for folder in SDK):
         return
     # Whatever an include path may lead to: no name of ours has steps upwards, and all begin in src/.
     here = (root / path).parent / name
@@ -141,7 +142,7 @@ def check(root):
             faults += [f"{path}:{number}: {fault}" for fault in found]
         if not path.startswith(SYSTEM_PLACES):
             for number, line in enumerate(lines, 1):
-                word = SYSTEM_WORDS.search(line)
+                word = SYSTEM_WORDS.search(re.sub(r'"(?:\\.|[^"\\])*"', '""', line))
                 if word and not INCLUDE.match(line):
                     faults.append(f"{path}:{number}: {word.group(1)} stands outside src/platform/ and "
                                   "src/offsets/window_server.cpp")

@@ -14,6 +14,7 @@
 #include "base/locks.h"
 #include "bridge/catalogue.h"
 #include "bridge/cycles.h"
+#include "bridge/reader_groups.h"
 #include "bridge/registry.h"
 #include "bridge/slew.h"
 #include "core/sim.h"
@@ -59,6 +60,7 @@ inline void Start(const char* aircraft = "jet", std::initializer_list<const char
   InitMemoryBlocks();
   LookUp();
   RecogniseAircraft();
+  BindReaders();
   AbortPushback();
   ClearSlew();
   sim::SimCommand("calls");
@@ -113,12 +115,6 @@ inline double Get(const std::string& name) {
 
 // Set while the simulator is to know no name at all (start_names_test.cpp has the look-ups).
 inline bool nothingIsPublished = false;
-
-// Whether a frame's writers take the row.
-inline bool IsWritten(const OffsetRow& row) {
-  const WriteRule& write = row.write;
-  return write.target.ref != nullptr || write.apply != nullptr || write.group != nullptr || write.staged;
-}
 
 // Several at once.
 struct Value {

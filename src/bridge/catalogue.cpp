@@ -1,5 +1,6 @@
 #include "bridge/catalogue.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -21,6 +22,34 @@ constexpr std::array<const RowTable*, 25> tables = {
     &windRows,           &situationRows, &miscRows,  &ownRows};
 
 constexpr Variant none = {};
+constexpr Source autopilotState = Int<"sim/cockpit/autopilot/autopilot_state">;
+
+bool IsSwitch(const Variant& variant) { return variant.lights[0].ref != nullptr || variant.stateBits != 0; }
+
+bool ReadSwitch(const OffsetRow& row, double* value) {
+  *value = IsSwitchOn(ActiveVariant(row));
+  return true;
+}
+
+bool IsWritten(const Variant& variant) {
+  return variant.target.ref != nullptr || variant.apply != nullptr || variant.press != nullptr ||
+         variant.key >= 0 || variant.stateBit != 0;
+}
+
+void TurnSwitch(const Variant& variant, bool wanted) {
+  if (variant.target.ref != nullptr) {
+    SetSource(variant.target, wanted);
+    return;
+  }
+  if (wanted == IsSwitchOn(variant)) return;
+  if (variant.press != nullptr) {
+    FireCommand(*variant.press);
+  } else if (variant.key >= 0) {
+    XPLMCommandKeyStroke(variant.key);
+  } else if (variant.stateBit != 0) {
+    SetSource(autopilotState, variant.stateBit);
+  }
+}
 
 }  // namespace
 
@@ -95,6 +124,38 @@ const Variant& ActiveVariant(const OffsetRow& row) {
     if (variant.addOn == AddOn::None || IsLoaded(variant.addOn)) return variant;
   }
   return none;
+}
+
+ReadRow ActiveRead(const OffsetRow& row) {
+  if (row.read != nullptr) return row.read;
+  const Variant& variant = ActiveVariant(row);
+  return variant.read == nullptr && IsSwitch(variant) ? ReadSwitch : variant.read;
+}
+
+bool IsSwitchOn(const Variant& variant) {
+  for (const Source& light : variant.lights) {
+    if (light.ref != nullptr && IsLit(light)) return true;
+  }
+  return variant.stateBits != 0 && (ReadInt(autopilotState) & variant.stateBits) != 0;
+}
+
+bool HasWriter(const OffsetRow& row) {
+  const WriteRule& write = row.write;
+  return write.target.ref != nullptr || write.apply != nullptr || write.group != nullptr || write.staged ||
+         std::any_of(row.variants.begin(), row.variants.end(), IsWritten);
+}
+
+void ApplyVariant(const OffsetRow& row, const Staged& staged) {
+  const Variant& variant = ActiveVariant(row);
+  if (variant.apply != nullptr) {
+    variant.apply(row, staged);
+  } else if (IsSwitch(variant)) {
+    TurnSwitch(variant, staged.integer != 0);
+  } else {
+    const WriteRule& write = row.write;
+    SetSource(variant.target,
+              write.convert != nullptr ? write.convert(staged.number) : staged.number * write.factor);
+  }
 }
 
 Source ActiveSource(const OffsetRow& row) {

@@ -7,6 +7,7 @@
 //
 // Row functions run on the simulator's thread with no lock held, unless the field says otherwise.
 #pragma once
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <span>
@@ -81,9 +82,10 @@ struct Variant {
   int key = -1;      // of the simulator's keys
   int stateBit = 0;  // of the autopilot's state, set to press it
 };
-// A row's variants in the row itself: .variants = variantsOf<Variant{...}, Variant{...}>.
-template <Variant... variants>
-constexpr Variant variantsOf[] = {variants...};
+// A row's variants in the row itself: .variants = variantsOf<[] { return std::array{Variant{...},
+// Variant{...}}; }>.
+template <auto list>
+constexpr auto variantsOf = list();
 
 struct OffsetRow {
   uint32_t offset = 0;
@@ -144,6 +146,17 @@ int64_t DecodeInteger(Stored type, const uint8_t* bytes);
 const Variant& ActiveVariant(const OffsetRow& row);
 // Where a row's number is read at the moment: its own source, else that of the variant that serves it.
 Source ActiveSource(const OffsetRow& row);
+// The function that makes a row's number at the moment; null when a source or a snapshot has it.
+ReadRow ActiveRead(const OffsetRow& row);
+// Whether a switch's variant is on: one of its lights is lit, or one of its bits of the autopilot's state is
+// set.
+bool IsSwitchOn(const Variant& variant);
+// Whether a light is lit: its number is above 0.5.
+inline bool IsLit(const Source& source) { return ReadSource(source) > 0.5; }
+// Whether a client's write does something, with one aircraft at least.
+bool HasWriter(const OffsetRow& row);
+// Does what a client's write of a row without a rule of its own does: as the variant that serves it says.
+void ApplyVariant(const OffsetRow& row, const Staged& staged);
 
 // Writers' services. Takes the staged value of an offset: enters the offset lock, and when the flag is up
 // clears it, copies `width` bytes and returns true; when no flag is up, copies what the offset memory holds

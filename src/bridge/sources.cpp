@@ -8,6 +8,7 @@
 constinit DataRef* firstDataRef = nullptr;
 constinit Command* firstCommand = nullptr;
 uint32_t keptFrame;
+uint32_t sharedFrame;
 
 namespace {
 
@@ -25,16 +26,19 @@ KeepReads::KeepReads(bool newLook) {
 }
 
 void Keep(DataRef& ref, Accessor accessor) {
-  if (ref.handle != nullptr && accessor == Accessor::Float) return KeepFloat(ref);
-  if (ref.handle != nullptr && accessor == Accessor::Int) return KeepInt(ref);
-  if (ref.handle != nullptr && accessor == Accessor::FloatArray) return KeepFloats(ref);
   ref.frame = keptFrame;
   ref.keptAs = accessor;
-  ref.kept = {};
-  if (accessor != Accessor::IntArray) {
-    ref.kept.number = ReadNumber(ref.handle, accessor, 0);
-  } else if (ref.handle != nullptr) {
-    XPLMGetDatavi(ref.handle, ref.kept.ints, 0, keptElements);  // what lies beyond the array's end stays 0
+  if (ref.handle != nullptr && accessor == Accessor::FloatArray) {
+    float elements[keptElements] = {};  // what lies beyond the array's end stays 0
+    XPLMGetDatavf(ref.handle, elements, 0, keptElements);
+    std::copy(std::begin(elements), std::end(elements), ref.kept);
+  } else if (ref.handle != nullptr && accessor == Accessor::IntArray) {
+    int elements[keptElements] = {};
+    XPLMGetDatavi(ref.handle, elements, 0, keptElements);
+    std::copy(std::begin(elements), std::end(elements), ref.kept);
+  } else {
+    std::fill(std::begin(ref.kept), std::end(ref.kept), 0);
+    ref.kept[0] = ReadNumber(ref.handle, accessor, 0);
   }
 }
 

@@ -26,21 +26,21 @@ struct NameText {
 // What is kept of an array within a frame: its first elements, those of the engines among them.
 constexpr int keptElements = 8;
 
-// What was read of a dataref, as the simulator gave it: a scalar stands at element 0.
-union KeptValue {
-  double number;
-  float floats[keptElements];
-  int ints[keptElements];
+// Where the first cycle puts its answer, which is valid in its frame (sharedFrame): so many elements.
+struct SharedAnswer {
+  Accessor accessor = Accessor::None;
+  int count = 0;
+  const double* answer = nullptr;
 };
 
-// One dataref of the simulator or of an add-on, in one line of the processor's cache. All of them form a list,
-// from firstDataRef on.
-struct alignas(64) DataRef {
+// One dataref of the simulator or of an add-on. All of them form a list, from firstDataRef on.
+struct DataRef {
   explicit DataRef(const char* published);
   XPLMDataRef handle = nullptr;
   uint32_t frame = 0;  // number of the frame in which `kept` was read (KeepReads)
   Accessor keptAs = Accessor::None;
-  KeptValue kept = {};
+  double kept[keptElements] = {};
+  SharedAnswer shared;
   const char* name;
   DataRef* next;
 };
@@ -94,46 +94,24 @@ inline XPLMDataRef HandleOf(const Source& source) {
 
 // The frame whose reads are kept, 0 for none: within it a dataref is asked for once, and an array whole.
 extern uint32_t keptFrame;
-// Reads a dataref into what is kept of it.
-void Keep(DataRef& ref, Accessor accessor);
-// The same for the three kinds that nearly all rows have.
-inline void KeepFloat(DataRef& ref) {
-  ref.frame = keptFrame;
-  ref.keptAs = Accessor::Float;
-  ref.kept.floats[0] = XPLMGetDataf(ref.handle);
-}
-inline void KeepInt(DataRef& ref) {
-  ref.frame = keptFrame;
-  ref.keptAs = Accessor::Int;
-  ref.kept.ints[0] = XPLMGetDatai(ref.handle);
-}
-inline void KeepFloats(DataRef& ref) {
-  ref.frame = keptFrame;
-  ref.keptAs = Accessor::FloatArray;
-  const int read = XPLMGetDatavf(ref.handle, ref.kept.floats, 0, keptElements);
-  for (int i = std::max(read, 0); i < keptElements; ++i) ref.kept.floats[i] = 0;  // beyond the array's end
-}
+// The frame in which the first cycle ran last: its answers count for whoever keeps reads of the same frame.
+extern uint32_t sharedFrame;
 
-// The number as the simulator has it, or as it was kept in this frame.
+// Asks for a dataref, or for the first elements of an array, and keeps the answer. While reads are kept.
+void Keep(DataRef& ref, Accessor accessor);
+
+// The number as the simulator has it, or as it was told in this frame.
 inline double ReadSource(const Source& source) {
   if (source.ref == nullptr) return 0;
   DataRef& ref = *source.ref;
-  // An array of a type that has to be asked for is read element by element.
-  if (keptFrame == 0 || source.element >= keptElements ||
-      (source.accessor == Accessor::Any && source.element != 0)) {
+  if (keptFrame == 0 || source.element >= keptElements || source.accessor == Accessor::Any) {
     return ReadNumber(ref.handle, source.accessor, source.element);
   }
-  if (ref.frame != keptFrame || ref.keptAs != source.accessor) Keep(ref, source.accessor);
-  switch (source.accessor) {
-    case Accessor::Float:
-    case Accessor::FloatArray:
-      return static_cast<double>(ref.kept.floats[source.element]);
-    case Accessor::Int:
-    case Accessor::IntArray:
-      return ref.kept.ints[source.element];
-    default:
-      return ref.kept.number;
+  if (sharedFrame == keptFrame && ref.shared.accessor == source.accessor && source.element < ref.shared.count) {
+    return ref.shared.answer[source.element];
   }
+  if (ref.frame != keptFrame || ref.keptAs != source.accessor) Keep(ref, source.accessor);
+  return ref.kept[source.element];
 }
 inline int ReadInt(const Source& source) { return static_cast<int>(ReadSource(source)); }
 inline bool IsOn(const Source& source) { return ReadSource(source) != 0; }

@@ -22,11 +22,6 @@ struct Writer {
 
 std::vector<Writer> writers;
 
-bool HasWriter(const OffsetRow& row) {
-  const WriteRule& write = row.write;
-  return write.target.ref != nullptr || write.apply != nullptr || write.staged;
-}
-
 uint32_t WriteWidth(const OffsetRow& row) { return row.write.width != 0 ? row.write.width : StoredWidth(row); }
 
 // A double that is not a number has no meaning in the simulator: the write is consumed without effect.
@@ -43,6 +38,8 @@ void Apply(const OffsetRow& row, const uint8_t* bytes, uint32_t width) {
   } else if (write.target.ref != nullptr) {
     const double value = write.convert != nullptr ? write.convert(number) : number * write.factor;
     SetSource(write.target, std::clamp(value, write.low, write.high));
+  } else {
+    ApplyVariant(row, {number, DecodeInteger(row.type, bytes), bytes, width});
   }
 }
 

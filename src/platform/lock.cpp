@@ -29,7 +29,7 @@ bool Exists(const Lock* lock) { return lock->exists.load(std::memory_order_acqui
 
 bool IsOwner(const Lock* lock) { return lock->owner.load(std::memory_order_relaxed) == CurrentThreadId(); }
 
-void Require(bool condition, const char* fault) {
+[[maybe_unused]] void Require(bool condition, const char* fault) {
   if (condition) return;
   std::fputs(fault, stderr);
   std::abort();

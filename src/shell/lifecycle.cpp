@@ -1,7 +1,5 @@
 #include "shell/lifecycle.h"
 
-#include <algorithm>
-#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <string>

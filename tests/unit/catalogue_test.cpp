@@ -218,7 +218,7 @@ TEST_F(Catalogued, DispatchesWhatHasAWriter) {
     EXPECT_EQ(DispatchWidth(offset), widths[offset]) << At(offset);
   ForEachOffset(withoutWriter, [&](const std::string&, uint32_t offset) { expected.erase(offset); });
   for (const OffsetRow* row : AllRows()) {
-    if (rows::IsWritten(*row)) written.insert(row->offset);
+    if (HasWriter(*row)) written.insert(row->offset);
   }
   EXPECT_EQ(written, expected);
 }
@@ -281,14 +281,18 @@ TEST(CatalogueTexts, AreThereAndUnique) {
       EXPECT_EQ(StoredWidth(*row), 2u);
     }
     // Where a value comes from, and where it goes, is said once.
-    const int sources = (row->source.ref != nullptr) + (row->read != nullptr) + (row->readText != nullptr);
-    EXPECT_LE(sources, 1);
+    EXPECT_LE((row->source.ref != nullptr) + (row->read != nullptr) + (row->readText != nullptr) +
+                  (row->prepared != nullptr),
+              1);
+    EXPECT_EQ(IsRefreshed(*row), row->source.ref != nullptr || row->read != nullptr ||
+                                     row->readText != nullptr || row->prepared != nullptr ||
+                                     !row->variants.empty());
     EXPECT_LE((row->write.target.ref != nullptr) + (row->write.apply != nullptr) +
                   (row->write.group != nullptr) + row->write.staged,
               1);
     EXPECT_LE(row->write.low, row->write.high);
     if (row->lossy[0] != 0) {
-      EXPECT_TRUE(rows::IsWritten(*row));
+      EXPECT_TRUE(HasWriter(*row));
     }
   }
 }
@@ -327,7 +331,7 @@ bool ComesBack(const OffsetRow& row, double value) {
 
 TEST(CatalogueRoundTrip, WritesReadBackUnlessTheRowSaysOtherwise) {
   for (const OffsetRow* row : AllRows()) {
-    if (!IsRefreshed(*row) || !rows::IsWritten(*row)) continue;
+    if (!IsRefreshed(*row) || !HasWriter(*row)) continue;
     SCOPED_TRACE(At(row->offset) << " " << row->name << row->member);
     rows::Start();  // every row from the same state
     rows::Set("sim/flightmodel/controls/parkbrake", 0);
@@ -352,7 +356,7 @@ TEST(CatalogueRoundTrip, WritesReadBackUnlessTheRowSaysOtherwise) {
 // has shown the simulator's own value again meanwhile; and when that other value was applied in between.
 TEST(CatalogueRoundTrip, ValueWrittenBackIsTheOneThatCounts) {
   for (const OffsetRow* row : AllRows()) {
-    if (!IsRefreshed(*row) || !rows::IsWritten(*row) || row->type == Stored::Text) continue;
+    if (!IsRefreshed(*row) || !HasWriter(*row) || row->type == Stored::Text) continue;
     const bool isSwitch = std::string_view(row->lossy) == flagLoss;
     if (row->lossy[0] != 0 && !isSwitch) continue;
     SCOPED_TRACE(At(row->offset) << " " << row->name << row->member);

@@ -233,7 +233,7 @@ TEST_F(Request, LastWriteWinsForEveryOffsetInAnyOrder) {
   std::vector<Row> all;
   for (const RowTable* table : Catalogue()) {
     for (const OffsetRow& row : table->rows) {
-      if (!rows::IsWritten(row)) continue;
+      if (!HasWriter(row)) continue;
       all.push_back({row.offset, DispatchWidth(row.offset), row.type == Stored::Text, row.offset == 0x0558});
     }
   }

@@ -160,12 +160,7 @@ std::vector<const RowTable*> ListedTables() {
   return tables;
 }
 
-bool HasWriteRule(const OffsetRow& row) {
-  const WriteRule& rule = row.write;
-  return rule.target.ref != nullptr || rule.apply != nullptr || rule.group != nullptr || rule.staged;
-}
-
-bool IsWritable(const OffsetRow& row) { return HasWriteRule(row) && !row.readOnly; }
+bool IsWritable(const OffsetRow& row) { return HasWriter(row) && !row.readOnly; }
 
 // The dataref's name, with the element of an array.
 std::string SourceName(const Source& source) {
@@ -202,7 +197,7 @@ std::string UnitText(const OffsetRow& row) {
 
 std::string AccessText(const OffsetRow& row) {
   if (row.readOnly) return "read-only";
-  return HasWriteRule(row) ? "yes" : "no";
+  return HasWriter(row) ? "yes" : "no";
 }
 
 std::string NoteText(const OffsetRow& row) {

@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr Source autopilotState = Int<"sim/cockpit/autopilot/autopilot_state">;
 constexpr Source autopilotMode = Int<"sim/cockpit/autopilot/autopilot_mode">;  // 0 off, 1 flight director, 2 on
 
 // Bits of the simulator's autopilot state. A bit that is set acts as a press of that button.
@@ -20,154 +19,15 @@ constexpr int autothrottleSpeed = 0x1, headingSelect = 0x2, wingLeveler = 0x4, v
               levelChange = 0x40, navArmed = 0x100, navEngaged = 0x200, glideslopeArmed = 0x400,
               glideslopeEngaged = 0x800, altitudeHold = 0x4000, lateralToga = 0x8000, verticalToga = 0x10000;
 
-bool IsLit(const Source& source) { return ReadSource(source) > 0.5; }
-
-// One mode: how each aircraft shows it, and what switches it. Empty fields: the aircraft has none.
-struct Mode {
-  Source x737Shown[2] = {};  // on when one is not 0
-  Source b738Shown[3] = {};  // on when one is above 0.5
-  int bits = 0;              // of the simulator's state, on when one is set
-  Source x737Switch = {};    // set to 0 or 1
-  const Command* b738Press = nullptr;
-  const Command* command = nullptr;
-  int key = -1;
-  int press = 0;  // bit that is pressed
-};
-
-constexpr Mode leveler = {.bits = wingLeveler, .press = wingLeveler};
-constexpr Mode nav = {.x737Shown = {Int<"x737/systems/afds/VORLOC">},
-                      .b738Shown = {Float<"laminar/B738/autopilot/vorloc_status">},
-                      .bits = navArmed | navEngaged,  // armed counts, else a second write would disarm it
-                      .x737Switch = Int<"x737/systems/afds/VORLOC">,
-                      .b738Press = &commandOf<"laminar/B738/autopilot/vorloc_press">,
-                      .key = xplm_key_otto_hnav};
-constexpr Mode heading = {.x737Shown = {Int<"x737/systems/afds/HDG">},
-                          .b738Shown = {Float<"laminar/B738/autopilot/hdg_sel_status">},
-                          .bits = headingSelect,
-                          .x737Switch = Int<"x737/systems/afds/HDG">,
-                          .key = xplm_key_otto_hdg};
-constexpr Mode altitude = {.x737Shown = {Int<"x737/systems/afds/ALTHLD">},
-                           .b738Shown = {Float<"laminar/B738/autopilot/alt_hld_status">},
-                           .bits = altitudeHold,
-                           .x737Switch = Int<"x737/systems/afds/ALTHLD">,
-                           .b738Press = &commandOf<"laminar/B738/autopilot/alt_hld_press">,
-                           .key = xplm_key_otto_alt};
-constexpr Mode speed = {
-    .x737Shown = {Int<"x737/systems/athr/MCPSPD_mode">, Int<"x737/systems/MCP/LED_VNAV_on">},
-    .b738Shown = {Float<"laminar/B738/autopilot/speed_status1">, Float<"laminar/B738/autopilot/lvl_chg_status">,
-                  Float<"laminar/B738/autopilot/vnav_status1">},
-    .bits = autothrottleSpeed,
-    .x737Switch = Int<"x737/systems/athr/MCPSPD_mode">,
-    .key = xplm_key_otto_atr};
-constexpr Mode mach = {.x737Shown = {Int<"x737/systems/athr/MCPSPD_mode">},
-                       .bits = autothrottleSpeed,
-                       .x737Switch = Int<"x737/systems/athr/MCPSPD_mode">,
-                       .press = autothrottleSpeed};
-constexpr Mode verticalSpeed = {.x737Shown = {Int<"x737/systems/afds/VS_arm">, Int<"x737/systems/afds/VS">},
-                                .b738Shown = {Float<"laminar/B738/autopilot/vs_status">},
-                                .bits = verticalSpeedHold,
-                                .x737Switch = Int<"x737/systems/afds/VS">,
-                                .b738Press = &commandOf<"laminar/B738/autopilot/vs_press">,
-                                .key = xplm_key_otto_vvi};
-constexpr Mode thrust = {
-    .x737Shown = {Fitting<"x737/systems/athr/N1_mode">, Int<"x737/systems/MCP/LED_LVLCHG_on">},
-    .b738Shown = {Float<"laminar/B738/autopilot/n1_status">},
-    .bits = levelChange};
-constexpr Mode approach = {.x737Shown = {Int<"x737/systems/afds/APP">},
-                           .b738Shown = {Float<"laminar/B738/autopilot/app_status">},
-                           .bits = glideslopeArmed | glideslopeEngaged,
-                           .x737Switch = Int<"x737/systems/afds/APP">,
-                           .command = &commandOf<"sim/autopilot/approach">};
-constexpr Mode goAround = {.x737Shown = {Int<"x737/systems/athr/toggle_TOGA">},
-                           .b738Shown = {Float<"laminar/B738/autopilot/n1_status">},
-                           .bits = lateralToga | verticalToga};
-
-bool IsModeOn(const Mode& mode, int state) {
-  if (IsLoaded(AddOn::X737) && mode.x737Shown[0].ref != nullptr) {
-    return IsOn(mode.x737Shown[0]) || IsOn(mode.x737Shown[1]);
-  }
-  if (IsLoaded(AddOn::B738Extended) && mode.b738Shown[0].ref != nullptr) {
-    return IsLit(mode.b738Shown[0]) || IsLit(mode.b738Shown[1]) || IsLit(mode.b738Shown[2]);
-  }
-  return (state & mode.bits) != 0;
-}
-
-template <const Mode& mode>
-bool ReadMode(const OffsetRow&, double* value) {
-  *value = IsModeOn(mode, ReadInt(autopilotState));
-  return true;
-}
-
-void SwitchMode(const Mode& mode, bool wanted) {
-  if (IsLoaded(AddOn::X737) && mode.x737Switch.ref != nullptr) {
-    SetSource(mode.x737Switch, wanted);
-    return;
-  }
-  if (wanted == IsModeOn(mode, ReadInt(autopilotState))) return;
-  if (mode.b738Press && IsLoaded(AddOn::B738Extended)) {
-    FireCommand(*mode.b738Press);
-  } else if (mode.command) {
-    FireCommand(*mode.command);
-  } else if (mode.key >= 0) {
-    XPLMCommandKeyStroke(mode.key);
-  } else if (mode.press) {
-    SetSource(autopilotState, mode.press);
-  }
-}
-
-template <const Mode& mode>
-void ApplyMode(const OffsetRow&, const Staged& staged) {
-  SwitchMode(mode, staged.integer != 0);
-}
-
 // --- Master switch and flight director ------------------------------------------------------------
 
-bool IsMasterOn() {
-  if (IsLoaded(AddOn::X737))
-    return IsOn(Int<"x737/systems/afds/CMD_A">) || IsOn(Int<"x737/systems/afds/CMD_B">);
-  if (IsLoaded(AddOn::B738Extended)) {
-    return IsLit(Float<"laminar/B738/autopilot/cmd_a_status">) ||
-           IsLit(Float<"laminar/B738/autopilot/cmd_b_status">) ||
-           IsLit(Float<"laminar/B738/autopilot/cws_a_status">) ||
-           IsLit(Float<"laminar/B738/autopilot/cws_b_status">);
-  }
-  return ReadInt(autopilotMode) == 2;
-}
-
 bool ReadMaster(const OffsetRow&, double* value) {
-  *value = IsMasterOn();
+  *value = ReadInt(autopilotMode) == 2;
   return true;
-}
-
-void WriteMasterB738(bool wanted) {
-  if (wanted == IsMasterOn()) return;
-  const bool disconnected = IsLit(Float<"laminar/B738/autopilot/disconnect_pos">);
-  if (wanted) {
-    if (disconnected) FireCommand(commandOf<"laminar/B738/autopilot/disconnect_toggle">);
-    FireCommand(commandOf<"laminar/B738/autopilot/cmd_a_press">);
-  } else if (!disconnected) {
-    FireCommand(commandOf<"laminar/B738/autopilot/disconnect_toggle">);
-  }
 }
 
 void ApplyMaster(const OffsetRow&, const Staged& staged) {
-  const bool wanted = staged.integer != 0;
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(wanted ? Int<"x737/systems/afds/CMD_A"> : Int<"x737/systems/afds/APengaged">, wanted);
-    return;
-  }
-  if (IsLoaded(AddOn::B738Extended)) {
-    WriteMasterB738(wanted);
-    return;
-  }
-  if (IsLoaded(AddOn::Ixeg733)) {
-    // Its panel tells by four lights whether one of its autopilots flies.
-    const bool lit =
-        IsLit(Fitting<"ixeg/733/MCP/mcp_a_comm_ann">) || IsLit(Fitting<"ixeg/733/MCP/mcp_b_comm_ann">) ||
-        IsLit(Fitting<"ixeg/733/MCP/mcp_a_cws_ann">) || IsLit(Fitting<"ixeg/733/MCP/mcp_b_cws_ann">);
-    if (wanted == lit) return;
-  }
-  if (wanted) {
+  if (staged.integer != 0) {
     SetSource(autopilotMode, 2);
     return;
   }
@@ -176,55 +36,70 @@ void ApplyMaster(const OffsetRow&, const Staged& staged) {
   SetSource(autopilotMode, director != 0);
 }
 
+void ApplyMasterX737(const OffsetRow&, const Staged& staged) {
+  const bool wanted = staged.integer != 0;
+  SetSource(wanted ? Int<"x737/systems/afds/CMD_A"> : Int<"x737/systems/afds/APengaged">, wanted);
+}
+
+void ApplyMasterB738(const OffsetRow& row, const Staged& staged) {
+  const bool wanted = staged.integer != 0;
+  if (wanted == IsSwitchOn(ActiveVariant(row))) return;
+  const bool disconnected = IsLit(Float<"laminar/B738/autopilot/disconnect_pos">);
+  if (disconnected == wanted) FireCommand(commandOf<"laminar/B738/autopilot/disconnect_toggle">);
+  if (wanted) FireCommand(commandOf<"laminar/B738/autopilot/cmd_a_press">);
+}
+
+// Its panel tells by four lights whether one of its autopilots flies; what switches it is the simulator's own.
+void ApplyMasterIxeg(const OffsetRow& row, const Staged& staged) {
+  const bool lit = IsLit(Fitting<"ixeg/733/MCP/mcp_a_comm_ann">) ||
+                   IsLit(Fitting<"ixeg/733/MCP/mcp_b_comm_ann">) ||
+                   IsLit(Fitting<"ixeg/733/MCP/mcp_a_cws_ann">) || IsLit(Fitting<"ixeg/733/MCP/mcp_b_cws_ann">);
+  if ((staged.integer != 0) != lit) ApplyMaster(row, staged);
+}
+
 bool ReadDirector(const OffsetRow&, double* value) {
-  *value = IsLoaded(AddOn::X737) ? IsOn(Int<"x737/systems/afds/fd_master">) : ReadInt(autopilotMode) >= 1;
+  *value = ReadInt(autopilotMode) >= 1;
   return true;
 }
 
+// An autopilot that flies is not thrown out with its bars.
 void ApplyDirector(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(Int<"x737/systems/afds/fdA_status">, wanted);
-    SetSource(Int<"x737/systems/afds/fdB_status">, wanted);
-    return;
-  }
-  // An autopilot that flies is not thrown out with its bars.
   const int mode = ReadInt(autopilotMode);
   if (wanted ? mode == 0 : mode == 1) SetSource(autopilotMode, wanted);
 }
 
+void ApplyDirectorX737(const OffsetRow&, const Staged& staged) {
+  SetSource(Int<"x737/systems/afds/fdA_status">, staged.integer != 0);
+  SetSource(Int<"x737/systems/afds/fdB_status">, staged.integer != 0);
+}
+
 // --- Selected values ------------------------------------------------------------------------------
 
-Source SelectedHeading() {
-  return IsLoaded(AddOn::X737) ? Float<"x737/systems/afds/HDG_magnhdg">
-                               : Float<"sim/cockpit/autopilot/heading_mag">;
+// A full turn starts again at 0. The step to a whole word is taken here, in single precision as for all 16-bit
+// words, before the turn is taken off.
+double HeadingWordOf(double degrees) {
+  const double word = std::fmod(std::trunc(static_cast<float>(degrees * (65536.0 / 360))), 65536);
+  return word < 0 ? word + 65536 : word;
 }
 
-bool ReadSelectedHeading(const OffsetRow&, double* value) {
-  // A full turn starts again at 0. The step to a whole word is taken here, in single precision as for all
-  // 16-bit words, before the turn is taken off.
-  const double word =
-      std::fmod(std::trunc(static_cast<float>(ReadSource(SelectedHeading()) * (65536.0 / 360))), 65536);
-  *value = word < 0 ? word + 65536 : word;
-  return true;
+double DegreesOf(double headingWord) {
+  const double degrees = headingWord / 182;
+  return degrees >= 360 ? degrees - 360 : degrees;
 }
 
-void ApplySelectedHeading(const OffsetRow&, const Staged& staged) {
-  const double degrees = staged.number / 182;
-  SetSource(SelectedHeading(), degrees >= 360 ? degrees - 360 : degrees);
-}
+double FeetOf(double altitude) { return altitude / 65536 * 3.2808; }
 
-void ApplySelectedAltitude(const OffsetRow&, const Staged& staged) {
-  SetSource(IsLoaded(AddOn::X737) ? Float<"x737/systems/afds/ALTHLD_baroalt">
-                                  : Float<"sim/cockpit/autopilot/altitude">,
-            staged.number / 65536 * 3.2808);
-}
-
-// The simulator keeps one selected speed with a mark for its unit; clients see both forms.
-bool SpeedIsMach() {
-  return IsOn(IsLoaded(AddOn::X737) ? Fitting<"x737/systems/athr/MCPSPD_ismach">
-                                    : Int<"sim/cockpit/autopilot/airspeed_is_mach">);
-}
+// One selected speed with a mark for its unit; clients see both forms.
+struct SpeedSelector {
+  Source isMach, mach, knots, set;
+};
+constexpr SpeedSelector stockSpeed = {
+    Int<"sim/cockpit/autopilot/airspeed_is_mach">, Float<"sim/cockpit/autopilot/airspeed">,
+    Float<"sim/cockpit/autopilot/airspeed">, Float<"sim/cockpit/autopilot/airspeed">};
+constexpr SpeedSelector x737Speed = {
+    Fitting<"x737/systems/athr/MCPSPD_ismach">, Fitting<"x737/systems/athr/MCPSPD_spdmach">,
+    Fitting<"x737/systems/athr/MCPSPD_spdkias">, Float<"x737/systems/athr/MCPSPD_spd">};
 
 // Indicated knots of Mach 1 here and now.
 double KnotsPerMach() {
@@ -232,55 +107,40 @@ double KnotsPerMach() {
          std::sqrt(ReadSource(Float<"sim/weather/sigma">));
 }
 
-double SelectedSpeed(bool isMach) {
-  return ReadSource(!IsLoaded(AddOn::X737) ? Float<"sim/cockpit/autopilot/airspeed">
-                    : isMach               ? Fitting<"x737/systems/athr/MCPSPD_spdmach">
-                                           : Fitting<"x737/systems/athr/MCPSPD_spdkias">);
-}
-
-bool ReadSelectedSpeed(const OffsetRow&, double* value) {
-  const bool isMach = SpeedIsMach();
-  *value = SelectedSpeed(isMach) * (isMach ? KnotsPerMach() : 1);
+template <const SpeedSelector& selector>
+bool ReadKnots(const OffsetRow&, double* value) {
+  *value = IsOn(selector.isMach) ? ReadSource(selector.mach) * KnotsPerMach() : ReadSource(selector.knots);
   return true;
 }
 
-bool ReadSelectedMach(const OffsetRow&, double* value) {
-  const bool isMach = SpeedIsMach();
-  const double knotsPerMach = isMach ? 1 : KnotsPerMach();
-  *value = knotsPerMach == 0 ? 0 : SelectedSpeed(isMach) / knotsPerMach * 65536;
-  return true;
-}
-
-void SetSelectedSpeed(double selected) {
-  SetSource(
-      IsLoaded(AddOn::X737) ? Float<"x737/systems/athr/MCPSPD_spd"> : Float<"sim/cockpit/autopilot/airspeed">,
-      selected);
-}
-
-void ApplySelectedSpeed(const OffsetRow&, const Staged& staged) {
-  if (!SpeedIsMach()) {
-    SetSelectedSpeed(staged.number);
+template <const SpeedSelector& selector>
+bool ReadMach(const OffsetRow&, double* value) {
+  double mach = 0;
+  if (IsOn(selector.isMach)) {
+    mach = ReadSource(selector.mach);
   } else if (const double knotsPerMach = KnotsPerMach(); knotsPerMach != 0) {
-    SetSelectedSpeed(staged.number / knotsPerMach);
+    mach = ReadSource(selector.knots) / knotsPerMach;
   }
-}
-
-void ApplySelectedMach(const OffsetRow&, const Staged& staged) {
-  const double mach = staged.number / 65536;
-  SetSelectedSpeed(SpeedIsMach() ? mach : mach * KnotsPerMach());
-}
-
-bool ReadSelectedClimb(const OffsetRow&, double* value) {
-  *value = ReadSource(IsLoaded(AddOn::X737) ? Float<"x737/systems/afds/VS_vvi">
-                                            : Float<"sim/cockpit/autopilot/vertical_velocity">);
+  *value = mach * 65536;
   return true;
 }
 
-void ApplySelectedClimb(const OffsetRow&, const Staged& staged) {
-  if (!IsLoaded(AddOn::X737)) {
-    SetSource(Float<"sim/cockpit/autopilot/vertical_velocity">, staged.number);
-    return;
+template <const SpeedSelector& selector>
+void ApplyKnots(const OffsetRow&, const Staged& staged) {
+  if (!IsOn(selector.isMach)) {
+    SetSource(selector.set, staged.number);
+  } else if (const double knotsPerMach = KnotsPerMach(); knotsPerMach != 0) {
+    SetSource(selector.set, staged.number / knotsPerMach);
   }
+}
+
+template <const SpeedSelector& selector>
+void ApplyMach(const OffsetRow&, const Staged& staged) {
+  const double mach = staged.number / 65536;
+  SetSource(selector.set, IsOn(selector.isMach) ? mach : mach * KnotsPerMach());
+}
+
+void ApplyClimbX737(const OffsetRow&, const Staged& staged) {
   if (staged.integer != 0) SetSource(Int<"x737/systems/afds/VS">, 1);
   SetSource(Float<"x737/systems/afds/VS_vvi">, staged.number);
 }
@@ -289,82 +149,54 @@ void ApplySelectedClimb(const OffsetRow&, const Staged& staged) {
 
 void ApplyBackCourse(const OffsetRow&, const Staged&) { FireCommand(commandOf<"sim/autopilot/back_course">); }
 
-bool IsYawDamperOn() {
-  // The add-on's light is the amber one that says off.
-  return IsLoaded(AddOn::B738Extended) ? !IsLit(Float<"laminar/B738/annunciator/yaw_damp">)
-                                       : IsOn(Int<"sim/cockpit/switches/yaw_damper_on">);
-}
+// The add-on's light is the amber one that says off.
+bool IsYawDamperOnB738() { return !IsLit(Float<"laminar/B738/annunciator/yaw_damp">); }
 
-bool ReadYawDamper(const OffsetRow&, double* value) {
-  *value = IsYawDamperOn();
+bool ReadYawDamperB738(const OffsetRow&, double* value) {
+  *value = IsYawDamperOnB738();
   return true;
 }
 
-void ApplyYawDamper(const OffsetRow&, const Staged& staged) {
-  const bool wanted = staged.integer != 0;
-  if (!IsLoaded(AddOn::B738Extended)) {
-    SetSource(Int<"sim/cockpit/switches/yaw_damper_on">, wanted);
-  } else if (wanted != IsYawDamperOn()) {
+void ApplyYawDamperB738(const OffsetRow&, const Staged& staged) {
+  if ((staged.integer != 0) != IsYawDamperOnB738()) {
     FireCommand(commandOf<"laminar/B738/toggle_switch/yaw_dumper">);
   }
 }
 
-void ApplyGoAround(const OffsetRow&, const Staged& staged) {
-  const bool wanted = staged.integer != 0;
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(Int<"x737/cockpit/tq/left_TOGA_btn">, wanted);
-    SetSource(Int<"x737/cockpit/tq/right_TOGA_btn">, wanted);
-    SetSource(Int<"x737/systems/athr/toggle_TOGA">, wanted);
-  } else if (wanted && (IsLoaded(AddOn::B738Extended) || IsLoaded(AddOn::Ixeg733)) &&
-             !IsModeOn(goAround, ReadInt(autopilotState))) {
-    // The simulator's own command is what these aircraft's buttons are mapped to.
+void ApplyGoAroundX737(const OffsetRow&, const Staged& staged) {
+  for (const Source& button : {Int<"x737/cockpit/tq/left_TOGA_btn">, Int<"x737/cockpit/tq/right_TOGA_btn">,
+                               Int<"x737/systems/athr/toggle_TOGA">}) {
+    SetSource(button, staged.integer != 0);
+  }
+}
+
+// The simulator's own command is what these aircraft's buttons are mapped to.
+void ApplyGoAround(const OffsetRow& row, const Staged& staged) {
+  if (staged.integer != 0 && !IsSwitchOn(ActiveVariant(row))) {
     FireCommand(commandOf<"sim/autopilot/take_off_go_around">);
   }
 }
 
-bool IsAutothrottleArmed() {
-  if (IsLoaded(AddOn::X737)) return IsOn(Int<"x737/systems/athr/athr_armed">);
-  if (IsLoaded(AddOn::B738Extended))
-    return IsLit(Float<"laminar/B738/autopilot/autothrottle_status">) ||
-           IsLit(Float<"laminar/B738/autopilot/speed_status1">);
-  return ReadInt(Int<"sim/cockpit2/autopilot/autothrottle_enabled">) > 0;
+void ApplyAutothrottleX737(const OffsetRow&, const Staged& staged) {
+  SetSource(Int<"x737/systems/athr/athr_armed">, staged.integer != 0);
+  if (staged.integer == 0 && IsOn(Int<"x737/systems/PFD/PFD_TOGA_mode_on">)) {
+    SetSource(Int<"x737/systems/athr/toggle_TOGA">, 1);
+  }
 }
 
-bool ReadAutothrottle(const OffsetRow&, double* value) {
-  *value = IsAutothrottleArmed();
-  return true;
-}
-
-void ApplyAutothrottle(const OffsetRow&, const Staged& staged) {
-  const bool wanted = staged.integer != 0;
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(Int<"x737/systems/athr/athr_armed">, wanted);
-    if (!wanted && IsOn(Int<"x737/systems/PFD/PFD_TOGA_mode_on">))
-      SetSource(Int<"x737/systems/athr/toggle_TOGA">, 1);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    if (wanted != IsAutothrottleArmed())
-      FireCommand(commandOf<"laminar/B738/autopilot/autothrottle_arm_toggle">);
-  } else if (IsLoaded(AddOn::Ixeg733)) {
-    if (wanted != IsLit(Fitting<"ixeg/733/MCP/mcp_at_arm_ann">))
-      FireCommand(commandOf<"sim/autopilot/autothrottle_toggle">);
-  } else {
-    SetSource(Int<"sim/cockpit2/autopilot/autothrottle_enabled">, wanted);
+void ApplyAutothrottleIxeg(const OffsetRow&, const Staged& staged) {
+  if ((staged.integer != 0) != IsLit(Fitting<"ixeg/733/MCP/mcp_at_arm_ann">)) {
+    FireCommand(commandOf<"sim/autopilot/autothrottle_toggle">);
   }
 }
 
 // --- Rows -----------------------------------------------------------------------------------------
 
-constexpr OffsetRow ModeRow(uint32_t offset, const char* name, const char* meaning, ReadRow read,
-                            ApplyWrite apply, Cycle cycle = Cycle::C7, const char* lossy = flagLoss) {
-  return {.offset = offset,
-          .type = Stored::U32,
-          .name = name,
-          .meaning = meaning,
-          .show = Show::Flag,
-          .cycle = cycle,
-          .read = read,
-          .write = {.apply = apply},
-          .lossy = lossy};
+// What the rows of switches have in common; the rest of the row stands where it is used.
+constexpr OffsetRow Switch(OffsetRow row) {
+  row.type = Stored::U32;
+  row.show = Show::Flag;
+  return row;
 }
 
 constexpr OffsetRow rows[] = {
@@ -374,38 +206,207 @@ constexpr OffsetRow rows[] = {
      .meaning = "flight director pitch",
      .unit = "deg",
      .cycle = Cycle::C1,
-     .variants = variantsOf<Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/AP_A_pitch">},
-                            Variant{.source = Float<"sim/cockpit/autopilot/flight_director_pitch">}>},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/AP_A_pitch">},
+                         Variant{.source = Float<"sim/cockpit/autopilot/flight_director_pitch">}};
+     }>},
     {.offset = 0x2EF0,
      .type = Stored::F64,
      .name = "fd_bank",
      .meaning = "flight director bank",
      .unit = "deg",
      .cycle = Cycle::C1,
-     .variants = variantsOf<Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/AP_A_roll">},
-                            Variant{.source = Float<"sim/cockpit/autopilot/flight_director_roll">}>},
-    ModeRow(0x07BC, "ap", "autopilot master", ReadMaster, ApplyMaster, Cycle::C13),
-    ModeRow(0x2EE0, "fd", "flight director", ReadDirector, ApplyDirector, Cycle::C13),
-    ModeRow(0x07C0, "ap_wing_leveler", "wing leveler", ReadMode<leveler>, ApplyMode<leveler>, Cycle::C13),
-    ModeRow(0x07C4, "ap_nav", "navigation hold, armed or engaged", ReadMode<nav>, ApplyMode<nav>),
-    ModeRow(0x07C8, "ap_heading", "heading hold", ReadMode<heading>, ApplyMode<heading>),
-    ModeRow(0x07D0, "ap_altitude", "altitude hold", ReadMode<altitude>, ApplyMode<altitude>),
-    ModeRow(0x07DC, "ap_speed", "airspeed hold", ReadMode<speed>, ApplyMode<speed>),
-    ModeRow(0x07E4, "ap_mach", "Mach hold", ReadMode<mach>, ApplyMode<mach>),
-    ModeRow(0x07EC, "ap_vertical_speed", "vertical speed hold", ReadMode<verticalSpeed>,
-            ApplyMode<verticalSpeed>),
-    ModeRow(0x07F4, "ap_thrust", "thrust hold", ReadMode<thrust>, nullptr, Cycle::C7, ""),
-    ModeRow(0x0800, "ap_approach", "approach hold, armed or engaged", ReadMode<approach>, ApplyMode<approach>),
-    {.offset = 0x080C,
-     .type = Stored::U32,
-     .name = "toga",
-     .meaning = "take-off and go-around",
-     .show = Show::Flag,
-     .cycle = Cycle::C7,
-     .read = ReadMode<goAround>,
-     .write = {.apply = ApplyGoAround},
-     .lossy = "can be written with add-on aircraft only"},
-    ModeRow(0x0810, "autothrottle", "autothrottle armed", ReadAutothrottle, ApplyAutothrottle),
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/AP_A_roll">},
+                         Variant{.source = Float<"sim/cockpit/autopilot/flight_director_roll">}};
+     }>},
+    Switch({.offset = 0x07BC,
+            .name = "ap",
+            .meaning = "autopilot master",
+            .cycle = Cycle::C13,
+            .variants = variantsOf<[] {
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .lights = {Int<"x737/systems/afds/CMD_A">, Int<"x737/systems/afds/CMD_B">},
+                          .apply = ApplyMasterX737},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .lights = {Float<"laminar/B738/autopilot/cmd_a_status">,
+                                     Float<"laminar/B738/autopilot/cmd_b_status">,
+                                     Float<"laminar/B738/autopilot/cws_a_status">,
+                                     Float<"laminar/B738/autopilot/cws_b_status">},
+                          .apply = ApplyMasterB738},
+                  Variant{.addOn = AddOn::Ixeg733, .read = ReadMaster, .apply = ApplyMasterIxeg},
+                  Variant{.read = ReadMaster, .apply = ApplyMaster}};
+            }>,
+            .lossy = flagLoss}),
+    Switch({.offset = 0x2EE0,
+            .name = "fd",
+            .meaning = "flight director",
+            .cycle = Cycle::C13,
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .lights = {Int<"x737/systems/afds/fd_master">},
+                                        .apply = ApplyDirectorX737},
+                                Variant{.read = ReadDirector, .apply = ApplyDirector}};
+            }>,
+            .lossy = flagLoss}),
+    Switch(
+        {.offset = 0x07C0,
+         .name = "ap_wing_leveler",
+         .meaning = "wing leveler",
+         .cycle = Cycle::C13,
+         .variants =
+             variantsOf<[] { return std::array{Variant{.stateBits = wingLeveler, .stateBit = wingLeveler}}; }>,
+         .lossy = flagLoss}),
+    // Armed counts, else a second write would disarm it.
+    Switch({.offset = 0x07C4,
+            .name = "ap_nav",
+            .meaning = "navigation hold, armed or engaged",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .lights = {Int<"x737/systems/afds/VORLOC">},
+                                        .target = Int<"x737/systems/afds/VORLOC">},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .lights = {Float<"laminar/B738/autopilot/vorloc_status">},
+                                        .press = &commandOf<"laminar/B738/autopilot/vorloc_press">},
+                                Variant{.stateBits = navArmed | navEngaged, .key = xplm_key_otto_hnav}};
+            }>,
+            .lossy = flagLoss}),
+    Switch({.offset = 0x07C8,
+            .name = "ap_heading",
+            .meaning = "heading hold",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .lights = {Int<"x737/systems/afds/HDG">},
+                                        .target = Int<"x737/systems/afds/HDG">},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .lights = {Float<"laminar/B738/autopilot/hdg_sel_status">},
+                                        .key = xplm_key_otto_hdg},
+                                Variant{.stateBits = headingSelect, .key = xplm_key_otto_hdg}};
+            }>,
+            .lossy = flagLoss}),
+    Switch({.offset = 0x07D0,
+            .name = "ap_altitude",
+            .meaning = "altitude hold",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .lights = {Int<"x737/systems/afds/ALTHLD">},
+                                        .target = Int<"x737/systems/afds/ALTHLD">},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .lights = {Float<"laminar/B738/autopilot/alt_hld_status">},
+                                        .press = &commandOf<"laminar/B738/autopilot/alt_hld_press">},
+                                Variant{.stateBits = altitudeHold, .key = xplm_key_otto_alt}};
+            }>,
+            .lossy = flagLoss}),
+    Switch({.offset = 0x07DC,
+            .name = "ap_speed",
+            .meaning = "airspeed hold",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .lights = {Int<"x737/systems/athr/MCPSPD_mode">, Int<"x737/systems/MCP/LED_VNAV_on">},
+                          .target = Int<"x737/systems/athr/MCPSPD_mode">},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .lights = {Float<"laminar/B738/autopilot/speed_status1">,
+                                     Float<"laminar/B738/autopilot/lvl_chg_status">,
+                                     Float<"laminar/B738/autopilot/vnav_status1">},
+                          .key = xplm_key_otto_atr},
+                  Variant{.stateBits = autothrottleSpeed, .key = xplm_key_otto_atr}};
+            }>,
+            .lossy = flagLoss}),
+    Switch({.offset = 0x07E4,
+            .name = "ap_mach",
+            .meaning = "Mach hold",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .lights = {Int<"x737/systems/athr/MCPSPD_mode">},
+                                        .target = Int<"x737/systems/athr/MCPSPD_mode">},
+                                Variant{.stateBits = autothrottleSpeed, .stateBit = autothrottleSpeed}};
+            }>,
+            .lossy = flagLoss}),
+    Switch({.offset = 0x07EC,
+            .name = "ap_vertical_speed",
+            .meaning = "vertical speed hold",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .lights = {Int<"x737/systems/afds/VS_arm">, Int<"x737/systems/afds/VS">},
+                          .target = Int<"x737/systems/afds/VS">},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .lights = {Float<"laminar/B738/autopilot/vs_status">},
+                          .press = &commandOf<"laminar/B738/autopilot/vs_press">},
+                  Variant{.stateBits = verticalSpeedHold, .key = xplm_key_otto_vvi}};
+            }>,
+            .lossy = flagLoss}),
+    Switch({.offset = 0x07F4,
+            .name = "ap_thrust",
+            .meaning = "thrust hold",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{
+                  Variant{
+                      .addOn = AddOn::X737,
+                      .lights = {Fitting<"x737/systems/athr/N1_mode">, Int<"x737/systems/MCP/LED_LVLCHG_on">}},
+                  Variant{.addOn = AddOn::B738Extended, .lights = {Float<"laminar/B738/autopilot/n1_status">}},
+                  Variant{.stateBits = levelChange}};
+            }>}),
+    Switch({.offset = 0x0800,
+            .name = "ap_approach",
+            .meaning = "approach hold, armed or engaged",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .lights = {Int<"x737/systems/afds/APP">},
+                                        .target = Int<"x737/systems/afds/APP">},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .lights = {Float<"laminar/B738/autopilot/app_status">},
+                                        .press = &commandOf<"sim/autopilot/approach">},
+                                Variant{.stateBits = glideslopeArmed | glideslopeEngaged,
+                                        .press = &commandOf<"sim/autopilot/approach">}};
+            }>,
+            .lossy = flagLoss}),
+    Switch({.offset = 0x080C,
+            .name = "toga",
+            .meaning = "take-off and go-around",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .lights = {Int<"x737/systems/athr/toggle_TOGA">},
+                          .apply = ApplyGoAroundX737},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .lights = {Float<"laminar/B738/autopilot/n1_status">},
+                          .apply = ApplyGoAround},
+                  Variant{
+                      .addOn = AddOn::Ixeg733, .stateBits = lateralToga | verticalToga, .apply = ApplyGoAround},
+                  Variant{.stateBits = lateralToga | verticalToga}};
+            }>,
+            .lossy = "can be written with add-on aircraft only"}),
+    Switch({.offset = 0x0810,
+            .name = "autothrottle",
+            .meaning = "autothrottle armed",
+            .cycle = Cycle::C7,
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .lights = {Int<"x737/systems/athr/athr_armed">},
+                                        .apply = ApplyAutothrottleX737},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .lights = {Float<"laminar/B738/autopilot/autothrottle_status">,
+                                                   Float<"laminar/B738/autopilot/speed_status1">},
+                                        .press = &commandOf<"laminar/B738/autopilot/autothrottle_arm_toggle">},
+                                Variant{.addOn = AddOn::Ixeg733,
+                                        .lights = {Int<"sim/cockpit2/autopilot/autothrottle_enabled">},
+                                        .apply = ApplyAutothrottleIxeg},
+                                Variant{.lights = {Int<"sim/cockpit2/autopilot/autothrottle_enabled">},
+                                        .target = Int<"sim/cockpit2/autopilot/autothrottle_enabled">}};
+            }>,
+            .lossy = flagLoss}),
     {.offset = 0x07CC,
      .type = Stored::U16,
      .name = "ap_heading_bug",
@@ -413,8 +414,15 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .unitScale = 360.0 / 65536,
      .cycle = Cycle::C7,
-     .read = ReadSelectedHeading,
-     .write = {.apply = ApplySelectedHeading},
+     .convert = HeadingWordOf,
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Float<"x737/systems/afds/HDG_magnhdg">,
+                                 .target = Float<"x737/systems/afds/HDG_magnhdg">},
+                         Variant{.source = Float<"sim/cockpit/autopilot/heading_mag">,
+                                 .target = Float<"sim/cockpit/autopilot/heading_mag">}};
+     }>,
+     .write = {.convert = DegreesOf},
      .lossy = "written at 182 per degree: reads back up to 16 higher, and from 65520 on begins again at 0"},
     {.offset = 0x07D4,
      .type = Stored::S32,
@@ -425,7 +433,11 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C7,
      .source = Float<"sim/cockpit/autopilot/altitude">,
      .factor = 0.3048 * 65536,
-     .write = {.apply = ApplySelectedAltitude},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737, .target = Float<"x737/systems/afds/ALTHLD_baroalt">},
+                         Variant{.target = Float<"sim/cockpit/autopilot/altitude">}};
+     }>,
+     .write = {.convert = FeetOf},
      .lossy = "written at 3.2808 feet per metre: reads back 0.0012 % lower"},
     {.offset = 0x07E2,
      .type = Stored::U16,
@@ -433,31 +445,52 @@ constexpr OffsetRow rows[] = {
      .meaning = "selected airspeed",
      .unit = "kt",
      .cycle = Cycle::C7,
-     .read = ReadSelectedSpeed,
-     .write = {.apply = ApplySelectedSpeed},
+     .variants = variantsOf<[] {
+       return std::array{
+           Variant{.addOn = AddOn::X737, .read = ReadKnots<x737Speed>, .apply = ApplyKnots<x737Speed>},
+           Variant{.read = ReadKnots<stockSpeed>, .apply = ApplyKnots<stockSpeed>}};
+     }>,
      .note = "knots also while the selector stands at Mach"},
-    {
-        .offset = 0x07E8,
-        .type = Stored::S32,
-        .name = "ap_mach_set",
-        .meaning = "selected Mach number",
-        .unitScale = 1.0 / 65536,
-        .cycle = Cycle::C7,
-        .read = ReadSelectedMach,
-        .write = {.apply = ApplySelectedMach},
-        .lossy = "held in single precision: off by more than one step from Mach 100 on",
-        .note = "Mach also while the selector stands at knots",
-    },
+    {.offset = 0x07E8,
+     .type = Stored::S32,
+     .name = "ap_mach_set",
+     .meaning = "selected Mach number",
+     .unitScale = 1.0 / 65536,
+     .cycle = Cycle::C7,
+     .variants = variantsOf<[] {
+       return std::array{
+           Variant{.addOn = AddOn::X737, .read = ReadMach<x737Speed>, .apply = ApplyMach<x737Speed>},
+           Variant{.read = ReadMach<stockSpeed>, .apply = ApplyMach<stockSpeed>}};
+     }>,
+     .lossy = "held in single precision: off by more than one step from Mach 100 on",
+     .note = "Mach also while the selector stands at knots"},
     {.offset = 0x07F2,
      .type = Stored::S16,
      .name = "ap_vertical_speed_set",
      .meaning = "selected vertical speed",
      .unit = "ft/min",
      .cycle = Cycle::C7,
-     .read = ReadSelectedClimb,
-     .write = {.apply = ApplySelectedClimb}},
-    ModeRow(0x0804, "ap_back_course", "back course", nullptr, ApplyBackCourse, Cycle::None, ""),
-    ModeRow(0x0808, "yaw_damper", "yaw damper", ReadYawDamper, ApplyYawDamper, Cycle::C31),
+     .variants = variantsOf<[] {
+       return std::array{
+           Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/VS_vvi">, .apply = ApplyClimbX737},
+           Variant{.source = Float<"sim/cockpit/autopilot/vertical_velocity">,
+                   .target = Float<"sim/cockpit/autopilot/vertical_velocity">}};
+     }>},
+    Switch({.offset = 0x0804,
+            .name = "ap_back_course",
+            .meaning = "back course",
+            .write = {.apply = ApplyBackCourse}}),
+    Switch({.offset = 0x0808,
+            .name = "yaw_damper",
+            .meaning = "yaw damper",
+            .cycle = Cycle::C31,
+            .variants = variantsOf<[] {
+              return std::array{
+                  Variant{.addOn = AddOn::B738Extended, .read = ReadYawDamperB738, .apply = ApplyYawDamperB738},
+                  Variant{.lights = {Int<"sim/cockpit/switches/yaw_damper_on">},
+                          .target = Int<"sim/cockpit/switches/yaw_damper_on">}};
+            }>,
+            .lossy = flagLoss}),
     {.offset = 0x2F80,
      .type = Stored::U8,
      .name = "autobrake",

@@ -40,31 +40,26 @@ double ParkingBrake() {
                                                   : parkBrake);
 }
 
+struct Brakes {
+  double left, right, parking;
+} brakes;  // of one look
+
+void TakeBrakes() { brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ParkingBrake()}; }
+
 // A toe brake; the parking brake holds both down.
-template <const Source& brake>
+template <double Brakes::*brake>
 bool ReadToeBrake(const OffsetRow&, double* value) {
-  *value = ParkingBrake() > 0.5 ? full : ReadSource(brake) * full;
+  *value = brakes.parking > 0.5 ? full : brakes.*brake * full;
   return true;
 }
 
 bool ReadParkingBrake(const OffsetRow&, double* value) {
-  const double parking = ParkingBrake();
-  if (IsLoaded(AddOn::B738Extended)) {
-    *value = parking > 0.2 ? 32767 : 0;
-  } else {
-    *value = parking * 32767;
-  }
+  *value = !IsLoaded(AddOn::B738Extended) ? brakes.parking * 32767 : brakes.parking > 0.2 ? 32767 : 0;
   return true;
 }
 
 bool ReadBrakesApplied(const OffsetRow&, double* value) {
-  *value = ReadSource(leftBrake) > 0.2 || ReadSource(rightBrake) > 0.2 || ParkingBrake() > 0.2 ? full : 0;
-  return true;
-}
-
-template <const Source& brake>
-bool ReadBrakeAxis(const OffsetRow&, double* value) {
-  *value = ReadSource(brake) * full;
+  *value = brakes.left > 0.2 || brakes.right > 0.2 || brakes.parking > 0.2 ? full : 0;
   return true;
 }
 
@@ -366,7 +361,8 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadToeBrake<leftBrake>,
+     .read = ReadToeBrake<&Brakes::left>,
+     .prepare = TakeBrakes,
      .write = {.target = leftBrake, .factor = 1 / full},
      .note = "16383 while the parking brake is set"},
     {.offset = 0x0BC6,
@@ -376,7 +372,8 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadToeBrake<rightBrake>,
+     .read = ReadToeBrake<&Brakes::right>,
+     .prepare = TakeBrakes,
      .write = {.apply = ApplyRightBrake},
      .note = "16383 while the parking brake is set"},
     {.offset = 0x0BC8,
@@ -387,6 +384,7 @@ constexpr OffsetRow rows[] = {
      .unitScale = 100.0 / 32767,
      .cycle = Cycle::C3,
      .read = ReadParkingBrake,
+     .prepare = TakeBrakes,
      .write = {.apply = ApplyParkingBrake},
      .lossy = "above 32767 counts as 32767; the extended 737-800 knows only off and on"},
     {.offset = 0x0BCA,
@@ -395,7 +393,8 @@ constexpr OffsetRow rows[] = {
      .meaning = "16383 while a brake is above 20 %",
      .show = Show::Flag,
      .cycle = Cycle::C3,
-     .read = ReadBrakesApplied},
+     .read = ReadBrakesApplied,
+     .prepare = TakeBrakes},
     {.offset = 0x3416,
      .type = Stored::S16,
      .name = "left_brake_axis",
@@ -403,7 +402,9 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadBrakeAxis<leftBrake>},
+     .factor = full,
+     .prepared = &brakes.left,
+     .prepare = TakeBrakes},
     {.offset = 0x3418,
      .type = Stored::S16,
      .name = "right_brake_axis",
@@ -411,7 +412,9 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadBrakeAxis<rightBrake>},
+     .factor = full,
+     .prepared = &brakes.right,
+     .prepare = TakeBrakes},
 
     {.offset = 0x0BCC,
      .type = Stored::U32,

@@ -238,7 +238,7 @@ constexpr OffsetRow Vibration(uint32_t offset, int engine) {
           .unitScale = 17.25 / 10000,
           .cycle = Cycle::C1,
           .factor = 10000 / 17.25,
-          .variants = variantsOf<Variant{.addOn = AddOn::X737, .source = x737}>,
+          .variants = variantsOf<[] { return std::array{Variant{.addOn = AddOn::X737, .source = x737}}; }>,
           .note = "x737 only, else 0"};
 }
 constexpr auto vibration = std::to_array<OffsetRow>({Vibration<Float<"x737/engine/viblevel_1">>(0x08D4, 1),

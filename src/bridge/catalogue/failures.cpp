@@ -1,6 +1,5 @@
 // Failures. The simulator keeps a code per system: 0 works, 6 failed now, between them conditions under
 // which it will fail.
-#include <algorithm>
 #include <iterator>
 
 #include "bridge/catalogue/engine_families.h"
@@ -21,15 +20,6 @@ constexpr Source engineFailures[engineCount] = {
     Int<"sim/operation/failures/rel_engfai3">,
 };
 
-int FailedEngines() {
-  int failed = 0;
-  for (int engine = 0; engine < engineCount; engine++) failed |= HasFailed(engineFailures[engine]) << engine;
-  return failed;
-}
-bool ReadEngineFailures(const OffsetRow&, double* value) {
-  *value = FailedEngines();
-  return true;
-}
 void ApplyEngineFailures(const OffsetRow&, const Staged& staged) {
   for (int engine = 0; engine < engineCount; engine++) {
     SetSource(engineFailures[engine], FailureCode(static_cast<double>(staged.integer >> engine & 1)));
@@ -66,18 +56,24 @@ constexpr Systems panel[] = {
       Int<"sim/operation/failures/rel_cop_vvi">}},  // 15 vertical speed indicators
 };
 
-bool AnyFailed(const Systems& systems) {
-  return std::any_of(std::begin(systems.systems), std::end(systems.systems), HasFailed);
+double enginesFailed, panelFailed;  // as bits
+
+void TakeFailures() {
+  int engines = 0;
+  for (int engine = 0; engine < engineCount; engine++) engines |= HasFailed(engineFailures[engine]) << engine;
+  int word = 0;
+  int mask = 1;
+  for (const Systems& bit : panel) {
+    for (const Source& system : bit.systems) {
+      if (system.ref == nullptr) break;
+      if (HasFailed(system)) word |= mask;
+    }
+    mask <<= 1;
+  }
+  enginesFailed = engines;
+  panelFailed = word;
 }
 
-bool ReadPanelFailures(const OffsetRow&, double* value) {
-  int word = 0;
-  for (int bit = 0; bit < static_cast<int>(std::size(panel)); bit++) {
-    word |= AnyFailed(panel[bit]) << bit;
-  }
-  *value = word;
-  return true;
-}
 void ApplyPanelFailures(const OffsetRow&, const Staged& staged) {
   for (size_t bit = 0; bit < std::size(panel); bit++) {
     const double code = FailureCode(static_cast<double>(staged.integer >> bit & 1));
@@ -142,7 +138,8 @@ constexpr OffsetRow rows[] = {
      .meaning = "engines failed",
      .show = Show::Bits,
      .cycle = Cycle::C13,
-     .read = ReadEngineFailures,
+     .prepared = &enginesFailed,
+     .prepare = TakeFailures,
      .write = {.apply = ApplyEngineFailures},
      .lossy = "bits 4-7 have no engine",
      .note = "bit n: engine n + 1"},
@@ -152,7 +149,8 @@ constexpr OffsetRow rows[] = {
      .meaning = "partial-panel failures",
      .show = Show::Bits,
      .cycle = Cycle::C13,
-     .read = ReadPanelFailures,
+     .prepared = &panelFailed,
+     .prepare = TakeFailures,
      .note = "bits: 0 ADF, 1 airspeed, 2 altimeter, 3 attitude, 4 COM, 7 engines, 8 fuel gauges, 9 heading, "
              "10 NAV, 11 pitot heat, 12 transponder, 13 turn coordinator, 14 vacuum, 15 vertical speed"},
     {.offset = 0x3BD6,

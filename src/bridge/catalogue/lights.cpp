@@ -5,6 +5,7 @@ namespace {
 
 // Bits of the light word.
 enum Light { navigation, beacon, landing, taxi, strobe, instruments, lightCount };
+constexpr int allLights = (1 << lightCount) - 1;
 
 Source LightSource(int light) {
   switch (light) {
@@ -24,18 +25,16 @@ Source LightSource(int light) {
   }
 }
 
-bool ReadLights(const OffsetRow&, double* value) {
-  int word = 0;
-  for (int light = 0; light < lightCount; light++) word |= IsOn(LightSource(light)) << light;
-  *value = word;
-  return true;
+int lightWord;  // the lights that are on
+
+void TakeLights() {
+  lightWord = 0;
+  for (int light = 0; light < lightCount; light++) lightWord |= IsOn(LightSource(light)) << light;
 }
 
 template <int bits>
-bool ReadAnyOf(const OffsetRow&, double* value) {
-  bool lit = false;
-  for (int light = 0; light < lightCount; light++) lit |= (bits >> light & 1) != 0 && IsOn(LightSource(light));
-  *value = lit;
+bool ReadLights(const OffsetRow&, double* value) {
+  *value = bits == allLights ? lightWord : (lightWord & bits) != 0;
   return true;
 }
 
@@ -59,7 +58,8 @@ constexpr OffsetRow rows[] = {
      .meaning = "all lights",
      .show = Show::Bits,
      .cycle = Cycle::C7,
-     .read = ReadLights,
+     .read = ReadLights<allLights>,
+     .prepare = TakeLights,
      .write = {.apply = ApplyLights},
      .lossy = "the simulator has no switches for bits 6-15, and bit 5 is read-only there",
      .note = "bits: 0 navigation, 1 beacon, 2 landing, 3 taxi, 4 strobe, 5 instruments"},
@@ -69,14 +69,16 @@ constexpr OffsetRow rows[] = {
      .meaning = "navigation lights",
      .show = Show::Flag,
      .cycle = Cycle::C7,
-     .read = ReadAnyOf<1 << navigation>},
+     .read = ReadLights<1 << navigation>,
+     .prepare = TakeLights},
     {.offset = 0x0281,
      .type = Stored::U8,
      .name = "beacon_strobe",
      .meaning = "beacon or strobe lights",
      .show = Show::Flag,
      .cycle = Cycle::C7,
-     .read = ReadAnyOf<1 << beacon | 1 << strobe>,
+     .read = ReadLights<1 << beacon | 1 << strobe>,
+     .prepare = TakeLights,
      .write = {.apply = ApplyAnyOf<1 << beacon | 1 << strobe>},
      .lossy = flagLoss},
     {.offset = 0x028C,
@@ -85,7 +87,8 @@ constexpr OffsetRow rows[] = {
      .meaning = "landing lights",
      .show = Show::Flag,
      .cycle = Cycle::C7,
-     .read = ReadAnyOf<1 << landing>,
+     .read = ReadLights<1 << landing>,
+     .prepare = TakeLights,
      .write = {.apply = ApplyAnyOf<1 << landing>},
      .lossy = flagLoss},
 };

@@ -14,7 +14,7 @@ int slewing = 0;
 int frozen = 0;
 int pathTaken = 0;  // 1: the override is on because we set it
 double frozenX = 0, frozenZ = 0;
-PushbackHooks pushbackHooks = {[] { return 3; }, [](uint32_t) {}};
+PushbackHooks pushbackHooks = {[] { return 3; }, [](uint32_t) {}};  // off, until the room is connected
 
 void UpdatePlanePath() {
   const int wanted = slewing || frozen;

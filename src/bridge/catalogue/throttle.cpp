@@ -223,25 +223,17 @@ double PistonSwitch(int key) {
   }
 }
 
-bool IsStarterEngaged(int engine) {
-  return ReadSource(FloatElement<"sim/cockpit/engine/starter_duration">(engine)) > 0;
-}
+// Of one look: how the switches stand, and whether the starters turn.
+double magnetoSwitches[engineCount], startersEngaged[engineCount];
 
-bool ReadMagnetoSwitch(const OffsetRow& row, double* value) {
-  const int engine = EngineOf(row);
-  const bool engaged = IsStarterEngaged(engine);
-  const int key = ReadInt(IntElement<"sim/cockpit/engine/ignition_on">(engine));
-  if (HasPistonEngines()) {
-    *value = engaged ? 4 : PistonSwitch(key);
-  } else {
-    *value = engaged ? 1 : key != 0 ? 2 : 0;
+void TakeStarters() {
+  const bool pistons = HasPistonEngines();
+  for (int engine = 0; engine < engineCount; engine++) {
+    const bool engaged = ReadSource(FloatElement<"sim/cockpit/engine/starter_duration">(engine)) > 0;
+    const int key = ReadInt(IntElement<"sim/cockpit/engine/ignition_on">(engine));
+    startersEngaged[engine] = engaged;
+    magnetoSwitches[engine] = pistons ? (engaged ? 4 : PistonSwitch(key)) : engaged ? 1 : key != 0 ? 2 : 0;
   }
-  return true;
-}
-
-bool ReadStarter(const OffsetRow& row, double* value) {
-  *value = IsStarterEngaged(EngineOf(row));
-  return true;
 }
 
 struct PistonCommands {
@@ -294,7 +286,8 @@ constexpr Family magneto = {
      .name = "magneto",
      .meaning = "magneto or starter switch",
      .cycle = Cycle::C13,
-     .read = ReadMagnetoSwitch,
+     .prepared = magnetoSwitches,
+     .prepare = TakeStarters,
      .write = {.apply = ApplyMagnetoSwitch},
      .lossy = "shows what the engine does, so start reads back only while the starter turns",
      .note = "piston: 0 off, 1 right, 2 left, 3 both, 4 start; turbine: 0 off, 1 start, 2 generator"},
@@ -304,7 +297,8 @@ constexpr Family starter = {{.type = Stored::U8,
                              .meaning = "starter engaged",
                              .show = Show::Flag,
                              .cycle = Cycle::C13,
-                             .read = ReadStarter},
+                             .prepared = startersEngaged,
+                             .prepare = TakeStarters},
                             {0x0506, 0x0507, 0x0508, 0x0509}};
 constexpr Family ignition = {
     {.type = Stored::S32,
