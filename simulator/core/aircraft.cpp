@@ -21,8 +21,6 @@ std::string StripFolder(const std::string& path) {
 
 }  // namespace
 
-int ActivePlanes() { return active; }
-
 void ResetPlanes(int count) {
   active = count;
   controller = XPLM_NO_PLUGIN_ID;

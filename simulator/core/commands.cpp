@@ -21,7 +21,6 @@ struct Command {
   std::string name, description;
   CommandAction action = nullptr;
   int tag = 0;
-  bool live = true;
   std::vector<Handler> handlers;  // in order of registration
   std::vector<int> holders;       // plug-ins that have begun and not ended it, once per begin
 };
@@ -37,7 +36,6 @@ Command* Make(const std::string& name) {
     slot = std::make_unique<Command>();
     slot->name = name;
   }
-  slot->live = true;
   return slot.get();
 }
 
@@ -85,13 +83,6 @@ void PublishCommand(const char* name, CommandAction action, int tag) {
 }
 
 void PublishCommandIfMissing(const std::string& name) { Make(name); }
-
-void WithdrawCommand(const char* name) {
-  auto found = commands.find(name);
-  if (found == commands.end()) return;
-  found->second->live = false;
-  found->second->action = nullptr;
-}
 
 void ResetCommands() {
   commands.clear();
@@ -150,7 +141,7 @@ XPLMCommandRef XPLMFindCommand(const char* name) {
   sim::Check("XPLMFindCommand");
   sim::lookUps++;
   auto found = sim::commands.find(name ? name : "");
-  return found != sim::commands.end() && found->second->live ? found->second.get() : nullptr;
+  return found != sim::commands.end() ? found->second.get() : nullptr;
 }
 
 XPLMCommandRef XPLMCreateCommand(const char* name, const char* description) {

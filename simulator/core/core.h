@@ -127,7 +127,6 @@ void ResetNavigation();
 void AddNavAid(const NavAid& aid);
 void ClearNavAids();
 void SetActivePlanes(int count);  // tells world and plug-ins
-int ActivePlanes();
 void ResetPlanes(int count);
 // Selects the aircraft and tells the plug-ins. False when there is none of that name.
 bool ChangeAircraft(const std::string& name);

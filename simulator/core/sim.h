@@ -60,9 +60,6 @@ const std::vector<DataRef*>& AllDataRefs();
 // while held, 2 end.
 using CommandAction = void (*)(int phase, int tag);
 void PublishCommand(const char* name, CommandAction action, int tag);
-// Plug-ins cannot find it any longer; handles that they have stay harmless, and it revives when published
-// again. Unknown names are ignored.
-void WithdrawCommand(const char* name);
 
 // ---------------------------------------------------------------------------------------------
 // The world: implemented in simulator/world and simulator/flight, called by the core.
@@ -73,7 +70,8 @@ void WorldStart(bool circuitFlight, int activePlanes);
 // Whether such an aircraft exists (the names of --aircraft).
 bool WorldKnowsAircraft(const std::string& name);
 // Makes NAME the user's aircraft: engine type, title, file, the add-on's plug-in signature, datarefs and
-// commands (those of the previous aircraft are withdrawn). The core sends message 102 afterwards.
+// commands. The datarefs of the previous aircraft are withdrawn; its commands stay, as commands do. The core
+// sends message 102 afterwards.
 void WorldSelectAircraft(const std::string& name);
 // Signature of the plug-in that the selected aircraft brings ("" for none).
 const char* WorldAircraftPluginSignature();

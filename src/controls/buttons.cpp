@@ -70,12 +70,20 @@ struct Action {
 
 Action ActionOf(const ButtonAssignment& a, bool pressed) {
   if (pressed) {
-    return {a.pressedValue,       a.setOnPress == 1,     a.clearOnPress == 1,
-            a.toggleOnPress == 1, a.nothingOnPress != 0, false};
+    return {.value = a.pressedValue,
+            .set = a.setOnPress == 1,
+            .clear = a.clearOnPress == 1,
+            .toggle = a.toggleOnPress == 1,
+            .nothing = a.nothingOnPress != 0,
+            .clearsFirst = false};
   }
   // On release a 4-byte offset loses the bit first, so that toggling always leaves it set.
-  return {a.releasedValue,        a.setOnRelease == 1,     a.clearOnRelease == 1,
-          a.toggleOnRelease == 1, a.nothingOnRelease != 0, a.size == 4};
+  return {.value = a.releasedValue,
+          .set = a.setOnRelease == 1,
+          .clear = a.clearOnRelease == 1,
+          .toggle = a.toggleOnRelease == 1,
+          .nothing = a.nothingOnRelease != 0,
+          .clearsFirst = a.size == 4};
 }
 
 uint32_t ChangeBit(uint32_t current, const Action& action) {

@@ -18,12 +18,12 @@ struct ButtonAssignment {
   int32_t offset;  // inactive unless above 0
   int32_t size;    // 1, 2 or 4 bytes
   int32_t pressedValue, releasedValue;
-  int32_t setOnPress, setOnRelease;
-  int32_t clearOnPress, clearOnRelease;
-  int32_t nothingOnPress, nothingOnRelease;
-  int32_t toggleOnPress, toggleOnRelease;
+  int32_t setOnPress = 0, setOnRelease = 0;
+  int32_t clearOnPress = 0, clearOnRelease = 0;
+  int32_t nothingOnPress = 0, nothingOnRelease = 0;
+  int32_t toggleOnPress = 0, toggleOnRelease = 0;
 };
-constexpr ButtonAssignment noAssignment = {-1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
+constexpr ButtonAssignment noAssignment = {.offset = -1, .size = -1, .pressedValue = -1, .releasedValue = -1};
 
 // --- Simulator's thread, no lock held -----------------------------------------------------------------
 // Makes the wake event and forgets button states and queued changes. At enable, after the program's locks.

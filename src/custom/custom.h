@@ -31,17 +31,10 @@ void ForgetCustomRequests();
 // only tries the offset lock. What finds it busy is tried once more at the end and then waits for the group's
 // next turn.
 void RefreshCustomOffsets(int group);
-// The same for a single entry of the loaded tables, whatever its group.
-void RefreshCustomOffset(const CustomOffsetEntry& entry);
 // Carries out the pending command and the pending dataref write. Once a frame, behind all other writers.
 void ApplyPendingCustomWrites();
-// Evaluates tokens first .. count - 1 (up to the first write target) with the aliases of the loaded tables.
-// Faulty expressions give the fixed numbers of expression.h.
-double EvaluateExpression(const std::string_view* tokens, int32_t first, int32_t count, double input);
 // The dataref's value by its kind; 0 for an unknown kind, a null handle or an element that does not exist.
 double ReadDatarefValue(const CustomDatarefEntry& dataref);
-// What is loaded, published or not; null for nothing. Valid until the next load or clear.
-const CustomTables* LoadedCustomTables();
 
 // Hands this room's functions to the dispatcher, which knows nothing of it. At start, before anybody can write.
 void ConnectCustomOffsets();

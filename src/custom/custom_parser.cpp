@@ -19,10 +19,16 @@ struct TypeWord {
   uint8_t size;
 };
 constexpr TypeWord typeWords[] = {
-    {"UINT8", CustomType::U8, 1},    {"SINT8", CustomType::S8, 1},   {"UINT16", CustomType::U16, 2},
-    {"SINT16", CustomType::S16, 2},  {"UINT32", CustomType::U32, 4}, {"SINT32", CustomType::S32, 4},
-    {"UINT64", CustomType::U64, 8},  {"SINT64", CustomType::S64, 8}, {"FLOAT32", CustomType::F32, 4},
-    {"FLOAT64", CustomType::F64, 8},
+    {.word = "UINT8", .type = CustomType::U8, .size = 1},
+    {.word = "SINT8", .type = CustomType::S8, .size = 1},
+    {.word = "UINT16", .type = CustomType::U16, .size = 2},
+    {.word = "SINT16", .type = CustomType::S16, .size = 2},
+    {.word = "UINT32", .type = CustomType::U32, .size = 4},
+    {.word = "SINT32", .type = CustomType::S32, .size = 4},
+    {.word = "UINT64", .type = CustomType::U64, .size = 8},
+    {.word = "SINT64", .type = CustomType::S64, .size = 8},
+    {.word = "FLOAT32", .type = CustomType::F32, .size = 4},
+    {.word = "FLOAT64", .type = CustomType::F64, .size = 8},
 };
 
 struct KindWord {

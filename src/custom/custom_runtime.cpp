@@ -171,14 +171,6 @@ void RefreshCustomOffsets(int group) {
   }
 }
 
-void RefreshCustomOffset(const CustomOffsetEntry& entry) {
-  if (loadedTables == nullptr || entry.size == 0) return;
-  CustomRefreshItem item = {&entry, {}, false};
-  const std::span<CustomRefreshItem> items(&item, 1);
-  Compute(*loadedTables, items);
-  CountStored(TryStore(*loadedTables, items), true);
-}
-
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {
   return ReadNumber(dataref.handle, dataref.kind, dataref.index);
 }

@@ -257,11 +257,3 @@ void TakeCustomReload() {
 void ConnectCustomOffsets() {
   ConnectDispatcher({.offer = OfferCustomWrite, .requestReload = RequestCustomReload});
 }
-
-const CustomTables* LoadedCustomTables() { return loadedTables; }
-
-double EvaluateExpression(const std::string_view* tokens, int32_t first, int32_t count, double input) {
-  static const std::vector<CustomDatarefEntry> none;
-  return EvaluateTokens(tokens, first, count, input, loadedTables != nullptr ? loadedTables->datarefs : none,
-                        ReadDatarefValue);
-}

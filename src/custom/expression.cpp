@@ -14,25 +14,25 @@ struct OperatorWord {
   size_t operands;
 };
 constexpr OperatorWord operatorWords[] = {
-    {"+", Op::Add, 2},
-    {"-", Op::Subtract, 2},
-    {"*", Op::Multiply, 2},
-    {"/", Op::Divide, 2},
-    {"\\", Op::DivideWhole, 2},
-    {"^", Op::Power, 2},
-    {"&", Op::And, 2},
-    {"|", Op::Or, 2},
-    {"%", Op::Remainder, 2},
-    {"==", Op::Equal, 2},
-    {"!=", Op::NotEqual, 2},
-    {">", Op::Greater, 2},
-    {">=", Op::GreaterOrEqual, 2},
-    {"<", Op::Less, 2},
-    {"<=", Op::LessOrEqual, 2},
-    {"?", Op::Select, 3},
-    {"abs", Op::Absolute, 1},
-    {"round", Op::Round, 1},
-    {"@", Op::Input, 0},
+    {.word = "+", .op = Op::Add, .operands = 2},
+    {.word = "-", .op = Op::Subtract, .operands = 2},
+    {.word = "*", .op = Op::Multiply, .operands = 2},
+    {.word = "/", .op = Op::Divide, .operands = 2},
+    {.word = "\\", .op = Op::DivideWhole, .operands = 2},
+    {.word = "^", .op = Op::Power, .operands = 2},
+    {.word = "&", .op = Op::And, .operands = 2},
+    {.word = "|", .op = Op::Or, .operands = 2},
+    {.word = "%", .op = Op::Remainder, .operands = 2},
+    {.word = "==", .op = Op::Equal, .operands = 2},
+    {.word = "!=", .op = Op::NotEqual, .operands = 2},
+    {.word = ">", .op = Op::Greater, .operands = 2},
+    {.word = ">=", .op = Op::GreaterOrEqual, .operands = 2},
+    {.word = "<", .op = Op::Less, .operands = 2},
+    {.word = "<=", .op = Op::LessOrEqual, .operands = 2},
+    {.word = "?", .op = Op::Select, .operands = 3},
+    {.word = "abs", .op = Op::Absolute, .operands = 1},
+    {.word = "round", .op = Op::Round, .operands = 1},
+    {.word = "@", .op = Op::Input, .operands = 0},
 };
 constexpr std::string_view piWord = "PI";
 
@@ -170,31 +170,6 @@ bool IsWriteTarget(std::string_view token) {
 Op FindOperator(std::string_view token) {
   const OperatorWord* word = FindWord(token);
   return word != nullptr ? word->op : Op::Number;
-}
-
-double EvaluateTokens(const std::string_view* tokens, int32_t first, int32_t count, double input,
-                      const std::vector<CustomDatarefEntry>& datarefs, DatarefReader read) {
-  double stack[maxExpressionDepth + 1];
-  double* top = stack;
-  for (int32_t i = first; i < count && !IsWriteTarget(tokens[i]); ++i) {
-    const std::string_view token = tokens[i];
-    if (IsAliasValue(token)) {
-      const CustomDatarefEntry* dataref = FindCustomAlias(datarefs, token.substr(1));
-      if (dataref == nullptr) return resultNoAlias;
-      *top++ = read(*dataref);
-    } else if (const OperatorWord* word = FindWord(token)) {
-      if (static_cast<size_t>(top - stack) < word->operands) return resultTooFewValues;
-      if (word->op == Op::Input) {
-        *top++ = input;
-      } else {
-        top = Apply(word->op, top);
-      }
-    } else {
-      *top++ = NumberOf(token);
-    }
-    if (static_cast<size_t>(top - stack) > maxExpressionDepth) return resultOverflow;
-  }
-  return top - stack == 1 ? stack[0] : resultNoValue;
 }
 
 CompileOutcome CompileExpression(const std::string_view* tokens, int32_t first, int32_t count,

@@ -1,8 +1,8 @@
 // Expressions in postfix notation over a stack of doubles: "$alt 3.28084 *".
 //
-// Two ways with equal results: evaluating the tokens as they stand, and compiling them once into a list of
-// operations that needs neither look-ups nor checks, since the depth of the stack after every token is known
-// beforehand. Pure: whoever evaluates says how datarefs are read. Any thread that may call that reader.
+// The tokens are compiled once into a list of operations that needs neither look-ups nor checks, since the
+// depth of the stack after every token is known beforehand. Pure: whoever evaluates says how datarefs are read.
+// Any thread that may call that reader.
 #pragma once
 #include <cstdint>
 #include <string_view>
@@ -25,10 +25,6 @@ using DatarefReader = double (*)(const CustomDatarefEntry& dataref);
 bool IsWriteTarget(std::string_view token);
 // The operation of an operator word, or Op::Number for any other token.
 Op FindOperator(std::string_view token);
-
-// Evaluates tokens first .. count - 1, up to the first write target.
-double EvaluateTokens(const std::string_view* tokens, int32_t first, int32_t count, double input,
-                      const std::vector<CustomDatarefEntry>& datarefs, DatarefReader read);
 
 // What became of a compiled expression.
 struct CompileOutcome {

@@ -77,7 +77,12 @@ void SendRelay(const uint8_t* record) {
 
 void Receive() {
   SocketAddress from = {};
-  const int size = ReceiveBroadcast(&relaySocket, &relayWaker, -1, datagram, sizeof datagram, serverIp, &from);
+  const int size = ReceiveBroadcast(&relaySocket, {.waker = &relayWaker,
+                                                   .timeoutMs = -1,
+                                                   .address = serverIp,
+                                                   .buffer = datagram,
+                                                   .size = sizeof datagram,
+                                                   .from = &from});
   if (size < 0) {
     WaitWaker(&relayWaker, failurePauseMs);  // nothing to receive for now: no spinning
     return;

@@ -73,10 +73,18 @@ constexpr int receiveTimedOut = -3;
 // datagram. Returns the number of bytes (0: the peer has closed the stream, or an empty datagram) or one of
 // the values above. timeoutMs < 0 waits without limit.
 int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size);
+// What to receive, and where to.
+struct BroadcastReceipt {
+  SocketWaker* waker;
+  int timeoutMs;
+  uint32_t address;  // of this computer
+  void* buffer;
+  size_t size;
+  SocketAddress* from;  // gets the sender
+};
 // The same for a socket of OpenBroadcastReceiver: datagrams that were sent neither to `address` nor to a
-// broadcast address are passed over. `from` gets the sender.
-int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size,
-                     uint32_t address, SocketAddress* from);
+// broadcast address are passed over.
+int ReceiveBroadcast(Socket* socket, const BroadcastReceipt& receipt);
 // Sends all of it, or as much as the connection takes without waiting. Returns true when all has gone.
 bool SendStream(Socket* socket, const void* data, size_t size);
 // Sends one datagram, the rest again when the system took a part only. Never waits: while the system's queue is

@@ -36,8 +36,6 @@ std::string ComputerName();
 std::vector<SharedFolder> ListSharedFolders();
 // Whether the path names an existing directory.
 bool IsDirectory(const char* path);
-// Whether the path names an existing plain file.
-bool IsFile(const char* path);
 // Whether a plain file stands under the path, or nothing at all: only then may a file be put there.
 bool IsFileOrNothing(const char* path);
 // The folder's text with a separator at its end, put there only when none stands there; "" stays "".

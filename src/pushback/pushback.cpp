@@ -153,19 +153,19 @@ void ConnectPushback() {
 }
 
 void InitPushback() {
-  handles = {XPLMFindDataRef("sim/flightmodel/controls/parkbrake"),
-             XPLMFindDataRef("sim/flightmodel/position/local_vx"),
-             XPLMFindDataRef("sim/flightmodel/position/local_vz"),
-             XPLMFindDataRef("sim/flightmodel/position/psi"),
-             XPLMFindDataRef("sim/flightmodel/position/theta"),
-             XPLMFindDataRef("sim/flightmodel/position/phi"),
-             XPLMFindDataRef("sim/operation/override/override_joystick"),
-             XPLMFindDataRef("sim/operation/override/override_gearbrake"),
-             XPLMFindDataRef("sim/operation/override/override_artstab"),
-             XPLMFindDataRef("sim/joystick/yoke_heading_ratio"),
-             XPLMFindDataRef("sim/flightmodel/controls/l_brake_add"),
-             XPLMFindDataRef("sim/flightmodel/controls/r_brake_add"),
-             XPLMFindDataRef("sim/flightmodel/controls/dist")};
+  handles = {.parkingBrake = XPLMFindDataRef("sim/flightmodel/controls/parkbrake"),
+             .localVx = XPLMFindDataRef("sim/flightmodel/position/local_vx"),
+             .localVz = XPLMFindDataRef("sim/flightmodel/position/local_vz"),
+             .heading = XPLMFindDataRef("sim/flightmodel/position/psi"),
+             .pitch = XPLMFindDataRef("sim/flightmodel/position/theta"),
+             .bank = XPLMFindDataRef("sim/flightmodel/position/phi"),
+             .overrideJoystick = XPLMFindDataRef("sim/operation/override/override_joystick"),
+             .overrideGearBrake = XPLMFindDataRef("sim/operation/override/override_gearbrake"),
+             .overrideStability = XPLMFindDataRef("sim/operation/override/override_artstab"),
+             .yokeHeading = XPLMFindDataRef("sim/joystick/yoke_heading_ratio"),
+             .leftBrake = XPLMFindDataRef("sim/flightmodel/controls/l_brake_add"),
+             .rightBrake = XPLMFindDataRef("sim/flightmodel/controls/r_brake_add"),
+             .distance = XPLMFindDataRef("sim/flightmodel/controls/dist")};
   LoadPushbackSettings();
   if (!monitored) XPLMRegisterFlightLoopCallback(DistanceMonitor, 1.0F, nullptr);
   monitored = true;

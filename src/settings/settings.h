@@ -79,9 +79,6 @@ bool SettingsWait();
 void SaveSettingsWhenDue(int64_t now);
 // Writes them now (at disable). Returns true when nothing waits any more, or false (they wait on).
 bool SaveWaitingSettings();
-// Creates the file anew with its header, the six sections and every key at its default. Returns true, or
-// false (a log line tells why).
-bool CreateDefaultSettings();
 // Sets `settings` to the defaults, then creates a missing file, reads every key of the table and writes
 // the default of each that is missing, all in one rewrite. A number of flap detents that is out of range leaves
 // the previous one. Always leaves usable settings; returns true, or false

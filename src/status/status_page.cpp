@@ -31,8 +31,13 @@ QuietTable loggedBrowsers;  // page thread
 
 StatusValues ReadStatusValues() {
   const ServerLockScope lock;
-  return {Load<uint16_t>(0x0274), Load<int32_t>(0x0020), Load<int32_t>(0x02B4), Load<int32_t>(0x02C8),
-          Load<double>(0x2F70),   Load<double>(0x2F78),  Load<uint32_t>(0x0580)};
+  return {.framePeriod = Load<uint16_t>(0x0274),
+          .groundElevation = Load<int32_t>(0x0020),
+          .groundSpeed = Load<int32_t>(0x02B4),
+          .verticalSpeed = Load<int32_t>(0x02C8),
+          .pitch = Load<double>(0x2F70),
+          .bank = Load<double>(0x2F78),
+          .heading = Load<uint32_t>(0x0580)};
 }
 
 // As "%f" prints it, with a point in every locale.

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "custom/custom_parser.h"
+#include "custom/custom_state.h"
 #include "custom_harness.h"
 #include "offsetctl/check.h"
 #include "platform/clock.h"
@@ -149,14 +150,14 @@ TEST_F(CustomLoad, LogsWhatIsNotFound) {
             "Command no/command not found.\nCommand  not found.\nCommand  not found.\n"
             "TAVRIX->Commands without a name are the blanks between the groups of a Command line, which is "
             "normal; here of offset 0x0010\n");
-  ASSERT_NE(LoadedCustomTables(), nullptr);
-  EXPECT_NE(LoadedCustomTables()->datarefs[1].handle, nullptr);
+  ASSERT_NE(loadedTables, nullptr);
+  EXPECT_NE(loadedTables->datarefs[1].handle, nullptr);
   custom::Load("Offset 1 UINT8 1 r 1\n" + std::string(4096, 'x'));
   EXPECT_EQ(Unstamped(custom::Log()),
             error + "TAVRIX->Can't read " + path +
                 ": line 2 has more than 4095 characters, make it shorter; there are no "
                 "offsets of your own until the file is read again\n");
-  EXPECT_EQ(LoadedCustomTables(), nullptr);
+  EXPECT_EQ(loadedTables, nullptr);
   // An editor's doing: the file loads, as nothing.
   const std::pair<std::string, const char*> strange[] = {
       {std::string("\xFF\xFE#\0\n\0", 6), "it is stored as UTF-16, save it as ANSI or UTF-8 text"},

@@ -148,7 +148,7 @@ TEST_F(Plugin, FoldersWithOddNamesAreUsedAsTheSimulatorTellsThem) {
       const std::string reported = separated ? folder + pathSeparator : folder;
       Start(folder, reported);
       EXPECT_NE(Log().find("Dataref no/such not found.\n"), std::string::npos) << "logs and offsets file";
-      EXPECT_TRUE(IsFile((own / "TAVRIX.ini").string().c_str()));
+      EXPECT_TRUE(std::filesystem::is_regular_file(own / "TAVRIX.ini"));
       {
         LockScope lock(&offsetLock);
         FillPathBlock(0x3E00, 256, PathSource::Local);

@@ -93,7 +93,8 @@ TEST_F(Log, TraceIsReopenedOnlyWhenBothSwitchesWereOff) {
 #if !defined(_WIN32)  // an open file cannot be moved away on Windows
   std::filesystem::rename(folder + "TAVRIX.log", folder + "moved");
   SwitchTrace(1, 1);
-  EXPECT_FALSE(IsFile((folder + "TAVRIX.log").c_str())) << "reading was on: the same file goes on";
+  EXPECT_FALSE(std::filesystem::is_regular_file(folder + "TAVRIX.log"))
+      << "reading was on: the same file goes on";
   SwitchTrace(0, 0);
   SwitchTrace(1, 0);
   EXPECT_EQ(ReadFile(folder + "moved"),
@@ -210,7 +211,7 @@ TEST_F(Bounded, TraceRecordsAreNotTornApart) {
   SwitchTrace(0, 1);
   const uint32_t lines = sizeof bytes / 16 + 1;  // with the header's, and an empty one
   uint32_t request = 0;
-  while (!IsFile((folder + "TAVRIX.log.old").c_str()) && request < 1000)
+  while (!std::filesystem::is_regular_file(folder + "TAVRIX.log.old") && request < 1000)
     Trace(0, ++request, 0, sizeof bytes, bytes);
   ASSERT_LT(request, 1000u);
   for (int i = 0; i < 3; ++i) Trace(0, ++request, 0, sizeof bytes, bytes);

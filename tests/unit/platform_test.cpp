@@ -223,7 +223,6 @@ TEST(System, FoldersAndReplacedFiles) {
   ASSERT_EQ(CreateFolders(folder.c_str()), 1);
   EXPECT_EQ(CreateFolders(folder.c_str()), 1);
   EXPECT_EQ(IsDirectory(folder.c_str()), 1);
-  EXPECT_EQ(IsFile(folder.c_str()), 0);
 
   const std::string from = folder + "new", to = folder + "old";
   std::ofstream(from) << "new";
@@ -231,12 +230,12 @@ TEST(System, FoldersAndReplacedFiles) {
   EXPECT_EQ(CreateFolders((from + pathSeparator + "c").c_str()), 0) << "below a file";
   EXPECT_FALSE(SystemErrorText().empty());
   EXPECT_EQ(ReplaceFile(from.c_str(), to.c_str()), 1);
-  EXPECT_EQ(IsFile(from.c_str()), 0);
+  EXPECT_FALSE(std::filesystem::exists(from));
   std::string content;
   std::ifstream(to) >> content;
   EXPECT_EQ(content, "new");
   EXPECT_EQ(ReplaceFile(from.c_str(), to.c_str()), 0) << "nothing to put there";
-  EXPECT_EQ(IsFile(to.c_str()), 1);
+  EXPECT_TRUE(std::filesystem::is_regular_file(to));
   EXPECT_LE(ComputerName().size(), 16u);
   std::filesystem::remove_all(root);
 }

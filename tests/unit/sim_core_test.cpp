@@ -3,16 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <functional>
 #include <map>
-#include <sstream>
 #include <thread>
 
 #include "XPLMGraphics.h"
 #include "XPLMScenery.h"
 #include "core/more_api.h"
 #include "core/sim.h"
+#include "unit/sim_talk.h"
 
 namespace {
 
@@ -21,27 +22,28 @@ std::function<void()> onDisable;            // what the test wants done there
 std::map<intptr_t, std::vector<int>> runs;  // cycles in which the loop of this reference ran
 std::map<intptr_t, float> answers;          // and what it returns
 
-int Start(char* name, char* signature, char* description) {
-  std::strcpy(name, "Test");
-  std::strcpy(signature, "test.core");
-  std::strcpy(description, "plug-in of the core's tests");
-  events.push_back("start");
-  return 1;
-}
-void Stop() { events.push_back("stop"); }
-int Enable() {
-  events.push_back("enable");
-  return 1;
-}
-void Disable() {
-  events.push_back("disable");
-  if (onDisable) onDisable();
-}
-void Message(int from, int message, void* param) {
-  events.push_back("message " + std::to_string(from) + ' ' + std::to_string(message) + ' ' +
-                   std::to_string(reinterpret_cast<intptr_t>(param)));
-}
-const sim::PluginEntry kEntry = {Start, Stop, Enable, Disable, Message};
+const sim::PluginEntry kEntry = {
+    .start =
+        [](char* name, char* signature, char* description) {
+          std::strcpy(name, "Test");
+          std::strcpy(signature, "test.core");
+          std::strcpy(description, "plug-in of the core's tests");
+          events.push_back("start");
+          return 1;
+        },
+    .stop = [] { events.push_back("stop"); },
+    .enable = [] { return events.push_back("enable"), 1; },
+    .disable =
+        [] {
+          events.push_back("disable");
+          if (onDisable) onDisable();
+        },
+    .message =
+        [](int from, int message, void* param) {
+          events.push_back("message " + std::to_string(from) + ' ' + std::to_string(message) + ' ' +
+                           std::to_string(reinterpret_cast<intptr_t>(param)));
+        },
+};
 
 float Loop(float, float, int counter, void* ref) {
   intptr_t key = reinterpret_cast<intptr_t>(ref);
@@ -69,8 +71,9 @@ class SimCore : public testing::Test {
     options.tolerant = true;
     ASSERT_EQ(sim::SimStart(options), 0);
   }
-  static std::string Do(const std::string& line) { return sim::SimCommand(line); }
 };
+
+std::string Do(const std::string& line) { return sim::SimCommand(line); }
 
 TEST_F(SimCore, StartsStopsAndStartsAgain) {
   const std::vector<std::string> started = {"start", "enable", "message 0 102 0", "message 0 103 0"};
@@ -89,25 +92,21 @@ TEST_F(SimCore, LoopIntervals) {
   const struct {
     float first, later;
     std::vector<int> cycles;
-  } kRows[] = {
-      {1.0f, 1.0f, {60, 120, 180}},
-      {0.1f, 3.0f, {6, 186}},  // 0.1 in single precision lies behind the
-                               // sixth frame
-      {0.7f, 0.7f, {42, 84, 126, 168}},
-      {-7, -50, {7, 57, 107, 157}},
-      {-1, 0, {1}},
-      {0, 1, {}},
-      {0.5f, 0, {30}},
-      {0.0001f, -199, {1, 200}},
-  };
-  for (size_t i = 0; i < std::size(kRows); ++i) {
-    answers[static_cast<intptr_t>(i)] = kRows[i].later;
-    XPLMRegisterFlightLoopCallback(Loop, kRows[i].first, Key(static_cast<intptr_t>(i)));
+  } kRows[] = {{1.0f, 1.0f, {60, 120, 180}},
+               {0.1f, 3.0f, {6, 186}},  // 0.1 in single precision lies behind the sixth frame
+               {0.7f, 0.7f, {42, 84, 126, 168}},
+               {-7, -50, {7, 57, 107, 157}},
+               {-1, 0, {1}},
+               {0, 1, {}},
+               {0.5f, 0, {30}},
+               {0.0001f, -199, {1, 200}}};
+  constexpr intptr_t count = std::size(kRows);
+  for (intptr_t i = 0; i < count; ++i) {
+    answers[i] = kRows[i].later;
+    XPLMRegisterFlightLoopCallback(Loop, kRows[i].first, Key(i));
   }
   sim::SimFrames(200);
-  for (size_t i = 0; i < std::size(kRows); ++i) {
-    EXPECT_EQ(runs[static_cast<intptr_t>(i)], kRows[i].cycles) << "row " << i;
-  }
+  for (intptr_t i = 0; i < count; ++i) EXPECT_EQ(runs[i], kRows[i].cycles) << "row " << i;
   EXPECT_NE(Do("loops").find(" off; "), std::string::npos);
   // A loop that is off is still registered and comes back with an interval: from now, or from its last run
   // in cycle 30.
@@ -116,24 +115,21 @@ TEST_F(SimCore, LoopIntervals) {
   sim::SimFrames(20);
   EXPECT_EQ(runs[4].back(), 205);
   EXPECT_EQ(runs[6].back(), 210);
-  for (size_t i = 0; i < std::size(kRows); ++i) {
-    XPLMUnregisterFlightLoopCallback(Loop, Key(static_cast<intptr_t>(i)));
-  }
+  for (intptr_t i = 0; i < count; ++i) XPLMUnregisterFlightLoopCallback(Loop, Key(i));
   EXPECT_EQ(Do("loops"), "ok");
 }
 
 struct Cost {
-  int64_t frames = -1, callbacks = -1, calls = -1, ns = -1, longest = -1;
+  long long frames = -1, callbacks = -1, calls = -1, ns = -1, longest = -1;
 };
 
 Cost TakeCost() {
   Cost cost;
-  std::string words[6];
-  std::istringstream answer(sim::SimCommand("perf"));
-  answer >> words[0] >> words[1] >> cost.frames >> words[2] >> cost.callbacks >> words[3] >> cost.calls >>
-      words[4] >> cost.ns >> words[5] >> cost.longest;
-  EXPECT_TRUE(answer.eof() && !answer.fail()) << answer.str();
-  EXPECT_EQ(words[0] + words[1] + words[2] + words[3] + words[4] + words[5], "okframescallbackscallsnsmax-ns");
+  const std::string answer = Do("perf");
+  EXPECT_EQ(std::sscanf(answer.c_str(), "ok frames %lld callbacks %lld calls %lld ns %lld max-ns %lld",
+                        &cost.frames, &cost.callbacks, &cost.calls, &cost.ns, &cost.longest),
+            5)
+      << answer;
   return cost;
 }
 
@@ -142,9 +138,7 @@ float CostlyLoop(float, float, int counter, void* ref) {
   XPLMGetCycleNumber();
   XPLMGetElapsedTime();
   XPLMGetDataf(XPLMFindDataRef("sim/time/total_running_time_sec"));
-  if (reinterpret_cast<intptr_t>(ref) >> counter & 1) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(4));
-  }
+  if (reinterpret_cast<intptr_t>(ref) >> counter & 1) std::this_thread::sleep_for(std::chrono::milliseconds(4));
   return -2;
 }
 
@@ -186,8 +180,7 @@ TEST_F(SimCore, StallTakesOneFrameAndNoSimulatedTime) {
   EXPECT_LT(Clock::now() - stalled, stalled - before);
   EXPECT_EQ(Do("get sim/time/total_running_time_sec"), "ok 0.05");
   EXPECT_LT(TakeCost().ns, 200000000);  // a stall is no plug-in's cost
-  EXPECT_EQ(Do("stall 3600"), "ok");
-  EXPECT_EQ(Do("stall 0"), "ok");  // thought better of it
+  Talk("stall 3600 | stall 0");         // thought better of it
   sim::SimFrames(1);
 }
 
@@ -197,8 +190,7 @@ TEST_F(SimCore, NoCallbacksWhileDisabled) {
   sim::SimFrames(2);
   EXPECT_EQ(Do("disable"), "ok");
   sim::SimFrames(3);
-  EXPECT_EQ(Do("message 200 7"), "error: disabled");
-  EXPECT_EQ(Do("enable"), "ok");
+  Talk("message 200 7 -> error: disabled | enable");
   sim::SimFrames(1);
   EXPECT_EQ(runs[1], (std::vector<int>{1, 2, 6}));
   XPLMUnregisterFlightLoopCallback(Loop, Key(1));
@@ -215,38 +207,30 @@ TEST_F(SimCore, ArrayRanges) {
     int out[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
     EXPECT_EQ(XPLMGetDatavi(ref, out, row.offset, row.max), row.copied) << row.offset << ' ' << row.max;
     EXPECT_EQ(out[row.copied], -1);
-    if (row.copied == 0) continue;
-    EXPECT_EQ(out[row.copied - 1], 10 + row.offset + row.copied - 1);
+    EXPECT_EQ(out[std::max(row.copied, 1) - 1], row.copied > 0 ? 9 + row.offset + row.copied : -1);
   }
   EXPECT_EQ(XPLMGetDatavi(ref, nullptr, 99, 0), 4);
   int values[] = {1, 2, 3};
   XPLMSetDatavi(ref, values, 2, 3);
   XPLMSetDatavi(ref, values, -1, 1);
-  EXPECT_EQ(Do("get test/a"), "ok 10 11 1 2");
-  EXPECT_EQ(Do("writes"), "ok test/a[2]=1; test/a[3]=2; test/a[4]=3 (ignored); test/a[-1]=1 (ignored)");
+  Talk(R"(get test/a -> ok 10 11 1 2 |
+         writes -> ok test/a[2]=1; test/a[3]=2; test/a[4]=3 (ignored); test/a[-1]=1 (ignored))");
 }
 
 TEST_F(SimCore, TypesAreNotConverted) {
-  Do("define test/i int 5");
-  Do("define test/d double 0.1");
-  Do("define test/v float[2] 1 2");
+  Talk("define test/i int 5 | define test/d double 0.1 | define test/v float[2] 1 2");
   XPLMDataRef i = XPLMFindDataRef("test/i"), d = XPLMFindDataRef("test/d"), v = XPLMFindDataRef("test/v");
-  EXPECT_EQ(XPLMGetDataf(i), 0.0f);
-  EXPECT_EQ(XPLMGetDatad(i), 0.0);
-  EXPECT_EQ(XPLMGetDatavi(i, nullptr, 0, 0), 0);
-  EXPECT_EQ(XPLMGetDataf(v), 0.0f);
+  EXPECT_EQ(XPLMGetDatad(i) + XPLMGetDatavi(i, nullptr, 0, 0), 0);
+  EXPECT_EQ(XPLMGetDataf(i) + XPLMGetDataf(v), 0.0f);
   EXPECT_EQ(XPLMGetDataf(d), 0.1f);
   EXPECT_EQ(XPLMGetDataRefTypes(d), xplmType_Float | xplmType_Double);
   XPLMSetDataf(i, 2);
   XPLMSetDataf(d, 0.5f);
   XPLMSetDatad(v, 3);
-  for (XPLMDataRef none : {XPLMDataRef{nullptr}}) {
-    XPLMSetDatai(none, 1);
-    EXPECT_EQ(XPLMGetDatai(none) + XPLMGetDatab(none, nullptr, 0, 0) + XPLMCanWriteDataRef(none), 0);
-  }
-  EXPECT_EQ(Do("writes"), "ok test/i=2.0 (ignored); test/d=0.5; test/v=3.0 (ignored)");
-  EXPECT_EQ(Do("get test/i"), "ok 5");
-  EXPECT_EQ(Do("get test/d"), "ok 0.5");
+  XPLMSetDatai(nullptr, 1);
+  EXPECT_EQ(XPLMGetDatai(nullptr) + XPLMGetDatab(nullptr, nullptr, 0, 0) + XPLMCanWriteDataRef(nullptr), 0);
+  Talk(R"(writes -> ok test/i=2.0 (ignored); test/d=0.5; test/v=3.0 (ignored) | get test/i -> ok 5 |
+         get test/d -> ok 0.5)");
 }
 
 TEST_F(SimCore, WithdrawnHandlesRevive) {
@@ -266,49 +250,23 @@ TEST_F(SimCore, WithdrawnHandlesRevive) {
 }
 
 TEST_F(SimCore, ConsoleAnswers) {
-  const char* const kRows[][2] = {
-      {"", "ok"},
-      {"  # nothing\r", "ok"},
-      {"define a/i int -3\r", "ok"},
-      {"get a/i", "ok -3"},
-      {"set a/i 0x10", "ok"},
-      {"get a/i[0]", "ok 16"},
-      {"define a/i int", "error: a/i exists already"},
-      {"define a/f[1] float 100000", "ok"},  // the bracket is part of the name
-      {"get a/f[1]", "ok 100000.0"},
-      {"set a/f[1] 0.1", "ok"},
-      {"get a/f[1]", "ok 0.1"},
-      {"set a/f[1] 1e-30", "ok"},
-      {"get a/f[1]", "ok 1.0e-30"},
-      {"define a/d double -0.30000000000000004", "ok"},
-      {"get a/d", "ok -0.30000000000000004"},
-      {"set a/d 1,5", "error: not a number: 1,5"},
-      {"define a/v float[3] 1", "ok"},
-      {"set a/v[2] 7", "ok"},
-      {"get a/v", "ok 1.0 0.0 7.0"},
-      {"get a/v[3]", "error: no such element"},
-      {"set a/v 1 2 3 4", "error: more values than elements"},
-      {"set a/v 8 x", "error: not a number: x"},
-      {"get a/v[0]", "ok 1.0"},  // a bad line changes nothing
-      {"set a/i 3000000000", "error: out of range: 3000000000"},
-      {"define a/t byte[12] \"a\\\"b\\\\c\\n\\x41\\x01\"", "ok"},
-      {"get a/t", "ok \"a\\\"b\\\\c\\nA\\x01\""},
-      {"set a/t \"Z\"", "ok"},
-      {"get a/t", "ok \"Z\""},
-      {"get a/t[0]", "ok 90"},
-      {"set a/t \"1234567890123\"", "error: the text is longer than 12 bytes"},
-      {"set a/t \"open", "error: a quote is not closed"},
-      {"set a/none 1", "error: unknown name: a/none"},
-      {"get", "error: get NAME"},
-      {"frames -1", "error: not a number of frames: -1"},
-      {"planes 129", "error: the number of planes is 1 to 128"},
-      {"perf all", "error: perf takes no arguments"},
-      {"stall -0.1", "error: not 0 to 3600 seconds: -0.1"},
-      {"stall nan", "error: not 0 to 3600 seconds: nan"},
-      {"stall", "error: stall SECONDS"},
-      {"jump", "error: unknown command: jump"},
-  };
-  for (auto& row : kRows) EXPECT_EQ(Do(row[0]), row[1]) << row[0];
+  EXPECT_EQ(Do("") + Do("  # nothing\r") + Do("define a/i int -3\r"), "okokok");
+  Talk(R"(get a/i -> ok -3 | set a/i 0x10 | get a/i[0] -> ok 16 |
+         define a/i int -> error: a/i exists already | define a/f[1] float 100000 | get a/f[1] -> ok 100000.0 |
+         set a/f[1] 0.1 | get a/f[1] -> ok 0.1 | set a/f[1] 1e-30 | get a/f[1] -> ok 1.0e-30 |
+         define a/d double -0.30000000000000004 | get a/d -> ok -0.30000000000000004 |
+         set a/d 1,5 -> error: not a number: 1,5 | define a/v float[3] 1 | set a/v[2] 7 |
+         get a/v -> ok 1.0 0.0 7.0 | get a/v[3] -> error: no such element |
+         set a/v 1 2 3 4 -> error: more values than elements | set a/v 8 x -> error: not a number: x |
+         get a/v[0] -> ok 1.0 | set a/i 3000000000 -> error: out of range: 3000000000 |
+         define a/t byte[12] "a\"b\\c\n\x41\x01" | get a/t -> ok "a\"b\\c\nA\x01" | set a/t "Z" |
+         get a/t -> ok "Z" | get a/t[0] -> ok 90 |
+         set a/t "1234567890123" -> error: the text is longer than 12 bytes |
+         set a/t "open -> error: a quote is not closed | set a/none 1 -> error: unknown name: a/none |
+         get -> error: get NAME | frames -1 -> error: not a number of frames: -1 |
+         planes 129 -> error: the number of planes is 1 to 128 | perf all -> error: perf takes no arguments |
+         stall -0.1 -> error: not 0 to 3600 seconds: -0.1 | stall nan -> error: not 0 to 3600 seconds: nan |
+         stall -> error: stall SECONDS | jump -> error: unknown command: jump)");
 }
 
 TEST_F(SimCore, TextIsCutAndCopiedRaw) {
@@ -318,8 +276,7 @@ TEST_F(SimCore, TextIsCutAndCopiedRaw) {
   EXPECT_EQ(XPLMGetDatab(ref, out, 1, 9), 3);
   EXPECT_EQ(std::string(out, 5), std::string("b\0\0.\0", 5));
   XPLMSetDatab(ref, const_cast<char*>("wxyz!"), 2, 5);
-  EXPECT_EQ(Do("get test/t"), "ok \"abwx\"");
-  EXPECT_EQ(Do("writes"), "ok test/t[2]=\"wxyz!\"");
+  Talk(R"(get test/t -> ok "abwx" | writes -> ok test/t[2]="wxyz!")");
 }
 
 TEST_F(SimCore, NewestWritesAreKept) {
@@ -332,10 +289,10 @@ TEST_F(SimCore, NewestWritesAreKept) {
   EXPECT_EQ(Do("writes"), "ok");
 }
 
-std::vector<std::string> phases;
+std::string phases;
 int blockFrom = 99;  // a phase from which on the first handler passes nothing on
 int OnCommand(XPLMCommandRef, XPLMCommandPhase phase, void* ref) {
-  phases.push_back(static_cast<const char*>(ref) + std::to_string(phase));
+  phases += static_cast<const char*>(ref) + std::to_string(phase) + ' ';
   return phase < blockFrom;
 }
 
@@ -345,7 +302,7 @@ TEST_F(SimCore, CommandPhases) {
   XPLMCommandRef command = XPLMFindCommand("test/c");
   ASSERT_EQ(command, XPLMCreateCommand("test/c", "again"));
   sim::PublishCommand(
-      "test/c", [](int phase, int tag) { phases.push_back(std::to_string(tag) + std::to_string(phase)); }, 7);
+      "test/c", [](int phase, int tag) { phases += std::to_string(tag) + std::to_string(phase) + ' '; }, 7);
   XPLMRegisterCommandHandler(command, OnCommand, 0, const_cast<char*>("after"));
   XPLMRegisterCommandHandler(command, OnCommand, 1, const_cast<char*>("before"));
   blockFrom = 1;
@@ -353,20 +310,18 @@ TEST_F(SimCore, CommandPhases) {
   XPLMCommandBegin(command);  // held twice: one begin is seen
   sim::SimFrames(2);
   XPLMCommandEnd(command);
-  EXPECT_EQ(phases, (std::vector<std::string>{"before0", "70", "after0", "before1", "before1"}));
+  EXPECT_EQ(phases, "before0 70 after0 before1 before1 ");
   phases.clear();
   blockFrom = 99;
   XPLMCommandEnd(command);
   sim::SimFrames(1);
   XPLMCommandOnce(command);
-  EXPECT_EQ(phases, (std::vector<std::string>{"before2", "72", "after2", "before0", "70", "after0", "before2",
-                                              "72", "after2"}));
+  EXPECT_EQ(phases, "before2 72 after2 before0 70 after0 before2 72 after2 ");
   XPLMUnregisterCommandHandler(command, OnCommand, 0, const_cast<char*>("after"));
   XPLMUnregisterCommandHandler(command, OnCommand, 1, const_cast<char*>("before"));
   XPLMSpeakString("say \"it\"");
-  EXPECT_EQ(Do("calls"),
-            "ok begin test/c; begin test/c; end test/c; end test/c; once test/c; speak \"say \\\"it\\\"\"");
-  EXPECT_EQ(Do("calls"), "ok");
+  Talk(
+      R"(calls -> ok begin test/c; begin test/c; end test/c; end test/c; once test/c; speak "say \"it\"" | calls)");
 }
 
 TEST_F(SimCore, BreachesAreTold) {
@@ -405,8 +360,7 @@ TEST_F(SimCore, BreachesAreTold) {
 
 TEST_F(SimCore, MessagesAndReload) {
   events.clear();
-  EXPECT_EQ(Do("message 0x80000004 -1 from pretended.one"), "error: no such sender");
-  Do("plugin pretended.one on");
+  Talk("message 0x80000004 -1 from pretended.one -> error: no such sender | plugin pretended.one on");
   int other = XPLMFindPluginBySignature("pretended.one");
   EXPECT_GT(other, 0);
   Do("message 0x80000004 -1 from pretended.one");
@@ -438,25 +392,20 @@ TEST_F(SimCore, MenusAndNavigation) {
     XPLMAppendMenuSeparator(menu);
     EXPECT_EQ(XPLMAppendMenuItem(menu, (std::string("Only ") + name).c_str(), const_cast<char*>("2"), 1), 2);
   }
-  EXPECT_EQ(Do("menu"), "ok A > Same; A > -; A > Only A; B > Same; B > -; B > Only B");
-  EXPECT_EQ(Do("menu \"Same\""), "error: ambiguous");
-  EXPECT_EQ(Do("menu \"B > Same\""), "ok");
-  EXPECT_EQ(Do("menu \"Only A\""), "ok");
+  Talk(R"(menu -> ok A > Same; A > -; A > Only A; B > Same; B > -; B > Only B |
+         menu "Same" -> error: ambiguous | menu "B > Same" | menu "Only A" | navaid clear |
+         navaid vor NEAR 11030 47 8 400 0 "Near by" | navaid ndb ZZ 345 40 8 0 0 "Between" |
+         navaid vor FAR 11030 10 8 400 0 "Far off")");
   EXPECT_EQ(chosen, "B1A2");
-
-  EXPECT_EQ(Do("navaid clear"), "ok");
-  Do("navaid vor NEAR 11030 47 8 400 0 \"Near by\"");
-  Do("navaid ndb ZZ 345 40 8 0 0 \"Between\"");
-  Do("navaid vor FAR 11030 10 8 400 0 \"Far off\"");
   float lat = 46, lon = 8;
   int freq = 11030;
   XPLMNavRef nearest = XPLMFindNavAid(nullptr, nullptr, &lat, &lon, &freq, xplm_Nav_VOR | xplm_Nav_NDB);
   XPLMNavRef last = XPLMFindNavAid(nullptr, "A", nullptr, nullptr, nullptr, xplm_Nav_VOR);
-  char id[32] = "";
-  XPLMGetNavAidInfo(nearest, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, id, nullptr, nullptr);
-  EXPECT_STREQ(id, "NEAR");
-  XPLMGetNavAidInfo(last, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, id, nullptr, nullptr);
-  EXPECT_STREQ(id, "FAR");
+  for (const auto& [aid, expected] : {std::pair(nearest, "NEAR"), {last, "FAR"}}) {
+    char id[32] = "";
+    XPLMGetNavAidInfo(aid, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, id, nullptr, nullptr);
+    EXPECT_STREQ(id, expected);
+  }
   EXPECT_EQ(XPLMGetNextNavAid(nearest), last);  // like types lie together
   EXPECT_EQ(XPLMGetNextNavAid(last), XPLM_NAV_NOT_FOUND);
 }

@@ -5,8 +5,9 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
-#include "core/sim.h"
+#include "unit/sim_talk.h"
 #include "widgets/widgets.h"
 
 namespace {
@@ -81,80 +82,75 @@ struct SimWidgets : testing::Test {
 
 using Lines = std::vector<std::string>;
 
+// What was heard since the last call of this.
+Lines Heard() { return std::exchange(heard, {}); }
+intptr_t Get(XPWidgetID widget, XPWidgetPropertyID id) { return XPGetWidgetProperty(widget, id, nullptr); }
+
 TEST_F(SimWidgets, NewestCallbackIsAskedFirstAndHandlingEndsTheRoute) {
   XPAddWidgetCallback(button, First);
-  EXPECT_EQ(heard, Lines{"Go 1 1 0"});  // told at once that it is a further callback
+  EXPECT_EQ(Heard(), Lines{"Go 1 1 0"});  // told at once that it is a further callback
   XPAddWidgetCallback(button, Second);
   const struct {
     XPDispatchMode mode;
     int swallowed, result;
     Lines expected;
-  } kCases[] = {
-      {xpMode_Direct, 0, 0, {"Go second", "Go 10000 7 8"}},
-      {xpMode_Direct, 10000, 1, {"Go second"}},
-      {xpMode_Once, 0, 0, {"Go second"}},
-      {xpMode_UpChain, 0, 0, {"Go second", "Go 10000 7 8", "Win 10000 7 8"}},
-      {xpMode_UpChain, 10000, 1, {"Go second"}},
-      {xpMode_DirectAllCallbacks, 10000, 1, {"Go second", "Go 10000 7 8"}},
-  };
+  } kCases[] = {{xpMode_Direct, 0, 0, {"Go second", "Go 10000 7 8"}},
+                {xpMode_Direct, 10000, 1, {"Go second"}},
+                {xpMode_Once, 0, 0, {"Go second"}},
+                {xpMode_UpChain, 0, 0, {"Go second", "Go 10000 7 8", "Win 10000 7 8"}},
+                {xpMode_UpChain, 10000, 1, {"Go second"}},
+                {xpMode_DirectAllCallbacks, 10000, 1, {"Go second", "Go 10000 7 8"}}};
   for (const auto& c : kCases) {
-    heard.clear();
     swallow = c.swallowed;
     EXPECT_EQ(XPSendMessageToWidget(button, 10000, c.mode, 7, 8), c.result);
-    EXPECT_EQ(heard, c.expected);
+    EXPECT_EQ(Heard(), c.expected);
   }
-  heard.clear();
   swallow = 10000;  // does not keep the other children from hearing it
   XPAddWidgetCallback(radio, First);
   heard.clear();
   EXPECT_EQ(XPSendMessageToWidget(window, 10000, xpMode_Recursive, 7, 8), 1);
-  EXPECT_EQ(heard, (Lines{"Win 10000 7 8", "Go second", "Near 10000 7 8"}));
+  EXPECT_EQ(Heard(), (Lines{"Win 10000 7 8", "Go second", "Near 10000 7 8"}));
 }
 
 TEST_F(SimWidgets, ButtonsTellTheWindow) {
-  EXPECT_EQ(SimCommand("press \"Go\""), "ok");
-  EXPECT_EQ(SimCommand("press \"Trace\""), "ok");
-  EXPECT_EQ(SimCommand("press \"Win\" \"Trace\""), "ok");
-  EXPECT_EQ(SimCommand("press \"Near\""), "ok");
-  EXPECT_EQ(SimCommand("press \"Near\""), "ok");  // already on: no message
-  EXPECT_EQ(heard, (Lines{"Win 1300 Go 0", "Win 1301  1", "Win 1301  0", "Win 1301 Near 1"}));
-  heard.clear();
+  Talk(R"(press "Go" | press "Trace" | press "Win" "Trace" | press "Near" | press "Near")");  // on already:
+                                                                                              // silent
+  EXPECT_EQ(Heard(), (Lines{"Win 1300 Go 0", "Win 1301  1", "Win 1301  0", "Win 1301 Near 1"}));
   XPSetWidgetProperty(check, xpProperty_ButtonState, 1);  // from code: no message
-  EXPECT_TRUE(heard.empty());
-  EXPECT_EQ(SimCommand("widgets"),
-            "ok window \"Win\" {button \"Go\"; checkbox \"\" on; caption \"Trace\"; radio \"Near\" on}");
+  EXPECT_EQ(Heard(), Lines{});
+  Talk(R"(widgets -> ok window "Win" {button "Go"; checkbox "" on; caption "Trace"; radio "Near" on})");
   // Released beside the push button: lit while over it, no message.
   XPMouseState_t mouse = {120, 460, 0, 0};
   const intptr_t at = reinterpret_cast<intptr_t>(&mouse);
   EXPECT_EQ(XPSendMessageToWidget(button, xpMsg_MouseDown, xpMode_UpChain, at, 0), 1);
-  EXPECT_EQ(XPGetWidgetProperty(button, xpProperty_Hilited, nullptr), 1);
+  EXPECT_EQ(Get(button, xpProperty_Hilited), 1);
   mouse.x = 300;
   XPSendMessageToWidget(button, xpMsg_MouseDrag, xpMode_Direct, at, 0);
-  EXPECT_EQ(XPGetWidgetProperty(button, xpProperty_Hilited, nullptr), 0);
+  EXPECT_EQ(Get(button, xpProperty_Hilited), 0);
   XPSendMessageToWidget(button, xpMsg_MouseUp, xpMode_Direct, at, 0);
-  EXPECT_TRUE(heard.empty());
+  EXPECT_EQ(Heard(), Lines{});
 }
 
 TEST_F(SimWidgets, PressFindsOneOrSaysWhy) {
-  EXPECT_EQ(SimCommand("press \"Gone\""), "error: no visible button or box \"Gone\"");
-  EXPECT_EQ(SimCommand("press \"Other\" \"Go\""), "error: no visible window \"Other\"");
+  Talk(R"(press "Gone" -> error: no visible button or box "Gone" |
+         press "Other" "Go" -> error: no visible window "Other")");
   XPSetWidgetProperty(button, xpProperty_Enabled, 0);
-  EXPECT_EQ(SimCommand("press \"Go\""), "error: button or box \"Go\" is disabled");
+  Talk(R"(press "Go" -> error: button or box "Go" is disabled)");
   XPSetWidgetProperty(button, xpProperty_Enabled, 1);
   Child(xpWidgetClass_Button, 110, 400, 170, "Go");
-  EXPECT_EQ(SimCommand("press \"Go\""), "error: \"Go\" is ambiguous in window \"Win\"");
+  Talk(R"(press "Go" -> error: "Go" is ambiguous in window "Win")");
   // A window in front with one such button decides.
   XPWidgetID front = XPCreateWidget(0, 100, 100, 0, 1, "Front", 1, nullptr, xpWidgetClass_MainWindow);
   Child(xpWidgetClass_Button, 10, 60, 90, "Go", front);
-  EXPECT_EQ(SimCommand("press \"Go\""), "ok");
+  Talk(R"(press "Go")");
   XPHideWidget(front);
-  EXPECT_EQ(SimCommand("press \"Front\" \"Go\""), "error: no visible window \"Front\"");
+  Talk(R"(press "Front" "Go" -> error: no visible window "Front")");
   XPDestroyWidget(front, 1);
   Child(xpWidgetClass_SubWindow, 100, 470, 400, "");  // on top of the first button
-  EXPECT_EQ(SimCommand("press \"Near\""), "ok");
+  Talk(R"(press "Near")");
   Child(xpWidgetClass_Button, 380, 250, 390, "Off");
   XPSetWidgetGeometry(XPGetNthChildWidget(window, XPCountChildWidgets(window) - 1), 500, 250, 560, 230);
-  EXPECT_EQ(SimCommand("press \"Off\""), "error: \"Off\" is covered or lies outside its window");
+  Talk(R"(press "Off" -> error: "Off" is covered or lies outside its window)");
 }
 
 TEST_F(SimWidgets, BoxesTakeTheCaptionOnTheSideTheirLineShows) {
@@ -165,11 +161,11 @@ TEST_F(SimWidgets, BoxesTakeTheCaptionOnTheSideTheirLineShows) {
     boxes[i] = Child(xpWidgetClass_Button, 190 + 100 * i, 400, 210 + 100 * i, "");
     XPSetWidgetProperty(boxes[i], xpProperty_ButtonBehavior, xpButtonBehaviorCheckBox);
   }
-  EXPECT_EQ(SimCommand("press \"B\""), "ok");
-  EXPECT_EQ(XPGetWidgetProperty(boxes[0], xpProperty_ButtonState, nullptr), 0);
-  EXPECT_EQ(XPGetWidgetProperty(boxes[1], xpProperty_ButtonState, nullptr), 1);
-  EXPECT_EQ(SimCommand("press \"A\""), "ok");
-  EXPECT_EQ(XPGetWidgetProperty(boxes[0], xpProperty_ButtonState, nullptr), 1);
+  Talk(R"(press "B")");
+  EXPECT_EQ(Get(boxes[0], xpProperty_ButtonState), 0);
+  EXPECT_EQ(Get(boxes[1], xpProperty_ButtonState), 1);
+  Talk(R"(press "A")");
+  EXPECT_EQ(Get(boxes[0], xpProperty_ButtonState), 1);
 }
 
 TEST_F(SimWidgets, TypingReplacesTheTextOfTheFieldRightOfTheLabel) {
@@ -178,18 +174,18 @@ TEST_F(SimWidgets, TypingReplacesTheTextOfTheFieldRightOfTheLabel) {
   XPWidgetID field = Child(xpWidgetClass_TextField, 200, 400, 280, "old");
   XPAddWidgetCallback(field, EatLetterX);
   heard.clear();
-  EXPECT_EQ(SimCommand("type \"Port\" \"a xy\""), "ok");
+  Talk(R"(type "Port" "a xy")");
   EXPECT_EQ(NameOf(field), "a Y");
   EXPECT_EQ(NameOf(far), "far");
-  EXPECT_EQ(heard, (Lines{"Win 1400  0", "Win 1400 a 0", "Win 1400 a  0", "Win 1400 a Y 0"}));
+  EXPECT_EQ(Heard(), (Lines{"Win 1400  0", "Win 1400 a 0", "Win 1400 a  0", "Win 1400 a Y 0"}));
   EXPECT_EQ(XPGetWidgetWithFocus(), nullptr);  // the return key gave it back
   XPSetWidgetProperty(field, xpProperty_MaxCharacters, 3);
-  EXPECT_EQ(SimCommand("type \"Win\" \"Port\" \"65000\""), "ok");
+  Talk(R"(type "Win" "Port" "65000")");
   EXPECT_EQ(NameOf(field), "650");
-  EXPECT_EQ(SimCommand("type \"Port\" \"\""), "ok");
+  Talk(R"(type "Port" "")");
   EXPECT_EQ(NameOf(field), "");
   XPSetWidgetProperty(field, xpProperty_Enabled, 0);
-  EXPECT_EQ(SimCommand("type \"Port\" \"1\""), "error: text field right of \"Port\" is disabled");
+  Talk(R"(type "Port" "1" -> error: text field right of "Port" is disabled)");
 }
 
 TEST_F(SimWidgets, FieldKeysAtTheEdges) {
@@ -200,18 +196,18 @@ TEST_F(SimWidgets, FieldKeysAtTheEdges) {
     unsigned char virtualKey;
     int modifiers;
     const char* expected;
-  } kKeys[] = {
-      {0, 0x2E, 0, "abcd"},   // forward delete at the end
-      {8, 0x08, 0, "abc"},    // backspace
-      {28, 0x25, 0, "abc"},   // left, between b and c
-      {'X', 'X', 0, "abXc"},  // insert
-      {28, 0x25, xplm_ShiftFlag, "abXc"},
-      {28, 0x25, xplm_ShiftFlag, "abXc"},  // b and X selected
-      {'-', 0xB1, 0, "a-c"},               // replaces the selection
-      {0, 0x24, 0, "a-c"},                 // home
-      {8, 0x08, 0, "a-c"},                 // backspace at the start
-      {0, 0x2E, 0, "-c"},
-  };
+    // Forward delete at the end, backspace, left, insert, two to the left with shift, over the selection, home,
+    // backspace at the start, forward delete.
+  } kKeys[] = {{0, 0x2E, 0, "abcd"},
+               {8, 0x08, 0, "abc"},
+               {28, 0x25, 0, "abc"},
+               {'X', 'X', 0, "abXc"},
+               {28, 0x25, xplm_ShiftFlag, "abXc"},
+               {28, 0x25, xplm_ShiftFlag, "abXc"},
+               {'-', 0xB1, 0, "a-c"},
+               {0, 0x24, 0, "a-c"},
+               {8, 0x08, 0, "a-c"},
+               {0, 0x2E, 0, "-c"}};
   for (const auto& k : kKeys) {
     sim::TypeKey(k.key, k.virtualKey, k.modifiers);
     EXPECT_EQ(NameOf(field), k.expected) << "key " << int{k.key} << " " << int{k.virtualKey};
@@ -228,16 +224,14 @@ TEST_F(SimWidgets, FieldKeysAtTheEdges) {
 TEST_F(SimWidgets, HiddenParentsHideAndExposeNothing) {
   XPWidgetID panel = Child(xpWidgetClass_SubWindow, 110, 300, 200, "Panel");
   XPWidgetID inner = Child(xpWidgetClass_Caption, 150, 310, 450, "Inner", panel);
-  int left, top, right, bottom;
-  XPGetWidgetExposedGeometry(inner, &left, &top, &right, &bottom);
-  EXPECT_EQ(Lines({std::to_string(left), std::to_string(top), std::to_string(right), std::to_string(bottom)}),
-            (Lines{"150", "300", "200", "290"}));
+  sim::Rect box;
+  XPGetWidgetExposedGeometry(inner, &box.left, &box.top, &box.right, &box.bottom);
+  EXPECT_EQ(box, (sim::Rect{150, 300, 200, 290}));
   EXPECT_EQ(XPGetWidgetForLocation(window, 160, 295, 1, 1), inner);
   EXPECT_EQ(XPGetWidgetForLocation(window, 160, 295, 0, 1), panel);
   EXPECT_EQ(XPGetWidgetForLocation(window, 99, 295, 1, 0), nullptr);
   heard.clear();
   XPHideWidget(panel);
-  EXPECT_FALSE(XPIsWidgetVisible(inner));
   XPShowWidget(inner);  // was shown already: silent, and still hidden by its parent
   EXPECT_FALSE(XPIsWidgetVisible(inner));
   XPShowWidget(panel);
@@ -247,9 +241,9 @@ TEST_F(SimWidgets, HiddenParentsHideAndExposeNothing) {
   XPPlaceWidgetWithin(panel, panel);  // refused: a family has no loops
   EXPECT_EQ(XPGetParentWidget(panel), window);
   XPPlaceWidgetWithin(inner, window);
-  EXPECT_EQ(heard, (Lines{"Win 17 Panel 0", "Win 16 Panel 0", "Win 13 Inner 0"}));
+  EXPECT_EQ(Heard(), (Lines{"Win 17 Panel 0", "Win 16 Panel 0", "Win 13 Inner 0"}));
   XPHideWidget(window);
-  EXPECT_EQ(SimCommand("widgets"), "ok");
+  Talk("widgets");
 }
 
 TEST_F(SimWidgets, TreesDieParentsFirstAndOrphansLive) {
@@ -259,7 +253,7 @@ TEST_F(SimWidgets, TreesDieParentsFirstAndOrphansLive) {
   const int before = sim::WidgetCount();
   heard.clear();
   XPDestroyWidget(panel, 0);
-  EXPECT_EQ(heard, (Lines{"Panel 2 0 0", "Win 14 Panel 0"}));
+  EXPECT_EQ(Heard(), (Lines{"Panel 2 0 0", "Win 14 Panel 0"}));
   EXPECT_EQ(XPGetParentWidget(inner), nullptr);
   EXPECT_EQ(XPFindRootWidget(inner), nullptr);
   EXPECT_EQ(sim::WidgetCount(), before - 1);
@@ -267,26 +261,23 @@ TEST_F(SimWidgets, TreesDieParentsFirstAndOrphansLive) {
   heard.clear();
   XPDestroyWidget(window, 1);
   window = nullptr;
-  EXPECT_EQ(heard, (Lines{"Win 2 0 0", "Inner 2 1 0"}));
+  EXPECT_EQ(Heard(), (Lines{"Win 2 0 0", "Inner 2 1 0"}));
   EXPECT_EQ(XPCreateWidget(0, 1, 1, 0, 1, "", 1, nullptr, 99), nullptr);
   EXPECT_EQ(XPCreateWidget(0, 1, 1, 0, 1, "", 1, nullptr, xpWidgetClass_None), nullptr);
 }
 
 TEST_F(SimWidgets, CloseBoxAndFixedLayout) {
-  EXPECT_EQ(SimCommand("close \"Win\""), "error: window \"Win\" has no close box");
-  EXPECT_EQ(SimCommand("close \"Won\""), "error: no visible window \"Won\"");
+  Talk(R"(close "Win" -> error: window "Win" has no close box |
+         close "Won" -> error: no visible window "Won")");
   XPAddWidgetCallback(window, XPUFixedLayout);
   XPUMoveWidgetBy(window, 10, -20);
-  int left, top, right, bottom;
-  XPGetWidgetGeometry(button, &left, &top, &right, &bottom);
-  EXPECT_EQ(left, 120);
-  EXPECT_EQ(top, 450);
+  EXPECT_EQ(static_cast<sim::Widget*>(button)->box, (sim::Rect{120, 450, 180, 430}));
   XPSetWidgetProperty(window, xpProperty_MainWindowHasCloseBoxes, 1);
-  EXPECT_EQ(SimCommand("close \"Win\""), "ok");
-  EXPECT_EQ(heard, Lines{"Win 1200 Win 0"});
+  Talk(R"(close "Win")");
+  EXPECT_EQ(Heard(), Lines{"Win 1200 Win 0"});
   EXPECT_TRUE(XPIsWidgetVisible(window));  // nobody handled it
   XPAddWidgetCallback(window, DestroyAtClose);
-  EXPECT_EQ(SimCommand("close \"Win\""), "ok");
+  Talk(R"(close "Win")");
   window = nullptr;
 }
 

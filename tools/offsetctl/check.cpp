@@ -29,11 +29,11 @@ struct Check {
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 void Tell(Check* check, const CustomToken& at, std::string text) {
-  check->findings.push_back({at.line, at.column, false, std::move(text)});
+  check->findings.push_back({.line = at.line, .column = at.column, .note = false, .text = std::move(text)});
 }
 
 void Note(Check* check, const CustomToken& at, std::string text) {
-  check->findings.push_back({at.line, at.column, true, std::move(text)});
+  check->findings.push_back({.line = at.line, .column = at.column, .note = true, .text = std::move(text)});
 }
 
 // --- What the log tells ------------------------------------------------------------------------------
@@ -416,7 +416,8 @@ void CollectAliases(Check* check, std::string_view text) {
     if (!fresh) Tell(check, line.tokens[1], "the alias " + Quoted(line.tokens[1].text) + " is defined twice");
   }
   for (const auto& [alias, used] : check->aliases) {
-    check->datarefs.push_back({alias, "", nullptr, 0, Accessor::None});
+    check->datarefs.push_back(
+        {.alias = alias, .path = "", .handle = nullptr, .index = 0, .kind = Accessor::None});
   }
 }
 

@@ -16,10 +16,11 @@ struct TypeName {
   uint32_t size;
 };
 constexpr TypeName typeNames[] = {
-    {"u8", ValueType::U8, 1},   {"s8", ValueType::S8, 1},   {"u16", ValueType::U16, 2},
-    {"s16", ValueType::S16, 2}, {"u32", ValueType::U32, 4}, {"s32", ValueType::S32, 4},
-    {"u64", ValueType::U64, 8}, {"s64", ValueType::S64, 8}, {"f32", ValueType::F32, 4},
-    {"f64", ValueType::F64, 8},
+    {.text = "u8", .type = ValueType::U8, .size = 1},   {.text = "s8", .type = ValueType::S8, .size = 1},
+    {.text = "u16", .type = ValueType::U16, .size = 2}, {.text = "s16", .type = ValueType::S16, .size = 2},
+    {.text = "u32", .type = ValueType::U32, .size = 4}, {.text = "s32", .type = ValueType::S32, .size = 4},
+    {.text = "u64", .type = ValueType::U64, .size = 8}, {.text = "s64", .type = ValueType::S64, .size = 8},
+    {.text = "f32", .type = ValueType::F32, .size = 4}, {.text = "f64", .type = ValueType::F64, .size = 8},
 };
 
 constexpr char typeList[] = "u8 s8 u16 s16 u32 s32 u64 s64 f32 f64 hex:N text:N";

@@ -30,49 +30,49 @@ constexpr size_t trafficLines = 3;  // all of it fits a terminal of 24 lines
 struct MonitorRow {
   const char* label;
   const char* names[4];
-  const char* between;                 // between the values
+  const char* between = "";            // between the values
   const char* const* words = nullptr;  // what the values 0 to 3 mean
 };
 
 constexpr const char* pushbackWords[4] = {"straight", "nose right", "nose left", "off"};
 
 constexpr MonitorRow leftRows[] = {
-    {"UTC", {"zulu_hour", "zulu_minute", "second"}, ":"},
-    {"Aircraft", {"aircraft"}, ""},
-    {"Latitude", {"latitude"}, ""},
-    {"Longitude", {"longitude"}, ""},
-    {"Altimeter", {"indicated_altitude"}, ""},
-    {"Above sea", {"altitude"}, ""},
-    {"Above ground", {"radio_altitude"}, ""},
-    {"Heading", {"heading"}, ""},
-    {"Pitch", {"pitch"}, ""},
-    {"Bank", {"bank"}, ""},
-    {"IAS", {"ias"}, ""},
-    {"TAS", {"tas"}, ""},
-    {"Ground speed", {"ground_speed"}, ""},
-    {"Vertical", {"vertical_speed"}, ""},
-    {"Wind", {"wind_from", "wind"}, " / "},
-    {"QNH", {"qnh"}, ""},
-    {"Pushback", {"pushback_state"}, "", pushbackWords},
+    {.label = "UTC", .names = {"zulu_hour", "zulu_minute", "second"}, .between = ":"},
+    {.label = "Aircraft", .names = {"aircraft"}},
+    {.label = "Latitude", .names = {"latitude"}},
+    {.label = "Longitude", .names = {"longitude"}},
+    {.label = "Altimeter", .names = {"indicated_altitude"}},
+    {.label = "Above sea", .names = {"altitude"}},
+    {.label = "Above ground", .names = {"radio_altitude"}},
+    {.label = "Heading", .names = {"heading"}},
+    {.label = "Pitch", .names = {"pitch"}},
+    {.label = "Bank", .names = {"bank"}},
+    {.label = "IAS", .names = {"ias"}},
+    {.label = "TAS", .names = {"tas"}},
+    {.label = "Ground speed", .names = {"ground_speed"}},
+    {.label = "Vertical", .names = {"vertical_speed"}},
+    {.label = "Wind", .names = {"wind_from", "wind"}, .between = " / "},
+    {.label = "QNH", .names = {"qnh"}},
+    {.label = "Pushback", .names = {"pushback_state"}, .words = pushbackWords},
 };
 
 constexpr MonitorRow rightRows[] = {
-    {"Gear", {"gear"}, ""},
-    {"Flaps", {"flaps"}, ""},
-    {"Brakes l/r", {"left_brake", "right_brake"}, "  "},
-    {"Parking brk", {"parking_brake"}, ""},
-    {"On ground", {"on_ground"}, ""},
-    {"Autopilot", {"ap"}, ""},
-    {"AP heading", {"ap_heading_bug"}, ""},
-    {"AP altitude", {"ap_altitude_set"}, ""},
-    {"Throttle", {"throttle1", "throttle2"}, "  "},
-    {"N1", {"n1_eng1", "n1_eng2"}, "  "},
-    {"Fuel", {"fuel_total"}, ""},
-    {"COM", {"com1", "com2"}, "  "},
-    {"NAV", {"nav1", "nav2"}, "  "},
-    {"ADF", {"adf1", "adf2"}, "  "},
-    {"Transponder", {"transponder"}, ""},
-    {"Paused", {"paused"}, ""},
+    {.label = "Gear", .names = {"gear"}},
+    {.label = "Flaps", .names = {"flaps"}},
+    {.label = "Brakes l/r", .names = {"left_brake", "right_brake"}, .between = "  "},
+    {.label = "Parking brk", .names = {"parking_brake"}},
+    {.label = "On ground", .names = {"on_ground"}},
+    {.label = "Autopilot", .names = {"ap"}},
+    {.label = "AP heading", .names = {"ap_heading_bug"}},
+    {.label = "AP altitude", .names = {"ap_altitude_set"}},
+    {.label = "Throttle", .names = {"throttle1", "throttle2"}, .between = "  "},
+    {.label = "N1", .names = {"n1_eng1", "n1_eng2"}, .between = "  "},
+    {.label = "Fuel", .names = {"fuel_total"}},
+    {.label = "COM", .names = {"com1", "com2"}, .between = "  "},
+    {.label = "NAV", .names = {"nav1", "nav2"}, .between = "  "},
+    {.label = "ADF", .names = {"adf1", "adf2"}, .between = "  "},
+    {.label = "Transponder", .names = {"transponder"}},
+    {.label = "Paused", .names = {"paused"}},
 };
 
 // A row that is shown, with its place among the items that are read.

@@ -21,41 +21,84 @@ struct CommandLine {
 constexpr size_t anyNumber = 1000000;
 
 constexpr CommandLine commandLines[] = {
-    {"read", Command::Read, server | json, 1, anyNumber, "read ITEM... [--json]",
-     "Reads all items in one request and prints a line each:\n"
-     "  0x0330 = 16211 (53 3F)                    value, bytes in memory order\n"
-     "  ias = 140.5 kt, 17984 (40 46 00 00)       value in units, stored value, bytes\n"
-     "Values that need no conversion are printed once.\n"
-     "--json prints one array of {name, offset, type, value, raw, unit} instead; integers of 64 bits are\n"
-     "strings there.\n"},
-    {"write", Command::Write, server | confirm, 1, anyNumber, "write ITEM=VALUE... [--confirm]",
-     "Writes all values in one request, in the order given.\n"
-     "VALUE is decimal or 0x, a fraction for f32 and f64, hex:BYTES in memory order, or text with or without\n"
-     "double quotes (inside them \\\" \\\\ \\n \\xHH). A name without a type takes engineering units and "
-     "rounds\n"
-     "to the nearest step (heading=270, com1=118.70, pause=on); with a type the value is stored as\n"
-     "it is (com1:u16=0x1870). Read-only offsets and values that do not fit are refused, nothing is\n"
-     "written then.\n"
-     "Over the network, where nothing is answered, the end without an error says that the server has taken "
-     "the\n"
-     "values; --confirm waits until it shows them.\n"},
-    {"watch", Command::Watch, server | json | rate | seconds | count, 1, anyNumber,
-     "watch ITEM... [--rate N] [--count N] [--seconds N] [--json]",
-     "Prints every item once and then whenever its bytes change, until Ctrl-C, N printed values (--count) or\n"
-     "N seconds. --rate samples a second, 10 by default, at most 1000. --json prints an object a line.\n"},
-    {"dump", Command::Dump, server, 1, 1, "dump FILE",
-     "Writes the 131,072 bytes of the offset memory, as they are at one moment, into FILE.\n"},
-    {"monitor", Command::Monitor, server | rate | seconds, 0, 0, "monitor [--seconds N] [--rate N]",
-     "A live table of the cockpit, until Ctrl-C or N seconds. Into a file or pipe it prints one table a "
-     "second.\n"},
-    {"list", Command::List, json, 0, anyNumber, "list [WORD...] [--json]",
-     "Named offsets with every WORD in their name, meaning, unit or subject, or that start at the offset "
-     "WORD;\n"
-     "all of them without a WORD. Needs no server.\n"},
-    {"--find", Command::Find, json | timeout, 0, 0, "--find [--json]",
-     "Listens for servers on the network and prints their addresses, a line each. It ends 2.5 seconds after "
-     "the\n"
-     "last new one, or after --timeout SECONDS (5) without any. A server on this computer is not heard.\n"},
+    {.word = "read",
+     .command = Command::Read,
+     .options = server | json,
+     .fewest = 1,
+     .most = anyNumber,
+     .usage = "read ITEM... [--json]",
+     .about =
+         "Reads all items in one request and prints a line each:\n"
+         "  0x0330 = 16211 (53 3F)                    value, bytes in memory order\n"
+         "  ias = 140.5 kt, 17984 (40 46 00 00)       value in units, stored value, bytes\n"
+         "Values that need no conversion are printed once.\n"
+         "--json prints one array of {name, offset, type, value, raw, unit} instead; integers of 64 bits are\n"
+         "strings there.\n"},
+    {.word = "write",
+     .command = Command::Write,
+     .options = server | confirm,
+     .fewest = 1,
+     .most = anyNumber,
+     .usage = "write ITEM=VALUE... [--confirm]",
+     .about =
+         "Writes all values in one request, in the order given.\n"
+         "VALUE is decimal or 0x, a fraction for f32 and f64, hex:BYTES in memory order, or text with or "
+         "without\n"
+         "double quotes (inside them \\\" \\\\ \\n \\xHH). A name without a type takes engineering units and "
+         "rounds\n"
+         "to the nearest step (heading=270, com1=118.70, pause=on); with a type the value is stored as\n"
+         "it is (com1:u16=0x1870). Read-only offsets and values that do not fit are refused, nothing is\n"
+         "written then.\n"
+         "Over the network, where nothing is answered, the end without an error says that the server has taken "
+         "the\n"
+         "values; --confirm waits until it shows them.\n"},
+    {.word = "watch",
+     .command = Command::Watch,
+     .options = server | json | rate | seconds | count,
+     .fewest = 1,
+     .most = anyNumber,
+     .usage = "watch ITEM... [--rate N] [--count N] [--seconds N] [--json]",
+     .about =
+         "Prints every item once and then whenever its bytes change, until Ctrl-C, N printed values (--count) "
+         "or\n"
+         "N seconds. --rate samples a second, 10 by default, at most 1000. --json prints an object a line.\n"},
+    {.word = "dump",
+     .command = Command::Dump,
+     .options = server,
+     .fewest = 1,
+     .most = 1,
+     .usage = "dump FILE",
+     .about = "Writes the 131,072 bytes of the offset memory, as they are at one moment, into FILE.\n"},
+    {.word = "monitor",
+     .command = Command::Monitor,
+     .options = server | rate | seconds,
+     .fewest = 0,
+     .most = 0,
+     .usage = "monitor [--seconds N] [--rate N]",
+     .about =
+         "A live table of the cockpit, until Ctrl-C or N seconds. Into a file or pipe it prints one table a "
+         "second.\n"},
+    {.word = "list",
+     .command = Command::List,
+     .options = json,
+     .fewest = 0,
+     .most = anyNumber,
+     .usage = "list [WORD...] [--json]",
+     .about =
+         "Named offsets with every WORD in their name, meaning, unit or subject, or that start at the offset "
+         "WORD;\n"
+         "all of them without a WORD. Needs no server.\n"},
+    {.word = "--find",
+     .command = Command::Find,
+     .options = json | timeout,
+     .fewest = 0,
+     .most = 0,
+     .usage = "--find [--json]",
+     .about =
+         "Listens for servers on the network and prints their addresses, a line each. It ends 2.5 seconds "
+         "after "
+         "the\n"
+         "last new one, or after --timeout SECONDS (5) without any. A server on this computer is not heard.\n"},
 };
 
 const CommandLine* LineOf(Command command) {

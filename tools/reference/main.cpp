@@ -285,20 +285,22 @@ std::string MakeNameTable() {
       "constexpr OffsetName offsetNames[] = {\n";
   for (const RowTable* table : ListedTables()) {
     for (const OffsetRow& row : table->rows) {
-      text += "    {" + Hex(row.offset) + ", ValueType::" + NamesOf(row.type).code + ", " +
-              std::to_string(StoredWidth(row)) + ", " + Quoted(RowName(row)) + ", " + Quoted(row.meaning) +
-              ", " + Quoted(row.unit) + ", " + Number(row.unitScale) + ", " + Number(row.unitBias) +
-              ", Form::" + FormCode(row) + ", " + (row.readOnly ? "true" : "false") + ", " +
-              (IsWritable(row) ? "true" : "false") + "},\n";
+      text += "    {.offset = " + Hex(row.offset) + ", .type = ValueType::" + NamesOf(row.type).code +
+              ", .length = " + std::to_string(StoredWidth(row)) + ", .name = " + Quoted(RowName(row)) +
+              ", .meaning = " + Quoted(row.meaning) + ", .unit = " + Quoted(row.unit) +
+              ", .unitScale = " + Number(row.unitScale) + ", .unitBias = " + Number(row.unitBias) +
+              ", .show = Form::" + FormCode(row) + ", .readOnly = " + (row.readOnly ? "true" : "false") +
+              ", .writable = " + (IsWritable(row) ? "true" : "false") + "},\n";
     }
   }
   text += "};\nconstexpr OffsetRange readOnlyOffsets[] = {\n";
   for (const Range& range : ReadOnlyRanges()) {
-    text += "    {" + Hex(range.first) + ", " + Hex(range.last) + "},\n";
+    text += "    {.first = " + Hex(range.first) + ", .last = " + Hex(range.last) + "},\n";
   }
   text += "};\nconstexpr OffsetSubject offsetSubjects[] = {\n";
   for (const RowTable* table : ListedTables()) {
-    text += "    {" + Quoted(table->subject) + ", " + std::to_string(table->rows.size()) + "},\n";
+    text +=
+        "    {.name = " + Quoted(table->subject) + ", .rows = " + std::to_string(table->rows.size()) + "},\n";
   }
   return text + "};\n// clang-format on\n";
 }
@@ -353,9 +355,9 @@ int main(int count, char** words) {
   }
   if (!CheckNames()) return 1;
   const Output outputs[] = {
-      {"docs/offsets.md", MakePage()},
-      {"docs/offsets.json", MakeJson()},
-      {"tools/offsetctl/offset_table.inc", MakeNameTable()},
+      {.path = "docs/offsets.md", .text = MakePage()},
+      {.path = "docs/offsets.json", .text = MakeJson()},
+      {.path = "tools/offsetctl/offset_table.inc", .text = MakeNameTable()},
   };
   for (const Output& output : outputs) {
     if (!(check ? CheckOutput(words[1], output) : WriteOutput(words[1], output))) return 1;

@@ -180,16 +180,16 @@ int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffe
   }
 }
 
-int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size,
-                     uint32_t address, SocketAddress* from) {
-  const int64_t deadline = Milliseconds() + timeoutMs;
+int ReceiveBroadcast(Socket* socket, const BroadcastReceipt& receipt) {
+  const int64_t deadline = Milliseconds() + receipt.timeoutMs;
   for (;;) {
-    const int left = timeoutMs < 0 ? -1 : static_cast<int>(std::max<int64_t>(deadline - Milliseconds(), 0));
-    const int ready = WaitReadable(Fd(socket), waker, left);
+    const int left =
+        receipt.timeoutMs < 0 ? -1 : static_cast<int>(std::max<int64_t>(deadline - Milliseconds(), 0));
+    const int ready = WaitReadable(Fd(socket), receipt.waker, left);
     if (ready == 0) return receiveWoken;
     if (ready < 0) return ready;
     sockaddr_in sender{};
-    iovec place = {buffer, std::min(size, largestReceive)};
+    iovec place = {receipt.buffer, std::min(receipt.size, largestReceive)};
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(in_pktinfo))];
     msghdr message{};
     message.msg_name = &sender;
@@ -200,8 +200,8 @@ int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* bu
     message.msg_controllen = sizeof control;
     const ssize_t got = recvmsg(Fd(socket), &message, MSG_DONTWAIT);
     if (got < 0 && errno != EAGAIN && errno != EINTR) return receiveFailed;
-    if (got < 0 || !IsMeantForUs(message, address)) continue;
-    *from = {ntohl(sender.sin_addr.s_addr), ntohs(sender.sin_port)};
+    if (got < 0 || !IsMeantForUs(message, receipt.address)) continue;
+    *receipt.from = {ntohl(sender.sin_addr.s_addr), ntohs(sender.sin_port)};
     return static_cast<int>(got);
   }
 }

@@ -39,11 +39,6 @@ bool IsDirectory(const char* path) {
   return stat(path, &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-bool IsFile(const char* path) {
-  struct stat info {};
-  return stat(path, &info) == 0 && S_ISREG(info.st_mode);
-}
-
 bool IsFileOrNothing(const char* path) {
   struct stat info {};
   if (stat(path, &info) == 0) return S_ISREG(info.st_mode);

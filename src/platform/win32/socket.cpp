@@ -177,8 +177,9 @@ int AcceptSocket(Socket* listener, SocketWaker* waker, Socket* accepted, SocketA
   }
 }
 
-static int ReceiveFrom(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size,
-                       SocketAddress* from) {
+// `from` may be null: who sends on a stream is known.
+static int ReceiveFrom(Socket* socket, const BroadcastReceipt& receipt) {
+  const auto& [waker, timeoutMs, address, buffer, size, from] = receipt;
   const int64_t deadline = timeoutMs < 0 ? -1 : Milliseconds() + timeoutMs;
   if (!HasEvent(socket, FD_READ | FD_CLOSE)) return receiveFailed;
   const int room = static_cast<int>(std::min(size, largestReceive));
@@ -202,14 +203,13 @@ static int ReceiveFrom(Socket* socket, SocketWaker* waker, int timeoutMs, void* 
 }
 
 int ReceiveSocket(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size) {
-  return ReceiveFrom(socket, waker, timeoutMs, buffer, size, nullptr);
+  return ReceiveFrom(
+      socket,
+      {.waker = waker, .timeoutMs = timeoutMs, .address = 0, .buffer = buffer, .size = size, .from = nullptr});
 }
 
 // The system itself delivers only what was sent to the bound address or as a broadcast.
-int ReceiveBroadcast(Socket* socket, SocketWaker* waker, int timeoutMs, void* buffer, size_t size, uint32_t,
-                     SocketAddress* from) {
-  return ReceiveFrom(socket, waker, timeoutMs, buffer, size, from);
-}
+int ReceiveBroadcast(Socket* socket, const BroadcastReceipt& receipt) { return ReceiveFrom(socket, receipt); }
 
 bool SendStream(Socket* socket, const void* data, size_t size) {
   const auto* at = static_cast<const char*>(data);

@@ -108,16 +108,12 @@ bool IsDirectory(const char* path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-bool IsFile(const char* path) {
-  const DWORD attributes = GetFileAttributesA(path);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-}
-
 bool IsFileOrNothing(const char* path) {
-  if (GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES) {
+  const DWORD attributes = GetFileAttributesA(path);
+  if (attributes == INVALID_FILE_ATTRIBUTES) {
     return GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND;
   }
-  return IsFile(path);
+  return (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 std::string WithSeparator(std::string folder) {
