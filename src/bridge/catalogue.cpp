@@ -24,8 +24,6 @@ constexpr std::array<const RowTable*, 25> tables = {
 constexpr Variant none = {};
 constexpr Source autopilotState = Int<"sim/cockpit/autopilot/autopilot_state">;
 
-bool IsSwitch(const Variant& variant) { return variant.lights[0].ref != nullptr || variant.stateBits != 0; }
-
 bool ReadSwitch(const OffsetRow& row, double* value) {
   *value = IsSwitchOn(ActiveVariant(row));
   return true;
@@ -132,9 +130,12 @@ ReadRow ActiveRead(const OffsetRow& row) {
   return variant.read == nullptr && IsSwitch(variant) ? ReadSwitch : variant.read;
 }
 
+bool IsSwitch(const Variant& variant) { return variant.lights[0].ref != nullptr || variant.stateBits != 0; }
+
 bool IsSwitchOn(const Variant& variant) {
   for (const Source& light : variant.lights) {
-    if (light.ref != nullptr && IsLit(light)) return true;
+    if (light.ref == nullptr) break;
+    if (IsLit(light)) return true;
   }
   return variant.stateBits != 0 && (ReadInt(autopilotState) & variant.stateBits) != 0;
 }

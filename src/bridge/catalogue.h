@@ -108,6 +108,9 @@ struct OffsetRow {
   ReadRowText readText = nullptr;  // Stored::Text
   // Instead of `source`: a number of the snapshot that `prepare` takes; converted like a source's.
   const double* prepared = nullptr;
+  // Datarefs that `read` or `prepare` looks at in every run: asked for in one go with those of the other rows.
+  // An array is asked for up to the element given.
+  std::span<const Source> inputs = {};
   Prepare prepare = nullptr;               // the snapshot that the row looks at
   std::span<const Variant> variants = {};  // how each aircraft shows and takes the value
 
@@ -148,6 +151,8 @@ const Variant& ActiveVariant(const OffsetRow& row);
 Source ActiveSource(const OffsetRow& row);
 // The function that makes a row's number at the moment; null when a source or a snapshot has it.
 ReadRow ActiveRead(const OffsetRow& row);
+// Whether a variant shows a switch, by lights or by bits of the autopilot's state.
+bool IsSwitch(const Variant& variant);
 // Whether a switch's variant is on: one of its lights is lit, or one of its bits of the autopilot's state is
 // set.
 bool IsSwitchOn(const Variant& variant);
