@@ -326,6 +326,7 @@ void BuildReaders(RowOrder order) {
 }
 
 void BindReaders() {
+  ForgetReads();
   for (DataRef* ref = firstDataRef; ref != nullptr; ref = ref->next) ref->shared = {};
   LayOutFetches(&readers[firstCycle]);
   ShareAnswers(readers[firstCycle]);

@@ -19,6 +19,11 @@ uint32_t looks;  // number of the newest look; 0 is no look
 DataRef::DataRef(const char* published) : name(published), next(firstDataRef) { firstDataRef = this; }
 Command::Command(const char* published) : name(published), next(firstCommand) { firstCommand = this; }
 
+void ForgetReads() {
+  sharedFrame = ~0U;
+  for (DataRef* ref = firstDataRef; ref != nullptr; ref = ref->next) ref->frame = 0;
+}
+
 KeepReads::KeepReads(bool newLook) {
   if (newLook || looks == 0) ++looks;
   if (looks == 0) ++looks;

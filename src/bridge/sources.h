@@ -134,6 +134,9 @@ class KeepReads {
   KeepReads& operator=(const KeepReads&) = delete;
 };
 
+// Forgets all that was kept in this frame: the handles have changed. While no reads are kept.
+void ForgetReads();
+
 // Fires a command once; an unpublished one does nothing.
 void FireCommand(XPLMCommandRef command);
 inline void FireCommand(const Command& command) { FireCommand(command.handle); }

@@ -2,6 +2,7 @@
 #include <cstring>
 #include <string>
 
+#include "bridge/reader_groups.h"
 #include "core/more_api.h"
 #include "row_harness.h"
 #include "test_tools.h"
@@ -81,6 +82,26 @@ TEST_F(Readers, BusyLockIsTriedOnceMoreAfterEverythingElseThread) {
   ExpectStored(false);
   RunReaders(Cycle::C59);
   ExpectStored(true);
+}
+
+// What the first cycle was told counts for the others of its frame, until handles change or the next frame
+// comes.
+TEST_F(Readers, OneFrameAsksOnce) {
+  const std::string name = "sim/flightmodel/position/magnetic_variation";
+  const auto variation = [] { return rows::Read<int16_t>(0x02A0); };
+  rows::Set(name, 0);
+  RunReaders(Cycle::C1);
+  rows::Set(name, -90);
+  RunReaders(Cycle::C313, true);
+  EXPECT_EQ(variation(), 0);
+  BindReaders();
+  RunReaders(Cycle::C313, true);
+  EXPECT_EQ(variation(), 16384);
+  rows::Set(name, 90);
+  RunReaders(Cycle::C313, true);
+  EXPECT_EQ(variation(), 16384);
+  RunReaders(Cycle::C313);
+  EXPECT_EQ(variation(), -16384);
 }
 
 }  // namespace
