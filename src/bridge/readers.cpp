@@ -153,11 +153,11 @@ void RunReaders(Cycle cycle, bool sameFrame) {
   }
   if (&reader != &first) FetchNumbers(reader);
   for (const Prepare prepare : reader.prepares) prepare();
+  for (Group& group : reader.groups) group.left = 0;
   Derive(reader);
   const SimulatorTurn turn;
   EncodeItems(reader);
   const bool groupsMissed = StoreGroups(reader);
   const bool textsMissed = RunTexts(reader);
   if (groupsMissed || textsMissed) StoreMissed(reader);
-  for (Group& group : reader.groups) group.left = 0;
 }
