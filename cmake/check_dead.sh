@@ -22,9 +22,6 @@ exceptions=(
   "IsShortOfResources how tests see it when no log can be opened for want of handles"
   "IsSubscribed the marks of subscriptions are kept, and nothing acts on them"
   "ctl::UnpackReads of the Windows transport"
-  "DispatchWidth the dispatcher's tests compare it with the catalogue"
-  "EncodeNumber the rows' tests expect with it"
-  "TakePending to be removed"
 )
 
 objects=$(find "$build"/CMakeFiles/{tavrix_objects,tavrix,offsetctl}.dir -name '*.o' 2>/dev/null |

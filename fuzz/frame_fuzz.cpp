@@ -18,7 +18,7 @@ void Require(bool condition) {
 
 RequestScratch scratch;
 
-void Prepare() {
+void SetUp() {
   static const int ready = [] {
     CreateLocks();
     InitMemoryBlocks();
@@ -33,7 +33,7 @@ void Prepare() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Prepare();
+  SetUp();
   // Exactly as large as the input, so that the sanitizer sees every step beyond it.
   const std::unique_ptr<uint8_t[]> buffer(new uint8_t[size]);
   std::copy(data, data + size, buffer.get());

@@ -13,7 +13,7 @@ void Require(bool condition) {
   if (!condition) std::abort();
 }
 
-void Prepare() {
+void SetUp() {
   static const int ready = [] {
     sim::Options options;
     options.rate = 0;
@@ -30,7 +30,7 @@ void Prepare() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Prepare();
+  SetUp();
   const std::unique_ptr<uint8_t[]> datagram(new uint8_t[size]);
   std::copy(data, data + size, datagram.get());
   uint8_t record[relayRecordSize];

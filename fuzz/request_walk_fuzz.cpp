@@ -26,7 +26,7 @@ RequestScratch scratch;
 std::vector<uint8_t> model(offsetMemorySize);
 
 struct Outcome {
-  int result;
+  bool result;
   size_t consumed;
 };
 
@@ -36,21 +36,21 @@ Outcome Expected(const std::vector<uint8_t>& list) {
   size_t at = 0;
   while (at + 4 <= list.size()) {
     const uint32_t kind = word(at);
-    if (kind == 0) return {1, at + 4};
+    if (kind == 0) return {true, at + 4};
     const size_t header = kind == 1 ? 16 : 12;
-    if (kind > 2 || at + header > list.size()) return {0, at};
+    if (kind > 2 || at + header > list.size()) return {false, at};
     const uint64_t offset = word(at + 4);
     const uint64_t bytes = word(at + 8);
-    if (offset + bytes > offsetMemorySize || at + header + bytes > list.size()) return {0, at};
+    if (offset + bytes > offsetMemorySize || at + header + bytes > list.size()) return {false, at};
     if (kind == 2 && (offset < readOnlyFirst || offset > readOnlyLast)) {
       for (size_t i = 0; i < bytes; ++i) model[offset + i] = list[at + header + i];
     }
     at += header + bytes;
   }
-  return {0, at};
+  return {false, at};
 }
 
-void Prepare() {
+void SetUp() {
   static const int ready = [] {
     CreateLocks();
     InitMemoryBlocks();
@@ -66,7 +66,7 @@ void Prepare() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Prepare();
+  SetUp();
   const std::unique_ptr<uint8_t[]> list(new uint8_t[size]);
   std::copy(data, data + size, list.get());
   const Outcome expected = Expected({data, data + size});

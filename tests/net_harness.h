@@ -34,20 +34,20 @@ struct Client {
   Socket tcp, udp;
   SocketWaker waker;
 };
-// Connects to a port of this computer; 0 when refused.
-int Connect(Client* client, uint16_t port = 65000);
-// Connects an open stream to any address: 1, or 0 when refused. BeginConnect does not wait for the answer.
-int ConnectTo(Client* client, const SocketAddress& server);
+// Connects to a port of this computer; false when refused.
+bool Connect(Client* client, uint16_t port = 65000);
+// Connects an open stream to any address; false when refused. BeginConnect does not wait for the answer.
+bool ConnectTo(Client* client, const SocketAddress& server);
 void BeginConnect(Client* client, const SocketAddress& server);
 void Disconnect(Client* client);
-// Sends everything, waiting while the connection takes no more. Returns 0 when it has ended.
-int SendAll(Client* client, const Bytes& data);
+// Sends everything, waiting while the connection takes no more. Returns false when it has ended.
+bool SendAll(Client* client, const Bytes& data);
 // Next datagram, empty on time-out.
 Bytes Receive(Client* client, int timeoutMs = patienceMs);
 // Everything that the server sends on the TCP connection until it closes it.
 std::string ReceiveText(Client* client);
-// Waits until the server closes the connection; 0 when it does not.
-int WaitForClose(Client* client);
+// Waits until the server closes the connection; false when it does not.
+bool WaitForClose(Client* client);
 // Receives until a frame of this type comes; empty when none does.
 Bytes ReceiveType(Client* client, uint8_t type);
 uint16_t LocalPort(const Socket& socket);

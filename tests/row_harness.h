@@ -179,16 +179,36 @@ bool Write(uint32_t offset, T value) {
   return WriteBytes(offset, &value, sizeof value);
 }
 
-// Bytes of a number as a client sends it in a catalogue type; numbers that are none go through.
+// Bytes of a number as a client sends it in a catalogue type; returns how many.
 inline uint32_t Encode(Stored type, double value, uint8_t bytes[8]) {
-  OffsetRow row;
-  row.type = type;
-  if (type == Stored::F64) {
-    std::memcpy(bytes, &value, sizeof value);
-  } else {
-    EncodeNumber(row, value, bytes);
+  const auto put = [bytes](const auto& number) {
+    std::memcpy(bytes, &number, sizeof number);
+    return static_cast<uint32_t>(sizeof number);
+  };
+  switch (type) {
+    case U8:
+      return put(static_cast<uint8_t>(static_cast<int32_t>(value)));
+    case S8:
+      return put(static_cast<int8_t>(value));
+    case U16:
+      return put(static_cast<uint16_t>(static_cast<int32_t>(value)));
+    case S16:
+      return put(static_cast<int16_t>(value));
+    case U32:
+      return put(static_cast<uint32_t>(static_cast<int64_t>(value)));
+    case S32:
+      return put(static_cast<int32_t>(value));
+    case S64:
+      return put(static_cast<int64_t>(value));
+    case F32:
+      return put(static_cast<float>(value));
+    case F64:
+      return put(value);
+    case Text:
+      break;
   }
-  return StoredWidth(row);
+  ADD_FAILURE() << "a text is no number";
+  return 0;
 }
 
 // A client's write of a number, then the writers of one frame.

@@ -74,11 +74,6 @@ uint32_t StoredWidth(const OffsetRow& row) {
   return 0;
 }
 
-void EncodeNumber(const OffsetRow& row, double value, uint8_t bytes[8]) {
-  const uint64_t word = EncodedWord(row.type, value);
-  std::memcpy(bytes, &word, sizeof word);
-}
-
 double DecodeNumber(Stored type, const uint8_t* bytes) {
   switch (type) {
     case Stored::F32:
@@ -161,17 +156,6 @@ void ApplyVariant(const OffsetRow& row, const Staged& staged) {
 
 Source ActiveSource(const OffsetRow& row) {
   return row.source.ref != nullptr ? row.source : ActiveVariant(row).source;
-}
-
-bool TakePending(uint32_t offset, uint32_t width, void* value) {
-  LockScope lock(&offsetLock);
-  if (pendingFlags.flags[offset] == 0) {
-    std::memcpy(value, offsetMemory.bytes + offset, width);
-    return false;
-  }
-  pendingFlags.flags[offset] = 0;
-  std::memcpy(value, pendingValues.bytes + offset, width);
-  return true;
 }
 
 void CopyFromMemory(uint32_t offset, uint32_t size, void* bytes) {

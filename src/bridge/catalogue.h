@@ -138,9 +138,6 @@ std::span<const RowTable* const> Catalogue();
 
 // Bytes of a row's stored value.
 uint32_t StoredWidth(const OffsetRow& row);
-// Converts a number into the row's stored bytes (up to 8): 8 and 16 bit values are rounded to single
-// precision first, integers truncated toward zero and saturated, NaN is 0. Pure.
-void EncodeNumber(const OffsetRow& row, double value, uint8_t bytes[8]);
 // The number that stored bytes of this type mean. Pure; used on staged values and by the tools.
 double DecodeNumber(Stored type, const uint8_t* bytes);
 int64_t DecodeInteger(Stored type, const uint8_t* bytes);
@@ -163,10 +160,6 @@ bool HasWriter(const OffsetRow& row);
 // Does what a client's write of a row without a rule of its own does: as the variant that serves it says.
 void ApplyVariant(const OffsetRow& row, const Staged& staged);
 
-// Writers' services. Takes the staged value of an offset: enters the offset lock, and when the flag is up
-// clears it, copies `width` bytes and returns true; when no flag is up, copies what the offset memory holds
-// there instead and returns false. Simulator's thread, no lock held.
-bool TakePending(uint32_t offset, uint32_t width, void* value);
 // Copies bytes of the offset memory under the offset lock (blocking; for writers), and stores some.
 void CopyFromMemory(uint32_t offset, uint32_t size, void* bytes);
 void CopyToMemory(uint32_t offset, uint32_t size, const void* bytes);

@@ -13,7 +13,7 @@ namespace {
 
 // What the last search of a NAV radio was made for.
 struct SearchKey {
-  int searched;
+  bool searched;
   int frequency, type;
   char ident[32];
   double latitude, longitude;
@@ -57,7 +57,7 @@ Transmitter FindTransmitter(const NavRadio& radio, double ownLat, double ownLon,
   char name[sizeof result.name] = {};
   XPLMGetNavAidInfo(reference, nullptr, &lat, &lon, &height, nullptr, &heading, nullptr, name, nullptr);
   name[sizeof name - 1] = 0;
-  result.found = 1;
+  result.found = true;
   result.latitude = static_cast<double>(lat);
   result.longitude = static_cast<double>(lon);
   result.height = static_cast<double>(height);
@@ -66,7 +66,7 @@ Transmitter FindTransmitter(const NavRadio& radio, double ownLat, double ownLon,
   return result;
 }
 
-int HasMoved(const SearchKey& key, double lat, double lon) {
+bool HasMoved(const SearchKey& key, double lat, double lon) {
   // Shortest way around: 179.9 west is 0.2 degrees from 179.9 east.
   const double eastward = std::remainder(lon - key.longitude, 360.0);
   return std::fabs(lat - key.latitude) > searchAgainDegrees || std::fabs(eastward) > searchAgainDegrees;
@@ -81,8 +81,8 @@ void FindStation(NavRadio* radio, SearchKey* key) {
   }
   const double lat = ReadSource(ownLatitude);
   const double lon = ReadSource(ownLongitude);
-  const int sameRadio = key->searched && key->frequency == radio->frequency && key->type == radio->type &&
-                        std::strcmp(key->ident, radio->ident) == 0;
+  const bool sameRadio = key->searched && key->frequency == radio->frequency && key->type == radio->type &&
+                         std::strcmp(key->ident, radio->ident) == 0;
   if (sameRadio && radio->station.found && !HasMoved(*key, lat, lon)) return;
 
   radio->station = FindTransmitter(*radio, lat, lon, DatabaseType(radio->type));

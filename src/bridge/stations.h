@@ -22,7 +22,7 @@ enum StationType : int {
 
 // A transmitter of the database. All zero when there is none.
 struct Transmitter {
-  int found;
+  bool found;
   double latitude, longitude;  // degrees
   double height;               // metres above sea level
   double heading;              // degrees true; meaningful for localizers only

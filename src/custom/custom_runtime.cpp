@@ -33,7 +33,7 @@ void Compute(const CustomTables& tables, std::span<CustomRefreshItem> items) {
 // is busy.
 bool TryStore(const CustomTables& tables, std::span<const CustomRefreshItem> items) {
   const SimulatorTurn turn;
-  if (TryEnterLock(&offsetLock) == 0) return false;
+  if (!TryEnterLock(&offsetLock)) return false;
   // A client may have withdrawn the tables while we computed: its clear must be the last word.
   if (publishedTables.load(std::memory_order_relaxed) == &tables) {
     for (const CustomRefreshItem& item : items) {

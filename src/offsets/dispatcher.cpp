@@ -68,8 +68,6 @@ void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action) {
   });
 }
 
-uint32_t DispatchWidth(uint32_t offset) { return table[offset].width; }
-
 bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks) {
   uint32_t done = 0;
   while (done < size) {

@@ -87,8 +87,6 @@ void ConnectDispatcher(const CustomHooks& hooks);
 void ResetDispatchTable();
 // Makes an offset dispatchable, `width` bytes wide (1 to 252). Simulator's thread, at start.
 void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action);
-// Width with which writes at this offset are dispatched, 0 for none.
-uint32_t DispatchWidth(uint32_t offset);
 
 // Forgets what clients left for the simulator's thread apart from staged values: weather area, relay record,
 // traffic entry, ATC texts. Simulator's thread, at enable, before anybody can write.

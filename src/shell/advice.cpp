@@ -25,7 +25,7 @@ std::string List(const std::vector<uint32_t>& own) {
 std::string AddressAdvice(const std::vector<uint32_t>& own, std::string_view configured) {
   uint32_t ip = 0;
   const std::string text(configured);
-  const bool valid = ParseAddress(text.c_str(), &ip) != 0;
+  const bool valid = ParseAddress(text.c_str(), &ip);
   const std::string set = "TAVRIX.ini has " + Setting(EscapedForLog(text)) + ", ";
   const std::string addresses =
       own.empty() ? "This computer has no network address" : "This computer's addresses: " + List(own);

@@ -76,10 +76,10 @@ void StartThreads() {
   }
   LogLine(StartButtonThread() ? "TAVRIX->Create Joystick Thread OK!\n"
                               : "TAVRIX->Create Joystick Thread failed!\n");
-  const bool networkOpen = OpenNetworkServer() != 0;
+  const bool networkOpen = OpenNetworkServer();
   if (!networkOpen) OpenAlertWindow(networkAlertText);
-  const bool networkRuns = networkOpen && StartNetworkServer() != 0;
-  const bool trafficRuns = StartTrafficThread() != 0;
+  const bool networkRuns = networkOpen && StartNetworkServer();
+  const bool trafficRuns = StartTrafficThread();
   if (!StartAircraftModelThread()) LogOwn("TAVRIX->Create aircraft model thread failed!\n");
   if (settings.statusPage != PageAccess::Off &&
       !StartStatusPage(SystemFolder().c_str(), settings.statusPage == PageAccess::Local))
@@ -179,7 +179,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   OpenLogs(folder.c_str(), [](const char* line) { XPLMDebugString(line); });
   LogBoth("%s %s\n", pluginTitle, buildWord);
   LogBoth("%s %s\n", networkTitle, buildWord);
-  socketLibraryOpen = OpenSocketLibrary() != 0;
+  socketLibraryOpen = OpenSocketLibrary();
   if (!socketLibraryOpen) LogOwn("TAVFARNET->The system's socket library does not start: no network clients\n");
   SetSettingsPath((folder + "TAVRIX.ini").c_str());
 

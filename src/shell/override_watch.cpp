@@ -27,8 +27,7 @@ void StoreCrashWord() {
 }  // namespace
 
 float OverrideWatch(float, float, int, void*) {
-  overrideState = {IsOn(overrides[0]) != 0, IsOn(overrides[1]) != 0, IsOn(overrides[2]) != 0,
-                   IsOn(overrides[3]) != 0};
+  overrideState = {IsOn(overrides[0]), IsOn(overrides[1]), IsOn(overrides[2]), IsOn(overrides[3])};
   if (crashCountdown > 0 && --crashCountdown == 0) {
     crashCountdown = -1;
     crashWord = 0;

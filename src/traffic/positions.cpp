@@ -16,7 +16,8 @@ Place userPlace;
 namespace {
 
 constexpr double knotsPerMetre = 1.94384;
-constexpr Source userLatitude = Double<"sim/flightmodel/position/latitude">, userLongitude = Double<"sim/flightmodel/position/longitude">;
+constexpr Source userLatitude = Double<"sim/flightmodel/position/latitude">,
+                 userLongitude = Double<"sim/flightmodel/position/longitude">;
 
 // Saturated at the type's limits; what is no number is 0.
 template <typename T>
@@ -57,7 +58,8 @@ constexpr PlaneDataRefs dataRefsOf = {.latitude = Double<PlaneName(plane, "lat")
                                       .bank = Float<PlaneName(plane, "phi")>};
 constexpr auto planeDataRefs = []<int... slot>(std::integer_sequence<int, slot...>) {
   return std::array<PlaneDataRefs, sizeof...(slot)>{dataRefsOf<slot + 1>...};
-}(std::make_integer_sequence<int, positionedPlanes>{});
+}
+(std::make_integer_sequence<int, positionedPlanes>{});
 
 PlaneSource ReadPlane(uint32_t slot) {
   const PlaneDataRefs& from = planeDataRefs[slot];
@@ -88,7 +90,7 @@ bool FillTrafficPositions() {
   for (uint32_t slot = 0; slot < positioned; ++slot) planes[slot] = ReadPlane(slot);
   const Place user = {Single(ReadSource(userLatitude)), Single(ReadSource(userLongitude)), false};
 
-  if (TryEnterLock(&trafficLock) == 0) return false;
+  if (!TryEnterLock(&trafficLock)) return false;
   std::copy_n(planes, positioned, planeSources);
   // The slot of an aircraft that has gone shows its last place until it is removed, but is nowhere near.
   for (uint32_t slot = positioned; slot < positionedPlanes; ++slot) planeSources[slot].known = false;

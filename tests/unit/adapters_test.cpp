@@ -20,7 +20,7 @@ class Adapters : public testing::Test {
  protected:
   void SetUp() override {
     folder = std::filesystem::temp_directory_path() / "tavrix_adapters_test";
-    ASSERT_EQ(OpenLogs((folder / "").string().c_str(), [](const char*) {}), 1);
+    ASSERT_TRUE(OpenLogs((folder / "").string().c_str(), [](const char*) {}));
     rows::Start();
   }
   void TearDown() override {

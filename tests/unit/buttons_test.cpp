@@ -14,7 +14,7 @@ struct Buttons : testing::Test {
   void SetUp() override {
     custom::Start();
     SetSettingsPath((custom::Folder() + "TAVRIX.ini").c_str());
-    ASSERT_EQ(CreateButtons(), 1);
+    ASSERT_TRUE(CreateButtons());
   }
   void TearDown() override {
     StopButtonThread();
@@ -58,15 +58,15 @@ TEST_F(Buttons, SettingsSection) {
   }
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 5);
 
-  EXPECT_EQ(SaveButtonAssignment(9, {0x66F0, 4, 17, -1, 1, 0, 0, 0, 0, 1, 0, 0}), 1);
+  EXPECT_TRUE(SaveButtonAssignment(9, {0x66F0, 4, 17, -1, 1, 0, 0, 0, 0, 1, 0, 0}));
   EXPECT_EQ(Fields(AssignmentOfButton(9)), "26352,4,17,-1,1,0,0,0,0,1,0,0");
   const auto file = [] { return tools::ReadFile(custom::Folder() + "TAVRIX.ini"); };
   EXPECT_NE(file().find("9 = 66F0,4,17,-1,1,0,0,0,0,1,0,0\n"), std::string::npos) << file();
-  EXPECT_EQ(ClearButtonAssignment(9), 1);
+  EXPECT_TRUE(ClearButtonAssignment(9));
   EXPECT_NE(file().find("9 = 0,0,0,0,0,0,0,0,0,0,0,0\n"), std::string::npos) << file();
   EXPECT_EQ(Fields(AssignmentOfButton(9)), none);
   EXPECT_EQ(AssignmentOfButton(0).offset, 0x0BC8) << "the others stay";
-  EXPECT_EQ(SaveButtonAssignment(1600, noAssignment), 0);
+  EXPECT_FALSE(SaveButtonAssignment(1600, noAssignment));
 }
 
 // Sets one button and carries out what that queued.
@@ -107,7 +107,7 @@ TEST_F(Buttons, ActionsOnPressAndReleaseThread) {
       {"4,3,3,1,0,1,0,0,0,1,0", 0, 8, 3},  // set, clear, toggle in this order
       {"4,31,31,1,0,0,1,0,0,0,0", 0, 0x80000000, 0},
       {"2,4,4,2,2,2,2,0,0,2,2", 1, 4, 4}};
-  ASSERT_EQ(StartButtonThread(), 1);
+  ASSERT_TRUE(StartButtonThread());
   for (const Case& c : cases) {
     Settings("[JOYSTICK BUTTON SETTINGS]\n1599 = 66FF,1,1,0,0,0,0,0,0,0,0,0\n10 = 66F0," + std::string(c.line) +
              "\n");
@@ -128,7 +128,7 @@ TEST_F(Buttons, EveryEdgeReachesTheSimulatorThread) {
   Settings(
       "[JOYSTICK BUTTON SETTINGS]\n0 = 0BC8,2,32767,-1,0,0,0,0,0,0,0,0\n1 = 66F0,4,0,0,0,0,0,0,0,0,1,1\n"
       "2 = 66F4,1,9,4,0,0,0,0,0,0,0,0\n3 = 0,1,1,1,0,0,0,0,0,0,0,0\n");
-  ASSERT_EQ(StartButtonThread(), 1);
+  ASSERT_TRUE(StartButtonThread());
   int states[maxButtons] = {};
   for (int i = 0; i < 7; ++i) {
     states[1] = 1 - states[1];
@@ -155,7 +155,7 @@ TEST_F(Buttons, BitsOfTwoButtonsMeetInOneFrameThread) {
   Settings(
       "[JOYSTICK BUTTON SETTINGS]\n1599 = 66FF,1,1,0,0,0,0,0,0,0,0,0\n10 = 0D0C,2,0,-1,1,0,0,0,0,0,0,0\n"
       "11 = 0D0C,2,1,-1,1,0,0,0,0,0,0,0\n");
-  ASSERT_EQ(StartButtonThread(), 1);
+  ASSERT_TRUE(StartButtonThread());
   const uint16_t none = 0;
   CopyToMemory(0x0D0C, sizeof none, &none);
   Button(10, 1);
@@ -171,7 +171,7 @@ TEST_F(Buttons, FailingWaitIsToldOnceThread) {
   Settings("[JOYSTICK BUTTON SETTINGS]\n12 = 66F0,2,4660,0,0,0,0,0,0,0,0,0\n");
   OpenLogs(custom::Folder().c_str(), nullptr);
   EXPECT_EQ(ButtonStatus(), "");
-  ASSERT_EQ(StartButtonThread(), 1);
+  ASSERT_TRUE(StartButtonThread());
   StopButtonThread();
   Event none = {};
   for (int i = 0; i < 3; ++i) RunButtonRound(&none);
@@ -183,7 +183,7 @@ TEST_F(Buttons, FailingWaitIsToldOnceThread) {
 
 TEST_F(Buttons, StandInPressesAButtonThread) {
   Settings("[JOYSTICK BUTTON SETTINGS]\n12 = 66F0,2,4660,0,0,0,0,0,0,0,0,0\n");
-  ASSERT_EQ(StartButtonThread(), 1);
+  ASSERT_TRUE(StartButtonThread());
   sim::SimCommand("set sim/joystick/joystick_button_values[12] 1");
   ButtonCycle(0, 0, 0, nullptr);
   WaitFor([] { return rows::Read<uint16_t>(free4) == 4660; });

@@ -207,6 +207,25 @@ TEST_F(Catalogued, RefreshesEachOffsetInItsCycleAlone) {
   }
 }
 
+// Bytes that a long write at the offset is taken for there, 0 for none: where the walk asks for the user's own
+// entries a second time.
+uint32_t DispatchedWidth(uint32_t offset) {
+  static std::vector<uint32_t> asked;
+  asked.clear();
+  ConnectDispatcher({.offer =
+                         [](uint32_t at, const uint8_t*, uint32_t supplied) {
+                           asked.push_back(at);
+                           return CustomOutcome{.offsetSize = asked.size() > 1 ? supplied : 0,
+                                                .commandSize = 0};
+                         },
+                     .requestReload = [](uint32_t) {}});
+  const std::vector<uint8_t> bytes(std::min<uint32_t>(300, offsetMemorySize - offset), 1);
+  const bool known = rows::WriteBytes(offset, bytes.data(), static_cast<uint32_t>(bytes.size()));
+  ConnectCustomOffsets();
+  if (asked.size() > 1) return asked[1] - offset;
+  return known ? static_cast<uint32_t>(bytes.size()) : 0;
+}
+
 TEST_F(Catalogued, DispatchesWhatHasAWriter) {
   std::vector<uint32_t> widths(offsetMemorySize);
   std::set<uint32_t> expected, written;
@@ -215,7 +234,7 @@ TEST_F(Catalogued, DispatchesWhatHasAWriter) {
     expected.insert(offset);
   });
   for (uint32_t offset = 0; offset < offsetMemorySize; offset++)
-    EXPECT_EQ(DispatchWidth(offset), widths[offset]) << At(offset);
+    EXPECT_EQ(DispatchedWidth(offset), widths[offset]) << At(offset);
   ForEachOffset(withoutWriter, [&](const std::string&, uint32_t offset) { expected.erase(offset); });
   for (const OffsetRow* row : AllRows()) {
     if (HasWriter(*row)) written.insert(row->offset);

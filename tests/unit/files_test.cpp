@@ -260,12 +260,12 @@ TEST(Advice, NamesAddressesThatCanBePasted) {
 
 // Every address that is listed can be bound, and this computer alone is not listed.
 TEST(Advice, ListedAddressesAreThisComputers) {
-  ASSERT_EQ(OpenSocketLibrary(), 1);
+  ASSERT_TRUE(OpenSocketLibrary());
   for (const uint32_t ip : ListAddresses()) {
     EXPECT_NE(ip >> 24, 127u);
     Socket socket;
-    ASSERT_EQ(OpenSocket(&socket, Transport::Datagram), 1);
-    EXPECT_EQ(BindSocket(&socket, {ip, 0}), 1) << AddressText(ip);
+    ASSERT_TRUE(OpenSocket(&socket, Transport::Datagram));
+    EXPECT_TRUE(BindSocket(&socket, {ip, 0})) << AddressText(ip);
     CloseSocket(&socket);
   }
   CloseSocketLibrary();

@@ -180,7 +180,7 @@ TEST_F(Bounded, AFullLogIsKeptOnceAndBegunAnew) {
   std::ofstream(old, std::ios::binary) << "older\n";
   LogLine("first\n");
   Fill(largestLog / 2);
-  ASSERT_EQ(ReopenMainLog(), 1) << "what was before counts, too";
+  ASSERT_TRUE(ReopenMainLog()) << "what was before counts, too";
   Fill(largestLog / 2 - 70000);
   EXPECT_EQ(ReadFile(old), "older\n");
   Fill(140000);
@@ -242,7 +242,7 @@ uint32_t LogLongLines(void*) {
 TEST_F(Log, ThreadsThatLogAndReopeningWhileTheFileFillsTearNoLine) {
   Thread threads[3]{};
   for (Thread& thread : threads) ASSERT_TRUE(StartThread(&thread, LogLongLines, nullptr));
-  for (int i = 0; i < 50; ++i) EXPECT_EQ(ReopenMainLog(), 1);
+  for (int i = 0; i < 50; ++i) EXPECT_TRUE(ReopenMainLog());
   for (Thread& thread : threads) JoinThread(&thread);
   size_t lines = 0;
   for (const char* name : {"TAVRIX.txt.old", "TAVRIX.txt"}) {
@@ -267,7 +267,7 @@ TEST_F(Log, OpenedAgainItStartsEmptyAndClosedItIsSilent) {
   LogLine("lost\n");
   SwitchTrace(0, 1);
   FlushLogs();
-  EXPECT_EQ(ReopenMainLog(), 0);
+  EXPECT_FALSE(ReopenMainLog());
   EXPECT_EQ(MainText(), "first\nsecond\n");
   ASSERT_TRUE(OpenLogs(folder.c_str(), Report));
   EXPECT_EQ(MainText(), "");
@@ -284,14 +284,14 @@ TEST_F(Log, UnusableFolderGivesOneReportAndNoMore) {
                                  root.string() + pathSeparator + std::string(5000, 'x') + pathSeparator};
   for (const std::string& unusable : folders) {
     reports.clear();
-    EXPECT_EQ(OpenLogs(unusable.c_str(), Report), 0);
+    EXPECT_FALSE(OpenLogs(unusable.c_str(), Report));
     ASSERT_EQ(reports.size(), 1u);
     EXPECT_NE(reports[0].find(unusable.substr(0, 20)), std::string::npos) << reports[0];
     EXPECT_EQ(reports[0].find('\n'), reports[0].size() - 1);
     LogLine("nowhere\n");
     LogBoth("nowhere %f\n", 1.0);
     SwitchTrace(1, 1);
-    EXPECT_EQ(ReopenMainLog(), 0);
+    EXPECT_FALSE(ReopenMainLog());
     FlushLogs();
     EXPECT_EQ(reports.size(), 1u);
   }

@@ -152,7 +152,7 @@ TEST_F(NetFrame, SubscriptionsAreMarkedByMode) {
   for (const auto& step : steps) {
     Serve(Frame(86, step.mode, offsets, step.marker));
     for (const uint32_t offset : {0x0000U, 0xFFFFU, 0x1234U}) EXPECT_EQ(IsSubscribed(offset), step.expected);
-    EXPECT_EQ(IsSubscribed(0x0077), 0);
+    EXPECT_FALSE(IsSubscribed(0x0077));
   }
 }
 

@@ -67,24 +67,24 @@ uint16_t LocalPort(const Socket& socket) {
   return ntohs(address.sin_port);
 }
 
-int Connect(Client* client, uint16_t port) {
+bool Connect(Client* client, uint16_t port) {
   *client = {};
   EXPECT_TRUE(CreateWaker(&client->waker));
   // The stream first: its port must not be one that an earlier connection still occupies.
   EXPECT_TRUE(OpenSocket(&client->tcp, Transport::Stream) && BindSocket(&client->tcp, {loopback, 0}));
   EXPECT_TRUE(OpenSocket(&client->udp, Transport::Datagram));
   EXPECT_TRUE(BindSocket(&client->udp, {loopback, LocalPort(client->tcp)}));
-  if (ConnectTo(client, {loopback, port})) return 1;
+  if (ConnectTo(client, {loopback, port})) return true;
   Disconnect(client);
-  return 0;
+  return false;
 }
 
-int ConnectTo(Client* client, const SocketAddress& server) {
+bool ConnectTo(Client* client, const SocketAddress& server) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(server.port);
   address.sin_addr.s_addr = htonl(server.ip);
-  return connect(System(client->tcp), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 ? 1 : 0;
+  return connect(System(client->tcp), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
 }
 
 void BeginConnect(Client* client, const SocketAddress& server) {
@@ -103,7 +103,7 @@ void Disconnect(Client* client) {
   CloseWaker(&client->waker);
 }
 
-int SendAll(Client* client, const Bytes& data) {
+bool SendAll(Client* client, const Bytes& data) {
   for (size_t at = 0; at < data.size();) {
     const auto* from = reinterpret_cast<const char*>(data.data() + at);
     const auto sent =
@@ -118,12 +118,12 @@ int SendAll(Client* client, const Bytes& data) {
     if (full) {
       SleepMilliseconds(1);
     } else if (sent <= 0) {
-      return 0;
+      return false;
     } else {
       at += static_cast<size_t>(sent);
     }
   }
-  return 1;
+  return true;
 }
 
 Bytes Receive(Client* client, int timeoutMs) {
@@ -143,10 +143,10 @@ std::string ReceiveText(Client* client) {
   return size == 0 ? text : text + "(no orderly end)";
 }
 
-int WaitForClose(Client* client) {
+bool WaitForClose(Client* client) {
   char part[16];
   const int size = ReceiveSocket(&client->tcp, &client->waker, patienceMs, part, sizeof part);
-  return size == 0 || size == receiveFailed ? 1 : 0;
+  return size == 0 || size == receiveFailed;
 }
 
 Bytes ReceiveType(Client* client, uint8_t type) {

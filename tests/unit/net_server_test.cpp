@@ -26,9 +26,9 @@ void Put(uint32_t offset, uint8_t value) {
 }
 
 // Sends a write and waits until the server has applied it.
-int WritesArrive(Client* client, uint32_t offset, uint8_t value) {
+bool WritesArrive(Client* client, uint32_t offset, uint8_t value) {
   const Bytes request = net::Request({net::WriteRecord(offset, {value})});
-  if (!SendStream(&client->tcp, request.data(), request.size())) return 0;
+  if (!SendStream(&client->tcp, request.data(), request.size())) return false;
   return net::WaitUntil([=] {
     LockScope lock(&offsetLock);
     return Load<uint8_t>(offset) == value;
@@ -125,7 +125,7 @@ TEST_F(NetServerThreads, ANinthClientWaitsUntilOneLeavesAgainAndAgain) {
     }));
     Client& leaving = clients[round * 3];
     net::Disconnect(&leaving);
-    ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&ninth) == 1; })) << Log();
+    ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&ninth); })) << Log();
     EXPECT_FALSE(net::ReceiveType(&ninth, 6).empty());
     EXPECT_TRUE(WritesArrive(&ninth, 0x66C0, static_cast<uint8_t>(round)));
     EXPECT_EQ(CountText(Log(), "TAVFARNET->Release OK\n"), round) << Log();
@@ -150,7 +150,7 @@ TEST_F(NetServerThreads, StopEndsEverythingInTimeAndLeavesNothing) {
     ConnectAll();
     const Bytes half = {18, 0, 200, 0, 0, 0, 2};
     ASSERT_TRUE(SendStream(&clients[3].tcp, half.data(), half.size()));
-    ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&browser, statusPort) == 1; }));
+    ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&browser, statusPort); }));
     ASSERT_FALSE(net::ReceiveType(&clients[7], 6).empty());
 
     int64_t started = Milliseconds();
@@ -235,7 +235,7 @@ TEST_F(NetServerThreads, AStartThatFailsNamesWhatWasTriedAndWhatToChange) {
       ASSERT_TRUE(ListenSocket(&other, 1));
     }
     PrepareNetwork(test.address);
-    EXPECT_EQ(OpenNetworkServer(), 0);
+    EXPECT_FALSE(OpenNetworkServer());
     EXPECT_TRUE(LogHas("TAVFARNET->Bind failed\n"));
     EXPECT_TRUE(LogHas(test.line)) << Log();
     EXPECT_TRUE(LogHas(test.advice)) << Log();

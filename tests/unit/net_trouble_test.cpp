@@ -252,14 +252,11 @@ TEST_F(NetTroubleThreads, ListeningAgainIsTriedUntilItWorks) {
 
 #ifndef _WIN32
 // Everything that connecting needs handles for.
-int Prepare(Client* client) {
+bool Prepare(Client* client) {
   *client = {};
   return CreateWaker(&client->waker) && OpenSocket(&client->tcp, Transport::Stream) &&
-                 BindSocket(&client->tcp, {net::loopback, 0}) &&
-                 OpenSocket(&client->udp, Transport::Datagram) &&
-                 BindSocket(&client->udp, {net::loopback, net::LocalPort(client->tcp)})
-             ? 1
-             : 0;
+         BindSocket(&client->tcp, {net::loopback, 0}) && OpenSocket(&client->udp, Transport::Datagram) &&
+         BindSocket(&client->udp, {net::loopback, net::LocalPort(client->tcp)});
 }
 
 // Leaves this program so many handles while it lives.

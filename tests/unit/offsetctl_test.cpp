@@ -35,7 +35,7 @@ constexpr NameTable names = {rows, readOnly};
 Item Parsed(const char* text, const char* hex = nullptr) {
   Item item;
   std::string error;
-  EXPECT_EQ(ParseItem(text, names, &item, &error), 1) << text << ": " << error;
+  EXPECT_TRUE(ParseItem(text, names, &item, &error)) << text << ": " << error;
   if (hex != nullptr) {
     EXPECT_TRUE(ParseBytes(std::string("hex:") + hex, &item.bytes));
   }
@@ -71,7 +71,7 @@ TEST(OffsetctlItem, RefusesBrokenItems) {
   for (const char* text : cases) {
     Item item;
     std::string error;
-    EXPECT_EQ(ParseItem(text, names, &item, &error), 0) << text;
+    EXPECT_FALSE(ParseItem(text, names, &item, &error)) << text;
     EXPECT_FALSE(error.empty()) << text;
   }
 }
@@ -106,7 +106,7 @@ TEST(OffsetctlWrite, EncodesValues) {
   for (const auto& row : cases) {
     Item item;
     std::string error;
-    ASSERT_EQ(ParseAssignment(row.text, names, &item, &error), 1) << row.text << ": " << error;
+    ASSERT_TRUE(ParseAssignment(row.text, names, &item, &error)) << row.text << ": " << error;
     std::vector<uint8_t> expected;
     ASSERT_TRUE(ParseBytes(std::string("hex:") + row.bytes, &expected));
     EXPECT_EQ(item.bytes, expected) << row.text;
@@ -147,7 +147,7 @@ TEST(OffsetctlWrite, RefusesWhatDoesNotFit) {
   for (const char* text : cases) {
     Item item;
     std::string error;
-    EXPECT_EQ(ParseAssignment(text, names, &item, &error), 0) << text;
+    EXPECT_FALSE(ParseAssignment(text, names, &item, &error)) << text;
     EXPECT_FALSE(error.empty()) << text;
   }
 }

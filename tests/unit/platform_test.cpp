@@ -35,11 +35,11 @@ TEST(Locks, TryFailsWhileAnotherThreadHoldsAndSucceedsAfter) {
   ASSERT_TRUE(CreateLock(&held.lock) && CreateAutoEvent(&held.taken) && CreateAutoEvent(&held.release));
   ASSERT_TRUE(StartThread(&thread, HoldUntilReleased, &held));
   ASSERT_TRUE(WaitEvent(&held.taken, patienceMs));
-  EXPECT_EQ(TryEnterLock(&held.lock), 0);
+  EXPECT_FALSE(TryEnterLock(&held.lock));
   SignalEvent(&held.release);
   EXPECT_EQ(JoinThread(&thread), 1u);
-  EXPECT_EQ(TryEnterLock(&held.lock), 1);
-  EXPECT_EQ(HoldsLock(&held.lock), 1);
+  EXPECT_TRUE(TryEnterLock(&held.lock));
+  EXPECT_TRUE(HoldsLock(&held.lock));
   LeaveLock(&held.lock);
   DeleteLock(&held.lock);
   CloseEvent(&held.taken);
@@ -49,9 +49,9 @@ TEST(Locks, TryFailsWhileAnotherThreadHoldsAndSucceedsAfter) {
 TEST(Locks, AbsentLocksLetTheOnlyThreadPass) {
   static Lock lock;
   EnterLock(&lock);
-  EXPECT_EQ(TryEnterLock(&lock), 1);
+  EXPECT_TRUE(TryEnterLock(&lock));
   LeaveLock(&lock);
-  EXPECT_EQ(HoldsLock(&lock), 1);
+  EXPECT_TRUE(HoldsLock(&lock));
   DeleteLock(&lock);
 }
 
@@ -88,17 +88,17 @@ TEST(Locks, MixedEntriesLoseNoUpdate) {
 TEST(Events, OneSignalWakesOneWaitAndIsKeptUntilThen) {
   Event event{};
   ASSERT_TRUE(CreateAutoEvent(&event));
-  EXPECT_EQ(WaitEvent(&event, 0), 0);
+  EXPECT_FALSE(WaitEvent(&event, 0));
   SignalEvent(&event);
   SignalEvent(&event);
-  EXPECT_EQ(WaitEvent(&event, -1), 1);
+  EXPECT_TRUE(WaitEvent(&event, -1));
   const int64_t start = MonotonicNanoseconds();
-  EXPECT_EQ(WaitEvent(&event, 30), 0);
+  EXPECT_FALSE(WaitEvent(&event, 30));
   EXPECT_GE(MonotonicNanoseconds() - start, 15 * 1000000);  // Windows rounds to its tick
   CloseEvent(&event);
   CloseEvent(&event);
   SignalEvent(&event);
-  EXPECT_EQ(WaitEvent(&event, 0), 0);
+  EXPECT_FALSE(WaitEvent(&event, 0));
 }
 
 struct PingPong {
@@ -154,14 +154,14 @@ TEST(ThreadMessages, ArriveInOrderWhetherPostedBeforeOrDuringTheWait) {
     Reader reader{};
     ASSERT_TRUE(CreateAutoEvent(&reader.ready) && CreateAutoEvent(&reader.go));
     Thread thread{};
-    EXPECT_EQ(PostMessageToThread(&thread, messageQuit, 0), 0) << "not started";
+    EXPECT_FALSE(PostMessageToThread(&thread, messageQuit, 0)) << "not started";
     ASSERT_TRUE(StartThread(&thread, SumMessagesUntilQuit, &reader));
     EXPECT_NE(thread.id, 0u);
     ASSERT_TRUE(WaitEvent(&reader.ready, patienceMs));
     if (!before) SignalEvent(&reader.go);
-    EXPECT_EQ(PostMessageToThread(&thread, first, 0), 1);
-    EXPECT_EQ(PostMessageToThread(&thread, first, 2), 1);
-    EXPECT_EQ(PostMessageToThread(&thread, messageQuit, 0), 1);
+    EXPECT_TRUE(PostMessageToThread(&thread, first, 0));
+    EXPECT_TRUE(PostMessageToThread(&thread, first, 2));
+    EXPECT_TRUE(PostMessageToThread(&thread, messageQuit, 0));
     if (before) SignalEvent(&reader.go);
     EXPECT_EQ(JoinThread(&thread), 1u);
     EXPECT_EQ(reader.sum, 13u);
@@ -184,7 +184,7 @@ TEST(Threads, TimeOutsExitCodesAndExceptions) {
   Thread thread{};
   EXPECT_EQ(JoinThread(&thread), 0u) << "not started";
   ASSERT_TRUE(StartThread(&thread, WaitInVain, nullptr));
-  EXPECT_EQ(StartThread(&thread, WaitInVain, nullptr), 0) << "started and not joined";
+  EXPECT_FALSE(StartThread(&thread, WaitInVain, nullptr)) << "started and not joined";
   EXPECT_EQ(JoinThread(&thread), 7u);
   ASSERT_TRUE(StartThread(&thread, Throw, nullptr));
   EXPECT_EQ(JoinThread(&thread), 0u);
@@ -212,7 +212,7 @@ TEST(Threads, RoundsLeaveNoHandleOrThreadBehind) {
 
 TEST(System, MemoryGrowsWithUse) {
   const int64_t before = ProcessMemoryBytes();
-  const std::vector<char> block(64u << 20, 'x');  // more than an allocator serves from what was freed before
+  std::vector<char> block(64u << 20, 'x');  // more than an allocator serves from what was freed before
   EXPECT_GE(ProcessMemoryBytes(), before + (48 << 20)) << block[100];
 }
 
@@ -220,21 +220,21 @@ TEST(System, FoldersAndReplacedFiles) {
   const std::filesystem::path root = std::filesystem::path(testing::TempDir()) / "tavrix_platform_test";
   std::filesystem::remove_all(root);
   const std::string folder = (root / "a" / "b").string() + pathSeparator;
-  ASSERT_EQ(CreateFolders(folder.c_str()), 1);
-  EXPECT_EQ(CreateFolders(folder.c_str()), 1);
-  EXPECT_EQ(IsDirectory(folder.c_str()), 1);
+  ASSERT_TRUE(CreateFolders(folder.c_str()));
+  EXPECT_TRUE(CreateFolders(folder.c_str()));
+  EXPECT_TRUE(IsDirectory(folder.c_str()));
 
   const std::string from = folder + "new", to = folder + "old";
   std::ofstream(from) << "new";
   std::ofstream(to) << "old";
-  EXPECT_EQ(CreateFolders((from + pathSeparator + "c").c_str()), 0) << "below a file";
+  EXPECT_FALSE(CreateFolders((from + pathSeparator + "c").c_str())) << "below a file";
   EXPECT_FALSE(SystemErrorText().empty());
-  EXPECT_EQ(ReplaceFile(from.c_str(), to.c_str()), 1);
+  EXPECT_TRUE(ReplaceFile(from.c_str(), to.c_str()));
   EXPECT_FALSE(std::filesystem::exists(from));
   std::string content;
   std::ifstream(to) >> content;
   EXPECT_EQ(content, "new");
-  EXPECT_EQ(ReplaceFile(from.c_str(), to.c_str()), 0) << "nothing to put there";
+  EXPECT_FALSE(ReplaceFile(from.c_str(), to.c_str())) << "nothing to put there";
   EXPECT_TRUE(std::filesystem::is_regular_file(to));
   EXPECT_LE(ComputerName().size(), 16u);
   std::filesystem::remove_all(root);

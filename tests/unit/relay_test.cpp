@@ -38,7 +38,7 @@ Bytes RelayFrame(const Bytes& record) {
 void WriteRelay(const Bytes& record) {
   RequestMarks marks = {};
   LockScope lock(&offsetLock);
-  EXPECT_EQ(DispatchWrite(relayRecordOffset, relayRecordSize, record.data(), &marks), 1);
+  EXPECT_TRUE(DispatchWrite(relayRecordOffset, relayRecordSize, record.data(), &marks));
 }
 
 Bytes Waiting() {

@@ -49,17 +49,17 @@ TEST(RequestMemory, PageThatIsFetchedHoldsNobodyUp) {
         std::this_thread::yield();
         continue;
       }
-      if (TryEnterLock(&offsetLock) == 0) {
-        ++busy;
-      } else {
+      if (TryEnterLock(&offsetLock)) {
         LeaveLock(&offsetLock);
+      } else {
+        ++busy;
       }
       ++looked;
     }
   });
   ASSERT_EQ(sigaction(SIGSEGV, &action, &before), 0);
   static RequestScratch scratch;
-  done = ServeRecords(block, blockSize, PathSource::Local, CountRequest(), &scratch) == 1;
+  done = ServeRecords(block, blockSize, PathSource::Local, CountRequest(), &scratch);
   sigaction(SIGSEGV, &before, nullptr);
   ends = true;
   other.join();

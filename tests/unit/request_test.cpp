@@ -47,7 +47,7 @@ struct Block {
     return *this;
   }
   Block& End() { return Word(recordEnd); }
-  int Serve(PathSource source = PathSource::Local) {
+  bool Serve(PathSource source = PathSource::Local) {
     return ServeRecords(bytes.data(), bytes.size(), source, CountRequest(), &scratch);
   }
 };
@@ -77,13 +77,13 @@ TEST_F(Request, RecordsAreServedInOrderWithoutAlignment) {
       .ReadRecord(0x66C1, 0)
       .WriteRecord(0x66C1, {})
       .End();
-  EXPECT_EQ(block.Serve(), 1);
+  EXPECT_TRUE(block.Serve());
   EXPECT_EQ(std::memcmp(block.bytes.data() + 15 + 16, "\1\2\3", 3), 0);
   EXPECT_EQ(requestCounters.requests, 1U);
   EXPECT_EQ(requestCounters.bytesRead, 3U);
   EXPECT_EQ(requestCounters.bytesWritten, 3U);
   Block empty;
-  EXPECT_EQ(empty.End().Serve(), 1);
+  EXPECT_TRUE(empty.End().Serve());
   EXPECT_EQ(requestCounters.requests, 2U);
 }
 
@@ -113,7 +113,7 @@ TEST_F(Request, BoundsAreCheckedBeforeAnythingIsApplied) {
     SetByte(0x66D0, 0);
     const auto before = offsetMemory;
     const auto sent = block.bytes;
-    EXPECT_EQ(block.Serve(), 0) << test.what;
+    EXPECT_FALSE(block.Serve()) << test.what;
     EXPECT_EQ(Byte(0x66D0), 7) << test.what;
     SetByte(0x66D0, 0);
     EXPECT_EQ(std::memcmp(&before, &offsetMemory, sizeof before), 0) << test.what;
@@ -122,7 +122,7 @@ TEST_F(Request, BoundsAreCheckedBeforeAnythingIsApplied) {
         << test.what;
   }
   Block last;
-  EXPECT_EQ(last.WriteRecord(0x1FFFF, {9}).End().Serve(), 1) << "the last byte is inside";
+  EXPECT_TRUE(last.WriteRecord(0x1FFFF, {9}).End().Serve()) << "the last byte is inside";
   EXPECT_EQ(Byte(0x1FFFF), 9);
 }
 
@@ -131,17 +131,17 @@ TEST_F(Request, ListsWithoutEndFailAtTheBlocksEnd) {
     Block block;
     block.WriteRecord(0x66E0, {1}).ReadRecord(0x66E0, 1).End();
     block.bytes.resize(block.bytes.size() - cut);
-    EXPECT_EQ(block.Serve(), 0) << cut << " bytes cut off";
+    EXPECT_FALSE(block.Serve()) << cut << " bytes cut off";
   }
   Block nothing;
-  EXPECT_EQ(nothing.Serve(), 0);
+  EXPECT_FALSE(nothing.Serve());
 }
 
 TEST_F(Request, UnknownRecordStopsTheWalkAndIsZeroed) {
   PublishRunningTime(12.345F);
   Block block;
   block.ReadRecord(0x3304, 4).Word(7).WriteRecord(0x66F0, {1}).End();
-  EXPECT_EQ(block.Serve(), 0);
+  EXPECT_FALSE(block.Serve());
   uint32_t word = 0;
   std::memcpy(&word, block.bytes.data() + 20, sizeof word);
   EXPECT_EQ(word, 0U);
@@ -156,7 +156,7 @@ TEST_F(Request, ReadOnlyRecordsAreSkippedWhole) {
   Block block;
   block.WriteRecord(0x0238, {9, 9, 9}).WriteRecord(0x6700, {5}).End();
   SetByte(0x0238, 1);
-  EXPECT_EQ(block.Serve(), 1);
+  EXPECT_TRUE(block.Serve());
   EXPECT_EQ(Byte(0x0238), 1);
   EXPECT_EQ(Byte(0x6700), 5);
   EXPECT_EQ(requestCounters.bytesWritten, 1U);
@@ -214,7 +214,7 @@ TEST_F(Request, WaitingValueIsTheOneToCompareWith) {
       if (write.refreshedBefore) Refresh(c.offset, Bytes(8));
       if (write.bytes.empty()) continue;
       Block block;
-      EXPECT_EQ(block.WriteRecord(write.offset, write.bytes).End().Serve(), 1) << c.what;
+      EXPECT_TRUE(block.WriteRecord(write.offset, write.bytes).End().Serve()) << c.what;
     }
     EXPECT_EQ(pendingFlags.flags[c.offset], c.staged.empty() ? 0U : 1U) << c.what;
     EXPECT_TRUE(std::equal(c.staged.begin(), c.staged.end(), pendingValues.bytes + c.offset)) << c.what;
@@ -234,7 +234,8 @@ TEST_F(Request, LastWriteWinsForEveryOffsetInAnyOrder) {
   for (const RowTable* table : Catalogue()) {
     for (const OffsetRow& row : table->rows) {
       if (!HasWriter(row)) continue;
-      all.push_back({row.offset, DispatchWidth(row.offset), row.type == Stored::Text, row.offset == 0x0558});
+      const uint32_t width = row.write.width != 0 ? row.write.width : StoredWidth(row);
+      all.push_back({row.offset, width, row.type == Stored::Text, row.offset == 0x0558});
     }
   }
   ASSERT_GT(all.size(), 150U);
@@ -259,7 +260,7 @@ TEST_F(Request, LastWriteWinsForEveryOffsetInAnyOrder) {
       std::vector<uint8_t> bytes(size);
       for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(pick(2));  // often what stands there already
       if (pick(3) == 0) std::copy_n(simulated.begin() + row.offset, size, bytes.begin());
-      EXPECT_EQ(rows::WriteBytes(row.offset, bytes.data(), size), 1);
+      EXPECT_TRUE(rows::WriteBytes(row.offset, bytes.data(), size));
       std::copy(bytes.begin(), bytes.end(), wanted.begin() + row.offset);
       if (row.text) std::fill_n(wanted.begin() + row.offset + size, row.width - size, uint8_t{0});
     } else if (what < 8) {
@@ -285,7 +286,7 @@ TEST_F(Request, PathBlockFollowsTheServer) {
   PrepareFolders("C:\\X-Plane 9\\");
   Block whole;
   whole.ReadRecord(0x3C00, 0x300).End();
-  EXPECT_EQ(whole.Serve(), 1);
+  EXPECT_TRUE(whole.Serve());
   EXPECT_STREQ(reinterpret_cast<const char*>(whole.bytes.data() + 16 + 0x200), "C:\\X-Plane 9\\");
   struct Case {
     uint32_t offset, size;
@@ -301,8 +302,8 @@ TEST_F(Request, PathBlockFollowsTheServer) {
     FillPathBlock(test.offset, test.size, PathSource::Local);
     EXPECT_EQ(Byte(0x3E00) == 'C', test.fills != 0) << test.offset;
   }
-  EXPECT_EQ(FillPathBlock(0x3E10, 4, PathSource::Local), 0);
-  EXPECT_EQ(FillPathBlock(0x1234, 0, PathSource::Local), 1);
+  EXPECT_FALSE(FillPathBlock(0x3E10, 4, PathSource::Local));
+  EXPECT_TRUE(FillPathBlock(0x1234, 0, PathSource::Local));
 }
 
 TEST(NetworkFolder, ShortestExistingShareWins) {

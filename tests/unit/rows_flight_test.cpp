@@ -219,7 +219,7 @@ TEST_F(FlightRows, MovesTheAircraftOnce) {
                             static_cast<int64_t>(place.longitude / 360 * 18446744073709551616.0),
                             static_cast<int64_t>(place.altitude * 4294967296.0)};
   std::memcpy(record, words, sizeof record);
-  ASSERT_EQ(WriteBytes(0x0560, record, sizeof record), 1);
+  ASSERT_TRUE(WriteBytes(0x0560, record, sizeof record));
   RunWriters();
   const auto expect = [](const Place& at) {
     double x, y, z;
@@ -363,7 +363,7 @@ TEST_F(FlightRows, MessageIsSpokenOnceAndCanBeRepeated) {
 TEST_F(FlightRows, RightBrakeAppliesTheLastValueAndLogsIt) {
   const std::string folder = testing::TempDir() + "rows_flight_log/";
   std::filesystem::create_directories(folder);
-  ASSERT_EQ(OpenLogs(folder.c_str(), nullptr), 1);
+  ASSERT_TRUE(OpenLogs(folder.c_str(), nullptr));
   Write<int16_t>(0x0BC4, -7);
   Write<int16_t>(0x0BC6, 100);
   WriteAndRun<int16_t>(0x0BC6, 8192);

@@ -129,8 +129,8 @@ TEST(SettingsText, ParsesValues) {
   EXPECT_EQ(ParseNumber("nan"), 0.0);
   EXPECT_EQ(ParseNumber("1e999"), 0.0);
   EXPECT_EQ(ParseNumber(""), 0.0);
-  for (const char* yes : {"Yes", "YES"}) EXPECT_EQ(ParseYesNo(yes), 1);
-  for (const char* no : {"yes", "No", "", "Yes.", "1"}) EXPECT_EQ(ParseYesNo(no), 0);
+  for (const char* yes : {"Yes", "YES"}) EXPECT_TRUE(ParseYesNo(yes));
+  for (const char* no : {"yes", "No", "", "Yes.", "1"}) EXPECT_FALSE(ParseYesNo(no));
   for (const char* off : {"Not assigned", "NOT ASSIGNED", ""}) EXPECT_EQ(ParseAxis(off).active, 0);
   const AxisCombination axis = ParseAxis("1, 12"), half = ParseAxis("3");
   EXPECT_TRUE(axis.active == 1 && axis.joystick == 1 && axis.axis == 12);
@@ -163,7 +163,7 @@ struct SettingsFile : testing::Test {
 };
 
 TEST_F(SettingsFile, MissingFileIsCreatedWithEveryDefaultInOrder) {
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(ReadAllSettings());
   const std::string expected =
       "TAVRIX Version 2.0.5.25 ini file\n\n"
       "[TAVRIX SETTINGS]\nTune value = 0\nServer Address = 192.168.0.1\nTAVRIX2TAVRIX Client mode = No\n"
@@ -193,7 +193,7 @@ TEST_F(SettingsFile, UserValuesAreReadAndMissingKeysCompleted) {
       "[TAVRIX ATC SETTINGS]\nATC Number =\n[TAVRIX AXIS SETTINGS]\nInvert Elevator Axis = yes\n"
       "Combine Tiller Axis = 2,3\n[TAVRIX FLAPS SETTINGS]\nFlap Settings = Active\nNumber of Detends = 11\n"
       "Flap detend 10 = 1,0.5");
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_EQ(settings.tuneValue, 5);
   EXPECT_EQ(settings.clientMode, 1);
   EXPECT_STREQ(settings.atcNumber, "") << "an empty key is present";
@@ -211,7 +211,7 @@ TEST_F(SettingsFile, UserValuesAreReadAndMissingKeysCompleted) {
       << text;
   EXPECT_NE(text.find("\n[PUSHBACK SETTINGS]\nMaxSpeed = -1.5\n[OTHER SETTINGS]\nToe"), std::string::npos)
       << text;
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_EQ(Read(path), text) << "nothing to complete any more";
 }
 
@@ -230,7 +230,7 @@ TEST_F(SettingsFile, WhatOthersMayDoDefaultsToEverythingAndFailsClosed) {
   };
   for (const auto& test : cases) {
     Put(std::string("[TAVRIX SETTINGS]\n") + test.lines);
-    EXPECT_EQ(ReadAllSettings(), 1);
+    EXPECT_TRUE(ReadAllSettings());
     EXPECT_EQ(settings.allowedClients, test.allowed) << test.lines;
     EXPECT_EQ(settings.networkWrites, test.writes) << test.lines;
     EXPECT_EQ(settings.statusPage, test.page) << test.lines;
@@ -240,17 +240,17 @@ TEST_F(SettingsFile, WhatOthersMayDoDefaultsToEverythingAndFailsClosed) {
 TEST_F(SettingsFile, MisspelledAddressOutlivesTheSecondStart) {
   Put("[TAVRIX SETTINGS]\nServer Adress = 10.0.0.5\n");
   for (int start = 1; start <= 2; ++start) {
-    EXPECT_EQ(ReadAllSettings(), 1);
+    EXPECT_TRUE(ReadAllSettings());
     EXPECT_STREQ(settings.serverAddress, "10.0.0.5") << "start " << start;
     char text[40];
     EXPECT_EQ(ReadSetting("TAVRIX SETTINGS", "Server Address", text, sizeof text), 11);
     EXPECT_STREQ(text, "192.168.0.1");
   }
-  EXPECT_EQ(WriteSetting("TAVRIX SETTINGS", "Server Address", "10.1.2.3"), 1);
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(WriteSetting("TAVRIX SETTINGS", "Server Address", "10.1.2.3"));
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_STREQ(settings.serverAddress, "10.1.2.3");
-  EXPECT_EQ(WriteSetting("TAVRIX SETTINGS", "Server Address", std::string(60, '1').c_str()), 1);
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(WriteSetting("TAVRIX SETTINGS", "Server Address", std::string(60, '1').c_str()));
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_EQ(std::string(settings.serverAddress), std::string(19, '1'));
 }
 
@@ -265,29 +265,29 @@ TEST_F(SettingsFile, ReadsSmallBuffersAndTellsMissingFromEmpty) {
   EXPECT_EQ(ReadSetting("A", "z", text, sizeof text), -1);
   EXPECT_EQ(ReadSetting("A", "x", nullptr, 0), 5);
   EXPECT_EQ(LogLines(), 0);
-  EXPECT_EQ(WriteSetting("A", "x=y", "1"), 0);
-  EXPECT_EQ(WriteSetting("A]", "x", "1"), 0);
+  EXPECT_FALSE(WriteSetting("A", "x=y", "1"));
+  EXPECT_FALSE(WriteSetting("A]", "x", "1"));
   EXPECT_EQ(LogLines(), 2);
 }
 
 TEST_F(SettingsFile, KillDuringARewriteLeavesTheOldFileAndNoTrouble) {
   Put("[A]\nx = 1\n");
   std::ofstream(path + ".tmp") << "half a fi";  // what a killed program leaves
-  EXPECT_EQ(WriteSetting("A", "x", "2"), 1);
+  EXPECT_TRUE(WriteSetting("A", "x", "2"));
   EXPECT_EQ(Read(path), "[A]\nx = 2\n");
   EXPECT_FALSE(std::filesystem::exists(path + ".tmp"));
 }
 
 TEST_F(SettingsFile, UnwritableFileGivesOneLineAndKeepsTheSettings) {
   std::filesystem::create_directories(path + ".tmp");  // nothing can be created under that name
-  EXPECT_EQ(ReadAllSettings(), 0) << "neither read nor written";
+  EXPECT_FALSE(ReadAllSettings()) << "neither read nor written";
   EXPECT_STREQ(settings.atcAircraftType, "Boeing 737-800");
   EXPECT_EQ(LogLines(), 1);
   EXPECT_FALSE(std::filesystem::exists(path));
   Put("[TAVRIX SETTINGS]\nTune value = 9\n");
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_EQ(settings.tuneValue, 9);
-  EXPECT_EQ(WriteSetting("TAVRIX SETTINGS", "Tune value", "8"), 0);
+  EXPECT_FALSE(WriteSetting("TAVRIX SETTINGS", "Tune value", "8"));
   EXPECT_EQ(Read(path), "[TAVRIX SETTINGS]\nTune value = 9\n");
   EXPECT_EQ(LogLines(), 2) << "told once at each enable";
 }
@@ -297,13 +297,13 @@ TEST_F(SettingsFile, UnreadableFilesAreLeftAlone) {
   const std::string huge((4u << 20) + 1, 'x');
   for (const std::string& content : {utf16, huge}) {
     Put(content);
-    EXPECT_EQ(ReadAllSettings(), 0);
-    EXPECT_EQ(WriteSetting("A", "x", "1"), 0);
+    EXPECT_FALSE(ReadAllSettings());
+    EXPECT_FALSE(WriteSetting("A", "x", "1"));
     EXPECT_EQ(Read(path), content);
   }
   std::filesystem::remove(path);
   std::filesystem::create_directories(path);
-  EXPECT_EQ(ReadAllSettings(), 0);
+  EXPECT_FALSE(ReadAllSettings());
   EXPECT_EQ(settings.flapDetents, 2);
   EXPECT_FALSE(WriteSetting("A", "x", "1")) << "a folder is not replaced";
   EXPECT_TRUE(std::filesystem::is_directory(path));
@@ -315,24 +315,38 @@ TEST_F(SettingsFile, NothingIsWrittenThatCouldNotBeReadAgain) {
   const std::string head = "[TAVRIX SETTINGS]\nTune value = 9\n;";
   const std::string full = head + std::string(largest - head.size() - 8, 'x') + '\n';
   Put(full);
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_EQ(settings.tuneValue, 9);
   EXPECT_EQ(Read(path), full) << "no room for the missing keys";
   EXPECT_EQ(LogLines(), 1);
-  EXPECT_EQ(WriteSetting("TAVRIX SETTINGS", "Tune value", "10"), 1) << "room for one more digit";
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(WriteSetting("TAVRIX SETTINGS", "Tune value", "10")) << "room for one more digit";
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_EQ(settings.tuneValue, 10);
 }
 
-// Walking the text once a key takes seven seconds and more; the bound is many times what it takes now.
-TEST_F(SettingsFile, ALargeFileIsReadAtOnce) {
+// All keys are found in one walk over the text, and those that are missing are added in one: each step takes
+// less than a walk a key does. What else the computer does may hold up any of the two: the best of some tries.
+TEST_F(SettingsFile, ALargeFileIsReadInFewWalks) {
+  const auto nanoseconds = [](const auto& work) {
+    const int64_t start = MonotonicNanoseconds();
+    work();
+    return MonotonicNanoseconds() - start;
+  };
+  ReadAllSettings();
+  const int keys = tools::CountText(Read(path), " = ");
+  ASSERT_GT(keys, 20);
   for (const char* line : {"\n", "x=1\n", "[a]\n", "[PUSHBACK SETTINGS]\nMaxSpeedy=1\n"}) {
     std::string text;
-    while (text.size() < 4'000'000) text += line;
-    Put(text);
-    const int64_t start = MonotonicNanoseconds();
-    EXPECT_EQ(ReadAllSettings(), 1);
-    EXPECT_LT(MonotonicNanoseconds() - start, INT64_C(6'000'000'000)) << line;
+    while (text.size() < 1'000'000) text += line;
+    double walks = keys;
+    for (int tries = 0; tries < 5 && walks >= keys; ++tries) {
+      Put(text);
+      std::string_view value;
+      const int64_t oneWalk = nanoseconds([&] { FindSetting(text, "none", "none", &value); });
+      const int64_t all = nanoseconds([&] { EXPECT_TRUE(ReadAllSettings()); });
+      walks = static_cast<double>(all) / static_cast<double>(oneWalk);
+    }
+    EXPECT_LT(walks, keys) << line;
     EXPECT_EQ(settings.pushbackMaxSpeed, -1.5);
     EXPECT_TRUE(Read(path).ends_with("Flap detend 10 = \n"));
   }
@@ -362,15 +376,15 @@ TEST_F(SettingsFile, ChangesOfClientsWaitForQuiet) {
   Put("[A]\nx = 0\ny = 0\n");
   char text[10];
   const auto inFile = [this] { return Read(path); };
-  EXPECT_EQ(KeepSetting("A", "x", "1", 0), 1);
-  EXPECT_EQ(KeepSetting("A", "y", "2", second), 1);
+  EXPECT_TRUE(KeepSetting("A", "x", "1", 0));
+  EXPECT_TRUE(KeepSetting("A", "y", "2", second));
   EXPECT_EQ(ReadSetting("A", "x", text, sizeof text), 1);
   EXPECT_STREQ(text, "1") << "before it is in the file";
   SaveSettingsWhenDue(3 * second - 1);
   EXPECT_EQ(inFile(), "[A]\nx = 0\ny = 0\n");
   SaveSettingsWhenDue(3 * second);
   EXPECT_EQ(inFile(), "[A]\nx = 1\ny = 2\n");
-  EXPECT_EQ(SettingsWait(), 0);
+  EXPECT_FALSE(SettingsWait());
 
   KeepSetting("A", "x", "3", 100 * second);
   KeepSetting("a", "X", "4", 109 * second);  // the same key
@@ -381,13 +395,13 @@ TEST_F(SettingsFile, ChangesOfClientsWaitForQuiet) {
 
   KeepSetting("A", "x", "5", 200 * second);
   KeepSetting("A", "y", "6", 200 * second);
-  EXPECT_EQ(WriteSetting("A", "x", "7"), 1);
+  EXPECT_TRUE(WriteSetting("A", "x", "7"));
   EXPECT_EQ(inFile(), "[A]\nx = 7\ny = 6\n") << "the newer one counts, the other is taken along";
   SaveSettingsWhenDue(300 * second);
   EXPECT_EQ(inFile(), "[A]\nx = 7\ny = 6\n");
-  EXPECT_EQ(KeepSetting("A", "x=", "1", 0), 0);
+  EXPECT_FALSE(KeepSetting("A", "x=", "1", 0));
   KeepSetting("A", "x", "1\n[B]", 400 * second);
-  EXPECT_EQ(SaveWaitingSettings(), 1);
+  EXPECT_TRUE(SaveWaitingSettings());
   EXPECT_EQ(inFile(), "[A]\nx = 1\ny = 6\n");
 }
 
@@ -395,13 +409,13 @@ TEST_F(SettingsFile, ChangesThatCouldNotBeSavedCountAtTheNextEnable) {
   Put("[TAVRIX ATC SETTINGS]\nATC Number = OLD\n");
   std::filesystem::create_directories(path + ".tmp");
   KeepSetting("TAVRIX ATC SETTINGS", "ATC Number", "NEW", 0);
-  EXPECT_EQ(SaveWaitingSettings(), 0);
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_FALSE(SaveWaitingSettings());
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_STREQ(settings.atcNumber, "NEW");
   std::filesystem::remove_all(path + ".tmp");
-  EXPECT_EQ(ReadAllSettings(), 1);
+  EXPECT_TRUE(ReadAllSettings());
   EXPECT_NE(Read(path).find("ATC Number = NEW\n"), std::string::npos);
-  EXPECT_EQ(SettingsWait(), 0);
+  EXPECT_FALSE(SettingsWait());
 }
 
 }  // namespace

@@ -73,7 +73,7 @@ struct StatusPageThread : net::Network {
   Client browser;
   void Start() {
     ASSERT_TRUE(StartStatusPage(Folder().c_str()));
-    ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&browser, statusPort) == 1; })) << Log();
+    ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&browser, statusPort); })) << Log();
   }
   void TearDown() override {
     net::Disconnect(&browser);
@@ -115,7 +115,7 @@ TEST_F(StatusPageThread, FiftySilentBrowsersDoNotDelayTheEnd) {
 
 TEST_F(StatusPageThread, ShownToThisComputerAloneWhenTheUserWantsThat) {
   ASSERT_TRUE(StartStatusPage(Folder().c_str(), true));
-  ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&browser, statusPort) == 1; })) << Log();
+  ASSERT_TRUE(net::WaitUntil([&] { return net::Connect(&browser, statusPort); })) << Log();
   const std::string request = "GET /";
   ASSERT_TRUE(SendStream(&browser.tcp, request.data(), request.size()));
   EXPECT_NE(net::ReceiveText(&browser).find("TAVRIX version"), std::string::npos);
@@ -133,7 +133,7 @@ TEST_F(StatusPageThread, ATakenPortIsLoggedAndStopEndsTheWait) {
   ASSERT_TRUE(StartStatusPage(Folder().c_str()));
   EXPECT_TRUE(net::WaitUntil([&] { return LogHas("error bind\n") && LogHas("cannot use TCP port 4321"); }));
   StopStatusPage();
-  EXPECT_EQ(StatusPageRuns(), 0);
+  EXPECT_FALSE(StatusPageRuns());
   CloseSocket(&other);
 }
 

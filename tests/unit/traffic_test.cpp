@@ -31,7 +31,7 @@ class Traffic : public testing::Test {
  protected:
   void SetUp() override {
     rows::Start();
-    ASSERT_EQ(InitTraffic(), 1);
+    ASSERT_TRUE(InitTraffic());
     clientEntryWritten = 0;
     Set("sim/flightmodel/position/latitude", 48.0);
     Set("sim/flightmodel/position/longitude", 11.0);
@@ -57,7 +57,7 @@ class Traffic : public testing::Test {
   }
   // A whole round of every slot after this call, then one of the manager.
   static void Rounds() {
-    WaitUntil("the positions, when no slot thread is reading them", [] { return FillTrafficPositions() == 1; });
+    WaitUntil("the positions, when no slot thread is reading them", [] { return FillTrafficPositions(); });
     for (uint32_t slot = 0; slot < activeSlots; ++slot) {
       const uint8_t before = slotRounds[slot].load();
       WaitUntil("slot round", [&] {
@@ -350,7 +350,7 @@ class TrafficThreads : public testing::Test {
  protected:
   void SetUp() override {
     rows::Start();
-    ASSERT_EQ(InitTraffic(), 1);
+    ASSERT_TRUE(InitTraffic());
   }
   void TearDown() override {
     StopAircraftModelThread();
@@ -364,8 +364,8 @@ TEST_F(TrafficThreads, AllSlotsWhilePositionsModelsAndClientsChangeThenStopInTim
   const int threads = tools::CountThreads();
   sim::SimCommand("planes 97");
   LoadAircraftList();
-  ASSERT_EQ(StartTrafficThread(), 1);
-  ASSERT_EQ(StartAircraftModelThread(), 1);
+  ASSERT_TRUE(StartTrafficThread());
+  ASSERT_TRUE(StartAircraftModelThread());
   WaitUntil("96 slots", [] {
     const uint8_t byte = 1;
     rows::WriteBytes(0x1F80, &byte, 1);
@@ -392,12 +392,12 @@ TEST_F(TrafficThreads, AllSlotsWhilePositionsModelsAndClientsChangeThenStopInTim
 
 TEST_F(TrafficThreads, WithoutOtherAircraftStoppingWaitsForNothing) {
   LoadAircraftList();
-  ASSERT_EQ(StartTrafficThread(), 1);
+  ASSERT_TRUE(StartTrafficThread());
   WaitUntil("a round", [] { return Read<uint16_t>(header + 2) == 96; });
   const int64_t begun = MonotonicNanoseconds();
   StopTrafficThread();
   EXPECT_LT(MonotonicNanoseconds() - begun, 1200 * int64_t{1000000});
-  EXPECT_EQ(TrafficRuns(), 0);
+  EXPECT_FALSE(TrafficRuns());
   StopTrafficThread();  // twice does no harm
 }
 

@@ -17,7 +17,8 @@ std::string PlainText(const Item& item) {
   return std::string(item.bytes.begin(), end);
 }
 
-std::string Quoted(const std::string& text) {
+// In double quotes; characters that are not printable ASCII as `escape` and that many hexadecimal digits.
+std::string Quoted(const std::string& text, const char* escape, int digits) {
   std::string quoted = "\"";
   for (const char letter : text) {
     const uint8_t code = static_cast<uint8_t>(letter);
@@ -25,7 +26,7 @@ std::string Quoted(const std::string& text) {
       quoted += '\\';
       quoted += letter;
     } else if (code < 0x20 || code >= 0x7F) {
-      quoted += "\\x" + HexText(code, 2).substr(2);
+      quoted += escape + HexText(code, digits).substr(2);
     } else {
       quoted += letter;
     }
@@ -33,22 +34,10 @@ std::string Quoted(const std::string& text) {
   return quoted + "\"";
 }
 
+std::string ShownText(const std::string& text) { return Quoted(text, "\\x", 2); }
+
 // Bytes above 0x7E are taken for their Latin-1 characters.
-std::string JsonString(const std::string& text) {
-  std::string quoted = "\"";
-  for (const char letter : text) {
-    const uint8_t code = static_cast<uint8_t>(letter);
-    if (letter == '"' || letter == '\\') {
-      quoted += '\\';
-      quoted += letter;
-    } else if (code < 0x20 || code >= 0x7F) {
-      quoted += "\\u" + HexText(code, 4).substr(2);
-    } else {
-      quoted += letter;
-    }
-  }
-  return quoted + "\"";
-}
+std::string JsonString(const std::string& text) { return Quoted(text, "\\u", 4); }
 
 bool HasScale(const Item& item) {
   return item.row != nullptr && item.row->show == Form::Number &&
@@ -98,7 +87,7 @@ std::string StoredText(const Item& item) {
     case ValueType::Hex:
       return BytesText(item.bytes.data(), item.bytes.size());
     case ValueType::Text:
-      return Quoted(PlainText(item));
+      return ShownText(PlainText(item));
     case ValueType::F32:
       return RealText(static_cast<float>(StoredNumber(item)));
     case ValueType::F64:
