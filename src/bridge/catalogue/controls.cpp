@@ -7,12 +7,14 @@
 #include "XPLMUtilities.h"
 #include "base/log.h"
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/losses.h"
 #include "bridge/slew.h"
 
 namespace {
 
-constexpr double full = 16383;  // full travel of most controls
+constexpr double full = 16383;        // full travel of most controls
+constexpr double parkedWord = 32767;  // parking brake set
 // Trims and surfaces in radians at a tenth of the scale: full trim is 10 degrees.
 constexpr double tenDegrees = std::numbers::pi / 18;
 
@@ -21,40 +23,31 @@ constexpr double tenDegrees = std::numbers::pi / 18;
 // The 737's stabiliser travels further nose up than nose down: its words run from -6230 to 16270.
 constexpr double stabiliserSteps = 11250, stabiliserZero = 5020;
 
-double ElevatorTrimWord(double trim) {
-  return IsLoaded(AddOn::X737) ? (trim + stabiliserZero / stabiliserSteps) * stabiliserSteps : trim * full;
-}
-
-double ElevatorTrimRatio(double word) {
-  return IsLoaded(AddOn::X737) ? word / stabiliserSteps - stabiliserZero / stabiliserSteps : word / full;
-}
+double StabiliserWord(double trim) { return (trim + stabiliserZero / stabiliserSteps) * stabiliserSteps; }
+double StabiliserTrim(double word) { return word / stabiliserSteps - stabiliserZero / stabiliserSteps; }
 
 // --- Brakes ---------------------------------------------------------------------------------------
 
 constexpr Source leftBrake = Float<"sim/flightmodel/controls/l_brake_add">,
-                 rightBrake = Float<"sim/flightmodel/controls/r_brake_add">,
-                 parkBrake = Float<"sim/flightmodel/controls/parkbrake">;
+                 rightBrake = Float<"sim/flightmodel/controls/r_brake_add">;
+constexpr Source parkingLight = Float<"laminar/B738/annunciator/parking_brake">;
 
-double ParkingBrake() {
-  return ReadSource(IsLoaded(AddOn::B738Extended) ? Float<"laminar/B738/annunciator/parking_brake">
-                                                  : parkBrake);
-}
+// All brake rows look at the parking brake, so that it is read with the snapshot.
+constexpr Variant parkingBrake[] = {{.addOn = AddOn::B738Extended, .source = parkingLight},
+                                    {.source = Float<"sim/flightmodel/controls/parkbrake">}};
 
 struct Brakes {
   double left, right, parking;
 } brakes;  // of one look
 
-void TakeBrakes() { brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ParkingBrake()}; }
+void TakeBrakes() {
+  brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ReadSource(ActiveVariant(parkingBrake).source)};
+}
 
 // A toe brake; the parking brake holds both down.
 template <double Brakes::*brake>
 bool ReadToeBrake(const OffsetRow&, double* value) {
   *value = brakes.parking > 0.5 ? full : brakes.*brake * full;
-  return true;
-}
-
-bool ReadParkingBrake(const OffsetRow&, double* value) {
-  *value = !IsLoaded(AddOn::B738Extended) ? brakes.parking * 32767 : brakes.parking > 0.2 ? 32767 : 0;
   return true;
 }
 
@@ -75,11 +68,12 @@ void ApplyRightBrake(const OffsetRow&, const Staged& staged) {
           static_cast<int>(left), number);
 }
 
-void ApplyParkingBrake(const OffsetRow&, const Staged& staged) {
-  const double wanted = staged.number / 32767;
-  if (!IsLoaded(AddOn::B738Extended)) {
-    SetSource(parkBrake, std::min(wanted, 1.0));
-  } else if ((wanted > 0.2) != (ReadSource(Float<"laminar/B738/annunciator/parking_brake">) > 0.2)) {
+// The extended 737-800 knows only off and on, and has a button that goes from one to the other.
+bool IsParkedB738(double ratio) { return ratio > 0.2; }
+double ParkingWordB738(double light) { return IsParkedB738(light) ? parkedWord : 0; }
+
+void ApplyParkingBrakeB738(const OffsetRow&, const Staged& staged) {
+  if (IsParkedB738(staged.number / parkedWord) != IsParkedB738(ReadSource(parkingLight))) {
     FireCommand(commandOf<"laminar/B738/push_button/park_brake_on_off">);
   }
 }
@@ -99,60 +93,37 @@ double LeverWord(double position, float down, float deployed) {
   if (lever < deployed) return armedWord;
   return std::max(armedWord, std::trunc(position * full));
 }
-
-bool ReadSpeedBrake(const OffsetRow&, double* value) {
-  if (IsLoaded(AddOn::X737)) {
-    *value = LeverWord(ReadSource(Float<"x737/systems/speedbrake/spdbrkLeverPos">), 0.1f, 0.15f);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    *value = LeverWord(ReadSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">), 0.07f, 0.145f);
-  } else {
-    const double request = ReadSource(speedBrakeRequest);
-    *value = request < 0    ? armedWord
-             : request == 0 ? 0
-                            : std::min(full, armedWord + request * (full - armedWord));
-  }
-  return true;
+double LeverWordX737(double position) { return LeverWord(position, 0.1f, 0.15f); }
+double LeverWordB738(double position) { return LeverWord(position, 0.07f, 0.145f); }
+double RequestWord(double request) {
+  if (request < 0) return armedWord;
+  return request == 0 ? 0 : std::min(full, armedWord + request * (full - armedWord));
 }
 
-void ApplySpeedBrake(const OffsetRow&, const Staged& staged) {
-  const double word = staged.number;
-  const bool armed = word >= armedWord && word < deployedWord;
-  const double lever = word < armedWord ? 0 : std::min(1.0, word / full);
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(Float<"x737/systems/speedbrake/spdbrkLeverPos">, armed ? x737Armed : lever);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    SetSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">, armed ? b738Armed : lever);
-  } else if (IsLoaded(AddOn::Ixeg733)) {
-    SetSource(Fitting<"ixeg/733/hydraulics/speedbrake_act">, std::min(1.0, word / full));
-  } else {
-    const double deployed = std::clamp((word - deployedWord) * (1 / (full - deployedWord)), 0.0, 1.0);
-    SetSource(speedBrakeRequest, armed ? stockArmed : deployed);
-  }
+bool IsArmedWord(double word) { return word >= armedWord && word < deployedWord; }
+
+template <const double& armed>
+double LeverOf(double word) {
+  if (IsArmedWord(word)) return armed;
+  return word < armedWord ? 0 : std::min(1.0, word / full);
+}
+double LeverOfIxeg(double word) { return std::min(1.0, word / full); }
+double RequestOf(double word) {
+  if (IsArmedWord(word)) return stockArmed;
+  return std::clamp((word - deployedWord) * (1 / (full - deployedWord)), 0.0, 1.0);
 }
 
-bool ReadSpeedBrakeArmed(const OffsetRow&, double* value) {
-  if (IsLoaded(AddOn::X737)) {
-    *value = IsOn(Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    const float lever = static_cast<float>(ReadSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">));
-    *value = lever > 0.04f && lever < 0.15f;
-  } else {
-    *value = ReadSource(speedBrakeRequest) < 0;
-  }
-  return true;
+double IsArmedLight(double light) { return light != 0; }
+double IsArmedRequest(double request) { return request < 0; }
+double IsArmedB738(double position) {
+  const float lever = static_cast<float>(position);
+  return lever > 0.04f && lever < 0.15f;
 }
 
-void ApplySpeedBrakeArmed(const OffsetRow&, const Staged& staged) {
-  const bool wanted = staged.integer != 0;
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(Int<"x737/systems/speedbrake/spdbrkIsArmed">, wanted);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    SetSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">, wanted ? b738Armed : 0);
-  } else if (IsLoaded(AddOn::Ixeg733)) {
-    SetSource(Fitting<"ixeg/733/hydraulics/speedbrake_act">, wanted ? ixegArmed : 0);
-  } else {
-    SetSource(speedBrakeRequest, wanted ? stockArmed : 0);
-  }
+// Where the lever goes when it is armed; back to 0 when not.
+template <const double& armed>
+double ArmedOrDown(double wanted) {
+  return wanted != 0 ? armed : 0;
 }
 
 // --- Flaps and gear -------------------------------------------------------------------------------
@@ -164,33 +135,21 @@ constexpr const Command* b738Flaps[] = {
     &commandOf<"laminar/B738/push_button/flaps_25">, &commandOf<"laminar/B738/push_button/flaps_30">,
     &commandOf<"laminar/B738/push_button/flaps_40">};
 
-void ApplyFlaps(const OffsetRow&, const Staged& staged) {
-  if (!IsLoaded(AddOn::B738Extended)) {
-    SetSource(Float<"sim/flightmodel/controls/flaprqst">, std::min(1.0, staged.number / full));
-    return;
-  }
+void ApplyFlapsB738(const OffsetRow&, const Staged& staged) {
   // Eight steps between the nine detents 0, 1, 2, 5, 10, 15, 25, 30, 40.
   const double detent = std::min(8.0, std::round(staged.number * 8 / full));
   FireCommand(*b738Flaps[static_cast<int>(detent)]);
 }
 
-bool IsGearDown() {
-  return IsLoaded(AddOn::B738Extended) ? ReadSource(Float<"laminar/B738/controls/gear_handle_down">) > 0.5
-                                       : IsOn(Int<"sim/cockpit/switches/gear_handle_status">);
-}
+constexpr Source gearHandle = Int<"sim/cockpit/switches/gear_handle_status">;
 
-bool ReadGear(const OffsetRow&, double* value) {
-  *value = IsGearDown() ? full : 0;
-  return true;
-}
+double GearWord(double handle) { return handle != 0 ? full : 0; }
+double GearWordB738(double handle) { return handle > 0.5 ? full : 0; }
+double GearDown(double word) { return word >= 8192; }
 
 void ApplyGear(const OffsetRow&, const Staged& staged) {
-  const bool down = staged.integer >= 8192;
-  if (IsLoaded(AddOn::B738Extended)) {
-    SetSource(Float<"laminar/B738/controls/gear_handle_down">, down);
-  } else if (down != IsGearDown()) {
-    PushButton(down ? xplm_joy_gear_down : xplm_joy_gear_up);
-  }
+  const bool down = GearDown(staged.number) != 0;
+  if (down != IsOn(gearHandle)) PushButton(down ? xplm_joy_gear_down : xplm_joy_gear_up);
 }
 
 // --- Joystick disconnect --------------------------------------------------------------------------
@@ -318,11 +277,12 @@ constexpr OffsetRow rows[] = {
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
      .source = Float<"sim/flightmodel/controls/elv_trim">,
-     .convert = ElevatorTrimWord,
-     .write = {.target = Float<"sim/flightmodel/controls/elv_trim">,
-               .low = -1,
-               .high = 1,
-               .convert = ElevatorTrimRatio},
+     .factor = full,
+     .variants = variantsOf<[] {
+       return std::array{
+           Variant{.addOn = AddOn::X737, .convert = StabiliserWord, .targetConvert = StabiliserTrim}};
+     }>,
+     .write = {.target = Float<"sim/flightmodel/controls/elv_trim">, .factor = 1 / full, .low = -1, .high = 1},
      .lossy = "limited to full trim either way",
      .note = "with the x737: -6230 full nose down, 5020 neutral, 16270 full nose up"},
     {.offset = 0x0BC2,
@@ -333,7 +293,9 @@ constexpr OffsetRow rows[] = {
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
      .source = Float<"sim/flightmodel/controls/elv_trim">,
-     .convert = ElevatorTrimWord},
+     .factor = full,
+     .variants =
+         variantsOf<[] { return std::array{Variant{.addOn = AddOn::X737, .convert = StabiliserWord}}; }>},
     {.offset = 0x2E98,
      .type = Stored::F64,
      .name = "elevator_trim_indicator_angle",
@@ -381,11 +343,17 @@ constexpr OffsetRow rows[] = {
      .name = "parking_brake",
      .meaning = "parking brake",
      .unit = "%",
-     .unitScale = 100.0 / 32767,
+     .unitScale = 100 / parkedWord,
      .cycle = Cycle::C3,
-     .read = ReadParkingBrake,
+     .factor = parkedWord,
+     .prepared = &brakes.parking,
      .prepare = TakeBrakes,
-     .write = {.apply = ApplyParkingBrake},
+     .variants = variantsOf<[] {
+       return std::array{
+           Variant{.addOn = AddOn::B738Extended, .convert = ParkingWordB738, .apply = ApplyParkingBrakeB738},
+           Variant{.target = Float<"sim/flightmodel/controls/parkbrake">}};
+     }>,
+     .write = {.factor = 1 / parkedWord, .high = 1},
      .lossy = "above 32767 counts as 32767; the extended 737-800 knows only off and on"},
     {.offset = 0x0BCA,
      .type = Stored::U16,
@@ -422,16 +390,54 @@ constexpr OffsetRow rows[] = {
      .meaning = "speed brake armed",
      .show = Show::Flag,
      .cycle = Cycle::C13,
-     .read = ReadSpeedBrakeArmed,
-     .write = {.apply = ApplySpeedBrakeArmed},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">,
+                                 .convert = IsArmedLight,
+                                 .target = Int<"x737/systems/speedbrake/spdbrkIsArmed">,
+                                 .targetConvert = OnOff},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .convert = IsArmedB738,
+                                 .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .targetConvert = ArmedOrDown<b738Armed>},
+                         Variant{.addOn = AddOn::Ixeg733,
+                                 .source = speedBrakeRequest,
+                                 .convert = IsArmedRequest,
+                                 .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                                 .targetConvert = ArmedOrDown<ixegArmed>},
+                         Variant{.source = speedBrakeRequest,
+                                 .convert = IsArmedRequest,
+                                 .target = speedBrakeRequest,
+                                 .targetConvert = ArmedOrDown<stockArmed>}};
+     }>,
      .lossy = flagLoss},
     {.offset = 0x0BD0,
      .type = Stored::U32,
      .name = "speed_brake",
      .meaning = "speed brake lever: 0 down, 4800 armed, 5620 to 16383 deployed",
      .cycle = Cycle::C13,
-     .read = ReadSpeedBrake,
-     .write = {.apply = ApplySpeedBrake},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Float<"x737/systems/speedbrake/spdbrkLeverPos">,
+                                 .convert = LeverWordX737,
+                                 .target = Float<"x737/systems/speedbrake/spdbrkLeverPos">,
+                                 .targetConvert = LeverOf<x737Armed>},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .convert = LeverWordB738,
+                                 .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .targetConvert = LeverOf<b738Armed>},
+                         Variant{.addOn = AddOn::Ixeg733,
+                                 .source = speedBrakeRequest,
+                                 .convert = RequestWord,
+                                 .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                                 .targetConvert = LeverOfIxeg},
+                         Variant{.source = speedBrakeRequest,
+                                 .convert = RequestWord,
+                                 .target = speedBrakeRequest,
+                                 .targetConvert = RequestOf}};
+     }>,
      .lossy = "everything below 4800 puts the lever down; between armed and full it reads up to 820 higher"},
     Travel(0x0BD4, Stored::U32, "left_spoiler", "left spoiler position", Cycle::C13,
            Float<"sim/flightmodel/controls/sbrkrat">),
@@ -447,7 +453,11 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C7,
      .source = Float<"sim/flightmodel/controls/flaprqst">,
      .factor = full,
-     .write = {.apply = ApplyFlaps},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::B738Extended, .apply = ApplyFlapsB738},
+                         Variant{.target = Float<"sim/flightmodel/controls/flaprqst">}};
+     }>,
+     .write = {.factor = 1 / full, .high = 1},
      .lossy = "above 16383 counts as 16383; the extended 737-800 goes to the nearest of its nine detents"},
     Travel(0x0BE0, Stored::U32, "left_flap_position", "left flap position", Cycle::C3,
            Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">),
@@ -473,8 +483,14 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadGear,
-     .write = {.apply = ApplyGear},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/controls/gear_handle_down">,
+                                 .convert = GearWordB738,
+                                 .target = Float<"laminar/B738/controls/gear_handle_down">,
+                                 .targetConvert = GearDown},
+                         Variant{.source = gearHandle, .convert = GearWord, .apply = ApplyGear}};
+     }>,
      .lossy = "a lever with two places: from 8192 on it is down"},
     Travel(0x0BEC, Stored::U32, "nose_gear", "nose gear", Cycle::C3,
            FloatElement<"sim/aircraft/parts/acf_gear_deploy">(0)),

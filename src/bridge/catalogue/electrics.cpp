@@ -1,11 +1,12 @@
 // Battery, generators, auxiliary power unit, fuel pumps, suction and the sound switch.
 #include <algorithm>
 
-#include "bridge/catalogue/engine_families.h"
+#include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
+#include "bridge/catalogue/losses.h"
 
 namespace {
 
-constexpr Source battery = Int<"sim/cockpit/electrical/battery_on">;
 constexpr Source apuRunning = Int<"sim/cockpit/engine/APU_running">;
 constexpr Source apuSwitch = Int<"sim/cockpit/engine/APU_switch">;
 
@@ -17,11 +18,6 @@ void ApplyToAllEngines(const OffsetRow&, const Staged& staged) {
   int switches[8];
   std::fill(std::begin(switches), std::end(switches), staged.integer != 0);
   XPLMSetDatavi(handle, switches, 0, static_cast<int>(std::size(switches)));
-}
-
-bool ReadBattery(const OffsetRow&, double* value) {
-  *value = IsOn(IsLoaded(AddOn::X737) ? Int<"x737/systems/electrics/swBatBusPowered"> : battery);
-  return true;
 }
 
 // The value is a 32-bit float by custom, but clients write the integer 1 too: every bit pattern but 0 is on.
@@ -66,8 +62,12 @@ constexpr OffsetRow rows[] = {
      .meaning = "battery switch",
      .show = Show::Flag,
      .cycle = Cycle::C31Navigation,
-     .read = ReadBattery,
-     .write = {.target = battery, .convert = OnOff},
+     .convert = OnOff,
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737, .source = Int<"x737/systems/electrics/swBatBusPowered">},
+                         Variant{.source = Int<"sim/cockpit/electrical/battery_on">}};
+     }>,
+     .write = {.target = Int<"sim/cockpit/electrical/battery_on">, .convert = OnOff},
      .lossy = flagLoss},
     Switch(0x3103, Int<"sim/cockpit/electrical/avionics_on">, Stored::U8, "avionics", "avionics master switch",
            Cycle::C31Navigation),

@@ -1,6 +1,7 @@
 // Engine readings. Most stand in two or three places: a 16-bit word of the engine's block, and a double.
 #include <numbers>
 
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 
 namespace {
@@ -150,20 +151,24 @@ constexpr Family pressureRatio = {{.type = Stored::F64,
                                    .source = FloatElement<"sim/flightmodel/engine/ENGN_EPR">(0)},
                                   {0x2030, 0x2130, 0, 0}};
 
-// Of one look: the same temperatures in the two forms that clients know.
-double exhaustWords[engineCount], exhaustRankine[engineCount];
+// The same temperatures in the two forms that clients know.
+constexpr EngineVariants exhaustVariants = {
+    variantsOf<[] {
+      return std::array{Variant{.addOn = AddOn::B738Extended, .source = Float<"laminar/B738/engine/eng1_egt">},
+                        Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(0)}};
+    }>,
+    variantsOf<[] {
+      return std::array{Variant{.addOn = AddOn::B738Extended, .source = Float<"laminar/B738/engine/eng2_egt">},
+                        Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(1)}};
+    }>,
+    variantsOf<[] {
+      return std::array{Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(2)}};
+    }>,
+    variantsOf<[] {
+      return std::array{Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(3)}};
+    }>};
 
-void TakeExhaust() {
-  constexpr Source extended[2] = {Float<"laminar/B738/engine/eng1_egt">, Float<"laminar/B738/engine/eng2_egt">};
-  const bool isExtended = IsLoaded(AddOn::B738Extended);
-  for (int engine = 0; engine < engineCount; engine++) {
-    const double celsius =
-        ReadSource(isExtended && engine < 2 ? extended[engine]
-                                            : FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(engine));
-    exhaustWords[engine] = celsius * egtPerDegree;
-    exhaustRankine[engine] = (celsius + absoluteZero) * rankinePerKelvin;
-  }
-}
+double ExhaustRankine(double celsius) { return (celsius + absoluteZero) * rankinePerKelvin; }
 
 constexpr Family exhaustWord = {{.type = Stored::S16,
                                  .name = "egt_eng",
@@ -171,9 +176,9 @@ constexpr Family exhaustWord = {{.type = Stored::S16,
                                  .unit = "deg C",
                                  .unitScale = 1 / egtPerDegree,
                                  .cycle = Cycle::C1,
-                                 .prepared = exhaustWords,
-                                 .prepare = TakeExhaust},
-                                {0x08BE, 0x0956, 0x09EE, 0x0A86}};
+                                 .factor = egtPerDegree},
+                                {0x08BE, 0x0956, 0x09EE, 0x0A86},
+                                exhaustVariants};
 constexpr Family exhaust = {{.type = Stored::F64,
                              .name = "egt_rankine_eng",
                              .meaning = "exhaust gas temperature",
@@ -181,10 +186,10 @@ constexpr Family exhaust = {{.type = Stored::F64,
                              .unitScale = 1 / rankinePerKelvin,
                              .unitBias = -absoluteZero,
                              .cycle = Cycle::C1,
-                             .prepared = exhaustRankine,
-                             .prepare = TakeExhaust,
+                             .convert = ExhaustRankine,
                              .note = "stored in degrees Rankine"},
-                            {0x3B70, 0x3AB0, 0, 0}};
+                            {0x3B70, 0x3AB0, 0, 0},
+                            exhaustVariants};
 constexpr Family turbineTemperature = {{.type = Stored::F64,
                                         .name = "itt_eng",
                                         .meaning = "inter-turbine temperature",
@@ -228,21 +233,21 @@ constexpr Family oilQuantity = {{.type = Stored::S32,
 
 // --- Vibration and hydraulics -------------------------------------------------------------------------
 
-template <Source x737>
-constexpr OffsetRow Vibration(uint32_t offset, int engine) {
-  return {.offset = offset,
-          .type = Stored::S32,
-          .name = "vibration_eng",
-          .member = engine,
-          .meaning = "engine vibration",
-          .unitScale = 17.25 / 10000,
-          .cycle = Cycle::C1,
-          .factor = 10000 / 17.25,
-          .variants = variantsOf<[] { return std::array{Variant{.addOn = AddOn::X737, .source = x737}}; }>,
-          .note = "x737 only, else 0"};
-}
-constexpr auto vibration = std::to_array<OffsetRow>({Vibration<Float<"x737/engine/viblevel_1">>(0x08D4, 1),
-                                                     Vibration<Float<"x737/engine/viblevel_2">>(0x096C, 2)});
+constexpr Family vibration = {
+    {.type = Stored::S32,
+     .name = "vibration_eng",
+     .meaning = "engine vibration",
+     .unitScale = 17.25 / 10000,
+     .cycle = Cycle::C1,
+     .factor = 10000 / 17.25,
+     .note = "x737 only, else 0"},
+    {0x08D4, 0x096C, 0, 0},
+    {variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_1">}};
+     }>,
+     variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_2">}};
+     }>}};
 
 // The one hydraulic system serves all engines. Its pressure is taken as a share of 3000 psi.
 constexpr OffsetRow hydraulicPressureShape = {
@@ -394,7 +399,7 @@ constexpr auto rows =
            EngineRows<fuelFlowWord, fuelFlow, fuelFlowSecond>(), EngineRows<oilTemperature>(),
            EngineRows<oilPressureWord, oilPressure>(), EngineRows<pressureRatioWord, pressureRatio>(),
            EngineRows<exhaustWord, exhaust>(), EngineRows<turbineTemperature>(),
-           EngineRows<manifoldWord, manifold>(), EngineRows<oilQuantity>(), vibration,
+           EngineRows<manifoldWord, manifold>(), EngineRows<oilQuantity>(), EngineRows<vibration>(),
            EngineRows<hydraulicPressure, hydraulicPressureRear>(), EngineRows<hydraulicQuantity>(), rotor,
            EngineRows<torque>(), EngineRows<torqueRatio>(), EngineRows<thrust, propThrust>(),
            EngineRows<propSpeed>(), EngineRows<propRatio>(), EngineRows<engineSpeed>(), installation);

@@ -5,8 +5,9 @@
 // overwrite some of the stored ones. Until they have been read once, they and the levels are 0.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
-#include "bridge/catalogue/engine_families.h"
+#include "bridge/catalogue.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ struct X737Tank {
   Source kg, share;
 };
 // The x737 publishes its three main tanks only; the others have no source.
-X737Tank X737TankOf(Tank tank) {
+constexpr X737Tank X737TankOf(Tank tank) {
   switch (tank) {
     case Tank::Centre:
       return {Float<"x737/systems/fuel/fuelCenterTank_kg">, Fitting<"x737/systems/fuel/fuelCenterTank_perc">};
@@ -55,20 +56,13 @@ X737Tank X737TankOf(Tank tank) {
   }
 }
 
-// Where a tank's kilograms stand; without a dataref when the aircraft has no such tank.
-Source ContentsOf(Tank tank) {
-  if (IsLoaded(AddOn::X737)) return X737TankOf(tank).kg;
-  const int element = ElementOf(tank, tankCount);
-  return element < 0 ? Source{} : FloatElement<"sim/flightmodel/weight/m_fuel">(element);
-}
-
 double Gallons(Tank tank) {
-  if (!IsLoaded(AddOn::X737)) {
-    const int element = ElementOf(tank, tankCount);
-    return element < 0 ? 0
-                       : fullFuel * ReadSource(FloatElement<"sim/aircraft/overflow/acf_tank_rat">(element)) *
-                             gallonsPerKg;
-  }
+  const int element = ElementOf(tank, tankCount);
+  return element < 0 ? 0
+                     : fullFuel * ReadSource(FloatElement<"sim/aircraft/overflow/acf_tank_rat">(element)) *
+                           gallonsPerKg;
+}
+double GallonsX737(Tank tank) {
   const X737Tank x737 = X737TankOf(tank);
   if (x737.kg.ref == nullptr) return 0;
   const double share = ReadSource(x737.share);
@@ -76,37 +70,47 @@ double Gallons(Tank tank) {
   return share == 0 ? capacities[static_cast<size_t>(tank)] : ReadSource(x737.kg) / share * gallonsPerKgX737;
 }
 
-// Of all tanks at once: the arrays' layout hangs on their number.
+// Of all tanks at once: the arrays' layout hangs on their number. With any aircraft the rows find them here.
 void TakeTankSizes() {
+  const auto gallonsOf = IsLoaded(AddOn::X737) ? GallonsX737 : Gallons;
   constexpr double most = std::numeric_limits<uint32_t>::max();
   fullFuel = ReadSource(Float<"sim/aircraft/weight/acf_m_fuel_tot">);
   tankCount = ReadInt(Int<"sim/aircraft/overflow/acf_num_tanks">);
   for (size_t tank = 0; tank < maxTanks; ++tank) {
-    const double gallons = Gallons(static_cast<Tank>(tank));
+    const double gallons = gallonsOf(static_cast<Tank>(tank));
     capacities[tank] = gallons > 0 ? std::trunc(std::min(gallons, most)) : 0;
   }
 }
 
+// A tank whose size is not known is empty, and takes nothing: NaN is set nowhere.
 template <Tank tank>
-bool ReadCapacity(const OffsetRow&, double* value) {
-  *value = capacities[static_cast<size_t>(tank)];
-  return true;
+double LevelOf(double kg) {
+  const double capacity = capacities[static_cast<size_t>(tank)];
+  const double gallons = kg * poundsPerKg / poundsPerGallon;
+  return capacity == 0 ? 0 : gallons / capacity * fullLevel;
+}
+template <Tank tank>
+double KgOf(double level) {
+  const double capacity = capacities[static_cast<size_t>(tank)];
+  if (capacity == 0) return std::numeric_limits<double>::quiet_NaN();
+  return std::max(level / fullLevel * capacity * poundsPerGallon * kgPerPound, 0.0);
+}
+
+// Where a tank's kilograms stand; without a dataref when the aircraft has no such tank.
+Source ContentsOf(Tank tank) {
+  const int element = ElementOf(tank, tankCount);
+  return element < 0 ? Source{} : FloatElement<"sim/flightmodel/weight/m_fuel">(element);
 }
 
 template <Tank tank>
 bool ReadLevel(const OffsetRow&, double* value) {
-  const double capacity = capacities[static_cast<size_t>(tank)];
-  const double gallons = ReadSource(ContentsOf(tank)) * poundsPerKg / poundsPerGallon;
-  *value = capacity == 0 ? 0 : gallons / capacity * fullLevel;
+  *value = LevelOf<tank>(ReadSource(ContentsOf(tank)));
   return true;
 }
 
 template <Tank tank>
 void ApplyLevel(const OffsetRow&, const Staged& staged) {
-  const double capacity = capacities[static_cast<size_t>(tank)];
-  if (capacity == 0) return;
-  const double kg = staged.number / fullLevel * capacity * poundsPerGallon * kgPerPound;
-  SetSource(ContentsOf(tank), std::max(kg, 0.0));
+  SetSource(ContentsOf(tank), KgOf<tank>(staged.number));
 }
 
 bool ReadDensity(const OffsetRow&, double* value) {
@@ -122,7 +126,7 @@ constexpr OffsetRow Capacity(uint32_t offset, const char* name, const char* mean
           .meaning = meaning,
           .unit = "US gal",
           .cycle = Cycle::C313,
-          .read = ReadCapacity<tank>,
+          .prepared = &capacities[static_cast<size_t>(tank)],
           .prepare = TakeTankSizes,
           .readOnly = readOnly};
 }
@@ -135,8 +139,14 @@ constexpr OffsetRow Level(const char* name, const char* meaning) {
           .unit = "%",
           .unitScale = 100 / fullLevel,
           .cycle = Cycle::C59,
-          .read = ReadLevel<tank>,
-          .write = {.apply = ApplyLevel<tank>},
+          .variants = variantsOf<[] {
+            return std::array{Variant{.addOn = AddOn::X737,
+                                      .source = X737TankOf(tank).kg,
+                                      .convert = LevelOf<tank>,
+                                      .target = X737TankOf(tank).kg,
+                                      .targetConvert = KgOf<tank>},
+                              Variant{.read = ReadLevel<tank>, .apply = ApplyLevel<tank>}};
+          }>,
           .lossy = "reads back 0.017 % higher; an aircraft without this tank ignores it",
           .note = "8388608 full; a full small tank may read slightly above"};
 }

@@ -1,4 +1,5 @@
 // Ice protection and wipers.
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 
 namespace {

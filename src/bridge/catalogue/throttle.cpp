@@ -1,6 +1,7 @@
 // Throttle, mixture, magnetos and starters of the four engines.
 #include <algorithm>
 
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 #include "bridge/catalogue/throttle_actions.h"
 
@@ -17,7 +18,9 @@ constexpr double cutoffFull = 16383;  // of the fuel levers of engines 1 and 2
 bool starterHeld[engineCount];
 
 int EngineOf(const OffsetRow& row) { return row.member - 1; }
-Source LeverOf(int engine) { return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine); }
+constexpr Source LeverOf(int engine) {
+  return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine);
+}
 // What the engine gets; the simulator takes it instead of the lever while the override is on.
 Source UsedThrottleOf(int engine) { return FloatElement<"sim/flightmodel/engine/ENGN_thro_use">(engine); }
 
@@ -48,24 +51,29 @@ void SetPropMode(int engine, bool reverse) {
   if (isReverse != reverse) SetSource(mode, reverse ? reverseMode : normalMode);
 }
 
-// The IXEG 737 has inputs of its own for its two levers; returns 0 when they are not there.
-bool SetIxegLever(int engine, double signedRatio) {
-  if (!IsLoaded(AddOn::Ixeg733) || engine > 1) return false;
-  const Source input =
-      engine == 0 ? Fitting<"ixeg/733/hardware/tavrix_thro1"> : Fitting<"ixeg/733/hardware/tavrix_thro2">;
-  if (HandleOf(input) == nullptr) return false;
-  ixegThrottleTaken = true;
-  SetSource(input, signedRatio);
-  return true;
+void SetLever(const OffsetRow& row, double signedRatio) {
+  SetSource(LeverOf(EngineOf(row)), std::abs(signedRatio));
 }
 
+// The IXEG 737 has inputs of its own for its two levers. When they are not there its levers are the
+// simulator's.
+void SetLeverIxeg(const OffsetRow& row, double signedRatio) {
+  const Source& input = ActiveVariant(row).target;
+  if (HandleOf(input) == nullptr) {
+    SetLever(row, signedRatio);
+    return;
+  }
+  ixegThrottleTaken = true;
+  SetSource(input, signedRatio);
+}
+
+template <void (*setLever)(const OffsetRow& row, double signedRatio)>
 void ApplyThrottle(const OffsetRow& row, const Staged& staged) {
   const int engine = EngineOf(row);
   const double signedRatio = SignedRatio(staged.number);
-  const double ratio = std::abs(signedRatio);
   SetPropMode(engine, signedRatio < 0);
-  if (!SetIxegLever(engine, signedRatio)) SetSource(LeverOf(engine), ratio);
-  if (IsOn(throttleOverride)) SetSource(UsedThrottleOf(engine), ratio);
+  setLever(row, signedRatio);
+  if (IsOn(throttleOverride)) SetSource(UsedThrottleOf(engine), std::abs(signedRatio));
 }
 
 // Past the axis cut-off: straight to the place that counts at the moment.
@@ -85,10 +93,23 @@ constexpr Family throttle = {
      .cycle = Cycle::C1,
      .prepared = throttleWords,
      .prepare = TakeThrottles,
-     .write = {.apply = ApplyThrottle},
      .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
      .note = "16384 full forward, -4096 full reverse"},
-    {0x088C, 0x0924, 0x09BC, 0x0A54}};
+    {0x088C, 0x0924, 0x09BC, 0x0A54},
+    {variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                 .target = Fitting<"ixeg/733/hardware/tavrix_thro1">,
+                                 .apply = ApplyThrottle<SetLeverIxeg>},
+                         Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
+     }>,
+     variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                 .target = Fitting<"ixeg/733/hardware/tavrix_thro2">,
+                                 .apply = ApplyThrottle<SetLeverIxeg>},
+                         Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
+     }>,
+     variantsOf<[] { return std::array{Variant{.target = LeverOf(2), .apply = ApplyThrottle<SetLever>}}; }>,
+     variantsOf<[] { return std::array{Variant{.target = LeverOf(3), .apply = ApplyThrottle<SetLever>}}; }>}};
 constexpr Family leverInput = {{.type = Stored::S16,
                                 .name = "throttle_input",
                                 .meaning = "throttle lever input",
@@ -119,37 +140,8 @@ constexpr Family directThrust = {
 
 // --- Mixture and fuel valves --------------------------------------------------------------------------
 
-Source X737LeverOf(int engine) {
-  return engine == 0 ? Float<"x737/cockpit/tq/leftCutoffLeverPos">
-                     : Float<"x737/cockpit/tq/rightCutoffLeverPos">;
-}
-Source B738RatioOf(int engine) {
-  return engine == 0 ? Float<"laminar/B738/engine/mixture_ratio1">
-                     : Float<"laminar/B738/engine/mixture_ratio2">;
-}
-Source MixtureOf(const OffsetRow& row) {
-  return FloatElement<"sim/flightmodel/engine/ENGN_mixt">(EngineOf(row));
-}
-
-bool ReadCutoffLever(const OffsetRow& row, double* value) {
-  const int engine = EngineOf(row);
-  const Source lever = IsLoaded(AddOn::X737)           ? X737LeverOf(engine)
-                       : IsLoaded(AddOn::B738Extended) ? B738RatioOf(engine)
-                                                       : MixtureOf(row);
-  *value = ReadSource(lever) * cutoffFull;
-  return true;
-}
-
-void ApplyCutoffLever(const OffsetRow& row, const Staged& staged) {
-  const int engine = EngineOf(row);
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(X737LeverOf(engine), std::clamp(staged.number / 16384, 0.0, 1.0));
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    SetSource(B738RatioOf(engine), std::clamp(staged.number / cutoffFull, 0.0, 1.0));
-  } else {
-    SetSource(MixtureOf(row), std::clamp(staged.number / cutoffFull, 0.0, 1.0));
-  }
-}
+// The x737's levers go to 16384 when they are set.
+double CutoffOfX737(double word) { return word / 16384; }
 
 constexpr Family cutoffLever = {
     {.type = Stored::U16,
@@ -158,11 +150,33 @@ constexpr Family cutoffLever = {
      .unit = "%",
      .unitScale = 100 / cutoffFull,
      .cycle = Cycle::C7,
-     .read = ReadCutoffLever,
-     .write = {.apply = ApplyCutoffLever},
+     .factor = cutoffFull,
+     .write = {.factor = 1 / cutoffFull, .low = 0, .high = 1},
      .lossy = "above 16383 reads back 16383; the extended 737-800 knows only cut-off and idle",
      .note = "16383 full rich or open"},
-    {0x0890, 0x0928, 0, 0}};
+    {0x0890, 0x0928, 0, 0},
+    {variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                                 .target = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                                 .targetConvert = CutoffOfX737},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/engine/mixture_ratio1">,
+                                 .target = Float<"laminar/B738/engine/mixture_ratio1">},
+                         Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
+                                 .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0)}};
+     }>,
+     variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
+                                 .target = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
+                                 .targetConvert = CutoffOfX737},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/engine/mixture_ratio2">,
+                                 .target = Float<"laminar/B738/engine/mixture_ratio2">},
+                         Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1),
+                                 .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1)}};
+     }>}};
 constexpr Family mixture = {{.type = Stored::U16,
                              .name = "mixture",
                              .meaning = "mixture lever",
