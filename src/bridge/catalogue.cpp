@@ -24,8 +24,6 @@ constexpr std::array<const RowTable*, 25> tables = {
 constexpr Variant none = {};
 constexpr Source autopilotState = Int<"sim/cockpit/autopilot/autopilot_state">;
 
-bool IsSwitch(const Variant& variant) { return variant.lights[0].ref != nullptr || variant.stateBits != 0; }
-
 bool ReadSwitch(const OffsetRow& row, double* value) {
   *value = IsSwitchOn(ActiveVariant(row));
   return true;
@@ -144,9 +142,12 @@ double TargetNumber(const OffsetRow& row, double number) {
   return std::clamp(convert != nullptr ? convert(number) : number * write.factor, write.low, write.high);
 }
 
+bool IsSwitch(const Variant& variant) { return variant.lights[0].ref != nullptr || variant.stateBits != 0; }
+
 bool IsSwitchOn(const Variant& variant) {
   for (const Source& light : variant.lights) {
-    if (light.ref != nullptr && IsLit(light)) return true;
+    if (light.ref == nullptr) break;
+    if (IsLit(light)) return true;
   }
   return variant.stateBits != 0 && (ReadInt(autopilotState) & variant.stateBits) != 0;
 }

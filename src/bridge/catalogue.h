@@ -110,6 +110,9 @@ struct OffsetRow {
   ReadRowText readText = nullptr;  // Stored::Text
   // Instead of `source`: a number of the snapshot that `prepare` takes; converted like a source's.
   const double* prepared = nullptr;
+  // Datarefs that `read` or `prepare` looks at in every run: asked for in one go with those of the other rows.
+  // An array is asked for up to the element given.
+  std::span<const Source> inputs = {};
   Prepare prepare = nullptr;               // the snapshot that the row looks at
   std::span<const Variant> variants = {};  // how each aircraft shows and takes the value
 
@@ -156,6 +159,8 @@ ReadRow ActiveRead(const OffsetRow& row);
 Convert ActiveConvert(const OffsetRow& row);
 // What a client's number is for the row's target at the moment: converted and limited.
 double TargetNumber(const OffsetRow& row, double number);
+// Whether a variant shows a switch, by lights or by bits of the autopilot's state.
+bool IsSwitch(const Variant& variant);
 // Whether a switch's variant is on: one of its lights is lit, or one of its bits of the autopilot's state is
 // set.
 bool IsSwitchOn(const Variant& variant);

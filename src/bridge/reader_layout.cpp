@@ -130,6 +130,12 @@ bool IsFetched(const OffsetRow& row) {
   return ActiveRead(row) == nullptr && row.prepared == nullptr && HandleOf(ActiveSource(row)) != nullptr;
 }
 
+// The variant that shows a row's switch at the moment; null for other rows.
+const Variant* ShownSwitch(const OffsetRow& row) {
+  const Variant& variant = ActiveVariant(row);
+  return row.read == nullptr && variant.read == nullptr && IsSwitch(variant) ? &variant : nullptr;
+}
+
 bool IsDerived(const OffsetRow& row) { return ActiveRead(row) != nullptr || ActiveConvert(row) != nullptr; }
 
 // Each snapshot that a row of the cycle looks at, once.
@@ -169,6 +175,19 @@ bool IsShared(const Reader& reader, const Source& source) {
          source.element < source.ref->shared.count;
 }
 
+void AddFetch(Reader* reader, const Source& source) {
+  if (HandleOf(source) == nullptr || IsShared(*reader, source)) return;
+  if (source.accessor == Accessor::FloatArray) {
+    AddArray(reader, source);
+  } else if (source.accessor == Accessor::Float) {
+    AddOnce(&reader->floatRefs, source.ref);
+  } else if (source.accessor == Accessor::Int) {
+    AddOnce(&reader->intRefs, source.ref);
+  } else {
+    AddOnce(&reader->others, source);
+  }
+}
+
 // One call for all rows that read the same dataref, unless the first cycle makes it.
 void LayOutFetches(Reader* reader) {
   reader->arrays.clear();
@@ -176,18 +195,8 @@ void LayOutFetches(Reader* reader) {
   reader->intRefs.clear();
   reader->others.clear();
   for (const Laid& laid : reader->rows) {
-    if (!IsFetched(*laid.row)) continue;
-    const Source source = ActiveSource(*laid.row);
-    if (IsShared(*reader, source)) continue;
-    if (source.accessor == Accessor::FloatArray) {
-      AddArray(reader, source);
-    } else if (source.accessor == Accessor::Float) {
-      AddOnce(&reader->floatRefs, source.ref);
-    } else if (source.accessor == Accessor::Int) {
-      AddOnce(&reader->intRefs, source.ref);
-    } else {
-      AddOnce(&reader->others, source);
-    }
+    if (IsFetched(*laid.row)) AddFetch(reader, ActiveSource(*laid.row));
+    for (const Source& source : laid.row->inputs) AddFetch(reader, source);
   }
   reader->floatHandles = HandlesOf(reader->floatRefs);
   reader->intHandles = HandlesOf(reader->intRefs);
@@ -283,8 +292,8 @@ void LayOutDerivations(Reader* reader) {
   for (const Laid& laid : reader->rows) {
     const OffsetRow& row = *laid.row;
     if (!IsDerived(row)) continue;
-    reader->derivations.push_back({ActiveRead(row), ActiveConvert(row), InputOf(*reader, row), &row,
-                                   static_cast<uint32_t>(laid.group), 1U << laid.place});
+    reader->derivations.push_back({ShownSwitch(row), ActiveRead(row), ActiveConvert(row), InputOf(*reader, row),
+                                   &row, static_cast<uint32_t>(laid.group), 1U << laid.place});
     // A row's function has the last word: times 1 plus -0 leaves every number as it is, -0 too.
     reader->items[laid.item] = {1, -0.0, number++};
   }

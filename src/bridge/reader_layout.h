@@ -16,9 +16,10 @@ struct ArrayFetch {
 
 // The number of a row that is more than a factor: its own reading, a conversion, or a number of a snapshot.
 struct Derivation {
-  ReadRow read;        // null: `convert`
-  Convert convert;     // null: as it is
-  const double* from;  // what is converted
+  const Variant* shown;  // a switch that shows so; null: `read`
+  ReadRow read;          // null: `convert`
+  Convert convert;       // null: as it is
+  const double* from;    // what is converted
   const OffsetRow* row;
   uint32_t group;
   uint32_t bit;  // of its place, in the group's `left`

@@ -35,6 +35,10 @@ void FetchNumbers(Reader& reader) {
 void Derive(Reader& reader) {
   double* number = reader.numbers.data() + reader.numbers.size() - reader.derivations.size();
   for (const Derivation& derivation : reader.derivations) {
+    if (derivation.shown != nullptr) {
+      *number++ = IsSwitchOn(*derivation.shown);
+      continue;
+    }
     if (derivation.read == nullptr) {
       *number++ = derivation.convert(*derivation.from);
       continue;

@@ -8,7 +8,7 @@
 constinit DataRef* firstDataRef = nullptr;
 constinit Command* firstCommand = nullptr;
 uint32_t keptFrame;
-uint32_t sharedFrame;
+uint32_t sharedFrame = ~0U;  // none: no reads are kept in a frame of this number
 
 namespace {
 
@@ -28,16 +28,16 @@ KeepReads::KeepReads(bool newLook) {
 void Keep(DataRef& ref, Accessor accessor) {
   ref.frame = keptFrame;
   ref.keptAs = accessor;
-  if (ref.handle != nullptr && accessor == Accessor::FloatArray) {
-    float elements[keptElements] = {};  // what lies beyond the array's end stays 0
-    XPLMGetDatavf(ref.handle, elements, 0, keptElements);
+  // What lies beyond an array's end stays 0.
+  if (accessor == Accessor::FloatArray) {
+    float elements[keptElements] = {};
+    if (ref.handle != nullptr) XPLMGetDatavf(ref.handle, elements, 0, keptElements);
     std::copy(std::begin(elements), std::end(elements), ref.kept);
-  } else if (ref.handle != nullptr && accessor == Accessor::IntArray) {
+  } else if (accessor == Accessor::IntArray) {
     int elements[keptElements] = {};
-    XPLMGetDatavi(ref.handle, elements, 0, keptElements);
+    if (ref.handle != nullptr) XPLMGetDatavi(ref.handle, elements, 0, keptElements);
     std::copy(std::begin(elements), std::end(elements), ref.kept);
   } else {
-    std::fill(std::begin(ref.kept), std::end(ref.kept), 0);
     ref.kept[0] = ReadNumber(ref.handle, accessor, 0);
   }
 }

@@ -88,6 +88,10 @@ constexpr Source FloatElement(int element) {
   return {&dataRefOf<name>, Accessor::FloatArray, element};
 }
 
+// Several, for a row's `inputs`.
+template <Source... sources>
+constexpr Source sourcesOf[] = {sources...};
+
 inline XPLMDataRef HandleOf(const Source& source) {
   return source.ref == nullptr ? nullptr : source.ref->handle;
 }
@@ -104,11 +108,11 @@ void Keep(DataRef& ref, Accessor accessor);
 inline double ReadSource(const Source& source) {
   if (source.ref == nullptr) return 0;
   DataRef& ref = *source.ref;
-  if (keptFrame == 0 || source.element >= keptElements || source.accessor == Accessor::Any) {
-    return ReadNumber(ref.handle, source.accessor, source.element);
-  }
   if (sharedFrame == keptFrame && ref.shared.accessor == source.accessor && source.element < ref.shared.count) {
     return ref.shared.answer[source.element];
+  }
+  if (keptFrame == 0 || source.element >= keptElements || source.accessor == Accessor::Any) {
+    return ReadNumber(ref.handle, source.accessor, source.element);
   }
   if (ref.frame != keptFrame || ref.keptAs != source.accessor) Keep(ref, source.accessor);
   return ref.kept[source.element];

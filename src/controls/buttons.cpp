@@ -40,6 +40,10 @@ std::atomic<uint32_t> buttonRun;
 int rawStates[maxButtons];    // as the simulator gave them last
 bool heldStates[maxButtons];  // whose changes have been queued
 int lastPressed = -1;
+bool anyAssigned;  // a button writes an offset
+int askedFrames;   // so many frames more the last pressed button may be asked for
+bool isPaused;     // nobody has looked at the buttons for a while
+constexpr int framesPerAsking = 120;
 
 // Puts a change at the queue's end; the button lock is held. Returns false when it is full: the change is found
 // again in the next frame.
@@ -154,6 +158,8 @@ bool CreateButtons() {
   std::fill_n(heldStates, maxButtons, false);
   std::fill_n(assignments, maxButtons, noAssignment);
   lastPressed = -1;
+  askedFrames = 0;
+  isPaused = false;
   queueHead = queueLength = 0;
   status[0] = '\0';
   return true;
@@ -185,8 +191,16 @@ void StopButtonThread() {
 void LoadButtonAssignments() {
   static ButtonAssignment loaded[maxButtons];
   ReadButtonSettings(loaded);
+  anyAssigned = std::any_of(std::begin(loaded), std::end(loaded),
+                            [](const ButtonAssignment& assignment) { return assignment.offset > 0; });
   const LockScope lock(&buttonLock);
   std::copy_n(loaded, maxButtons, assignments);
+}
+
+bool WantsButtons() {
+  if (askedFrames > 0) --askedFrames;
+  isPaused = isPaused || (!anyAssigned && askedFrames == 0);
+  return anyAssigned || askedFrames > 0;
 }
 
 bool SaveButtonAssignment(int button, const ButtonAssignment& assignment) {
@@ -206,6 +220,13 @@ ButtonAssignment AssignmentOfButton(int button) {
 
 void WatchButtons(const int* states, int count) {
   count = std::clamp(count, 0, maxButtons);
+  if (isPaused) {
+    // What has been pressed meanwhile was nobody's business: only changes from here on count.
+    isPaused = false;
+    std::fill(std::copy_n(states, count, rawStates), rawStates + maxButtons, 0);
+    std::transform(rawStates, rawStates + maxButtons, heldStates, [](int state) { return state != 0; });
+    return;
+  }
   // Nearly always nothing has changed since the last frame.
   if (std::equal(states, states + count, rawStates) &&
       std::all_of(rawStates + count, rawStates + maxButtons, [](int state) { return state == 0; })) {
@@ -231,7 +252,10 @@ void WatchButtons(const int* states, int count) {
   if (changed) SignalEvent(&wakeEvent);
 }
 
-int LastPressedButton() { return lastPressed; }
+int LastPressedButton() {
+  askedFrames = framesPerAsking;
+  return lastPressed;
+}
 
 std::string ButtonStatus() {
   const LockScope lock(&buttonLock);

@@ -45,10 +45,14 @@ bool SaveButtonAssignment(int button, const ButtonAssignment& assignment);
 bool ClearButtonAssignment(int button);
 // What is in force for a button; noAssignment for a number that is none.
 ButtonAssignment AssignmentOfButton(int button);
+// Whether anybody wants to know the buttons in this frame: one is assigned, or the last pressed one has been
+// asked for lately. Every frame; while it says no the simulator need not be asked for them.
+bool WantsButtons();
 // Takes the states of the first `count` buttons (not 0: held down; the others count as released), queues
 // what has changed since the last call and wakes the thread. Every frame.
 void WatchButtons(const int* states, int count);
-// The button that was pressed last, -1 for none since enable.
+// The button that was pressed last, -1 for none since enable. Asking for it keeps the buttons watched for the
+// next two seconds or so; a press before that may have gone unseen while no button was assigned.
 int LastPressedButton();
 
 // "" or, when waiting for changes has failed since enable, what the thread says about it. Any thread.

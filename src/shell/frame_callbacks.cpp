@@ -142,6 +142,7 @@ float RefreshCycle313(float, float, int frame, void*) {
 }
 
 float ButtonCycle(float, float, int, void*) {
+  if (!WantsButtons()) return -1;
   const XPLMDataRef buttons = HandleOf(IntElement<"sim/joystick/joystick_button_values">(0));
   // Older simulators have fewer buttons than the newest.
   WatchButtons(buttonStates, buttons == nullptr ? 0 : XPLMGetDatavi(buttons, buttonStates, 0, maxButtons));

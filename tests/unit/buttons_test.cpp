@@ -190,4 +190,27 @@ TEST_F(Buttons, StandInPressesAButtonThread) {
   EXPECT_EQ(LastPressedButton(), 12);
 }
 
+// The simulator is not asked for buttons that nobody wants; a window that asks for the last one sees what is
+// pressed from then on.
+TEST_F(Buttons, AreWatchedWhenAssignedOrAskedFor) {
+  const auto press = [](int button) {
+    sim::SimCommand("set sim/joystick/joystick_button_values[" + std::to_string(button) + "] 1");
+    ButtonCycle(0, 0, 0, nullptr);
+  };
+  Settings("");
+  EXPECT_FALSE(WantsButtons());
+  press(5);
+  EXPECT_EQ(LastPressedButton(), -1);
+  ButtonCycle(0, 0, 0, nullptr);
+  EXPECT_EQ(LastPressedButton(), -1) << "was held before";
+  press(6);
+  EXPECT_EQ(LastPressedButton(), 6);
+  int frames = 0;
+  while (WantsButtons() && frames < 1000) ++frames;
+  EXPECT_GT(frames, 30);
+  EXPECT_LT(frames, 1000) << "asked for once only";
+  Settings("[JOYSTICK BUTTON SETTINGS]\n12 = 66F0,2,4660,0,0,0,0,0,0,0,0,0\n");
+  EXPECT_TRUE(WantsButtons());
+}
+
 }  // namespace

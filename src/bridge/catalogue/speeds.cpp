@@ -63,6 +63,7 @@ constexpr OffsetRow rows[] = {
      .unitScale = 1.0 / 256,
      .cycle = Cycle::C1,
      .read = ReadTouchdown,
+     .inputs = sourcesOf<onGround, verticalSpeed>,
      .readOnly = true},
     {.offset = 0x31A0,
      .type = Stored::F64,

@@ -92,6 +92,8 @@ constexpr Family throttle = {
      .unitScale = 100 / forwardFull,
      .cycle = Cycle::C1,
      .prepared = throttleWords,
+     .inputs = sourcesOf<FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(3), reverserWord,
+                         throttleOverride>,
      .prepare = TakeThrottles,
      .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
      .note = "16384 full forward, -4096 full reverse"},
@@ -110,15 +112,18 @@ constexpr Family throttle = {
      }>,
      variantsOf<[] { return std::array{Variant{.target = LeverOf(2), .apply = ApplyThrottle<SetLever>}}; }>,
      variantsOf<[] { return std::array{Variant{.target = LeverOf(3), .apply = ApplyThrottle<SetLever>}}; }>}};
-constexpr Family leverInput = {{.type = Stored::S16,
-                                .name = "throttle_input",
-                                .meaning = "throttle lever input",
-                                .unit = "%",
-                                .unitScale = 100 / forwardFull,
-                                .cycle = Cycle::C1,
-                                .prepared = throttleWords,
-                                .prepare = TakeThrottles},
-                               {0, 0, 0x3334, 0x3336}};
+constexpr Family leverInput = {
+    {.type = Stored::S16,
+     .name = "throttle_input",
+     .meaning = "throttle lever input",
+     .unit = "%",
+     .unitScale = 100 / forwardFull,
+     .cycle = Cycle::C1,
+     .prepared = throttleWords,
+     .inputs = sourcesOf<FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(3), reverserWord,
+                         throttleOverride>,
+     .prepare = TakeThrottles},
+    {0, 0, 0x3334, 0x3336}};
 constexpr Family directThrottle = {
     {.type = Stored::S16,
      .name = "throttle_direct",

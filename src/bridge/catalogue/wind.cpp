@@ -188,6 +188,7 @@ constexpr OffsetRow nearRows[] = {
      .unitScale = 1 / angle16,
      .cycle = Cycle::C1,
      .read = ReadLocalDirection,
+     .inputs = sourcesOf<Float<"sim/weather/wind_altitude_msl_m[0]">, magneticVariation>,
      .note = "magnetic inside the surface layer, true above it"},
 
     surfaceSpeed,
