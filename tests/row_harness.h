@@ -14,7 +14,6 @@
 #include "base/locks.h"
 #include "bridge/catalogue.h"
 #include "bridge/cycles.h"
-#include "bridge/reader_groups.h"
 #include "bridge/registry.h"
 #include "bridge/slew.h"
 #include "core/sim.h"
@@ -60,7 +59,6 @@ inline void Start(const char* aircraft = "jet", std::initializer_list<const char
   InitMemoryBlocks();
   LookUp();
   RecogniseAircraft();
-  BindReaders();
   AbortPushback();
   ClearSlew();
   sim::SimCommand("calls");

@@ -7,6 +7,7 @@
 #include "base/log.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/identity.h"
+#include "bridge/reader_groups.h"
 #include "bridge/registry.h"
 
 namespace {
@@ -56,12 +57,22 @@ constexpr Names ec135 = {AddOn::Ec135, "rotorsim.ec135.management", "", ""};
 [[maybe_unused]] constexpr const Command* unreadCommands[] = {&commandOf<"PilotEdge/Connect">,
                                                               &commandOf<"PilotEdge/Disconnect">};
 
+bool handlesChanged;  // since the readers took them last
+
 bool& LoadedOf(const Names& names) { return loadedAddOns[static_cast<size_t>(names.addOn)]; }
 
 void Drop(const Names& names) {
   if (names.dataRefs[0] != 0) DropNamesOf(names.dataRefs);
   if (names.commands[0] != 0) DropNamesOf(names.commands);
   LoadedOf(names) = false;
+  handlesChanged = true;
+}
+
+// Rows follow what has come or gone.
+void BindChangedReaders() {
+  if (!handlesChanged) return;
+  handlesChanged = false;
+  BindReaders();
 }
 
 // Follows a plug-in: true when it has appeared (or has been reloaded) since the last call; its names are
@@ -71,6 +82,7 @@ bool HasAppeared(const Names& names, XPLMPluginID* plugin) {
   if (found == *plugin && LoadedOf(names) == (found != noPlugin)) return false;
   if (LoadedOf(names)) Drop(names);
   *plugin = found;
+  handlesChanged = true;
   return LoadedOf(names) = found != noPlugin;
 }
 
@@ -78,6 +90,7 @@ bool HasAppeared(const Names& names, XPLMPluginID* plugin) {
 bool HasAppeared(const Names& names, bool present) {
   if (present == LoadedOf(names)) return false;
   if (LoadedOf(names)) Drop(names);
+  handlesChanged = true;
   return LoadedOf(names) = present;
 }
 
@@ -211,6 +224,7 @@ void RecogniseXSquawkBox() {
 
 void RecogniseAircraft() {
   Recognise();
+  BindChangedReaders();
   TellAircraft();
 }
 
@@ -218,6 +232,7 @@ void RunEc135Adapter() {
   // No name of its own is known either: its offsets stay on the stock datarefs.
   if (!HasAppeared(ec135, &plugins.ec135)) return;
   LogOwn("TAVRIX->EC135 found pluginID=%i, stock datarefs stay in use\n", plugins.ec135);
+  BindChangedReaders();
 }
 
 void DetectLoadedAircraft() {
@@ -225,6 +240,7 @@ void DetectLoadedAircraft() {
   StoreAircraftTitle();
   Recognise();
   RunEc135Adapter();
+  BindChangedReaders();
   TellAircraft();
 }
 

@@ -5,7 +5,6 @@
 #include "aircraft/adapters.h"
 #include "base/log.h"
 #include "bridge/cycles.h"
-#include "bridge/reader_groups.h"
 #include "bridge/slew.h"
 #include "bridge/stations.h"
 #include "bridge/weather_area.h"
@@ -31,13 +30,6 @@ int lookedAt;  // the host's number of the frame in which the first cycle ran la
 
 // Whether what the first cycle has read is of this very frame. A host that does not count says no.
 bool IsLookedAt(int frame) { return frame != 0 && frame == lookedAt; }
-
-// Runs a recognition; when an adapter was loaded or has gone, the readers take their handles anew.
-void WatchAdapters(void (*recognise)()) {
-  const AddOnSet before = loadedAddOns;
-  recognise();
-  if (before != loadedAddOns) BindReaders();
-}
 
 // All cycles but the first, the slowest ones first: others look at what they store. The user's own offsets stay
 // on top of the rows at the same places.
@@ -137,7 +129,7 @@ float RefreshCycle157(float, float, int frame, void*) {
 float RefreshCycle313(float, float, int frame, void*) {
   RunReaders(Cycle::C313, IsLookedAt(frame));
   RefreshCustomOffsets(8);
-  WatchAdapters(RecogniseAircraft);
+  RecogniseAircraft();
   return -313;
 }
 

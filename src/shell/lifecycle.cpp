@@ -301,7 +301,6 @@ void ReceivePluginMessage(int from, int message, void* parameter) {
       if (reinterpret_cast<intptr_t>(parameter) != 0 || clientModeAtEnable) break;
       if (TrafficRuns()) LoadAircraftList();
       DetectLoadedAircraft();
-      BindReaders();
       RefreshForNewAircraft();
       break;
     case XPLM_MSG_PLANE_CRASHED:
