@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "bridge/catalogue/throttle_actions.h"
+#include "bridge/reader_groups.h"
 #include "row_harness.h"
 
 namespace {

@@ -175,66 +175,76 @@ void ApplyOverrides(const OffsetRow&, const Staged& staged) {
 
 // --- Rows -----------------------------------------------------------------------------------------
 
-// A control surface or lever that follows one dataref in steps of full travel.
-constexpr OffsetRow Travel(uint32_t offset, Stored type, const char* name, const char* meaning, Cycle cycle,
-                           Source source, double steps = full) {
-  return {.offset = offset,
-          .type = type,
-          .name = name,
-          .meaning = meaning,
-          .unit = "%",
-          .unitScale = 100 / full,
-          .cycle = cycle,
-          .source = source,
-          .factor = steps};
-}
-
-// The same when clients move it.
-constexpr OffsetRow Axis(uint32_t offset, Source source, const char* name, const char* meaning, Cycle cycle) {
-  OffsetRow row = Travel(offset, Stored::S16, name, meaning, cycle, source);
-  row.write = {.target = source, .factor = 1 / full};
+// A control surface or lever in steps of full travel, by the row's own factor.
+constexpr OffsetRow Position(OffsetRow row) {
+  row.unit = "%";
+  row.unitScale = 100 / full;
   return row;
 }
 
+// The same of a dataref that is a share of full travel.
+constexpr OffsetRow Travel(OffsetRow row) {
+  row.factor = full;
+  return Position(row);
+}
+
+// The same when clients move it.
+constexpr OffsetRow Axis(OffsetRow row) {
+  row.type = Stored::S16;
+  row.write = {.target = row.source, .factor = 1 / full};
+  return Travel(row);
+}
+
 // Trim as an angle.
-constexpr OffsetRow TrimAngle(uint32_t offset, Source source, const char* name, const char* meaning) {
-  return {.offset = offset,
-          .type = Stored::F64,
-          .name = name,
-          .meaning = meaning,
-          .unit = "deg",
-          .unitScale = 180 / std::numbers::pi,
-          .cycle = Cycle::C13,
-          .source = source,
-          .factor = tenDegrees,
-          .write = {.target = source, .factor = 1 / tenDegrees, .low = -1, .high = 1},
-          .lossy = "held in single precision, and limited to 10 degrees either way"};
+constexpr OffsetRow TrimAngle(OffsetRow row) {
+  row.type = Stored::F64;
+  row.unit = "deg";
+  row.unitScale = 180 / std::numbers::pi;
+  row.cycle = Cycle::C13;
+  row.factor = tenDegrees;
+  row.write = {.target = row.source, .factor = 1 / tenDegrees, .low = -1, .high = 1};
+  row.lossy = "held in single precision, and limited to 10 degrees either way";
+  return row;
 }
 
 // One flap panel, degrees x 256.
-constexpr OffsetRow FlapAngle(uint32_t offset, Source source, const char* name, const char* meaning) {
-  return {.offset = offset,
-          .type = Stored::S16,
-          .name = name,
-          .meaning = meaning,
-          .unit = "deg",
-          .unitScale = 1.0 / 256,
-          .cycle = Cycle::C7,
-          .source = source,
-          .factor = 256};
+constexpr OffsetRow FlapAngle(OffsetRow row) {
+  row.type = Stored::S16;
+  row.unit = "deg";
+  row.unitScale = 1.0 / 256;
+  row.cycle = Cycle::C7;
+  row.factor = 256;
+  return row;
 }
 
 constexpr Source slats = Float<"sim/flightmodel2/controls/slat1_deploy_ratio">;
 
 constexpr OffsetRow rows[] = {
-    Axis(0x0BB2, Float<"sim/joystick/yolk_pitch_ratio">, "elevator", "elevator input, positive pulled",
-         Cycle::C1),
-    Travel(0x584A, Stored::S16, "elevator_copy", "elevator input, second copy", Cycle::C1,
-           Float<"sim/joystick/yolk_pitch_ratio">),
-    Travel(0x0BB4, Stored::S16, "elevator_position", "elevator position", Cycle::C1,
-           Float<"sim/flightmodel/controls/hstab1_elv1def">, -(16363.0 / 15)),
-    Travel(0x0BB8, Stored::S16, "aileron_position", "aileron position", Cycle::C1,
-           Float<"sim/flightmodel/controls/lail1def">, -(full / 30)),
+    Axis({.offset = 0x0BB2,
+          .name = "elevator",
+          .meaning = "elevator input, positive pulled",
+          .cycle = Cycle::C1,
+          .source = Float<"sim/joystick/yolk_pitch_ratio">}),
+    Travel({.offset = 0x584A,
+            .type = Stored::S16,
+            .name = "elevator_copy",
+            .meaning = "elevator input, second copy",
+            .cycle = Cycle::C1,
+            .source = Float<"sim/joystick/yolk_pitch_ratio">}),
+    Position({.offset = 0x0BB4,
+              .type = Stored::S16,
+              .name = "elevator_position",
+              .meaning = "elevator position",
+              .cycle = Cycle::C1,
+              .source = Float<"sim/flightmodel/controls/hstab1_elv1def">,
+              .factor = -(16363.0 / 15)}),
+    Position({.offset = 0x0BB8,
+              .type = Stored::S16,
+              .name = "aileron_position",
+              .meaning = "aileron position",
+              .cycle = Cycle::C1,
+              .source = Float<"sim/flightmodel/controls/lail1def">,
+              .factor = -(full / 30)}),
     {.offset = 0x2EA8,
      .type = Stored::F64,
      .name = "aileron_deflection",
@@ -244,9 +254,18 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C1,
      .source = Float<"sim/flightmodel/controls/lail1def">,
      .factor = -tenDegrees},
-    Axis(0x0BBA, Float<"sim/joystick/yolk_heading_ratio">, "rudder", "rudder input, positive right", Cycle::C1),
-    Travel(0x0BBC, Stored::S16, "rudder_position", "rudder position", Cycle::C1,
-           Float<"sim/flightmodel/controls/ldruddef">, full / 30),
+    Axis({.offset = 0x0BBA,
+          .name = "rudder",
+          .meaning = "rudder input, positive right",
+          .cycle = Cycle::C1,
+          .source = Float<"sim/joystick/yolk_heading_ratio">}),
+    Position({.offset = 0x0BBC,
+              .type = Stored::S16,
+              .name = "rudder_position",
+              .meaning = "rudder position",
+              .cycle = Cycle::C1,
+              .source = Float<"sim/flightmodel/controls/ldruddef">,
+              .factor = full / 30}),
     {.offset = 0x2EB8,
      .type = Stored::F64,
      .name = "rudder_deflection",
@@ -266,9 +285,17 @@ constexpr OffsetRow rows[] = {
      .source = FloatElement<"sim/flightmodel/engine/POINT_pitch_deg">(0),
      .factor = 65536.0 / 30,
      .write = {.target = FloatElement<"sim/flightmodel/engine/POINT_pitch_deg">(0), .factor = 30.0 / 65536}},
-    Axis(0x0BB6, Float<"sim/joystick/yoke_roll_ratio">, "aileron", "aileron input, positive right", Cycle::C3),
-    Travel(0x584C, Stored::S16, "aileron_copy", "aileron input, second copy", Cycle::C3,
-           Float<"sim/joystick/yoke_roll_ratio">),
+    Axis({.offset = 0x0BB6,
+          .name = "aileron",
+          .meaning = "aileron input, positive right",
+          .cycle = Cycle::C3,
+          .source = Float<"sim/joystick/yoke_roll_ratio">}),
+    Travel({.offset = 0x584C,
+            .type = Stored::S16,
+            .name = "aileron_copy",
+            .meaning = "aileron input, second copy",
+            .cycle = Cycle::C3,
+            .source = Float<"sim/joystick/yoke_roll_ratio">}),
     {.offset = 0x0BC0,
      .type = Stored::S16,
      .name = "elevator_trim",
@@ -305,16 +332,28 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C3,
      .source = Float<"sim/flightmodel/controls/elv_trim">,
      .factor = tenDegrees},
-    Axis(0x0C02, Float<"sim/cockpit2/controls/aileron_trim">, "aileron_trim", "aileron trim, positive right",
-         Cycle::C3),
-    Axis(0x0C04, Float<"sim/cockpit2/controls/rudder_trim">, "rudder_trim", "rudder trim, positive right",
-         Cycle::C3),
-    TrimAngle(0x2EA0, Float<"sim/flightmodel/controls/elv_trim">, "elevator_trim_angle",
-              "elevator trim, radians, positive nose up"),
-    TrimAngle(0x2EB0, Float<"sim/flightmodel/controls/ail_trim">, "aileron_trim_angle",
-              "aileron trim, radians, positive right"),
-    TrimAngle(0x2EC0, Float<"sim/flightmodel/controls/rud_trim">, "rudder_trim_angle",
-              "rudder trim, radians, positive right"),
+    Axis({.offset = 0x0C02,
+          .name = "aileron_trim",
+          .meaning = "aileron trim, positive right",
+          .cycle = Cycle::C3,
+          .source = Float<"sim/cockpit2/controls/aileron_trim">}),
+    Axis({.offset = 0x0C04,
+          .name = "rudder_trim",
+          .meaning = "rudder trim, positive right",
+          .cycle = Cycle::C3,
+          .source = Float<"sim/cockpit2/controls/rudder_trim">}),
+    TrimAngle({.offset = 0x2EA0,
+               .name = "elevator_trim_angle",
+               .meaning = "elevator trim, radians, positive nose up",
+               .source = Float<"sim/flightmodel/controls/elv_trim">}),
+    TrimAngle({.offset = 0x2EB0,
+               .name = "aileron_trim_angle",
+               .meaning = "aileron trim, radians, positive right",
+               .source = Float<"sim/flightmodel/controls/ail_trim">}),
+    TrimAngle({.offset = 0x2EC0,
+               .name = "rudder_trim_angle",
+               .meaning = "rudder trim, radians, positive right",
+               .source = Float<"sim/flightmodel/controls/rud_trim">}),
 
     {.offset = 0x0BC4,
      .type = Stored::S16,
@@ -439,10 +478,18 @@ constexpr OffsetRow rows[] = {
                                  .targetConvert = RequestOf}};
      }>,
      .lossy = "everything below 4800 puts the lever down; between armed and full it reads up to 820 higher"},
-    Travel(0x0BD4, Stored::U32, "left_spoiler", "left spoiler position", Cycle::C13,
-           Float<"sim/flightmodel/controls/sbrkrat">),
-    Travel(0x0BD8, Stored::U32, "right_spoiler", "right spoiler position", Cycle::C13,
-           Float<"sim/flightmodel/controls/sbrkrat">),
+    Travel({.offset = 0x0BD4,
+            .type = Stored::U32,
+            .name = "left_spoiler",
+            .meaning = "left spoiler position",
+            .cycle = Cycle::C13,
+            .source = Float<"sim/flightmodel/controls/sbrkrat">}),
+    Travel({.offset = 0x0BD8,
+            .type = Stored::U32,
+            .name = "right_spoiler",
+            .meaning = "right spoiler position",
+            .cycle = Cycle::C13,
+            .source = Float<"sim/flightmodel/controls/sbrkrat">}),
 
     {.offset = 0x0BDC,
      .type = Stored::U32,
@@ -459,22 +506,58 @@ constexpr OffsetRow rows[] = {
      }>,
      .write = {.factor = 1 / full, .high = 1},
      .lossy = "above 16383 counts as 16383; the extended 737-800 goes to the nearest of its nine detents"},
-    Travel(0x0BE0, Stored::U32, "left_flap_position", "left flap position", Cycle::C3,
-           Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">),
-    Travel(0x0BE4, Stored::U32, "right_flap_position", "right flap position", Cycle::C3,
-           Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">),
-    Travel(0x30E8, Stored::S16, "slat_left_inboard", "leading edge, left inboard", Cycle::C7, slats),
-    Travel(0x30EA, Stored::S16, "slat_left_outboard", "leading edge, left outboard", Cycle::C7, slats),
-    Travel(0x30EC, Stored::S16, "slat_right_inboard", "leading edge, right inboard", Cycle::C7, slats),
-    Travel(0x30EE, Stored::S16, "slat_right_outboard", "leading edge, right outboard", Cycle::C7, slats),
-    FlapAngle(0x30F0, Float<"sim/flightmodel/controls/wing1l_fla1def">, "flap_left_inboard",
-              "trailing edge, left inboard"),
-    FlapAngle(0x30F2, Float<"sim/flightmodel/controls/wing2l_fla1def">, "flap_left_outboard",
-              "trailing edge, left outboard"),
-    FlapAngle(0x30F4, Float<"sim/flightmodel/controls/wing1r_fla1def">, "flap_right_inboard",
-              "trailing edge, right inboard"),
-    FlapAngle(0x30F6, Float<"sim/flightmodel/controls/wing2r_fla1def">, "flap_right_outboard",
-              "trailing edge, right outboard"),
+    Travel({.offset = 0x0BE0,
+            .type = Stored::U32,
+            .name = "left_flap_position",
+            .meaning = "left flap position",
+            .cycle = Cycle::C3,
+            .source = Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">}),
+    Travel({.offset = 0x0BE4,
+            .type = Stored::U32,
+            .name = "right_flap_position",
+            .meaning = "right flap position",
+            .cycle = Cycle::C3,
+            .source = Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">}),
+    Travel({.offset = 0x30E8,
+            .type = Stored::S16,
+            .name = "slat_left_inboard",
+            .meaning = "leading edge, left inboard",
+            .cycle = Cycle::C7,
+            .source = slats}),
+    Travel({.offset = 0x30EA,
+            .type = Stored::S16,
+            .name = "slat_left_outboard",
+            .meaning = "leading edge, left outboard",
+            .cycle = Cycle::C7,
+            .source = slats}),
+    Travel({.offset = 0x30EC,
+            .type = Stored::S16,
+            .name = "slat_right_inboard",
+            .meaning = "leading edge, right inboard",
+            .cycle = Cycle::C7,
+            .source = slats}),
+    Travel({.offset = 0x30EE,
+            .type = Stored::S16,
+            .name = "slat_right_outboard",
+            .meaning = "leading edge, right outboard",
+            .cycle = Cycle::C7,
+            .source = slats}),
+    FlapAngle({.offset = 0x30F0,
+               .name = "flap_left_inboard",
+               .meaning = "trailing edge, left inboard",
+               .source = Float<"sim/flightmodel/controls/wing1l_fla1def">}),
+    FlapAngle({.offset = 0x30F2,
+               .name = "flap_left_outboard",
+               .meaning = "trailing edge, left outboard",
+               .source = Float<"sim/flightmodel/controls/wing2l_fla1def">}),
+    FlapAngle({.offset = 0x30F4,
+               .name = "flap_right_inboard",
+               .meaning = "trailing edge, right inboard",
+               .source = Float<"sim/flightmodel/controls/wing1r_fla1def">}),
+    FlapAngle({.offset = 0x30F6,
+               .name = "flap_right_outboard",
+               .meaning = "trailing edge, right outboard",
+               .source = Float<"sim/flightmodel/controls/wing2r_fla1def">}),
 
     {.offset = 0x0BE8,
      .type = Stored::U32,
@@ -492,12 +575,24 @@ constexpr OffsetRow rows[] = {
                          Variant{.source = gearHandle, .convert = GearWord, .apply = ApplyGear}};
      }>,
      .lossy = "a lever with two places: from 8192 on it is down"},
-    Travel(0x0BEC, Stored::U32, "nose_gear", "nose gear", Cycle::C3,
-           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(0)),
-    Travel(0x0BF0, Stored::U32, "right_gear", "right main gear", Cycle::C3,
-           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(2)),
-    Travel(0x0BF4, Stored::U32, "left_gear", "left main gear", Cycle::C3,
-           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(1)),
+    Travel({.offset = 0x0BEC,
+            .type = Stored::U32,
+            .name = "nose_gear",
+            .meaning = "nose gear",
+            .cycle = Cycle::C3,
+            .source = FloatElement<"sim/aircraft/parts/acf_gear_deploy">(0)}),
+    Travel({.offset = 0x0BF0,
+            .type = Stored::U32,
+            .name = "right_gear",
+            .meaning = "right main gear",
+            .cycle = Cycle::C3,
+            .source = FloatElement<"sim/aircraft/parts/acf_gear_deploy">(2)}),
+    Travel({.offset = 0x0BF4,
+            .type = Stored::U32,
+            .name = "left_gear",
+            .meaning = "left main gear",
+            .cycle = Cycle::C3,
+            .source = FloatElement<"sim/aircraft/parts/acf_gear_deploy">(1)}),
     {.offset = 0x6D8A,
      .type = Stored::S16,
      .name = "nose_wheel_angle",

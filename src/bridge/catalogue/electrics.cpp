@@ -30,32 +30,27 @@ void ApplyApu(const OffsetRow&, const Staged& staged) {
   SetSource(apuSwitch, !wanted ? off : IsOn(apuRunning) ? on : start);
 }
 
-constexpr OffsetRow Switch(uint32_t offset, Source source, Stored type, const char* name, const char* meaning,
-                           Cycle cycle) {
-  return {.offset = offset,
-          .type = type,
-          .name = name,
-          .meaning = meaning,
-          .show = Show::Flag,
-          .cycle = cycle,
-          .source = source,
-          .convert = OnOff,
-          .write = {.target = source, .convert = OnOff},
-          .lossy = flagLoss};
+// A switch that follows one dataref and sets it.
+constexpr OffsetRow Switch(OffsetRow row) {
+  row.show = Show::Flag;
+  row.convert = OnOff;
+  row.write = {.target = row.source, .convert = OnOff};
+  row.lossy = flagLoss;
+  return row;
 }
-constexpr OffsetRow EngineSwitch(uint32_t offset, ApplyWrite apply, const char* name, const char* meaning) {
-  return {.offset = offset,
-          .type = Stored::U8,
-          .name = name,
-          .meaning = meaning,
-          .show = Show::Flag,
-          .write = {.apply = apply},
-          .note = "keeps what a client wrote"};
+// A switch that serves all engines.
+constexpr OffsetRow EngineSwitch(OffsetRow row) {
+  row.type = Stored::U8;
+  row.show = Show::Flag;
+  row.note = "keeps what a client wrote";
+  return row;
 }
 
 constexpr OffsetRow rows[] = {
-    EngineSwitch(0x3101, ApplyToAllEngines<IntElement<"sim/cockpit/electrical/generator_on">(0)>, "generators",
-                 "generators of all engines"),
+    EngineSwitch({.offset = 0x3101,
+                  .name = "generators",
+                  .meaning = "generators of all engines",
+                  .write = {.apply = ApplyToAllEngines<IntElement<"sim/cockpit/electrical/generator_on">(0)>}}),
     {.offset = 0x3102,
      .type = Stored::U8,
      .name = "battery",
@@ -69,12 +64,22 @@ constexpr OffsetRow rows[] = {
      }>,
      .write = {.target = Int<"sim/cockpit/electrical/battery_on">, .convert = OnOff},
      .lossy = flagLoss},
-    Switch(0x3103, Int<"sim/cockpit/electrical/avionics_on">, Stored::U8, "avionics", "avionics master switch",
-           Cycle::C31Navigation),
-    EngineSwitch(0x3104, ApplyToAllEngines<IntElement<"sim/cockpit/engine/fuel_pump_on">(0)>, "fuel_pumps",
-                 "fuel pumps of all engines"),
-    Switch(0x0B51, Int<"sim/cockpit2/electrical/APU_generator_on">, Stored::U8, "apu_generator",
-           "APU generator switch", Cycle::C7),
+    Switch({.offset = 0x3103,
+            .type = Stored::U8,
+            .name = "avionics",
+            .meaning = "avionics master switch",
+            .cycle = Cycle::C31Navigation,
+            .source = Int<"sim/cockpit/electrical/avionics_on">}),
+    EngineSwitch({.offset = 0x3104,
+                  .name = "fuel_pumps",
+                  .meaning = "fuel pumps of all engines",
+                  .write = {.apply = ApplyToAllEngines<IntElement<"sim/cockpit/engine/fuel_pump_on">(0)>}}),
+    Switch({.offset = 0x0B51,
+            .type = Stored::U8,
+            .name = "apu_generator",
+            .meaning = "APU generator switch",
+            .cycle = Cycle::C7,
+            .source = Int<"sim/cockpit2/electrical/APU_generator_on">}),
     {.offset = 0x0B52,
      .type = Stored::U8,
      .name = "apu_generator_active",
@@ -115,7 +120,12 @@ constexpr OffsetRow rows[] = {
      .unit = "inHg",
      .cycle = Cycle::C157,
      .source = Float<"sim/cockpit/misc/vacuum">},
-    Switch(0x0B20, Int<"sim/operation/sound/sound_on">, Stored::U16, "sound", "sound on", Cycle::C7),
+    Switch({.offset = 0x0B20,
+            .type = Stored::U16,
+            .name = "sound",
+            .meaning = "sound on",
+            .cycle = Cycle::C7,
+            .source = Int<"sim/operation/sound/sound_on">}),
     {.offset = 0x0B24,
      .type = Stored::U16,
      .name = "sound_flag",
