@@ -285,13 +285,12 @@ constexpr Family vibration = {
               .note = "x737 only, else 0"},
     .offsets = {0x08D4, 0x096C, 0, 0},
     .variants = {variantsOf<[] {
-                   return std::array{
-                       Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_1">},
-                   };
+                   return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_1">}};
                  }>,
                  variantsOf<[] {
                    return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_2">}};
-                 }>}};
+                 }>},
+};
 
 // The one hydraulic system serves all engines. Its pressure is taken as a share of 3000 psi.
 constexpr OffsetRow hydraulicPressureShape = {
@@ -306,7 +305,6 @@ constexpr OffsetRow hydraulicPressureShape = {
     .note = "an aircraft that gives psi instead of a share of 3000 psi reads too high"};
 constexpr OffsetRow EveryFrame(OffsetRow shape) {
   shape.cycle = Cycle::C1;
-  shape.source = Float<"sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1">;
   return shape;
 }
 constexpr Family hydraulicPressure = {.shape = hydraulicPressureShape, .offsets = {0x08D8, 0x0970, 0, 0}};

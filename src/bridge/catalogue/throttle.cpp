@@ -98,25 +98,24 @@ constexpr Family throttle = {
               .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
               .note = "16384 full forward, -4096 full reverse"},
     .offsets = {0x088C, 0x0924, 0x09BC, 0x0A54},
-    .variants = {
-        variantsOf<[] {
-          return std::array{
-              Variant{.addOn = AddOn::Ixeg733,
-                      .target = Fitting<"ixeg/733/hardware/tavrix_thro1">,
-                      .apply = ApplyThrottle<SetLeverIxeg>},
-              Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>},
-          };
-        }>,
-        variantsOf<[] {
-          return std::array{Variant{.addOn = AddOn::Ixeg733,
-                                    .target = Fitting<"ixeg/733/hardware/tavrix_thro2">,
-                                    .apply = ApplyThrottle<SetLeverIxeg>},
-                            Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
-        }>,
-        variantsOf<[] { return std::array{Variant{.target = LeverOf(2), .apply = ApplyThrottle<SetLever>}}; }>,
-        variantsOf<[] {
-          return std::array{Variant{.target = LeverOf(3), .apply = ApplyThrottle<SetLever>}};
-        }>}};
+    .variants =
+        {variantsOf<[] {
+           return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                     .target = Fitting<"ixeg/733/hardware/tavrix_thro1">,
+                                     .apply = ApplyThrottle<SetLeverIxeg>},
+                             Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
+         }>,
+         variantsOf<[] {
+           return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                     .target = Fitting<"ixeg/733/hardware/tavrix_thro2">,
+                                     .apply = ApplyThrottle<SetLeverIxeg>},
+                             Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
+         }>,
+         variantsOf<[] { return std::array{Variant{.target = LeverOf(2), .apply = ApplyThrottle<SetLever>}}; }>,
+         variantsOf<[] {
+           return std::array{Variant{.target = LeverOf(3), .apply = ApplyThrottle<SetLever>}};
+         }>},
+};
 constexpr Family leverInput = {
     .shape = {.type = Stored::S16,
               .name = "throttle_input",
@@ -169,17 +168,15 @@ constexpr Family cutoffLever = {
               .note = "16383 full rich or open"},
     .offsets = {0x0890, 0x0928, 0, 0},
     .variants = {variantsOf<[] {
-                   return std::array{
-                       Variant{.addOn = AddOn::X737,
-                               .source = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
-                               .target = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
-                               .targetConvert = CutoffOfX737},
-                       Variant{.addOn = AddOn::B738Extended,
-                               .source = Float<"laminar/B738/engine/mixture_ratio1">,
-                               .target = Float<"laminar/B738/engine/mixture_ratio1">},
-                       Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
-                               .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0)},
-                   };
+                   return std::array{Variant{.addOn = AddOn::X737,
+                                             .source = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                                             .target = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                                             .targetConvert = CutoffOfX737},
+                                     Variant{.addOn = AddOn::B738Extended,
+                                             .source = Float<"laminar/B738/engine/mixture_ratio1">,
+                                             .target = Float<"laminar/B738/engine/mixture_ratio1">},
+                                     Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
+                                             .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0)}};
                  }>,
                  variantsOf<[] {
                    return std::array{Variant{.addOn = AddOn::X737,
@@ -191,7 +188,8 @@ constexpr Family cutoffLever = {
                                              .target = Float<"laminar/B738/engine/mixture_ratio2">},
                                      Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1),
                                              .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1)}};
-                 }>}};
+                 }>},
+};
 constexpr Family mixture = {
     .shape = {.type = Stored::U16,
               .name = "mixture",
