@@ -112,8 +112,8 @@ int64_t DecodeInteger(Stored type, const uint8_t* bytes) {
   return 0;
 }
 
-const Variant& ActiveVariant(const OffsetRow& row) {
-  for (const Variant& variant : row.variants) {
+const Variant& ActiveVariant(std::span<const Variant> variants) {
+  for (const Variant& variant : variants) {
     if (variant.addOn == AddOn::None || IsLoaded(variant.addOn)) return variant;
   }
   return none;
@@ -123,6 +123,18 @@ ReadRow ActiveRead(const OffsetRow& row) {
   if (row.read != nullptr) return row.read;
   const Variant& variant = ActiveVariant(row);
   return variant.read == nullptr && IsSwitch(variant) ? ReadSwitch : variant.read;
+}
+
+Convert ActiveConvert(const OffsetRow& row) {
+  const Convert convert = ActiveVariant(row).convert;
+  return convert != nullptr ? convert : row.convert;
+}
+
+double TargetNumber(const OffsetRow& row, double number) {
+  const WriteRule& write = row.write;
+  const Convert own = ActiveVariant(row).targetConvert;
+  const Convert convert = own != nullptr ? own : write.convert;
+  return std::clamp(convert != nullptr ? convert(number) : number * write.factor, write.low, write.high);
 }
 
 bool IsSwitch(const Variant& variant) { return variant.lights[0].ref != nullptr || variant.stateBits != 0; }
@@ -148,9 +160,7 @@ void ApplyVariant(const OffsetRow& row, const Staged& staged) {
   } else if (IsSwitch(variant)) {
     TurnSwitch(variant, staged.integer != 0);
   } else {
-    const WriteRule& write = row.write;
-    SetSource(variant.target,
-              write.convert != nullptr ? write.convert(staged.number) : staged.number * write.factor);
+    SetSource(variant.target, TargetNumber(row, staged.number));
   }
 }
 

@@ -70,12 +70,14 @@ struct WriteRule {
 // own (AddOn::None), which stands last. The first that counts serves the row.
 struct Variant {
   AddOn addOn = AddOn::None;
-  Source source = {};  // of a number; converted as the row says
+  Source source = {};         // of a number; converted as the row says
+  Convert convert = nullptr;  // of what is read, instead of the row's
   ReadRow read = nullptr;
   // Of a switch: on while one of these is lit, or while one of these bits of the autopilot's state is set.
   Source lights[4] = {};
   int stateBits = 0;
-  Source target = {};  // set by a write; converted as the row says, a switch to 0 or 1
+  Source target = {};               // set by a write; converted as the row says, a switch to 0 or 1
+  Convert targetConvert = nullptr;  // of what is written, instead of the row's
   ApplyWrite apply = nullptr;
   // What turns a switch over, fired only when the wanted state differs from the shown one: the first one given.
   const Command* press = nullptr;
@@ -142,12 +144,18 @@ uint32_t StoredWidth(const OffsetRow& row);
 double DecodeNumber(Stored type, const uint8_t* bytes);
 int64_t DecodeInteger(Stored type, const uint8_t* bytes);
 
-// The variant that serves a row at the moment; an empty one when none does. Simulator's thread.
-const Variant& ActiveVariant(const OffsetRow& row);
+// The variant that counts at the moment, and the one that serves a row; an empty one when none does.
+// Simulator's thread.
+const Variant& ActiveVariant(std::span<const Variant> variants);
+inline const Variant& ActiveVariant(const OffsetRow& row) { return ActiveVariant(row.variants); }
 // Where a row's number is read at the moment: its own source, else that of the variant that serves it.
 Source ActiveSource(const OffsetRow& row);
 // The function that makes a row's number at the moment; null when a source or a snapshot has it.
 ReadRow ActiveRead(const OffsetRow& row);
+// What converts a row's number at the moment; null when its factor does.
+Convert ActiveConvert(const OffsetRow& row);
+// What a client's number is for the row's target at the moment: converted and limited.
+double TargetNumber(const OffsetRow& row, double number);
 // Whether a variant shows a switch, by lights or by bits of the autopilot's state.
 bool IsSwitch(const Variant& variant);
 // Whether a switch's variant is on: one of its lights is lit, or one of its bits of the autopilot's state is

@@ -136,7 +136,7 @@ const Variant* ShownSwitch(const OffsetRow& row) {
   return row.read == nullptr && variant.read == nullptr && IsSwitch(variant) ? &variant : nullptr;
 }
 
-bool IsDerived(const OffsetRow& row) { return ActiveRead(row) != nullptr || row.convert != nullptr; }
+bool IsDerived(const OffsetRow& row) { return ActiveRead(row) != nullptr || ActiveConvert(row) != nullptr; }
 
 // Each snapshot that a row of the cycle looks at, once.
 void LayOutPrepares(Reader* reader) {
@@ -292,8 +292,8 @@ void LayOutDerivations(Reader* reader) {
   for (const Laid& laid : reader->rows) {
     const OffsetRow& row = *laid.row;
     if (!IsDerived(row)) continue;
-    reader->derivations.push_back({ShownSwitch(row), ActiveRead(row), row.convert, InputOf(*reader, row), &row,
-                                   static_cast<uint32_t>(laid.group), 1U << laid.place});
+    reader->derivations.push_back({ShownSwitch(row), ActiveRead(row), ActiveConvert(row), InputOf(*reader, row),
+                                   &row, static_cast<uint32_t>(laid.group), 1U << laid.place});
     // A row's function has the last word: times 1 plus -0 leaves every number as it is, -0 too.
     reader->items[laid.item] = {1, -0.0, number++};
   }

@@ -36,8 +36,7 @@ void Apply(const OffsetRow& row, const uint8_t* bytes, uint32_t width) {
   if (write.apply != nullptr) {
     write.apply(row, {number, DecodeInteger(row.type, bytes), bytes, width});
   } else if (write.target.ref != nullptr) {
-    const double value = write.convert != nullptr ? write.convert(number) : number * write.factor;
-    SetSource(write.target, std::clamp(value, write.low, write.high));
+    SetSource(write.target, TargetNumber(row, number));
   } else {
     ApplyVariant(row, {number, DecodeInteger(row.type, bytes), bytes, width});
   }

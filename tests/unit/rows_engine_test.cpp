@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "bridge/catalogue/throttle_actions.h"
+#include "bridge/reader_groups.h"
 #include "row_harness.h"
 
 namespace {
@@ -370,6 +371,7 @@ TEST_F(EngineRows, BalanceOfThe737IsAShareOfItsChord) {
   Refresh(C59);
   ExpectShown({{0x2EF8, F64, 0.125}});
   loadedAddOns[static_cast<size_t>(AddOn::B738Stock)] = true;
+  BindReaders();
   Refresh(C59);
   ExpectShown({{0x2EF8, F64, 0.95 / 3.95732, 1e-5}}, "empty: 0.95 m behind the leading edge");
   Set(weight + "m_fuel[1]", 1e9);

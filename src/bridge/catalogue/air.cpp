@@ -14,17 +14,13 @@ constexpr double celsiusUnits = 256;
 // The nearest hundredth of an inch, so that 29.92 comes back as 29.92.
 double SettingFromUnits(double units) { return std::round(units / altimeterUnits * 100) / 100; }
 
-constexpr OffsetRow Temperature(uint32_t offset, const char* name, const char* meaning, Cycle cycle,
-                                Source source) {
-  return {.offset = offset,
-          .type = Stored::S16,
-          .name = name,
-          .meaning = meaning,
-          .unit = "degC",
-          .unitScale = 1 / celsiusUnits,
-          .cycle = cycle,
-          .source = source,
-          .factor = celsiusUnits};
+// What the temperatures have in common.
+constexpr OffsetRow Temperature(OffsetRow row) {
+  row.type = Stored::S16;
+  row.unit = "degC";
+  row.unitScale = 1 / celsiusUnits;
+  row.factor = celsiusUnits;
+  return row;
 }
 
 constexpr OffsetRow rows[] = {
@@ -39,10 +35,16 @@ constexpr OffsetRow rows[] = {
      .factor = altimeterUnits,
      .write = {.target = Float<"sim/cockpit/misc/barometer_setting">, .convert = SettingFromUnits},
      .lossy = "set in hundredths of an inch: up to 3 sixteenths of a millibar off"},
-    Temperature(0x0E8C, "oat", "outside air temperature", Cycle::C13,
-                Float<"sim/weather/temperature_ambient_c">),
-    Temperature(0x11D0, "tat", "total air temperature, the same as the outside one", Cycle::C13,
-                Float<"sim/weather/temperature_ambient_c">),
+    Temperature({.offset = 0x0E8C,
+                 .name = "oat",
+                 .meaning = "outside air temperature",
+                 .cycle = Cycle::C13,
+                 .source = Float<"sim/weather/temperature_ambient_c">}),
+    Temperature({.offset = 0x11D0,
+                 .name = "tat",
+                 .meaning = "total air temperature, the same as the outside one",
+                 .cycle = Cycle::C13,
+                 .source = Float<"sim/weather/temperature_ambient_c">}),
 
     {.offset = 0x28C0,
      .type = Stored::F64,
@@ -82,9 +84,16 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C313,
      .source = Float<"sim/weather/barometer_sealevel_inhg">,
      .factor = 33.86},
-    Temperature(0x0EC0, "sea_level_temperature", "sea-level temperature", Cycle::C313,
-                Float<"sim/weather/temperature_sealevel_c">),
-    Temperature(0x04C8, "dew_point", "dew point", Cycle::C313, Float<"sim/weather/dewpoi_sealevel_c">),
+    Temperature({.offset = 0x0EC0,
+                 .name = "sea_level_temperature",
+                 .meaning = "sea-level temperature",
+                 .cycle = Cycle::C313,
+                 .source = Float<"sim/weather/temperature_sealevel_c">}),
+    Temperature({.offset = 0x04C8,
+                 .name = "dew_point",
+                 .meaning = "dew point",
+                 .cycle = Cycle::C313,
+                 .source = Float<"sim/weather/dewpoi_sealevel_c">}),
 
     {.offset = 0x04D4,
      .type = Stored::S16,

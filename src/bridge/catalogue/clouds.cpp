@@ -38,35 +38,6 @@ void ApplyPrecipitation(const OffsetRow&, const Staged& staged) {
 }
 
 // --- Layers --------------------------------------------------------------------------------------------
-struct LayerPlaces {
-  uint32_t baseAt, topsAt, typeAt;
-  Source base, tops, type;
-  const char* layer[3];  // what base, tops and type mean
-};
-constexpr LayerPlaces layers[3] = {
-    {0x0EA4,
-     0x0EA2,
-     0x0EA6,
-     Float<"sim/weather/cloud_base_msl_m[0]">,
-     Float<"sim/weather/cloud_tops_msl_m[0]">,
-     Int<"sim/weather/cloud_type[0]">,
-     {"low cloud base", "low cloud tops", "low cloud type"}},
-    {0x6F11,
-     0x6F0F,
-     0x6F13,
-     Float<"sim/weather/cloud_base_msl_m[1]">,
-     Float<"sim/weather/cloud_tops_msl_m[1]">,
-     Int<"sim/weather/cloud_type[1]">,
-     {"middle cloud base", "middle cloud tops", "middle cloud type"}},
-    {0x0E9C,
-     0x0E9A,
-     0x0E9E,
-     Float<"sim/weather/cloud_base_msl_m[2]">,
-     Float<"sim/weather/cloud_tops_msl_m[2]">,
-     Int<"sim/weather/cloud_type[2]">,
-     {"high cloud base", "high cloud tops", "high cloud type"}},
-};
-
 // The middle layer has a coverage beside its type; both take the same number.
 void ApplyMiddleType(const OffsetRow& row, const Staged& staged) {
   const double type = std::min(staged.number, static_cast<double>(cloudTypes));
@@ -74,33 +45,77 @@ void ApplyMiddleType(const OffsetRow& row, const Staged& staged) {
   SetSource(Float<"sim/weather/cloud_coverage[1]">, type);
 }
 
-constexpr OffsetRow Height(uint32_t offset, Source source, const char* name, int member, const char* meaning) {
-  return {.offset = offset,
-          .type = Stored::U16,
-          .name = name,
-          .member = member,
-          .meaning = meaning,
-          .unit = "m",
-          .cycle = Cycle::C59,
-          .source = source,
-          .write = {.target = source}};
-}
+struct Layer {
+  uint32_t baseAt, topsAt, typeAt;  // offsets
+  Source base, tops, type;
+  const char *baseMeaning, *topsMeaning, *typeMeaning;
+  ApplyWrite applyType = nullptr;  // instead of setting the type alone
+};
+constexpr Layer layers[3] = {
+    {.baseAt = 0x0EA4,
+     .topsAt = 0x0EA2,
+     .typeAt = 0x0EA6,
+     .base = Float<"sim/weather/cloud_base_msl_m[0]">,
+     .tops = Float<"sim/weather/cloud_tops_msl_m[0]">,
+     .type = Int<"sim/weather/cloud_type[0]">,
+     .baseMeaning = "low cloud base",
+     .topsMeaning = "low cloud tops",
+     .typeMeaning = "low cloud type"},
+    {.baseAt = 0x6F11,
+     .topsAt = 0x6F0F,
+     .typeAt = 0x6F13,
+     .base = Float<"sim/weather/cloud_base_msl_m[1]">,
+     .tops = Float<"sim/weather/cloud_tops_msl_m[1]">,
+     .type = Int<"sim/weather/cloud_type[1]">,
+     .baseMeaning = "middle cloud base",
+     .topsMeaning = "middle cloud tops",
+     .typeMeaning = "middle cloud type",
+     .applyType = ApplyMiddleType},
+    {.baseAt = 0x0E9C,
+     .topsAt = 0x0E9A,
+     .typeAt = 0x0E9E,
+     .base = Float<"sim/weather/cloud_base_msl_m[2]">,
+     .tops = Float<"sim/weather/cloud_tops_msl_m[2]">,
+     .type = Int<"sim/weather/cloud_type[2]">,
+     .baseMeaning = "high cloud base",
+     .topsMeaning = "high cloud tops",
+     .typeMeaning = "high cloud type"},
+};
 
-constexpr std::array<OffsetRow, 3> LayerRows(int layer) {
-  const LayerPlaces& at = layers[layer];
-  OffsetRow type = {.offset = at.typeAt,
-                    .type = Stored::U16,
-                    .name = "cloud_type",
-                    .member = layer + 1,
-                    .meaning = at.layer[2],
-                    .cycle = Cycle::C59,
-                    .source = at.type,
-                    .write = {.target = at.type, .high = cloudTypes},
-                    .lossy = "above 5 counts as 5",
-                    .note = "0 clear, 1 cirrus, 2 scattered, 3 broken, 4 overcast, 5 stratus"};
-  if (layer == 1) type.write = {.apply = ApplyMiddleType};
-  return {Height(at.baseAt, at.base, "cloud_base", layer + 1, at.layer[0]),
-          Height(at.topsAt, at.tops, "cloud_tops", layer + 1, at.layer[1]), type};
+constexpr std::array<OffsetRow, 3> LayerRows(int index) {
+  const Layer& layer = layers[index];
+  const int member = index + 1;
+  const WriteRule setType = {.target = layer.type, .high = cloudTypes};
+  return {{
+      {.offset = layer.baseAt,
+       .type = Stored::U16,
+       .name = "cloud_base",
+       .member = member,
+       .meaning = layer.baseMeaning,
+       .unit = "m",
+       .cycle = Cycle::C59,
+       .source = layer.base,
+       .write = {.target = layer.base}},
+      {.offset = layer.topsAt,
+       .type = Stored::U16,
+       .name = "cloud_tops",
+       .member = member,
+       .meaning = layer.topsMeaning,
+       .unit = "m",
+       .cycle = Cycle::C59,
+       .source = layer.tops,
+       .write = {.target = layer.tops}},
+      {.offset = layer.typeAt,
+       .type = Stored::U16,
+       .name = "cloud_type",
+       .member = member,
+       .meaning = layer.typeMeaning,
+       .cycle = Cycle::C59,
+       .source = layer.type,
+       .write = layer.applyType != nullptr ? WriteRule{.apply = layer.applyType} : setType,
+       .lossy = "above 5 counts as 5",
+       .note = "0 clear, 1 cirrus, 2 scattered, 3 broken, 4 overcast, 5 stratus"},
+  }};
 }
 
 constexpr OffsetRow otherRows[] = {

@@ -7,12 +7,14 @@
 #include "XPLMUtilities.h"
 #include "base/log.h"
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/losses.h"
 #include "bridge/slew.h"
 
 namespace {
 
-constexpr double full = 16383;  // full travel of most controls
+constexpr double full = 16383;        // full travel of most controls
+constexpr double parkedWord = 32767;  // parking brake set
 // Trims and surfaces in radians at a tenth of the scale: full trim is 10 degrees.
 constexpr double tenDegrees = std::numbers::pi / 18;
 
@@ -21,40 +23,31 @@ constexpr double tenDegrees = std::numbers::pi / 18;
 // The 737's stabiliser travels further nose up than nose down: its words run from -6230 to 16270.
 constexpr double stabiliserSteps = 11250, stabiliserZero = 5020;
 
-double ElevatorTrimWord(double trim) {
-  return IsLoaded(AddOn::X737) ? (trim + stabiliserZero / stabiliserSteps) * stabiliserSteps : trim * full;
-}
-
-double ElevatorTrimRatio(double word) {
-  return IsLoaded(AddOn::X737) ? word / stabiliserSteps - stabiliserZero / stabiliserSteps : word / full;
-}
+double StabiliserWord(double trim) { return (trim + stabiliserZero / stabiliserSteps) * stabiliserSteps; }
+double StabiliserTrim(double word) { return word / stabiliserSteps - stabiliserZero / stabiliserSteps; }
 
 // --- Brakes ---------------------------------------------------------------------------------------
 
 constexpr Source leftBrake = Float<"sim/flightmodel/controls/l_brake_add">,
-                 rightBrake = Float<"sim/flightmodel/controls/r_brake_add">,
-                 parkBrake = Float<"sim/flightmodel/controls/parkbrake">;
+                 rightBrake = Float<"sim/flightmodel/controls/r_brake_add">;
+constexpr Source parkingLight = Float<"laminar/B738/annunciator/parking_brake">;
 
-double ParkingBrake() {
-  return ReadSource(IsLoaded(AddOn::B738Extended) ? Float<"laminar/B738/annunciator/parking_brake">
-                                                  : parkBrake);
-}
+// All brake rows look at the parking brake, so that it is read with the snapshot.
+constexpr Variant parkingBrake[] = {{.addOn = AddOn::B738Extended, .source = parkingLight},
+                                    {.source = Float<"sim/flightmodel/controls/parkbrake">}};
 
 struct Brakes {
   double left, right, parking;
 } brakes;  // of one look
 
-void TakeBrakes() { brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ParkingBrake()}; }
+void TakeBrakes() {
+  brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ReadSource(ActiveVariant(parkingBrake).source)};
+}
 
 // A toe brake; the parking brake holds both down.
 template <double Brakes::*brake>
 bool ReadToeBrake(const OffsetRow&, double* value) {
   *value = brakes.parking > 0.5 ? full : brakes.*brake * full;
-  return true;
-}
-
-bool ReadParkingBrake(const OffsetRow&, double* value) {
-  *value = !IsLoaded(AddOn::B738Extended) ? brakes.parking * 32767 : brakes.parking > 0.2 ? 32767 : 0;
   return true;
 }
 
@@ -75,11 +68,12 @@ void ApplyRightBrake(const OffsetRow&, const Staged& staged) {
           static_cast<int>(left), number);
 }
 
-void ApplyParkingBrake(const OffsetRow&, const Staged& staged) {
-  const double wanted = staged.number / 32767;
-  if (!IsLoaded(AddOn::B738Extended)) {
-    SetSource(parkBrake, std::min(wanted, 1.0));
-  } else if ((wanted > 0.2) != (ReadSource(Float<"laminar/B738/annunciator/parking_brake">) > 0.2)) {
+// The extended 737-800 knows only off and on, and has a button that goes from one to the other.
+bool IsParkedB738(double ratio) { return ratio > 0.2; }
+double ParkingWordB738(double light) { return IsParkedB738(light) ? parkedWord : 0; }
+
+void ApplyParkingBrakeB738(const OffsetRow&, const Staged& staged) {
+  if (IsParkedB738(staged.number / parkedWord) != IsParkedB738(ReadSource(parkingLight))) {
     FireCommand(commandOf<"laminar/B738/push_button/park_brake_on_off">);
   }
 }
@@ -99,60 +93,37 @@ double LeverWord(double position, float down, float deployed) {
   if (lever < deployed) return armedWord;
   return std::max(armedWord, std::trunc(position * full));
 }
-
-bool ReadSpeedBrake(const OffsetRow&, double* value) {
-  if (IsLoaded(AddOn::X737)) {
-    *value = LeverWord(ReadSource(Float<"x737/systems/speedbrake/spdbrkLeverPos">), 0.1f, 0.15f);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    *value = LeverWord(ReadSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">), 0.07f, 0.145f);
-  } else {
-    const double request = ReadSource(speedBrakeRequest);
-    *value = request < 0    ? armedWord
-             : request == 0 ? 0
-                            : std::min(full, armedWord + request * (full - armedWord));
-  }
-  return true;
+double LeverWordX737(double position) { return LeverWord(position, 0.1f, 0.15f); }
+double LeverWordB738(double position) { return LeverWord(position, 0.07f, 0.145f); }
+double RequestWord(double request) {
+  if (request < 0) return armedWord;
+  return request == 0 ? 0 : std::min(full, armedWord + request * (full - armedWord));
 }
 
-void ApplySpeedBrake(const OffsetRow&, const Staged& staged) {
-  const double word = staged.number;
-  const bool armed = word >= armedWord && word < deployedWord;
-  const double lever = word < armedWord ? 0 : std::min(1.0, word / full);
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(Float<"x737/systems/speedbrake/spdbrkLeverPos">, armed ? x737Armed : lever);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    SetSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">, armed ? b738Armed : lever);
-  } else if (IsLoaded(AddOn::Ixeg733)) {
-    SetSource(Fitting<"ixeg/733/hydraulics/speedbrake_act">, std::min(1.0, word / full));
-  } else {
-    const double deployed = std::clamp((word - deployedWord) * (1 / (full - deployedWord)), 0.0, 1.0);
-    SetSource(speedBrakeRequest, armed ? stockArmed : deployed);
-  }
+bool IsArmedWord(double word) { return word >= armedWord && word < deployedWord; }
+
+template <const double& armed>
+double LeverOf(double word) {
+  if (IsArmedWord(word)) return armed;
+  return word < armedWord ? 0 : std::min(1.0, word / full);
+}
+double LeverOfIxeg(double word) { return std::min(1.0, word / full); }
+double RequestOf(double word) {
+  if (IsArmedWord(word)) return stockArmed;
+  return std::clamp((word - deployedWord) * (1 / (full - deployedWord)), 0.0, 1.0);
 }
 
-bool ReadSpeedBrakeArmed(const OffsetRow&, double* value) {
-  if (IsLoaded(AddOn::X737)) {
-    *value = IsOn(Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    const float lever = static_cast<float>(ReadSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">));
-    *value = lever > 0.04f && lever < 0.15f;
-  } else {
-    *value = ReadSource(speedBrakeRequest) < 0;
-  }
-  return true;
+double IsArmedLight(double light) { return light != 0; }
+double IsArmedRequest(double request) { return request < 0; }
+double IsArmedB738(double position) {
+  const float lever = static_cast<float>(position);
+  return lever > 0.04f && lever < 0.15f;
 }
 
-void ApplySpeedBrakeArmed(const OffsetRow&, const Staged& staged) {
-  const bool wanted = staged.integer != 0;
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(Int<"x737/systems/speedbrake/spdbrkIsArmed">, wanted);
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    SetSource(Float<"laminar/B738/flt_ctrls/speedbrake_lever">, wanted ? b738Armed : 0);
-  } else if (IsLoaded(AddOn::Ixeg733)) {
-    SetSource(Fitting<"ixeg/733/hydraulics/speedbrake_act">, wanted ? ixegArmed : 0);
-  } else {
-    SetSource(speedBrakeRequest, wanted ? stockArmed : 0);
-  }
+// Where the lever goes when it is armed; back to 0 when not.
+template <const double& armed>
+double ArmedOrDown(double wanted) {
+  return wanted != 0 ? armed : 0;
 }
 
 // --- Flaps and gear -------------------------------------------------------------------------------
@@ -164,33 +135,21 @@ constexpr const Command* b738Flaps[] = {
     &commandOf<"laminar/B738/push_button/flaps_25">, &commandOf<"laminar/B738/push_button/flaps_30">,
     &commandOf<"laminar/B738/push_button/flaps_40">};
 
-void ApplyFlaps(const OffsetRow&, const Staged& staged) {
-  if (!IsLoaded(AddOn::B738Extended)) {
-    SetSource(Float<"sim/flightmodel/controls/flaprqst">, std::min(1.0, staged.number / full));
-    return;
-  }
+void ApplyFlapsB738(const OffsetRow&, const Staged& staged) {
   // Eight steps between the nine detents 0, 1, 2, 5, 10, 15, 25, 30, 40.
   const double detent = std::min(8.0, std::round(staged.number * 8 / full));
   FireCommand(*b738Flaps[static_cast<int>(detent)]);
 }
 
-bool IsGearDown() {
-  return IsLoaded(AddOn::B738Extended) ? ReadSource(Float<"laminar/B738/controls/gear_handle_down">) > 0.5
-                                       : IsOn(Int<"sim/cockpit/switches/gear_handle_status">);
-}
+constexpr Source gearHandle = Int<"sim/cockpit/switches/gear_handle_status">;
 
-bool ReadGear(const OffsetRow&, double* value) {
-  *value = IsGearDown() ? full : 0;
-  return true;
-}
+double GearWord(double handle) { return handle != 0 ? full : 0; }
+double GearWordB738(double handle) { return handle > 0.5 ? full : 0; }
+double GearDown(double word) { return word >= 8192; }
 
 void ApplyGear(const OffsetRow&, const Staged& staged) {
-  const bool down = staged.integer >= 8192;
-  if (IsLoaded(AddOn::B738Extended)) {
-    SetSource(Float<"laminar/B738/controls/gear_handle_down">, down);
-  } else if (down != IsGearDown()) {
-    PushButton(down ? xplm_joy_gear_down : xplm_joy_gear_up);
-  }
+  const bool down = GearDown(staged.number) != 0;
+  if (down != IsOn(gearHandle)) PushButton(down ? xplm_joy_gear_down : xplm_joy_gear_up);
 }
 
 // --- Joystick disconnect --------------------------------------------------------------------------
@@ -216,66 +175,76 @@ void ApplyOverrides(const OffsetRow&, const Staged& staged) {
 
 // --- Rows -----------------------------------------------------------------------------------------
 
-// A control surface or lever that follows one dataref in steps of full travel.
-constexpr OffsetRow Travel(uint32_t offset, Stored type, const char* name, const char* meaning, Cycle cycle,
-                           Source source, double steps = full) {
-  return {.offset = offset,
-          .type = type,
-          .name = name,
-          .meaning = meaning,
-          .unit = "%",
-          .unitScale = 100 / full,
-          .cycle = cycle,
-          .source = source,
-          .factor = steps};
-}
-
-// The same when clients move it.
-constexpr OffsetRow Axis(uint32_t offset, Source source, const char* name, const char* meaning, Cycle cycle) {
-  OffsetRow row = Travel(offset, Stored::S16, name, meaning, cycle, source);
-  row.write = {.target = source, .factor = 1 / full};
+// A control surface or lever in steps of full travel, by the row's own factor.
+constexpr OffsetRow Position(OffsetRow row) {
+  row.unit = "%";
+  row.unitScale = 100 / full;
   return row;
 }
 
+// The same of a dataref that is a share of full travel.
+constexpr OffsetRow Travel(OffsetRow row) {
+  row.factor = full;
+  return Position(row);
+}
+
+// The same when clients move it.
+constexpr OffsetRow Axis(OffsetRow row) {
+  row.type = Stored::S16;
+  row.write = {.target = row.source, .factor = 1 / full};
+  return Travel(row);
+}
+
 // Trim as an angle.
-constexpr OffsetRow TrimAngle(uint32_t offset, Source source, const char* name, const char* meaning) {
-  return {.offset = offset,
-          .type = Stored::F64,
-          .name = name,
-          .meaning = meaning,
-          .unit = "deg",
-          .unitScale = 180 / std::numbers::pi,
-          .cycle = Cycle::C13,
-          .source = source,
-          .factor = tenDegrees,
-          .write = {.target = source, .factor = 1 / tenDegrees, .low = -1, .high = 1},
-          .lossy = "held in single precision, and limited to 10 degrees either way"};
+constexpr OffsetRow TrimAngle(OffsetRow row) {
+  row.type = Stored::F64;
+  row.unit = "deg";
+  row.unitScale = 180 / std::numbers::pi;
+  row.cycle = Cycle::C13;
+  row.factor = tenDegrees;
+  row.write = {.target = row.source, .factor = 1 / tenDegrees, .low = -1, .high = 1};
+  row.lossy = "held in single precision, and limited to 10 degrees either way";
+  return row;
 }
 
 // One flap panel, degrees x 256.
-constexpr OffsetRow FlapAngle(uint32_t offset, Source source, const char* name, const char* meaning) {
-  return {.offset = offset,
-          .type = Stored::S16,
-          .name = name,
-          .meaning = meaning,
-          .unit = "deg",
-          .unitScale = 1.0 / 256,
-          .cycle = Cycle::C7,
-          .source = source,
-          .factor = 256};
+constexpr OffsetRow FlapAngle(OffsetRow row) {
+  row.type = Stored::S16;
+  row.unit = "deg";
+  row.unitScale = 1.0 / 256;
+  row.cycle = Cycle::C7;
+  row.factor = 256;
+  return row;
 }
 
 constexpr Source slats = Float<"sim/flightmodel2/controls/slat1_deploy_ratio">;
 
 constexpr OffsetRow rows[] = {
-    Axis(0x0BB2, Float<"sim/joystick/yolk_pitch_ratio">, "elevator", "elevator input, positive pulled",
-         Cycle::C1),
-    Travel(0x584A, Stored::S16, "elevator_copy", "elevator input, second copy", Cycle::C1,
-           Float<"sim/joystick/yolk_pitch_ratio">),
-    Travel(0x0BB4, Stored::S16, "elevator_position", "elevator position", Cycle::C1,
-           Float<"sim/flightmodel/controls/hstab1_elv1def">, -(16363.0 / 15)),
-    Travel(0x0BB8, Stored::S16, "aileron_position", "aileron position", Cycle::C1,
-           Float<"sim/flightmodel/controls/lail1def">, -(full / 30)),
+    Axis({.offset = 0x0BB2,
+          .name = "elevator",
+          .meaning = "elevator input, positive pulled",
+          .cycle = Cycle::C1,
+          .source = Float<"sim/joystick/yolk_pitch_ratio">}),
+    Travel({.offset = 0x584A,
+            .type = Stored::S16,
+            .name = "elevator_copy",
+            .meaning = "elevator input, second copy",
+            .cycle = Cycle::C1,
+            .source = Float<"sim/joystick/yolk_pitch_ratio">}),
+    Position({.offset = 0x0BB4,
+              .type = Stored::S16,
+              .name = "elevator_position",
+              .meaning = "elevator position",
+              .cycle = Cycle::C1,
+              .source = Float<"sim/flightmodel/controls/hstab1_elv1def">,
+              .factor = -(16363.0 / 15)}),
+    Position({.offset = 0x0BB8,
+              .type = Stored::S16,
+              .name = "aileron_position",
+              .meaning = "aileron position",
+              .cycle = Cycle::C1,
+              .source = Float<"sim/flightmodel/controls/lail1def">,
+              .factor = -(full / 30)}),
     {.offset = 0x2EA8,
      .type = Stored::F64,
      .name = "aileron_deflection",
@@ -285,9 +254,18 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C1,
      .source = Float<"sim/flightmodel/controls/lail1def">,
      .factor = -tenDegrees},
-    Axis(0x0BBA, Float<"sim/joystick/yolk_heading_ratio">, "rudder", "rudder input, positive right", Cycle::C1),
-    Travel(0x0BBC, Stored::S16, "rudder_position", "rudder position", Cycle::C1,
-           Float<"sim/flightmodel/controls/ldruddef">, full / 30),
+    Axis({.offset = 0x0BBA,
+          .name = "rudder",
+          .meaning = "rudder input, positive right",
+          .cycle = Cycle::C1,
+          .source = Float<"sim/joystick/yolk_heading_ratio">}),
+    Position({.offset = 0x0BBC,
+              .type = Stored::S16,
+              .name = "rudder_position",
+              .meaning = "rudder position",
+              .cycle = Cycle::C1,
+              .source = Float<"sim/flightmodel/controls/ldruddef">,
+              .factor = full / 30}),
     {.offset = 0x2EB8,
      .type = Stored::F64,
      .name = "rudder_deflection",
@@ -307,9 +285,17 @@ constexpr OffsetRow rows[] = {
      .source = FloatElement<"sim/flightmodel/engine/POINT_pitch_deg">(0),
      .factor = 65536.0 / 30,
      .write = {.target = FloatElement<"sim/flightmodel/engine/POINT_pitch_deg">(0), .factor = 30.0 / 65536}},
-    Axis(0x0BB6, Float<"sim/joystick/yoke_roll_ratio">, "aileron", "aileron input, positive right", Cycle::C3),
-    Travel(0x584C, Stored::S16, "aileron_copy", "aileron input, second copy", Cycle::C3,
-           Float<"sim/joystick/yoke_roll_ratio">),
+    Axis({.offset = 0x0BB6,
+          .name = "aileron",
+          .meaning = "aileron input, positive right",
+          .cycle = Cycle::C3,
+          .source = Float<"sim/joystick/yoke_roll_ratio">}),
+    Travel({.offset = 0x584C,
+            .type = Stored::S16,
+            .name = "aileron_copy",
+            .meaning = "aileron input, second copy",
+            .cycle = Cycle::C3,
+            .source = Float<"sim/joystick/yoke_roll_ratio">}),
     {.offset = 0x0BC0,
      .type = Stored::S16,
      .name = "elevator_trim",
@@ -318,11 +304,12 @@ constexpr OffsetRow rows[] = {
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
      .source = Float<"sim/flightmodel/controls/elv_trim">,
-     .convert = ElevatorTrimWord,
-     .write = {.target = Float<"sim/flightmodel/controls/elv_trim">,
-               .low = -1,
-               .high = 1,
-               .convert = ElevatorTrimRatio},
+     .factor = full,
+     .variants = variantsOf<[] {
+       return std::array{
+           Variant{.addOn = AddOn::X737, .convert = StabiliserWord, .targetConvert = StabiliserTrim}};
+     }>,
+     .write = {.target = Float<"sim/flightmodel/controls/elv_trim">, .factor = 1 / full, .low = -1, .high = 1},
      .lossy = "limited to full trim either way",
      .note = "with the x737: -6230 full nose down, 5020 neutral, 16270 full nose up"},
     {.offset = 0x0BC2,
@@ -333,7 +320,9 @@ constexpr OffsetRow rows[] = {
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
      .source = Float<"sim/flightmodel/controls/elv_trim">,
-     .convert = ElevatorTrimWord},
+     .factor = full,
+     .variants =
+         variantsOf<[] { return std::array{Variant{.addOn = AddOn::X737, .convert = StabiliserWord}}; }>},
     {.offset = 0x2E98,
      .type = Stored::F64,
      .name = "elevator_trim_indicator_angle",
@@ -343,16 +332,28 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C3,
      .source = Float<"sim/flightmodel/controls/elv_trim">,
      .factor = tenDegrees},
-    Axis(0x0C02, Float<"sim/cockpit2/controls/aileron_trim">, "aileron_trim", "aileron trim, positive right",
-         Cycle::C3),
-    Axis(0x0C04, Float<"sim/cockpit2/controls/rudder_trim">, "rudder_trim", "rudder trim, positive right",
-         Cycle::C3),
-    TrimAngle(0x2EA0, Float<"sim/flightmodel/controls/elv_trim">, "elevator_trim_angle",
-              "elevator trim, radians, positive nose up"),
-    TrimAngle(0x2EB0, Float<"sim/flightmodel/controls/ail_trim">, "aileron_trim_angle",
-              "aileron trim, radians, positive right"),
-    TrimAngle(0x2EC0, Float<"sim/flightmodel/controls/rud_trim">, "rudder_trim_angle",
-              "rudder trim, radians, positive right"),
+    Axis({.offset = 0x0C02,
+          .name = "aileron_trim",
+          .meaning = "aileron trim, positive right",
+          .cycle = Cycle::C3,
+          .source = Float<"sim/cockpit2/controls/aileron_trim">}),
+    Axis({.offset = 0x0C04,
+          .name = "rudder_trim",
+          .meaning = "rudder trim, positive right",
+          .cycle = Cycle::C3,
+          .source = Float<"sim/cockpit2/controls/rudder_trim">}),
+    TrimAngle({.offset = 0x2EA0,
+               .name = "elevator_trim_angle",
+               .meaning = "elevator trim, radians, positive nose up",
+               .source = Float<"sim/flightmodel/controls/elv_trim">}),
+    TrimAngle({.offset = 0x2EB0,
+               .name = "aileron_trim_angle",
+               .meaning = "aileron trim, radians, positive right",
+               .source = Float<"sim/flightmodel/controls/ail_trim">}),
+    TrimAngle({.offset = 0x2EC0,
+               .name = "rudder_trim_angle",
+               .meaning = "rudder trim, radians, positive right",
+               .source = Float<"sim/flightmodel/controls/rud_trim">}),
 
     {.offset = 0x0BC4,
      .type = Stored::S16,
@@ -381,11 +382,17 @@ constexpr OffsetRow rows[] = {
      .name = "parking_brake",
      .meaning = "parking brake",
      .unit = "%",
-     .unitScale = 100.0 / 32767,
+     .unitScale = 100 / parkedWord,
      .cycle = Cycle::C3,
-     .read = ReadParkingBrake,
+     .factor = parkedWord,
+     .prepared = &brakes.parking,
      .prepare = TakeBrakes,
-     .write = {.apply = ApplyParkingBrake},
+     .variants = variantsOf<[] {
+       return std::array{
+           Variant{.addOn = AddOn::B738Extended, .convert = ParkingWordB738, .apply = ApplyParkingBrakeB738},
+           Variant{.target = Float<"sim/flightmodel/controls/parkbrake">}};
+     }>,
+     .write = {.factor = 1 / parkedWord, .high = 1},
      .lossy = "above 32767 counts as 32767; the extended 737-800 knows only off and on"},
     {.offset = 0x0BCA,
      .type = Stored::U16,
@@ -422,21 +429,67 @@ constexpr OffsetRow rows[] = {
      .meaning = "speed brake armed",
      .show = Show::Flag,
      .cycle = Cycle::C13,
-     .read = ReadSpeedBrakeArmed,
-     .write = {.apply = ApplySpeedBrakeArmed},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">,
+                                 .convert = IsArmedLight,
+                                 .target = Int<"x737/systems/speedbrake/spdbrkIsArmed">,
+                                 .targetConvert = OnOff},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .convert = IsArmedB738,
+                                 .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .targetConvert = ArmedOrDown<b738Armed>},
+                         Variant{.addOn = AddOn::Ixeg733,
+                                 .source = speedBrakeRequest,
+                                 .convert = IsArmedRequest,
+                                 .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                                 .targetConvert = ArmedOrDown<ixegArmed>},
+                         Variant{.source = speedBrakeRequest,
+                                 .convert = IsArmedRequest,
+                                 .target = speedBrakeRequest,
+                                 .targetConvert = ArmedOrDown<stockArmed>}};
+     }>,
      .lossy = flagLoss},
     {.offset = 0x0BD0,
      .type = Stored::U32,
      .name = "speed_brake",
      .meaning = "speed brake lever: 0 down, 4800 armed, 5620 to 16383 deployed",
      .cycle = Cycle::C13,
-     .read = ReadSpeedBrake,
-     .write = {.apply = ApplySpeedBrake},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Float<"x737/systems/speedbrake/spdbrkLeverPos">,
+                                 .convert = LeverWordX737,
+                                 .target = Float<"x737/systems/speedbrake/spdbrkLeverPos">,
+                                 .targetConvert = LeverOf<x737Armed>},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .convert = LeverWordB738,
+                                 .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .targetConvert = LeverOf<b738Armed>},
+                         Variant{.addOn = AddOn::Ixeg733,
+                                 .source = speedBrakeRequest,
+                                 .convert = RequestWord,
+                                 .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                                 .targetConvert = LeverOfIxeg},
+                         Variant{.source = speedBrakeRequest,
+                                 .convert = RequestWord,
+                                 .target = speedBrakeRequest,
+                                 .targetConvert = RequestOf}};
+     }>,
      .lossy = "everything below 4800 puts the lever down; between armed and full it reads up to 820 higher"},
-    Travel(0x0BD4, Stored::U32, "left_spoiler", "left spoiler position", Cycle::C13,
-           Float<"sim/flightmodel/controls/sbrkrat">),
-    Travel(0x0BD8, Stored::U32, "right_spoiler", "right spoiler position", Cycle::C13,
-           Float<"sim/flightmodel/controls/sbrkrat">),
+    Travel({.offset = 0x0BD4,
+            .type = Stored::U32,
+            .name = "left_spoiler",
+            .meaning = "left spoiler position",
+            .cycle = Cycle::C13,
+            .source = Float<"sim/flightmodel/controls/sbrkrat">}),
+    Travel({.offset = 0x0BD8,
+            .type = Stored::U32,
+            .name = "right_spoiler",
+            .meaning = "right spoiler position",
+            .cycle = Cycle::C13,
+            .source = Float<"sim/flightmodel/controls/sbrkrat">}),
 
     {.offset = 0x0BDC,
      .type = Stored::U32,
@@ -447,24 +500,64 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C7,
      .source = Float<"sim/flightmodel/controls/flaprqst">,
      .factor = full,
-     .write = {.apply = ApplyFlaps},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::B738Extended, .apply = ApplyFlapsB738},
+                         Variant{.target = Float<"sim/flightmodel/controls/flaprqst">}};
+     }>,
+     .write = {.factor = 1 / full, .high = 1},
      .lossy = "above 16383 counts as 16383; the extended 737-800 goes to the nearest of its nine detents"},
-    Travel(0x0BE0, Stored::U32, "left_flap_position", "left flap position", Cycle::C3,
-           Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">),
-    Travel(0x0BE4, Stored::U32, "right_flap_position", "right flap position", Cycle::C3,
-           Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">),
-    Travel(0x30E8, Stored::S16, "slat_left_inboard", "leading edge, left inboard", Cycle::C7, slats),
-    Travel(0x30EA, Stored::S16, "slat_left_outboard", "leading edge, left outboard", Cycle::C7, slats),
-    Travel(0x30EC, Stored::S16, "slat_right_inboard", "leading edge, right inboard", Cycle::C7, slats),
-    Travel(0x30EE, Stored::S16, "slat_right_outboard", "leading edge, right outboard", Cycle::C7, slats),
-    FlapAngle(0x30F0, Float<"sim/flightmodel/controls/wing1l_fla1def">, "flap_left_inboard",
-              "trailing edge, left inboard"),
-    FlapAngle(0x30F2, Float<"sim/flightmodel/controls/wing2l_fla1def">, "flap_left_outboard",
-              "trailing edge, left outboard"),
-    FlapAngle(0x30F4, Float<"sim/flightmodel/controls/wing1r_fla1def">, "flap_right_inboard",
-              "trailing edge, right inboard"),
-    FlapAngle(0x30F6, Float<"sim/flightmodel/controls/wing2r_fla1def">, "flap_right_outboard",
-              "trailing edge, right outboard"),
+    Travel({.offset = 0x0BE0,
+            .type = Stored::U32,
+            .name = "left_flap_position",
+            .meaning = "left flap position",
+            .cycle = Cycle::C3,
+            .source = Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">}),
+    Travel({.offset = 0x0BE4,
+            .type = Stored::U32,
+            .name = "right_flap_position",
+            .meaning = "right flap position",
+            .cycle = Cycle::C3,
+            .source = Float<"sim/cockpit2/controls/flap_handle_deploy_ratio">}),
+    Travel({.offset = 0x30E8,
+            .type = Stored::S16,
+            .name = "slat_left_inboard",
+            .meaning = "leading edge, left inboard",
+            .cycle = Cycle::C7,
+            .source = slats}),
+    Travel({.offset = 0x30EA,
+            .type = Stored::S16,
+            .name = "slat_left_outboard",
+            .meaning = "leading edge, left outboard",
+            .cycle = Cycle::C7,
+            .source = slats}),
+    Travel({.offset = 0x30EC,
+            .type = Stored::S16,
+            .name = "slat_right_inboard",
+            .meaning = "leading edge, right inboard",
+            .cycle = Cycle::C7,
+            .source = slats}),
+    Travel({.offset = 0x30EE,
+            .type = Stored::S16,
+            .name = "slat_right_outboard",
+            .meaning = "leading edge, right outboard",
+            .cycle = Cycle::C7,
+            .source = slats}),
+    FlapAngle({.offset = 0x30F0,
+               .name = "flap_left_inboard",
+               .meaning = "trailing edge, left inboard",
+               .source = Float<"sim/flightmodel/controls/wing1l_fla1def">}),
+    FlapAngle({.offset = 0x30F2,
+               .name = "flap_left_outboard",
+               .meaning = "trailing edge, left outboard",
+               .source = Float<"sim/flightmodel/controls/wing2l_fla1def">}),
+    FlapAngle({.offset = 0x30F4,
+               .name = "flap_right_inboard",
+               .meaning = "trailing edge, right inboard",
+               .source = Float<"sim/flightmodel/controls/wing1r_fla1def">}),
+    FlapAngle({.offset = 0x30F6,
+               .name = "flap_right_outboard",
+               .meaning = "trailing edge, right outboard",
+               .source = Float<"sim/flightmodel/controls/wing2r_fla1def">}),
 
     {.offset = 0x0BE8,
      .type = Stored::U32,
@@ -473,15 +566,33 @@ constexpr OffsetRow rows[] = {
      .unit = "%",
      .unitScale = 100 / full,
      .cycle = Cycle::C3,
-     .read = ReadGear,
-     .write = {.apply = ApplyGear},
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/controls/gear_handle_down">,
+                                 .convert = GearWordB738,
+                                 .target = Float<"laminar/B738/controls/gear_handle_down">,
+                                 .targetConvert = GearDown},
+                         Variant{.source = gearHandle, .convert = GearWord, .apply = ApplyGear}};
+     }>,
      .lossy = "a lever with two places: from 8192 on it is down"},
-    Travel(0x0BEC, Stored::U32, "nose_gear", "nose gear", Cycle::C3,
-           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(0)),
-    Travel(0x0BF0, Stored::U32, "right_gear", "right main gear", Cycle::C3,
-           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(2)),
-    Travel(0x0BF4, Stored::U32, "left_gear", "left main gear", Cycle::C3,
-           FloatElement<"sim/aircraft/parts/acf_gear_deploy">(1)),
+    Travel({.offset = 0x0BEC,
+            .type = Stored::U32,
+            .name = "nose_gear",
+            .meaning = "nose gear",
+            .cycle = Cycle::C3,
+            .source = FloatElement<"sim/aircraft/parts/acf_gear_deploy">(0)}),
+    Travel({.offset = 0x0BF0,
+            .type = Stored::U32,
+            .name = "right_gear",
+            .meaning = "right main gear",
+            .cycle = Cycle::C3,
+            .source = FloatElement<"sim/aircraft/parts/acf_gear_deploy">(2)}),
+    Travel({.offset = 0x0BF4,
+            .type = Stored::U32,
+            .name = "left_gear",
+            .meaning = "left main gear",
+            .cycle = Cycle::C3,
+            .source = FloatElement<"sim/aircraft/parts/acf_gear_deploy">(1)}),
     {.offset = 0x6D8A,
      .type = Stored::S16,
      .name = "nose_wheel_angle",

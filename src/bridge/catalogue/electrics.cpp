@@ -1,11 +1,12 @@
 // Battery, generators, auxiliary power unit, fuel pumps, suction and the sound switch.
 #include <algorithm>
 
-#include "bridge/catalogue/engine_families.h"
+#include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
+#include "bridge/catalogue/losses.h"
 
 namespace {
 
-constexpr Source battery = Int<"sim/cockpit/electrical/battery_on">;
 constexpr Source apuRunning = Int<"sim/cockpit/engine/APU_running">;
 constexpr Source apuSwitch = Int<"sim/cockpit/engine/APU_switch">;
 
@@ -19,11 +20,6 @@ void ApplyToAllEngines(const OffsetRow&, const Staged& staged) {
   XPLMSetDatavi(handle, switches, 0, static_cast<int>(std::size(switches)));
 }
 
-bool ReadBattery(const OffsetRow&, double* value) {
-  *value = IsOn(IsLoaded(AddOn::X737) ? Int<"x737/systems/electrics/swBatBusPowered"> : battery);
-  return true;
-}
-
 // The value is a 32-bit float by custom, but clients write the integer 1 too: every bit pattern but 0 is on.
 void ApplyApu(const OffsetRow&, const Staged& staged) {
   constexpr double off = 0;
@@ -34,47 +30,56 @@ void ApplyApu(const OffsetRow&, const Staged& staged) {
   SetSource(apuSwitch, !wanted ? off : IsOn(apuRunning) ? on : start);
 }
 
-constexpr OffsetRow Switch(uint32_t offset, Source source, Stored type, const char* name, const char* meaning,
-                           Cycle cycle) {
-  return {.offset = offset,
-          .type = type,
-          .name = name,
-          .meaning = meaning,
-          .show = Show::Flag,
-          .cycle = cycle,
-          .source = source,
-          .convert = OnOff,
-          .write = {.target = source, .convert = OnOff},
-          .lossy = flagLoss};
+// A switch that follows one dataref and sets it.
+constexpr OffsetRow Switch(OffsetRow row) {
+  row.show = Show::Flag;
+  row.convert = OnOff;
+  row.write = {.target = row.source, .convert = OnOff};
+  row.lossy = flagLoss;
+  return row;
 }
-constexpr OffsetRow EngineSwitch(uint32_t offset, ApplyWrite apply, const char* name, const char* meaning) {
-  return {.offset = offset,
-          .type = Stored::U8,
-          .name = name,
-          .meaning = meaning,
-          .show = Show::Flag,
-          .write = {.apply = apply},
-          .note = "keeps what a client wrote"};
+// A switch that serves all engines.
+constexpr OffsetRow EngineSwitch(OffsetRow row) {
+  row.type = Stored::U8;
+  row.show = Show::Flag;
+  row.note = "keeps what a client wrote";
+  return row;
 }
 
 constexpr OffsetRow rows[] = {
-    EngineSwitch(0x3101, ApplyToAllEngines<IntElement<"sim/cockpit/electrical/generator_on">(0)>, "generators",
-                 "generators of all engines"),
+    EngineSwitch({.offset = 0x3101,
+                  .name = "generators",
+                  .meaning = "generators of all engines",
+                  .write = {.apply = ApplyToAllEngines<IntElement<"sim/cockpit/electrical/generator_on">(0)>}}),
     {.offset = 0x3102,
      .type = Stored::U8,
      .name = "battery",
      .meaning = "battery switch",
      .show = Show::Flag,
      .cycle = Cycle::C31Navigation,
-     .read = ReadBattery,
-     .write = {.target = battery, .convert = OnOff},
+     .convert = OnOff,
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737, .source = Int<"x737/systems/electrics/swBatBusPowered">},
+                         Variant{.source = Int<"sim/cockpit/electrical/battery_on">}};
+     }>,
+     .write = {.target = Int<"sim/cockpit/electrical/battery_on">, .convert = OnOff},
      .lossy = flagLoss},
-    Switch(0x3103, Int<"sim/cockpit/electrical/avionics_on">, Stored::U8, "avionics", "avionics master switch",
-           Cycle::C31Navigation),
-    EngineSwitch(0x3104, ApplyToAllEngines<IntElement<"sim/cockpit/engine/fuel_pump_on">(0)>, "fuel_pumps",
-                 "fuel pumps of all engines"),
-    Switch(0x0B51, Int<"sim/cockpit2/electrical/APU_generator_on">, Stored::U8, "apu_generator",
-           "APU generator switch", Cycle::C7),
+    Switch({.offset = 0x3103,
+            .type = Stored::U8,
+            .name = "avionics",
+            .meaning = "avionics master switch",
+            .cycle = Cycle::C31Navigation,
+            .source = Int<"sim/cockpit/electrical/avionics_on">}),
+    EngineSwitch({.offset = 0x3104,
+                  .name = "fuel_pumps",
+                  .meaning = "fuel pumps of all engines",
+                  .write = {.apply = ApplyToAllEngines<IntElement<"sim/cockpit/engine/fuel_pump_on">(0)>}}),
+    Switch({.offset = 0x0B51,
+            .type = Stored::U8,
+            .name = "apu_generator",
+            .meaning = "APU generator switch",
+            .cycle = Cycle::C7,
+            .source = Int<"sim/cockpit2/electrical/APU_generator_on">}),
     {.offset = 0x0B52,
      .type = Stored::U8,
      .name = "apu_generator_active",
@@ -115,7 +120,12 @@ constexpr OffsetRow rows[] = {
      .unit = "inHg",
      .cycle = Cycle::C157,
      .source = Float<"sim/cockpit/misc/vacuum">},
-    Switch(0x0B20, Int<"sim/operation/sound/sound_on">, Stored::U16, "sound", "sound on", Cycle::C7),
+    Switch({.offset = 0x0B20,
+            .type = Stored::U16,
+            .name = "sound",
+            .meaning = "sound on",
+            .cycle = Cycle::C7,
+            .source = Int<"sim/operation/sound/sound_on">}),
     {.offset = 0x0B24,
      .type = Stored::U16,
      .name = "sound_flag",

@@ -2,7 +2,7 @@
 // blocks lie at irregular offsets, so the places are listed and not computed.
 #pragma once
 #include <array>
-#include <cmath>
+#include <span>
 
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
@@ -13,9 +13,13 @@ constexpr int engineCount = 4;
 // thread, no lock held.
 int PresentEngineType();
 
+// How each aircraft shows and takes the value, engine by engine.
+using EngineVariants = std::array<std::span<const Variant>, engineCount>;
+
 struct Family {
-  OffsetRow shape;                // without offset and member; an array's element, and what is prepared, is the engine's
+  OffsetRow shape;  // without offset and member; an array's element, and what is prepared, is the engine's
   uint32_t offsets[engineCount];  // 0: this engine has no such row
+  EngineVariants variants = {};   // where add-ons count, instead of the shape's source and target
 };
 
 constexpr bool IsArray(Accessor accessor) {
@@ -32,6 +36,7 @@ constexpr OffsetRow RowOf(const Family& family, int engine) {
   row.source = SourceOf(row.source, engine);
   row.write.target = SourceOf(row.write.target, engine);
   if (row.prepared != nullptr) row.prepared += engine;
+  row.variants = family.variants[engine];
   return row;
 }
 constexpr size_t Members(const Family& family) {
@@ -64,7 +69,3 @@ constexpr auto Joined(const std::array<OffsetRow, counts>&... parts) {
   (add(parts), ...);
   return rows;
 }
-
-// Switches: 1 for anything but 0. A dataref that is not a number counts as 0.
-inline double OnOff(double value) { return value != 0 && !std::isnan(value) ? 1 : 0; }
-inline double Positive(double value) { return value > 0 ? 1 : 0; }

@@ -1,6 +1,7 @@
 // Engine readings. Most stand in two or three places: a 16-bit word of the engine's block, and a double.
 #include <numbers>
 
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 
 namespace {
@@ -20,230 +21,276 @@ constexpr double revolution = 2 * std::numbers::pi;
 
 // --- Speeds and fuel flow -----------------------------------------------------------------------------
 
-constexpr Family running = {{.type = Stored::U16,
-                             .name = "running_eng",
-                             .meaning = "engine running",
-                             .show = Show::Flag,
-                             .cycle = Cycle::C7,
-                             .source = IntElement<"sim/flightmodel/engine/ENGN_running">(0),
-                             .convert = OnOff},
-                            {0x0894, 0x092C, 0x09C4, 0}};
-constexpr Family running4 = {{.type = Stored::U16,
-                              .name = "running_eng",
-                              .meaning = "engine running",
-                              .show = Show::Flag,
-                              .cycle = Cycle::C13,
-                              .source = IntElement<"sim/flightmodel/engine/ENGN_running">(0),
-                              .convert = OnOff},
-                             {0, 0, 0, 0x0A5C}};
+constexpr Family running = {
+    .shape = {.type = Stored::U16,
+              .name = "running_eng",
+              .meaning = "engine running",
+              .show = Show::Flag,
+              .cycle = Cycle::C7,
+              .source = IntElement<"sim/flightmodel/engine/ENGN_running">(0),
+              .convert = OnOff},
+    .offsets = {0x0894, 0x092C, 0x09C4, 0},
+};
+constexpr Family running4 = {
+    .shape = {.type = Stored::U16,
+              .name = "running_eng",
+              .meaning = "engine running",
+              .show = Show::Flag,
+              .cycle = Cycle::C13,
+              .source = IntElement<"sim/flightmodel/engine/ENGN_running">(0),
+              .convert = OnOff},
+    .offsets = {0, 0, 0, 0x0A5C},
+};
 
-constexpr Family n2Word = {{.type = Stored::U16,
-                            .name = "n2_word_eng",
-                            .meaning = "N2",
-                            .unit = "%",
-                            .unitScale = 1 / perPercent,
-                            .cycle = Cycle::C1,
-                            .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0),
-                            .factor = perPercent},
-                           {0x0896, 0x092E, 0x09C6, 0x0A5E}};
-constexpr Family n2 = {{.type = Stored::F64,
-                        .name = "n2_eng",
-                        .meaning = "N2",
-                        .unit = "%",
-                        .cycle = Cycle::C1,
-                        .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0)},
-                       {0x2008, 0x2108, 0x2208, 0x2308}};
-constexpr Family n2Corrected = {{.type = Stored::F64,
-                                 .name = "n2_corrected_eng",
-                                 .meaning = "corrected N2",
-                                 .unit = "%",
-                                 .cycle = Cycle::C1,
-                                 .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0),
-                                 .note = "same value as N2"},
-                                {0x2018, 0x2118, 0, 0}};
-constexpr Family n1Word = {{.type = Stored::U16,
-                            .name = "n1_word_eng",
-                            .meaning = "N1",
-                            .unit = "%",
-                            .unitScale = 1 / perPercent,
-                            .cycle = Cycle::C1,
-                            .source = FloatElement<"sim/flightmodel/engine/ENGN_N1_">(0),
-                            .factor = perPercent},
-                           {0x0898, 0x0930, 0x09C8, 0x0A60}};
-constexpr Family n1 = {{.type = Stored::F64,
-                        .name = "n1_eng",
-                        .meaning = "N1",
-                        .unit = "%",
-                        .cycle = Cycle::C1,
-                        .source = FloatElement<"sim/flightmodel/engine/ENGN_N1_">(0)},
-                       {0x2000, 0x2100, 0x2200, 0x2300}};
+constexpr Family n2Word = {
+    .shape = {.type = Stored::U16,
+              .name = "n2_word_eng",
+              .meaning = "N2",
+              .unit = "%",
+              .unitScale = 1 / perPercent,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0),
+              .factor = perPercent},
+    .offsets = {0x0896, 0x092E, 0x09C6, 0x0A5E},
+};
+constexpr Family n2 = {
+    .shape = {.type = Stored::F64,
+              .name = "n2_eng",
+              .meaning = "N2",
+              .unit = "%",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0)},
+    .offsets = {0x2008, 0x2108, 0x2208, 0x2308},
+};
+constexpr Family n2Corrected = {
+    .shape = {.type = Stored::F64,
+              .name = "n2_corrected_eng",
+              .meaning = "corrected N2",
+              .unit = "%",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_N2_">(0),
+              .note = "same value as N2"},
+    .offsets = {0x2018, 0x2118, 0, 0},
+};
+constexpr Family n1Word = {
+    .shape = {.type = Stored::U16,
+              .name = "n1_word_eng",
+              .meaning = "N1",
+              .unit = "%",
+              .unitScale = 1 / perPercent,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_N1_">(0),
+              .factor = perPercent},
+    .offsets = {0x0898, 0x0930, 0x09C8, 0x0A60},
+};
+constexpr Family n1 = {
+    .shape = {.type = Stored::F64,
+              .name = "n1_eng",
+              .meaning = "N1",
+              .unit = "%",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_N1_">(0)},
+    .offsets = {0x2000, 0x2100, 0x2200, 0x2300},
+};
 
-constexpr Family fuelFlowWord = {{.type = Stored::U16,
-                                  .name = "fuel_flow_word_eng",
-                                  .meaning = "fuel flow",
-                                  .unit = "lb/h",
-                                  .cycle = Cycle::C1,
-                                  .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
-                                  .factor = poundsPerHour,
-                                  .note = "whole pounds per hour"},
-                                 {0x08A0, 0x0938, 0x09D0, 0x0A68}};
-constexpr Family fuelFlow = {{.type = Stored::F64,
-                              .name = "fuel_flow_eng",
-                              .meaning = "fuel flow",
-                              .unit = "lb/h",
-                              .cycle = Cycle::C1,
-                              .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
-                              .factor = poundsPerHour},
-                             {0x0918, 0x09B0, 0x0A48, 0x0AE0}};
-constexpr Family fuelFlowSecond = {{.type = Stored::F64,
-                                    .name = "fuel_flow_turbine_eng",
-                                    .meaning = "fuel flow, turbine block",
-                                    .unit = "lb/h",
-                                    .cycle = Cycle::C1,
-                                    .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
-                                    .factor = poundsPerHour},
-                                   {0x2060, 0x2160, 0x2260, 0x2360}};
+constexpr Family fuelFlowWord = {
+    .shape = {.type = Stored::U16,
+              .name = "fuel_flow_word_eng",
+              .meaning = "fuel flow",
+              .unit = "lb/h",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
+              .factor = poundsPerHour,
+              .note = "whole pounds per hour"},
+    .offsets = {0x08A0, 0x0938, 0x09D0, 0x0A68},
+};
+constexpr Family fuelFlow = {
+    .shape = {.type = Stored::F64,
+              .name = "fuel_flow_eng",
+              .meaning = "fuel flow",
+              .unit = "lb/h",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
+              .factor = poundsPerHour},
+    .offsets = {0x0918, 0x09B0, 0x0A48, 0x0AE0},
+};
+constexpr Family fuelFlowSecond = {
+    .shape = {.type = Stored::F64,
+              .name = "fuel_flow_turbine_eng",
+              .meaning = "fuel flow, turbine block",
+              .unit = "lb/h",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_FF_">(0),
+              .factor = poundsPerHour},
+    .offsets = {0x2060, 0x2160, 0x2260, 0x2360},
+};
 
 // --- Oil, pressure ratio, temperatures ----------------------------------------------------------------
 
-constexpr Family oilTemperature = {{.type = Stored::S16,
-                                    .name = "oil_temp_eng",
-                                    .meaning = "oil temperature",
-                                    .unit = "deg C",
-                                    .unitScale = 140.0 / 16384,
-                                    .cycle = Cycle::C1,
-                                    .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_temp_c">(0),
-                                    .factor = 16384.0 / 140},
-                                   {0x08B8, 0x0950, 0x09E8, 0x0A80}};
-constexpr Family oilPressureWord = {{.type = Stored::U16,
-                                     .name = "oil_pressure_eng",
-                                     .meaning = "oil pressure",
-                                     .unit = "psi",
-                                     .unitScale = 55.0 / 16384,
-                                     .cycle = Cycle::C1,
-                                     .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_press_psi">(0),
-                                     .factor = 16384.0 / 55,
-                                     .note = "ends at 220 psi"},
-                                    {0x08BA, 0x0952, 0x09EA, 0x0A82}};
-constexpr Family oilPressure = {{.type = Stored::F64,
-                                 .name = "oil_pressure_psf_eng",
-                                 .meaning = "oil pressure",
-                                 .unit = "psi",
-                                 .unitScale = 1 / psfPerPsi,
-                                 .cycle = Cycle::C1,
-                                 .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_press_psi">(0),
-                                 .factor = psfPerPsi,
-                                 .note = "stored in pounds per square foot"},
-                                {0x3B60, 0x3AA0, 0x39E0, 0x3920}};
-constexpr Family pressureRatioWord = {{.type = Stored::U16,
-                                       .name = "epr_word_eng",
-                                       .meaning = "engine pressure ratio",
-                                       .unitScale = 1.6 / 16384,
-                                       .cycle = Cycle::C1,
-                                       .source = FloatElement<"sim/flightmodel/engine/ENGN_EPR">(0),
-                                       .factor = 16384 / 1.6},
-                                      {0x08BC, 0x0954, 0x09EC, 0x0A84}};
-constexpr Family pressureRatio = {{.type = Stored::F64,
-                                   .name = "epr_eng",
-                                   .meaning = "engine pressure ratio",
-                                   .cycle = Cycle::C1,
-                                   .source = FloatElement<"sim/flightmodel/engine/ENGN_EPR">(0)},
-                                  {0x2030, 0x2130, 0, 0}};
+constexpr Family oilTemperature = {
+    .shape = {.type = Stored::S16,
+              .name = "oil_temp_eng",
+              .meaning = "oil temperature",
+              .unit = "deg C",
+              .unitScale = 140.0 / 16384,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_temp_c">(0),
+              .factor = 16384.0 / 140},
+    .offsets = {0x08B8, 0x0950, 0x09E8, 0x0A80},
+};
+constexpr Family oilPressureWord = {
+    .shape = {.type = Stored::U16,
+              .name = "oil_pressure_eng",
+              .meaning = "oil pressure",
+              .unit = "psi",
+              .unitScale = 55.0 / 16384,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_press_psi">(0),
+              .factor = 16384.0 / 55,
+              .note = "ends at 220 psi"},
+    .offsets = {0x08BA, 0x0952, 0x09EA, 0x0A82},
+};
+constexpr Family oilPressure = {
+    .shape = {.type = Stored::F64,
+              .name = "oil_pressure_psf_eng",
+              .meaning = "oil pressure",
+              .unit = "psi",
+              .unitScale = 1 / psfPerPsi,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_press_psi">(0),
+              .factor = psfPerPsi,
+              .note = "stored in pounds per square foot"},
+    .offsets = {0x3B60, 0x3AA0, 0x39E0, 0x3920},
+};
+constexpr Family pressureRatioWord = {
+    .shape = {.type = Stored::U16,
+              .name = "epr_word_eng",
+              .meaning = "engine pressure ratio",
+              .unitScale = 1.6 / 16384,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_EPR">(0),
+              .factor = 16384 / 1.6},
+    .offsets = {0x08BC, 0x0954, 0x09EC, 0x0A84},
+};
+constexpr Family pressureRatio = {
+    .shape = {.type = Stored::F64,
+              .name = "epr_eng",
+              .meaning = "engine pressure ratio",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_EPR">(0)},
+    .offsets = {0x2030, 0x2130, 0, 0},
+};
 
-// Of one look: the same temperatures in the two forms that clients know.
-double exhaustWords[engineCount], exhaustRankine[engineCount];
+// The same temperatures in the two forms that clients know.
+constexpr EngineVariants exhaustVariants = {
+    variantsOf<[] {
+      return std::array{Variant{.addOn = AddOn::B738Extended, .source = Float<"laminar/B738/engine/eng1_egt">},
+                        Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(0)}};
+    }>,
+    variantsOf<[] {
+      return std::array{Variant{.addOn = AddOn::B738Extended, .source = Float<"laminar/B738/engine/eng2_egt">},
+                        Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(1)}};
+    }>,
+    variantsOf<[] {
+      return std::array{Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(2)}};
+    }>,
+    variantsOf<[] {
+      return std::array{Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(3)}};
+    }>};
 
-void TakeExhaust() {
-  constexpr Source extended[2] = {Float<"laminar/B738/engine/eng1_egt">, Float<"laminar/B738/engine/eng2_egt">};
-  const bool isExtended = IsLoaded(AddOn::B738Extended);
-  for (int engine = 0; engine < engineCount; engine++) {
-    const double celsius =
-        ReadSource(isExtended && engine < 2 ? extended[engine]
-                                            : FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(engine));
-    exhaustWords[engine] = celsius * egtPerDegree;
-    exhaustRankine[engine] = (celsius + absoluteZero) * rankinePerKelvin;
-  }
-}
+double ExhaustRankine(double celsius) { return (celsius + absoluteZero) * rankinePerKelvin; }
 
-constexpr Family exhaustWord = {{.type = Stored::S16,
-                                 .name = "egt_eng",
-                                 .meaning = "exhaust gas temperature",
-                                 .unit = "deg C",
-                                 .unitScale = 1 / egtPerDegree,
-                                 .cycle = Cycle::C1,
-                                 .prepared = exhaustWords,
-                                 .inputs = sourcesOf<FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(3)>,
-                                 .prepare = TakeExhaust},
-                                {0x08BE, 0x0956, 0x09EE, 0x0A86}};
-constexpr Family exhaust = {{.type = Stored::F64,
-                             .name = "egt_rankine_eng",
-                             .meaning = "exhaust gas temperature",
-                             .unit = "deg C",
-                             .unitScale = 1 / rankinePerKelvin,
-                             .unitBias = -absoluteZero,
-                             .cycle = Cycle::C1,
-                             .prepared = exhaustRankine,
-                             .prepare = TakeExhaust,
-                             .note = "stored in degrees Rankine"},
-                            {0x3B70, 0x3AB0, 0, 0}};
-constexpr Family turbineTemperature = {{.type = Stored::F64,
-                                        .name = "itt_eng",
-                                        .meaning = "inter-turbine temperature",
-                                        .unit = "deg C",
-                                        .unitScale = 1 / rankinePerKelvin,
-                                        .unitBias = -absoluteZero,
-                                        .cycle = Cycle::C1,
-                                        .source = FloatElement<"sim/flightmodel/engine/ENGN_ITT_c">(0),
-                                        .factor = rankinePerKelvin,
-                                        .add = 491.67,
-                                        .note = "stored in degrees Rankine"},
-                                       {0x2038, 0x2138, 0, 0}};
-constexpr Family manifoldWord = {{.type = Stored::U16,
-                                  .name = "manifold_eng",
-                                  .meaning = "manifold pressure",
-                                  .unit = "inHg",
-                                  .unitScale = 1.0 / 1024,
-                                  .cycle = Cycle::C1,
-                                  .source = FloatElement<"sim/cockpit2/engine/indicators/MPR_in_hg">(0),
-                                  .factor = 1024},
-                                 {0x08C0, 0x0958, 0x09F0, 0x0A88}};
-constexpr Family manifold = {{.type = Stored::F64,
-                              .name = "manifold_psf_eng",
-                              .meaning = "manifold pressure",
-                              .unit = "inHg",
-                              .unitScale = 1 / psfPerInHg,
-                              .cycle = Cycle::C1,
-                              .source = FloatElement<"sim/cockpit2/engine/indicators/MPR_in_hg">(0),
-                              .factor = psfPerInHg,
-                              .note = "stored in pounds per square foot"},
-                             {0x37E8, 0x3728, 0, 0}};
-constexpr Family oilQuantity = {{.type = Stored::S32,
-                                 .name = "oil_quantity_eng",
-                                 .meaning = "oil quantity",
-                                 .unit = "%",
-                                 .unitScale = 100.0 / 16384,
-                                 .cycle = Cycle::C313,
-                                 .source = FloatElement<"sim/cockpit2/engine/indicators/oil_quantity_ratio">(0),
-                                 .factor = 16384},
-                                {0x08D0, 0x0968, 0x0A00, 0x0A98}};
+constexpr Family exhaustWord = {
+    .shape = {.type = Stored::S16,
+              .name = "egt_eng",
+              .meaning = "exhaust gas temperature",
+              .unit = "deg C",
+              .unitScale = 1 / egtPerDegree,
+              .cycle = Cycle::C1,
+              .factor = egtPerDegree},
+    .offsets = {0x08BE, 0x0956, 0x09EE, 0x0A86},
+    .variants = exhaustVariants,
+};
+constexpr Family exhaust = {
+    .shape = {.type = Stored::F64,
+              .name = "egt_rankine_eng",
+              .meaning = "exhaust gas temperature",
+              .unit = "deg C",
+              .unitScale = 1 / rankinePerKelvin,
+              .unitBias = -absoluteZero,
+              .cycle = Cycle::C1,
+              .convert = ExhaustRankine,
+              .note = "stored in degrees Rankine"},
+    .offsets = {0x3B70, 0x3AB0, 0, 0},
+    .variants = exhaustVariants,
+};
+constexpr Family turbineTemperature = {
+    .shape = {.type = Stored::F64,
+              .name = "itt_eng",
+              .meaning = "inter-turbine temperature",
+              .unit = "deg C",
+              .unitScale = 1 / rankinePerKelvin,
+              .unitBias = -absoluteZero,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_ITT_c">(0),
+              .factor = rankinePerKelvin,
+              .add = 491.67,
+              .note = "stored in degrees Rankine"},
+    .offsets = {0x2038, 0x2138, 0, 0},
+};
+constexpr Family manifoldWord = {
+    .shape = {.type = Stored::U16,
+              .name = "manifold_eng",
+              .meaning = "manifold pressure",
+              .unit = "inHg",
+              .unitScale = 1.0 / 1024,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/cockpit2/engine/indicators/MPR_in_hg">(0),
+              .factor = 1024},
+    .offsets = {0x08C0, 0x0958, 0x09F0, 0x0A88},
+};
+constexpr Family manifold = {
+    .shape = {.type = Stored::F64,
+              .name = "manifold_psf_eng",
+              .meaning = "manifold pressure",
+              .unit = "inHg",
+              .unitScale = 1 / psfPerInHg,
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/cockpit2/engine/indicators/MPR_in_hg">(0),
+              .factor = psfPerInHg,
+              .note = "stored in pounds per square foot"},
+    .offsets = {0x37E8, 0x3728, 0, 0},
+};
+constexpr Family oilQuantity = {
+    .shape = {.type = Stored::S32,
+              .name = "oil_quantity_eng",
+              .meaning = "oil quantity",
+              .unit = "%",
+              .unitScale = 100.0 / 16384,
+              .cycle = Cycle::C313,
+              .source = FloatElement<"sim/cockpit2/engine/indicators/oil_quantity_ratio">(0),
+              .factor = 16384},
+    .offsets = {0x08D0, 0x0968, 0x0A00, 0x0A98},
+};
 
 // --- Vibration and hydraulics -------------------------------------------------------------------------
 
-template <Source x737>
-constexpr OffsetRow Vibration(uint32_t offset, int engine) {
-  return {.offset = offset,
-          .type = Stored::S32,
-          .name = "vibration_eng",
-          .member = engine,
-          .meaning = "engine vibration",
-          .unitScale = 17.25 / 10000,
-          .cycle = Cycle::C1,
-          .factor = 10000 / 17.25,
-          .variants = variantsOf<[] { return std::array{Variant{.addOn = AddOn::X737, .source = x737}}; }>,
-          .note = "x737 only, else 0"};
-}
-constexpr auto vibration = std::to_array<OffsetRow>({Vibration<Float<"x737/engine/viblevel_1">>(0x08D4, 1),
-                                                     Vibration<Float<"x737/engine/viblevel_2">>(0x096C, 2)});
+constexpr Family vibration = {
+    .shape = {.type = Stored::S32,
+              .name = "vibration_eng",
+              .meaning = "engine vibration",
+              .unitScale = 17.25 / 10000,
+              .cycle = Cycle::C1,
+              .factor = 10000 / 17.25,
+              .note = "x737 only, else 0"},
+    .offsets = {0x08D4, 0x096C, 0, 0},
+    .variants = {variantsOf<[] {
+                   return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_1">}};
+                 }>,
+                 variantsOf<[] {
+                   return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_2">}};
+                 }>},
+};
 
 // The one hydraulic system serves all engines. Its pressure is taken as a share of 3000 psi.
 constexpr OffsetRow hydraulicPressureShape = {
@@ -258,20 +305,22 @@ constexpr OffsetRow hydraulicPressureShape = {
     .note = "an aircraft that gives psi instead of a share of 3000 psi reads too high"};
 constexpr OffsetRow EveryFrame(OffsetRow shape) {
   shape.cycle = Cycle::C1;
-  shape.source = Float<"sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1">;
   return shape;
 }
-constexpr Family hydraulicPressure = {hydraulicPressureShape, {0x08D8, 0x0970, 0, 0}};
-constexpr Family hydraulicPressureRear = {EveryFrame(hydraulicPressureShape), {0, 0, 0x0A08, 0x0AA0}};
-constexpr Family hydraulicQuantity = {{.type = Stored::S32,
-                                       .name = "hyd_quantity_eng",
-                                       .meaning = "hydraulic quantity",
-                                       .unit = "%",
-                                       .unitScale = 100.0 / 16384,
-                                       .cycle = Cycle::C313,
-                                       .source = Float<"sim/cockpit/misc/hydraulic_quantity">,
-                                       .factor = 16384},
-                                      {0x08DC, 0x0974, 0x0A0C, 0x0AA4}};
+constexpr Family hydraulicPressure = {.shape = hydraulicPressureShape, .offsets = {0x08D8, 0x0970, 0, 0}};
+constexpr Family hydraulicPressureRear = {.shape = EveryFrame(hydraulicPressureShape),
+                                          .offsets = {0, 0, 0x0A08, 0x0AA0}};
+constexpr Family hydraulicQuantity = {
+    .shape = {.type = Stored::S32,
+              .name = "hyd_quantity_eng",
+              .meaning = "hydraulic quantity",
+              .unit = "%",
+              .unitScale = 100.0 / 16384,
+              .cycle = Cycle::C313,
+              .source = Float<"sim/cockpit/misc/hydraulic_quantity">,
+              .factor = 16384},
+    .offsets = {0x08DC, 0x0974, 0x0A0C, 0x0AA4},
+};
 
 // --- Torque, thrust, propellers -----------------------------------------------------------------------
 
@@ -290,69 +339,82 @@ void TakeShares() {
   }
 }
 
-constexpr Family torque = {{.type = Stored::S32,
-                            .name = "torque_eng",
-                            .meaning = "torque",
-                            .unit = "lb ft",
-                            .cycle = Cycle::C1,
-                            .source = FloatElement<"sim/flightmodel/engine/ENGN_TRQ">(0),
-                            .factor = footPoundsPerNm},
-                           {0x0920, 0x09B8, 0x0A50, 0x0AE8}};
-constexpr Family torqueRatio = {{.type = Stored::F64,
-                                 .name = "torque_ratio_eng",
-                                 .meaning = "torque as a share of the limit",
-                                 .unit = "%",
-                                 .unitScale = 100,
-                                 .cycle = Cycle::C1,
-                                 .prepared = torqueShares,
-                                 .inputs = sourcesOf<Float<"sim/aircraft/limits/red_hi_TRQ">>,
-                                 .prepare = TakeShares,
-                                 .note = "0 when the aircraft has no limit"},
-                                {0x2028, 0x2128, 0, 0}};
-constexpr Family thrust = {{.type = Stored::F64,
-                            .name = "thrust_eng",
-                            .meaning = "jet thrust",
-                            .unit = "lbf",
-                            .cycle = Cycle::C1,
-                            .source = FloatElement<"sim/flightmodel/engine/POINT_thrust">(0),
-                            .factor = poundsPerNewton},
-                           {0x204C, 0x214C, 0x224C, 0x234C}};
-constexpr Family propThrust = {{.type = Stored::F64,
-                                .name = "thrust_prop",
-                                .meaning = "propeller thrust",
-                                .unit = "lbf",
-                                .cycle = Cycle::C1,
-                                .source = FloatElement<"sim/flightmodel/engine/POINT_thrust">(0),
-                                .factor = poundsPerNewtonProp},
-                               {0x2410, 0x2510, 0, 0}};
-constexpr Family propSpeed = {{.type = Stored::F64,
-                               .name = "rpm_prop",
-                               .meaning = "propeller speed",
-                               .unit = "rpm",
-                               .cycle = Cycle::C1,
-                               .source = FloatElement<"sim/flightmodel/engine/POINT_tacrad">(0),
-                               .factor = 60 / revolution},
-                              {0x2400, 0x2500, 0, 0}};
+constexpr Family torque = {
+    .shape = {.type = Stored::S32,
+              .name = "torque_eng",
+              .meaning = "torque",
+              .unit = "lb ft",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_TRQ">(0),
+              .factor = footPoundsPerNm},
+    .offsets = {0x0920, 0x09B8, 0x0A50, 0x0AE8},
+};
+constexpr Family torqueRatio = {
+    .shape = {.type = Stored::F64,
+              .name = "torque_ratio_eng",
+              .meaning = "torque as a share of the limit",
+              .unit = "%",
+              .unitScale = 100,
+              .cycle = Cycle::C1,
+              .prepared = torqueShares,
+              .inputs = sourcesOf<Float<"sim/aircraft/limits/red_hi_TRQ">>,
+              .prepare = TakeShares,
+              .note = "0 when the aircraft has no limit"},
+    .offsets = {0x2028, 0x2128, 0, 0},
+};
+constexpr Family thrust = {
+    .shape = {.type = Stored::F64,
+              .name = "thrust_eng",
+              .meaning = "jet thrust",
+              .unit = "lbf",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/POINT_thrust">(0),
+              .factor = poundsPerNewton},
+    .offsets = {0x204C, 0x214C, 0x224C, 0x234C},
+};
+constexpr Family propThrust = {
+    .shape = {.type = Stored::F64,
+              .name = "thrust_prop",
+              .meaning = "propeller thrust",
+              .unit = "lbf",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/POINT_thrust">(0),
+              .factor = poundsPerNewtonProp},
+    .offsets = {0x2410, 0x2510, 0, 0},
+};
+constexpr Family propSpeed = {
+    .shape = {.type = Stored::F64,
+              .name = "rpm_prop",
+              .meaning = "propeller speed",
+              .unit = "rpm",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/flightmodel/engine/POINT_tacrad">(0),
+              .factor = 60 / revolution},
+    .offsets = {0x2400, 0x2500, 0, 0},
+};
 constexpr Family propRatio = {
-    {.type = Stored::F64,
-     .name = "rpm_ratio_prop",
-     .meaning = "propeller speed as a share of the maximum",
-     .unit = "%",
-     .unitScale = 100,
-     .cycle = Cycle::C1,
-     .prepared = propSpeedShares,
-     .inputs = sourcesOf<Float<"sim/aircraft/engine/acf_RSC_redline_eng">,
-                         FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(1)>,
-     .prepare = TakeShares,
-     .note = "0 when the aircraft has no redline"},
-    {0x2408, 0x2508, 0, 0}};
-constexpr Family engineSpeed = {{.type = Stored::U16,
-                                 .name = "rpm_eng",
-                                 .meaning = "engine speed",
-                                 .unit = "rpm",
-                                 .cycle = Cycle::C1,
-                                 .source = FloatElement<"sim/cockpit2/engine/indicators/engine_speed_rpm">(0)},
-                                {0x10708, 0x1070A, 0, 0}};
+    .shape = {.type = Stored::F64,
+              .name = "rpm_ratio_prop",
+              .meaning = "propeller speed as a share of the maximum",
+              .unit = "%",
+              .unitScale = 100,
+              .cycle = Cycle::C1,
+              .prepared = propSpeedShares,
+              .inputs = sourcesOf<Float<"sim/aircraft/engine/acf_RSC_redline_eng">,
+                                  FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(1)>,
+              .prepare = TakeShares,
+              .note = "0 when the aircraft has no redline"},
+    .offsets = {0x2408, 0x2508, 0, 0},
+};
+constexpr Family engineSpeed = {
+    .shape = {.type = Stored::U16,
+              .name = "rpm_eng",
+              .meaning = "engine speed",
+              .unit = "rpm",
+              .cycle = Cycle::C1,
+              .source = FloatElement<"sim/cockpit2/engine/indicators/engine_speed_rpm">(0)},
+    .offsets = {0x10708, 0x1070A, 0, 0},
+};
 constexpr auto rotor =
     std::to_array<OffsetRow>({{.offset = 0x0908,
                                .type = Stored::S32,
@@ -399,7 +461,7 @@ constexpr auto rows =
            EngineRows<fuelFlowWord, fuelFlow, fuelFlowSecond>(), EngineRows<oilTemperature>(),
            EngineRows<oilPressureWord, oilPressure>(), EngineRows<pressureRatioWord, pressureRatio>(),
            EngineRows<exhaustWord, exhaust>(), EngineRows<turbineTemperature>(),
-           EngineRows<manifoldWord, manifold>(), EngineRows<oilQuantity>(), vibration,
+           EngineRows<manifoldWord, manifold>(), EngineRows<oilQuantity>(), EngineRows<vibration>(),
            EngineRows<hydraulicPressure, hydraulicPressureRear>(), EngineRows<hydraulicQuantity>(), rotor,
            EngineRows<torque>(), EngineRows<torqueRatio>(), EngineRows<thrust, propThrust>(),
            EngineRows<propSpeed>(), EngineRows<propRatio>(), EngineRows<engineSpeed>(), installation);

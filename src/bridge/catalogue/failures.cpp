@@ -116,22 +116,35 @@ void ApplyFailNumber(const OffsetRow& row, const Staged& staged) {
   ClearRequest(row);
 }
 
-constexpr OffsetRow Failure(uint32_t offset, const char* name, const char* meaning, Source target) {
-  return {.offset = offset,
-          .type = Stored::U8,
-          .name = name,
-          .meaning = meaning,
-          .show = Show::Flag,
-          .write = {.target = target, .convert = FailureCode},
-          .note = "keeps what a client wrote"};
+// One system that a client fails or repairs.
+constexpr OffsetRow Failure(OffsetRow row) {
+  row.type = Stored::U8;
+  row.show = Show::Flag;
+  row.note = "keeps what a client wrote";
+  return row;
 }
 
 constexpr OffsetRow rows[] = {
-    Failure(0x0B64, "fail_adf1", "ADF 1 failed", Int<"sim/operation/failures/rel_adf1">),
-    Failure(0x0B65, "fail_airspeed", "airspeed indicator failed", Int<"sim/operation/failures/rel_ss_asi">),
-    Failure(0x0B66, "fail_altimeter", "altimeter failed", Int<"sim/operation/failures/rel_ss_alt">),
-    Failure(0x0B67, "fail_attitude", "attitude indicator failed", Int<"sim/operation/failures/rel_ss_ahz">),
-    Failure(0x0B68, "fail_com1", "COM 1 failed", Int<"sim/operation/failures/rel_g_comrad1">),
+    Failure({.offset = 0x0B64,
+             .name = "fail_adf1",
+             .meaning = "ADF 1 failed",
+             .write = {.target = Int<"sim/operation/failures/rel_adf1">, .convert = FailureCode}}),
+    Failure({.offset = 0x0B65,
+             .name = "fail_airspeed",
+             .meaning = "airspeed indicator failed",
+             .write = {.target = Int<"sim/operation/failures/rel_ss_asi">, .convert = FailureCode}}),
+    Failure({.offset = 0x0B66,
+             .name = "fail_altimeter",
+             .meaning = "altimeter failed",
+             .write = {.target = Int<"sim/operation/failures/rel_ss_alt">, .convert = FailureCode}}),
+    Failure({.offset = 0x0B67,
+             .name = "fail_attitude",
+             .meaning = "attitude indicator failed",
+             .write = {.target = Int<"sim/operation/failures/rel_ss_ahz">, .convert = FailureCode}}),
+    Failure({.offset = 0x0B68,
+             .name = "fail_com1",
+             .meaning = "COM 1 failed",
+             .write = {.target = Int<"sim/operation/failures/rel_g_comrad1">, .convert = FailureCode}}),
     {.offset = 0x0B6B,
      .type = Stored::U8,
      .name = "fail_engines",

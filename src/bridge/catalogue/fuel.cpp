@@ -5,8 +5,9 @@
 // overwrite some of the stored ones. Until they have been read once, they and the levels are 0.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
-#include "bridge/catalogue/engine_families.h"
+#include "bridge/catalogue.h"
 
 namespace {
 
@@ -19,8 +20,6 @@ constexpr double poundsPerKg = 2.205;
 constexpr double kgPerPound = 0.453592;
 constexpr double gallonsPerKg = 0.323415;  // of the stock aircraft's tanks: 1 / 3.092
 constexpr double gallonsPerKgX737 = 0.323254;
-constexpr uint32_t levelOffsets[maxTanks] = {0x0B74, 0x0B7C, 0x0B84, 0x0B8C, 0x0B94,
-                                             0x0B9C, 0x0BA4, 0x1244, 0x124C};
 
 int tankCount;
 double fullFuel;              // kg in all tanks together
@@ -40,7 +39,7 @@ struct X737Tank {
   Source kg, share;
 };
 // The x737 publishes its three main tanks only; the others have no source.
-X737Tank X737TankOf(Tank tank) {
+constexpr X737Tank X737TankOf(Tank tank) {
   switch (tank) {
     case Tank::Centre:
       return {Float<"x737/systems/fuel/fuelCenterTank_kg">, Fitting<"x737/systems/fuel/fuelCenterTank_perc">};
@@ -55,20 +54,13 @@ X737Tank X737TankOf(Tank tank) {
   }
 }
 
-// Where a tank's kilograms stand; without a dataref when the aircraft has no such tank.
-Source ContentsOf(Tank tank) {
-  if (IsLoaded(AddOn::X737)) return X737TankOf(tank).kg;
-  const int element = ElementOf(tank, tankCount);
-  return element < 0 ? Source{} : FloatElement<"sim/flightmodel/weight/m_fuel">(element);
-}
-
 double Gallons(Tank tank) {
-  if (!IsLoaded(AddOn::X737)) {
-    const int element = ElementOf(tank, tankCount);
-    return element < 0 ? 0
-                       : fullFuel * ReadSource(FloatElement<"sim/aircraft/overflow/acf_tank_rat">(element)) *
-                             gallonsPerKg;
-  }
+  const int element = ElementOf(tank, tankCount);
+  return element < 0 ? 0
+                     : fullFuel * ReadSource(FloatElement<"sim/aircraft/overflow/acf_tank_rat">(element)) *
+                           gallonsPerKg;
+}
+double GallonsX737(Tank tank) {
   const X737Tank x737 = X737TankOf(tank);
   if (x737.kg.ref == nullptr) return 0;
   const double share = ReadSource(x737.share);
@@ -76,37 +68,47 @@ double Gallons(Tank tank) {
   return share == 0 ? capacities[static_cast<size_t>(tank)] : ReadSource(x737.kg) / share * gallonsPerKgX737;
 }
 
-// Of all tanks at once: the arrays' layout hangs on their number.
+// Of all tanks at once: the arrays' layout hangs on their number. With any aircraft the rows find them here.
 void TakeTankSizes() {
+  const auto gallonsOf = IsLoaded(AddOn::X737) ? GallonsX737 : Gallons;
   constexpr double most = std::numeric_limits<uint32_t>::max();
   fullFuel = ReadSource(Float<"sim/aircraft/weight/acf_m_fuel_tot">);
   tankCount = ReadInt(Int<"sim/aircraft/overflow/acf_num_tanks">);
   for (size_t tank = 0; tank < maxTanks; ++tank) {
-    const double gallons = Gallons(static_cast<Tank>(tank));
+    const double gallons = gallonsOf(static_cast<Tank>(tank));
     capacities[tank] = gallons > 0 ? std::trunc(std::min(gallons, most)) : 0;
   }
 }
 
+// A tank whose size is not known is empty, and takes nothing: NaN is set nowhere.
 template <Tank tank>
-bool ReadCapacity(const OffsetRow&, double* value) {
-  *value = capacities[static_cast<size_t>(tank)];
-  return true;
+double LevelOf(double kg) {
+  const double capacity = capacities[static_cast<size_t>(tank)];
+  const double gallons = kg * poundsPerKg / poundsPerGallon;
+  return capacity == 0 ? 0 : gallons / capacity * fullLevel;
+}
+template <Tank tank>
+double KgOf(double level) {
+  const double capacity = capacities[static_cast<size_t>(tank)];
+  if (capacity == 0) return std::numeric_limits<double>::quiet_NaN();
+  return std::max(level / fullLevel * capacity * poundsPerGallon * kgPerPound, 0.0);
+}
+
+// Where a tank's kilograms stand; without a dataref when the aircraft has no such tank.
+Source ContentsOf(Tank tank) {
+  const int element = ElementOf(tank, tankCount);
+  return element < 0 ? Source{} : FloatElement<"sim/flightmodel/weight/m_fuel">(element);
 }
 
 template <Tank tank>
 bool ReadLevel(const OffsetRow&, double* value) {
-  const double capacity = capacities[static_cast<size_t>(tank)];
-  const double gallons = ReadSource(ContentsOf(tank)) * poundsPerKg / poundsPerGallon;
-  *value = capacity == 0 ? 0 : gallons / capacity * fullLevel;
+  *value = LevelOf<tank>(ReadSource(ContentsOf(tank)));
   return true;
 }
 
 template <Tank tank>
 void ApplyLevel(const OffsetRow&, const Staged& staged) {
-  const double capacity = capacities[static_cast<size_t>(tank)];
-  if (capacity == 0) return;
-  const double kg = staged.number / fullLevel * capacity * poundsPerGallon * kgPerPound;
-  SetSource(ContentsOf(tank), std::max(kg, 0.0));
+  SetSource(ContentsOf(tank), KgOf<tank>(staged.number));
 }
 
 bool ReadDensity(const OffsetRow&, double* value) {
@@ -114,43 +116,61 @@ bool ReadDensity(const OffsetRow&, double* value) {
   return true;
 }
 
+// What the capacities have in common, and the levels.
 template <Tank tank>
-constexpr OffsetRow Capacity(uint32_t offset, const char* name, const char* meaning, bool readOnly = false) {
-  return {.offset = offset,
-          .type = Stored::U32,
-          .name = name,
-          .meaning = meaning,
-          .unit = "US gal",
-          .cycle = Cycle::C313,
-          .read = ReadCapacity<tank>,
-          .prepare = TakeTankSizes,
-          .readOnly = readOnly};
+constexpr OffsetRow Capacity(OffsetRow row) {
+  row.type = Stored::U32;
+  row.unit = "US gal";
+  row.cycle = Cycle::C313;
+  row.prepared = &capacities[static_cast<size_t>(tank)];
+  row.prepare = TakeTankSizes;
+  return row;
 }
 template <Tank tank>
-constexpr OffsetRow Level(const char* name, const char* meaning) {
-  return {.offset = levelOffsets[static_cast<size_t>(tank)],
-          .type = Stored::S32,
-          .name = name,
-          .meaning = meaning,
-          .unit = "%",
-          .unitScale = 100 / fullLevel,
-          .cycle = Cycle::C59,
-          .read = ReadLevel<tank>,
-          .write = {.apply = ApplyLevel<tank>},
-          .lossy = "reads back 0.017 % higher; an aircraft without this tank ignores it",
-          .note = "8388608 full; a full small tank may read slightly above"};
+constexpr OffsetRow Level(OffsetRow row) {
+  row.type = Stored::S32;
+  row.unit = "%";
+  row.unitScale = 100 / fullLevel;
+  row.cycle = Cycle::C59;
+  row.variants = variantsOf<[] {
+    return std::array{Variant{.addOn = AddOn::X737,
+                              .source = X737TankOf(tank).kg,
+                              .convert = LevelOf<tank>,
+                              .target = X737TankOf(tank).kg,
+                              .targetConvert = KgOf<tank>},
+                      Variant{.read = ReadLevel<tank>, .apply = ApplyLevel<tank>}};
+  }>;
+  row.lossy = "reads back 0.017 % higher; an aircraft without this tank ignores it";
+  row.note = "8388608 full; a full small tank may read slightly above";
+  return row;
 }
 
 constexpr OffsetRow rows[] = {
-    Capacity<Tank::Centre>(0x0B78, "fuel_centre_capacity", "capacity of the centre tank", true),
-    Capacity<Tank::LeftMain>(0x0B80, "fuel_left_capacity", "capacity of the left main tank", true),
-    Capacity<Tank::LeftAux>(0x0B88, "fuel_left_aux_capacity", "capacity of the left auxiliary tank"),
-    Capacity<Tank::LeftTip>(0x0B90, "fuel_left_tip_capacity", "capacity of the left tip tank"),
-    Capacity<Tank::RightMain>(0x0B98, "fuel_right_capacity", "capacity of the right main tank", true),
-    Capacity<Tank::RightAux>(0x0BA0, "fuel_right_aux_capacity", "capacity of the right auxiliary tank"),
-    Capacity<Tank::RightTip>(0x0BA8, "fuel_right_tip_capacity", "capacity of the right tip tank"),
-    Capacity<Tank::Centre2>(0x1248, "fuel_centre2_capacity", "capacity of the second centre tank"),
-    Capacity<Tank::Centre3>(0x1250, "fuel_centre3_capacity", "capacity of the third centre tank"),
+    Capacity<Tank::Centre>({.offset = 0x0B78,
+                            .name = "fuel_centre_capacity",
+                            .meaning = "capacity of the centre tank",
+                            .readOnly = true}),
+    Capacity<Tank::LeftMain>({.offset = 0x0B80,
+                              .name = "fuel_left_capacity",
+                              .meaning = "capacity of the left main tank",
+                              .readOnly = true}),
+    Capacity<Tank::LeftAux>(
+        {.offset = 0x0B88, .name = "fuel_left_aux_capacity", .meaning = "capacity of the left auxiliary tank"}),
+    Capacity<Tank::LeftTip>(
+        {.offset = 0x0B90, .name = "fuel_left_tip_capacity", .meaning = "capacity of the left tip tank"}),
+    Capacity<Tank::RightMain>({.offset = 0x0B98,
+                               .name = "fuel_right_capacity",
+                               .meaning = "capacity of the right main tank",
+                               .readOnly = true}),
+    Capacity<Tank::RightAux>({.offset = 0x0BA0,
+                              .name = "fuel_right_aux_capacity",
+                              .meaning = "capacity of the right auxiliary tank"}),
+    Capacity<Tank::RightTip>(
+        {.offset = 0x0BA8, .name = "fuel_right_tip_capacity", .meaning = "capacity of the right tip tank"}),
+    Capacity<Tank::Centre2>(
+        {.offset = 0x1248, .name = "fuel_centre2_capacity", .meaning = "capacity of the second centre tank"}),
+    Capacity<Tank::Centre3>(
+        {.offset = 0x1250, .name = "fuel_centre3_capacity", .meaning = "capacity of the third centre tank"}),
     {.offset = 0x0AF4,
      .type = Stored::U16,
      .name = "fuel_density",
@@ -159,15 +179,20 @@ constexpr OffsetRow rows[] = {
      .unitScale = 1.0 / 256,
      .cycle = Cycle::C313,
      .read = ReadDensity},
-    Level<Tank::Centre>("fuel_centre", "level of the centre tank"),
-    Level<Tank::LeftMain>("fuel_left", "level of the left main tank"),
-    Level<Tank::LeftAux>("fuel_left_aux", "level of the left auxiliary tank"),
-    Level<Tank::LeftTip>("fuel_left_tip", "level of the left tip tank"),
-    Level<Tank::RightMain>("fuel_right", "level of the right main tank"),
-    Level<Tank::RightAux>("fuel_right_aux", "level of the right auxiliary tank"),
-    Level<Tank::RightTip>("fuel_right_tip", "level of the right tip tank"),
-    Level<Tank::Centre2>("fuel_centre2", "level of the second centre tank"),
-    Level<Tank::Centre3>("fuel_centre3", "level of the third centre tank"),
+    Level<Tank::Centre>({.offset = 0x0B74, .name = "fuel_centre", .meaning = "level of the centre tank"}),
+    Level<Tank::LeftMain>({.offset = 0x0B7C, .name = "fuel_left", .meaning = "level of the left main tank"}),
+    Level<Tank::LeftAux>(
+        {.offset = 0x0B84, .name = "fuel_left_aux", .meaning = "level of the left auxiliary tank"}),
+    Level<Tank::LeftTip>({.offset = 0x0B8C, .name = "fuel_left_tip", .meaning = "level of the left tip tank"}),
+    Level<Tank::RightMain>({.offset = 0x0B94, .name = "fuel_right", .meaning = "level of the right main tank"}),
+    Level<Tank::RightAux>(
+        {.offset = 0x0B9C, .name = "fuel_right_aux", .meaning = "level of the right auxiliary tank"}),
+    Level<Tank::RightTip>(
+        {.offset = 0x0BA4, .name = "fuel_right_tip", .meaning = "level of the right tip tank"}),
+    Level<Tank::Centre2>(
+        {.offset = 0x1244, .name = "fuel_centre2", .meaning = "level of the second centre tank"}),
+    Level<Tank::Centre3>(
+        {.offset = 0x124C, .name = "fuel_centre3", .meaning = "level of the third centre tank"}),
     {.offset = 0x126C,
      .type = Stored::S32,
      .name = "fuel_total",

@@ -1,5 +1,9 @@
 // Lights: the word of all lights, and the bytes and words of single ones.
-#include "bridge/catalogue/engine_families.h"
+#include <span>
+
+#include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
+#include "bridge/catalogue/losses.h"
 
 namespace {
 
@@ -7,29 +11,26 @@ namespace {
 enum Light { navigation, beacon, landing, taxi, strobe, instruments, lightCount };
 constexpr int allLights = (1 << lightCount) - 1;
 
-Source LightSource(int light) {
-  switch (light) {
-    case navigation:
-      return Int<"sim/cockpit2/switches/navigation_lights_on">;
-    case beacon:
-      return IsLoaded(AddOn::X737) ? Int<"x737/systems/exteriorLights/beaconLightSwitch">
-                                   : Int<"sim/cockpit2/switches/beacon_on">;
-    case landing:
-      return Int<"sim/cockpit2/switches/landing_lights_on">;
-    case taxi:
-      return Int<"sim/cockpit2/switches/taxi_light_on">;
-    case strobe:
-      return Int<"sim/cockpit/electrical/strobe_lights_on">;
-    default:
-      return Int<"sim/cockpit/electrical/cockpit_lights_on">;
-  }
-}
+// The switches, in the order of the bits.
+constexpr std::span<const Variant> switches[lightCount] = {
+    variantsOf<[] { return std::array{Variant{.source = Int<"sim/cockpit2/switches/navigation_lights_on">}}; }>,
+    variantsOf<[] {
+      return std::array{
+          Variant{.addOn = AddOn::X737, .source = Int<"x737/systems/exteriorLights/beaconLightSwitch">},
+          Variant{.source = Int<"sim/cockpit2/switches/beacon_on">}};
+    }>,
+    variantsOf<[] { return std::array{Variant{.source = Int<"sim/cockpit2/switches/landing_lights_on">}}; }>,
+    variantsOf<[] { return std::array{Variant{.source = Int<"sim/cockpit2/switches/taxi_light_on">}}; }>,
+    variantsOf<[] { return std::array{Variant{.source = Int<"sim/cockpit/electrical/strobe_lights_on">}}; }>,
+    variantsOf<[] { return std::array{Variant{.source = Int<"sim/cockpit/electrical/cockpit_lights_on">}}; }>};
+Source SwitchOf(int light) { return ActiveVariant(switches[light]).source; }
 
+// One word for all rows, because most of them show several lights.
 int lightWord;  // the lights that are on
 
 void TakeLights() {
   lightWord = 0;
-  for (int light = 0; light < lightCount; light++) lightWord |= IsOn(LightSource(light)) << light;
+  for (int light = 0; light < lightCount; light++) lightWord |= IsOn(SwitchOf(light)) << light;
 }
 
 template <int bits>
@@ -41,13 +42,13 @@ bool ReadLights(const OffsetRow&, double* value) {
 template <int bits>
 void ApplyAnyOf(const OffsetRow&, const Staged& staged) {
   for (int light = 0; light < lightCount; light++) {
-    if ((bits >> light & 1) != 0) SetSource(LightSource(light), OnOff(staged.number));
+    if ((bits >> light & 1) != 0) SetSource(SwitchOf(light), OnOff(staged.number));
   }
 }
 
 void ApplyLights(const OffsetRow&, const Staged& staged) {
   for (int light = 0; light < lightCount; light++) {
-    SetSource(LightSource(light), static_cast<double>(staged.integer >> light & 1));
+    SetSource(SwitchOf(light), static_cast<double>(staged.integer >> light & 1));
   }
 }
 

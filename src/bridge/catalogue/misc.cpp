@@ -5,7 +5,7 @@
 
 namespace {
 
-int contactAtcHeld = 0;
+bool contactAtcHeld = false;
 
 bool ReadOne(const OffsetRow&, double* value) {
   *value = 1;
@@ -21,7 +21,7 @@ void ApplyContactAtc(const OffsetRow&, const Staged& staged) {
   if (staged.integer == 0) {
     ReleaseContactAtc();
   } else if (!contactAtcHeld && commandOf<"sim/operation/contact_atc">.handle != nullptr) {
-    contactAtcHeld = 1;
+    contactAtcHeld = true;
     XPLMCommandBegin(commandOf<"sim/operation/contact_atc">.handle);
   }
 }
@@ -108,7 +108,7 @@ constexpr OffsetRow rows[] = {
 
 void ReleaseContactAtc() {
   if (!contactAtcHeld) return;
-  contactAtcHeld = 0;
+  contactAtcHeld = false;
   XPLMCommandEnd(commandOf<"sim/operation/contact_atc">.handle);
 }
 

@@ -1,5 +1,6 @@
 // Cabin pressure, doors, undercarriage type, runway condition.
-#include "bridge/catalogue/engine_families.h"
+#include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
 
 namespace {
 

@@ -45,42 +45,31 @@ bool ReadAdfFrequency(const OffsetRow& row, double* value) {
   return true;
 }
 
-constexpr OffsetRow Frequency(uint32_t offset, Source source, const char* name, int member, const char* meaning,
-                              Cycle cycle) {
-  return {.offset = offset,
-          .type = Stored::U16,
-          .name = name,
-          .member = member,
-          .meaning = meaning,
-          .unit = "MHz",
-          .show = Show::Bcd,
-          .cycle = cycle,
-          .source = source,
-          .convert = FrequencyToBcd,
-          .write = {.target = source, .convert = FrequencyFromBcd},
-          .lossy = digitLoss,
-          .note = "leading 1 dropped; steps of 10 kHz"};
-}
-constexpr OffsetRow NavFrequency(uint32_t offset, Source target, int member, Cycle cycle) {
-  OffsetRow row = Frequency(offset, target, "nav", member, "NAV frequency", cycle);
-  row.source = {};
-  row.convert = nullptr;
-  row.read = ReadNavFrequency;
+// A COM or NAV frequency.
+constexpr OffsetRow TunedFrequency(OffsetRow row) {
+  row.type = Stored::U16;
+  row.unit = "MHz";
+  row.show = Show::Bcd;
+  row.lossy = digitLoss;
+  row.note = "leading 1 dropped; steps of 10 kHz";
   return row;
 }
-constexpr OffsetRow AdfFrequency(uint32_t offset, Source target, int member, Cycle cycle) {
-  return {.offset = offset,
-          .type = Stored::U16,
-          .name = "adf",
-          .member = member,
-          .meaning = "ADF frequency",
-          .unit = "kHz",
-          .show = Show::Bcd,
-          .cycle = cycle,
-          .read = ReadAdfFrequency,
-          .write = {.target = target, .convert = FromBcd},
-          .lossy = digitLoss,
-          .note = "whole kilohertz, all four digits"};
+// One that follows its dataref.
+constexpr OffsetRow Frequency(OffsetRow row) {
+  row.convert = FrequencyToBcd;
+  row.write = {.target = row.source, .convert = FrequencyFromBcd};
+  return TunedFrequency(row);
+}
+constexpr OffsetRow AdfFrequency(OffsetRow row) {
+  row.type = Stored::U16;
+  row.name = "adf";
+  row.meaning = "ADF frequency";
+  row.unit = "kHz";
+  row.show = Show::Bcd;
+  row.read = ReadAdfFrequency;
+  row.lossy = digitLoss;
+  row.note = "whole kilohertz, all four digits";
+  return row;
 }
 
 // --- Audio panel ---------------------------------------------------------------------------------------
@@ -154,21 +143,65 @@ constexpr OffsetRow rows[] = {
      .lossy = "bit 5 sets bits 7 and 6, and they set it",
      .note = "bit 7 COM1, 6 COM2, 5 both COM, 4 NAV1, 3 NAV2, 2 markers, 1 DME, 0 ADF1"},
 
-    Frequency(0x034E, Int<"sim/cockpit/radios/com1_freq_hz">, "com", 1, "COM1 frequency", Cycle::C31Navigation),
-    Frequency(0x311A, Int<"sim/cockpit/radios/com1_stdby_freq_hz">, "com_standby", 1, "COM1 standby frequency",
-              Cycle::C31Navigation),
-    NavFrequency(0x0350, Int<"sim/cockpit/radios/nav1_freq_hz">, 1, Cycle::C31Navigation),
-    Frequency(0x311E, Int<"sim/cockpit/radios/nav1_stdby_freq_hz">, "nav_standby", 1, "NAV1 standby frequency",
-              Cycle::C31Navigation),
-    AdfFrequency(0x034C, Int<"sim/cockpit/radios/adf1_freq_hz">, 1, Cycle::C31Navigation),
+    Frequency({.offset = 0x034E,
+               .name = "com",
+               .member = 1,
+               .meaning = "COM1 frequency",
+               .cycle = Cycle::C31Navigation,
+               .source = Int<"sim/cockpit/radios/com1_freq_hz">}),
+    Frequency({.offset = 0x311A,
+               .name = "com_standby",
+               .member = 1,
+               .meaning = "COM1 standby frequency",
+               .cycle = Cycle::C31Navigation,
+               .source = Int<"sim/cockpit/radios/com1_stdby_freq_hz">}),
+    TunedFrequency({.offset = 0x0350,
+                    .name = "nav",
+                    .member = 1,
+                    .meaning = "NAV frequency",
+                    .cycle = Cycle::C31Navigation,
+                    .read = ReadNavFrequency,
+                    .write = {.target = Int<"sim/cockpit/radios/nav1_freq_hz">, .convert = FrequencyFromBcd}}),
+    Frequency({.offset = 0x311E,
+               .name = "nav_standby",
+               .member = 1,
+               .meaning = "NAV1 standby frequency",
+               .cycle = Cycle::C31Navigation,
+               .source = Int<"sim/cockpit/radios/nav1_stdby_freq_hz">}),
+    AdfFrequency({.offset = 0x034C,
+                  .member = 1,
+                  .cycle = Cycle::C31Navigation,
+                  .write = {.target = Int<"sim/cockpit/radios/adf1_freq_hz">, .convert = FromBcd}}),
 
-    Frequency(0x3118, Int<"sim/cockpit/radios/com2_freq_hz">, "com", 2, "COM2 frequency", Cycle::C31),
-    Frequency(0x311C, Int<"sim/cockpit/radios/com2_stdby_freq_hz">, "com_standby", 2, "COM2 standby frequency",
-              Cycle::C31),
-    NavFrequency(0x0352, Int<"sim/cockpit/radios/nav2_freq_hz">, 2, Cycle::C31),
-    Frequency(0x3120, Int<"sim/cockpit/radios/nav2_stdby_freq_hz">, "nav_standby", 2, "NAV2 standby frequency",
-              Cycle::C31),
-    AdfFrequency(0x02D4, Int<"sim/cockpit/radios/adf2_freq_hz">, 2, Cycle::C31),
+    Frequency({.offset = 0x3118,
+               .name = "com",
+               .member = 2,
+               .meaning = "COM2 frequency",
+               .cycle = Cycle::C31,
+               .source = Int<"sim/cockpit/radios/com2_freq_hz">}),
+    Frequency({.offset = 0x311C,
+               .name = "com_standby",
+               .member = 2,
+               .meaning = "COM2 standby frequency",
+               .cycle = Cycle::C31,
+               .source = Int<"sim/cockpit/radios/com2_stdby_freq_hz">}),
+    TunedFrequency({.offset = 0x0352,
+                    .name = "nav",
+                    .member = 2,
+                    .meaning = "NAV frequency",
+                    .cycle = Cycle::C31,
+                    .read = ReadNavFrequency,
+                    .write = {.target = Int<"sim/cockpit/radios/nav2_freq_hz">, .convert = FrequencyFromBcd}}),
+    Frequency({.offset = 0x3120,
+               .name = "nav_standby",
+               .member = 2,
+               .meaning = "NAV2 standby frequency",
+               .cycle = Cycle::C31,
+               .source = Int<"sim/cockpit/radios/nav2_stdby_freq_hz">}),
+    AdfFrequency({.offset = 0x02D4,
+                  .member = 2,
+                  .cycle = Cycle::C31,
+                  .write = {.target = Int<"sim/cockpit/radios/adf2_freq_hz">, .convert = FromBcd}}),
     {.offset = 0x0354,
      .type = Stored::U16,
      .name = "transponder",

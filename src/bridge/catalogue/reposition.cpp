@@ -24,10 +24,10 @@ constexpr Source localVx = Float<"sim/flightmodel/position/local_vx">,
 
 // Takes a staged value when its flag is up, else what the offset memory holds. Offset lock held.
 template <typename T>
-T TakeLocked(uint32_t offset, int* taken) {
-  if (!pendingFlags.flags[offset]) return Load<T>(offset);
+T TakeLocked(uint32_t offset, bool* taken) {
+  if (pendingFlags.flags[offset] == 0) return Load<T>(offset);
   pendingFlags.flags[offset] = 0;
-  *taken = 1;
+  *taken = true;
   return LoadPending<T>(offset);
 }
 
@@ -73,8 +73,8 @@ void SetQuaternion(const Quaternion& quaternion) {
 }
 
 void ApplyPosition() {
-  int taken = 0;
-  int fineAltitude = 0;
+  bool taken = false;
+  bool fineAltitude = false;
   int64_t latitude, longitude, altitude;
   {
     LockScope scope(&offsetLock);
@@ -82,10 +82,10 @@ void ApplyPosition() {
     longitude = TakeLocked<int64_t>(0x0568, &taken);
     altitude = TakeLocked<int64_t>(0x0570, &fineAltitude);
     // Whole metres alone mean exactly that many metres; beside a full altitude they are part of it.
-    int wholeMetres = 0;
+    bool wholeMetres = false;
     const int32_t metres = TakeLocked<int32_t>(0x0574, &wholeMetres);
     if (wholeMetres && !fineAltitude) altitude = static_cast<int64_t>(metres) * (int64_t{1} << 32);
-    taken |= fineAltitude | wholeMetres;
+    taken = taken || fineAltitude || wholeMetres;
   }
   if (!taken) return;
   repositionRecord.latitude =
@@ -103,7 +103,7 @@ void ApplyPosition() {
 }
 
 void ApplyAttitude() {
-  int taken = 0;
+  bool taken = false;
   int32_t pitch, bank;
   uint32_t heading;
   {

@@ -15,7 +15,7 @@ constexpr uint32_t nameSize = 252;
 constexpr uint32_t loadCountOffset = 0x3F02;
 
 // Whether the name that was written last is that of a situation.
-int nameIsSituation = 0;
+bool nameIsSituation = false;
 
 // Cuts the name at its first zero byte and clears what is left of an older, longer one.
 void ApplyName(const OffsetRow&, const Staged& staged) {

@@ -10,14 +10,14 @@ constexpr Source localX = Double<"sim/flightmodel/position/local_x">,
 constexpr Source planePathOverride =
     IntElement<"sim/operation/override/override_planepath">(0);  // element 0: the user's aircraft
 
-int slewing = 0;
-int frozen = 0;
-int pathTaken = 0;  // 1: the override is on because we set it
+bool slewing = false;
+bool frozen = false;
+bool pathTaken = false;  // the override is on because we set it
 double frozenX = 0, frozenZ = 0;
 PushbackHooks pushbackHooks = {[] { return 3; }, [](uint32_t) {}};  // off, until the room is connected
 
 void UpdatePlanePath() {
-  const int wanted = slewing || frozen;
+  const bool wanted = slewing || frozen;
   if (wanted == pathTaken) return;
   SetSource(planePathOverride, wanted);
   pathTaken = wanted;
@@ -105,8 +105,8 @@ void MoveFreeze(double x, double z) {
 }
 
 void ClearSlew() {
-  slewing = 0;
-  frozen = 0;
+  slewing = false;
+  frozen = false;
   UpdatePlanePath();
   const uint8_t off[2] = {};
   CopyToMemory(0x05DC, 2, off);

@@ -1,6 +1,7 @@
 // Throttle, mixture, magnetos and starters of the four engines.
 #include <algorithm>
 
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 #include "bridge/catalogue/throttle_actions.h"
 
@@ -17,7 +18,9 @@ constexpr double cutoffFull = 16383;  // of the fuel levers of engines 1 and 2
 bool starterHeld[engineCount];
 
 int EngineOf(const OffsetRow& row) { return row.member - 1; }
-Source LeverOf(int engine) { return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine); }
+constexpr Source LeverOf(int engine) {
+  return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine);
+}
 // What the engine gets; the simulator takes it instead of the lever while the override is on.
 Source UsedThrottleOf(int engine) { return FloatElement<"sim/flightmodel/engine/ENGN_thro_use">(engine); }
 
@@ -48,24 +51,29 @@ void SetPropMode(int engine, bool reverse) {
   if (isReverse != reverse) SetSource(mode, reverse ? reverseMode : normalMode);
 }
 
-// The IXEG 737 has inputs of its own for its two levers; returns 0 when they are not there.
-bool SetIxegLever(int engine, double signedRatio) {
-  if (!IsLoaded(AddOn::Ixeg733) || engine > 1) return false;
-  const Source input =
-      engine == 0 ? Fitting<"ixeg/733/hardware/tavrix_thro1"> : Fitting<"ixeg/733/hardware/tavrix_thro2">;
-  if (HandleOf(input) == nullptr) return false;
-  ixegThrottleTaken = true;
-  SetSource(input, signedRatio);
-  return true;
+void SetLever(const OffsetRow& row, double signedRatio) {
+  SetSource(LeverOf(EngineOf(row)), std::abs(signedRatio));
 }
 
+// The IXEG 737 has inputs of its own for its two levers. When they are not there its levers are the
+// simulator's.
+void SetLeverIxeg(const OffsetRow& row, double signedRatio) {
+  const Source& input = ActiveVariant(row).target;
+  if (HandleOf(input) == nullptr) {
+    SetLever(row, signedRatio);
+    return;
+  }
+  ixegThrottleTaken = true;
+  SetSource(input, signedRatio);
+}
+
+template <void (*setLever)(const OffsetRow& row, double signedRatio)>
 void ApplyThrottle(const OffsetRow& row, const Staged& staged) {
   const int engine = EngineOf(row);
   const double signedRatio = SignedRatio(staged.number);
-  const double ratio = std::abs(signedRatio);
   SetPropMode(engine, signedRatio < 0);
-  if (!SetIxegLever(engine, signedRatio)) SetSource(LeverOf(engine), ratio);
-  if (IsOn(throttleOverride)) SetSource(UsedThrottleOf(engine), ratio);
+  setLever(row, signedRatio);
+  if (IsOn(throttleOverride)) SetSource(UsedThrottleOf(engine), std::abs(signedRatio));
 }
 
 // Past the axis cut-off: straight to the place that counts at the moment.
@@ -77,123 +85,141 @@ void ApplyDirectThrottle(const OffsetRow& row, const Staged& staged) {
 }
 
 constexpr Family throttle = {
-    {.type = Stored::S16,
-     .name = "throttle",
-     .meaning = "throttle lever",
-     .unit = "%",
-     .unitScale = 100 / forwardFull,
-     .cycle = Cycle::C1,
-     .prepared = throttleWords,
-     .inputs = sourcesOf<FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(3), reverserWord,
-                         throttleOverride>,
-     .prepare = TakeThrottles,
-     .write = {.apply = ApplyThrottle},
-     .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
-     .note = "16384 full forward, -4096 full reverse"},
-    {0x088C, 0x0924, 0x09BC, 0x0A54}};
+    .shape = {.type = Stored::S16,
+              .name = "throttle",
+              .meaning = "throttle lever",
+              .unit = "%",
+              .unitScale = 100 / forwardFull,
+              .cycle = Cycle::C1,
+              .prepared = throttleWords,
+              .inputs = sourcesOf<FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(3), reverserWord,
+                                  throttleOverride>,
+              .prepare = TakeThrottles,
+              .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
+              .note = "16384 full forward, -4096 full reverse"},
+    .offsets = {0x088C, 0x0924, 0x09BC, 0x0A54},
+    .variants =
+        {variantsOf<[] {
+           return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                     .target = Fitting<"ixeg/733/hardware/tavrix_thro1">,
+                                     .apply = ApplyThrottle<SetLeverIxeg>},
+                             Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
+         }>,
+         variantsOf<[] {
+           return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                     .target = Fitting<"ixeg/733/hardware/tavrix_thro2">,
+                                     .apply = ApplyThrottle<SetLeverIxeg>},
+                             Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
+         }>,
+         variantsOf<[] { return std::array{Variant{.target = LeverOf(2), .apply = ApplyThrottle<SetLever>}}; }>,
+         variantsOf<[] {
+           return std::array{Variant{.target = LeverOf(3), .apply = ApplyThrottle<SetLever>}};
+         }>},
+};
 constexpr Family leverInput = {
-    {.type = Stored::S16,
-     .name = "throttle_input",
-     .meaning = "throttle lever input",
-     .unit = "%",
-     .unitScale = 100 / forwardFull,
-     .cycle = Cycle::C1,
-     .prepared = throttleWords,
-     .inputs = sourcesOf<FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(3), reverserWord,
-                         throttleOverride>,
-     .prepare = TakeThrottles},
-    {0, 0, 0x3334, 0x3336}};
+    .shape = {.type = Stored::S16,
+              .name = "throttle_input",
+              .meaning = "throttle lever input",
+              .unit = "%",
+              .unitScale = 100 / forwardFull,
+              .cycle = Cycle::C1,
+              .prepared = throttleWords,
+              .inputs = sourcesOf<FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(3), reverserWord,
+                                  throttleOverride>,
+              .prepare = TakeThrottles},
+    .offsets = {0, 0, 0x3334, 0x3336},
+};
 constexpr Family directThrottle = {
-    {.type = Stored::S16,
-     .name = "throttle_direct",
-     .meaning = "throttle past the axis cut-off",
-     .unit = "%",
-     .unitScale = 100 / forwardFull,
-     .write = {.apply = ApplyDirectThrottle},
-     .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
-    {0x089A, 0x0932, 0, 0}};
+    .shape = {.type = Stored::S16,
+              .name = "throttle_direct",
+              .meaning = "throttle past the axis cut-off",
+              .unit = "%",
+              .unitScale = 100 / forwardFull,
+              .write = {.apply = ApplyDirectThrottle},
+              .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
+    .offsets = {0x089A, 0x0932, 0, 0},
+};
 constexpr Family directThrust = {
-    {.type = Stored::S16,
-     .name = "throttle_direct",
-     .meaning = "throttle past the axis cut-off",
-     .unit = "%",
-     .unitScale = 100 / forwardFull,
-     .write = {.target = FloatElement<"sim/flightmodel/engine/ENGN_thro">(0), .convert = SignedRatio},
-     .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
-    {0, 0, 0x09CA, 0x0A62}};
+    .shape = {.type = Stored::S16,
+              .name = "throttle_direct",
+              .meaning = "throttle past the axis cut-off",
+              .unit = "%",
+              .unitScale = 100 / forwardFull,
+              .write = {.target = FloatElement<"sim/flightmodel/engine/ENGN_thro">(0), .convert = SignedRatio},
+              .note = "16384 full forward, -4096 full reverse; keeps what a client wrote"},
+    .offsets = {0, 0, 0x09CA, 0x0A62},
+};
 
 // --- Mixture and fuel valves --------------------------------------------------------------------------
 
-Source X737LeverOf(int engine) {
-  return engine == 0 ? Float<"x737/cockpit/tq/leftCutoffLeverPos">
-                     : Float<"x737/cockpit/tq/rightCutoffLeverPos">;
-}
-Source B738RatioOf(int engine) {
-  return engine == 0 ? Float<"laminar/B738/engine/mixture_ratio1">
-                     : Float<"laminar/B738/engine/mixture_ratio2">;
-}
-Source MixtureOf(const OffsetRow& row) {
-  return FloatElement<"sim/flightmodel/engine/ENGN_mixt">(EngineOf(row));
-}
-
-bool ReadCutoffLever(const OffsetRow& row, double* value) {
-  const int engine = EngineOf(row);
-  const Source lever = IsLoaded(AddOn::X737)           ? X737LeverOf(engine)
-                       : IsLoaded(AddOn::B738Extended) ? B738RatioOf(engine)
-                                                       : MixtureOf(row);
-  *value = ReadSource(lever) * cutoffFull;
-  return true;
-}
-
-void ApplyCutoffLever(const OffsetRow& row, const Staged& staged) {
-  const int engine = EngineOf(row);
-  if (IsLoaded(AddOn::X737)) {
-    SetSource(X737LeverOf(engine), std::clamp(staged.number / 16384, 0.0, 1.0));
-  } else if (IsLoaded(AddOn::B738Extended)) {
-    SetSource(B738RatioOf(engine), std::clamp(staged.number / cutoffFull, 0.0, 1.0));
-  } else {
-    SetSource(MixtureOf(row), std::clamp(staged.number / cutoffFull, 0.0, 1.0));
-  }
-}
+// The x737's levers go to 16384 when they are set.
+double CutoffOfX737(double word) { return word / 16384; }
 
 constexpr Family cutoffLever = {
-    {.type = Stored::U16,
-     .name = "mixture",
-     .meaning = "mixture or fuel cut-off lever",
-     .unit = "%",
-     .unitScale = 100 / cutoffFull,
-     .cycle = Cycle::C7,
-     .read = ReadCutoffLever,
-     .write = {.apply = ApplyCutoffLever},
-     .lossy = "above 16383 reads back 16383; the extended 737-800 knows only cut-off and idle",
-     .note = "16383 full rich or open"},
-    {0x0890, 0x0928, 0, 0}};
-constexpr Family mixture = {{.type = Stored::U16,
-                             .name = "mixture",
-                             .meaning = "mixture lever",
-                             .unit = "%",
-                             .unitScale = 100.0 / 16384,
-                             .cycle = Cycle::C7,
-                             .source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
-                             .factor = 16384,
-                             .write = {.target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
-                                       .factor = 1.0 / 16384,
-                                       .low = 0,
-                                       .high = 1},
-                             .lossy = "above 16384 reads back 16384",
-                             .note = "16384 full rich"},
-                            {0, 0, 0x09C0, 0x0A58}};
+    .shape = {.type = Stored::U16,
+              .name = "mixture",
+              .meaning = "mixture or fuel cut-off lever",
+              .unit = "%",
+              .unitScale = 100 / cutoffFull,
+              .cycle = Cycle::C7,
+              .factor = cutoffFull,
+              .write = {.factor = 1 / cutoffFull, .low = 0, .high = 1},
+              .lossy = "above 16383 reads back 16383; the extended 737-800 knows only cut-off and idle",
+              .note = "16383 full rich or open"},
+    .offsets = {0x0890, 0x0928, 0, 0},
+    .variants = {variantsOf<[] {
+                   return std::array{Variant{.addOn = AddOn::X737,
+                                             .source = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                                             .target = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                                             .targetConvert = CutoffOfX737},
+                                     Variant{.addOn = AddOn::B738Extended,
+                                             .source = Float<"laminar/B738/engine/mixture_ratio1">,
+                                             .target = Float<"laminar/B738/engine/mixture_ratio1">},
+                                     Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
+                                             .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0)}};
+                 }>,
+                 variantsOf<[] {
+                   return std::array{Variant{.addOn = AddOn::X737,
+                                             .source = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
+                                             .target = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
+                                             .targetConvert = CutoffOfX737},
+                                     Variant{.addOn = AddOn::B738Extended,
+                                             .source = Float<"laminar/B738/engine/mixture_ratio2">,
+                                             .target = Float<"laminar/B738/engine/mixture_ratio2">},
+                                     Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1),
+                                             .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1)}};
+                 }>},
+};
+constexpr Family mixture = {
+    .shape = {.type = Stored::U16,
+              .name = "mixture",
+              .meaning = "mixture lever",
+              .unit = "%",
+              .unitScale = 100.0 / 16384,
+              .cycle = Cycle::C7,
+              .source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
+              .factor = 16384,
+              .write = {.target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
+                        .factor = 1.0 / 16384,
+                        .low = 0,
+                        .high = 1},
+              .lossy = "above 16384 reads back 16384",
+              .note = "16384 full rich"},
+    .offsets = {0, 0, 0x09C0, 0x0A58},
+};
 constexpr Family fuelValve = {
-    {.type = Stored::S32,
-     .name = "fuel_valve",
-     .meaning = "fuel valve open",
-     .show = Show::Flag,
-     .cycle = Cycle::C13,
-     .source = FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio">(0),
-     .convert = Positive,
-     .write = {.target = FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio">(0), .convert = OnOff},
-     .lossy = flagLoss},
-    {0x3590, 0x3594, 0, 0}};
+    .shape = {.type = Stored::S32,
+              .name = "fuel_valve",
+              .meaning = "fuel valve open",
+              .show = Show::Flag,
+              .cycle = Cycle::C13,
+              .source = FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio">(0),
+              .convert = Positive,
+              .write = {.target = FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio">(0),
+                        .convert = OnOff},
+              .lossy = flagLoss},
+    .offsets = {0x3590, 0x3594, 0, 0},
+};
 
 // --- Magnetos and starters ----------------------------------------------------------------------------
 
@@ -287,42 +313,47 @@ void ApplyMagnetoSwitch(const OffsetRow& row, const Staged& staged) {
 }
 
 constexpr Family magneto = {
-    {.type = Stored::U16,
-     .name = "magneto",
-     .meaning = "magneto or starter switch",
-     .cycle = Cycle::C13,
-     .prepared = magnetoSwitches,
-     .prepare = TakeStarters,
-     .write = {.apply = ApplyMagnetoSwitch},
-     .lossy = "shows what the engine does, so start reads back only while the starter turns",
-     .note = "piston: 0 off, 1 right, 2 left, 3 both, 4 start; turbine: 0 off, 1 start, 2 generator"},
-    {0x0892, 0x092A, 0x09C2, 0x0A5A}};
-constexpr Family starter = {{.type = Stored::U8,
-                             .name = "starter",
-                             .meaning = "starter engaged",
-                             .show = Show::Flag,
-                             .cycle = Cycle::C13,
-                             .prepared = startersEngaged,
-                             .prepare = TakeStarters},
-                            {0x0506, 0x0507, 0x0508, 0x0509}};
+    .shape = {.type = Stored::U16,
+              .name = "magneto",
+              .meaning = "magneto or starter switch",
+              .cycle = Cycle::C13,
+              .prepared = magnetoSwitches,
+              .prepare = TakeStarters,
+              .write = {.apply = ApplyMagnetoSwitch},
+              .lossy = "shows what the engine does, so start reads back only while the starter turns",
+              .note = "piston: 0 off, 1 right, 2 left, 3 both, 4 start; turbine: 0 off, 1 start, 2 generator"},
+    .offsets = {0x0892, 0x092A, 0x09C2, 0x0A5A},
+};
+constexpr Family starter = {
+    .shape = {.type = Stored::U8,
+              .name = "starter",
+              .meaning = "starter engaged",
+              .show = Show::Flag,
+              .cycle = Cycle::C13,
+              .prepared = startersEngaged,
+              .prepare = TakeStarters},
+    .offsets = {0x0506, 0x0507, 0x0508, 0x0509},
+};
 constexpr Family ignition = {
-    {.type = Stored::S32,
-     .name = "ignition",
-     .meaning = "ignition switch",
-     .show = Show::Flag,
-     .cycle = Cycle::C13,
-     .source = IntElement<"sim/cockpit/engine/igniters_on">(0),
-     .write = {.target = IntElement<"sim/cockpit/engine/igniters_on">(0), .convert = OnOff},
-     .lossy = flagLoss},
-    {0x208C, 0x218C, 0x228C, 0x238C}};
+    .shape = {.type = Stored::S32,
+              .name = "ignition",
+              .meaning = "ignition switch",
+              .show = Show::Flag,
+              .cycle = Cycle::C13,
+              .source = IntElement<"sim/cockpit/engine/igniters_on">(0),
+              .write = {.target = IntElement<"sim/cockpit/engine/igniters_on">(0), .convert = OnOff},
+              .lossy = flagLoss},
+    .offsets = {0x208C, 0x218C, 0x228C, 0x238C},
+};
 constexpr Family igniter = {
-    {.type = Stored::U8,
-     .name = "igniter",
-     .meaning = "igniter switch",
-     .show = Show::Flag,
-     .write = {.target = IntElement<"sim/cockpit/engine/igniters_on">(0), .convert = OnOff},
-     .note = "keeps what a client wrote"},
-    {0x6D8E, 0x6D8F, 0, 0}};
+    .shape = {.type = Stored::U8,
+              .name = "igniter",
+              .meaning = "igniter switch",
+              .show = Show::Flag,
+              .write = {.target = IntElement<"sim/cockpit/engine/igniters_on">(0), .convert = OnOff},
+              .note = "keeps what a client wrote"},
+    .offsets = {0x6D8E, 0x6D8F, 0, 0},
+};
 
 constexpr auto rows = Joined(EngineRows<throttle, leverInput>(), EngineRows<directThrottle, directThrust>(),
                              EngineRows<cutoffLever, mixture>(), EngineRows<fuelValve>(),

@@ -73,7 +73,7 @@ double SeasonOf(double day) {
 
 void ApplyPause(const OffsetRow&, const Staged& staged) {
   // The simulator's pause word cannot be set; the key toggles it.
-  if ((staged.integer != 0) != (IsOn(Int<"sim/time/paused">) != 0)) XPLMCommandKeyStroke(xplm_key_pause);
+  if ((staged.integer != 0) != IsOn(Int<"sim/time/paused">)) XPLMCommandKeyStroke(xplm_key_pause);
 }
 
 // A client's 0 or fraction must not stop the simulator.

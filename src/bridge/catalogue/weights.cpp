@@ -30,7 +30,7 @@ void ApplyZeroFuelWeight(const OffsetRow&, const Staged& staged) {
 
 // Centre of gravity of the 737-800s as a share of the mean aerodynamic chord, from the loads and their arms
 // in metres behind the reference point. Cut to the limits of the type.
-double ChordShare737() {
+bool ReadChordShare737(const OffsetRow&, double* value) {
   constexpr double operatingEmptyKg = 41413;
   constexpr double cabinArm = 16.8783, wingTankArm = 16.9164, centreTankArm = 15.3924;
   constexpr double leadingEdge = 15.9283;
@@ -41,11 +41,7 @@ double ChordShare737() {
   const double centreTank = ReadSource(FloatElement<"sim/flightmodel/weight/m_fuel">(1));
   const double arm = (cabin * cabinArm + wingTanks * wingTankArm + centreTank * centreTankArm) /
                      (cabin + wingTanks + centreTank);
-  return std::clamp((arm - leadingEdge) * perChord, 0.06, 0.36);
-}
-bool ReadBalance(const OffsetRow&, double* value) {
-  const bool is737 = IsLoaded(AddOn::X737) || IsLoaded(AddOn::B738Extended) || IsLoaded(AddOn::B738Stock);
-  *value = is737 ? ChordShare737() : ReadSource(defaultBalance);
+  *value = std::clamp((arm - leadingEdge) * perChord, 0.06, 0.36);
   return true;
 }
 
@@ -109,7 +105,12 @@ constexpr OffsetRow rows[] = {
      .name = "centre_of_gravity",
      .meaning = "centre of gravity",
      .cycle = Cycle::C59,
-     .read = ReadBalance,
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::X737, .read = ReadChordShare737},
+                         Variant{.addOn = AddOn::B738Extended, .read = ReadChordShare737},
+                         Variant{.addOn = AddOn::B738Stock, .read = ReadChordShare737},
+                         Variant{.source = defaultBalance}};
+     }>,
      .write = {.target = defaultBalance},
      .lossy = "single precision; a 737-800 reads back its own balance",
      .note = "share of the mean aerodynamic chord on a 737-800, else metres from the default position"},

@@ -35,64 +35,52 @@ void ApplySurfaceDirection(const OffsetRow&, const Staged& staged) {
   SetSource(surfaceDirection, Wrapped(staged.number / angle16 - ReadSource(magneticVariation)));
 }
 
-// One quantity of a layer: the settable offset. `factor` turns the dataref into the stored number.
-struct Quantity {
-  const char* name;
-  const char* meaning;
-  const char* unit;
-  double factor;
-};
-constexpr Quantity speed = {"wind_speed", "wind speed", "kt", 1};
-constexpr Quantity turbulence = {"turbulence", "turbulence, 0 to 255", "", turbulenceUnits};
-constexpr Quantity gust = {"gust", "gust", "kt", 1};
-
-constexpr OffsetRow Settable(uint32_t offset, Source source, const Quantity& quantity, int layer, Cycle cycle) {
-  return {.offset = offset,
-          .type = Stored::U16,
-          .name = quantity.name,
-          .member = layer + 1,
-          .meaning = quantity.meaning,
-          .unit = quantity.unit,
-          .cycle = cycle,
-          .source = source,
-          .factor = quantity.factor,
-          .write = {.target = source, .factor = 1 / quantity.factor}};
+// What the quantities of every layer have in common: clients set them where they read them.
+constexpr OffsetRow Settable(OffsetRow row) {
+  row.type = Stored::U16;
+  row.write = {.target = row.source, .factor = 1 / row.factor};
+  return row;
 }
-// The same value at another place, read only.
-constexpr OffsetRow Copy(OffsetRow row, uint32_t offset, bool readOnly = false) {
+constexpr OffsetRow Speed(OffsetRow row) {
+  row.name = "wind_speed";
+  row.meaning = "wind speed";
+  row.unit = "kt";
+  return Settable(row);
+}
+constexpr OffsetRow Turbulence(OffsetRow row) {
+  row.name = "turbulence";
+  row.meaning = "turbulence, 0 to 255";
+  row.factor = turbulenceUnits;
+  return Settable(row);
+}
+constexpr OffsetRow Gust(OffsetRow row) {
+  row.name = "gust";
+  row.meaning = "gust";
+  row.unit = "kt";
+  return Settable(row);
+}
+// An end of a layer.
+constexpr OffsetRow Altitude(OffsetRow row) {
+  row.type = Stored::U16;
+  row.unit = "m";
+  row.cycle = Cycle::C157;
+  return row;
+}
+
+// The same value at another place.
+constexpr OffsetRow Copy(OffsetRow row, uint32_t offset) {
   row.offset = offset;
   row.name = "";
   row.member = 0;
   row.write = {};
   row.note = "copy";
-  row.readOnly = readOnly;
   return row;
 }
-
-constexpr OffsetRow SurfaceDirection(uint32_t offset) {
-  return {.offset = offset,
-          .type = Stored::U16,
-          .name = "wind_direction",
-          .member = 1,
-          .meaning = "surface wind direction, magnetic",
-          .unit = "deg",
-          .unitScale = 1 / angle16,
-          .cycle = Cycle::C59,
-          .read = ReadSurfaceDirection,
-          .write = {.apply = ApplySurfaceDirection}};
-}
-
-constexpr OffsetRow Altitude(uint32_t offset, const char* name, int layer, const char* meaning, double factor,
-                             Source source) {
-  return {.offset = offset,
-          .type = Stored::U16,
-          .name = name,
-          .member = layer + 1,
-          .meaning = meaning,
-          .unit = "m",
-          .cycle = Cycle::C157,
-          .source = source,
-          .factor = factor};
+// The same that clients' writes pass over.
+constexpr OffsetRow ReadOnlyCopy(OffsetRow row, uint32_t offset) {
+  row = Copy(row, offset);
+  row.readOnly = true;
+  return row;
 }
 
 // --- Upper layers --------------------------------------------------------------------------------------
@@ -103,33 +91,43 @@ struct UpperLayer {
   bool readOnlyCopy[6];  // of ceiling, base, speed, direction, turbulence, gust
 };
 constexpr UpperLayer upperLayers[2] = {
-    {0x0F64,
-     Float<"sim/weather/wind_altitude_msl_m[1]">,
-     Float<"sim/weather/wind_speed_kt[1]">,
-     Float<"sim/weather/wind_direction_degt[1]">,
-     Float<"sim/weather/turbulence[1]">,
-     Float<"sim/weather/shear_speed_kt[1]">,
-     {true, true, true, true, true, false}},
-    {0x0F58,
-     Float<"sim/weather/wind_altitude_msl_m[2]">,
-     Float<"sim/weather/wind_speed_kt[2]">,
-     Float<"sim/weather/wind_direction_degt[2]">,
-     Float<"sim/weather/turbulence[2]">,
-     Float<"sim/weather/shear_speed_kt[2]">,
-     {false, false, true, true, true, false}},
+    {.block = 0x0F64,
+     .altitude = Float<"sim/weather/wind_altitude_msl_m[1]">,
+     .speed = Float<"sim/weather/wind_speed_kt[1]">,
+     .direction = Float<"sim/weather/wind_direction_degt[1]">,
+     .turbulence = Float<"sim/weather/turbulence[1]">,
+     .gust = Float<"sim/weather/shear_speed_kt[1]">,
+     .readOnlyCopy = {true, true, true, true, true, false}},
+    {.block = 0x0F58,
+     .altitude = Float<"sim/weather/wind_altitude_msl_m[2]">,
+     .speed = Float<"sim/weather/wind_speed_kt[2]">,
+     .direction = Float<"sim/weather/wind_direction_degt[2]">,
+     .turbulence = Float<"sim/weather/turbulence[2]">,
+     .gust = Float<"sim/weather/shear_speed_kt[2]">,
+     .readOnlyCopy = {false, false, true, true, true, false}},
 };
 
 constexpr std::array<OffsetRow, 12> UpperRows(int layer) {
   const UpperLayer& from = upperLayers[layer - 1];
-  const uint32_t block = from.block;
+  const int member = layer + 1;
   const OffsetRow settable[6] = {
-      Altitude(block, "wind_ceiling", layer, "ceiling of the wind layer", 1.5, from.altitude),
-      Altitude(block + 2, "wind_base", layer, "base of the wind layer", 0.5, from.altitude),
-      Settable(block + 4, from.speed, speed, layer, Cycle::C157),
-      {.offset = block + 6,
+      Altitude({.offset = from.block,
+                .name = "wind_ceiling",
+                .member = member,
+                .meaning = "ceiling of the wind layer",
+                .source = from.altitude,
+                .factor = 1.5}),
+      Altitude({.offset = from.block + 2,
+                .name = "wind_base",
+                .member = member,
+                .meaning = "base of the wind layer",
+                .source = from.altitude,
+                .factor = 0.5}),
+      Speed({.offset = from.block + 4, .member = member, .cycle = Cycle::C157, .source = from.speed}),
+      {.offset = from.block + 6,
        .type = Stored::U16,
        .name = "wind_direction",
-       .member = layer + 1,
+       .member = member,
        .meaning = "wind direction, true",
        .unit = "deg",
        .unitScale = 1 / angle16,
@@ -137,26 +135,40 @@ constexpr std::array<OffsetRow, 12> UpperRows(int layer) {
        .source = from.direction,
        .convert = AngleOf,
        .write = {.target = from.direction, .factor = 1 / angle16}},
-      Settable(block + 8, from.turbulence, turbulence, layer, Cycle::C157),
-      Settable(block + 10, from.gust, gust, layer, Cycle::C157),
+      Turbulence({.offset = from.block + 8, .member = member, .cycle = Cycle::C157, .source = from.turbulence}),
+      Gust({.offset = from.block + 10, .member = member, .cycle = Cycle::C157, .source = from.gust}),
   };
   std::array<OffsetRow, 12> rows = {};
   for (size_t n = 0; n < std::size(settable); ++n) {
+    const uint32_t copyAt = settable[n].offset - copyBelow;
     rows[2 * n] = settable[n];
-    rows[2 * n + 1] = Copy(settable[n], settable[n].offset - copyBelow, from.readOnlyCopy[n]);
+    rows[2 * n + 1] = from.readOnlyCopy[n] ? ReadOnlyCopy(settable[n], copyAt) : Copy(settable[n], copyAt);
   }
   return rows;
 }
 
-constexpr OffsetRow surfaceSpeed =
-    Settable(0x0F72, Float<"sim/weather/wind_speed_kt[0]">, speed, 0, Cycle::C13);
-constexpr OffsetRow surfaceDirectionRow = SurfaceDirection(0x0F74);
-constexpr OffsetRow surfaceTop = Altitude(0x0F70, "wind_ceiling", 0, "top of the surface wind layer", 1,
-                                          Float<"sim/weather/wind_altitude_msl_m[0]">);
-constexpr OffsetRow surfaceTurbulence =
-    Settable(0x0F76, Float<"sim/weather/turbulence[0]">, turbulence, 0, Cycle::C157);
-constexpr OffsetRow surfaceGust =
-    Settable(0x0F78, Float<"sim/weather/shear_speed_kt[0]">, gust, 0, Cycle::C157);
+// --- Surface layer, and the rows of all --------------------------------------------------------------
+constexpr OffsetRow surfaceSpeed = Speed(
+    {.offset = 0x0F72, .member = 1, .cycle = Cycle::C13, .source = Float<"sim/weather/wind_speed_kt[0]">});
+constexpr OffsetRow surfaceDirectionRow = {.offset = 0x0F74,
+                                           .type = Stored::U16,
+                                           .name = "wind_direction",
+                                           .member = 1,
+                                           .meaning = "surface wind direction, magnetic",
+                                           .unit = "deg",
+                                           .unitScale = 1 / angle16,
+                                           .cycle = Cycle::C59,
+                                           .read = ReadSurfaceDirection,
+                                           .write = {.apply = ApplySurfaceDirection}};
+constexpr OffsetRow surfaceTop = Altitude({.offset = 0x0F70,
+                                           .name = "wind_ceiling",
+                                           .member = 1,
+                                           .meaning = "top of the surface wind layer",
+                                           .source = Float<"sim/weather/wind_altitude_msl_m[0]">});
+constexpr OffsetRow surfaceTurbulence = Turbulence(
+    {.offset = 0x0F76, .member = 1, .cycle = Cycle::C157, .source = Float<"sim/weather/turbulence[0]">});
+constexpr OffsetRow surfaceGust = Gust(
+    {.offset = 0x0F78, .member = 1, .cycle = Cycle::C157, .source = Float<"sim/weather/shear_speed_kt[0]">});
 
 constexpr OffsetRow nearRows[] = {
     {.offset = 0x0E90,
@@ -193,11 +205,11 @@ constexpr OffsetRow nearRows[] = {
 
     surfaceSpeed,
     Copy(surfaceSpeed, 0x0EF0),
-    Copy(surfaceSpeed, 0x04D8, true),
+    ReadOnlyCopy(surfaceSpeed, 0x04D8),
 
     surfaceDirectionRow,
     Copy(surfaceDirectionRow, 0x0EF2),
-    Copy(surfaceDirectionRow, 0x04DA, true),
+    ReadOnlyCopy(surfaceDirectionRow, 0x04DA),
 
     surfaceTop,
     Copy(surfaceTop, 0x0EEE),
