@@ -1,8 +1,8 @@
 // The room aircraft/: aircraft and plug-ins that publish systems of their own, which the simulator's stock
 // datarefs do not cover. Each is recognised at run time; its datarefs and commands are then looked up, and the
 // rows that have a variant for it switch over (bridge/catalogue.h). When it goes away, or another aircraft is
-// loaded, its handles become null again and the rows are back at the stock datarefs. The readers take their handles
-// anew then.
+// loaded, its handles become null again and the rows are back at the stock datarefs. The readers take their
+// handles anew then.
 //
 // The look-ups are made once per recognition, never again while the add-on stays. The names stand in
 // the rows; which offsets follow which add-on is told in docs/aircraft.md.
