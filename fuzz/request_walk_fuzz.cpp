@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
-#include "bridge/cycles.h"
 #include "base/bytes.h"
+#include "bridge/cycles.h"
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "offsets/request_walk.h"
