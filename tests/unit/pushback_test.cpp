@@ -2,11 +2,10 @@
 #include "pushback/pushback.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 #include <numbers>
-#include <sstream>
+#include <tuple>
 
 #include "bridge/catalogue/reposition.h"
 #include "row_harness.h"
@@ -18,10 +17,10 @@
 namespace {
 
 using rows::Get;
-using rows::Read;
 using rows::Set;
 
 constexpr const char* parkingBrake = "sim/flightmodel/controls/parkbrake";
+constexpr uint32_t stopped = 3;
 constexpr const char* overrides[] = {"sim/operation/override/override_joystick",
                                      "sim/operation/override/override_gearbrake",
                                      "sim/operation/override/override_artstab"};
@@ -34,8 +33,7 @@ class Pushback : public testing::Test {
     std::filesystem::create_directories(folder);
     file = folder / "TAVRIX.ini";
     Begin("MaxSpeed = -1.5\nMaxTurnSpeed = 0.15\n");
-    Set(parkingBrake, 0);
-    Set(POSITION "psi", 0);
+    rows::SetAll({{parkingBrake, 0}, {POSITION "psi", 0}});
   }
   void TearDown() override {
     StopPushback();
@@ -44,9 +42,12 @@ class Pushback : public testing::Test {
   }
   void Begin(const std::string& keys) {
     StopPushback();
-    std::ofstream(file, std::ios::binary) << "[PUSHBACK SETTINGS]\n" << keys;
-    SetSettingsPath(file.string().c_str());
+    WriteSettings(keys);
     InitPushback();
+  }
+  void WriteSettings(const std::string& keys) {
+    tools::WriteFile(file, "[PUSHBACK SETTINGS]\n" + keys);
+    SetSettingsPath(file.string().c_str());
   }
   std::string File() const { return tools::ReadFile(file); }
   static void Frames(int count) {
@@ -73,40 +74,30 @@ class Pushback : public testing::Test {
 };
 
 TEST_F(Pushback, CommandsThroughTheOffset) {
-  const uint32_t start = 3;
-  const struct {
-    uint32_t written;
-    double brake;
-    int mode, overridden;
-  } cases[] = {{0, 0, 0, 1},          {1, 0, 1, 1},   {2, 0, 2, 1}, {7, 0, 0, 1},
-               {0xFFFFFFFF, 0, 0, 1}, {0, 0.1, 3, 0}, {2, 1, 3, 0}, {7, 1, 3, 0}};
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.written);
-    Set(parkingBrake, test.brake);
-    CopyToMemory(0x31F4, 4, &start);
-    for (const char* name : {"sim/flightmodel/controls/l_brake_add", "sim/flightmodel/controls/r_brake_add",
-                             "sim/joystick/yoke_heading_ratio", "sim/flightmodel/controls/dist"}) {
-      Set(name, 0.5);
-    }
-    rows::WriteAndRun(0x31F4, test.written);
-    EXPECT_EQ(pushbackMode, test.mode);
-    ExpectOverrides(test.overridden);
-    for (const char* name : {"sim/flightmodel/controls/l_brake_add", "sim/flightmodel/controls/r_brake_add",
-                             "sim/joystick/yoke_heading_ratio", "sim/flightmodel/controls/dist"}) {
-      EXPECT_EQ(Get(name), test.overridden ? 0 : 0.5) << name;
-    }
+  const std::string controls[] = {"sim/flightmodel/controls/l_brake_add",
+                                  "sim/flightmodel/controls/r_brake_add", "sim/joystick/yoke_heading_ratio",
+                                  "sim/flightmodel/controls/dist"};
+  // Written, parking brake, mode, whether it takes the overrides.
+  const std::tuple<uint32_t, double, int, bool> cases[] = {
+      {0, 0, 0, true},          {1, 0, 1, true},    {2, 0, 2, true},  {7, 0, 0, true},
+      {0xFFFFFFFF, 0, 0, true}, {0, 0.1, 3, false}, {2, 1, 3, false}, {7, 1, 3, false}};
+  for (const auto& [written, brake, mode, overridden] : cases) {
+    SCOPED_TRACE(written);
+    Set(parkingBrake, brake);
+    CopyToMemory(0x31F4, 4, &stopped);
+    for (const std::string& name : controls) Set(name, 0.5);
+    rows::WriteAndRun(0x31F4, written);
+    EXPECT_EQ(pushbackMode, mode);
+    ExpectOverrides(overridden);
+    for (const std::string& name : controls) EXPECT_EQ(Get(name), overridden ? 0 : 0.5) << name;
     rows::Refresh(Cycle::C31Navigation);
-    EXPECT_EQ(Read<uint32_t>(0x31F0), static_cast<uint32_t>(test.mode));
-    EXPECT_EQ(Read<uint32_t>(0x31F4), static_cast<uint32_t>(test.mode));
+    rows::ExpectShown({{0x31F0, rows::U32, double(mode)}, {0x31F4, rows::U32, double(mode)}});
     rows::WriteAndRun<uint32_t>(0x31F4, 3);
     EXPECT_EQ(pushbackMode, 3);
     ExpectOverrides(0);
   }
-}
-
-TEST_F(Pushback, SameCommandTwiceStartsOnce) {
-  const uint32_t stopped = 3;
-  CopyToMemory(0x31F4, 4, &stopped);
+  // The same command twice starts once.
+  Set(parkingBrake, 0);
   rows::WriteAndRun<uint32_t>(0x31F4, 2);
   Set("sim/flightmodel/controls/dist", 12);
   rows::WriteAndRun<uint32_t>(0x31F4, 2);
@@ -115,13 +106,15 @@ TEST_F(Pushback, SameCommandTwiceStartsOnce) {
 
 TEST_F(Pushback, SpeedRampsAndAlternatesAroundTheWantedOne) {
   CommandPushback(0);
-  const struct {
-    int frames;
-    double speed;
-  } cases[] = {{1, -0.009}, {99, -0.9}, {66, -1.494}, {1, -1.503}, {1, -1.494}, {1, -1.503}, {1001, -1.494}};
-  for (const auto& test : cases) {
-    Frames(test.frames);
-    EXPECT_NEAR(Vz(), -test.speed, 1e-4) << test.frames;
+  for (const auto& [frames, speed] : {std::pair{1, -0.009},
+                                      {99, -0.9},
+                                      {66, -1.494},
+                                      {1, -1.503},
+                                      {1, -1.494},
+                                      {1, -1.503},
+                                      {1001, -1.494}}) {
+    Frames(frames);
+    EXPECT_NEAR(Vz(), -speed, 1e-4) << frames;
     EXPECT_NEAR(Vx(), 0, 1e-6);
   }
   // Along the heading, whatever that is.
@@ -157,22 +150,13 @@ TEST_F(Pushback, TurnsBothWaysWithTheRateKept) {
   CommandPushback(2);
   Frames(1);
   EXPECT_NEAR(QuaternionHeading(), 99.85, 1e-3);
-  CommandPushback(3);
-  CommandPushback(2);
-  Frames(1);
-  EXPECT_NEAR(QuaternionHeading(), 99.85, 1e-3);  // begins with the rate of the last turn
-
-  const struct {
-    uint32_t mode;
-    double psi, heading;
-  } cases[] = {{1, 359.95, 0}, {1, 359.5, 359.65}, {2, 0.05, 360}, {2, 0.5, 0.35}, {1, 0, 0.15}};
-  Set(POSITION "theta", 2);
-  Set(POSITION "phi", -1);
-  for (const auto& test : cases) {
-    CommandPushback(test.mode);
-    SetHeading(test.psi);
+  rows::SetAll({{POSITION "theta", 2}, {POSITION "phi", -1}});
+  for (const auto& [mode, psi, heading] : std::initializer_list<std::tuple<uint32_t, double, double>>{
+           {1, 359.95, 0}, {1, 359.5, 359.65}, {2, 0.05, 360}, {2, 0.5, 0.35}, {1, 0, 0.15}}) {
+    CommandPushback(mode);
+    SetHeading(psi);
     Frames(1);
-    EXPECT_NEAR(std::remainder(QuaternionHeading() - test.heading, 360.0), 0, 1e-3) << test.psi;
+    EXPECT_NEAR(std::remainder(QuaternionHeading() - heading, 360.0), 0, 1e-3) << psi;
     EXPECT_NEAR(QuaternionToEuler(ReadQuaternion()).pitch, 2, 1e-3);
     EXPECT_NEAR(QuaternionToEuler(ReadQuaternion()).bank, -1, 1e-3);
   }
@@ -187,86 +171,41 @@ TEST_F(Pushback, TurnsBothWaysWithTheRateKept) {
   EXPECT_NEAR(Vz(), 0.009, 1e-5);
 }
 
-TEST_F(Pushback, ParkingBrakeCrashAndDisableGiveEverythingBack) {
-  const struct {
-    const char* what;
-    void (*end)();
-  } cases[] = {{"brake",
-                [] {
-                  Set(parkingBrake, 0.01);
-                  PushbackStep();
-                }},
-               {"crash", AbortPushback},
-               {"disable", StopPushback}};
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.what);
-    Set(parkingBrake, 0);
-    CommandPushback(2);
-    Frames(60);
-    ExpectOverrides(1);
-    test.end();
-    ExpectOverrides(0);
-    EXPECT_EQ(pushbackMode, 3);
-    Set(POSITION "local_vz", 0.7);
-    Frames(3);  // no roll-out
-    EXPECT_FLOAT_EQ(static_cast<float>(Vz()), 0.7F);
-  }
-}
-
-// Which ends keep the rate for the next turn, and which let it begin slowly again.
-TEST_F(Pushback, TurnRateAfterEachEnd) {
+// However it ends: the overrides are given back. And which ends keep the rate for the next turn, and which let
+// it begin slowly again.
+TEST_F(Pushback, EveryEndGivesBackAndKeepsTheRateOrNot) {
   constexpr double limit = 0.15, step = 0.005;
-  const struct {
-    const char* what;
-    void (*end)();
-    double next;  // rate of the first frame of the next turn
-  } cases[] = {{"stop", [] { CommandPushback(3); }, limit},
-               {"brake while it turns",
-                [] {
-                  Set(parkingBrake, 0.01);
-                  PushbackStep();
-                },
-                limit},
-               {"start with the brake set",
-                [] {
-                  Set(parkingBrake, 1);
-                  CommandPushback(1);
-                },
-                limit},
-               {"crash", AbortPushback, step},
-               {"crash after a stop",
-                [] {
-                  CommandPushback(3);
-                  AbortPushback();
-                },
-                step},
-               {"disable",
-                [] {
-                  StopPushback();
-                  InitPushback();
-                },
-                step},
-               {"the setting falls",
-                [] {
-                  const std::string name =
-                      (std::filesystem::temp_directory_path() / "tavrix pushback test" / "TAVRIX.ini").string();
-                  std::ofstream(name, std::ios::binary) << "[PUSHBACK SETTINGS]\nMaxTurnSpeed = 0.04\n";
-                  SetSettingsPath(name.c_str());
-                  LoadPushbackSettings();
-                },
-                0.04}};
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.what);
+  const auto brake = [](double set) { Set(parkingBrake, set), PushbackStep(); };
+  // What ends it, the rate of the first frame of the next turn, whether it stands at once, without a roll-out.
+  const std::tuple<const char*, std::function<void()>, double, bool> cases[] = {
+      {"stop", [] { CommandPushback(3); }, limit, false},
+      {"brake while it turns", [&] { brake(0.01); }, limit, true},
+      {"start with the brake set", [] { Set(parkingBrake, 1), CommandPushback(1); }, limit, true},
+      {"crash", AbortPushback, step, true},
+      {"crash after a stop", [] { CommandPushback(3), AbortPushback(); }, step, true},
+      {"disable", [] { StopPushback(), InitPushback(); }, step, true},
+      {"the setting falls", [&] { WriteSettings("MaxTurnSpeed = 0.04\n"), LoadPushbackSettings(), brake(1); },
+       0.04, true}};
+  for (const auto& [what, end, next, stands] : cases) {
+    SCOPED_TRACE(what);
     Set(parkingBrake, 0);
     SetHeading(100);
     CommandPushback(1);
     Frames(60);
+    ExpectOverrides(1);
     EXPECT_NEAR(QuaternionHeading(), 100 + limit, 1e-4);
-    test.end();
+    end();
+    ExpectOverrides(0);
+    EXPECT_EQ(pushbackMode, 3);
+    if (stands) {
+      Set(POSITION "local_vz", 0.3);
+      Frames(3);
+      EXPECT_FLOAT_EQ(static_cast<float>(Vz()), 0.3F);
+    }
     Set(parkingBrake, 0);
     CommandPushback(1);
     Frames(1);
-    EXPECT_NEAR(QuaternionHeading(), 100 + test.next, 1e-4);
+    EXPECT_NEAR(QuaternionHeading(), 100 + next, 1e-4);
   }
 }
 

@@ -6,7 +6,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "base/log.h"
 #include "platform/system.h"
@@ -17,15 +20,9 @@
 namespace {
 
 TEST(SettingsText, SetsOneKeyAndKeepsTheRestByteForByte) {
-  struct Case {
-    const char* text;
-    const char* section;
-    const char* key;
-    const char* value;
-    const char* expected;
-  };
   const std::string longValue(140, 'v'), cutLine = "[A]\nx = " + std::string(130, 'v') + "\n";
-  const Case cases[] = {
+  // Text, section, key, value, text afterwards.
+  const std::tuple<std::string, const char*, const char*, std::string, std::string> cases[] = {
       {"", "A", "x", "1", "[A]\nx = 1\n"},
       {"[A]", "A", "x", "1", "[A]\nx = 1\n"},
       {"[A]\nx=0", "A", "x", "1", "[A]\nx = 1\n"},
@@ -45,40 +42,34 @@ TEST(SettingsText, SetsOneKeyAndKeepsTheRestByteForByte) {
       {"[A]\n[B]\n[A]\nx = 2\n", "A", "x", "1", "[A]\n[B]\n[A]\nx = 1\n"},
       {"[A\nx = 0\n", "A", "x", "1", "[A\nx = 0\n[A]\nx = 1\n"},
       {"[A]\nx = 0\n", "A", "x", "1\n[B]\ny = 2", "[A]\nx = 1\n"},
-      {"[A]\n", "A", "x", longValue.c_str(), cutLine.c_str()},
-      {"[A]\nx = 5\n", "A", "x", "", "[A]\nx = \n"},
-  };
-  for (const Case& c : cases) {
-    const std::string changed = SetSettingInText(c.text, c.section, c.key, c.value);
-    EXPECT_EQ(changed, c.expected);
-    EXPECT_EQ(SetSettingInText(changed, c.section, c.key, c.value), changed) << "set twice";
-    std::string_view value;
-    EXPECT_TRUE(FindSetting(changed, c.section, c.key, &value));
-    EXPECT_EQ(value, CutSettingValue(c.value));
+      {"[A]\n", "A", "x", longValue, cutLine},
+      {"[A]\nx = 5\n", "A", "x", "", "[A]\nx = \n"}};
+  for (const auto& [text, section, key, value, expected] : cases) {
+    const std::string changed = SetSettingInText(text, section, key, value);
+    EXPECT_EQ(changed, expected);
+    EXPECT_EQ(SetSettingInText(changed, section, key, value), changed) << "set twice";
+    std::string_view found;
+    EXPECT_TRUE(FindSetting(changed, section, key, &found));
+    EXPECT_EQ(found, CutSettingValue(value));
   }
 }
 
 TEST(SettingsText, ManyKeysAtOnceAreTheSameAsOneAfterTheOther) {
   const SettingChange changes[] = {{"A", "x", "1"}, {"C", "k", "2"}, {"B", "z", "3"}, {"a", "y", "4"},
                                    {"D", "m", "5"}, {"C", "l", "6"}, {"c", "n", "7"}, {"A", "w", "8"}};
-  const char* texts[] = {"",
-                         "\r\n",
-                         "[A]",
-                         "[A]\r\nx=0",
-                         "[A]\r\nx=0\r\n\r\n\r\n[B]\r\n",
-                         "[a]\nX=0\n[A]\ny=0\n[b]\nZ=1\nz=2",
-                         "[B]\nz=1\n[A]\n[B]\nz=2\n[A]\ny=1\n;end\n\n",
-                         "\xEF\xBB\xBF[c]\nk=1\n[C]\n\n[c]\nl=2\nl=3\nn",
-                         "x=1\n[D\n[ D ]\nm = \n"};
-  for (const char* text : texts) {
+  const char texts[] =  // between bars, the first one empty
+      "|\r\n|[A]|[A]\r\nx=0|[A]\r\nx=0\r\n\r\n\r\n[B]\r\n|[a]\nX=0\n[A]\ny=0\n[b]\nZ=1\nz=2|"
+      "[B]\nz=1\n[A]\n[B]\nz=2\n[A]\ny=1\n;end\n\n|\xEF\xBB\xBF[c]\nk=1\n[C]\n\n[c]\nl=2\nl=3\nn|"
+      "x=1\n[D\n[ D ]\nm = \n";
+  std::istringstream all(texts);
+  for (std::string text; std::getline(all, text, '|');) {
     std::string oneByOne = text;
+    std::vector<SettingQuery> queries;
     for (const SettingChange& change : changes) {
       oneByOne = SetSettingInText(oneByOne, change.section, change.key, change.value);
+      queries.push_back({change.section, change.key, "?", false});
     }
     EXPECT_EQ(SetSettingsInText(text, changes), oneByOne) << text;
-    SettingQuery queries[std::size(changes)];
-    for (size_t i = 0; i < std::size(changes); ++i)
-      queries[i] = {changes[i].section, changes[i].key, "?", false};
     FindSettings(oneByOne, queries);
     for (size_t i = 0; i < std::size(changes); ++i) {
       EXPECT_TRUE(queries[i].found);
@@ -88,49 +79,41 @@ TEST(SettingsText, ManyKeysAtOnceAreTheSameAsOneAfterTheOther) {
 }
 
 TEST(SettingsText, FindsValues) {
-  struct Case {
-    const char* text;
-    const char* expected;  // null: missing
-  };
-  constexpr Case cases[] = {
-      {"[A]\nx=1", "1"},
-      {"[A]\n\tx \t=\t 1 2 \t\r\n", "1 2"},
-      {"[A]\nx = a=b\n", "a=b"},
-      {"[A]\nx =\n", ""},
-      {"[ A ]\nx = 1\n", "1"},
-      {"[B]\nx = 1\n", nullptr},
-      {"x = 1\n[A]\n", nullptr},
-      {"[A]\nx1 = 1\n", nullptr},
-      {"[A]\nx = 1\x01zz\n", "1"},
-      {"[A]\nx\n", nullptr},
-      {"[A]\nX = 2\nx = 1\n", "1"},
-      {"[a]\nX = 2\n", "2"},
-      {"[A] tail\nx = 1", "1"},
-  };
-  for (const Case& c : cases) {
+  constexpr std::pair<const char*, const char*> cases[] = {{"[A]\nx=1", "1"},
+                                                           {"[A]\n\tx \t=\t 1 2 \t\r\n", "1 2"},
+                                                           {"[A]\nx = a=b\n", "a=b"},
+                                                           {"[A]\nx =\n", ""},
+                                                           {"[ A ]\nx = 1\n", "1"},
+                                                           {"[A]\nx = 1\x01zz\n", "1"},
+                                                           {"[A]\nX = 2\nx = 1\n", "1"},
+                                                           {"[a]\nX = 2\n", "2"},
+                                                           {"[A] tail\nx = 1", "1"},
+                                                           {"[B]\nx = 1\n", "missing"},
+                                                           {"x = 1\n[A]\n", "missing"},
+                                                           {"[A]\nx1 = 1\n", "missing"},
+                                                           {"[A]\nx\n", "missing"}};
+  for (const auto& [text, expected] : cases) {
     std::string_view value = "?";
-    EXPECT_EQ(FindSetting(c.text, "A", "x", &value), c.expected ? 1 : 0) << c.text;
-    if (c.expected) {
-      EXPECT_EQ(value, c.expected) << c.text;
-    }
+    EXPECT_EQ(FindSetting(text, "A", "x", &value) ? value : "missing", expected) << text;
   }
 }
 
 TEST(SettingsText, ParsesValues) {
-  EXPECT_EQ(ParseInteger(" 12abc"), 12);
-  EXPECT_EQ(ParseInteger("+7"), 7);
-  EXPECT_EQ(ParseInteger("-3"), -3);
-  EXPECT_EQ(ParseInteger("x9"), 0);
-  EXPECT_EQ(ParseInteger("+-5"), 0);
-  EXPECT_EQ(ParseInteger("99999999999"), 2147483647);
-  EXPECT_EQ(ParseInteger("-99999999999"), -2147483647 - 1);
-  EXPECT_EQ(ParseNumber("-1.5"), -1.5);
-  EXPECT_EQ(ParseNumber(" +0.10 m"), 0.10);
-  EXPECT_EQ(ParseNumber("nan"), 0.0);
-  EXPECT_EQ(ParseNumber("1e999"), 0.0);
-  EXPECT_EQ(ParseNumber(""), 0.0);
-  for (const char* yes : {"Yes", "YES"}) EXPECT_TRUE(ParseYesNo(yes));
-  for (const char* no : {"yes", "No", "", "Yes.", "1"}) EXPECT_FALSE(ParseYesNo(no));
+  for (const auto& [text, value] : {std::pair{" 12abc", 12},
+                                    {"+7", 7},
+                                    {"-3", -3},
+                                    {"x9", 0},
+                                    {"+-5", 0},
+                                    {"99999999999", 2147483647},
+                                    {"-99999999999", -2147483647 - 1}}) {
+    EXPECT_EQ(ParseInteger(text), value) << text;
+  }
+  for (const auto& [text, value] :
+       {std::pair{"-1.5", -1.5}, {" +0.10 m", 0.10}, {"nan", 0.0}, {"1e999", 0.0}, {"", 0.0}}) {
+    EXPECT_EQ(ParseNumber(text), value) << text;
+  }
+  for (const char* yes : {"Yes", "YES"}) EXPECT_EQ(ParseYesNo(yes), 1);
+  for (const char* no : {"yes", "No", "", "Yes.", "1"}) EXPECT_EQ(ParseYesNo(no), 0);
   for (const char* off : {"Not assigned", "NOT ASSIGNED", ""}) EXPECT_EQ(ParseAxis(off).active, 0);
   const AxisCombination axis = ParseAxis("1, 12"), half = ParseAxis("3");
   EXPECT_TRUE(axis.active == 1 && axis.joystick == 1 && axis.axis == 12);
@@ -138,8 +121,7 @@ TEST(SettingsText, ParsesValues) {
   const FlapDetent full = ParseFlapDetent("0.25, 1,-2,9"), one = ParseFlapDetent("5"),
                    none = ParseFlapDetent("");
   EXPECT_TRUE(full.count == 3 && full.values[0] == 0.25 && full.values[1] == 1 && full.values[2] == -2);
-  EXPECT_TRUE(one.count == 1 && one.values[0] == 5);
-  EXPECT_TRUE(none.count == 0 && none.values[0] == 0);
+  EXPECT_TRUE(one.count == 1 && one.values[0] == 5 && none.count == 0 && none.values[0] == 0);
 }
 
 struct SettingsFile : testing::Test {
@@ -179,12 +161,10 @@ TEST_F(SettingsFile, MissingFileIsCreatedWithEveryDefaultInOrder) {
       "Flap detend 2 = \nFlap detend 3 = \nFlap detend 4 = \nFlap detend 5 = \nFlap detend 6 = \n"
       "Flap detend 7 = \nFlap detend 8 = \nFlap detend 9 = \nFlap detend 10 = \n";
   EXPECT_EQ(Read(path), expected);
-  EXPECT_STREQ(settings.serverAddress, "192.168.0.1");
-  EXPECT_STREQ(settings.atcNumber, "LH 5363");
+  EXPECT_EQ(std::string(settings.serverAddress) + settings.atcNumber, "192.168.0.1LH 5363");
   EXPECT_EQ(settings.pushbackMaxSpeed, -1.5);
   EXPECT_EQ(settings.toeBrakeNullZone, 0.10);
-  EXPECT_EQ(settings.flapDetents, 2);
-  EXPECT_EQ(settings.combineTiller.active, 0);
+  EXPECT_TRUE(settings.flapDetents == 2 && settings.combineTiller.active == 0);
   EXPECT_EQ(LogLines(), 0);
 }
 
@@ -216,42 +196,35 @@ TEST_F(SettingsFile, UserValuesAreReadAndMissingKeysCompleted) {
 }
 
 TEST_F(SettingsFile, WhatOthersMayDoDefaultsToEverythingAndFailsClosed) {
-  const struct {
-    const char* lines;
-    const char* allowed;
-    int writes;
-    PageAccess page;
-  } cases[] = {
+  // Lines of the file; allowed clients, network writes, status page.
+  const std::tuple<std::string, const char*, int, PageAccess> cases[] = {
       {"", "", 1, PageAccess::All},
       {"Allowed clients = 10.0.0.1, 192.168.0.0/24\nNetwork writes = No\nStatus page = Local\n",
        "10.0.0.1, 192.168.0.0/24", 0, PageAccess::Local},
       {"Network writes = perhaps\nStatus page = Off\n", "", 0, PageAccess::Off},
-      {"Status page = nobody\n", "", 1, PageAccess::Off},
-  };
-  for (const auto& test : cases) {
-    Put(std::string("[TAVRIX SETTINGS]\n") + test.lines);
-    EXPECT_TRUE(ReadAllSettings());
-    EXPECT_EQ(settings.allowedClients, test.allowed) << test.lines;
-    EXPECT_EQ(settings.networkWrites, test.writes) << test.lines;
-    EXPECT_EQ(settings.statusPage, test.page) << test.lines;
+      {"Status page = nobody\n", "", 1, PageAccess::Off}};
+  for (const auto& [lines, allowed, writes, page] : cases) {
+    Put("[TAVRIX SETTINGS]\n" + lines);
+    EXPECT_EQ(ReadAllSettings(), 1);
+    EXPECT_EQ(settings.allowedClients, allowed) << lines;
+    EXPECT_EQ(settings.networkWrites, writes) << lines;
+    EXPECT_EQ(settings.statusPage, page) << lines;
   }
 }
 
 TEST_F(SettingsFile, MisspelledAddressOutlivesTheSecondStart) {
+  const auto started = [] { return ReadAllSettings() ? std::string(settings.serverAddress) : "not read"; };
   Put("[TAVRIX SETTINGS]\nServer Adress = 10.0.0.5\n");
   for (int start = 1; start <= 2; ++start) {
-    EXPECT_TRUE(ReadAllSettings());
-    EXPECT_STREQ(settings.serverAddress, "10.0.0.5") << "start " << start;
+    EXPECT_EQ(started(), "10.0.0.5") << "start " << start;
     char text[40];
     EXPECT_EQ(ReadSetting("TAVRIX SETTINGS", "Server Address", text, sizeof text), 11);
     EXPECT_STREQ(text, "192.168.0.1");
   }
-  EXPECT_TRUE(WriteSetting("TAVRIX SETTINGS", "Server Address", "10.1.2.3"));
-  EXPECT_TRUE(ReadAllSettings());
-  EXPECT_STREQ(settings.serverAddress, "10.1.2.3");
-  EXPECT_TRUE(WriteSetting("TAVRIX SETTINGS", "Server Address", std::string(60, '1').c_str()));
-  EXPECT_TRUE(ReadAllSettings());
-  EXPECT_EQ(std::string(settings.serverAddress), std::string(19, '1'));
+  for (const std::string& address : {std::string("10.1.2.3"), std::string(60, '1')}) {
+    EXPECT_EQ(WriteSetting("TAVRIX SETTINGS", "Server Address", address.c_str()), 1);
+    EXPECT_EQ(started(), address.substr(0, 19));
+  }
 }
 
 TEST_F(SettingsFile, ReadsSmallBuffersAndTellsMissingFromEmpty) {
@@ -340,18 +313,12 @@ TEST_F(SettingsFile, ALargeFileCostsNoMoreThanItsText) {
 }
 
 TEST_F(SettingsFile, DetentsOutOfRangeLeaveThePreviousNumber) {
-  struct Case {
-    const char* value;
-    int expected;
-  };
-  constexpr Case cases[] = {{"5", 5}, {"11", 5}, {"1", 5}, {"", 5}, {"10", 10}, {"-3", 10}, {"02", 2}};
-  for (const Case& c : cases) {
-    Put(std::string("[TAVRIX FLAPS SETTINGS]\nNumber of Detends = ") + c.value + "\n");
+  for (const auto& [value, expected] :
+       {std::pair{"5", 5}, {"11", 5}, {"1", 5}, {"", 5}, {"10", 10}, {"-3", 10}, {"02", 2}, {"7", 7}}) {
+    Put(std::string("[TAVRIX FLAPS SETTINGS]\nNumber of Detends = ") + value + "\n");
     ReadAllSettings();
-    EXPECT_EQ(settings.flapDetents, c.expected) << c.value;
+    EXPECT_EQ(settings.flapDetents, expected) << value;
   }
-  Put("[TAVRIX FLAPS SETTINGS]\nNumber of Detends = 7\n");
-  ReadAllSettings();
   std::filesystem::remove(path);
   ReadAllSettings();
   EXPECT_EQ(settings.flapDetents, 2) << "a key that is missing gets its default";
@@ -362,34 +329,29 @@ constexpr int64_t second = 1'000'000'000;
 TEST_F(SettingsFile, ChangesOfClientsWaitForQuiet) {
   Put("[A]\nx = 0\ny = 0\n");
   char text[10];
-  const auto inFile = [this] { return Read(path); };
-  EXPECT_TRUE(KeepSetting("A", "x", "1", 0));
-  EXPECT_TRUE(KeepSetting("A", "y", "2", second));
+  const auto after = [this](int64_t now) { return SaveSettingsWhenDue(now), Read(path); };
+  EXPECT_EQ(KeepSetting("A", "x", "1", 0), 1);
+  EXPECT_EQ(KeepSetting("A", "y", "2", second), 1);
   EXPECT_EQ(ReadSetting("A", "x", text, sizeof text), 1);
   EXPECT_STREQ(text, "1") << "before it is in the file";
-  SaveSettingsWhenDue(3 * second - 1);
-  EXPECT_EQ(inFile(), "[A]\nx = 0\ny = 0\n");
-  SaveSettingsWhenDue(3 * second);
-  EXPECT_EQ(inFile(), "[A]\nx = 1\ny = 2\n");
-  EXPECT_FALSE(SettingsWait());
+  EXPECT_EQ(after(3 * second - 1), "[A]\nx = 0\ny = 0\n");
+  EXPECT_EQ(after(3 * second), "[A]\nx = 1\ny = 2\n");
+  EXPECT_EQ(SettingsWait(), 0);
 
   KeepSetting("A", "x", "3", 100 * second);
   KeepSetting("a", "X", "4", 109 * second);  // the same key
-  SaveSettingsWhenDue(110 * second - 1);
-  EXPECT_EQ(inFile(), "[A]\nx = 1\ny = 2\n");
-  SaveSettingsWhenDue(110 * second);
-  EXPECT_EQ(inFile(), "[A]\nx = 4\ny = 2\n") << "the last value";
+  EXPECT_EQ(after(110 * second - 1), "[A]\nx = 1\ny = 2\n");
+  EXPECT_EQ(after(110 * second), "[A]\nx = 4\ny = 2\n") << "the last value";
 
   KeepSetting("A", "x", "5", 200 * second);
   KeepSetting("A", "y", "6", 200 * second);
-  EXPECT_TRUE(WriteSetting("A", "x", "7"));
-  EXPECT_EQ(inFile(), "[A]\nx = 7\ny = 6\n") << "the newer one counts, the other is taken along";
-  SaveSettingsWhenDue(300 * second);
-  EXPECT_EQ(inFile(), "[A]\nx = 7\ny = 6\n");
-  EXPECT_FALSE(KeepSetting("A", "x=", "1", 0));
+  EXPECT_EQ(WriteSetting("A", "x", "7"), 1);
+  EXPECT_EQ(Read(path), "[A]\nx = 7\ny = 6\n") << "the newer one counts, the other is taken along";
+  EXPECT_EQ(after(300 * second), "[A]\nx = 7\ny = 6\n");
+  EXPECT_EQ(KeepSetting("A", "x=", "1", 0), 0);
   KeepSetting("A", "x", "1\n[B]", 400 * second);
-  EXPECT_TRUE(SaveWaitingSettings());
-  EXPECT_EQ(inFile(), "[A]\nx = 1\ny = 6\n");
+  EXPECT_EQ(SaveWaitingSettings(), 1);
+  EXPECT_EQ(Read(path), "[A]\nx = 1\ny = 6\n");
 }
 
 TEST_F(SettingsFile, ChangesThatCouldNotBeSavedCountAtTheNextEnable) {
