@@ -108,7 +108,8 @@ struct OffsetRow {
   Convert convert = nullptr;       // instead of factor and add
   ReadRow read = nullptr;          // instead of `source`
   ReadRowText readText = nullptr;  // Stored::Text
-  // Instead of `source`: a number of the snapshot that `prepare` takes; converted like a source's.
+  // Instead of `source`: a number of the snapshot that `prepare` takes, or a constant; converted like a
+  // source's.
   const double* prepared = nullptr;
   // Datarefs that `read` or `prepare` looks at in every run: asked for in one go with those of the other rows.
   // An array is asked for up to the element given.

@@ -8,7 +8,8 @@ namespace {
 // The altimeter's own conversion differs from that of the sea-level pressure in the third digit; clients
 // are used to both.
 constexpr double altimeterUnits = 33.8639 * 16;  // inHg to millibar x 16
-constexpr double seaLevelUnits = 33.86 * 16;
+constexpr double seaLevelMillibars = 33.86;
+constexpr double seaLevelUnits = seaLevelMillibars * 16;
 constexpr double celsiusUnits = 256;
 
 // The nearest hundredth of an inch, so that 29.92 comes back as 29.92.
@@ -83,7 +84,7 @@ constexpr OffsetRow rows[] = {
      .unit = "mb",
      .cycle = Cycle::C313,
      .source = Float<"sim/weather/barometer_sealevel_inhg">,
-     .factor = 33.86},
+     .factor = seaLevelMillibars},
     Temperature({.offset = 0x0EC0,
                  .name = "sea_level_temperature",
                  .meaning = "sea-level temperature",

@@ -9,6 +9,7 @@
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
+#include "bridge/catalogue/units.h"
 
 namespace {
 
@@ -79,7 +80,7 @@ void ApplyDirectorX737(const OffsetRow&, const Staged& staged) {
 // A full turn starts again at 0. The step to a whole word is taken here, in single precision as for all 16-bit
 // words, before the turn is taken off.
 double HeadingWordOf(double degrees) {
-  const double word = std::fmod(std::trunc(static_cast<float>(degrees * (65536.0 / 360))), 65536);
+  const double word = std::fmod(std::trunc(static_cast<float>(degrees * angle16)), 65536);
   return word < 0 ? word + 65536 : word;
 }
 
@@ -103,7 +104,7 @@ constexpr SpeedSelector x737Speed = {
 
 // Indicated knots of Mach 1 here and now.
 double KnotsPerMach() {
-  return 1.94384 * ReadSource(Float<"sim/weather/speed_sound_ms">) *
+  return knotsPerMetre * ReadSource(Float<"sim/weather/speed_sound_ms">) *
          std::sqrt(ReadSource(Float<"sim/weather/sigma">));
 }
 
@@ -432,7 +433,7 @@ constexpr OffsetRow rows[] = {
      .unitScale = 1.0 / 65536,
      .cycle = Cycle::C7,
      .source = Float<"sim/cockpit/autopilot/altitude">,
-     .factor = 0.3048 * 65536,
+     .factor = metresPerFoot * 65536,
      .variants = variantsOf<[] {
        return std::array{Variant{.addOn = AddOn::X737, .target = Float<"x737/systems/afds/ALTHLD_baroalt">},
                          Variant{.target = Float<"sim/cockpit/autopilot/altitude">}};

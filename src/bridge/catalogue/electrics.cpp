@@ -2,8 +2,7 @@
 #include <algorithm>
 
 #include "bridge/catalogue.h"
-#include "bridge/catalogue/conversions.h"
-#include "bridge/catalogue/losses.h"
+#include "bridge/catalogue/switches.h"
 
 namespace {
 
@@ -30,14 +29,6 @@ void ApplyApu(const OffsetRow&, const Staged& staged) {
   SetSource(apuSwitch, !wanted ? off : IsOn(apuRunning) ? on : start);
 }
 
-// A switch that follows one dataref and sets it.
-constexpr OffsetRow Switch(OffsetRow row) {
-  row.show = Show::Flag;
-  row.convert = OnOff;
-  row.write = {.target = row.source, .convert = OnOff};
-  row.lossy = flagLoss;
-  return row;
-}
 // A switch that serves all engines.
 constexpr OffsetRow EngineSwitch(OffsetRow row) {
   row.type = Stored::U8;
@@ -64,22 +55,22 @@ constexpr OffsetRow rows[] = {
      }>,
      .write = {.target = Int<"sim/cockpit/electrical/battery_on">, .convert = OnOff},
      .lossy = flagLoss},
-    Switch({.offset = 0x3103,
-            .type = Stored::U8,
-            .name = "avionics",
-            .meaning = "avionics master switch",
-            .cycle = Cycle::C31Navigation,
-            .source = Int<"sim/cockpit/electrical/avionics_on">}),
+    PlainSwitch({.offset = 0x3103,
+                 .type = Stored::U8,
+                 .name = "avionics",
+                 .meaning = "avionics master switch",
+                 .cycle = Cycle::C31Navigation,
+                 .source = Int<"sim/cockpit/electrical/avionics_on">}),
     EngineSwitch({.offset = 0x3104,
                   .name = "fuel_pumps",
                   .meaning = "fuel pumps of all engines",
                   .write = {.apply = ApplyToAllEngines<IntElement<"sim/cockpit/engine/fuel_pump_on">(0)>}}),
-    Switch({.offset = 0x0B51,
-            .type = Stored::U8,
-            .name = "apu_generator",
-            .meaning = "APU generator switch",
-            .cycle = Cycle::C7,
-            .source = Int<"sim/cockpit2/electrical/APU_generator_on">}),
+    PlainSwitch({.offset = 0x0B51,
+                 .type = Stored::U8,
+                 .name = "apu_generator",
+                 .meaning = "APU generator switch",
+                 .cycle = Cycle::C7,
+                 .source = Int<"sim/cockpit2/electrical/APU_generator_on">}),
     {.offset = 0x0B52,
      .type = Stored::U8,
      .name = "apu_generator_active",
@@ -120,12 +111,12 @@ constexpr OffsetRow rows[] = {
      .unit = "inHg",
      .cycle = Cycle::C157,
      .source = Float<"sim/cockpit/misc/vacuum">},
-    Switch({.offset = 0x0B20,
-            .type = Stored::U16,
-            .name = "sound",
-            .meaning = "sound on",
-            .cycle = Cycle::C7,
-            .source = Int<"sim/operation/sound/sound_on">}),
+    PlainSwitch({.offset = 0x0B20,
+                 .type = Stored::U16,
+                 .name = "sound",
+                 .meaning = "sound on",
+                 .cycle = Cycle::C7,
+                 .source = Int<"sim/operation/sound/sound_on">}),
     {.offset = 0x0B24,
      .type = Stored::U16,
      .name = "sound_flag",

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "bridge/catalogue/engine_families.h"
+#include "bridge/catalogue/requests.h"
 
 namespace {
 
@@ -82,12 +83,6 @@ void ApplyPanelFailures(const OffsetRow&, const Staged& staged) {
 }
 
 // --- One-shot requests --------------------------------------------------------------------------------
-
-// A request that stayed in the memory could not be made again: an equal value counts as no change.
-void ClearRequest(const OffsetRow& row) {
-  constexpr uint8_t zero[8] = {};
-  CopyToMemory(row.offset, StoredWidth(row), zero);
-}
 
 void ApplyFailNow(const OffsetRow& row, const Staged& staged) {
   if (staged.integer == 0) return;

@@ -1,13 +1,11 @@
 // Accelerations, body velocities, turn rates and flow angles.
-#include <numbers>
-
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/reposition.h"
+#include "bridge/catalogue/units.h"
 
 namespace {
 
-constexpr double radians = std::numbers::pi / 180;
-constexpr double feet = 1 / 0.3048;
+constexpr double feet = 1 / metresPerFoot;
 constexpr double gravity = 32.1726;  // ft/s2
 
 // Most of these are 64-bit floating point words of every frame.

@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/units.h"
 
 namespace {
 
@@ -16,9 +17,8 @@ enum class Tank { Centre, LeftMain, LeftAux, LeftTip, RightMain, RightAux, Right
 constexpr size_t maxTanks = 9;
 constexpr double fullLevel = 128 * 65536;  // 8388608
 constexpr double poundsPerGallon = 6.82;
-constexpr double poundsPerKg = 2.205;
-constexpr double kgPerPound = 0.453592;
-constexpr double gallonsPerKg = 0.323415;  // of the stock aircraft's tanks: 1 / 3.092
+constexpr double levelPoundsPerKg = 2.205;  // in the levels that clients read
+constexpr double gallonsPerKg = 0.323415;   // of the stock aircraft's tanks: 1 / 3.092
 constexpr double gallonsPerKgX737 = 0.323254;
 
 int tankCount;
@@ -68,7 +68,8 @@ double GallonsX737(Tank tank) {
   return share == 0 ? capacities[static_cast<size_t>(tank)] : ReadSource(x737.kg) / share * gallonsPerKgX737;
 }
 
-// Of all tanks at once: the arrays' layout hangs on their number. With any aircraft the rows find them here.
+// Of all tanks at once: the arrays' layout hangs on their number. Which aircraft counts is asked here and not
+// in the rows, because capacities and levels, of different cycles, share what is found.
 void TakeTankSizes() {
   const auto gallonsOf = IsLoaded(AddOn::X737) ? GallonsX737 : Gallons;
   constexpr double most = std::numeric_limits<uint32_t>::max();
@@ -84,7 +85,7 @@ void TakeTankSizes() {
 template <Tank tank>
 double LevelOf(double kg) {
   const double capacity = capacities[static_cast<size_t>(tank)];
-  const double gallons = kg * poundsPerKg / poundsPerGallon;
+  const double gallons = kg * levelPoundsPerKg / poundsPerGallon;
   return capacity == 0 ? 0 : gallons / capacity * fullLevel;
 }
 template <Tank tank>
@@ -109,11 +110,6 @@ bool ReadLevel(const OffsetRow&, double* value) {
 template <Tank tank>
 void ApplyLevel(const OffsetRow&, const Staged& staged) {
   SetSource(ContentsOf(tank), KgOf<tank>(staged.number));
-}
-
-bool ReadDensity(const OffsetRow&, double* value) {
-  *value = poundsPerGallon * 256;
-  return true;
 }
 
 // What the capacities have in common, and the levels.
@@ -178,7 +174,8 @@ constexpr OffsetRow rows[] = {
      .unit = "lb/US gal",
      .unitScale = 1.0 / 256,
      .cycle = Cycle::C313,
-     .read = ReadDensity},
+     .factor = 256,
+     .prepared = &poundsPerGallon},
     Level<Tank::Centre>({.offset = 0x0B74, .name = "fuel_centre", .meaning = "level of the centre tank"}),
     Level<Tank::LeftMain>({.offset = 0x0B7C, .name = "fuel_left", .meaning = "level of the left main tank"}),
     Level<Tank::LeftAux>(
@@ -200,8 +197,8 @@ constexpr OffsetRow rows[] = {
      .unit = "lb",
      .cycle = Cycle::C313,
      .source = Float<"sim/flightmodel/weight/m_fuel_total">,
-     .factor = 2.2046,
-     .write = {.target = Float<"sim/flightmodel/weight/m_fuel_total">, .factor = 1 / 2.2046},
+     .factor = poundsPerKg,
+     .write = {.target = Float<"sim/flightmodel/weight/m_fuel_total">, .factor = 1 / poundsPerKg},
      .lossy = "the simulator adds the tanks up itself and ignores a write"},
 };
 

@@ -1,6 +1,6 @@
 // Ice protection and wipers.
-#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
+#include "bridge/catalogue/switches.h"
 
 namespace {
 
@@ -18,36 +18,31 @@ constexpr Family inletHeat = {
     .offsets = {0x08B2, 0x094A, 0x09E2, 0x0A7A},
 };
 
-constexpr OffsetRow Switch(OffsetRow row) {
-  row.type = Stored::U8;
-  row.show = Show::Flag;
-  row.convert = OnOff;
-  row.write = {.target = row.source, .convert = OnOff};
-  row.lossy = flagLoss;
-  return row;
-}
-
 constexpr auto switches =
-    std::to_array<OffsetRow>({Switch({.offset = 0x029C,
-                                      .name = "pitot_heat",
-                                      .meaning = "pitot heat",
-                                      .cycle = Cycle::C31Navigation,
-                                      .source = Int<"sim/cockpit/switches/pitot_heat_on">}),
-                              Switch({.offset = 0x337D,
-                                      .name = "deice",
-                                      .meaning = "structural de-ice",
-                                      .cycle = Cycle::C59,
-                                      .source = Int<"sim/cockpit/switches/anti_ice_surf_heat">}),
-                              Switch({.offset = 0x6F0B,
-                                      .name = "deice_left",
-                                      .meaning = "surface heat, left wing",
-                                      .cycle = Cycle::C59,
-                                      .source = Int<"sim/cockpit/switches/anti_ice_surf_heat_left">}),
-                              Switch({.offset = 0x6F0C,
-                                      .name = "deice_right",
-                                      .meaning = "surface heat, right wing",
-                                      .cycle = Cycle::C59,
-                                      .source = Int<"sim/cockpit/switches/anti_ice_surf_heat_right">}),
+    std::to_array<OffsetRow>({PlainSwitch({.offset = 0x029C,
+                                           .type = Stored::U8,
+                                           .name = "pitot_heat",
+                                           .meaning = "pitot heat",
+                                           .cycle = Cycle::C31Navigation,
+                                           .source = Int<"sim/cockpit/switches/pitot_heat_on">}),
+                              PlainSwitch({.offset = 0x337D,
+                                           .type = Stored::U8,
+                                           .name = "deice",
+                                           .meaning = "structural de-ice",
+                                           .cycle = Cycle::C59,
+                                           .source = Int<"sim/cockpit/switches/anti_ice_surf_heat">}),
+                              PlainSwitch({.offset = 0x6F0B,
+                                           .type = Stored::U8,
+                                           .name = "deice_left",
+                                           .meaning = "surface heat, left wing",
+                                           .cycle = Cycle::C59,
+                                           .source = Int<"sim/cockpit/switches/anti_ice_surf_heat_left">}),
+                              PlainSwitch({.offset = 0x6F0C,
+                                           .type = Stored::U8,
+                                           .name = "deice_right",
+                                           .meaning = "surface heat, right wing",
+                                           .cycle = Cycle::C59,
+                                           .source = Int<"sim/cockpit/switches/anti_ice_surf_heat_right">}),
                               {.offset = 0x6D88,
                                .type = Stored::U8,
                                .name = "wiper",

@@ -1,20 +1,12 @@
 // What belongs to no other subject.
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/misc_actions.h"
 
 namespace {
 
 bool contactAtcHeld = false;
-
-bool ReadOne(const OffsetRow&, double* value) {
-  *value = 1;
-  return true;
-}
-bool ReadZero(const OffsetRow&, double* value) {
-  *value = 0;
-  return true;
-}
 
 // Begin and end stay in pairs: a value that changes from 1 to 2 does not begin a second time.
 void ApplyContactAtc(const OffsetRow&, const Staged& staged) {
@@ -32,7 +24,7 @@ constexpr OffsetRow rows[] = {
      .name = "custom_reload",
      .meaning = "write 1 to read the custom offsets file again",
      .cycle = Cycle::C1,
-     .read = ReadZero,
+     .prepared = &zero,
      .dispatch = DispatchAction::CustomReload},
 
     {.offset = 0x079C,
@@ -40,14 +32,14 @@ constexpr OffsetRow rows[] = {
      .name = "has_toe_brakes",
      .meaning = "toe brakes available, always 1",
      .cycle = Cycle::C157,
-     .read = ReadOne},
+     .prepared = &one},
 
     {.offset = 0x0764,
      .type = Stored::U32,
      .name = "has_autopilot",
      .meaning = "autopilot available, always 1",
      .cycle = Cycle::C313,
-     .read = ReadOne},
+     .prepared = &one},
     {.offset = 0x077C,
      .type = Stored::U32,
      .name = "has_stall_warning",

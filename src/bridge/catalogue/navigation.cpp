@@ -5,14 +5,15 @@
 #include <cstring>
 
 #include "bridge/catalogue.h"
-#include "bridge/catalogue/angles.h"
+#include "bridge/catalogue/conversions.h"
+#include "bridge/catalogue/units.h"
 #include "bridge/stations.h"
 
 namespace {
 
 // Units of the stored positions: 32 bits, 10001750 a quarter of the meridian, 2^32 the full turn.
-constexpr double latitudeUnits = 10001750.0 / 90;
-constexpr double longitudeUnits = 65536.0 * 65536.0 / 360;
+constexpr double latitudeUnits = quarterMeridian / 90;
+constexpr double longitudeUnits = twoTo32 / 360;
 constexpr double needleUnitsPerDot = 50.9;  // 2.5 dots are the full 127
 constexpr Source heading = Float<"sim/flightmodel/position/psi">;
 constexpr Source magneticVariation =
@@ -22,11 +23,6 @@ constexpr Source dmeDistance[2] = {Float<"sim/cockpit/radios/nav1_dme_dist_m">,
 constexpr Source hasDme[2] = {Int<"sim/cockpit/radios/nav1_has_dme">, Int<"sim/cockpit/radios/nav2_has_dme">};
 
 const NavRadio& Radio(const OffsetRow& row) { return navRadios[row.member - 1]; }
-
-bool ReadOne(const OffsetRow&, double* value) {
-  *value = 1;
-  return true;
-}
 
 // --- Texts ---------------------------------------------------------------------------------------------
 void CopyCut(char* text, const char* from, size_t longest) {
@@ -293,7 +289,7 @@ constexpr std::array<OffsetRow, 13> TunedRows(int member) {
        .member = member,
        .meaning = "NAV receiver available, always 1",
        .cycle = cycle,
-       .read = ReadOne},
+       .prepared = &one},
       {.offset = at.ident,
        .type = Stored::Text,
        .length = 6,

@@ -3,15 +3,12 @@
 
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/reposition.h"
+#include "bridge/catalogue/units.h"
 
 namespace {
 
-constexpr double twoTo32 = 4294967296.0;
-constexpr double twoTo64 = twoTo32 * twoTo32;
-constexpr double latitudeUnits = 10001750.0;  // metres from the equator to a pole
-
 // In this order of operations 90 degrees is exact.
-double LatitudeWord(double degrees) { return degrees * latitudeUnits / 90 * twoTo32; }
+double LatitudeWord(double degrees) { return degrees * quarterMeridian / 90 * twoTo32; }
 
 // The antimeridian is stored as -180: +180 does not fit, and both are the same line.
 double LongitudeWord(double degrees) {
@@ -45,7 +42,7 @@ uint16_t altimeterUnit;
 bool ReadAltimeter(const OffsetRow&, double* value) {
   TryCopyFromMemory(0x0C18, sizeof(altimeterUnit), &altimeterUnit);
   const double feet = ReadSource(Float<"sim/cockpit2/gauges/indicators/altitude_ft_pilot">);
-  *value = altimeterUnit == 2 ? feet * 0.3048 : feet;
+  *value = altimeterUnit == 2 ? feet * metresPerFoot : feet;
   return true;
 }
 
@@ -60,7 +57,7 @@ constexpr OffsetRow rows[] = {
      .name = "latitude",
      .meaning = "latitude, positive north",
      .unit = "deg",
-     .unitScale = 90 / (latitudeUnits * twoTo32),
+     .unitScale = 90 / (quarterMeridian * twoTo32),
      .cycle = Cycle::C1,
      .source = Double<"sim/flightmodel/position/latitude">,
      .convert = LatitudeWord,
@@ -195,10 +192,10 @@ constexpr OffsetRow rows[] = {
      .name = "magnetic_variation",
      .meaning = "magnetic variation, positive east",
      .unit = "deg",
-     .unitScale = 360.0 / 65536,
+     .unitScale = 1 / angle16,
      .cycle = Cycle::C313,
      .source = Float<"sim/flightmodel/position/magnetic_variation">,
-     .factor = -(65536.0 / 360)},
+     .factor = -angle16},
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
+#include "bridge/catalogue/requests.h"
 #include "bridge/stations.h"
 
 namespace {
@@ -126,9 +127,7 @@ void ApplyExchange(const OffsetRow& row, const Staged& staged) {
     SetSource(exchange.active, standby);
     SetSource(exchange.standby, active);
   }
-  // Taken: else the same exchange could not be asked for a second time.
-  const uint8_t none = 0;
-  CopyToMemory(row.offset, 1, &none);
+  ClearRequest(row);
 }
 
 constexpr OffsetRow rows[] = {

@@ -2,20 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "XPLMGraphics.h"
+#include "bridge/catalogue/units.h"
 #include "bridge/slew.h"
 #include "offsets/memory.h"
 
 RepositionRecord repositionRecord;
 
 namespace {
-
-constexpr double radians = std::numbers::pi / 180;
-constexpr double twoTo32 = 4294967296.0;
-constexpr double twoTo64 = twoTo32 * twoTo32;
-constexpr double latitudeUnits = 10001750.0;  // metres from the equator to a pole
 
 constexpr Source attitudeQuaternion = FloatElement<"sim/flightmodel/position/q">(0);
 constexpr Source localVx = Float<"sim/flightmodel/position/local_vx">,
@@ -89,7 +84,7 @@ void ApplyPosition() {
   }
   if (!taken) return;
   repositionRecord.latitude =
-      std::clamp(static_cast<double>(latitude) * 90 / (latitudeUnits * twoTo32), -90.0, 90.0);
+      std::clamp(static_cast<double>(latitude) * 90 / (quarterMeridian * twoTo32), -90.0, 90.0);
   repositionRecord.longitude = static_cast<double>(longitude) * 360 / twoTo64;
   repositionRecord.altitude = static_cast<double>(altitude) / twoTo32;
 
@@ -132,7 +127,7 @@ void ApplyBodyVelocity(const OffsetRow&, const Staged& staged) {
   // Body axes: x right, y up, z back.
   const double bx = ReadSource(Float<"sim/flightmodel/forces/vx_acf_axis">);
   const double by = ReadSource(Float<"sim/flightmodel/forces/vy_acf_axis">);
-  const double bz = -staged.number * 0.3048;
+  const double bz = -staged.number * metresPerFoot;
   const Attitude attitude = QuaternionToEuler(ReadQuaternion());
   const double phi = attitude.bank * radians;
   const double theta = attitude.pitch * radians;
@@ -145,7 +140,7 @@ void ApplyBodyVelocity(const OffsetRow&, const Staged& staged) {
 }
 
 void ApplyAirspeed(const OffsetRow&, const Staged& staged) {
-  const double speed = staged.number / 128 / 1.94384;
+  const double speed = staged.number / 128 / knotsPerMetre;
   const double psi = QuaternionToEuler(ReadQuaternion()).heading * radians;
   SetLocalVelocity(speed * std::sin(psi), 0, -speed * std::cos(psi));
 }

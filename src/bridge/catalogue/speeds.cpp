@@ -1,13 +1,13 @@
 // Speeds, ground contact, stall, slip and turn.
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/reposition.h"
+#include "bridge/catalogue/units.h"
 
 namespace {
 
 constexpr Source verticalSpeed = Float<"sim/flightmodel/position/vh_ind">;  // m/s
 constexpr Source onGround = Int<"sim/flightmodel/failures/onground_any">;
-
-double Flag(double value) { return value != 0; }
 
 // The vertical speed stands still once a wheel touches: clients read the landing from it.
 bool ReadTouchdown(const OffsetRow&, double* value) {
@@ -25,7 +25,7 @@ constexpr OffsetRow rows[] = {
      .unitScale = 1.0 / 128,
      .cycle = Cycle::C1,
      .source = Float<"sim/flightmodel/position/true_airspeed">,
-     .factor = 1.94384 * 128},
+     .factor = knotsPerMetre * 128},
     {.offset = 0x02BC,
      .type = Stored::S32,
      .name = "ias",
@@ -119,7 +119,7 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C3,
      .source = onGround,
-     .convert = Flag},
+     .convert = OnOff},
     {.offset = 0x036C,
      .type = Stored::U8,
      .name = "stall",
@@ -127,7 +127,7 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C13,
      .source = Int<"sim/flightmodel/failures/stallwarning">,
-     .convert = Flag},
+     .convert = OnOff},
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/losses.h"
+#include "bridge/catalogue/requests.h"
 
 namespace {
 
@@ -88,9 +89,7 @@ bool ReadActivity(const OffsetRow&, double* value) {
 void ApplyShowMessage(const OffsetRow& row, const Staged&) {
   char text[128] = {};
   CopyFromMemory(0x3380, sizeof(text) - 1, text);
-  // Once taken the request goes back to 0, else the same one could not be made again.
-  const uint8_t done[2] = {};
-  CopyToMemory(row.offset, sizeof(done), done);
+  ClearRequest(row);
   if (text[0] != '\0') XPLMSpeakString(text);
 }
 

@@ -2,20 +2,16 @@
 #include <algorithm>
 
 #include "bridge/catalogue.h"
+#include "bridge/catalogue/conversions.h"
+#include "bridge/catalogue/units.h"
 
 namespace {
 
-constexpr double poundsPerKg = 2.2046;
 constexpr double poundsTimes256 = 256 * poundsPerKg;
 
 constexpr Source emptyWeight = Float<"sim/aircraft/weight/acf_m_empty">;
 constexpr Source payload = Float<"sim/flightmodel/weight/m_fixed">;
 constexpr Source defaultBalance = Float<"sim/flightmodel/misc/cgz_ref_to_default">;
-
-bool ReadOne(const OffsetRow&, double* value) {
-  *value = 1;
-  return true;
-}
 
 bool ReadZeroFuelWeight(const OffsetRow&, double* value) {
   *value = (ReadSource(emptyWeight) + ReadSource(payload)) * poundsTimes256;
@@ -23,7 +19,6 @@ bool ReadZeroFuelWeight(const OffsetRow&, double* value) {
 }
 // The empty weight is the aircraft's own: what is above it is payload.
 void ApplyZeroFuelWeight(const OffsetRow&, const Staged& staged) {
-  constexpr double kgPerPound = 0.453592;
   const double kg = staged.number / 256 * kgPerPound;
   SetSource(payload, std::max(kg - ReadSource(emptyWeight), 0.0));
 }
@@ -74,7 +69,7 @@ constexpr OffsetRow rows[] = {
      .name = "payload_stations",
      .meaning = "number of payload stations",
      .cycle = Cycle::C313,
-     .read = ReadOne},
+     .prepared = &one},
     {.offset = 0x1400,
      .type = Stored::F64,
      .name = "payload",

@@ -4,7 +4,8 @@
 #include <array>
 
 #include "bridge/catalogue.h"
-#include "bridge/catalogue/angles.h"
+#include "bridge/catalogue/conversions.h"
+#include "bridge/catalogue/units.h"
 
 namespace {
 
