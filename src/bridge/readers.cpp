@@ -86,7 +86,7 @@ void StoreGroup(const Group& group, const Place* place, const uint8_t* bytes) {
 // Stores under the lock unless that is busy, and counts. Returns whether it was missed.
 template <typename Store>
 bool Missed(bool lastTry, Store store) {
-  if (TryEnterLock(&offsetLock) == 0) {
+  if (!TryEnterLock(&offsetLock)) {
     if (lastTry) refreshCounters.dropped++;
     return true;
   }
@@ -131,7 +131,7 @@ void StoreMissed(Reader& reader) {
     if (group.missed) {
       MissedGroup(reader, group, true);
       behind = true;
-    } else if (behind && TryEnterLock(&offsetLock) != 0) {
+    } else if (behind && TryEnterLock(&offsetLock)) {
       StoreGroup(group, &reader.places[group.first], reader.bytes.data());
       LeaveLock(&offsetLock);
     }

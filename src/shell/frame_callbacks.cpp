@@ -142,7 +142,7 @@ float ButtonCycle(float, float, int, void*) {
 }
 
 float MultiplayerCycle(float, float, int, void*) {
-  if (TrafficRuns() != 0) FillTrafficPositions();  // a busy lock: at the next call
+  if (TrafficRuns()) FillTrafficPositions();  // a busy lock: at the next call
   return 0.1F;
 }
 
