@@ -4,7 +4,11 @@
 #include <tlhelp32.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <random>
+#include <thread>
 
 #include "client_block.h"
 
@@ -15,21 +19,11 @@ constexpr uint32_t slotSize = 512;
 constexpr uint32_t slotCount = 63;
 constexpr uint32_t scratchOffset = 0x1FF00;
 
-inline int64_t CounterTicks() {
-  LARGE_INTEGER ticks;
-  QueryPerformanceCounter(&ticks);
-  return ticks.QuadPart;
-}
+using Clock = std::chrono::steady_clock;
 
-inline double Microseconds(int64_t ticks) {
-  LARGE_INTEGER frequency;
-  QueryPerformanceFrequency(&frequency);
-  return static_cast<double>(ticks) * 1e6 / static_cast<double>(frequency.QuadPart);
-}
-
-inline void SpinMicroseconds(double duration) {
-  const int64_t start = CounterTicks();
-  while (Microseconds(CounterTicks() - start) < duration) {
+inline void SpinMicroseconds(int64_t duration) {
+  const Clock::time_point end = Clock::now() + std::chrono::microseconds(duration);
+  while (Clock::now() < end) {
   }
 }
 
@@ -40,20 +34,10 @@ inline void FillWithReads(ClientBlock* block) {
   records.End();
 }
 
-// --- A request on a thread of its own -------------------------------------------------------------------
-struct AsyncCall {
-  const Server* server;
-  ATOM atom;
-  int answer;
-};
-
-inline DWORD WINAPI AsyncProcedure(void* argument) {
-  AsyncCall* call = static_cast<AsyncCall*>(argument);
-  call->answer = Call(*call->server, call->atom);
-  return 0;
+// A request on a thread of its own.
+inline std::future<int> StartCall(const Server& server, ATOM atom) {
+  return std::async(std::launch::async, [=] { return Call(server, atom); });
 }
-
-inline HANDLE StartCall(AsyncCall* call) { return CreateThread(nullptr, 0, AsyncProcedure, call, 0, nullptr); }
 
 // --- This program as another process --------------------------------------------------------------------
 // Starts it with the given words. Returns its handle or null.
@@ -93,8 +77,7 @@ inline int DieDuringRequest(const Server& server, uint32_t delay) {
   ClientBlock block;
   if (!MakeBlock(256 * 1024, &block)) return 1;
   FillWithReads(&block);
-  AsyncCall call = {&server, block.atom, noAnswer};
-  if (StartCall(&call) == nullptr) return 1;
+  const std::future<int> answer = StartCall(server, block.atom);
   SpinMicroseconds(delay);
   TerminateProcess(GetCurrentProcess(), 0);
   return 1;
@@ -192,75 +175,61 @@ inline int RunHammer(const Server& server, uint32_t seconds, uint32_t records, u
   uint32_t requests = 0;
   uint32_t errors = 0;
   std::vector<uint8_t*> echoes(pairs);
-  const DWORD start = GetTickCount();
-  while (GetTickCount() - start < seconds * 1000) {
+  for (const DWORD start = GetTickCount(); GetTickCount() - start < seconds * 1000; ++requests) {
+    const uint32_t first = (requests + 1) * 2654435761u;
     RecordWriter writer = {block.view, 0};
     for (uint32_t i = 0; i < pairs; ++i) {
-      const uint32_t value = (requests + 1) * 2654435761u + i;
+      const uint32_t value = first + i;
       writer.Write(base + 4 * i, 4, &value);
       echoes[i] = writer.Read(base + 4 * i, 4);
       std::memset(echoes[i], 0, 4);
     }
     writer.End();
     uint32_t wrong = Call(server, block.atom) != 1;
-    for (uint32_t i = 0; i < pairs; ++i)
-      wrong |= LoadFrom<uint32_t>(echoes[i]) != (requests + 1) * 2654435761u + i;
+    for (uint32_t i = 0; i < pairs; ++i) wrong |= LoadFrom<uint32_t>(echoes[i]) != first + i;
     errors += wrong;
-    ++requests;
   }
   FreeBlock(&block);
-  std::printf("hammer: %s, %u requests, %u errors\n", errors == 0 && requests > 0 ? "ok" : "FAILED", requests,
-              errors);
-  return errors == 0 && requests > 0 ? 0 : 1;
+  const bool fine = errors == 0 && requests > 0;
+  std::printf("hammer: %s, %u requests, %u errors\n", fine ? "ok" : "FAILED", requests, errors);
+  return fine ? 0 : 1;
 }
 
 // --- A block that changes while it is served ------------------------------------------------------------
-struct Changer {
-  volatile LONG stop;
-  uint8_t* sizeFields[2];
-};
-
-inline DWORD WINAPI ChangeSizes(void* argument) {
-  Changer* changer = static_cast<Changer*>(argument);
-  const uint32_t sizes[] = {8, 0xFFFFFFF0, 4096, 0x20000, 60000, 0};
-  for (uint32_t i = 0; !changer->stop; ++i) {
-    for (uint8_t* field : changer->sizeFields) {
-      *reinterpret_cast<volatile uint32_t*>(field) = sizes[i % 6];
-    }
-  }
-  return 0;
-}
-
 // Answers may be 1 or 0, but every request gets one.
 inline int RunChangeWhileServed(const Server& server, uint32_t seconds) {
   ClientBlock block;
   if (!MakeBlock(64 * 1024, &block)) return 1;
-  Changer changer = {};
-  uint32_t answers[2] = {};
-  int unanswered = 0;
+  std::memset(block.view, 0, block.size);
+  uint8_t* sizeFields[2];
   const auto build = [&] {
-    std::memset(block.view, 0, block.size);
     RecordWriter records = {block.view, 0};
     for (int i = 0; i < 100; ++i) records.Read(0x100, 4);
-    changer.sizeFields[0] = block.view + records.at + 8;
+    sizeFields[0] = block.view + records.at + 8;
     records.Read(0x100, 8);
-    changer.sizeFields[1] = block.view + records.at + 8;
+    sizeFields[1] = block.view + records.at + 8;
     const uint64_t value = 0;
     records.Write(slotBase, 8, &value);
     records.End();
   };
   build();
-  HANDLE thread = CreateThread(nullptr, 0, ChangeSizes, &changer, 0, nullptr);
-  const DWORD start = GetTickCount();
-  while (GetTickCount() - start < seconds * 1000 && !unanswered) {
+  std::atomic<bool> stop = false;
+  std::thread changer([&stop, sizeFields] {
+    const uint32_t sizes[] = {8, 0xFFFFFFF0, 4096, 0x20000, 60000, 0};
+    for (uint32_t i = 0; !stop; ++i) {
+      for (uint8_t* field : sizeFields) *reinterpret_cast<volatile uint32_t*>(field) = sizes[i % 6];
+    }
+  });
+  uint32_t answers[2] = {};
+  int unanswered = 0;
+  for (const DWORD start = GetTickCount(); GetTickCount() - start < seconds * 1000 && !unanswered; build()) {
     const int answer = Call(server, block.atom);
     unanswered = answer != 0 && answer != 1;
     if (!unanswered) ++answers[answer];
-    build();
+    std::memset(block.view, 0, block.size);
   }
-  changer.stop = 1;
-  WaitForSingleObject(thread, INFINITE);
-  CloseHandle(thread);
+  stop = true;
+  changer.join();
   FreeBlock(&block);
   std::printf("change-while-served: %s, answered 1: %u times, 0: %u times\n", unanswered ? "FAILED" : "ok",
               answers[1], answers[0]);
@@ -271,14 +240,6 @@ inline int RunChangeWhileServed(const Server& server, uint32_t seconds) {
 // How the messages travel: put into the window's queue, put into the queue of every thread of the simulator
 // that has one, or handed over like requests (the system gives these to the window before any other message).
 enum class FloodWay { Posted, PostedToThreads, Sent };
-
-struct Flood {
-  FloodWay way;
-  HWND window;
-  const std::vector<DWORD>* threads;
-  DWORD end;                // tick count
-  volatile LONG delivered;  // counts those that the system took
-};
 
 inline std::vector<DWORD> ThreadsOfWindowsProcess(HWND window) {
   DWORD process = 0;
@@ -294,66 +255,57 @@ inline std::vector<DWORD> ThreadsOfWindowsProcess(HWND window) {
   return threads;
 }
 
-inline DWORD WINAPI FloodProcedure(void* argument) {
-  Flood* flood = static_cast<Flood*>(argument);
-  constexpr UINT message = WM_APP + 77;
-  while (static_cast<LONG>(flood->end - GetTickCount()) > 0) {
-    LONG taken = 0;
-    if (flood->way == FloodWay::Sent) taken = SendNotifyMessageA(flood->window, message, 0, 0) != 0;
-    if (flood->way == FloodWay::Posted) taken = PostMessageA(flood->window, message, 0, 0) != 0;
-    if (flood->way == FloodWay::PostedToThreads) {
-      for (const DWORD thread : *flood->threads) taken += PostThreadMessageA(thread, message, 0, 0) != 0;
-    }
-    InterlockedExchangeAdd(&flood->delivered, taken);
-    if (taken == 0) Sleep(1);  // the window is gone, or the queue is full
-  }
-  return 0;
-}
-
 // Says "flooding" when messages flow, and at the end how many the system took.
 inline int RunFlood(const Server& server, FloodWay way, uint32_t seconds, uint32_t senders) {
   const std::vector<DWORD> threads = ThreadsOfWindowsProcess(server.window);
-  Flood flood = {way, server.window, &threads, GetTickCount() + seconds * 1000, 0};
-  std::vector<HANDLE> handles;
-  for (uint32_t i = 0; i < std::clamp(senders, 1u, 16u); ++i) {
-    handles.push_back(CreateThread(nullptr, 0, FloodProcedure, &flood, 0, nullptr));
-  }
-  while (flood.delivered < 1000 && static_cast<LONG>(flood.end - GetTickCount()) > 0) Sleep(1);
+  const DWORD end = GetTickCount() + seconds * 1000;
+  const auto time = [end] { return static_cast<LONG>(end - GetTickCount()) > 0; };
+  std::atomic<long> delivered = 0;  // those that the system took
+  const auto flood = [&] {
+    constexpr UINT message = WM_APP + 77;
+    while (time()) {
+      long taken = 0;
+      if (way == FloodWay::Sent) taken = SendNotifyMessageA(server.window, message, 0, 0) != 0;
+      if (way == FloodWay::Posted) taken = PostMessageA(server.window, message, 0, 0) != 0;
+      if (way == FloodWay::PostedToThreads) {
+        for (const DWORD thread : threads) taken += PostThreadMessageA(thread, message, 0, 0) != 0;
+      }
+      delivered += taken;
+      if (taken == 0) Sleep(1);  // the window is gone, or the queue is full
+    }
+  };
+  std::vector<std::thread> floods;
+  for (uint32_t i = 0; i < std::clamp(senders, 1u, 16u); ++i) floods.emplace_back(flood);
+  while (delivered < 1000 && time()) Sleep(1);
   std::printf("flooding\n");
   std::fflush(stdout);
-  for (HANDLE handle : handles) {
-    WaitForSingleObject(handle, INFINITE);
-    CloseHandle(handle);
-  }
-  std::printf("flood: %s, %ld messages\n", flood.delivered >= 1000 ? "ok" : "FAILED", flood.delivered);
-  return flood.delivered >= 1000 ? 0 : 1;
+  for (std::thread& thread : floods) thread.join();
+  std::printf("flood: %s, %ld messages\n", delivered >= 1000 ? "ok" : "FAILED", delivered.load());
+  return delivered >= 1000 ? 0 : 1;
 }
 
 // One request with a block of so many MiB, filled with reads of a byte each, and three short ones that wait
 // behind it. Says "sent" when all are on their way, and at the end what was answered.
 inline int RunLongRequest(const Server& server, uint32_t megabytes) {
-  constexpr size_t count = 4;
-  ClientBlock blocks[count];
-  AsyncCall calls[count];
-  HANDLE threads[count];
-  for (size_t i = 0; i < count; ++i) {
-    if (!MakeBlock(i == 0 ? std::clamp(megabytes, 1u, 1024u) << 20 : 4096, &blocks[i])) return 1;
-    RecordWriter records = {blocks[i].view, 0};
-    while (records.at + 16 + 1 + 4 <= blocks[i].size) records.Read(0x100, 1);
+  std::vector<ClientBlock> blocks;
+  std::vector<std::future<int>> calls;
+  for (const uint32_t size : {std::clamp(megabytes, 1u, 1024u) << 20, 4096u, 4096u, 4096u}) {
+    ClientBlock block;
+    if (!MakeBlock(size, &block)) return 1;
+    RecordWriter records = {block.view, 0};
+    while (records.at + 16 + 1 + 4 <= block.size) records.Read(0x100, 1);
     records.End();
-    calls[i] = {&server, blocks[i].atom, noAnswer};
+    blocks.push_back(block);
   }
-  for (size_t i = 0; i < count; ++i) {
-    threads[i] = StartCall(&calls[i]);
+  for (const ClientBlock& block : blocks) {
+    calls.push_back(StartCall(server, block.atom));
     Sleep(50);
   }
   std::printf("sent\n");
   std::fflush(stdout);
-  for (HANDLE thread : threads) {
-    WaitForSingleObject(thread, INFINITE);
-    CloseHandle(thread);
-  }
-  std::printf("long-request: answer %d, to those that waited %d %d %d\n", calls[0].answer, calls[1].answer,
-              calls[2].answer, calls[3].answer);
+  int answers[4];
+  for (size_t i = 0; i < 4; ++i) answers[i] = calls[i].get();
+  std::printf("long-request: answer %d, to those that waited %d %d %d\n", answers[0], answers[1], answers[2],
+              answers[3]);
   return 0;
 }

@@ -6,6 +6,7 @@
 // wrong usage or when there is no server. After each mode a plain request must be served still. What each
 // mode expects stands at its function; load_modes.h has those that run for a while.
 #include <cstdlib>
+#include <tuple>
 
 #include "client_block.h"
 #include "load_modes.h"
@@ -34,42 +35,34 @@ bool ExpectAnswer(WPARAM atom, int wanted, const char* what) {
                                       std::to_string(wanted));
 }
 
-// A well-formed request of its own is served. Sets the constant word.
-bool ExpectAlive() {
-  ClientBlock block;
-  if (!Expect(MakeBlock(pageSize, &block), "no block")) return false;
-  RecordWriter records = {block.view, 0};
-  records.Write(constantOffset, 4, &constantValue);
-  const uint8_t* data = records.Read(constantOffset, 4);
+// Ends the records and sends them.
+bool Send(ClientBlock* block, RecordWriter records, int wanted, const char* what) {
   records.End();
-  ExpectAnswer(block.atom, 1, "plain request");
-  Expect(LoadFrom<uint32_t>(data) == constantValue, "plain request: wrong data");
-  FreeBlock(&block);
-  return why.empty();
+  return ExpectAnswer(block->atom, wanted, what);
 }
 
-uint32_t ReadWord(uint32_t offset) {
+// One word of the memory by a plain request of its own, after it was set when there is a value for it.
+uint32_t Word(const char* what, uint32_t offset, const uint32_t* value = nullptr) {
   ClientBlock block;
-  uint32_t word = 0;
   if (!Expect(MakeBlock(pageSize, &block), "no block")) return 0;
   RecordWriter records = {block.view, 0};
+  if (value != nullptr) records.Write(offset, 4, value);
   const uint8_t* data = records.Read(offset, 4);
-  records.End();
-  if (ExpectAnswer(block.atom, 1, "reading back")) word = LoadFrom<uint32_t>(data);
+  const uint32_t word = Send(&block, records, 1, what) ? LoadFrom<uint32_t>(data) : 0;
   FreeBlock(&block);
   return word;
 }
 
-// Sets the scratch word to a value that no record of the mode under test holds.
-void PrepareScratch(uint32_t value) {
-  ClientBlock block;
-  if (!Expect(MakeBlock(pageSize, &block), "no block")) return;
-  RecordWriter records = {block.view, 0};
-  records.Write(scratchOffset, 4, &value);
-  records.End();
-  ExpectAnswer(block.atom, 1, "preparing the scratch word");
-  FreeBlock(&block);
+// A well-formed request of its own is served. Sets the constant word.
+bool ExpectAlive() {
+  Expect(Word("plain request", constantOffset, &constantValue) == constantValue, "plain request: wrong data");
+  return why.empty();
 }
+
+uint32_t ReadWord(uint32_t offset) { return Word("reading back", offset); }
+
+// Sets the scratch word to a value that no record of the mode under test holds.
+void PrepareScratch(uint32_t value) { Word("preparing the scratch word", scratchOffset, &value); }
 
 // Read, unknown type 7, write: 0, the read served, the type zeroed, the write not served.
 void UnknownRecord(ClientBlock* block) {
@@ -81,8 +74,7 @@ void UnknownRecord(ClientBlock* block) {
   records.Word(7);
   records.Word(0x5A5A5A5A);
   records.Write(scratchOffset, 4, &value);
-  records.End();
-  ExpectAnswer(block->atom, 0, "unknown record");
+  Send(block, records, 0, "unknown record");
   Expect(LoadFrom<uint32_t>(data) == constantValue, "the read before it was not served");
   Expect(LoadFrom<uint32_t>(unknown) == 0 && LoadFrom<uint32_t>(unknown + 4) == 0x5A5A5A5A,
          "not just its type was zeroed");
@@ -98,8 +90,7 @@ void ReadOnlyWrite(ClientBlock* block) {
   records.Write(readOnlyOffset, 4, &value);
   records.Write(scratchOffset, 4, &value);
   const uint8_t* data = records.Read(readOnlyOffset, 4);
-  records.End();
-  ExpectAnswer(block->atom, 1, "write to a read-only offset");
+  Send(block, records, 1, "write to a read-only offset");
   Expect(LoadFrom<uint32_t>(data) == before, "a read-only offset was written");
   Expect(ReadWord(scratchOffset) == value, "the write behind it was not applied");
 }
@@ -110,8 +101,7 @@ void HugeMapping(ClientBlock* block) {
   if (!Expect(MakeBlock(64u << 20, block), "no block of 64 MiB")) return;
   RecordWriter records = {block->view, 0};
   const uint8_t* data = records.Read(0, memorySize);
-  records.End();
-  ExpectAnswer(block->atom, 1, "huge block");
+  Send(block, records, 1, "huge block");
   Expect(LoadFrom<uint32_t>(data + constantOffset) == constantValue, "wrong data");
 }
 
@@ -124,8 +114,7 @@ void ReservedMapping(ClientBlock* block) {
   if (!Expect(VirtualAlloc(block->view, pageSize, MEM_COMMIT, PAGE_READWRITE) != nullptr, "no page")) return;
   RecordWriter records = {block->view, 0};
   const uint8_t* data = records.Read(constantOffset, 4);
-  records.End();
-  ExpectAnswer(block->atom, 1, "inside the page");
+  Send(block, records, 1, "inside the page");
   Expect(LoadFrom<uint32_t>(data) == constantValue, "wrong data");
   records = {block->view, 0};
   records.Word(1);
@@ -191,17 +180,15 @@ void UnmapDuring(ClientBlock* block) {
     ClientBlock own;
     if (!Expect(MakeBlock(256 * 1024, &own), "no block")) return;
     FillWithReads(&own);
-    AsyncCall call = {&server, own.atom, noAnswer};
-    HANDLE thread = StartCall(&call);
+    std::future<int> call = StartCall(server, own.atom);
     SpinMicroseconds(round * 20);
     UnmapViewOfFile(own.view);
     CloseHandle(own.mapping);
     own.view = nullptr;
     own.mapping = nullptr;
-    WaitForSingleObject(thread, 30000);
-    CloseHandle(thread);
+    const int answer = call.get();
     FreeBlock(&own);
-    Expect(call.answer == 0 || call.answer == 1, "no answer to a request whose view was unmapped");
+    Expect(answer == 0 || answer == 1, "no answer to a request whose view was unmapped");
   }
 }
 
@@ -219,31 +206,26 @@ void DieMidRequest(ClientBlock*) {
 void MeddlingMessages(ClientBlock*) {
   CREATESTRUCTA renamed = {};
   renamed.lpszName = "RENAMED";
-  const struct {
-    UINT message;
-    WPARAM wParam;
-    LPARAM lParam;
-  } cases[] = {
-      {WM_CLOSE, 0, 0},
-      {WM_SYSCOMMAND, SC_CLOSE, 0},
-      {WM_SYSKEYDOWN, VK_F4, 1 << 29},  // Alt+F4
-      {WM_SYSCOMMAND, SC_MOVE, 0},
-      {WM_SYSCOMMAND, SC_SIZE, 0},
-      {WM_NCLBUTTONDOWN, HTCAPTION, 0},
-      {WM_NCLBUTTONDOWN, HTCLOSE, 0},
-      {WM_SETTEXT, 0, reinterpret_cast<LPARAM>("RENAMED")},
-      {WM_NCCREATE, 0, reinterpret_cast<LPARAM>(&renamed)},
-      {WM_DESTROY, 0, 0},
-      {WM_NCDESTROY, 0, 0},
-      {WM_QUERYENDSESSION, 0, 0},
-      {WM_ENABLE, 0, 0},
-      {WM_QUIT, 0, 0},
-  };
-  for (const auto& one : cases) {
-    const std::string name = "message " + std::to_string(one.message) + "/" + std::to_string(one.wParam);
+  // WM_SYSKEYDOWN: Alt+F4.
+  const std::tuple<UINT, WPARAM, LPARAM> cases[] = {{WM_CLOSE, 0, 0},
+                                                    {WM_SYSCOMMAND, SC_CLOSE, 0},
+                                                    {WM_SYSKEYDOWN, VK_F4, 1 << 29},
+                                                    {WM_SYSCOMMAND, SC_MOVE, 0},
+                                                    {WM_SYSCOMMAND, SC_SIZE, 0},
+                                                    {WM_NCLBUTTONDOWN, HTCAPTION, 0},
+                                                    {WM_NCLBUTTONDOWN, HTCLOSE, 0},
+                                                    {WM_SETTEXT, 0, reinterpret_cast<LPARAM>("RENAMED")},
+                                                    {WM_NCCREATE, 0, reinterpret_cast<LPARAM>(&renamed)},
+                                                    {WM_DESTROY, 0, 0},
+                                                    {WM_NCDESTROY, 0, 0},
+                                                    {WM_QUERYENDSESSION, 0, 0},
+                                                    {WM_ENABLE, 0, 0},
+                                                    {WM_QUIT, 0, 0}};
+  for (const auto& [message, wParam, lParam] : cases) {
+    const std::string name = "message " + std::to_string(message) + "/" + std::to_string(wParam);
     DWORD_PTR result = 0;
-    SendMessageTimeoutA(server.window, one.message, one.wParam, one.lParam, SMTO_NORMAL, 2000, &result);
-    PostMessageA(server.window, one.message, one.wParam, one.lParam);  // refused when it holds a pointer
+    SendMessageTimeoutA(server.window, message, wParam, lParam, SMTO_NORMAL, 2000, &result);
+    PostMessageA(server.window, message, wParam, lParam);  // refused when it holds a pointer
     for (int round = 0; round < 3; ++round) {  // the queue is looked at between two requests at the latest
       if (!Expect(ExpectAlive(), name)) return;
       Sleep(10);
@@ -276,10 +258,6 @@ int RunMode(const Mode& mode) {
   return why.empty() ? 0 : 1;
 }
 
-uint32_t Argument(int count, char** words, int index, uint32_t fallback) {
-  return count > index ? static_cast<uint32_t>(std::strtoul(words[index], nullptr, 0)) : fallback;
-}
-
 int Usage() {
   std::printf("usage: rude_client_win32 MODE\n  all, or one of:");
   for (const Mode& mode : modes) std::printf(" %s", mode.name);
@@ -303,27 +281,22 @@ int main(int count, char** words) {
     std::printf("%s: no window KORLMAIN\n", name.c_str());
     return 2;
   }
-  if (name == "die-child") return DieDuringRequest(server, Argument(count, words, 2, 0));
-  const struct {
-    const char* name;
-    FloodWay way;
-  } floods[] = {{"flood-posted", FloodWay::Posted},
-                {"flood-threads", FloodWay::PostedToThreads},
-                {"flood-sent", FloodWay::Sent}};
-  for (const auto& flood : floods) {  // the server may have been stopped meanwhile: no plain request follows
-    if (name == flood.name) {
-      return RunFlood(server, flood.way, Argument(count, words, 2, 5), Argument(count, words, 3, 4));
-    }
+  const auto argument = [=](int index, uint32_t fallback) {
+    return count > index ? static_cast<uint32_t>(std::strtoul(words[index], nullptr, 0)) : fallback;
+  };
+  if (name == "die-child") return DieDuringRequest(server, argument(2, 0));
+  // The server may have been stopped by a flood meanwhile: no plain request follows.
+  const std::pair<const char*, FloodWay> floods[] = {{"flood-posted", FloodWay::Posted},
+                                                     {"flood-threads", FloodWay::PostedToThreads},
+                                                     {"flood-sent", FloodWay::Sent}};
+  for (const auto& [flood, way] : floods) {
+    if (name == flood) return RunFlood(server, way, argument(2, 5), argument(3, 4));
   }
-  if (name == "long-request") return RunLongRequest(server, Argument(count, words, 2, 64));
+  if (name == "long-request") return RunLongRequest(server, argument(2, 64));
   int load = -1;
-  if (name == "garbage")
-    load = RunGarbage(server, Argument(count, words, 2, 1), Argument(count, words, 3, 1000));
-  if (name == "hammer") {
-    load = RunHammer(server, Argument(count, words, 2, 5), Argument(count, words, 3, 50),
-                     Argument(count, words, 4, 0));
-  }
-  if (name == "change-while-served") load = RunChangeWhileServed(server, Argument(count, words, 2, 2));
+  if (name == "garbage") load = RunGarbage(server, argument(2, 1), argument(3, 1000));
+  if (name == "hammer") load = RunHammer(server, argument(2, 5), argument(3, 50), argument(4, 0));
+  if (name == "change-while-served") load = RunChangeWhileServed(server, argument(2, 2));
   if (load >= 0) {
     if (ExpectAlive()) return load;
     std::printf("%s: FAILED: %s\n", name.c_str(), why.c_str());

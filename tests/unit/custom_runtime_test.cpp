@@ -2,8 +2,9 @@
 #include <atomic>
 #include <charconv>
 #include <chrono>
-#include <functional>
+#include <limits>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -63,14 +64,9 @@ TEST_F(CustomRuntime, RefreshStoresTypesAndQuirks) {
        "Offset 66CC uint8 1 r 5\nOffset 66D0 FLOAT64 1 r $none 1 + $odd $n $past + + +\n");
   Set("sim/joystick/joystick_button_values[1599]", 8);
   RefreshCustomOffsets(1);
-  EXPECT_EQ(Read<uint16_t>(0x9000), 270);
-  EXPECT_EQ(Read<int8_t>(0x66C0), 14);
-  EXPECT_EQ(Read<float>(0x66C2), 270.6F);
-  EXPECT_EQ(Read<uint16_t>(0x66C8), 77);
-  EXPECT_EQ(Read<uint8_t>(0x66CA), 111);
-  EXPECT_EQ(Read<uint8_t>(0x66CB), 88);
-  EXPECT_EQ(Read<uint8_t>(0x66CC), 0);
-  EXPECT_EQ(Read<double>(0x66D0), 9);
+  rows::ExpectShown({{0x9000, rows::U16, 270}, {0x66C0, rows::S8, 14}, {0x66C2, rows::F32, 270.6, 1e-4}});
+  rows::ExpectShown({{0x66C8, rows::U16, 77}, {0x66CA, rows::U8, 111}, {0x66CB, rows::U8, 88}});
+  rows::ExpectShown({{0x66CC, rows::U8, 0}, {0x66D0, rows::F64, 9}});
   // Stored again when a client has changed the bytes, though the value is the same.
   Write<uint8_t>(0x66C0, 3);
   RefreshCustomOffsets(1);
@@ -147,38 +143,32 @@ TEST_F(CustomRuntime, ClientWritesSetDatarefs) {
        "Offset 66D2 UINT8 0 w >fa @\nOffset 66D3 SINT8 0 w >ia @\nOffset 66D4 UINT16 0 w >b @\n"
        "Offset 66D6 UINT8 0 w >psi 1 >x 2 >park 0.5 $psi * >y 3\nOffset 66D7 UINT8 0 r 0 >psi @\n"
        "Offset 66D8 UINT8 0 w >psi\nOffset 66D9 UINT8 0 w >none @\nOffset 66DA uint8 0 w >psi @\n");
-  struct Case {
-    uint32_t offset;
-    std::function<int()> write;
-    const char* expected;
-  };
-  const Case cases[] = {
-      {0x66C0, [] { return Write<int16_t>(0x66C0, -90); }, "sim/flightmodel/position/psi=-45.0"},
-      {0x66C0, [] { return Write<int16_t>(0x66C0, -90); }, ""},  // already there
-      {0x66C0, [] { return Write<uint8_t>(0x66C0, 0xA8); },
-       "sim/flightmodel/position/psi=-44.0"},  // high byte stays
-      {0x66C2, [] { return Write<double>(0x66C2, -3e9); }, "t/int=-2147483648"},
-      {0x66C2, [] { return Write<double>(0x66C2, 2.9); }, "t/int=2"},
-      {0x66CA, [] { return Write<double>(0x66CA, 0.25); }, "t/double=0.25"},
-      {0x66CA, [] { return Write<double>(0x66CA, std::numeric_limits<double>::quiet_NaN()); }, ""},
-      {0x66D2, [] { return Write<uint8_t>(0x66D2, 200); }, "t/floats[2]=200.0"},
-      {0x66D3, [] { return Write<int8_t>(0x66D3, -5); }, "t/ints[3]=-5"},
-      {0x66D6,
-       [] {
-         Set(psi, 3);
-         return Write<uint8_t>(0x66D6, 9);
-       },
-       "sim/flightmodel/controls/parkbrake=1.5"},
-      {0x66D7, [] { return Write<uint8_t>(0x66D7, 9); }, ""},
-      {0x66D8, [] { return Write<uint8_t>(0x66D8, 9); }, "sim/flightmodel/position/psi=88.0"},
-      {0x66D9, [] { return Write<uint8_t>(0x66D9, 9); }, ""},
-      // Both in one request: one slot, the later one counts.
-      {0x66D2, [] { return Write<uint16_t>(0x66D2, 0x0607); }, "t/ints[3]=6"}};
-  for (const Case& c : cases) {
-    custom::Writes();
-    EXPECT_EQ(c.write(), 1) << c.expected;
+  Set(psi, 3);
+  constexpr double none = std::numeric_limits<double>::quiet_NaN();
+  // Second time the same: already there. Then a byte of the word: its high byte stays. Both 66D2 and 66D3 in
+  // one request: one slot, the later one counts. Extended offsets are searched by their low 16 bits.
+  const std::tuple<uint32_t, Stored, double, const char*> cases[] = {
+      {0x66D6, rows::U8, 9, "sim/flightmodel/controls/parkbrake=1.5"},
+      {0x66C0, rows::S16, -90, "sim/flightmodel/position/psi=-45.0"},
+      {0x66C0, rows::S16, -90, ""},
+      {0x66C0, rows::U8, 0xA8, "sim/flightmodel/position/psi=-44.0"},
+      {0x66C2, rows::F64, -3e9, "t/int=-2147483648"},
+      {0x66C2, rows::F64, 2.9, "t/int=2"},
+      {0x66CA, rows::F64, 0.25, "t/double=0.25"},
+      {0x66CA, rows::F64, none, ""},
+      {0x66D2, rows::U8, 200, "t/floats[2]=200.0"},
+      {0x66D3, rows::S8, -5, "t/ints[3]=-5"},
+      {0x66D7, rows::U8, 9, ""},
+      {0x66D8, rows::U8, 9, "sim/flightmodel/position/psi=88.0"},
+      {0x66D9, rows::U8, 9, ""},
+      {0x66D2, rows::U16, 0x0607, "t/ints[3]=6"},
+      {0x166C0, rows::S16, 8, "sim/flightmodel/position/psi=4.0"}};
+  for (const auto& [offset, type, value, expected] : cases) {
+    uint8_t bytes[8];
+    const uint32_t width = rows::Encode(type, value, bytes);
+    EXPECT_EQ(rows::WriteBytes(offset, bytes, width), 1) << expected;
     WriteFrame();
-    EXPECT_EQ(custom::Writes(), c.expected) << std::hex << c.offset;
+    EXPECT_EQ(custom::Writes(), expected) << std::hex << offset;
     WriteFrame();
     EXPECT_EQ(custom::Writes(), "") << "applied once";
   }
@@ -186,13 +176,7 @@ TEST_F(CustomRuntime, ClientWritesSetDatarefs) {
   WriteFrame();
   EXPECT_EQ(Get("t/bytes[1]"), 0xFF);
   // An entry of size 0 is passed over, and nothing fixed lies there either.
-  EXPECT_EQ(Write<uint8_t>(0x66DA, 1), 0);
-  custom::Writes();
-  // Extended offsets are searched by their low 16 bits.
-  EXPECT_EQ(Write<int16_t>(0x166C0, 8), 1);
-  WriteFrame();
-  EXPECT_EQ(custom::Writes(), "sim/flightmodel/position/psi=4.0");
-  EXPECT_EQ(Write<uint8_t>(0x1FFFF, 1), 0);
+  for (const uint32_t offset : {0x66DAU, 0x1FFFFU}) EXPECT_EQ(Write<uint8_t>(offset, 1), 0);
 }
 
 TEST_F(CustomRuntime, CommandsByMode) {
@@ -200,33 +184,25 @@ TEST_F(CustomRuntime, CommandsByMode) {
   Load(
       "Command 66C0 UINT8 0 1 c/a 1 2 c/b 7 3 c/c 1 2 no/such\nCommand 66C1 uint8 1 1 c/b\n"
       "Command 0BC8 SINT16 1 32767 c/b\n");
-  struct Step {
-    uint8_t value;
-    const char* calls;
-  };
+  const auto framed = [] { return WriteFrame(), Calls(); };
   // Held once, ended by any other value, other modes never end.
-  const Step steps[] = {{1, "begin c/a"}, {1, ""}, {2, "end c/a; once c/b"}, {0, ""},        {3, "begin c/c"},
-                        {4, ""},          {3, ""}, {1, "begin c/a"},         {5, "end c/a"}, {1, "begin c/a"}};
-  for (const Step& step : steps) {
-    Write<uint8_t>(0x66C0, step.value);
-    WriteFrame();
-    EXPECT_EQ(Calls(), step.calls) << int{step.value};
+  const std::pair<uint8_t, const char*> steps[] = {
+      {1, "begin c/a"}, {1, ""}, {2, "end c/a; once c/b"}, {0, ""},        {3, "begin c/c"},
+      {4, ""},          {3, ""}, {1, "begin c/a"},         {5, "end c/a"}, {1, "begin c/a"}};
+  for (const auto& [value, calls] : steps) {
+    Write(0x66C0, value);
+    EXPECT_EQ(framed(), calls) << int{value};
   }
-  Write<uint8_t>(0x66C0, 2);
-  Write<uint8_t>(0x66C0, 9);
-  WriteFrame();
-  EXPECT_EQ(Calls(), "end c/a") << "only the last value of a frame counts";
+  for (const uint8_t value : {uint8_t{2}, uint8_t{9}}) Write(0x66C0, value);
+  EXPECT_EQ(framed(), "end c/a") << "only the last value of a frame counts";
   Write<uint8_t>(0x66C1, 1);
-  WriteFrame();
-  EXPECT_EQ(Calls(), "") << "an unknown type has no bytes that could differ";
+  EXPECT_EQ(framed(), "") << "an unknown type has no bytes that could differ";
   // A fixed offset stays one beside its command.
   EXPECT_EQ(Write<int16_t>(0x0BC8, 32767), 1);
-  WriteFrame();
-  EXPECT_EQ(Calls(), "once c/b");
+  EXPECT_EQ(framed(), "once c/b");
   EXPECT_EQ(Get(park), 1);
   Write<uint8_t>(0x66C0, 1);
-  WriteFrame();
-  Calls();
+  framed();
   ClearCustomOffsets();
   EXPECT_EQ(Calls(), "end c/a; end c/c");
 }
@@ -237,31 +213,18 @@ TEST_F(CustomRuntime, CommandsAdvanceTheWalk) {
   Load(aliases +
        "Command 66C0 UINT32 1 1 c/a\nOffset 66C4 UINT16 0 w >psi @\nCommand 66C6 UINT8 1 5 c/b\n"
        "Command 66D0 uint8 1 1 c/a\nCommand 0BC8 UINT32 1 1 c/a\n");
-  struct Case {
-    const char* what;
-    uint32_t offset;
-    std::vector<uint8_t> bytes;
-    int whole;  // what the dispatcher answers
-    const char* writes;
-  };
-  const Case cases[] = {
-      {"command, custom offset, command",
-       0x66C0,
-       {1, 0, 0, 0, 90, 0, 5},
-       1,
-       "sim/flightmodel/position/psi=90.0"},
+  // Offset, bytes, what the dispatcher answers, datarefs set.
+  const std::tuple<const char*, uint32_t, std::vector<uint8_t>, int, const char*> cases[] = {
+      {"all of them", 0x66C0, {1, 0, 0, 0, 90, 0, 5}, 1, "sim/flightmodel/position/psi=90.0"},
       {"cut within the command", 0x66C0, {2, 0}, 1, ""},
       {"something meaningless behind it", 0x66C6, {6, 1}, 0, ""},
       {"a type that is none has no bytes to go on by", 0x66D0, {1, 1}, 0, ""},
       // The fixed offset's two bytes, not the command's four: the next one is 0x0BCA, which means nothing.
-      {"fixed offset beside it", 0x0BC8, {255, 127, 1, 0}, 0, "sim/flightmodel/controls/parkbrake=1.0"},
-  };
-  for (const Case& c : cases) {
-    custom::Writes();
-    EXPECT_EQ(rows::WriteBytes(c.offset, c.bytes.data(), static_cast<uint32_t>(c.bytes.size())), c.whole)
-        << c.what;
+      {"fixed beside it", 0x0BC8, {255, 127, 1, 0}, 0, "sim/flightmodel/controls/parkbrake=1.0"}};
+  for (const auto& [what, offset, bytes, whole, writes] : cases) {
+    EXPECT_EQ(rows::WriteBytes(offset, bytes.data(), static_cast<uint32_t>(bytes.size())), whole) << what;
     WriteFrame();
-    EXPECT_EQ(custom::Writes(), c.writes) << c.what;
+    EXPECT_EQ(custom::Writes(), writes) << what;
   }
   EXPECT_EQ(Calls(), "once c/b") << "one slot: the later command of the request";
 }
@@ -272,47 +235,37 @@ TEST_F(CustomRuntime, EndsOfHeldCommandsOutliveTheirWrite) {
   Load(
       "Command 66C0 UINT8 0 1 c/a 0 2 c/b\nCommand 66C1 UINT8 0 1 c/c\nCommand 66C2 UINT8 1 1 c/d\n"
       "Command 66C3 UINT8 2 1 c/d\n");
-  using Writes = std::vector<std::pair<uint32_t, uint8_t>>;
-  struct Case {
-    const char* what;
-    Writes before, frame;
-    const char* calls;
-  };
-  const Case cases[] = {
-      {"end, then another command", {{0x66C0, 1}}, {{0x66C0, 0}, {0x66C2, 1}}, "end c/a; once c/d"},
-      {"two ends displaced",
-       {{0x66C0, 1}, {0x66C1, 1}},
-       {{0x66C1, 0}, {0x66C0, 0}, {0x66C2, 1}},
-       "end c/c; end c/a; once c/d"},
-      {"an end displaces an end", {{0x66C0, 2}, {0x66C1, 1}}, {{0x66C0, 0}, {0x66C1, 0}}, "end c/b; end c/c"},
-      {"only the end of it", {{0x66C0, 1}}, {{0x66C0, 2}, {0x66C2, 1}}, "end c/a; once c/d"},
-      {"a begin is displaced as ever", {}, {{0x66C0, 1}, {0x66C2, 1}}, "once c/d"},
-      {"the begin displaced, then the end", {}, {{0x66C0, 1}, {0x66C2, 1}, {0x66C0, 0}}, ""},
-      {"begin and end", {}, {{0x66C0, 1}, {0x66C0, 0}}, ""},
-      {"end and begin: held all the time", {{0x66C0, 1}}, {{0x66C0, 0}, {0x66C0, 1}}, ""},
-      {"the same with another between", {{0x66C0, 1}}, {{0x66C0, 0}, {0x66C2, 1}, {0x66C0, 1}}, ""},
-      {"and displaced again at last",
-       {{0x66C0, 1}},
-       {{0x66C0, 0}, {0x66C2, 1}, {0x66C0, 1}, {0x66C0, 3}, {0x66C2, 1}},
-       "end c/a"},
-      {"nothing is held", {}, {{0x66C0, 9}, {0x66C2, 1}}, "once c/d"},
-      {"of its own offset: replaced", {{0x66C0, 1}}, {{0x66C0, 0}, {0x66C0, 2}}, "end c/a; begin c/b"},
-      {"other modes never end", {{0x66C3, 1}}, {{0x66C3, 0}, {0x66C2, 1}}, "once c/d"},
-  };
-  for (const Case& c : cases) {
+  // Writes as "last digit of the offset = value": those of frames before, one each, and those of one frame.
+  const std::tuple<const char*, std::string, std::string, const char*> cases[] = {
+      {"end, then another command", "0=1", "0=0 2=1", "end c/a; once c/d"},
+      {"two ends displaced", "0=1 1=1", "1=0 0=0 2=1", "end c/c; end c/a; once c/d"},
+      {"an end displaces an end", "0=2 1=1", "0=0 1=0", "end c/b; end c/c"},
+      {"only the end of it", "0=1", "0=2 2=1", "end c/a; once c/d"},
+      {"a begin is displaced as ever", "", "0=1 2=1", "once c/d"},
+      {"the begin displaced, then the end", "", "0=1 2=1 0=0", ""},
+      {"begin and end", "", "0=1 0=0", ""},
+      {"end and begin: held all the time", "0=1", "0=0 0=1", ""},
+      {"the same with another between", "0=1", "0=0 2=1 0=1", ""},
+      {"and displaced again at last", "0=1", "0=0 2=1 0=1 0=3 2=1", "end c/a"},
+      {"nothing is held", "", "0=9 2=1", "once c/d"},
+      {"of its own offset: replaced", "0=1", "0=0 0=2", "end c/a; begin c/b"},
+      {"other modes never end", "3=1", "3=0 2=1", "once c/d"}};
+  for (const auto& [what, before, frame, calls] : cases) {
     ClearCustomOffsets();
     LoadCustomOffsets();
     for (uint32_t offset = 0x66C0; offset < 0x66C4; ++offset) CopyToMemory(offset, 1, "");
-    for (const auto& [offset, value] : c.before) {
-      Write<uint8_t>(offset, value);
-      WriteFrame();
+    for (const std::string* writes : {&before, &frame}) {
+      Calls();
+      for (size_t at = 0; at < writes->size(); at += 4) {
+        Write(0x66C0 + static_cast<uint32_t>((*writes)[at] - '0'),
+              static_cast<uint8_t>((*writes)[at + 2] - '0'));
+        if (writes == &before) WriteFrame();
+      }
     }
-    Calls();
-    for (const auto& [offset, value] : c.frame) Write<uint8_t>(offset, value);
     WriteFrame();
-    EXPECT_EQ(Calls(), c.calls) << c.what;
+    EXPECT_EQ(Calls(), calls) << what;
     WriteFrame();
-    EXPECT_EQ(Calls(), "") << c.what << ": once";
+    EXPECT_EQ(Calls(), "") << what << ": once";
   }
 }
 

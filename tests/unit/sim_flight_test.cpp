@@ -10,6 +10,7 @@
 #include <numbers>
 #include <set>
 #include <sstream>
+#include <tuple>
 
 #include "core/sim.h"
 
@@ -43,8 +44,22 @@ double Value(const std::string& name) {
 
 void Seconds(int seconds) { SimFrames(seconds * 60); }
 
+XPLMDataRef Find(const std::string& name) {
+  XPLMDataRef ref = XPLMFindDataRef(Full(name).c_str());
+  EXPECT_NE(ref, nullptr) << name;
+  return ref;
+}
+
+// As a plug-in does it.
+void Put(const std::string& name, double value) {
+  const XPLMDataRef ref = Find(name);
+  const bool wide = (XPLMGetDataRefTypes(ref) & xplmType_Double) != 0;
+  wide ? XPLMSetDatad(ref, value) : XPLMSetDataf(ref, static_cast<float>(value));
+}
+
 // Statements between semicolons: "wait SECONDS", "key N", "press N", "release N", "once COMMAND", a console
-// line, or "DATAREF = LOW to HIGH" for what must lie in between (a single number: be it).
+// line, "DATAREF := NUMBER" as a plug-in sets it, or "DATAREF = LOW to HIGH" for what must lie in between (a
+// single number: be it).
 void Fly(const std::string& script) {
   std::istringstream all(script);
   for (std::string line; std::getline(all, line, ';');) {
@@ -53,16 +68,19 @@ void Fly(const std::string& script) {
     char word[128] = "";
     double low = 0, high = 0;
     int number = 0;
+    const auto is = [&](const char* form) { return std::sscanf(line.c_str(), form, &number) == 1; };
     if (const int got = std::sscanf(line.c_str(), "%127s = %lf to %lf", word, &low, &high); got >= 2) {
       const double value = Value(word);
       EXPECT_TRUE(value >= low && value <= (got == 2 ? low : high)) << value;
-    } else if (std::sscanf(line.c_str(), "wait %d", &number) == 1) {
+    } else if (std::sscanf(line.c_str(), "%127s := %lf", word, &low) == 2) {
+      Put(word, low);
+    } else if (is("wait %d")) {
       Seconds(number);
-    } else if (std::sscanf(line.c_str(), "key %d", &number) == 1) {
+    } else if (is("key %d")) {
       XPLMCommandKeyStroke(number);
-    } else if (std::sscanf(line.c_str(), "press %d", &number) == 1) {
+    } else if (is("press %d")) {
       XPLMCommandButtonPress(number);
-    } else if (std::sscanf(line.c_str(), "release %d", &number) == 1) {
+    } else if (is("release %d")) {
       XPLMCommandButtonRelease(number);
     } else if (std::sscanf(line.c_str(), "once %127s", word) == 1) {
       XPLMCommandOnce(XPLMFindCommand(word));
@@ -74,21 +92,14 @@ void Fly(const std::string& script) {
 
 double AngleBetween(double a, double b) { return std::fabs(std::remainder(a - b, 360.0)); }
 
-XPLMDataRef Find(const std::string& name) {
-  XPLMDataRef ref = XPLMFindDataRef(Full(name).c_str());
-  EXPECT_NE(ref, nullptr) << name;
-  return ref;
-}
-
-// As a plug-in does it.
-void Put(const char* name, double value) {
-  const XPLMDataRef ref = Find(name);
-  (XPLMGetDataRefTypes(ref) & xplmType_Double) != 0 ? XPLMSetDatad(ref, value)
-                                                    : XPLMSetDataf(ref, static_cast<float>(value));
-}
 void PutAttitude(double w, double x, double y, double z) {
   float q[4] = {static_cast<float>(w), static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
   XPLMSetDatavf(Find("q"), q, 0, 4);
+}
+void PutPlace(double lat, double lon, double alt) {
+  double place[3];
+  sim::WorldToLocal(lat, lon, alt, &place[0], &place[1], &place[2]);
+  for (int i = 0; i < 3; i++) Put(std::string("local_") + "xyz"[i], place[i]);
 }
 
 // A flight from its beginning; one that goes on is ended.
@@ -144,24 +155,22 @@ TEST_F(SimFlight, LapCloses) {
 
 // Reached in time and held, altitude through turns as well: the circuit goes on.
 TEST_F(SimFlight, ModesReachAndHold) {
-  const struct {
-    const char* dial;
-    int mode, goal, reach, hold;  // seconds
-    double off;
-  } modes[] = {{"heading_mag", 2, 300, 100, 60, 2},  // half a circle at 2.4 degrees a second, and settling
-               {"heading_mag", 2, 5, 100, 60, 2},
-               {"heading_mag", 2, 180, 100, 60, 2},
-               {"altitude", 16384, 5000, 120, 120, 50},
-               {"altitude", 16384, 3500, 120, 120, 50}};
-  for (const auto& it : modes) {
-    Fly(std::string("set sim/cockpit/autopilot/") + it.dial + ' ' + std::to_string(it.goal) + ";set " + kState +
-        ' ' + std::to_string(it.mode));
-    Seconds(it.reach);
+  struct Mode {
+    std::string dial;
+    int mode, reach, hold;  // seconds
+    double tolerance;
+  };
+  const Mode heading = {"heading_mag", 2, 100, 60, 2};  // half a circle at 2.4 degrees a second, and settling
+  const Mode altitude = {"altitude", 16384, 120, 120, 50};
+  for (const int goal : {300, 5, 180, 5000, 3500}) {
+    const Mode& it = goal > 360 ? altitude : heading;
+    Fly("set sim/cockpit/autopilot/" + it.dial + ' ' + std::to_string(goal) + ";set " + kState + ' ' +
+        std::to_string(it.mode) + ";wait " + std::to_string(it.reach));
     for (int i = 0; i < it.hold; i++) {
       Seconds(1);
-      const double off = it.mode == 2 ? AngleBetween(Value("psi") + Value("magnetic_variation"), it.goal)
-                                      : std::fabs(Value("elevation") / kFeet - it.goal);
-      ASSERT_LT(off, it.off) << it.dial << ' ' << it.goal << ", second " << i;
+      const double off = goal > 360 ? std::fabs(Value("elevation") / kFeet - goal)
+                                    : AngleBetween(Value("psi") + Value("magnetic_variation"), goal);
+      ASSERT_LT(off, it.tolerance) << goal << ", second " << i;
     }
   }
 }
@@ -176,15 +185,13 @@ TEST_F(SimFlight, SpeedModeHoldsAndVerticalSpeedCaptures) {
 
 // Writing the state presses buttons: the same bit again ends the mode, another of the axis replaces it.
 TEST_F(SimFlight, StateBitsArePresses) {
-  const struct {
-    int pressed, state;
-  } presses[] = {{2, 2},         {2, 0},       {2, 2},        {4, 4},         {16, 20},
-                 {16384, 16388}, {32, 16420},  {32, 16388},   {1, 16389},     {256, 16645},
-                 {256, 16389},   {512, 16389}, {2048, 16389}, {4 | 16384, 1}, {1, 0}};
   const XPLMDataRef state = Find(kState);
-  for (const auto& press : presses) {
-    XPLMSetDatai(state, press.pressed);
-    EXPECT_EQ(XPLMGetDatai(state), press.state) << "after " << press.pressed;
+  const int presses[][2] = {{2, 2},         {2, 0},       {2, 2},        {4, 4},         {16, 20},
+                            {16384, 16388}, {32, 16420},  {32, 16388},   {1, 16389},     {256, 16645},
+                            {256, 16389},   {512, 16389}, {2048, 16389}, {4 | 16384, 1}, {1, 0}};
+  for (const auto& [pressed, now] : presses) {
+    XPLMSetDatai(state, pressed);
+    EXPECT_EQ(XPLMGetDatai(state), now) << "after " << pressed;
   }
   Fly(R"(key 12; key 16; sim/cockpit/autopilot/autopilot_state = 16386; key 10;
          sim/cockpit2/autopilot/autothrottle_enabled = 1; key 9; sim/cockpit/autopilot/autopilot_state = 0)");
@@ -213,20 +220,19 @@ TEST_F(SimFlight, KeysButtonsAndCommandsAct) {
 }
 
 TEST_F(SimFlight, LeversChangeTheSpeedWithinFiveSeconds) {
-  const struct {
-    const char* line;
-    double low, high;  // change in knots
-  } levers[] = {{"set sim/cockpit2/engine/actuators/throttle_ratio 1 1", 5, 60},
-                {"set sim/flightmodel/engine/ENGN_thro 0 0", -40, -2},
-                {"set sim/flightmodel/controls/flaprqst 1", -60, -4},
-                {"set sim/flightmodel/controls/sbrkrqst 1", -60, -1}};
-  for (const auto& lever : levers) {
+  // Change in knots: from, to.
+  const std::tuple<std::string, double, double> levers[] = {
+      {"set sim/cockpit2/engine/actuators/throttle_ratio 1 1", 5, 60},
+      {"set sim/flightmodel/engine/ENGN_thro 0 0", -40, -2},
+      {"set sim/flightmodel/controls/flaprqst 1", -60, -4},
+      {"set sim/flightmodel/controls/sbrkrqst 1", -60, -1}};
+  for (const auto& [line, low, high] : levers) {
     Start();
     Seconds(2);
     const double before = Value("indicated_airspeed");
-    Fly(lever.line + std::string("; wait 5"));
+    Fly(line + "; wait 5");
     const double change = Value("indicated_airspeed") - before;
-    EXPECT_TRUE(change > lever.low && change < lever.high) << lever.line << ": " << change;
+    EXPECT_TRUE(change > low && change < high) << line << ": " << change;
   }
 }
 
@@ -242,18 +248,11 @@ TEST_F(SimFlight, YokeFliesUnderTheOverride) {
 
 // Moved far away: exactly there, and flying on. The climb of one frame is allowed for.
 TEST_F(SimFlight, RepositioningAndAttitude) {
-  double x, y, z;
-  sim::WorldToLocal(49.5, 11.25, 2400, &x, &y, &z);
-  Put("local_x", x);
-  Put("local_y", y);
-  Put("local_z", z);
+  PutPlace(49.5, 11.25, 2400);
   PutAttitude(std::sqrt(0.5), 0, 0, std::sqrt(0.5));  // level, east
-  Put("local_vx", 110);
-  Put("local_vy", 5);
-  Put("local_vz", 0);
-  SimFrames(1);
-  Fly(R"(latitude = 49.4999 to 49.5001; longitude = 11.2499 to 11.2501; elevation = 2398 to 2402; psi = 89 to 91;
-         groundspeed = 108 to 112; vh_ind = 4 to 6; wait 120; elevation = 2300 to 2500; longitude = 11.25 to 12)");
+  Fly(R"(local_vx := 110; local_vy := 5; local_vz := 0; frames 1; latitude = 49.4999 to 49.5001;
+         longitude = 11.2499 to 11.2501; elevation = 2398 to 2402; psi = 89 to 91; groundspeed = 108 to 112;
+         vh_ind = 4 to 6; wait 120; elevation = 2300 to 2500; longitude = 11.25 to 12)");
 }
 
 TEST_F(SimFlight, PausedAndOverriddenStandStill) {
@@ -283,13 +282,10 @@ TEST_F(SimFlight, SimSpeedMultiplies) {
 
 // On the ground the aircraft follows a written velocity and attitude, backwards and turning, then stands.
 TEST_F(SimFlight, PushedBackOnTheGround) {
-  double x, y, z;
-  sim::WorldToLocal(47.80, 9.29, 440, &x, &y, &z);
-  Put("local_x", x);
-  Put("local_y", sim::WorldGround(x, z) - 432 - 5);  // below the surface: put onto the wheels
-  Put("local_z", z);
-  for (const char* name : {"local_vx", "local_vy", "local_vz"}) Put(name, 0);
-  Fly("wait 60; sim/flightmodel/failures/onground_any = 1; groundspeed = 0 to 0.01; y_agl = 0 to 0.1");
+  PutPlace(47.80, 9.29, 440);
+  Put("local_y", sim::WorldGround(Value("local_x"), Value("local_z")) - 432 - 5);  // below: put onto the wheels
+  Fly(R"(local_vx := 0; local_vy := 0; local_vz := 0; wait 60; sim/flightmodel/failures/onground_any = 1;
+         groundspeed = 0 to 0.01; y_agl = 0 to 0.1)");
   const double startX = Value("local_x"), startZ = Value("local_z"), heading = Value("psi");
   for (int frame = 0; frame < 600; frame++) {
     const double psi = Value("psi") * std::numbers::pi / 180, half = psi / 2 + 0.1 * std::numbers::pi / 360;
@@ -374,41 +370,37 @@ TEST_F(SimFlight, SameFramesSameFlight) {
 }
 
 TEST_F(SimFlight, OthersFlyAndLeave) {
-  Ask("planes 4");
+  const std::string plane = "sim/multiplayer/position/plane";
+  Fly("planes 4; frames 1");
+  const double lat = Value(plane + "3_lat");
+  EXPECT_LT(std::hypot(Value(plane + "1_x") - Value("local_x"), Value(plane + "1_z") - Value("local_z")), 2000)
+      << "one crosses close by";
   SimFrames(1);
-  const double lat = Value("sim/multiplayer/position/plane3_lat");
-  const double away = std::hypot(Value("sim/multiplayer/position/plane1_x") - Value("local_x"),
-                                 Value("sim/multiplayer/position/plane1_z") - Value("local_z"));
-  EXPECT_LT(away, 2000);  // one crosses close by
-  SimFrames(1);
-  EXPECT_NE(Value("sim/multiplayer/position/plane3_lat"), lat);
-  EXPECT_EQ(Value("sim/multiplayer/position/plane4_lat"), 0);
-  Ask("planes 2");
-  EXPECT_EQ(Value("sim/multiplayer/position/plane3_lat"), 0);
+  EXPECT_NE(Value(plane + "3_lat"), lat);
+  Fly(plane + "4_lat = 0; planes 2;" + plane + "3_lat = 0");
 }
 
 TEST_F(SimFlight, AircraftBringTheirAddons) {
-  const struct {
-    const char *aircraft, *brings, *signature;
-    int engines, type;
-  } all[] = {{"prop", "", "", 1, 0},
-             {"turboprop", "", "", 2, 2},
-             {"helicopter", "", "", 1, 2},
-             {"b738-extended", "laminar/B738/tab/power", "", 2, 5},
-             {"b738", "laminar/B738/autopilot/cmd_a_status", "", 2, 5},
-             {"x737", "x737/systems/afds/HDG", "bs.x737.plugin", 2, 5},
-             {"ixeg733", "ixeg/733/misc/seatbelt_act", "", 2, 5},
-             {"ec135", "", "rotorsim.ec135.management", 2, 2}};
+  // Aircraft, a dataref that it brings, its plug-in's signature, engines and their type.
+  const std::tuple<std::string, std::string, const char*, int, int> all[] = {
+      {"prop", "", "", 1, 0},
+      {"turboprop", "", "", 2, 2},
+      {"helicopter", "", "", 1, 2},
+      {"b738-extended", "laminar/B738/tab/power", "", 2, 5},
+      {"b738", "laminar/B738/autopilot/cmd_a_status", "", 2, 5},
+      {"x737", "x737/systems/afds/HDG", "bs.x737.plugin", 2, 5},
+      {"ixeg733", "ixeg/733/misc/seatbelt_act", "", 2, 5},
+      {"ec135", "", "rotorsim.ec135.management", 2, 2}};
   std::string previous;
-  for (const auto& it : all) {
-    SCOPED_TRACE(it.aircraft);
-    Ask(std::string("aircraft ") + it.aircraft);
+  for (const auto& [aircraft, brings, signature, engines, type] : all) {
+    SCOPED_TRACE(aircraft);
+    Ask("aircraft " + aircraft);
     EXPECT_EQ(sim::FindLive(previous), nullptr) << previous;
-    previous = it.brings;
-    EXPECT_EQ(sim::FindLive(previous) != nullptr, !previous.empty()) << previous;
-    EXPECT_STREQ(sim::WorldAircraftPluginSignature(), it.signature);
-    EXPECT_EQ(Value("sim/aircraft/engine/acf_num_engines"), it.engines);
-    EXPECT_EQ(Value("sim/aircraft/prop/acf_en_type[0]"), it.type);
+    previous = brings;
+    EXPECT_EQ(sim::FindLive(brings) != nullptr, !brings.empty()) << brings;
+    EXPECT_STREQ(sim::WorldAircraftPluginSignature(), signature);
+    EXPECT_EQ(Value("sim/aircraft/engine/acf_num_engines"), engines);
+    EXPECT_EQ(Value("sim/aircraft/prop/acf_en_type[0]"), type);
     Fly("wait 3; phi = -30 to 30; y_agl = 40 to 10000");
   }
 }
@@ -427,17 +419,13 @@ TEST_F(SimFlight, NothingIsDerivedWithoutAFlight) {
 
 // Whatever a plug-in writes, the model goes on with numbers.
 TEST_F(SimFlight, SurvivesNonsense) {
-  for (const char* name : {"local_x", "local_y", "local_z", "sim/weather/wind_speed_kt[0]",
-                           "sim/weather/temperature_sealevel_c", "sim/cockpit/autopilot/heading_mag"}) {
-    Put(name, NAN);
-  }
-  for (const char* name : {"local_vx", "local_vy", "P", "Qrad"}) Put(name, INFINITY);
   PutAttitude(NAN, 0, 0, 0);
+  Fly(R"(local_x := nan; local_y := nan; local_z := nan; sim/weather/wind_speed_kt[0] := nan;
+         sim/weather/temperature_sealevel_c := nan; sim/cockpit/autopilot/heading_mag := nan; local_vx := inf;
+         local_vy := inf; P := inf; Qrad := inf)");
   XPLMSetDatai(Find(kState), 2);
-  Seconds(30);
-  for (const char* name : {"latitude", "elevation", "psi", "theta", "indicated_airspeed", "local_vx"}) {
-    EXPECT_TRUE(std::isfinite(Value(name))) << name;
-  }
+  Fly(R"(wait 30; latitude = -90 to 90; elevation = -1e9 to 1e9; psi = -1e9 to 1e9; theta = -1e9 to 1e9;
+         indicated_airspeed = -1e9 to 1e9; local_vx = -1e9 to 1e9)");
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 // The stand-in's widget library: message routes, class behaviour, life and death, console commands.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
+#include <set>
+#include <tuple>
 #include <utility>
 
+#include "test_tools.h"
 #include "unit/sim_talk.h"
 #include "widgets/widgets.h"
 
@@ -22,11 +22,11 @@ std::string NameOf(XPWidgetID id) { return static_cast<sim::Widget*>(id)->text; 
 
 // Writes down messages that matter here.
 int First(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t param2) {
-  static const int kWanted[] = {1, 2, 7, 13, 14, 16, 17, 18, 1200, 1300, 1301, 1400, 10000};
-  if (std::find(std::begin(kWanted), std::end(kWanted), message) == std::end(kWanted)) return 0;
-  const bool handle =
-      message == 13 || message == 14 || message == 16 || message == 17 || (message >= 1200 && message < 10000);
-  const std::string first = handle ? NameOf(reinterpret_cast<XPWidgetID>(param1)) : std::to_string(param1);
+  const std::set<XPWidgetMessage> withNumber = {1, 2, 7, 18, 10000};
+  const std::set<XPWidgetMessage> withWidget = {13, 14, 16, 17, 1200, 1300, 1301, 1400};
+  const bool widget = withWidget.contains(message);
+  if (!widget && !withNumber.contains(message)) return 0;
+  const std::string first = widget ? NameOf(reinterpret_cast<XPWidgetID>(param1)) : std::to_string(param1);
   heard.push_back(NameOf(id) + " " + std::to_string(message) + " " + first + " " + std::to_string(param2));
   return 0;
 }
@@ -90,34 +90,29 @@ TEST_F(SimWidgets, NewestCallbackIsAskedFirstAndHandlingEndsTheRoute) {
   XPAddWidgetCallback(button, First);
   EXPECT_EQ(Heard(), Lines{"Go 1 1 0"});  // told at once that it is a further callback
   XPAddWidgetCallback(button, Second);
-  const struct {
-    XPDispatchMode mode;
-    int swallowed, result;
-    Lines expected;
-  } kCases[] = {{xpMode_Direct, 0, 0, {"Go second", "Go 10000 7 8"}},
-                {xpMode_Direct, 10000, 1, {"Go second"}},
-                {xpMode_Once, 0, 0, {"Go second"}},
-                {xpMode_UpChain, 0, 0, {"Go second", "Go 10000 7 8", "Win 10000 7 8"}},
-                {xpMode_UpChain, 10000, 1, {"Go second"}},
-                {xpMode_DirectAllCallbacks, 10000, 1, {"Go second", "Go 10000 7 8"}}};
-  for (const auto& c : kCases) {
-    swallow = c.swallowed;
-    EXPECT_EQ(XPSendMessageToWidget(button, 10000, c.mode, 7, 8), c.result);
-    EXPECT_EQ(Heard(), c.expected);
+  const std::tuple<XPDispatchMode, int, Lines> cases[] = {
+      {xpMode_Direct, 0, {"Go second", "Go 10000 7 8"}},
+      {xpMode_Direct, 10000, {"Go second"}},
+      {xpMode_Once, 0, {"Go second"}},
+      {xpMode_UpChain, 0, {"Go second", "Go 10000 7 8", "Win 10000 7 8"}},
+      {xpMode_UpChain, 10000, {"Go second"}},
+      {xpMode_DirectAllCallbacks, 10000, {"Go second", "Go 10000 7 8"}}};
+  for (const auto& [mode, swallowed, expected] : cases) {
+    swallow = swallowed;
+    EXPECT_EQ(XPSendMessageToWidget(button, 10000, mode, 7, 8), swallowed != 0);
+    EXPECT_EQ(Heard(), expected);
   }
-  swallow = 10000;  // does not keep the other children from hearing it
-  XPAddWidgetCallback(radio, First);
+  XPAddWidgetCallback(radio, First);  // hears it though the other child swallows it
   heard.clear();
   EXPECT_EQ(XPSendMessageToWidget(window, 10000, xpMode_Recursive, 7, 8), 1);
   EXPECT_EQ(Heard(), (Lines{"Win 10000 7 8", "Go second", "Near 10000 7 8"}));
 }
 
 TEST_F(SimWidgets, ButtonsTellTheWindow) {
-  Talk(R"(press "Go" | press "Trace" | press "Win" "Trace" | press "Near" | press "Near")");  // on already:
-                                                                                              // silent
+  // The last one is on already: silent.
+  Talk(R"(press "Go" | press "Trace" | press "Win" "Trace" | press "Near" | press "Near")");
   EXPECT_EQ(Heard(), (Lines{"Win 1300 Go 0", "Win 1301  1", "Win 1301  0", "Win 1301 Near 1"}));
   XPSetWidgetProperty(check, xpProperty_ButtonState, 1);  // from code: no message
-  EXPECT_EQ(Heard(), Lines{});
   Talk(R"(widgets -> ok window "Win" {button "Go"; checkbox "" on; caption "Trace"; radio "Near" on})");
   // Released beside the push button: lit while over it, no message.
   XPMouseState_t mouse = {120, 460, 0, 0};
@@ -191,26 +186,21 @@ TEST_F(SimWidgets, TypingReplacesTheTextOfTheFieldRightOfTheLabel) {
 TEST_F(SimWidgets, FieldKeysAtTheEdges) {
   XPWidgetID field = Child(xpWidgetClass_TextField, 200, 400, 280, "abcd");
   ASSERT_EQ(XPSetKeyboardFocus(field), field);
-  const struct {
-    char key;
-    unsigned char virtualKey;
-    int modifiers;
-    const char* expected;
-    // Forward delete at the end, backspace, left, insert, two to the left with shift, over the selection, home,
-    // backspace at the start, forward delete.
-  } kKeys[] = {{0, 0x2E, 0, "abcd"},
-               {8, 0x08, 0, "abc"},
-               {28, 0x25, 0, "abc"},
-               {'X', 'X', 0, "abXc"},
-               {28, 0x25, xplm_ShiftFlag, "abXc"},
-               {28, 0x25, xplm_ShiftFlag, "abXc"},
-               {'-', 0xB1, 0, "a-c"},
-               {0, 0x24, 0, "a-c"},
-               {8, 0x08, 0, "a-c"},
-               {0, 0x2E, 0, "-c"}};
-  for (const auto& k : kKeys) {
-    sim::TypeKey(k.key, k.virtualKey, k.modifiers);
-    EXPECT_EQ(NameOf(field), k.expected) << "key " << int{k.key} << " " << int{k.virtualKey};
+  // Character, virtual key, modifiers, text afterwards: forward delete at the end, backspace, left, insert, two
+  // to the left with shift, over the selection, home, backspace at the start, forward delete.
+  const std::tuple<char, unsigned char, int, const char*> keys[] = {{0, 0x2E, 0, "abcd"},
+                                                                    {8, 0x08, 0, "abc"},
+                                                                    {28, 0x25, 0, "abc"},
+                                                                    {'X', 'X', 0, "abXc"},
+                                                                    {28, 0x25, xplm_ShiftFlag, "abXc"},
+                                                                    {28, 0x25, xplm_ShiftFlag, "abXc"},
+                                                                    {'-', 0xB1, 0, "a-c"},
+                                                                    {0, 0x24, 0, "a-c"},
+                                                                    {8, 0x08, 0, "a-c"},
+                                                                    {0, 0x2E, 0, "-c"}};
+  for (const auto& [key, virtualKey, modifiers, expected] : keys) {
+    sim::TypeKey(key, virtualKey, modifiers);
+    EXPECT_EQ(NameOf(field), expected) << "key " << int{key} << " " << int{virtualKey};
   }
   XPSetWidgetProperty(field, xpProperty_EditFieldSelStart, -5);  // a plug-in's nonsense is clamped
   XPSetWidgetProperty(field, xpProperty_EditFieldSelEnd, 500);
@@ -282,14 +272,13 @@ TEST_F(SimWidgets, CloseBoxAndFixedLayout) {
 }
 
 TEST_F(SimWidgets, DescriptorsAreCutWithoutTerminator) {
-  char text[6];
-  std::memset(text, '#', sizeof text);
   XPSetWidgetDescriptor(button, "Start");
-  EXPECT_EQ(XPGetWidgetDescriptor(button, text, 3), 5);
-  EXPECT_EQ(std::string(text, 6), "Sta###");
-  EXPECT_EQ(XPGetWidgetDescriptor(button, text, 6), 5);
-  EXPECT_EQ(std::string(text, 6), std::string("Start\0", 6));
-  EXPECT_EQ(XPGetWidgetDescriptor(button, nullptr, 0), 5);
+  for (const auto& [room, expected] :
+       {std::pair{0, std::string("######")}, {3, "Sta###"}, {6, {"Start\0", 6}}}) {
+    std::string text = "######";
+    EXPECT_EQ(XPGetWidgetDescriptor(button, room ? text.data() : nullptr, room), 5);
+    EXPECT_EQ(text, expected);
+  }
   int exists = -1;
   EXPECT_EQ(XPGetWidgetProperty(button, 10001, &exists), 0);
   EXPECT_EQ(exists, 0);
@@ -300,14 +289,14 @@ TEST_F(SimWidgets, DescriptorsAreCutWithoutTerminator) {
 
 TEST_F(SimWidgets, PicturesAreWrittenBySuffix) {
   const std::string base = testing::TempDir() + "sim_widgets_picture";
-  EXPECT_EQ(SimCommand("picture \"" + base + ".bmp\"").rfind("error: ", 0), 0u);
-  EXPECT_EQ(SimCommand("picture \"" + base + "/no/such.png\"").rfind("error: cannot write", 0), 0u);
+  const auto picture = [&](const std::string& ending) {
+    return SimCommand("picture \"" + base + ending + "\"");
+  };
+  EXPECT_EQ(picture(".bmp").rfind("error: ", 0), 0u);
+  EXPECT_EQ(picture("/no/such.png").rfind("error: cannot write", 0), 0u);
   for (const auto& [ending, start] : {std::pair(".png", "\x89PNG\r\n\x1A\n"), std::pair(".svg", "<svg ")}) {
-    ASSERT_EQ(SimCommand("picture \"" + base + ending + "\""), "ok");
-    std::ifstream file(base + ending, std::ios::binary);
-    const std::string content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    EXPECT_EQ(content.rfind(start, 0), 0u);
-    file.close();
+    ASSERT_EQ(picture(ending), "ok");
+    EXPECT_EQ(tools::ReadFile(base + ending).rfind(start, 0), 0u);
     std::filesystem::remove(base + ending);
   }
 }
