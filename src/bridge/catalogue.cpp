@@ -137,12 +137,17 @@ double TargetNumber(const OffsetRow& row, double number) {
   return std::clamp(convert != nullptr ? convert(number) : number * write.factor, write.low, write.high);
 }
 
-bool IsSwitch(const Variant& variant) { return variant.lights[0].ref != nullptr || variant.stateBits != 0; }
+bool IsSwitch(const Variant& variant) {
+  return variant.lights[0].ref != nullptr || variant.marks[0].ref != nullptr || variant.stateBits != 0;
+}
 
 bool IsSwitchOn(const Variant& variant) {
   for (const Source& light : variant.lights) {
     if (light.ref == nullptr) break;
     if (IsLit(light)) return true;
+  }
+  for (const Source& mark : variant.marks) {
+    if (IsOn(mark)) return true;
   }
   return variant.stateBits != 0 && (ReadInt(autopilotState) & variant.stateBits) != 0;
 }

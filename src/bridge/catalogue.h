@@ -73,8 +73,10 @@ struct Variant {
   Source source = {};         // of a number; converted as the row says
   Convert convert = nullptr;  // of what is read, instead of the row's
   ReadRow read = nullptr;
-  // Of a switch: on while one of these is lit, or while one of these bits of the autopilot's state is set.
+  // Of a switch: on while one of these lights is lit, one of these marks is not 0, or one of these bits of the
+  // autopilot's state is set.
   Source lights[4] = {};
+  Source marks[2] = {};
   int stateBits = 0;
   Source target = {};               // set by a write; converted as the row says, a switch to 0 or 1
   Convert targetConvert = nullptr;  // of what is written, instead of the row's
@@ -157,10 +159,9 @@ ReadRow ActiveRead(const OffsetRow& row);
 Convert ActiveConvert(const OffsetRow& row);
 // What a client's number is for the row's target at the moment: converted and limited.
 double TargetNumber(const OffsetRow& row, double number);
-// Whether a variant shows a switch, by lights or by bits of the autopilot's state.
+// Whether a variant shows a switch, by lights, marks or bits of the autopilot's state.
 bool IsSwitch(const Variant& variant);
-// Whether a switch's variant is on: one of its lights is lit, or one of its bits of the autopilot's state is
-// set.
+// Whether a switch's variant is on.
 bool IsSwitchOn(const Variant& variant);
 // Whether a light is lit: its number is above 0.5.
 inline bool IsLit(const Source& source) { return ReadSource(source) > 0.5; }

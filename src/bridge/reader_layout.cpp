@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "base/bytes.h"
+#include "bridge/cycles.h"
 #include "bridge/encode.h"
 #include "bridge/reader_groups.h"
 
@@ -238,6 +239,10 @@ const double* InputOf(const Reader& reader, const OffsetRow& row) {
   return IsFetched(row) ? NumberOf(reader, ActiveSource(row)) : &nothing;
 }
 
+// A number that is not a dataref of the row's own keeps its sign when it is 0, as one that a function makes
+// does.
+double AddOf(const OffsetRow& row) { return row.source.ref == nullptr && row.add == 0 ? -0.0 : row.add; }
+
 void LayOutItems(Reader* reader) {
   Rows sorted;
   for (Laid& laid : reader->rows) sorted.push_back(&laid);
@@ -253,7 +258,7 @@ void LayOutItems(Reader* reader) {
     const OffsetRow& row = *laid->row;
     laid->item = reader->items.size();
     laid->from = from;
-    reader->items.push_back({row.factor, row.add, InputOf(*reader, row)});
+    reader->items.push_back({row.factor, AddOf(row), InputOf(*reader, row)});
     const Encode encode = EncoderOf(row.type);
     if (reader->segments.empty() || reader->segments.back().encode != encode) {
       reader->segments.push_back({encode, 0, 0});
@@ -317,6 +322,7 @@ void ShareAnswers(const Reader& reader) {
 }  // namespace
 
 void BuildReaders(RowOrder order) {
+  refreshCounters = {};
   for (size_t cycle = 0; cycle < cycleCount; cycle++) {
     readers[cycle] = {};
     TakeRows(static_cast<Cycle>(cycle), &readers[cycle]);

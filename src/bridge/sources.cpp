@@ -50,6 +50,7 @@ void Keep(DataRef& ref, Accessor accessor) {
 void SetSource(const Source& source, double value) {
   if (source.ref == nullptr || !std::isfinite(value)) return;
   source.ref->frame = 0;
+  sharedFrame = ~0U;  // what the first cycle was told may be what is set here
   WriteNumber(source.ref->handle, source.accessor, source.element, value);
 }
 

@@ -446,9 +446,13 @@ TEST_F(FlightRows, ExtendedBoeingUsesItsOwnPanel) {
   EXPECT_EQ(Calls(), "once " LAMINAR "autopilot/disconnect_toggle; once " LAMINAR "autopilot/cmd_a_press");
 }
 
+TEST_F(FlightRows, StockYawDamperIsOnWhenNotZero) {
+  CheckReads("sim/cockpit/switches/yaw_damper_on", C31, {{0x0808, U32, -1, 1}, {0x0808, U32, 0, 0}});
+}
+
 TEST_F(FlightRows, X737UsesItsOwnPanel) {
   Restart("x737");
-  CheckReads(PANEL "afds/CMD_B", C13, {{0x07BC, U32, 1, 1}});
+  CheckReads(PANEL "afds/CMD_B", C13, {{0x07BC, U32, 1, 1}, {0x07BC, U32, -1, 1}});  // on when not 0
   CheckReads(PANEL "afds/VS_arm", C7, {{0x07EC, U32, 1, 1}});
   CheckReads(PANEL "afds/HDG_magnhdg", C7, {{0x07CC, U16, 90, 16384}});
   CheckReads(PANEL "speedbrake/spdbrkLeverPos", C13,

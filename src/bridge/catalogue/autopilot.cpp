@@ -228,7 +228,7 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{
                   Variant{.addOn = AddOn::X737,
-                          .lights = {Int<"x737/systems/afds/CMD_A">, Int<"x737/systems/afds/CMD_B">},
+                          .marks = {Int<"x737/systems/afds/CMD_A">, Int<"x737/systems/afds/CMD_B">},
                           .apply = ApplyMasterX737},
                   Variant{.addOn = AddOn::B738Extended,
                           .lights = {Float<"laminar/B738/autopilot/cmd_a_status">,
@@ -246,7 +246,7 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C13,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .lights = {Int<"x737/systems/afds/fd_master">},
+                                        .marks = {Int<"x737/systems/afds/fd_master">},
                                         .apply = ApplyDirectorX737},
                                 Variant{.read = ReadDirector, .apply = ApplyDirector}};
             }>,
@@ -266,7 +266,7 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .lights = {Int<"x737/systems/afds/VORLOC">},
+                                        .marks = {Int<"x737/systems/afds/VORLOC">},
                                         .target = Int<"x737/systems/afds/VORLOC">},
                                 Variant{.addOn = AddOn::B738Extended,
                                         .lights = {Float<"laminar/B738/autopilot/vorloc_status">},
@@ -280,7 +280,7 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .lights = {Int<"x737/systems/afds/HDG">},
+                                        .marks = {Int<"x737/systems/afds/HDG">},
                                         .target = Int<"x737/systems/afds/HDG">},
                                 Variant{.addOn = AddOn::B738Extended,
                                         .lights = {Float<"laminar/B738/autopilot/hdg_sel_status">},
@@ -294,7 +294,7 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .lights = {Int<"x737/systems/afds/ALTHLD">},
+                                        .marks = {Int<"x737/systems/afds/ALTHLD">},
                                         .target = Int<"x737/systems/afds/ALTHLD">},
                                 Variant{.addOn = AddOn::B738Extended,
                                         .lights = {Float<"laminar/B738/autopilot/alt_hld_status">},
@@ -309,7 +309,7 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{
                   Variant{.addOn = AddOn::X737,
-                          .lights = {Int<"x737/systems/athr/MCPSPD_mode">, Int<"x737/systems/MCP/LED_VNAV_on">},
+                          .marks = {Int<"x737/systems/athr/MCPSPD_mode">, Int<"x737/systems/MCP/LED_VNAV_on">},
                           .target = Int<"x737/systems/athr/MCPSPD_mode">},
                   Variant{.addOn = AddOn::B738Extended,
                           .lights = {Float<"laminar/B738/autopilot/speed_status1">,
@@ -325,7 +325,7 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .lights = {Int<"x737/systems/athr/MCPSPD_mode">},
+                                        .marks = {Int<"x737/systems/athr/MCPSPD_mode">},
                                         .target = Int<"x737/systems/athr/MCPSPD_mode">},
                                 Variant{.stateBits = autothrottleSpeed, .stateBit = autothrottleSpeed}};
             }>,
@@ -335,14 +335,13 @@ constexpr OffsetRow rows[] = {
             .meaning = "vertical speed hold",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{
-                  Variant{.addOn = AddOn::X737,
-                          .lights = {Int<"x737/systems/afds/VS_arm">, Int<"x737/systems/afds/VS">},
-                          .target = Int<"x737/systems/afds/VS">},
-                  Variant{.addOn = AddOn::B738Extended,
-                          .lights = {Float<"laminar/B738/autopilot/vs_status">},
-                          .press = &commandOf<"laminar/B738/autopilot/vs_press">},
-                  Variant{.stateBits = verticalSpeedHold, .key = xplm_key_otto_vvi}};
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .marks = {Int<"x737/systems/afds/VS_arm">, Int<"x737/systems/afds/VS">},
+                                        .target = Int<"x737/systems/afds/VS">},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .lights = {Float<"laminar/B738/autopilot/vs_status">},
+                                        .press = &commandOf<"laminar/B738/autopilot/vs_press">},
+                                Variant{.stateBits = verticalSpeedHold, .key = xplm_key_otto_vvi}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07F4,
@@ -353,7 +352,7 @@ constexpr OffsetRow rows[] = {
               return std::array{
                   Variant{
                       .addOn = AddOn::X737,
-                      .lights = {Fitting<"x737/systems/athr/N1_mode">, Int<"x737/systems/MCP/LED_LVLCHG_on">}},
+                      .marks = {Fitting<"x737/systems/athr/N1_mode">, Int<"x737/systems/MCP/LED_LVLCHG_on">}},
                   Variant{.addOn = AddOn::B738Extended, .lights = {Float<"laminar/B738/autopilot/n1_status">}},
                   Variant{.stateBits = levelChange}};
             }>}),
@@ -363,7 +362,7 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .lights = {Int<"x737/systems/afds/APP">},
+                                        .marks = {Int<"x737/systems/afds/APP">},
                                         .target = Int<"x737/systems/afds/APP">},
                                 Variant{.addOn = AddOn::B738Extended,
                                         .lights = {Float<"laminar/B738/autopilot/app_status">},
@@ -379,7 +378,7 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{
                   Variant{.addOn = AddOn::X737,
-                          .lights = {Int<"x737/systems/athr/toggle_TOGA">},
+                          .marks = {Int<"x737/systems/athr/toggle_TOGA">},
                           .apply = ApplyGoAroundX737},
                   Variant{.addOn = AddOn::B738Extended,
                           .lights = {Float<"laminar/B738/autopilot/n1_status">},
@@ -395,7 +394,7 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .lights = {Int<"x737/systems/athr/athr_armed">},
+                                        .marks = {Int<"x737/systems/athr/athr_armed">},
                                         .apply = ApplyAutothrottleX737},
                                 Variant{.addOn = AddOn::B738Extended,
                                         .lights = {Float<"laminar/B738/autopilot/autothrottle_status">,
@@ -488,7 +487,7 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{
                   Variant{.addOn = AddOn::B738Extended, .read = ReadYawDamperB738, .apply = ApplyYawDamperB738},
-                  Variant{.lights = {Int<"sim/cockpit/switches/yaw_damper_on">},
+                  Variant{.marks = {Int<"sim/cockpit/switches/yaw_damper_on">},
                           .target = Int<"sim/cockpit/switches/yaw_damper_on">}};
             }>,
             .lossy = flagLoss}),
