@@ -2,10 +2,18 @@
 // than any server must. Windows only; bench/run.sh runs it against a stand-in with the plug-in:
 //
 //   request_latency_win32 REQUESTS RECORDS
+#include <chrono>
+
 #include "client_block.h"
 #include "load_modes.h"
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double Microseconds(Clock::duration duration) {
+  return std::chrono::duration<double, std::micro>(duration).count();
+}
 
 // The helper process has a window that does what any server must: find, open and map the block.
 LRESULT CALLBACK HelperProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -76,12 +84,12 @@ int RunLatency(const Server& server, uint32_t requests, uint32_t records) {
   std::vector<double> sent;
   uint32_t errors = 0;
   for (uint32_t i = 0; i < std::max(requests, 1u); ++i) {
-    const int64_t start = CounterTicks();
+    const Clock::time_point start = Clock::now();
     errors += Call(server, block.atom) != 1;
-    const int64_t middle = CounterTicks();
+    const Clock::time_point middle = Clock::now();
     errors += Call(bare, block.atom) != 1;
     served.push_back(Microseconds(middle - start));
-    sent.push_back(Microseconds(CounterTicks() - middle));
+    sent.push_back(Microseconds(Clock::now() - middle));
   }
   FreeBlock(&block);
   PostMessageA(bare.window, WM_CLOSE, 0, 0);
