@@ -36,7 +36,7 @@ constexpr OffsetRow RowOf(const Family& family, int engine) {
   row.source = SourceOf(row.source, engine);
   row.write.target = SourceOf(row.write.target, engine);
   if (row.prepared != nullptr) row.prepared += engine;
-  row.variants = family.variants[engine];
+  row.variants = family.variants[static_cast<size_t>(engine)];
   return row;
 }
 constexpr size_t Members(const Family& family) {
