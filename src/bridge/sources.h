@@ -96,7 +96,8 @@ inline XPLMDataRef HandleOf(const Source& source) {
   return source.ref == nullptr ? nullptr : source.ref->handle;
 }
 
-// The frame whose reads are kept, 0 for none: within it a dataref is asked for once, and an array whole.
+// The frame whose reads are kept, 0 for none: within it functions ask for a dataref once, and for an array
+// whole.
 extern uint32_t keptFrame;
 // The frame in which the first cycle ran last: its answers count for whoever keeps reads of the same frame.
 extern uint32_t sharedFrame;

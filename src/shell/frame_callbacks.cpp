@@ -1,7 +1,5 @@
 #include "shell/frame_callbacks.h"
 
-#include <cstring>
-
 #include "aircraft/adapters.h"
 #include "base/log.h"
 #include "bridge/cycles.h"
