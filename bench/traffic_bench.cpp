@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <ctime>
+#include <string>
 
 #include "bridge/registry.h"
 #include "core/sim.h"
@@ -96,5 +97,27 @@ void PositionsOf19Aircraft(benchmark::State& state) {
   End();
 }
 BENCHMARK(PositionsOf19Aircraft);
+
+// From the arrays of newer simulators.
+void PositionsOf63Aircraft(benchmark::State& state) {
+  Begin("planes 64");
+  const std::string stem = "sim/cockpit2/tcas/targets/";
+  for (const char* name : {"position/lat", "position/lon", "position/ele", "position/vx", "position/vy",
+                           "position/vz", "position/psi", "position/the", "position/phi"}) {
+    sim::SimCommand("define " + stem + name + " float[64]");
+  }
+  for (const char* name : {"position/weight_on_wheels", "modeS_id"}) {
+    sim::SimCommand("define " + stem + name + " int[64]");
+  }
+  for (const char* name : {"flight_id", "icao_type"}) sim::SimCommand("define " + stem + name + " byte[512]");
+  sim::SimCommand("define sim/cockpit2/tcas/indicators/tcas_num_acf int 64");
+  for (int place = 1; place < 64; ++place) {
+    sim::SimCommand("set " + stem + "modeS_id[" + std::to_string(place) + "] " + std::to_string(place));
+  }
+  LookUpDataRefsOf("sim/cockpit2/tcas/");
+  for (auto _ : state) benchmark::DoNotOptimize(FillTrafficPositions());
+  End();
+}
+BENCHMARK(PositionsOf63Aircraft);
 
 }  // namespace

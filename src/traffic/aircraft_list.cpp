@@ -6,6 +6,7 @@
 #include "platform/clock.h"
 #include "platform/event.h"
 #include "platform/lock.h"
+#include "traffic/targets.h"
 #include "traffic/traffic.h"
 #include "traffic/traffic_state.h"
 
@@ -81,6 +82,7 @@ bool InitTraffic() {
   std::memset(modelPaths, 0, sizeof modelPaths);
   std::fill_n(planeSources, maxSlots, PlaneSource{});
   userPlace = {};
+  ForgetTargets();
   for (uint32_t i = 0; i < maxSlots; ++i) {
     slots[i].index = i;
     slotDistances[i] = {noDistance, 0};
@@ -106,7 +108,7 @@ void LoadAircraftList() {
     gatheredWaiting = 0;
     TakeGathered();
   }
-  aircraftCount = static_cast<uint32_t>(std::max(active, 1));
+  if (!TargetsExist()) aircraftCount = static_cast<uint32_t>(std::max(active, 1));
   FillTrafficPositions();  // a new slot begins where its aircraft is
   countChanged = 1;
 }

@@ -25,8 +25,7 @@ Event managerWake;
 std::atomic<uint32_t> managerRun;
 
 // The manager thread's own.
-uint32_t lastSerial;  // grows as long as the module lives: a slot made anew is a new aircraft to clients
-bool settling;        // slots and aircraft do not agree yet
+bool settling;  // slots and aircraft do not agree yet
 uint16_t changeCounter;
 uint16_t nearestEntry;
 
@@ -36,13 +35,12 @@ uint32_t WantedSlots() { return std::clamp(aircraftCount.load(), 1U, maxSlots + 
 bool AddSlot() {
   const uint32_t index = activeSlots;
   if (slots[index].thread.started.load() != 0) return false;
-  if (!StartSlot(index, lastSerial + 1)) {
+  if (!StartSlot(index)) {
     LogOwn("TAVRIX->The system gives no thread for slot %02i, aircraft from there on are not shown\n",
            static_cast<int>(index));
     settling = false;  // the next change of the number tries again
     return false;
   }
-  ++lastSerial;
   ++activeSlots;
   return true;
 }

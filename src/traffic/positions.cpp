@@ -1,33 +1,23 @@
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <utility>
 
 #include "base/locks.h"
 #include "bridge/catalogue.h"
 #include "bridge/sources.h"
+#include "traffic/targets.h"
 #include "traffic/traffic.h"
 #include "traffic/traffic_state.h"
+#include "traffic/whole.h"
 
 PlaneSource planeSources[maxSlots];
 Place userPlace;
 
 namespace {
 
-constexpr double knotsPerMetre = 1.94384;
 constexpr Source userLatitude = Double<"sim/flightmodel/position/latitude">,
                  userLongitude = Double<"sim/flightmodel/position/longitude">;
-
-// Saturated at the type's limits; what is no number is 0.
-template <typename T>
-T Whole(double value) {
-  if (!std::isfinite(value)) return 0;
-  return static_cast<T>(std::clamp(value, static_cast<double>(std::numeric_limits<T>::min()),
-                                   static_cast<double>(std::numeric_limits<T>::max())));
-}
-
-float Single(double value) { return std::isfinite(value) ? static_cast<float>(value) : 0; }
 
 // "sim/multiplayer/position/plane7_lat" for the name of a dataref of the 7th other aircraft.
 template <size_t size>
@@ -69,32 +59,37 @@ PlaneSource ReadPlane(uint32_t slot) {
   plane.latitude = Single(ReadSource(from.latitude));
   plane.longitude = Single(ReadSource(from.longitude));
   plane.altitude = Single(ReadSource(from.altitude));
-  const double heading = std::fmod(ReadSource(from.heading), 360);
-  plane.heading = static_cast<uint16_t>(Whole<uint16_t>(heading < 0 ? heading + 360 : heading) % 360);
-  const double east = ReadSource(from.east);
-  const double south = ReadSource(from.south);
-  plane.groundSpeed = Whole<uint16_t>(std::hypot(east, south) * knotsPerMetre);
-  plane.verticalSpeed = Whole<int16_t>(ReadSource(from.climb));
-  plane.pitch = Whole<int16_t>(ReadSource(from.pitch));
-  plane.bank = Whole<int16_t>(ReadSource(from.bank));
-  plane.place = {plane.latitude, plane.longitude, false};
+  SetMotion(&plane, {.heading = ReadSource(from.heading),
+                     .east = ReadSource(from.east),
+                     .south = ReadSource(from.south),
+                     .climb = ReadSource(from.climb),
+                     .pitch = ReadSource(from.pitch),
+                     .bank = ReadSource(from.bank)});
   return plane;
+}
+
+uint32_t ReadPlanes(PlaneSource (&planes)[targetPlanes]) {
+  const uint32_t others = std::clamp(aircraftCount.load(), 1U, maxModels) - 1;
+  const uint32_t positioned = std::min(others, positionedPlanes);
+  for (uint32_t slot = 0; slot < positioned; ++slot) planes[slot] = ReadPlane(slot);
+  return positioned;
 }
 
 }  // namespace
 
 bool FillTrafficPositions() {
-  const uint32_t others = std::clamp(aircraftCount.load(), 1U, maxModels) - 1;
-  const uint32_t positioned = std::min(others, positionedPlanes);
-  PlaneSource planes[positionedPlanes];
-  for (uint32_t slot = 0; slot < positioned; ++slot) planes[slot] = ReadPlane(slot);
+  PlaneSource planes[targetPlanes];
+  const bool targets = TargetsExist();
+  const uint32_t positioned = targets ? ReadTargets(planes) : ReadPlanes(planes);
   const Place user = {Single(ReadSource(userLatitude)), Single(ReadSource(userLongitude)), false};
 
   if (!TryEnterLock(&trafficLock)) return false;
   std::copy_n(planes, positioned, planeSources);
   // The slot of an aircraft that has gone shows its last place until it is removed, but is nowhere near.
-  for (uint32_t slot = positioned; slot < positionedPlanes; ++slot) planeSources[slot].known = false;
+  for (uint32_t slot = positioned; slot < targetPlanes; ++slot) planeSources[slot].known = false;
   userPlace = user;
   LeaveLock(&trafficLock);
+  // Their number changes without a message of the simulator's.
+  if (targets && aircraftCount.exchange(positioned + 1) != positioned + 1) countChanged = 1;
   return true;
 }

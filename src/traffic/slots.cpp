@@ -21,7 +21,8 @@ constexpr double verticalSpeedUnit = 197.0;  // m/s to ft/min
 constexpr uint16_t recordKind = 14;
 constexpr uint16_t textEndAndState = 0x8C00;
 constexpr uint32_t textSize = 14;
-constexpr uint32_t writtenEntryBytes = 38;  // the last two are left to whoever writes them
+constexpr uint32_t entryBytes = 38;        // the last two are left to whoever writes them
+constexpr uint32_t groundEntryBytes = 39;  // but where the simulator tells who is on the ground
 constexpr uint32_t roundsToRetire = 5;
 
 // The table's records, little-endian, byte for byte.
@@ -34,7 +35,8 @@ struct Entry {
   int16_t verticalSpeed;      // ft/min
   char text[textSize];
   uint16_t endAndState;
-  uint16_t unused;
+  uint8_t onGround;  // 1, or 0 in flight
+  uint8_t unused;
 };
 static_assert(sizeof(Entry) == trafficEntrySize);
 
@@ -51,8 +53,13 @@ static_assert(sizeof(FlightRecord) == flightRecordSize);
 struct Work {
   Entry entry;
   FlightRecord record;
+  uint32_t aircraft;  // whom the entry shows, as the source identifies it
+  uint32_t writtenBytes;
   uint32_t retiredRounds;
 };
+
+// Grows as long as the module lives: a slot made anew is a new aircraft to clients.
+std::atomic<uint32_t> lastSerial;
 
 int16_t Saturated(double value) { return static_cast<int16_t>(std::clamp(value, -32768.0, 32767.0)); }
 
@@ -61,7 +68,7 @@ uint32_t EntryAt(uint32_t index) { return (trafficEntryOffset + trafficEntrySize
 void StoreRecords(const Work& work, uint32_t index) {
   const uint32_t recordAt = (flightRecordOffset + flightRecordSize * index) & 0xFFFF;
   const ServerLockScope lock;
-  std::memcpy(offsetMemory.bytes + EntryAt(index), &work.entry, writtenEntryBytes);
+  std::memcpy(offsetMemory.bytes + EntryAt(index), &work.entry, work.writtenBytes);
   std::memcpy(offsetMemory.bytes + recordAt, &work.record, sizeof work.record);
 }
 
@@ -80,6 +87,8 @@ void Fill(Work* work, const PlaneSource& source, uint32_t serial) {
   entry.groundSpeed = source.groundSpeed;
   entry.verticalSpeed = Saturated(source.verticalSpeed * verticalSpeedUnit);
   entry.endAndState = textEndAndState;
+  entry.onGround = source.ground == OnGround::Yes ? 1 : 0;
+  work->writtenBytes = source.ground == OnGround::Untold ? entryBytes : groundEntryBytes;
   FlightRecord& record = work->record;
   record.id = serial;
   record.kind = recordKind;
@@ -95,11 +104,15 @@ void RunSlotRound(Slot& slot, Work* work) {
   Place user;
   {
     const LockScope lock(&trafficLock);
-    std::memcpy(work->entry.text, modelNames[slot.index + 1], textSize);
     ConvertPlace(&userPlace);
     ConvertPlace(&planeSources[slot.index].place);
     source = planeSources[slot.index];
     user = userPlace;
+    std::memcpy(work->entry.text, source.named ? source.text : modelNames[slot.index + 1], textSize);
+  }
+  if (source.aircraft != 0 && source.aircraft != work->aircraft) {
+    if (work->aircraft != 0) slot.serial = NewSerial();
+    work->aircraft = source.aircraft;
   }
   Fill(work, source, slot.serial);
   StoreRecords(*work, slot.index);
@@ -109,6 +122,7 @@ void RunSlotRound(Slot& slot, Work* work) {
 uint32_t SlotProcedure(void* argument) {
   Slot& slot = *static_cast<Slot*>(argument);
   Work work = {};
+  work.writtenBytes = entryBytes;
   while (slot.run.load() != 0) {
     if (slot.retire.load() == 0) {
       RunSlotRound(slot, &work);
@@ -148,11 +162,13 @@ int32_t DistanceBetween(const Place& a, const Place& b) {
   return static_cast<int32_t>(std::acos(std::clamp(cosine, -1.0, 1.0)) * earthRadius);
 }
 
-bool StartSlot(uint32_t index, uint32_t serial) {
+uint32_t NewSerial() { return ++lastSerial; }
+
+bool StartSlot(uint32_t index) {
   Slot& slot = slots[index];
   if (!CreateAutoEvent(&slot.wake)) return false;
   slot.index = index;
-  slot.serial = serial;
+  slot.serial = NewSerial();
   slot.retire = 0;
   slot.ended = 0;
   slot.run = 1;

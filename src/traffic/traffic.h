@@ -10,6 +10,9 @@
 // which rewrites its entry every 200 ms. None of these threads ever calls the simulator. Sources and models
 // lie under the traffic lock, distances under the traffic slot lock; nobody holds two locks at once.
 //
+// Simulators from 11.50 on tell of up to 63 others in arrays (targets.cpp), which then serve instead of the
+// position datarefs of 19: with call signs, and in a slot that follows its aircraft.
+//
 // Everything here is for the simulator's thread with no lock held, unless it says otherwise.
 #pragma once
 #include <cstdint>
@@ -23,9 +26,9 @@ void ReleaseTraffic();
 // Counts the aircraft and asks for the model of each other one; the aircraft-model thread puts them into the
 // tables (without that thread it is done here). When an aircraft was loaded and when their number changed.
 void LoadAircraftList();
-// Takes the positions of the user's aircraft and of the others, 19 of which have any, for the slot threads.
-// Returns true, or false when a slot thread is just reading them: the old ones stand, try again at the next
-// frame.
+// Takes the positions of the user's aircraft and of the others, 19 of which have any (63 where the simulator
+// has the arrays, which also give their number), for the slot threads. Returns true, or false when a slot
+// thread is just reading them: the old ones stand, try again at the next frame.
 bool FillTrafficPositions();
 // Whether the manager thread runs: somebody wants the positions.
 bool TrafficRuns();

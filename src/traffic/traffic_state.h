@@ -8,7 +8,7 @@
 #include "platform/thread.h"
 
 constexpr uint32_t maxSlots = 96;
-constexpr uint32_t positionedPlanes = 19;  // other aircraft whose position the simulator publishes
+constexpr uint32_t positionedPlanes = 19;  // other aircraft with position datarefs of their own
 constexpr uint32_t trafficHeaderOffset = 0xF000, trafficHeaderSize = 128;
 constexpr uint32_t trafficEntryOffset = 0xF080, trafficEntrySize = 40;
 constexpr uint32_t flightRecordOffset = 0xD840, flightRecordSize = 20;
@@ -22,6 +22,7 @@ struct Place {
   float latitude, longitude;
   bool inRadians;
 };
+enum class OnGround : uint8_t { Untold, No, Yes };
 struct PlaneSource {
   float latitude, longitude;  // degrees, for the entry
   float altitude;             // metres above sea level
@@ -31,6 +32,11 @@ struct PlaneSource {
   int16_t pitch, bank;        // degrees
   bool known;                 // false: the simulator publishes no position for this aircraft
   Place place;
+  // What only newer simulators tell (targets.h).
+  uint32_t aircraft;  // identifies it; 0: nothing does
+  OnGround ground;
+  bool named;     // the entry's text is this one, not the model's name
+  char text[14];  // flight identifier, or type where it has none; zeros behind
 };
 extern PlaneSource planeSources[maxSlots];
 extern Place userPlace;
@@ -64,7 +70,9 @@ struct Slot {
   Thread thread;
   Event wake;  // ends the pause between two rounds
   uint32_t index;
-  uint32_t serial;               // identifies the aircraft to clients; a slot made anew gets a new one
+  // Identifies the aircraft to clients: a slot made anew, or taken by another aircraft, gets a new one. Written
+  // by the manager and by the slot's thread while that runs.
+  std::atomic<uint32_t> serial;
   std::atomic<uint32_t> run;     // 0: the thread clears its entry and ends
   std::atomic<uint32_t> retire;  // 1: the entry is no longer refreshed, and the thread ends after 5 rounds
   std::atomic<uint32_t> ended;   // the thread is done and waits to be joined
@@ -73,8 +81,10 @@ extern Slot slots[maxSlots];
 // Each slot thread's rounds; the manager copies them into the header.
 extern std::atomic<uint8_t> slotRounds[maxSlots];
 
+// A number that no aircraft has had. Manager and slot threads.
+uint32_t NewSerial();
 // Starts a slot's thread; the slot must have been joined. Returns true, or false when the system refuses.
-bool StartSlot(uint32_t index, uint32_t serial);
+bool StartSlot(uint32_t index);
 // Tells it to end; it clears its entry at once.
 void EndSlot(uint32_t index);
 // Joins its thread if there is one, and gives its event back.

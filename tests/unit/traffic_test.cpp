@@ -344,6 +344,150 @@ TEST_F(Traffic, MonitorShowsRangesNearestFirst) {
   EXPECT_NE(lines[2].find("60.0 nm at   0"), std::string::npos) << lines[2];
 }
 
+// --- Simulators that tell of other aircraft in arrays -----------------------------------------------------
+
+// Published as the simulators from 11.50 on do it.
+class TrafficTargets : public Traffic {
+ protected:
+  static constexpr const char* stem = "sim/cockpit2/tcas/targets/";
+  void SetUp() override {
+    Traffic::SetUp();
+    for (const char* name : {"position/lat", "position/lon", "position/ele", "position/vx", "position/vy",
+                             "position/vz", "position/psi", "position/the", "position/phi"}) {
+      Define(std::string(stem) + name + " float[64]");
+    }
+    Define(std::string(stem) + "position/weight_on_wheels int[64]");
+    Define(std::string(stem) + "modeS_id int[64]");
+    Define(std::string(stem) + "flight_id byte[512]");
+    Define(std::string(stem) + "icao_type byte[512]");
+    Define("sim/cockpit2/tcas/indicators/tcas_num_acf int");
+    LookUpDataRefsOf("sim/cockpit2/tcas/");
+  }
+  static void Define(const std::string& what) { ASSERT_EQ(sim::SimCommand("define " + what), "ok"); }
+  static void Put(const std::string& field, int place, double value) {
+    Set(stem + field + "[" + std::to_string(place) + "]", value);
+  }
+  static void PutText(const std::string& field, int place, const std::string& text) {
+    for (size_t i = 0; i < 8; ++i) {
+      Set(stem + field + "[" + std::to_string(static_cast<size_t>(place) * 8 + i) + "]",
+          i < text.size() ? text[i] : 0);
+    }
+  }
+  struct Aircraft {
+    int place, address;
+    const char *flight, *type;
+    double latitude;
+  };
+  // What stands at these places; all others are empty. `count` as the simulator tells it.
+  static void Fly(int count, std::initializer_list<Aircraft> list) {
+    for (int place = 0; place < 8; ++place) Fly({place, 0, "", "", 0});
+    for (const Aircraft& aircraft : list) Fly(aircraft);
+    Set("sim/cockpit2/tcas/indicators/tcas_num_acf", count);
+    WaitUntil("positions", [] { return FillTrafficPositions(); });
+  }
+  static void Fly(const Aircraft& aircraft) {
+    Put("modeS_id", aircraft.place, aircraft.address);
+    Put("position/lat", aircraft.place, aircraft.latitude);
+    PutText("flight_id", aircraft.place, aircraft.flight);
+    PutText("icao_type", aircraft.place, aircraft.type);
+  }
+  // Texts of the entries that are shown, in the order of their slots.
+  static std::vector<std::string> Shown(uint32_t wanted) {
+    Settle(wanted);
+    Rounds();
+    std::vector<std::string> texts;
+    for (uint32_t slot = 0; slot < wanted; ++slot) {
+      char text[15] = {};
+      CopyFromMemory(Entry(slot) + 22, 14, text);
+      texts.push_back(text);
+    }
+    return texts;
+  }
+};
+using Texts = std::vector<std::string>;
+
+TEST_F(TrafficTargets, NumberAndTextsAreThoseOfTheArrays) {
+  Planes(7);  // the simulator's own list does not count
+  Fly(1, {});
+  BeginManager();
+  const struct {
+    int count;
+    std::initializer_list<Aircraft> list;
+    Texts texts;
+  } cases[] = {
+      {1, {}, {}},
+      {0, {}, {}},
+      {3, {{1, 11, "DLH4KP", "A320", 48.1}, {2, 12, "", "B738", 48.2}}, {"DLH4KP", "B738"}},
+      {2,
+       {{1, 11, "DLH4KP", "A320", 48.1}, {2, 12, "  ", "B738", 48.2}},
+       {"DLH4KP", "B738"}},                                                           // without the user
+      {2, {{1, 0, "N1", "", 48.1}}, {"N1"}},                                          // no address
+      {3, {{1, 5, "EIGHTCHR", "", 1}, {2, 5, "TWIN", "", 2}}, {"EIGHTCHR", "TWIN"}},  // one address twice
+      {200, {}, Texts(63, "")},
+      {-5, {}, {}},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.count);
+    Fly(test.count, test.list);
+    EXPECT_EQ(Shown(static_cast<uint32_t>(test.texts.size())), test.texts);
+  }
+}
+
+TEST_F(TrafficTargets, EntryHoldsSpeedAttitudeAndTheGround) {
+  Fly(3, {{1, 11, "ONE", "", 48.25}, {2, 12, "TWO", "", 48.5}});
+  const struct {
+    const char* field;
+    double first, second;
+  } values[] = {
+      {"position/lon", -11.5, 190},  {"position/ele", 1000, 0},    {"position/psi", 90.9, -90},
+      {"position/vx", 30, 0},        {"position/vz", -40, 0},      {"position/vy", 5.9, -3.5},
+      {"position/the", 10.9, -89.5}, {"position/phi", -20.9, NAN}, {"position/weight_on_wheels", 0, 1}};
+  for (const auto& value : values) {
+    Put(value.field, 1, value.first);
+    Put(value.field, 2, value.second);
+  }
+  BeginManager();
+  Rounds();
+  rows::ExpectShown({{Entry(0) + 4, rows::F32, 48.25},
+                     {Entry(0) + 8, rows::F32, -11.5},
+                     {Entry(0) + 12, rows::F32, 3280.839, 1e-3},
+                     {Entry(0) + 16, rows::U16, 16384},
+                     {Entry(0) + 18, rows::U16, 97},
+                     {Entry(0) + 20, rows::S16, 985},
+                     {Record(0) + 6, rows::S16, 1820},
+                     {Record(0) + 18, rows::S16, -3640},
+                     {Entry(0) + 36, rows::U16, 0x8C00},
+                     {Entry(0) + 38, rows::U8, 0},
+                     {Entry(1) + 16, rows::U16, 49152},
+                     {Entry(1) + 20, rows::S16, -591},
+                     {Record(1) + 18, rows::S16, 0},
+                     {Entry(1) + 38, rows::U8, 1}});
+  EXPECT_EQ(std::memcmp(offsetMemory.bytes + Record(1) + 8, "EDDMEDDT\0\0", 10), 0);
+}
+
+TEST_F(TrafficTargets, SlotFollowsItsAircraftAndANewOneIsANewId) {
+  const Aircraft one = {1, 11, "ONE", "", 48.1}, two = {2, 12, "TWO", "", 48.2},
+                 three = {3, 13, "THREE", "", 48.3};
+  Fly(4, {one, two, three});
+  BeginManager();
+  EXPECT_EQ(Shown(3), (Texts{"ONE", "TWO", "THREE"}));
+  const auto ids = [] {
+    return std::vector{Read<uint32_t>(Entry(0)), Read<uint32_t>(Entry(1)), Read<uint32_t>(Entry(2))};
+  };
+  const auto before = ids();
+  Fly(4, {{1, 13, "THREE", "", 48.3}, {2, 11, "ONE", "", 48.1}, {3, 12, "TWO", "", 48.2}});  // sorted anew
+  EXPECT_EQ(Shown(3), (Texts{"ONE", "TWO", "THREE"}));
+  EXPECT_EQ(ids(), before);
+  Fly(4, {one, {2, 14, "FOUR", "", 48.2}, three});  // the second has gone, another has come
+  EXPECT_EQ(Shown(3), (Texts{"ONE", "FOUR", "THREE"}));
+  EXPECT_EQ(Read<uint32_t>(Entry(0)), before[0]);
+  EXPECT_EQ(Read<uint32_t>(Entry(2)), before[2]);
+  EXPECT_GT(Read<uint32_t>(Entry(1)), before[2]);
+  Fly(3, {{1, 14, "FOUR", "", 48.2}, {2, 13, "THREE", "", 48.3}});  // the first has gone: a slot less
+  EXPECT_EQ(Shown(2), (Texts{"THREE", "FOUR"}));
+  EXPECT_NE(Read<uint32_t>(Entry(0)), before[0]);
+}
+
 // --- Threads ------------------------------------------------------------------------------------------------
 
 class TrafficThreads : public testing::Test {
