@@ -2,6 +2,10 @@
 #pragma once
 #include <cstdint>
 
-// Any: asks the simulator for the type each time, for publishers that do not state it. Bytes: one byte of a
+// Any: by the type that the simulator reports, for publishers that do not state it. Bytes: one byte of a
 // text or data block.
 enum class Accessor : uint8_t { None, Int, Float, Double, IntArray, FloatArray, Bytes, Any };
+
+constexpr bool IsArray(Accessor accessor) {
+  return accessor == Accessor::IntArray || accessor == Accessor::FloatArray;
+}

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/bytes.h"
+#include "base/version.h"
 #include "bridge/encode.h"
 #include "offsets/memory.h"
 
@@ -130,11 +131,26 @@ Convert ActiveConvert(const OffsetRow& row) {
   return convert != nullptr ? convert : row.convert;
 }
 
+double UnitFactor(const UnitChange& change) {
+  return change.since != 0 && simulatorVersion >= change.since ? change.factor : 1;
+}
+
+double InChangedUnit(double number, const UnitChange& change) {
+  const double factor = UnitFactor(change);
+  if (factor == 1) return number;
+  const double exact = number / factor;
+  const auto single = static_cast<float>(exact);
+  const bool tooSmall = std::abs(static_cast<double>(single)) < std::abs(exact);
+  return static_cast<double>(tooSmall ? std::nextafter(single, std::copysign(HUGE_VALF, single)) : single);
+}
+
 double TargetNumber(const OffsetRow& row, double number) {
   const WriteRule& write = row.write;
   const Convert own = ActiveVariant(row).targetConvert;
   const Convert convert = own != nullptr ? own : write.convert;
-  return std::clamp(convert != nullptr ? convert(number) : number * write.factor, write.low, write.high);
+  const double limited =
+      std::clamp(convert != nullptr ? convert(number) : number * write.factor, write.low, write.high);
+  return InChangedUnit(limited, row.unitChange);
 }
 
 bool IsSwitch(const Variant& variant) {

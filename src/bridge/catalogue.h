@@ -66,6 +66,12 @@ struct WriteRule {
   uint16_t width = 0;   // bytes that are dispatched, when not the type's own width
 };
 
+// From a version of the simulator on, as it tells it (11.40 is 11400), a row's source counts in another unit.
+struct UnitChange {
+  int since = 0;      // 0: never
+  double factor = 1;  // what the row calls the source's unit = published x factor
+};
+
 // How one aircraft shows and takes a row's value: an add-on that counts while it is loaded, or the simulator's
 // own (AddOn::None), which stands last. The first that counts serves the row.
 struct Variant {
@@ -107,6 +113,7 @@ struct OffsetRow {
   Source source = {};         // the dataref that is read
   double factor = 1;          // stored = trunc(value x factor + add), saturated, NaN as 0
   double add = 0;
+  UnitChange unitChange = {};      // of source and target; for rows with a factor
   Convert convert = nullptr;       // instead of factor and add
   ReadRow read = nullptr;          // instead of `source`
   ReadRowText readText = nullptr;  // Stored::Text
@@ -114,7 +121,8 @@ struct OffsetRow {
   // source's.
   const double* prepared = nullptr;
   // Datarefs that `read` or `prepare` looks at in every run: asked for in one go with those of the other rows.
-  // An array is asked for up to the element given.
+  // An array is asked for up to the element given. The page tells from them in which versions of the simulator
+  // the row is served.
   std::span<const Source> inputs = {};
   Prepare prepare = nullptr;               // the snapshot that the row looks at
   std::span<const Variant> variants = {};  // how each aircraft shows and takes the value
@@ -124,6 +132,9 @@ struct OffsetRow {
   DispatchAction dispatch = DispatchAction::Stage;  // other than Stage: dispatched so, whatever `write` says
   const char* lossy = "";  // why a written value does not read back within one step; "" when it does
   const char* note = "";   // further facts for the reference page
+  // What stands there in versions of the simulator that lack one of its datarefs, when that does not just count
+  // as 0; "" when it does.
+  const char* elsewhere = "";
 };
 
 struct RowTable {
@@ -157,6 +168,12 @@ Source ActiveSource(const OffsetRow& row);
 ReadRow ActiveRead(const OffsetRow& row);
 // What converts a row's number at the moment; null when its factor does.
 Convert ActiveConvert(const OffsetRow& row);
+// What the published number is to be multiplied with at the moment, for a change of unit.
+double UnitFactor(const UnitChange& change);
+inline double UnitFactor(const OffsetRow& row) { return UnitFactor(row.unitChange); }
+// A number for a dataref whose unit has changed. Rounded to single precision away from 0, so that what a client
+// writes is still there when the product is truncated.
+double InChangedUnit(double number, const UnitChange& change);
 // What a client's number is for the row's target at the moment: converted and limited.
 double TargetNumber(const OffsetRow& row, double number);
 // Whether a variant shows a switch, by lights, marks or bits of the autopilot's state.

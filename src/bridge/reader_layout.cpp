@@ -176,8 +176,10 @@ bool IsShared(const Reader& reader, const Source& source) {
          source.element < source.ref->shared.count;
 }
 
-void AddFetch(Reader* reader, const Source& source) {
-  if (HandleOf(source) == nullptr || IsShared(*reader, source)) return;
+void AddFetch(Reader* reader, const Source& stated) {
+  if (HandleOf(stated) == nullptr) return;
+  const Source source = Resolved(stated);
+  if (IsShared(*reader, source)) return;
   if (source.accessor == Accessor::FloatArray) {
     AddArray(reader, source);
   } else if (source.accessor == Accessor::Float) {
@@ -197,6 +199,8 @@ void LayOutFetches(Reader* reader) {
   reader->others.clear();
   for (const Laid& laid : reader->rows) {
     if (IsFetched(*laid.row)) AddFetch(reader, ActiveSource(*laid.row));
+    // Only the first cycle's answers are found by functions (ReadSource).
+    if (reader != &readers[firstCycle]) continue;
     for (const Source& source : laid.row->inputs) AddFetch(reader, source);
   }
   reader->floatHandles = HandlesOf(reader->floatRefs);
@@ -220,7 +224,8 @@ size_t PlaceAmong(const std::vector<Known>& known, const Known& one) {
 }
 
 // Where a source's number lies once the fetches are done.
-const double* NumberOf(const Reader& reader, const Source& source) {
+const double* NumberOf(const Reader& reader, const Source& stated) {
+  const Source source = Resolved(stated);
   if (IsShared(reader, source)) return source.ref->shared.answer + source.element;
   const double* number = reader.numbers.data();
   for (const ArrayFetch& array : reader.arrays) {
@@ -258,7 +263,7 @@ void LayOutItems(Reader* reader) {
     const OffsetRow& row = *laid->row;
     laid->item = reader->items.size();
     laid->from = from;
-    reader->items.push_back({row.factor, AddOf(row), InputOf(*reader, row)});
+    reader->items.push_back({row.factor * UnitFactor(row), AddOf(row), InputOf(*reader, row)});
     const Encode encode = EncoderOf(row.type);
     if (reader->segments.empty() || reader->segments.back().encode != encode) {
       reader->segments.push_back({encode, 0, 0});

@@ -24,6 +24,21 @@ std::vector<Entry*> Named(Entry* first, std::string_view prefix) {
   return entries;
 }
 
+void SetHandle(DataRef* ref, XPLMDataRef handle) {
+  ref->handle = handle;
+  ref->fitting = Accessor::None;
+}
+void SetHandle(Command* command, XPLMCommandRef handle) { command->handle = handle; }
+
+// What the simulator does not publish by its first name may have another one in this version.
+void FindOtherNames(std::string_view prefix) {
+  for (DataRef* ref : Named(firstDataRef, prefix)) {
+    for (const char* name : ref->otherNames) {
+      if (ref->handle == nullptr) SetHandle(ref, XPLMFindDataRef(name));
+    }
+  }
+}
+
 // Asks for the plain list first, then for what else is named in the program.
 template <typename Entry, typename Find>
 void LookUpAll(Entry* first, std::span<const char* const> names, Find find) {
@@ -35,11 +50,11 @@ void LookUpAll(Entry* first, std::span<const char* const> names, Find find) {
         std::lower_bound(entries.begin(), entries.end(), std::string_view(name),
                          [](const Entry* entry, std::string_view wanted) { return entry->name < wanted; });
     if (place == entries.end() || std::string_view((*place)->name) != name) continue;
-    (*place)->handle = handle;
+    SetHandle(*place, handle);
     asked[static_cast<size_t>(place - entries.begin())] = true;
   }
   for (size_t i = 0; i < entries.size(); ++i) {
-    if (!asked[i]) entries[i]->handle = find(entries[i]->name);
+    if (!asked[i]) SetHandle(entries[i], find(entries[i]->name));
   }
 }
 
@@ -47,7 +62,7 @@ template <typename Entry, typename Find>
 uint32_t LookUpNamed(Entry* first, const char* prefix, Find find) {
   uint32_t found = 0;
   for (Entry* entry : Named(first, prefix)) {
-    entry->handle = find(entry->name);
+    SetHandle(entry, find(entry->name));
     found += entry->handle != nullptr ? 1 : 0;
   }
   return found;
@@ -66,14 +81,17 @@ void TakeAccessFromRows() {
 
 void InitMemoryBlocks() {
   ClearOffsetMemory();
-  for (DataRef* ref = firstDataRef; ref != nullptr; ref = ref->next) ref->handle = nullptr;
-  for (Command* command = firstCommand; command != nullptr; command = command->next) command->handle = nullptr;
+  for (DataRef* ref = firstDataRef; ref != nullptr; ref = ref->next) SetHandle(ref, nullptr);
+  for (Command* command = firstCommand; command != nullptr; command = command->next) {
+    SetHandle(command, nullptr);
+  }
   std::fill(std::begin(VariablesAccessMemBlock), std::end(VariablesAccessMemBlock), accessReadWrite);
   LogLine("Init Mem Blocks OK!\n");
 }
 
 void LookUpDataRefs() {
   LookUpAll(firstDataRef, startDataRefs, XPLMFindDataRef);
+  FindOtherNames(simulatorPrefix);
   TakeAccessFromRows();
   LogLine("Init DataRefMemBlock & VariablesAccessMemBlock OK!\n");
 }
@@ -87,6 +105,6 @@ uint32_t LookUpDataRefsOf(const char* prefix) { return LookUpNamed(firstDataRef,
 uint32_t LookUpCommandsOf(const char* prefix) { return LookUpNamed(firstCommand, prefix, XPLMFindCommand); }
 
 void DropNamesOf(const char* prefix) {
-  for (DataRef* ref : Named(firstDataRef, prefix)) ref->handle = nullptr;
-  for (Command* command : Named(firstCommand, prefix)) command->handle = nullptr;
+  for (DataRef* ref : Named(firstDataRef, prefix)) SetHandle(ref, nullptr);
+  for (Command* command : Named(firstCommand, prefix)) SetHandle(command, nullptr);
 }

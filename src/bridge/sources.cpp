@@ -16,8 +16,16 @@ uint32_t looks;  // number of the newest look; 0 is no look
 
 }  // namespace
 
-DataRef::DataRef(const char* published) : name(published), next(firstDataRef) { firstDataRef = this; }
+DataRef::DataRef(const char* published, std::span<const char* const> others)
+    : name(published), otherNames(others), next(firstDataRef) {
+  firstDataRef = this;
+}
 Command::Command(const char* published) : name(published), next(firstCommand) { firstCommand = this; }
+
+Accessor FittingOf(DataRef& ref) {
+  if (ref.fitting == Accessor::None) ref.fitting = FittingAccessor(ref.handle);
+  return ref.fitting;
+}
 
 void ForgetReads() {
   sharedFrame = ~0U;
@@ -47,8 +55,9 @@ void Keep(DataRef& ref, Accessor accessor) {
   }
 }
 
-void SetSource(const Source& source, double value) {
-  if (source.ref == nullptr || !std::isfinite(value)) return;
+void SetSource(const Source& stated, double value) {
+  if (stated.ref == nullptr || !std::isfinite(value)) return;
+  const Source source = Resolved(stated);
   source.ref->frame = 0;
   sharedFrame = ~0U;  // what the first cycle was told may be what is set here
   WriteNumber(source.ref->handle, source.accessor, source.element, value);

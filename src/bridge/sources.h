@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "XPLMUtilities.h"
 #include "bridge/dataref_codec.h"
@@ -35,18 +36,26 @@ struct SharedAnswer {
 
 // One dataref of the simulator or of an add-on. All of them form a list, from firstDataRef on.
 struct DataRef {
-  explicit DataRef(const char* published);
+  explicit DataRef(const char* published, std::span<const char* const> others = {});
   XPLMDataRef handle = nullptr;
   uint32_t frame = 0;  // number of the frame in which `kept` was read (KeepReads)
   Accessor keptAs = Accessor::None;
   double kept[keptElements] = {};
   SharedAnswer shared;
+  Accessor fitting = Accessor::None;  // by the type that the simulator reports (FittingOf)
   const char* name;
+  // What other versions of the simulator call it: the first of them that is published serves where `name` is
+  // not.
+  std::span<const char* const> otherNames;
   DataRef* next;
 };
 extern DataRef* firstDataRef;
+template <NameText... names>
+constexpr const char* textsOf[] = {names.text...};
+template <NameText name, NameText... otherNames>
+inline DataRef dataRefOf{name.text, textsOf<otherNames...>};
 template <NameText name>
-inline DataRef dataRefOf{name.text};
+inline DataRef dataRefOf<name>{name.text};
 
 // One command, the same way.
 struct Command {
@@ -67,25 +76,32 @@ struct Source {
   bool operator==(const Source&) const = default;
 };
 
-// Short forms for tables: Int<"sim/...">, FloatElement<"sim/...">(2). Fitting asks the simulator for the type
-// at every read, for add-ons whose publisher does not state it; Bytes is a text.
-template <NameText name>
-constexpr Source Int = {&dataRefOf<name>, Accessor::Int, 0};
-template <NameText name>
-constexpr Source Float = {&dataRefOf<name>, Accessor::Float, 0};
+// Short forms for tables: Int<"sim/...">, FloatElement<"sim/...">(2), with the names in other versions of the
+// simulator behind the first one. A dataref stands with the same names everywhere. Fitting goes by the type
+// that the simulator reports, for datarefs that are integers in one version and floats in another and for
+// add-ons whose publisher does not state it; Bytes is a text.
+template <NameText... names>
+constexpr Source Int = {&dataRefOf<names...>, Accessor::Int, 0};
+template <NameText... names>
+constexpr Source Float = {&dataRefOf<names...>, Accessor::Float, 0};
 template <NameText name>
 constexpr Source Double = {&dataRefOf<name>, Accessor::Double, 0};
-template <NameText name>
-constexpr Source Fitting = {&dataRefOf<name>, Accessor::Any, 0};
+template <NameText... names>
+constexpr Source Fitting = {&dataRefOf<names...>, Accessor::Any, 0};
 template <NameText name>
 constexpr Source Bytes = {&dataRefOf<name>, Accessor::Bytes, 0};
 template <NameText name>
 constexpr Source IntElement(int element) {
   return {&dataRefOf<name>, Accessor::IntArray, element};
 }
-template <NameText name>
+template <NameText... names>
 constexpr Source FloatElement(int element) {
-  return {&dataRefOf<name>, Accessor::FloatArray, element};
+  return {&dataRefOf<names...>, Accessor::FloatArray, element};
+}
+// An element where the dataref is an array, else the one value that it has.
+template <NameText... names>
+constexpr Source FittingElement(int element) {
+  return {&dataRefOf<names...>, Accessor::Any, element};
 }
 
 // Several, for a row's `inputs`.
@@ -94,6 +110,16 @@ constexpr Source sourcesOf[] = {sources...};
 
 inline XPLMDataRef HandleOf(const Source& source) {
   return source.ref == nullptr ? nullptr : source.ref->handle;
+}
+
+// The accessor of the type that the simulator reports, asked once for a handle; None while it reports none.
+Accessor FittingOf(DataRef& ref);
+// The source with that accessor where it asks for it (Fitting); as it is where no type is known.
+inline Source Resolved(const Source& source) {
+  if (source.accessor != Accessor::Any) return source;
+  const Accessor fitting = FittingOf(*source.ref);
+  if (fitting == Accessor::None) return source;
+  return {source.ref, fitting, IsArray(fitting) ? source.element : 0};
 }
 
 // The frame whose reads are kept, 0 for none: within it functions ask for a dataref once, and for an array
@@ -106,8 +132,9 @@ extern uint32_t sharedFrame;
 void Keep(DataRef& ref, Accessor accessor);
 
 // The number as the simulator has it, or as it was told in this frame.
-inline double ReadSource(const Source& source) {
-  if (source.ref == nullptr) return 0;
+inline double ReadSource(const Source& stated) {
+  if (stated.ref == nullptr) return 0;
+  const Source source = Resolved(stated);
   DataRef& ref = *source.ref;
   if (sharedFrame == keptFrame && ref.shared.accessor == source.accessor && source.element < ref.shared.count) {
     return ref.shared.answer[source.element];

@@ -50,13 +50,15 @@ Transmitter FindTransmitter(const NavRadio& radio, double ownLat, double ownLon,
   float lat = static_cast<float>(ownLat);
   float lon = static_cast<float>(ownLon);
   int frequency = radio.frequency;
-  const XPLMNavRef reference = XPLMFindNavAid(nullptr, radio.ident, &lat, &lon, &frequency, kind);
+  const char* const ident = radio.ident[0] != 0 ? radio.ident : nullptr;
+  const XPLMNavRef reference = XPLMFindNavAid(nullptr, ident, &lat, &lon, &frequency, kind);
   if (reference == XPLM_NAV_NOT_FOUND) return result;
   float height = 0;
   float heading = 0;
   char name[sizeof result.name] = {};
-  XPLMGetNavAidInfo(reference, nullptr, &lat, &lon, &height, nullptr, &heading, nullptr, name, nullptr);
+  XPLMGetNavAidInfo(reference, nullptr, &lat, &lon, &height, nullptr, &heading, result.ident, name, nullptr);
   name[sizeof name - 1] = 0;
+  result.ident[sizeof result.ident - 1] = 0;
   result.found = true;
   result.latitude = static_cast<double>(lat);
   result.longitude = static_cast<double>(lon);
@@ -72,8 +74,8 @@ bool HasMoved(const SearchKey& key, double lat, double lon) {
   return std::fabs(lat - key.latitude) > searchAgainDegrees || std::fabs(eastward) > searchAgainDegrees;
 }
 
-void FindStation(NavRadio* radio, SearchKey* key) {
-  if (radio->ident[0] == 0 || radio->type == stationNone) {
+void FindStation(NavRadio* radio, bool identKnown, SearchKey* key) {
+  if ((identKnown && radio->ident[0] == 0) || radio->type == stationNone) {
     radio->station = {};
     radio->glideSlope = {};
     *key = {};
@@ -109,7 +111,9 @@ void TuneStations() {
     std::memset(radio.ident, 0, sizeof radio.ident);
     ReadText(navIdent[n], radio.ident, sizeof radio.ident);
     adfRadios[n] = {ReadInt(adfFrequency[n]), types[2 + n]};
-    FindStation(&radio, &lastSearch[n]);
+    const bool identKnown = HandleOf(navIdent[n]) != nullptr;
+    FindStation(&radio, identKnown, &lastSearch[n]);
+    if (!identKnown) std::memcpy(radio.ident, radio.station.ident, sizeof radio.ident);
   }
 }
 

@@ -1,7 +1,8 @@
 // The navigation radios as the navigation cycle found them, and the ground stations they receive.
 //
 // At the start of each navigation cycle frequencies, station types and identifiers are read once, and the
-// station of each NAV radio is looked up in the simulator's navigation database. That search walks the
+// station of each NAV radio is looked up in the simulator's navigation database (by frequency and kind alone in
+// versions that do not publish the identifier, which then is the found station's). That search walks the
 // whole database, so its result is kept until the radio or the place of the aircraft has changed. The rows
 // of both 31-frame cycles read what stands here; the second cycle is registered after the first, so it
 // never finds the records empty.
@@ -26,6 +27,7 @@ struct Transmitter {
   double latitude, longitude;  // degrees
   double height;               // metres above sea level
   double heading;              // degrees true; meaningful for localizers only
+  char ident[32];
   char name[256];
 };
 

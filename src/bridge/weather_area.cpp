@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "base/bytes.h"
-#include "bridge/sources.h"
+#include "bridge/catalogue/versions.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 
@@ -17,11 +17,11 @@ struct CloudPlaces {
   Source base, tops, type;
 };
 constexpr CloudPlaces clouds[layerCount] = {
-    {Float<"sim/weather/cloud_base_msl_m[0]">, Float<"sim/weather/cloud_tops_msl_m[0]">,
+    {Fitting<"sim/weather/cloud_base_msl_m[0]">, Fitting<"sim/weather/cloud_tops_msl_m[0]">,
      Int<"sim/weather/cloud_type[0]">},
-    {Float<"sim/weather/cloud_base_msl_m[1]">, Float<"sim/weather/cloud_tops_msl_m[1]">,
+    {Fitting<"sim/weather/cloud_base_msl_m[1]">, Fitting<"sim/weather/cloud_tops_msl_m[1]">,
      Int<"sim/weather/cloud_type[1]">},
-    {Float<"sim/weather/cloud_base_msl_m[2]">, Float<"sim/weather/cloud_tops_msl_m[2]">,
+    {Fitting<"sim/weather/cloud_base_msl_m[2]">, Fitting<"sim/weather/cloud_tops_msl_m[2]">,
      Int<"sim/weather/cloud_type[2]">},
 };
 
@@ -30,15 +30,15 @@ struct WindPlaces {
   double degreesPerUnit;  // the surface layer counts a full turn as 65536, the others as 65535
 };
 constexpr WindPlaces winds[layerCount] = {
-    {Float<"sim/weather/wind_altitude_msl_m[0]">, Float<"sim/weather/wind_speed_kt[0]">,
-     Float<"sim/weather/wind_direction_degt[0]">, Float<"sim/weather/shear_speed_kt[0]">,
-     Float<"sim/weather/turbulence[0]">, Float<"sim/weather/shear_direction_degt[0]">, 360.0 / 65536},
-    {Float<"sim/weather/wind_altitude_msl_m[1]">, Float<"sim/weather/wind_speed_kt[1]">,
-     Float<"sim/weather/wind_direction_degt[1]">, Float<"sim/weather/shear_speed_kt[1]">,
-     Float<"sim/weather/turbulence[1]">, Float<"sim/weather/shear_direction_degt[1]">, 360.0 / 65535},
-    {Float<"sim/weather/wind_altitude_msl_m[2]">, Float<"sim/weather/wind_speed_kt[2]">,
-     Float<"sim/weather/wind_direction_degt[2]">, Float<"sim/weather/shear_speed_kt[2]">,
-     Float<"sim/weather/turbulence[2]">, Float<"sim/weather/shear_direction_degt[2]">, 360.0 / 65535},
+    {Fitting<"sim/weather/wind_altitude_msl_m[0]">, Fitting<"sim/weather/wind_speed_kt[0]">,
+     Float<"sim/weather/wind_direction_degt[0]">, Fitting<"sim/weather/shear_speed_kt[0]">,
+     Fitting<"sim/weather/turbulence[0]">, Fitting<"sim/weather/shear_direction_degt[0]">, 360.0 / 65536},
+    {Fitting<"sim/weather/wind_altitude_msl_m[1]">, Fitting<"sim/weather/wind_speed_kt[1]">,
+     Float<"sim/weather/wind_direction_degt[1]">, Fitting<"sim/weather/shear_speed_kt[1]">,
+     Fitting<"sim/weather/turbulence[1]">, Fitting<"sim/weather/shear_direction_degt[1]">, 360.0 / 65535},
+    {Fitting<"sim/weather/wind_altitude_msl_m[2]">, Fitting<"sim/weather/wind_speed_kt[2]">,
+     Float<"sim/weather/wind_direction_degt[2]">, Fitting<"sim/weather/shear_speed_kt[2]">,
+     Fitting<"sim/weather/turbulence[2]">, Fitting<"sim/weather/shear_direction_degt[2]">, 360.0 / 65535},
 };
 
 template <typename T>
@@ -56,7 +56,7 @@ void ApplyWind(const uint8_t* layer, const WindPlaces& places) {
   constexpr double shearDegrees[] = {0, 45, 135, 180};
   const double direction = Field<uint16_t>(layer, 4) * places.degreesPerUnit;
   SetSource(places.altitude, Field<uint16_t>(layer, 0));
-  SetSource(places.speed, Field<uint16_t>(layer, 2));
+  SetSource(places.speed, InChangedUnit(Field<uint16_t>(layer, 2), windUnit));
   SetSource(places.direction, direction >= 360 ? 0 : direction);
   SetSource(places.gust, Field<uint16_t>(layer, 6));
   SetSource(places.turbulence, std::min(layer[8] * 2.5, 10.0));
@@ -82,9 +82,9 @@ void ApplyWeatherArea() {
   SetSource(Float<"sim/weather/rate_change_percent">, std::min(Field<uint16_t>(area, 0x08) * 0.25, 1.0));
   if (pressure != 0) SetSource(Float<"sim/weather/barometer_sealevel_inhg">, pressure / (33.86 * 16));
   if (visibility != 0) SetSource(Float<"sim/weather/visibility_reported_m">, visibility * 18.52);
-  SetSource(Float<"sim/weather/temperature_sealevel_c">, Field<int16_t>(area, 0x0E));
-  SetSource(Float<"sim/weather/dewpoi_sealevel_c">, Field<int16_t>(area, 0x10));
-  SetSource(Float<"sim/weather/rain_percent">, std::min(Field<uint16_t>(area, 0x12) * 0.25, 1.0));
+  SetSource(Fitting<"sim/weather/temperature_sealevel_c">, Field<int16_t>(area, 0x0E));
+  SetSource(Fitting<"sim/weather/dewpoi_sealevel_c">, Field<int16_t>(area, 0x10));
+  SetSource(Fitting<"sim/weather/rain_percent">, std::min(Field<uint16_t>(area, 0x12) * 0.25, 1.0));
   for (int n = 0; n < layerCount; ++n) {
     ApplyClouds(area + 0x20 + 8 * n, clouds[n]);
     ApplyWind(area + 0x40 + 16 * n, winds[n]);

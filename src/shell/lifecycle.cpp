@@ -185,6 +185,10 @@ int StartPlugin(char* name, char* signature, char* description) {
 
   BuildMenu();
 
+  int programInterface = 0;
+  XPLMHostApplicationID host = 0;
+  XPLMGetVersions(&simulatorVersion, &programInterface, &host);  // rows go by it
+
   LogLine("Start Init!\n");
   ConnectRooms();
   InitMemoryBlocks();
@@ -192,9 +196,6 @@ int StartPlugin(char* name, char* signature, char* description) {
   LookUpCommands();
   BuildCycles();
 
-  int programInterface = 0;
-  XPLMHostApplicationID host = 0;
-  XPLMGetVersions(&simulatorVersion, &programInterface, &host);
   LogBoth("%s%i\n", simulatorVersionLabel, simulatorVersion);
 
   PlaceStartValues();

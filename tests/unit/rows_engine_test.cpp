@@ -36,7 +36,7 @@ TEST_F(EngineRows, FamiliesTakeTheirEnginesElements) {
     for (const OffsetRow& row : table->rows) {
       if (row.member == 0) continue;
       for (const Source& source : {row.source, row.write.target}) {
-        const bool isArray = source.accessor == Accessor::IntArray || source.accessor == Accessor::FloatArray;
+        const bool isArray = IsArray(source.accessor) || source.accessor == Accessor::Any;
         EXPECT_EQ(source.element, isArray ? row.member - 1 : 0) << row.name << row.member;
       }
     }
@@ -69,7 +69,10 @@ TEST_F(EngineRows, ReadsOneDatarefEach) {
   CheckReads("sim/cockpit2/engine/indicators/MPR_in_hg[1]", C1, {{0x3728, F64, 29.92, 2116.13, 2e-02}});
   CheckReads("sim/cockpit2/engine/indicators/oil_quantity_ratio[3]", C313, {{0x0A98, S32, 0.75, 12288}});
   CheckReads("sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", C13, {{0x0970, S32, 0.5, 6000}});
-  CheckReads("sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", C1, {{0x0AA0, S32, 3000, 36000000}});
+  CheckReads("sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1", C1,
+             {{0x0AA0, S32, 3000, 12000},  // psi
+              {0x0AA0, S32, 2, 24000},
+              {0x0AA0, S32, 2.001, 8}});
   CheckReads("sim/cockpit/misc/hydraulic_quantity", C313, {{0x0AA4, S32, 0.5, 8192}});
   CheckReads(ENGINE "ENGN_TRQ[3]", C1, {{0x0AE8, S32, -1000, -740}});
   CheckReads(ENGINE "POINT_thrust[1]", C1,

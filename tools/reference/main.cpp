@@ -15,6 +15,7 @@
 
 #include "bridge/catalogue.h"
 #include "platform/system.h"
+#include "reference/versions.h"
 
 namespace {
 
@@ -200,12 +201,28 @@ std::string AccessText(const OffsetRow& row) {
   return HasWriter(row) ? "yes" : "no";
 }
 
+// What the row's source is called in other versions of the simulator.
+std::span<const char* const> OtherNames(const OffsetRow& row) {
+  const DataRef* const ref = row.source.ref != nullptr ? row.source.ref : row.write.target.ref;
+  return ref != nullptr ? ref->otherNames : std::span<const char* const>{};
+}
+
+// "9.00-", "-11.40", "9.00-9.20"; "all" or "none".
+std::string VersionsText(const OffsetRow& row) {
+  const ServedVersions versions = VersionsOf(row);
+  if (versions.never) return "none";
+  return versions.from.empty() && versions.to.empty() ? "all" : versions.from + "-" + versions.to;
+}
+
 std::string NoteText(const OffsetRow& row) {
   std::string text = row.lossy[0] != 0 ? "Lossy: " + std::string(row.lossy) : "";
   if (row.note[0] != 0) text += (text.empty() ? "" : "; ") + std::string(row.note);
+  const auto add = [&](const std::string& more) { text += (text.empty() ? "" : "; ") + more; };
+  for (const char* name : OtherNames(row)) add("also called `" + std::string(name) + "`");
+  if (const std::string elsewhere = ElsewhereText(row); !elsewhere.empty()) add(elsewhere);
   const std::string target = SourceName(row.write.target);
   if (!target.empty() && target != SourceName(row.source)) {
-    text += (text.empty() ? "" : "; ") + ("a write sets `" + target + "`");
+    add("a write sets `" + target + "`");
   }
   return text;
 }
@@ -222,6 +239,9 @@ constexpr char pageHead[] =
     "memory\n"
     "  until the next refresh; \"read-only\" when the server drops it.\n"
     "- **Frames**: the offset is refreshed once in so many frames; \"-\" when nothing refreshes it.\n"
+    "- **X-Plane**: the versions, from 8.60 to 12.10, in which the simulator has what the offset follows. In\n"
+    "  the others what is missing counts as 0, and setting it changes nothing; the remarks say what that\n"
+    "  shows. Offsets without a source of the simulator's are served in all.\n"
     "- **Name** is what `offsetctl` calls it.\n"
     "- Lossy: a written value does not read back within one step of the encoding, for the reason given.\n";
 
@@ -232,7 +252,7 @@ std::string PageRow(const OffsetRow& row) {
   const bool isDataref = row.source.ref != nullptr && !source.empty();
   return "| " + Hex(row.offset) + " | " + TypeText(row) + " | " + TableCell(UnitText(row)) + " | " +
          TableCell(row.meaning) + " | " + (name.empty() ? "" : "`" + name + "`") + " | " + AccessText(row) +
-         " | " + (frames == 0 ? "-" : std::to_string(frames)) + " | " +
+         " | " + (frames == 0 ? "-" : std::to_string(frames)) + " | " + VersionsText(row) + " | " +
          (isDataref ? "`" + source + "`" : source) + " | " + TableCell(NoteText(row)) + " |\n";
 }
 
@@ -240,8 +260,8 @@ std::string MakePage() {
   std::string page = pageHead;
   for (const RowTable* table : ListedTables()) {
     page += std::string("\n## ") + table->subject + "\n\n";
-    page += "| Offset | Type | Unit | Meaning | Name | Write | Frames | Source | Remarks |\n";
-    page += "|---|---|---|---|---|---|---|---|---|\n";
+    page += "| Offset | Type | Unit | Meaning | Name | Write | Frames | X-Plane | Source | Remarks |\n";
+    page += "|---|---|---|---|---|---|---|---|---|---|\n";
     for (const OffsetRow& row : table->rows) page += PageRow(row);
   }
   page +=
@@ -254,6 +274,20 @@ std::string MakePage() {
   return page;
 }
 
+// {"from": "9.00", "to": null}: null has no limit. Null for a source that no version has.
+std::string VersionsJson(const OffsetRow& row) {
+  const ServedVersions versions = VersionsOf(row);
+  const auto limit = [](const std::string& version) { return version.empty() ? "null" : Quoted(version); };
+  if (versions.never) return "null";
+  return "{\"from\": " + limit(versions.from) + ", \"to\": " + limit(versions.to) + "}";
+}
+
+std::string NamesJson(std::span<const char* const> names) {
+  std::string text = "[";
+  for (const char* name : names) text += (text.size() == 1 ? "" : ", ") + Quoted(name);
+  return text + "]";
+}
+
 std::string JsonRow(const OffsetRow& row, const char* subject) {
   const int frames = CycleFrames(row.cycle);
   return "  {\"offset\": " + std::to_string(row.offset) + ", \"type\": " + Quoted(TypeText(row)) +
@@ -264,8 +298,10 @@ std::string JsonRow(const OffsetRow& row, const char* subject) {
          ", \"readOnly\": " + (row.readOnly ? "true" : "false") +
          ", \"writable\": " + (IsWritable(row) ? "true" : "false") +
          ", \"frames\": " + (frames == 0 ? "null" : std::to_string(frames)) +
-         ", \"source\": " + Quoted(SourceText(row)) + ", \"target\": " + Quoted(SourceName(row.write.target)) +
-         ", \"lossy\": " + Quoted(row.lossy) + ", \"note\": " + Quoted(row.note) + "}";
+         ", \"versions\": " + VersionsJson(row) + ", \"elsewhere\": " + Quoted(ElsewhereText(row)) +
+         ", \"source\": " + Quoted(SourceText(row)) + ", \"otherNames\": " + NamesJson(OtherNames(row)) +
+         ", \"target\": " + Quoted(SourceName(row.write.target)) + ", \"lossy\": " + Quoted(row.lossy) +
+         ", \"note\": " + Quoted(row.note) + "}";
 }
 
 std::string MakeJson() {

@@ -89,12 +89,12 @@ constexpr OffsetRow rows[] = {
                  .name = "sea_level_temperature",
                  .meaning = "sea-level temperature",
                  .cycle = Cycle::C313,
-                 .source = Float<"sim/weather/temperature_sealevel_c">}),
+                 .source = Fitting<"sim/weather/temperature_sealevel_c">}),
     Temperature({.offset = 0x04C8,
                  .name = "dew_point",
                  .meaning = "dew point",
                  .cycle = Cycle::C313,
-                 .source = Float<"sim/weather/dewpoi_sealevel_c">}),
+                 .source = Fitting<"sim/weather/dewpoi_sealevel_c">}),
 
     {.offset = 0x04D4,
      .type = Stored::S16,
@@ -102,7 +102,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "dew point control",
      .unit = "degC",
      .unitScale = 1 / celsiusUnits,
-     .write = {.target = Float<"sim/weather/dewpoi_sealevel_c">, .factor = 1 / celsiusUnits}},
+     .write = {.target = Fitting<"sim/weather/dewpoi_sealevel_c">, .factor = 1 / celsiusUnits}},
 };
 
 }  // namespace

@@ -9,8 +9,8 @@ namespace {
 constexpr double metresPerMile = 1609.344;
 constexpr int cloudTypes = 5;  // clear, cirrus, scattered, broken, overcast, stratus
 
-constexpr Source rain = Float<"sim/weather/rain_percent">;
-constexpr Source seaLevelTemperature = Float<"sim/weather/temperature_sealevel_c">;
+constexpr Source rain = Fitting<"sim/weather/rain_percent">;
+constexpr Source seaLevelTemperature = Fitting<"sim/weather/temperature_sealevel_c">;
 
 // --- Precipitation -------------------------------------------------------------------------------------
 double RateOfRain(double share) {
@@ -55,8 +55,8 @@ constexpr Layer layers[3] = {
     {.baseAt = 0x0EA4,
      .topsAt = 0x0EA2,
      .typeAt = 0x0EA6,
-     .base = Float<"sim/weather/cloud_base_msl_m[0]">,
-     .tops = Float<"sim/weather/cloud_tops_msl_m[0]">,
+     .base = Fitting<"sim/weather/cloud_base_msl_m[0]">,
+     .tops = Fitting<"sim/weather/cloud_tops_msl_m[0]">,
      .type = Int<"sim/weather/cloud_type[0]">,
      .baseMeaning = "low cloud base",
      .topsMeaning = "low cloud tops",
@@ -64,8 +64,8 @@ constexpr Layer layers[3] = {
     {.baseAt = 0x6F11,
      .topsAt = 0x6F0F,
      .typeAt = 0x6F13,
-     .base = Float<"sim/weather/cloud_base_msl_m[1]">,
-     .tops = Float<"sim/weather/cloud_tops_msl_m[1]">,
+     .base = Fitting<"sim/weather/cloud_base_msl_m[1]">,
+     .tops = Fitting<"sim/weather/cloud_tops_msl_m[1]">,
      .type = Int<"sim/weather/cloud_type[1]">,
      .baseMeaning = "middle cloud base",
      .topsMeaning = "middle cloud tops",
@@ -74,8 +74,8 @@ constexpr Layer layers[3] = {
     {.baseAt = 0x0E9C,
      .topsAt = 0x0E9A,
      .typeAt = 0x0E9E,
-     .base = Float<"sim/weather/cloud_base_msl_m[2]">,
-     .tops = Float<"sim/weather/cloud_tops_msl_m[2]">,
+     .base = Fitting<"sim/weather/cloud_base_msl_m[2]">,
+     .tops = Fitting<"sim/weather/cloud_tops_msl_m[2]">,
      .type = Int<"sim/weather/cloud_type[2]">,
      .baseMeaning = "high cloud base",
      .topsMeaning = "high cloud tops",
@@ -158,9 +158,9 @@ constexpr OffsetRow otherRows[] = {
      .meaning = "thunderstorms",
      .unit = "%",
      .cycle = Cycle::C59,
-     .source = Float<"sim/weather/thunderstorm_percent">,
+     .source = Fitting<"sim/weather/thunderstorm_percent">,
      .factor = 100,
-     .write = {.target = Float<"sim/weather/thunderstorm_percent">, .factor = 0.01}},
+     .write = {.target = Fitting<"sim/weather/thunderstorm_percent">, .factor = 0.01}},
     {.offset = 0x6F15,
      .type = Stored::U8,
      .name = "real_weather",
@@ -168,7 +168,8 @@ constexpr OffsetRow otherRows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C59,
      .source = Int<"sim/weather/use_real_weather_bool">,
-     .write = {.target = Int<"sim/weather/use_real_weather_bool">}},
+     .write = {.target = Int<"sim/weather/use_real_weather_bool">},
+     .elsewhere = "from 12.00 on the simulator does not let it be set"},
 };
 
 constexpr auto rows = [] {

@@ -22,11 +22,8 @@ struct Family {
   EngineVariants variants = {};   // where add-ons count, instead of the shape's source and target
 };
 
-constexpr bool IsArray(Accessor accessor) {
-  return accessor == Accessor::IntArray || accessor == Accessor::FloatArray;
-}
 constexpr Source SourceOf(Source shape, int engine) {
-  if (IsArray(shape.accessor)) shape.element = engine;
+  if (IsArray(shape.accessor) || shape.accessor == Accessor::Any) shape.element = engine;
   return shape;
 }
 constexpr OffsetRow RowOf(const Family& family, int engine) {

@@ -292,7 +292,12 @@ constexpr Family vibration = {
                  }>},
 };
 
-// The one hydraulic system serves all engines. Its pressure is taken as a share of 3000 psi.
+// The one hydraulic system serves all engines. The unit of its pressure is the aircraft author's choice: a
+// share of 3000 psi, or psi. 4 x psi.
+double HydraulicPressure(double published) {
+  constexpr double highestShare = 2, fullPressure = 3000;
+  return published * 4 * (published > highestShare ? 1 : fullPressure);
+}
 constexpr OffsetRow hydraulicPressureShape = {
     .type = Stored::S32,
     .name = "hyd_pressure_eng",
@@ -301,8 +306,8 @@ constexpr OffsetRow hydraulicPressureShape = {
     .unitScale = 0.25,
     .cycle = Cycle::C13,
     .source = Float<"sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1">,
-    .factor = 12000,
-    .note = "an aircraft that gives psi instead of a share of 3000 psi reads too high"};
+    .convert = HydraulicPressure,
+    .note = "an aircraft gives psi or a share of 3000 psi; up to 2 counts as a share"};
 constexpr OffsetRow EveryFrame(OffsetRow shape) {
   shape.cycle = Cycle::C1;
   return shape;
@@ -428,8 +433,9 @@ constexpr auto rotor =
 
 // --- What is built in ---------------------------------------------------------------------------------
 
-// Clients: 0 piston, 1 jet, 2 none, 3 helicopter turbine, 4 rocket, 5 turboprop. Electric motors count as
-// piston engines; only those have magnetos.
+// The simulator's numbers are those that 11.40 and later list (8, the fixed turbine, is their last); the older
+// lists state none, and a number beyond them counts as a jet. Clients: 0 piston, 1 jet, 2 none, 3 helicopter
+// turbine, 4 rocket, 5 turboprop. Electric motors count as piston engines; only those have magnetos.
 double EngineType(double simulatorType) {
   constexpr double types[] = {0, 0, 5, 0, 1, 1, 4, 4, 5};
   const int type = static_cast<int>(simulatorType);

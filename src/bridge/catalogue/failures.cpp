@@ -27,6 +27,12 @@ void ApplyEngineFailures(const OffsetRow&, const Staged& staged) {
   }
 }
 
+// The older names are missing from 10.00 to 10.36 and from 12.00 on.
+constexpr Source comFailures[] = {
+    Int<"sim/operation/failures/rel_g_comrad1", "sim/operation/failures/rel_com1">,
+    Int<"sim/operation/failures/rel_g_comrad2", "sim/operation/failures/rel_com2">,
+};
+
 // --- Partial panel ------------------------------------------------------------------------------------
 
 // The systems of each bit. Bits 5 and 6, compass and electrics, have no dataref in the simulator.
@@ -39,9 +45,9 @@ constexpr Systems panel[] = {
     {{Int<"sim/operation/failures/rel_g_alt">}},                                         // 2 altimeter
     {{Int<"sim/operation/failures/rel_ss_ahz">,
       Int<"sim/operation/failures/rel_cop_ahz">}},  // 3 attitude indicators
-    {{Int<"sim/operation/failures/rel_g_comrad1">, Int<"sim/operation/failures/rel_g_comrad2">}},  // 4 COM
-    {{Int<"sim/operation/failures/?????">}},                                                       // 5 compass
-    {{Int<"sim/operation/failures/?????">}},  // 6 electrics
+    {{comFailures[0], comFailures[1]}},             // 4 COM
+    {{Int<"sim/operation/failures/?????">}},        // 5 compass
+    {{Int<"sim/operation/failures/?????">}},        // 6 electrics
     {{Int<"sim/operation/failures/rel_engfai0">, Int<"sim/operation/failures/rel_engfai1">,
       Int<"sim/operation/failures/rel_engfai2">, Int<"sim/operation/failures/rel_engfai3">}},  // 7 engines
     {{Int<"sim/operation/failures/rel_g_fuel">}},                                              // 8 fuel gauges
@@ -139,7 +145,7 @@ constexpr OffsetRow rows[] = {
     Failure({.offset = 0x0B68,
              .name = "fail_com1",
              .meaning = "COM 1 failed",
-             .write = {.target = Int<"sim/operation/failures/rel_g_comrad1">, .convert = FailureCode}}),
+             .write = {.target = comFailures[0], .convert = FailureCode}}),
     {.offset = 0x0B6B,
      .type = Stored::U8,
      .name = "fail_engines",
@@ -158,6 +164,10 @@ constexpr OffsetRow rows[] = {
      .show = Show::Bits,
      .cycle = Cycle::C13,
      .prepared = &panelFailed,
+     .inputs = sourcesOf<panel[0].systems[0], Int<"sim/operation/failures/rel_cop_ahz">,
+                         Int<"sim/operation/failures/rel_ice_pitot_heat1">,
+                         Int<"sim/operation/failures/rel_ice_pitot_heat2">,
+                         Int<"sim/operation/failures/rel_cop_tsi">, Int<"sim/operation/failures/rel_cop_vvi">>,
      .prepare = TakeFailures,
      .note = "bits: 0 ADF, 1 airspeed, 2 altimeter, 3 attitude, 4 COM, 7 engines, 8 fuel gauges, 9 heading, "
              "10 NAV, 11 pitot heat, 12 transponder, 13 turn coordinator, 14 vacuum, 15 vertical speed"},

@@ -18,6 +18,17 @@ void ApplyContactAtc(const OffsetRow&, const Staged& staged) {
   }
 }
 
+constexpr Source hasMixture = Int<"sim/aircraft/view/acf_has_mixture">;
+constexpr Source engineTypes = IntElement<"sim/aircraft/prop/acf_en_type">(0);
+
+bool ReadHasMixture(const OffsetRow&, double* value) {
+  constexpr int injected = 1;  // 0 with a carburettor; all others are no piston engines
+  *value = HandleOf(hasMixture) != nullptr                                        ? ReadInt(hasMixture)
+           : HandleOf(engineTypes) != nullptr && ReadInt(engineTypes) <= injected ? 1
+                                                                                  : 0;
+  return true;
+}
+
 constexpr OffsetRow rows[] = {
     {.offset = 0x6F0D,
      .type = Stored::U8,
@@ -53,7 +64,9 @@ constexpr OffsetRow rows[] = {
      .meaning = "mixture control available",
      .show = Show::Flag,
      .cycle = Cycle::C313,
-     .source = Int<"sim/aircraft/view/acf_has_mixture">},
+     .read = ReadHasMixture,
+     .inputs = sourcesOf<hasMixture, engineTypes>,
+     .elsewhere = "from 9.55 on the simulator does not say: piston engines have one"},
     {.offset = 0x02C4,
      .type = Stored::U32,
      .name = "vne",

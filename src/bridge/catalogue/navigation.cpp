@@ -153,6 +153,7 @@ struct NavPlaces {
   uint32_t localizerLatitude, localizerLongitude, localizerHeight;
   uint32_t reciprocal, slope;
   Source slopeSource;
+  std::span<const Source> identInputs;
   uint32_t localizerWord, codeWord, available, ident, name;
 };
 constexpr NavPlaces places[2] = {
@@ -166,6 +167,8 @@ constexpr NavPlaces places[2] = {
      .reciprocal = 0x0870,
      .slope = 0x0872,
      .slopeSource = Float<"sim/cockpit/radios/nav1_slope_degt">,
+     .identInputs =
+         sourcesOf<Bytes<"sim/cockpit2/radios/indicators/nav1_nav_id">, Int<"sim/cockpit/radios/nav1_freq_hz">>,
      .localizerWord = 0x0C4A,
      .codeWord = 0x0C4D,
      .available = 0x07A0,
@@ -181,6 +184,8 @@ constexpr NavPlaces places[2] = {
      .reciprocal = 0x0844,
      .slope = 0x0846,
      .slopeSource = Float<"sim/cockpit/radios/nav2_slope_degt">,
+     .identInputs =
+         sourcesOf<Bytes<"sim/cockpit2/radios/indicators/nav2_nav_id">, Int<"sim/cockpit/radios/nav2_freq_hz">>,
      .localizerWord = 0x0C5A,
      .codeWord = 0x0C70,
      .available = 0x07A4,
@@ -298,7 +303,9 @@ constexpr std::array<OffsetRow, 13> TunedRows(int member) {
        .meaning = "station identifier",
        .show = Show::Text,
        .cycle = cycle,
-       .readText = ReadNavIdent},
+       .readText = ReadNavIdent,
+       .inputs = at.identInputs,
+       .elsewhere = "before 9.55 that of the station found by its frequency"},
       {.offset = at.name,
        .type = Stored::Text,
        .length = 25,
@@ -561,7 +568,8 @@ constexpr OffsetRow otherRows[] = {
      .meaning = "station identifier",
      .show = Show::Text,
      .cycle = Cycle::C59,
-     .readText = ReadAdfIdent},
+     .readText = ReadAdfIdent,
+     .inputs = sourcesOf<adfIdent[0]>},
     {.offset = 0x02DC,
      .type = Stored::Text,
      .length = 6,
@@ -570,7 +578,8 @@ constexpr OffsetRow otherRows[] = {
      .meaning = "station identifier",
      .show = Show::Text,
      .cycle = Cycle::C59,
-     .readText = ReadAdfIdent},
+     .readText = ReadAdfIdent,
+     .inputs = sourcesOf<adfIdent[1]>},
     {.offset = 0x0C52,
      .type = Stored::U32,
      .name = "nav_signal",

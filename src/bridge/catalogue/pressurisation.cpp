@@ -4,7 +4,6 @@
 
 namespace {
 
-// A float in most versions of the simulator, an integer in some.
 constexpr Source runwayFriction = Fitting<"sim/weather/runway_friction">;
 
 constexpr OffsetRow rows[] = {

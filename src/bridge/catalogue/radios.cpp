@@ -138,6 +138,9 @@ constexpr OffsetRow rows[] = {
      .show = Show::Bits,
      .cycle = Cycle::C3,
      .read = ReadAudio,
+     .inputs =
+         sourcesOf<audioBits[0].selector, audioBits[1].selector, audioBits[2].selector, audioBits[3].selector,
+                   audioBits[4].selector, audioBits[5].selector, audioBits[6].selector>,
      .write = {.apply = ApplyAudio},
      .lossy = "bit 5 sets bits 7 and 6, and they set it",
      .note = "bit 7 COM1, 6 COM2, 5 both COM, 4 NAV1, 3 NAV2, 2 markers, 1 DME, 0 ADF1"},
@@ -214,7 +217,7 @@ constexpr OffsetRow rows[] = {
     {.offset = 0x6D8C,
      .type = Stored::U8,
      .name = "transponder_mode",
-     .meaning = "transponder mode: 0 off, 1 standby, 2 on, 3 test",
+     .meaning = "transponder mode: 0 off, 1 standby, 2 on, 3 test; newer simulators have more",
      .cycle = Cycle::C31,
      .source = Int<"sim/cockpit/radios/transponder_mode">,
      .write = {.target = Int<"sim/cockpit/radios/transponder_mode">}},

@@ -6,6 +6,7 @@
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/units.h"
+#include "bridge/catalogue/versions.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ double AngleOf(double degrees) { return Wrapped(degrees) * angle16; }
 bool ReadLocalDirection(const OffsetRow&, double* value) {
   double direction = ReadSource(Float<"sim/weather/wind_direction_degt">);
   if (ReadSource(Double<"sim/flightmodel/position/elevation">) <
-      ReadSource(Float<"sim/weather/wind_altitude_msl_m[0]">))
+      ReadSource(Fitting<"sim/weather/wind_altitude_msl_m[0]">))
     direction += ReadSource(magneticVariation);
   *value = AngleOf(direction);
   return true;
@@ -46,6 +47,7 @@ constexpr OffsetRow Speed(OffsetRow row) {
   row.name = "wind_speed";
   row.meaning = "wind speed";
   row.unit = "kt";
+  row.unitChange = windUnit;
   return Settable(row);
 }
 constexpr OffsetRow Turbulence(OffsetRow row) {
@@ -93,18 +95,18 @@ struct UpperLayer {
 };
 constexpr UpperLayer upperLayers[2] = {
     {.block = 0x0F64,
-     .altitude = Float<"sim/weather/wind_altitude_msl_m[1]">,
-     .speed = Float<"sim/weather/wind_speed_kt[1]">,
+     .altitude = Fitting<"sim/weather/wind_altitude_msl_m[1]">,
+     .speed = Fitting<"sim/weather/wind_speed_kt[1]">,
      .direction = Float<"sim/weather/wind_direction_degt[1]">,
-     .turbulence = Float<"sim/weather/turbulence[1]">,
-     .gust = Float<"sim/weather/shear_speed_kt[1]">,
+     .turbulence = Fitting<"sim/weather/turbulence[1]">,
+     .gust = Fitting<"sim/weather/shear_speed_kt[1]">,
      .readOnlyCopy = {true, true, true, true, true, false}},
     {.block = 0x0F58,
-     .altitude = Float<"sim/weather/wind_altitude_msl_m[2]">,
-     .speed = Float<"sim/weather/wind_speed_kt[2]">,
+     .altitude = Fitting<"sim/weather/wind_altitude_msl_m[2]">,
+     .speed = Fitting<"sim/weather/wind_speed_kt[2]">,
      .direction = Float<"sim/weather/wind_direction_degt[2]">,
-     .turbulence = Float<"sim/weather/turbulence[2]">,
-     .gust = Float<"sim/weather/shear_speed_kt[2]">,
+     .turbulence = Fitting<"sim/weather/turbulence[2]">,
+     .gust = Fitting<"sim/weather/shear_speed_kt[2]">,
      .readOnlyCopy = {false, false, true, true, true, false}},
 };
 
@@ -150,7 +152,7 @@ constexpr std::array<OffsetRow, 12> UpperRows(int layer) {
 
 // --- Surface layer, and the rows of all --------------------------------------------------------------
 constexpr OffsetRow surfaceSpeed = Speed(
-    {.offset = 0x0F72, .member = 1, .cycle = Cycle::C13, .source = Float<"sim/weather/wind_speed_kt[0]">});
+    {.offset = 0x0F72, .member = 1, .cycle = Cycle::C13, .source = Fitting<"sim/weather/wind_speed_kt[0]">});
 constexpr OffsetRow surfaceDirectionRow = {.offset = 0x0F74,
                                            .type = Stored::U16,
                                            .name = "wind_direction",
@@ -165,11 +167,11 @@ constexpr OffsetRow surfaceTop = Altitude({.offset = 0x0F70,
                                            .name = "wind_ceiling",
                                            .member = 1,
                                            .meaning = "top of the surface wind layer",
-                                           .source = Float<"sim/weather/wind_altitude_msl_m[0]">});
+                                           .source = Fitting<"sim/weather/wind_altitude_msl_m[0]">});
 constexpr OffsetRow surfaceTurbulence = Turbulence(
-    {.offset = 0x0F76, .member = 1, .cycle = Cycle::C157, .source = Float<"sim/weather/turbulence[0]">});
+    {.offset = 0x0F76, .member = 1, .cycle = Cycle::C157, .source = Fitting<"sim/weather/turbulence[0]">});
 constexpr OffsetRow surfaceGust = Gust(
-    {.offset = 0x0F78, .member = 1, .cycle = Cycle::C157, .source = Float<"sim/weather/shear_speed_kt[0]">});
+    {.offset = 0x0F78, .member = 1, .cycle = Cycle::C157, .source = Fitting<"sim/weather/shear_speed_kt[0]">});
 
 constexpr OffsetRow nearRows[] = {
     {.offset = 0x0E90,
@@ -178,14 +180,16 @@ constexpr OffsetRow nearRows[] = {
      .meaning = "wind speed at the aircraft",
      .unit = "kt",
      .cycle = Cycle::C1,
-     .source = Float<"sim/weather/wind_speed_kt">},
+     .source = Float<"sim/weather/wind_speed_kt">,
+     .unitChange = windUnit},
     {.offset = 0x3488,
      .type = Stored::F64,
      .name = "wind_exact",
      .meaning = "wind speed at the aircraft, unrounded",
      .unit = "kt",
      .cycle = Cycle::C1,
-     .source = Float<"sim/weather/wind_speed_kt">},
+     .source = Float<"sim/weather/wind_speed_kt">,
+     .unitChange = windUnit},
     {.offset = 0x3490,
      .type = Stored::F64,
      .name = "wind_from_true",
@@ -201,7 +205,7 @@ constexpr OffsetRow nearRows[] = {
      .unitScale = 1 / angle16,
      .cycle = Cycle::C1,
      .read = ReadLocalDirection,
-     .inputs = sourcesOf<Float<"sim/weather/wind_altitude_msl_m[0]">, magneticVariation>,
+     .inputs = sourcesOf<Fitting<"sim/weather/wind_altitude_msl_m[0]">, magneticVariation>,
      .note = "magnetic inside the surface layer, true above it"},
 
     surfaceSpeed,
