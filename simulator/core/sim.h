@@ -164,10 +164,23 @@ struct Options {
   bool circuit = true;
   std::string aircraft = "jet";
   int planes = 1;
+  // Age of the simulator: 860, 920, 955, 1004, 1042, 1110, 1140, 1200 or 1210. 0: says 1042 and publishes
+  // every name that any age has.
+  int version = 0;
   std::string define;  // file
   double seconds = -1;
   bool tolerant = false;
 };
+// One age of the simulator that Options::version may name.
+struct Version {
+  int number = 0;  // as it is asked for
+  int told = 0;    // by XPLMGetVersions: five digits from 11 on
+  int api = 0;     // level of the plug-in interface, likewise
+};
+// The age of that number, null when there is none; 0 is the one that has every name.
+SIM_API const Version* FindVersion(int number);
+// "860, 920, ...", for messages.
+std::string ListVersions();
 // Starts the simulator and its plug-ins, in the stated order. Returns 0 or the exit status for the host.
 SIM_API int SimStart(const Options& options);
 // Runs one console line and returns the answer (without line end).

@@ -131,6 +131,7 @@ int SimStart(const Options& options) {
   if (started) SimStop();
   if (!WorldKnowsAircraft(options.aircraft)) return Say("unknown aircraft: " + options.aircraft), 2;
   if (options.planes < 1 || options.planes > 128) return Say("the number of planes is 1 to 128"), 2;
+  if (!FindVersion(options.version)) return Say("the versions are " + ListVersions()), 2;
   TakeBreaches();
   Forget();
   running = options;
