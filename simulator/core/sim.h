@@ -66,7 +66,8 @@ void PublishCommand(const char* name, CommandAction action, int tag);
 
 // Publishes every dataref and command that the simulator itself has, with sensible start values on the
 // ground or in flight as the flight mode wants, and fills navigation database and aircraft table.
-void WorldStart(bool circuitFlight, int activePlanes);
+// `version` is the age whose datarefs these are, 0 for all.
+void WorldStart(bool circuitFlight, int activePlanes, int version);
 // Whether such an aircraft exists (the names of --aircraft).
 bool WorldKnowsAircraft(const std::string& name);
 // Makes NAME the user's aircraft: engine type, title, file, the add-on's plug-in signature, datarefs and

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <thread>
 
+#include "XPLMPlanes.h"
 #include "XPLMPlugin.h"
 #include "core/core.h"
 
@@ -140,7 +141,7 @@ int SimStart(const Options& options) {
   started = true;
   if (!MakeSystemFolder(options.root)) return End(2);
   ResetPlanes(options.planes);
-  WorldStart(options.circuit, options.planes);
+  WorldStart(options.circuit, options.planes, options.version);
   runningTime = FrameRef("sim/time/total_running_time_sec");
   framePeriod = FrameRef("sim/operation/misc/frame_rate_period");
   WorldSelectAircraft(options.aircraft);
@@ -149,13 +150,19 @@ int SimStart(const Options& options) {
     if (!why.empty()) return Say(why), End(2);
   }
   if (!StartPlugins(options)) return End(1);
-  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_PLANE_LOADED, 0);
-  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_AIRPORT_LOADED, 0);
+  TellPlugins(XPLM_MSG_PLANE_LOADED, XPLM_USER_AIRCRAFT);
+  TellPlugins(XPLM_MSG_AIRPORT_LOADED, 0);
+  TellPlugins(XPLM_MSG_SCENERY_LOADED, 0);
+  TellPlugins(kLiveryLoaded, XPLM_USER_AIRCRAFT);
   ResetPace();
   return 0;
 }
 
-int SimStop() { return started ? End(0) : 0; }
+int SimStop() {
+  if (!started) return 0;
+  TellPlugins(kWillWritePrefs, 0);
+  return End(0);
+}
 
 void Frame(double now) {
   double dt = now - elapsed;
