@@ -9,7 +9,7 @@ namespace sim {
 namespace {
 
 constexpr int kCapacity = 20;  // aircraft that exist at least, used or not
-constexpr int kMost = 128;
+int total = kCapacity;         // that exist
 int active = 1;
 int controller = XPLM_NO_PLUGIN_ID;
 std::map<int, std::string> models;  // set by the controlling plug-in: path by index
@@ -19,10 +19,18 @@ std::string StripFolder(const std::string& path) {
   return cut == std::string::npos ? path : path.substr(cut + 1);
 }
 
+// Another model in place `index`; 0 is the user's.
+void LoadModel(int index, const std::string& path) {
+  if (index < active) TellPlugins(kPlaneUnloaded, index);
+  models[index] = path;
+  if (index < active) TellPlaneLoaded(index);
+}
+
 }  // namespace
 
 void ResetPlanes(int count) {
   active = count;
+  total = std::max(count, kCapacity);
   controller = XPLM_NO_PLUGIN_ID;
   models.clear();
 }
@@ -33,15 +41,17 @@ void DropPlanes(int owner) {
 
 void SetActivePlanes(int count) {
   active = count;
+  total = std::max(total, count);
   WorldSetActivePlanes(count);
-  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_AIRPLANE_COUNT_CHANGED, 0);
+  TellPlugins(XPLM_MSG_AIRPLANE_COUNT_CHANGED, 0);
 }
 
 bool ChangeAircraft(const std::string& name) {
   if (!WorldKnowsAircraft(name)) return false;
+  TellPlugins(kPlaneUnloaded, XPLM_USER_AIRCRAFT);
   WorldSelectAircraft(name);
   FollowAircraftPlugin();
-  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_PLANE_LOADED, XPLM_USER_AIRCRAFT);
+  TellPlaneLoaded(XPLM_USER_AIRCRAFT);
   return true;
 }
 
@@ -49,7 +59,7 @@ bool ChangeAircraft(const std::string& name) {
 
 void XPLMCountAircraft(int* total, int* active, XPLMPluginID* controller) {
   sim::Check("XPLMCountAircraft");
-  if (total) *total = std::max(sim::active, sim::kCapacity);
+  if (total) *total = sim::total;
   if (active) *active = sim::active;
   if (controller) *controller = sim::controller;
 }
@@ -77,14 +87,15 @@ void XPLMSetUsersAircraft(const char* path) {
 
 void XPLMPlaceUserAtAirport(const char*) {
   sim::Check("XPLMPlaceUserAtAirport");
-  sim::SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_AIRPORT_LOADED, 0);
+  sim::TellPlugins(XPLM_MSG_AIRPORT_LOADED, 0);
+  sim::TellPlugins(XPLM_MSG_SCENERY_LOADED, 0);
 }
 
 int XPLMAcquirePlanes(char** aircraft, XPLMPlanesAvailable_f, void*) {
   sim::Check("XPLMAcquirePlanes");
   if (sim::controller != XPLM_NO_PLUGIN_ID) return sim::controller == sim::CallingPlugin();
   sim::controller = sim::CallingPlugin();
-  for (int i = 0; aircraft && aircraft[i] && *aircraft[i]; ++i) sim::models[i + 1] = aircraft[i];
+  for (int i = 0; aircraft && aircraft[i] && *aircraft[i]; ++i) sim::LoadModel(i + 1, aircraft[i]);
   return 1;
 }
 
@@ -95,12 +106,12 @@ void XPLMReleasePlanes(void) {
 
 void XPLMSetActiveAircraftCount(int count) {
   sim::Check("XPLMSetActiveAircraftCount");
-  if (sim::controller == sim::CallingPlugin()) sim::SetActivePlanes(std::clamp(count, 1, sim::kMost));
+  if (sim::controller == sim::CallingPlugin()) sim::SetActivePlanes(std::clamp(count, 1, sim::total));
 }
 
 void XPLMSetAircraftModel(int index, const char* path) {
   sim::Check("XPLMSetAircraftModel");
-  if (sim::controller == sim::CallingPlugin() && index > 0 && path) sim::models[index] = path;
+  if (sim::controller == sim::CallingPlugin() && index > 0 && path) sim::LoadModel(index, path);
 }
 
 void XPLMDisableAIForPlane(int) { sim::Check("XPLMDisableAIForPlane"); }

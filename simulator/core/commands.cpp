@@ -1,6 +1,8 @@
 // Commands by name and by number, data files, speech: what plug-ins fire, with a list of it.
 #include <algorithm>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <unordered_map>
 
@@ -72,6 +74,13 @@ void Release(Command* command, std::vector<int>::iterator holder) {
 Command* Given(XPLMCommandRef handle, const char* function) {
   if (!handle) Breach(function, "null command handle");
   return static_cast<Command*>(handle);
+}
+
+// Where a situation or movie lies: below the system folder. Empty, so that no file can be opened, without a
+// name and in a run without a system folder.
+std::filesystem::path DataFile(const std::string& name) {
+  if (name.empty() || running.root.empty()) return {};
+  return SystemFolder() + name;
 }
 
 }  // namespace
@@ -223,13 +232,17 @@ void XPLMCommandButtonRelease(XPLMCommandButtonID button) {
 int XPLMLoadDataFile(XPLMDataFileType type, const char* path) {
   sim::Check("XPLMLoadDataFile");
   sim::LogCall("load " + sim::FormatInt(type) + ' ' + (path ? path : ""));
-  return path ? *path != 0 : type == xplm_DataFile_ReplayMovie;  // no path: empty the replay
+  if (!path) return type == xplm_DataFile_ReplayMovie;  // empties the replay
+  std::error_code failure;
+  return std::filesystem::is_regular_file(sim::DataFile(path), failure);
 }
 
 int XPLMSaveDataFile(XPLMDataFileType type, const char* path) {
   sim::Check("XPLMSaveDataFile");
   sim::LogCall("save " + sim::FormatInt(type) + ' ' + (path ? path : ""));
-  return path && *path;
+  std::ofstream file(sim::DataFile(path ? path : ""), std::ios::binary);
+  file << "standin " << type << '\n';
+  return static_cast<bool>(file.flush());
 }
 
 void XPLMSpeakString(const char* text) {

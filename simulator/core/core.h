@@ -73,6 +73,11 @@ void PretendPlugin(const std::string& signature, bool on);
 void FollowAircraftPlugin();  // pretends the add-on plug-in that the aircraft brings
 // Number of plug-ins that got it. `to` -1 means all.
 int SendPluginMessage(int from, int to, int message, intptr_t param);
+// Messages of the simulator that not every age has.
+constexpr int kPlaneUnloaded = 106, kWillWritePrefs = 107, kLiveryLoaded = 108;
+// The simulator's own messages, to all; one that this run's age does not know yet is not sent.
+void TellPlugins(int message, intptr_t param);
+void TellPlaneLoaded(int index);  // and its livery
 
 // What the rest of the core keeps for plug-in `owner` is dropped; returns how many there were that the
 // plug-in should have removed itself, and names one of them.
@@ -126,7 +131,8 @@ void ResetNavigation();
 // Adds a record behind the others of its type.
 void AddNavAid(const NavAid& aid);
 void ClearNavAids();
-void SetActivePlanes(int count);  // tells world and plug-ins
+// Tells world and plug-ins. The console's number may exceed what has existed so far, a plug-in's never does.
+void SetActivePlanes(int count);
 void ResetPlanes(int count);
 // Selects the aircraft and tells the plug-ins. False when there is none of that name.
 bool ChangeAircraft(const std::string& name);

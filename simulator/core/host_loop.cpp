@@ -90,7 +90,8 @@ bool FrameIfDue() {
 
 constexpr char kUsage[] =
     "usage: standin --plugin FILE [--plugin FILE ...] --root DIR [--rate N] [--flight circuit|none]\n"
-    "               [--aircraft NAME] [--planes N] [--define FILE] [--seconds N] [--tolerant]\n";
+    "               [--aircraft NAME] [--planes N] [--version N] [--define FILE] [--seconds N]\n"
+    "               [--tolerant]\n";
 
 // --- Options ---------------------------------------------------------------------------------------
 // Each takes its value; an empty text means success, else why not.
@@ -133,6 +134,15 @@ std::string TakePlanes(const std::string& value, Options* options) {
   return "";
 }
 
+std::string TakeVersion(const std::string& value, Options* options) {
+  int64_t version = 0;
+  if (!ParseInt(value, &version) || version < 1 || version > 9999 || !FindVersion(static_cast<int>(version))) {
+    return "--version is one of " + ListVersions() + ", not " + value;
+  }
+  options->version = static_cast<int>(version);
+  return "";
+}
+
 std::string TakeTolerant(const std::string&, Options* options) {
   options->tolerant = true;
   return "";
@@ -166,6 +176,11 @@ constexpr OptionRow optionRows[] = {
      .value = "N",
      .take = TakePlanes,
      .about = "active aircraft, 1 to 128, the user's own included"},
+    {.name = "--version",
+     .value = "N",
+     .take = TakeVersion,
+     .about = "age of the simulator: 860, 920, 955, 1004, 1042, 1110, 1140, 1200 or 1210, with exactly the\n"
+              "                    datarefs of that age; without it 1042 with those of every age"},
     {.name = "--define",
      .value = "FILE",
      .take = TakeText<&Options::define>,

@@ -259,6 +259,21 @@ void FollowAircraftPlugin() {
   aircraftSignature = now;
 }
 
+void TellPlugins(int message, intptr_t param) {
+  constexpr struct {
+    int message, since;
+  } kNewer[] = {{kPlaneUnloaded, 900}, {kWillWritePrefs, 1000}, {kLiveryLoaded, 1000}};
+  for (auto& row : kNewer) {
+    if (row.message == message && FindVersion(running.version)->told < row.since) return;
+  }
+  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, message, param);
+}
+
+void TellPlaneLoaded(int index) {
+  TellPlugins(XPLM_MSG_PLANE_LOADED, index);
+  TellPlugins(kLiveryLoaded, index);
+}
+
 int SendPluginMessage(int from, int to, int message, intptr_t param) {
   int delivered = 0;
   for (size_t i = 0; i < plugins.size(); ++i) {

@@ -66,7 +66,8 @@ void PublishCommand(const char* name, CommandAction action, int tag);
 
 // Publishes every dataref and command that the simulator itself has, with sensible start values on the
 // ground or in flight as the flight mode wants, and fills navigation database and aircraft table.
-void WorldStart(bool circuitFlight, int activePlanes);
+// `version` is the age whose datarefs these are, 0 for all.
+void WorldStart(bool circuitFlight, int activePlanes, int version);
 // Whether such an aircraft exists (the names of --aircraft).
 bool WorldKnowsAircraft(const std::string& name);
 // Makes NAME the user's aircraft: engine type, title, file, the add-on's plug-in signature, datarefs and
@@ -164,10 +165,23 @@ struct Options {
   bool circuit = true;
   std::string aircraft = "jet";
   int planes = 1;
+  // Age of the simulator: 860, 920, 955, 1004, 1042, 1110, 1140, 1200 or 1210. 0: says 1042 and publishes
+  // every name that any age has.
+  int version = 0;
   std::string define;  // file
   double seconds = -1;
   bool tolerant = false;
 };
+// One age of the simulator that Options::version may name.
+struct Version {
+  int number = 0;  // as it is asked for
+  int told = 0;    // by XPLMGetVersions: five digits from 11 on
+  int api = 0;     // level of the plug-in interface, likewise
+};
+// The age of that number, null when there is none; 0 is the one that has every name.
+SIM_API const Version* FindVersion(int number);
+// "860, 920, ...", for messages.
+std::string ListVersions();
 // Starts the simulator and its plug-ins, in the stated order. Returns 0 or the exit status for the host.
 SIM_API int SimStart(const Options& options);
 // Runs one console line and returns the answer (without line end).

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <thread>
 
+#include "XPLMPlanes.h"
 #include "XPLMPlugin.h"
 #include "core/core.h"
 
@@ -131,6 +132,7 @@ int SimStart(const Options& options) {
   if (started) SimStop();
   if (!WorldKnowsAircraft(options.aircraft)) return Say("unknown aircraft: " + options.aircraft), 2;
   if (options.planes < 1 || options.planes > 128) return Say("the number of planes is 1 to 128"), 2;
+  if (!FindVersion(options.version)) return Say("the versions are " + ListVersions()), 2;
   TakeBreaches();
   Forget();
   running = options;
@@ -139,7 +141,7 @@ int SimStart(const Options& options) {
   started = true;
   if (!MakeSystemFolder(options.root)) return End(2);
   ResetPlanes(options.planes);
-  WorldStart(options.circuit, options.planes);
+  WorldStart(options.circuit, options.planes, options.version);
   runningTime = FrameRef("sim/time/total_running_time_sec");
   framePeriod = FrameRef("sim/operation/misc/frame_rate_period");
   WorldSelectAircraft(options.aircraft);
@@ -148,13 +150,19 @@ int SimStart(const Options& options) {
     if (!why.empty()) return Say(why), End(2);
   }
   if (!StartPlugins(options)) return End(1);
-  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_PLANE_LOADED, 0);
-  SendPluginMessage(XPLM_PLUGIN_XPLANE, XPLM_NO_PLUGIN_ID, XPLM_MSG_AIRPORT_LOADED, 0);
+  TellPlugins(XPLM_MSG_PLANE_LOADED, XPLM_USER_AIRCRAFT);
+  TellPlugins(XPLM_MSG_AIRPORT_LOADED, 0);
+  TellPlugins(XPLM_MSG_SCENERY_LOADED, 0);
+  TellPlugins(kLiveryLoaded, XPLM_USER_AIRCRAFT);
   ResetPace();
   return 0;
 }
 
-int SimStop() { return started ? End(0) : 0; }
+int SimStop() {
+  if (!started) return 0;
+  TellPlugins(kWillWritePrefs, 0);
+  return End(0);
+}
 
 void Frame(double now) {
   double dt = now - elapsed;

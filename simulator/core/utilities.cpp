@@ -81,8 +81,9 @@ int XPLMGetDirectoryContents(const char* directory, int first, char* names, int 
 
 void XPLMGetVersions(int* host, int* xplm, XPLMHostApplicationID* hostId) {
   sim::Check("XPLMGetVersions");
-  if (host) *host = 1042;
-  if (xplm) *xplm = kXPLM_Version;
+  const sim::Version* version = sim::FindVersion(sim::running.version);
+  if (host) *host = version->told;
+  if (xplm) *xplm = version->api;
   if (hostId) *hostId = xplm_Host_XPlane;
 }
 

@@ -68,7 +68,8 @@ void ShowSurfaces() {
   F(refs.slats) = static_cast<float>(std::min(1.0, flight.flap * 3));
   float degrees = static_cast<float>(flight.flap * aircraft->flapDegrees);
   F(refs.flapLeft1) = F(refs.flapRight1) = F(refs.flapLeft2) = F(refs.flapRight2) = degrees;
-  for (int i = 0; i < 10; i++) F(refs.gearDeploy, i) = static_cast<float>(i < 3 ? flight.gear : 0);
+  for (int i = 0; i < refs.gearDeploy->count; i++)
+    F(refs.gearDeploy, i) = static_cast<float>(i < 3 ? flight.gear : 0);
   F(refs.speedBrakeRatio) = static_cast<float>(flight.speedBrake);
   // Nose up and right wing down show as negative deflections, nose right as a positive one.
   F(refs.elevatorDeg) = static_cast<float>(-flight.elevator * 15);
@@ -80,8 +81,8 @@ void ShowSurfaces() {
 
 void HookControls() {
   for (int i = 0; i < twinCount; i++) {
-    twinRefs[i][0] = FindLive(twins[i].first);
-    twinRefs[i][1] = FindLive(twins[i].second);
+    twinRefs[i][0] = FindStock(twins[i].first);
+    twinRefs[i][1] = FindStock(twins[i].second);
   }
   if (!circuitFlight) return;
   for (DataRef*(&pair)[2] : twinRefs) {

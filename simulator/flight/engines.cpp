@@ -9,7 +9,7 @@ namespace sim {
 
 namespace {
 
-constexpr int mostEngines = 8;
+constexpr int mostEngines = 16;             // places in the longest age's arrays
 constexpr int feathered = 0, reversed = 3;  // values of ENGN_propmode
 constexpr double idleN1 = 22, idleN2 = 60;  // percent
 double power[mostEngines];                  // 0 idle .. 1 full, what the engine has reached

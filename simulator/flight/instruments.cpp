@@ -113,9 +113,10 @@ void ShowClocks(double simulated) {
   Put(refs.localTime, local);
   flight.shownZulu = F(refs.zulu);
   double cabin = static_cast<double>(F(refs.cabinAltitude));
-  double outside = D(refs.elevation);
+  // Feet and feet a minute, whatever the names say.
+  double outside = D(refs.elevation) / ftToM;
   double goal = std::min(outside, static_cast<double>(F(refs.cabinAltitudeSet)));
-  double most = std::fabs(static_cast<double>(F(refs.cabinRateSet))) * simulated;
+  double most = std::fabs(static_cast<double>(F(refs.cabinRateSet))) / 60 * simulated;
   Put(refs.cabinAltitude, cabin + std::clamp(goal - cabin, -most, most));
 }
 

@@ -137,7 +137,7 @@ void Roll(double dt) {
   double along = flight.velocity.n * forwardN + flight.velocity.e * forwardE;
   double across = -flight.velocity.n * forwardE + flight.velocity.e * forwardN;
   double push = a.n * forwardN + a.e * forwardE;
-  double slippery = static_cast<double>(F(refs.friction));
+  double slippery = Number(refs.friction);
   double grip = slippery >= 2 ? 0.25 : slippery >= 1 ? 0.6 : 1;
   double friction = gravity * (0.015 + 0.35 * grip * flight.brake);
   double before = along;

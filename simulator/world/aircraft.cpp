@@ -15,6 +15,7 @@ constexpr Aircraft Jet() {
           .file = "TwinJet.acf",
           .folder = "Aircraft/Standin/Twin Jet",
           .engineType = 5,
+          .icao = "A320",
           .engines = 2,
           .tanks = 3,
           .tankShare = {0.27, 0.46, 0.27},
@@ -44,6 +45,7 @@ struct Naming {
   const char* file = "";
   const char* folder = "";
   const char* signature = "";
+  const char* icao = "B738";
 };
 
 constexpr Aircraft Named(Aircraft it, const Naming& naming) {
@@ -52,6 +54,7 @@ constexpr Aircraft Named(Aircraft it, const Naming& naming) {
   it.file = naming.file;
   it.folder = naming.folder;
   it.signature = naming.signature;
+  it.icao = naming.icao;
   return it;
 }
 
@@ -63,6 +66,7 @@ constexpr Aircraft Boeing(const Naming& naming) {
   it.fuelStartKg = 8000;
   it.maxKg = 79000;
   it.maxThrust = 117000;
+  it.hydraulicPsi = true;
   return it;
 }
 
@@ -72,6 +76,7 @@ constexpr Aircraft Helicopter() {
           .file = "Helicopter.acf",
           .folder = "Aircraft/Standin/Helicopter",
           .engineType = 2,
+          .icao = "B06",
           .engines = 1,
           .tanks = 1,
           .emptyKg = 1300,
@@ -106,7 +111,8 @@ constexpr Aircraft Ec135() {
                                      .title = "EC135 V5",
                                      .file = "EC135.acf",
                                      .folder = "Aircraft/Helicopters/EC135",
-                                     .signature = "rotorsim.ec135.management"});
+                                     .signature = "rotorsim.ec135.management",
+                                     .icao = "EC35"});
   it.engines = 2;
   it.emptyKg = 1650;
   it.fuelMaxKg = 560;
@@ -125,6 +131,7 @@ const Aircraft rows[] = {
      .file = "SingleProp.acf",
      .folder = "Aircraft/Standin/Single Prop",
      .engineType = 0,
+     .icao = "C172",
      .engines = 1,
      .tanks = 2,
      .tankShare = {0.5, 0.5},
@@ -158,6 +165,8 @@ const Aircraft rows[] = {
      .file = "TwinTurboprop.acf",
      .folder = "Aircraft/Standin/Twin Turboprop",
      .engineType = 2,
+     .fixedTurbine = true,
+     .icao = "JS31",
      .engines = 2,
      .tanks = 2,
      .tankShare = {0.5, 0.5},
@@ -197,7 +206,8 @@ const Aircraft rows[] = {
     Boeing({.name = "ixeg733",
             .title = "Boeing 737-300",
             .file = "B733.acf",
-            .folder = "Aircraft/X-Aviation/IXEG 737 Classic"}),
+            .folder = "Aircraft/X-Aviation/IXEG 737 Classic",
+            .icao = "B733"}),
     Ec135(),
 };
 
@@ -222,7 +232,11 @@ struct FigureRow {
 };
 const FigureRow figureRows[] = {
     {.name = "sim/aircraft/prop/acf_en_type",
-     .of = [](const Aircraft& it, int i) -> double { return i < it.engines ? it.engineType : 0; }},
+     .of = [](const Aircraft& it, int i) -> double {
+       if (i >= it.engines) return 0;
+       constexpr int fixedTurbine = 8, longerListFrom = 1140;
+       return it.fixedTurbine && age >= longerListFrom ? fixedTurbine : it.engineType;
+     }},
     {.name = "sim/aircraft/engine/acf_num_engines",
      .of = [](const Aircraft& it, int) -> double { return it.engines; }},
     {.name = "sim/aircraft/overflow/acf_num_tanks",
@@ -244,6 +258,8 @@ const FigureRow figureRows[] = {
     {.name = "sim/flightmodel/weight/m_fixed", .of = [](const Aircraft& it, int) { return it.payloadKg; }},
     {.name = "sim/aircraft/parts/acf_gear_leglen",
      .of = [](const Aircraft& it, int i) { return i < 3 ? it.gearHeight : 0; }},
+    {.name = "sim/cockpit2/hydraulics/indicators/hydraulic_pressure_1",
+     .of = [](const Aircraft& it, int) -> double { return it.hydraulicPsi ? 3000 : 1; }},
     {.name = "sim/aircraft/view/acf_livery_index", .of = [](const Aircraft&, int) { return 0.0; }},
 };
 
@@ -269,6 +285,7 @@ void WorldSelectAircraft(const std::string& name) {
   DescribeAircraft(*aircraft);
   FlightAircraftChanged();
   PublishAddon(*aircraft);
+  ShowOwnTarget();
 }
 
 }  // namespace sim

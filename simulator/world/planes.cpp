@@ -1,5 +1,6 @@
-// Other aircraft: up to 19 fly level circles around the field at different heights, each with a place of
-// its own by the clock. The first one's circle passes close to where the user's circuit starts.
+// Other aircraft: up to 63 fly level circles around the field at different heights, each with a place of
+// its own by the clock; the twentieth is parked. The position datarefs show 19 of them, the traffic arrays of
+// newer ages all (targets.cpp). The first one's circle passes close to where the user's circuit starts.
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -15,7 +16,8 @@ int activePlanes = 1;
 namespace {
 
 constexpr int otherPlanes = 19;
-constexpr int modelCount = 97;  // aircraft that can be active have a model
+constexpr int positionsSealedFrom = 1210;  // age from which plug-ins set no latitude, longitude and elevation
+constexpr int modelCount = 97;             // aircraft that can be active have a model
 
 struct PlaneRefs {
   DataRef *x, *y, *z, *lat, *lon, *el, *the, *phi, *psi, *vx, *vy, *vz;
@@ -72,7 +74,25 @@ Circle CircleOf(int n) {
           .bearing = 19.0 * n};
 }
 
-void Place(int n, double now) {
+// The model of another aircraft, n from 1.
+const Aircraft& ModelOf(int n) { return aircraftTable[static_cast<size_t>(n - 1) % 4]; }
+
+// One more stands where it is: on the ground, beside the runway's middle.
+constexpr int parkedPlane = 20;
+
+Seen Parked() {
+  double course = runwayCourse * degToRad;
+  Seen seen = {.x = 200 * std::cos(course),
+               .y = ModelOf(parkedPlane).gearHeight,
+               .z = 200 * std::sin(course),
+               .heading = runwayCourse,
+               .ground = true};
+  LocalToWorld(seen.x, seen.y, seen.z, &seen.lat, &seen.lon, &seen.alt);
+  return seen;
+}
+
+Seen SeenAt(int n, double now) {
+  if (n == parkedPlane) return Parked();
   Circle circle = CircleOf(n);
   double rate = circle.speed / circle.radius;  // clockwise, rad/s
   double bearing = circle.bearing * degToRad + rate * now;
@@ -80,24 +100,40 @@ void Place(int n, double now) {
   double z = -(circle.north + circle.radius * std::cos(bearing));
   double heading = std::fmod(bearing * radToDeg + 90, 360);
   if (heading < 0) heading += 360;
+  Seen seen = {.x = x,
+               .y = circle.height,
+               .z = z,
+               .pitch = 3,
+               .roll = std::atan(circle.speed * rate / gravity) * radToDeg,
+               .heading = heading,
+               .vx = circle.speed * std::cos(bearing),
+               .vz = circle.speed * std::sin(bearing),
+               .speed = circle.speed};
+  LocalToWorld(x, seen.y, z, &seen.lat, &seen.lon, &seen.alt);
+  return seen;
+}
+
+void Place(int n, double now) {
+  Seen seen = SeenAt(n, now);
+  ShowTarget(n, ModelOf(n).icao, seen);
+  if (n > otherPlanes) return;
   PlaneRefs& plane = planes[n - 1];
-  double lat, lon, alt;
-  LocalToWorld(x, circle.height, z, &lat, &lon, &alt);
-  D(plane.x) = x;
-  D(plane.y) = circle.height;
-  D(plane.z) = z;
-  D(plane.lat) = lat;
-  D(plane.lon) = lon;
-  D(plane.el) = alt;
-  F(plane.the) = 3;
-  F(plane.phi) = static_cast<float>(std::atan(circle.speed * rate / gravity) * radToDeg);
-  F(plane.psi) = static_cast<float>(heading);
-  F(plane.vx) = static_cast<float>(circle.speed * std::cos(bearing));
-  F(plane.vy) = 0;
-  F(plane.vz) = static_cast<float>(circle.speed * std::sin(bearing));
+  D(plane.x) = seen.x;
+  D(plane.y) = seen.y;
+  D(plane.z) = seen.z;
+  D(plane.lat) = seen.lat;
+  D(plane.lon) = seen.lon;
+  D(plane.el) = seen.alt;
+  F(plane.the) = static_cast<float>(seen.pitch);
+  F(plane.phi) = static_cast<float>(seen.roll);
+  F(plane.psi) = static_cast<float>(seen.heading);
+  F(plane.vx) = static_cast<float>(seen.vx);
+  F(plane.vy) = static_cast<float>(seen.vy);
+  F(plane.vz) = static_cast<float>(seen.vz);
 }
 
 void Clear(int n) {
+  if (n > otherPlanes) return;
   for (const Member& member : members) {
     D(planes[n - 1].*member.slot) = 0;
     F(planes[n - 1].*member.slot) = 0;
@@ -111,30 +147,34 @@ void PublishPlanes(int active) {
     for (const Member& member : members) {
       std::string name = "sim/multiplayer/position/plane";
       name.append(std::to_string(n)).append("_").append(member.name);
-      DataRef* ref = Publish(name.c_str(), member.kind, 1, member.always || n >= 10);
+      const bool settable = member.always || (n >= 10 && age < positionsSealedFrom);
+      DataRef* ref = Publish(name.c_str(), member.kind, 1, settable);
       planes[n - 1].*member.slot = ref != nullptr ? ref : FindLive(name);
     }
     Clear(n);
   }
   shownPlanes = 1;
+  PublishTargets();
   WorldSetActivePlanes(active);
 }
 
 void WorldSetActivePlanes(int count) {
   activePlanes = std::clamp(count, 1, 128);
-  int shown = std::min(activePlanes, otherPlanes + 1);
+  int shown = std::min(activePlanes, targetPlaces);
   for (int n = shownPlanes; n < shown; n++) Place(n, FlightTime());
   for (int n = shown; n < shownPlanes; n++) Clear(n);
   shownPlanes = shown;
+  CountTargets(shown);
 }
 
 void StepPlanes(double now) {
+  ShowOwnTarget();
   for (int n = 1; n < shownPlanes; n++) Place(n, now);
 }
 
 bool WorldAircraftModel(int index, std::string* fileName, std::string* path) {
   if (index < 0 || index >= std::min(activePlanes, modelCount)) return false;
-  const Aircraft& model = index == 0 ? *aircraft : aircraftTable[static_cast<size_t>(index - 1) % 4];
+  const Aircraft& model = index == 0 ? *aircraft : ModelOf(index);
   *fileName = model.file;
   *path = SystemFolder();
   char separator = path->empty() ? '/' : path->back();

@@ -1,6 +1,8 @@
 // Publishing of the dataref table, typed access to the records, and the start of the world.
 #include <algorithm>
 #include <cstring>
+#include <string>
+#include <unordered_map>
 
 #include "flight/flight.h"
 #include "world/refs.h"
@@ -9,6 +11,26 @@
 namespace sim {
 
 bool circuitFlight = true;
+int age = 0;
+
+namespace {
+
+std::unordered_map<std::string, DataRef*> unpublished;  // rows that this run's age lacks
+
+void PublishStock(DataRefRow row) {
+  const bool has = ShapeInAge(&row);
+  DataRef* ref = PublishRow(row);
+  if (has || ref == nullptr) return;
+  Withdraw(ref);  // keeps its value
+  unpublished[row.name] = ref;
+}
+
+}  // namespace
+
+DataRef* FindStock(const char* name) {
+  auto hidden = unpublished.find(name);
+  return hidden != unpublished.end() ? hidden->second : FindLive(name);
+}
 
 DataRef* PublishRow(const DataRefRow& row) {
   DataRef* ref = Publish(row.name, row.kind, row.count, row.writable);
@@ -35,6 +57,13 @@ double& D(DataRef* ref, int i) {
   return static_cast<size_t>(i) < ref->doubles.size() ? ref->doubles[static_cast<size_t>(i)] : dummy;
 }
 
+double Number(const DataRef* ref, int i) {
+  const size_t at = static_cast<size_t>(i);
+  if (at < ref->floats.size()) return static_cast<double>(ref->floats[at]);
+  if (at < ref->ints.size()) return ref->ints[at];
+  return at < ref->doubles.size() ? ref->doubles[at] : 0;
+}
+
 void SetText(DataRef* ref, const char* text) {
   if (ref->bytes.empty()) return;
   size_t length = std::min(std::strlen(text), ref->bytes.size() - 1);
@@ -48,9 +77,11 @@ void StoreElement(DataRef* ref, int i, double value) {
   if (!ref->doubles.empty()) D(ref, i) = value;
 }
 
-void WorldStart(bool circuit, int planes) {
+void WorldStart(bool circuit, int planes, int version) {
   circuitFlight = circuit;
-  for (const DataRefRow& row : datarefRows) PublishRow(row);
+  age = version;
+  unpublished.clear();
+  for (const DataRefRow& row : datarefRows) PublishStock(row);
   BindRefs();
   ForgetAddon();
   PublishCommands();

@@ -222,7 +222,7 @@ const Binding bindings[] = {
 
 void BindRefs() {
   for (const Binding& binding : bindings) {
-    *binding.slot = FindLive(binding.name);
+    *binding.slot = FindStock(binding.name);
     if (*binding.slot != nullptr) continue;
     // The table of published datarefs and this list are both ours: a gap is a mistake in this program.
     std::fprintf(stderr, "standin: the dataref table lacks %s\n", binding.name);

@@ -9,10 +9,13 @@ namespace sim {
 
 namespace {
 
+// What a wind speed's unit is in metres per second.
+double WindUnit() { return age >= metricWindFrom ? 1 : ktToMs; }
+
 // Wind of one layer as a vector towards which it blows, m/s.
 void LayerWind(int layer, double* east, double* north) {
-  double speed = static_cast<double>(F(refs.windSpeed[layer])) * ktToMs;
-  double from = static_cast<double>(F(refs.windDirection[layer])) * degToRad;
+  double speed = Number(refs.windSpeed[layer]) * WindUnit();
+  double from = Number(refs.windDirection[layer]) * degToRad;
   *east = -speed * std::sin(from);
   *north = -speed * std::cos(from);
 }
@@ -21,18 +24,16 @@ void WindAt(double altitude, double* east, double* north) {
   // Layers in whatever order a client has set them: the nearest below and above.
   int below = -1, above = -1;
   for (int i = 0; i < 3; i++) {
-    double height = static_cast<double>(F(refs.windAltitude[i]));
-    if (height <= altitude && (below < 0 || height > static_cast<double>(F(refs.windAltitude[below]))))
-      below = i;
-    if (height > altitude && (above < 0 || height < static_cast<double>(F(refs.windAltitude[above]))))
-      above = i;
+    double height = Number(refs.windAltitude[i]);
+    if (height <= altitude && (below < 0 || height > Number(refs.windAltitude[below]))) below = i;
+    if (height > altitude && (above < 0 || height < Number(refs.windAltitude[above]))) above = i;
   }
   if (below < 0 || above < 0) {
     LayerWind(below < 0 ? above : below, east, north);
     return;
   }
-  double low = static_cast<double>(F(refs.windAltitude[below]));
-  double share = (altitude - low) / (static_cast<double>(F(refs.windAltitude[above])) - low);
+  double low = Number(refs.windAltitude[below]);
+  double share = (altitude - low) / (Number(refs.windAltitude[above]) - low);
   double east2, north2;
   LayerWind(below, east, north);
   LayerWind(above, &east2, &north2);
@@ -41,9 +42,8 @@ void WindAt(double altitude, double* east, double* north) {
 }
 
 // A client may set any number, not-a-number included; the flight model must survive it.
-double Within(float value, double low, double high, double otherwise) {
-  double v = static_cast<double>(value);
-  return std::isfinite(v) ? std::clamp(v, low, high) : otherwise;
+double Within(double value, double low, double high, double otherwise) {
+  return std::isfinite(value) ? std::clamp(value, low, high) : otherwise;
 }
 
 }  // namespace
@@ -53,11 +53,11 @@ Air AirAt(double altitude) {
   WindAt(altitude, &air.windEast, &air.windNorth);
   if (!std::isfinite(air.windEast) || !std::isfinite(air.windNorth)) air.windEast = air.windNorth = 0;
   double height = std::clamp(altitude, -500.0, 20000.0);
-  air.temperature = Within(F(refs.temperatureSea), -60, 60, 15) - 0.0065 * std::min(height, 11000.0);
+  air.temperature = Within(Number(refs.temperatureSea), -60, 60, 15) - 0.0065 * std::min(height, 11000.0);
   double kelvin = air.temperature + 273.15;
   double ratio = height < 11000 ? std::pow(1 - 2.25577e-5 * height, 5.25588)
                                 : 0.22336 * std::exp(-(height - 11000) / 6341.6);
-  air.pressureInHg = Within(F(refs.barometerSea), 20, 35, 29.92) * ratio;
+  air.pressureInHg = Within(Number(refs.barometerSea), 20, 35, 29.92) * ratio;
   air.rho = air.pressureInHg * 3386.389 / (287.05 * kelvin);
   air.sound = std::sqrt(1.4 * 287.05 * kelvin);
   F(refs.temperatureHere) = static_cast<float>(air.temperature);
@@ -65,7 +65,7 @@ Air AirAt(double altitude) {
   F(refs.sigma) = static_cast<float>(air.rho / 1.225);
   F(refs.soundSpeed) = static_cast<float>(air.sound);
   double from = std::atan2(-air.windEast, -air.windNorth) * radToDeg;
-  F(refs.windHere) = static_cast<float>(std::hypot(air.windEast, air.windNorth) / ktToMs);
+  F(refs.windHere) = static_cast<float>(std::hypot(air.windEast, air.windNorth) / WindUnit());
   F(refs.windFromHere) = static_cast<float>(from < 0 ? from + 360 : from);
   return air;
 }

@@ -32,6 +32,16 @@ struct DataRefRow {
 };
 extern const std::span<const DataRefRow> datarefRows;
 
+// The age that this run plays, 0 for the one that has every name (Options::version).
+extern int age;
+// From this age on wind speeds are metres per second, before knots.
+constexpr int metricWindFrom = 1140;
+// Makes a row of the table what it is in this run's age; false when that age does not publish it.
+bool ShapeInAge(DataRefRow* row);
+// The record of a row of the table. In an age that does not publish it: one that nobody finds by name, so that
+// the flight model has a place for the value. Null for a name that the table lacks.
+DataRef* FindStock(const char* name);
+
 // Publishes one row with its start value and returns its record; a name that is live already with another
 // shape (the console may do that) is left as it is and null is returned.
 DataRef* PublishRow(const DataRefRow& row);
@@ -41,6 +51,9 @@ DataRef* PublishRow(const DataRefRow& row);
 float& F(DataRef* ref, int i = 0);
 int& I(DataRef* ref, int i = 0);
 double& D(DataRef* ref, int i = 0);
+// Element i of a dataref of any numeric kind, 0 where there is none: for what is int in some ages and float
+// in others.
+double Number(const DataRef* ref, int i = 0);
 void SetText(DataRef* ref, const char* text);
 // Element i of a dataref of any numeric kind; integers lose the fraction.
 void StoreElement(DataRef* ref, int i, double value);
@@ -57,6 +70,9 @@ struct Aircraft {
   const char* folder = "";     // below the system folder, with '/' as separator
   const char* signature = "";  // plug-in that comes with the aircraft
   int engineType = 5;          // codes of acf_en_type
+  bool fixedTurbine = false;   // a free turbine (2) for the ages that have no code of its own for it
+  bool hydraulicPsi = false;   // the hydraulic pressure is told in psi, else as a share of 3000 psi
+  const char* icao = "";       // type designator
   int engines = 2;
   int tanks = 1;
   double tankShare[9] = {1};  // of the capacity
@@ -115,6 +131,21 @@ Air AirAt(double altitude);
 
 // --- Other aircraft -------------------------------------------------------------------------------
 void PublishPlanes(int active);
+// How one aircraft flies: local metres, degrees, m/s.
+struct Seen {
+  double x = 0, y = 0, z = 0, lat = 0, lon = 0, alt = 0, pitch = 0, roll = 0, heading = 0;
+  double vx = 0, vy = 0, vz = 0, speed = 0;  // `speed` through the air
+  bool ground = false;                       // wheels on it
+};
+// The traffic arrays, for the ages that have them (the rest of these does nothing in the others): 64 places,
+// the first the user's own. Unused places are 0.
+constexpr int targetPlaces = 64;
+void PublishTargets();
+// Fills place n with an aircraft of that type; n from 0, others than places are left out.
+void ShowTarget(int n, const char* icao, const Seen& seen);
+void ShowOwnTarget();
+// So many places are used from now on; empties the rest.
+void CountTargets(int used);
 // Moves the other aircraft to where they are `now` seconds after the start.
 void StepPlanes(double now);
 

@@ -71,7 +71,8 @@ struct SimCore : testing::Test {
 std::string Do(const std::string& line) { return sim::SimCommand(line); }
 
 TEST_F(SimCore, StartsStopsAndStartsAgain) {
-  const std::vector<std::string> started = {"start", "enable", "message 0 102 0", "message 0 103 0"};
+  const std::vector<std::string> started = {"start",           "enable",          "message 0 102 0",
+                                            "message 0 103 0", "message 0 104 0", "message 0 108 0"};
   EXPECT_EQ(events, started);
   Do("define test/kept int 1");
   sim::SimFrames(3);
