@@ -37,12 +37,13 @@ inline void LookUp() {
   BuildCycles();
 }
 
-// Starts everything; `missing` names datarefs that the simulator does not publish this time. What a test before
-// has left in program-wide variables is forgotten.
+// Starts everything; `missing` names datarefs that the simulator does not publish this time, `version` is its
+// age (0: all of them at once). What a test before has left in program-wide variables is forgotten.
 inline void Start(const char* aircraft = "jet", std::initializer_list<const char*> missing = {},
-                  const std::string& root = "") {
+                  const std::string& root = "", int version = 0) {
   sim::Options options;
   options.root = root;
+  options.version = version;
   options.rate = 0;
   options.circuit = false;
   options.aircraft = aircraft;

@@ -74,6 +74,10 @@ const char* const absentUntil920[] = {
     "sim/cockpit2/radios/indicators/nav1_nav_id",
     "sim/cockpit2/radios/indicators/nav2_nav_id",
 };
+const char* const absentUntil955[] = {
+    "sim/operation/failures/rel_com1",
+    "sim/operation/failures/rel_com2",
+};
 const char* const absentUntil1004[] = {
     "sim/cockpit2/ice/ice_inlet_heat_on_per_engine",
     "sim/weather/cloud_coverage[0]",
@@ -235,6 +239,7 @@ const char* const windSpeeds[] = {"sim/weather/wind_speed_kt", "sim/weather/wind
 const AgeChange changes[] = {
     {.to = 860, .absent = true, .names = absentUntil860},
     {.to = 920, .absent = true, .names = absentUntil920},
+    {.to = 955, .absent = true, .names = absentUntil955},
     {.to = 1004, .absent = true, .names = absentUntil1004},
     {.from = 955, .absent = true, .names = absentFrom955},
     {.from = 1004, .to = 1004, .absent = true, .names = absentIn1004},

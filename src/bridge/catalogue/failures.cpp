@@ -164,7 +164,7 @@ constexpr OffsetRow rows[] = {
      .show = Show::Bits,
      .cycle = Cycle::C13,
      .prepared = &panelFailed,
-     .inputs = sourcesOf<panel[0].systems[0], Int<"sim/operation/failures/rel_cop_ahz">,
+     .inputs = sourcesOf<panel[0].systems[0], comFailures[0], comFailures[1], Int<"sim/operation/failures/rel_cop_ahz">,
                          Int<"sim/operation/failures/rel_ice_pitot_heat1">,
                          Int<"sim/operation/failures/rel_ice_pitot_heat2">,
                          Int<"sim/operation/failures/rel_cop_tsi">, Int<"sim/operation/failures/rel_cop_vvi">>,
