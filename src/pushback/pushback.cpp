@@ -172,9 +172,9 @@ void InitPushback() {
 }
 
 void StopPushback() {
-  AbortPushback();  // it does not roll on at the next enable
   if (monitored) XPLMUnregisterFlightLoopCallback(DistanceMonitor, nullptr);
   monitored = false;
+  AbortPushback();  // it does not roll on at the next enable
   handles = {};  // found anew at the next enable
 }
 

@@ -73,7 +73,7 @@ PlaneSource ReadPlane(uint32_t slot) {
   plane.heading = static_cast<uint16_t>(Whole<uint16_t>(heading < 0 ? heading + 360 : heading) % 360);
   const double east = ReadSource(from.east);
   const double south = ReadSource(from.south);
-  plane.groundSpeed = Whole<uint16_t>(std::hypot(east, south) * knotsPerMetre);
+  plane.groundSpeed = Whole<uint16_t>(std::sqrt(east * east + south * south) * knotsPerMetre);
   plane.verticalSpeed = Whole<int16_t>(ReadSource(from.climb));
   plane.pitch = Whole<int16_t>(ReadSource(from.pitch));
   plane.bank = Whole<int16_t>(ReadSource(from.bank));
