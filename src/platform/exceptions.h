@@ -10,6 +10,9 @@
 #pragma once
 #include <initializer_list>
 
+// Takes the memory that throwing needs of the calling thread: the system ends the program when there is none at the
+// first throw. The simulator's thread, at start; our own threads have theirs from their beginning.
+void PrepareExceptions();
 // Whether the exception that is being handled is one of this module. In a catch block; any thread.
 bool IsOwnException();
 // Throws on what is not of this module. First thing in every `catch (...)` that a call to the simulator may

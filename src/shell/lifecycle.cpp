@@ -216,6 +216,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   CopyIdentity(description, "A plugin that emulates morven.dll and FARNET.");
   if (stage != Stage::Unloaded) return 1;
   stage = Stage::Started;
+  PrepareExceptions();
   threadsStarted = false;  // a module that could not be unloaded starts once more with what it had
   readTrace = 0;
   writeTrace = 0;
