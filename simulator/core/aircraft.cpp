@@ -104,3 +104,5 @@ void XPLMSetAircraftModel(int index, const char* path) {
 }
 
 void XPLMDisableAIForPlane(int) { sim::Check("XPLMDisableAIForPlane"); }
+
+void XPLMReinitUsersPlane(void) { sim::Check("XPLMReinitUsersPlane"); }

@@ -8,6 +8,7 @@
 
 #include "XPLMPlugin.h"
 #include "core/core.h"
+#include "core/display.h"
 
 namespace sim {
 
@@ -39,6 +40,9 @@ void Forget() {
   ResetLoops();
   ResetCommands();
   ResetNavigation();
+  ResetDisplay();
+  ResetFlightPlan();
+  ResetObjects();
   ResetData();
   runningTime = framePeriod = nullptr;
   paused = quitWanted = false;
@@ -162,10 +166,12 @@ void Frame(double now) {
   ++cycle;
   StoreNumber(runningTime, now);
   StoreNumber(framePeriod, dt);
+  FinishLoads();
   RunLoops(0, dt);
   ContinueHeldCommands();
   if (!paused && dt > 0) WorldStep(dt);
   RunLoops(1, dt);
+  DrawFrame();
   CountFrame();
   if (stallSeconds > 0) Stall();
   std::string why;

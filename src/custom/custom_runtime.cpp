@@ -143,8 +143,8 @@ uint32_t TakeEnds(CustomTables* tables) {
   return count;
 }
 
-// What was taken of clients' writes and is not carried out yet. Each piece is struck off before the simulator is
-// called for it: when a handler or accessor of another plug-in throws, the rest is still here.
+// What was taken of clients' writes and is not carried out yet. Each piece is struck off before the simulator
+// is called for it: when a handler or accessor of another plug-in throws, the rest is still here.
 struct TakenWrites {
   uint32_t end, ends;  // the next one in endsTaken, and their number
   CustomCommandWrite command;

@@ -5,13 +5,13 @@
 // whoever called us, and a thread that is being cancelled unwinds through them. Unwinding gives back locks and
 // whatever else is held by an object; nothing on the way may be noexcept.
 //
-// How the two are told apart: the C++ run time stands in the plug-in file and is visible to nobody else, so that
-// all types of what we throw lie in the file, and no type of what others throw does.
+// How the two are told apart: the C++ run time stands in the plug-in file and is visible to nobody else, so
+// that all types of what we throw lie in the file, and no type of what others throw does.
 #pragma once
 #include <initializer_list>
 
-// Takes the memory that throwing needs of the calling thread: the system ends the program when there is none at the
-// first throw. The simulator's thread, at start; our own threads have theirs from their beginning.
+// Takes the memory that throwing needs of the calling thread: the system ends the program when there is none at
+// the first throw. The simulator's thread, at start; our own threads have theirs from their beginning.
 void PrepareExceptions();
 // Whether the exception that is being handled is one of this module. In a catch block; any thread.
 bool IsOwnException();

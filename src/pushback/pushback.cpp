@@ -175,7 +175,7 @@ void StopPushback() {
   if (monitored) XPLMUnregisterFlightLoopCallback(DistanceMonitor, nullptr);
   monitored = false;
   AbortPushback();  // it does not roll on at the next enable
-  handles = {};  // found anew at the next enable
+  handles = {};     // found anew at the next enable
 }
 
 void CommandPushback(uint32_t command) {

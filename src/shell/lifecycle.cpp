@@ -161,7 +161,7 @@ void StopServerThreads() {
 void DisableServerMode() {
   // In the middle everything of the simulator that we hold is given back: overrides, held commands, slew.
   RunAllSteps({UnregisterFlightLoops, StopPushbackStep, ClearSlew, ReleaseOverrides, ReleaseStarters,
-                ReleaseContactAtc, StopServerThreads});
+               ReleaseContactAtc, StopServerThreads});
 }
 
 void BeginDisable() {
@@ -292,13 +292,13 @@ void DisablePlugin() {
   if (stage != Stage::Enabled) return;
   stage = Stage::Started;
   RunAllSteps({BeginDisable, DisableMode, SaveChanges, ClearCustomOffsets, ReleaseLocks,
-                ReleaseIxegThrottleOverride, ResetAdapters, EndDisable});
+               ReleaseIxegThrottleOverride, ResetAdapters, EndDisable});
 }
 
 void StopPlugin() {
   if (stage == Stage::Unloaded) return;
   RunAllSteps({DisablePlugin, UnregisterFlightLoops, StopPushback, UnregisterClientFlightLoops,
-                DestroyTerrainProbe, DestroyMenuAndWindows, EndStop});
+               DestroyTerrainProbe, DestroyMenuAndWindows, EndStop});
   stage = Stage::Unloaded;
 }
 

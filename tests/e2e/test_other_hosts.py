@@ -144,3 +144,54 @@ def test_exceptions_of_its_own_do_not_leave(host):
     host.ask("memory on")
     assert host.caught(5) == 0
     host.quit()
+
+
+def test_a_plugin_that_throws_beside_ours(start, linux, tmp_path):
+    """The same in the stand-in, where the exception comes from another plug-in file."""
+    root = tmp_path / "X-Plane thrower"
+    folder = root / "Resources" / "plugins" / "TAVRIX"
+    folder.mkdir(parents=True)
+    (folder / "TAVRIX.ini").write_text("[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n")
+    (folder / "TAVRIXOffsets.cfg").write_text(
+        OFFSETS.replace("other/bad", "thrower/value").replace("other/good", "test/good")
+        .replace("other/held", "thrower/act").replace("other/second", "test/second"))
+    (tmp_path / "defined").write_text("define test/good float 5\ncommand test/second\n")
+    standin = start(linux, "--plugin", linux.plugin.with_name("thrower.xpl"), "--define", tmp_path / "defined",
+                    "--rate", "0", "--flight", "none", root=root)
+
+    def offsetctl(*words):
+        result = linux.run("offsetctl", *words, "--net", "127.0.0.1")
+        assert result.returncode == 0, result.stderr
+        return result.stdout
+
+    def read(*items):
+        return [item["value"] for item in json.loads(offsetctl("read", *items, "--json"))]
+
+    def told():
+        return sum("an exception came out of a flight loop: thrown by thrower" in line for line in standin.errors)
+
+    standin.ask("set thrower/value 3")
+    standin.ask("frames 70")
+    standin.wait_log("Waiting for clients")
+    items = ("0x66C0:s32", "0x66C8:s32", "0x66D0:s32", "0x07CC:u16")
+    standin.ask("set thrower/on 1")
+    assert standin.say("get thrower/value") == "error: a plug-in threw an exception"
+    standin.ask("set test/good 6")
+    standin.ask("set sim/cockpit/autopilot/heading_mag 90")
+    standin.ask("frames 70")
+    wait_for("all but the one", lambda: read(*items) == [3, 6, 6, 16384])
+    wait_for("the line", lambda: told() > 0)
+    offsetctl("write", "0x66D8:u8=1")
+    standin.ask("calls")
+    wait_for("the second command", lambda: standin.ask("frames 2") == "" and "begin test/second" in
+             standin.ask("calls"))
+    standin.ask("disable")
+    wait_for("the line", lambda: any("out of XPluginDisable: thrown by thrower" in line for line in standin.errors))
+    assert "TAVRIX deinit OK!" in standin.log().splitlines()[-2]
+    standin.ask("enable")
+    standin.ask("set thrower/on 0")
+    before = told()
+    standin.ask("frames 70")
+    assert told() == before
+    standin.ask("reload")
+    standin.quit()

@@ -1,11 +1,12 @@
-// A second host beside the stand-in, as small as it can be: the plug-in must not depend on how one host works. This
-// one answers 0 for an unknown plug-in, runs every loop in every frame, and its datarefs and commands throw when
-// they are told to. Nothing is checked here; a function that the plug-in needs and that is missing below keeps the
-// plug-in from being loaded.
+// A second host beside the stand-in, as small as it can be: the plug-in must not depend on how one host works.
+// This one answers 0 for an unknown plug-in, runs every loop in every frame, and its datarefs and commands
+// throw when they are told to. Nothing is checked here; a function that the plug-in needs and that is missing
+// below keeps the plug-in from being loaded.
 //
-//   tiny_host PLUGIN FOLDER   reads lines: define NAME VALUE, throw NAME on|set|off (set: at writes alone), get NAME,
-//                             frames N, memory on|off (off: a loop gets none), start, enable, disable, message (aircraft loaded), quit; answers each with
-//                             one line
+//   tiny_host PLUGIN FOLDER   reads lines: define NAME VALUE, throw NAME on|set|off (set: at writes alone), get
+//   NAME,
+//                             frames N, memory on|off (off: a loop gets none), start, enable, disable, message
+//                             (aircraft loaded), quit; answers each with one line
 #include <dlfcn.h>
 
 #include <cstdio>
@@ -143,7 +144,9 @@ XPLMMenuID XPLMCreateMenu(const char*, XPLMMenuID, int, XPLMMenuHandler_f, void*
 void XPLMDestroyMenu(XPLMMenuID) {}
 int XPLMAppendMenuItem(XPLMMenuID, const char*, void*, int) { return 0; }
 void XPLMAppendMenuSeparator(XPLMMenuID) {}
-XPWidgetID XPCreateWidget(int, int, int, int, int, const char*, int, XPWidgetID, XPWidgetClass) { return nullptr; }
+XPWidgetID XPCreateWidget(int, int, int, int, int, const char*, int, XPWidgetID, XPWidgetClass) {
+  return nullptr;
+}
 void XPDestroyWidget(XPWidgetID, int) {}
 void XPAddWidgetCallback(XPWidgetID, XPWidgetFunc_t) {}
 void XPBringRootWidgetToFront(XPWidgetID) {}
