@@ -7,6 +7,7 @@
 #include "XPLMPlanes.h"
 #include "XPLMPlugin.h"
 #include "XPLMScenery.h"
+#include "XPLMUtilities.h"
 #include "core/core.h"
 
 namespace sim {

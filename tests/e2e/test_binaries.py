@@ -96,3 +96,13 @@ def test_linux_plugin():
     undefined = {name.split("@")[0] for name in re.findall(r"^\s+U (\S+)$", table, re.M)}
     used = {name for name in undefined if name.startswith("XP")}
     assert used and used <= declared()
+
+
+@pytest.mark.parametrize("library", ["XPLM", "XPWidgets"])
+def test_standin_offers_what_is_declared(library):
+    table = subprocess.run(["nm", "-D", "--defined-only", str(TOP / "build" / "linux" / "bin" / f"{library}_64.so")],
+                           capture_output=True, text=True, check=True).stdout
+    offered = set(re.findall(r" T (XP[A-Za-z0-9]+)$", table, re.M))
+    for suffix in ("", "_64"):
+        names = (TOP / "sdk" / f"{library}{suffix}.def").read_text().split("EXPORTS")[1].split()
+        assert offered == set(names)
