@@ -29,3 +29,17 @@ XPLM_API XPLMNavRef XPLMFindNavAid(const char* namePart, const char* idPart, flo
                                    XPLMNavType types);
 XPLM_API void XPLMGetNavAidInfo(XPLMNavRef ref, XPLMNavType* type, float* lat, float* lon, float* height,
                                 int* freq, float* heading, char* id, char* name, char* reg);
+
+// The flight plan: up to 100 entries, altitudes in feet; ids have up to 256 bytes.
+XPLM_API int XPLMCountFMSEntries(void);
+XPLM_API int XPLMGetDisplayedFMSEntry(void);
+XPLM_API int XPLMGetDestinationFMSEntry(void);
+XPLM_API void XPLMSetDisplayedFMSEntry(int index);
+XPLM_API void XPLMSetDestinationFMSEntry(int index);
+XPLM_API void XPLMGetFMSEntryInfo(int index, XPLMNavType* type, char* id, XPLMNavRef* ref, int* altitude,
+                                  float* lat, float* lon);
+XPLM_API void XPLMSetFMSEntryInfo(int index, XPLMNavRef ref, int altitude);
+XPLM_API void XPLMSetFMSEntryLatLon(int index, float lat, float lon, int altitude);
+XPLM_API void XPLMClearFMSEntry(int index);
+XPLM_API XPLMNavType XPLMGetGPSDestinationType(void);
+XPLM_API XPLMNavRef XPLMGetGPSDestination(void);

@@ -240,3 +240,5 @@ XPLM_API void XPLMSpeakString(const char* text);
 XPLM_API const char* XPLMGetVirtualKeyDescription(char vkey);
 XPLM_API int XPLMLoadDataFile(XPLMDataFileType type, const char* path);
 XPLM_API int XPLMSaveDataFile(XPLMDataFileType type, const char* path);
+XPLM_API int XPLMInitialized(void);     // always 1
+XPLM_API void XPLMReloadScenery(void);  // message 104 tells when it is there

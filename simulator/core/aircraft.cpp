@@ -115,3 +115,5 @@ void XPLMSetAircraftModel(int index, const char* path) {
 }
 
 void XPLMDisableAIForPlane(int) { sim::Check("XPLMDisableAIForPlane"); }
+
+void XPLMReinitUsersPlane(void) { sim::Check("XPLMReinitUsersPlane"); }

@@ -102,7 +102,8 @@ void ResetCommands() {
 void ContinueHeldCommands() {
   const std::vector<Command*> now = held;
   for (Command* command : now) {
-    if (std::find(held.begin(), held.end(), command) != held.end()) Run(command, xplm_CommandContinue);
+    if (std::find(held.begin(), held.end(), command) == held.end()) continue;
+    NothingThrown(0, "a command handler", [&] { Run(command, xplm_CommandContinue); });
   }
 }
 
@@ -126,7 +127,7 @@ int DropHeldCommands(int owner, std::string* which) {
       if (holder == command->holders.end()) break;
       *which = command->name;
       ++dropped;
-      Release(command, holder);
+      NothingThrown(0, "a command handler", [&] { Release(command, holder); });
     }
   }
   return dropped;
@@ -215,6 +216,7 @@ void XPLMCommandKeyStroke(XPLMCommandKeyID key) {
   sim::Check("XPLMCommandKeyStroke");
   sim::LogCall("key " + sim::FormatInt(key));
   sim::WorldKey(key);
+  if (key >= xplm_key_forward && key <= xplm_key_fullscrn2) sim::ChangeView();
 }
 
 void XPLMCommandButtonPress(XPLMCommandButtonID button) {

@@ -358,7 +358,9 @@ std::string Run(const std::string& text) {
     if (line.words.size() - 1 < command.least || line.words.size() - 1 > command.most) {
       return Error(*command.usage ? name + ' ' + command.usage : name + " takes no arguments");
     }
-    return command.run(line);
+    std::string answer;
+    const bool fine = NothingThrown(0, "a console command", [&] { answer = command.run(line); });
+    return fine ? answer : Error("a plug-in threw an exception");
   }
   return Error("unknown command: " + name);
 }

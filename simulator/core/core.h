@@ -6,6 +6,7 @@
 // 0 is the simulator.
 #pragma once
 #include <atomic>
+#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -58,6 +59,23 @@ struct InPlugin {
   InPlugin& operator=(const InPlugin&) = delete;
   int saved;
 };
+// A line on standard error: an exception came out of the plug-in's code, `from` there.
+void TellThrown(int plugin, const char* from, const char* what);
+// Calls the plug-in's code. What it throws, its own or what another plug-in threw through it, ends here and is
+// told; false then. It is no breach: whoever called on the way may be innocent.
+template <class Call>
+bool NothingThrown(int plugin, const char* from, Call call) {
+  try {
+    InPlugin inside(plugin);
+    call();
+    return true;
+  } catch (const std::exception& thrown) {
+    TellThrown(plugin, from, thrown.what());
+  } catch (...) {
+    TellThrown(plugin, from, "something that is no standard exception");
+  }
+  return false;
+}
 // Load and start all, then enable all. False with a line on standard error when one fails.
 bool StartPlugins(const Options& options);
 // Disables, stops and unloads all; checks for what they left. False when a module stays in memory.
@@ -86,6 +104,12 @@ int DropCommandHandlers(int owner, std::string* which);
 int DropHeldCommands(int owner, std::string* which);
 int DropAccessors(int owner, std::string* which);
 int DropProbes(int owner, std::string* which);
+int DropWindows(int owner, std::string* which);
+int DropDrawCallbacks(int owner, std::string* which);
+int DropKeySniffers(int owner, std::string* which);
+int DropHotKeys(int owner, std::string* which);
+int DropCamera(int owner, std::string* which);
+void DropObjects(int owner);
 void DropMenus(int owner);
 void DropPlanes(int owner);
 
@@ -134,6 +158,12 @@ void ClearNavAids();
 // Tells world and plug-ins. The console's number may exceed what has existed so far, a plug-in's never does.
 void SetActivePlanes(int count);
 void ResetPlanes(int count);
+void ResetFlightPlan();
+void ResetObjects();
+// Objects that were asked for are there now, and scenery that was to be loaded again: the plug-ins are told.
+void FinishLoads();
+// The user chose another view: a plug-in that has the camera until then loses it.
+void ChangeView();
 // Selects the aircraft and tells the plug-ins. False when there is none of that name.
 bool ChangeAircraft(const std::string& name);
 

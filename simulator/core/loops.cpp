@@ -34,6 +34,7 @@ struct Loop {
 
 std::vector<std::unique_ptr<Loop>> loops;  // in order of registration
 bool dispatching = false;                  // then loops are marked as gone and removed afterwards
+const Loop* inside = nullptr;              // whose callback is running
 
 struct Request {
   Loop* loop;
@@ -165,9 +166,12 @@ void RunLoops(int phase, double sinceLastFrame) {
     loop->mode = Loop::Off;
     loop->lastTime = elapsed;
     loop->lastCycle = cycle;
-    InPlugin inside(loop->owner);
     PerfClock::time_point began = PerfClock::now();
-    float next = loop->fn(since, static_cast<float>(sinceLastFrame), cycle, loop->refcon);
+    inside = loop;
+    float next = -1;  // one that throws runs again in the next frame
+    NothingThrown(loop->owner, "a flight loop",
+                  [&] { next = loop->fn(since, static_cast<float>(sinceLastFrame), cycle, loop->refcon); });
+    inside = nullptr;
     perf.frameTime += PerfClock::now() - began;
     ++perf.callbacks;
     // What the callback returns counts; only a loop of the newer kind may have scheduled itself instead.
@@ -230,7 +234,10 @@ void XPLMRegisterFlightLoopCallback(XPLMFlightLoop_f fn, float interval, void* r
 
 void XPLMUnregisterFlightLoopCallback(XPLMFlightLoop_f fn, void* refcon) {
   sim::Check("XPLMUnregisterFlightLoopCallback");
-  if (sim::Loop* loop = sim::Find(fn, refcon)) loop->gone = true;
+  sim::Loop* loop = sim::Find(fn, refcon);
+  if (loop && loop == sim::inside)
+    sim::Breach("XPLMUnregisterFlightLoopCallback", "called from inside the callback");
+  if (loop) loop->gone = true;
   sim::Sweep();
 }
 

@@ -91,9 +91,8 @@ std::string Choose(const Entry& entry) {
   if (!item.enabled) return "error: the item is greyed out";
   if (item.submenu || !menu->handler) return "error: nothing happens on this item";
   if (!MayCall(menu->owner)) return "error: disabled";
-  InPlugin inside(menu->owner);
-  menu->handler(menu->ref, item.ref);
-  return "ok";
+  const bool fine = NothingThrown(menu->owner, "a menu handler", [&] { menu->handler(menu->ref, item.ref); });
+  return fine ? "ok" : "error: the handler threw an exception";
 }
 
 }  // namespace

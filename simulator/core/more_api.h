@@ -77,13 +77,3 @@ MORE_API void XPLMReleasePlanes(void);
 MORE_API void XPLMSetActiveAircraftCount(int count);
 MORE_API void XPLMSetAircraftModel(int index, const char* path);
 MORE_API void XPLMDisableAIForPlane(int index);
-
-// Drawing and keyboard hooks are kept and never called: nothing is drawn and no key pressed.
-typedef int XPLMDrawingPhase;
-typedef int (*XPLMDrawCallback_f)(XPLMDrawingPhase phase, int before, void* ref);
-typedef int (*XPLMKeySniffer_f)(char key, XPLMKeyFlags flags, char virtualKey, void* ref);
-MORE_API int XPLMRegisterDrawCallback(XPLMDrawCallback_f fn, XPLMDrawingPhase phase, int before, void* ref);
-MORE_API int XPLMUnregisterDrawCallback(XPLMDrawCallback_f fn, XPLMDrawingPhase phase, int before, void* ref);
-MORE_API int XPLMRegisterKeySniffer(XPLMKeySniffer_f fn, int before, void* ref);
-MORE_API int XPLMUnregisterKeySniffer(XPLMKeySniffer_f fn, int before, void* ref);
-MORE_API void XPLMGetMouseLocation(int* x, int* y);

@@ -49,10 +49,8 @@ bool Load(Plugin* plugin) {
 
 bool Start(Plugin* plugin) {
   char name[256] = "", signature[256] = "", description[256] = "";
-  {
-    InPlugin inside(plugin->id);
-    plugin->started = plugin->entry.start(name, signature, description) != 0;
-  }
+  NothingThrown(plugin->id, "XPluginStart",
+                [&] { plugin->started = plugin->entry.start(name, signature, description) != 0; });
   for (char* text : {name, signature, description}) text[255] = 0;
   plugin->name = name;
   plugin->description = description;
@@ -66,15 +64,13 @@ bool Start(Plugin* plugin) {
 bool Enable(Plugin* plugin) {
   if (plugin->pretended || plugin->enabled) return true;
   if (!plugin->started) return false;
-  InPlugin inside(plugin->id);
-  plugin->enabled = plugin->entry.enable() != 0;
+  NothingThrown(plugin->id, "XPluginEnable", [&] { plugin->enabled = plugin->entry.enable() != 0; });
   return plugin->enabled;
 }
 
 void Disable(Plugin* plugin) {
   if (plugin->pretended || !plugin->enabled) return;
-  InPlugin inside(plugin->id);
-  plugin->entry.disable();
+  NothingThrown(plugin->id, "XPluginDisable", [&] { plugin->entry.disable(); });
   plugin->enabled = false;
 }
 
@@ -95,6 +91,11 @@ constexpr BelongingRow belongingRows[] = {
     {.what = "command handlers", .drop = DropCommandHandlers},
     {.what = "data accessors", .drop = DropAccessors},
     {.what = "probes", .drop = DropProbes},
+    {.what = "windows", .drop = DropWindows},
+    {.what = "drawing callbacks", .drop = DropDrawCallbacks},
+    {.what = "key sniffers", .drop = DropKeySniffers},
+    {.what = "hot keys", .drop = DropHotKeys},
+    {.what = "camera control", .drop = DropCamera},
 };
 
 // Removes what is still there of the plug-in. What it should have removed itself is a breach, unless it
@@ -106,6 +107,7 @@ void Clean(Plugin* plugin, bool report) {
   for (size_t i = 0; i < kinds; ++i) left[i] = belongingRows[i].drop(plugin->id, &which[i]);
   DropMenus(plugin->id);
   DropPlanes(plugin->id);
+  DropObjects(plugin->id);
   for (size_t i = 0; report && i < kinds; ++i) Leftover(left[i], belongingRows[i].what, which[i]);
 }
 
@@ -167,6 +169,13 @@ bool PluginEnabled(int id) {
   return id == 0 || (plugin && plugin->enabled);
 }
 
+void TellThrown(int id, const char* from, const char* what) {
+  const Plugin* plugin = FindPlugin(id);
+  std::fprintf(stderr, "standin: %s: an exception came out of %s: %s\n",
+               plugin ? plugin->file.c_str() : "a plug-in", from, what);
+  std::fflush(stderr);
+}
+
 bool StartPlugins(const Options& options) {
   if (options.linked) {
     Plugin* plugin = Add(SystemFolder() + "linked.xpl");
@@ -204,8 +213,7 @@ bool StopPlugins() {
     stopped.push_back(plugin->started);
     if (!plugin->started) continue;
     any = true;
-    InPlugin inside(plugin->id);
-    plugin->entry.stop();
+    NothingThrown(plugin->id, "XPluginStop", [&] { plugin->entry.stop(); });
     plugin->started = false;
   }
   for (size_t i = 0; i < stopped.size(); ++i) Clean(plugins[i].get(), stopped[i]);
@@ -279,8 +287,8 @@ int SendPluginMessage(int from, int to, int message, intptr_t param) {
   for (size_t i = 0; i < plugins.size(); ++i) {
     Plugin* plugin = plugins[i].get();
     if (plugin->pretended || !plugin->enabled || (to != XPLM_NO_PLUGIN_ID && to != plugin->id)) continue;
-    InPlugin inside(plugin->id);
-    plugin->entry.message(from, message, reinterpret_cast<void*>(param));
+    NothingThrown(plugin->id, "XPluginReceiveMessage",
+                  [&] { plugin->entry.message(from, message, reinterpret_cast<void*>(param)); });
     ++delivered;
   }
   return delivered;

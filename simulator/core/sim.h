@@ -119,6 +119,8 @@ SIM_API void Breach(const char* function, const char* why);
 // Every exported function begins with this: breach when called from another thread than the simulator's
 // or after the plug-in was stopped.
 SIM_API void CheckCaller(const char* function);
+// The same for functions that draw, which belong into the drawing callbacks alone.
+SIM_API void CheckDrawing(const char* function);
 // Everything that Breach has told since the last call of this, as "FUNCTION: WHY" (tolerant mode). Any thread.
 SIM_API std::vector<std::string> TakeBreaches();
 // Datarefs and commands that were looked up by name since the program began.

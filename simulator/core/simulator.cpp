@@ -9,6 +9,7 @@
 #include "XPLMPlanes.h"
 #include "XPLMPlugin.h"
 #include "core/core.h"
+#include "core/display.h"
 
 namespace sim {
 
@@ -40,6 +41,9 @@ void Forget() {
   ResetLoops();
   ResetCommands();
   ResetNavigation();
+  ResetDisplay();
+  ResetFlightPlan();
+  ResetObjects();
   ResetData();
   runningTime = framePeriod = nullptr;
   paused = quitWanted = false;
@@ -170,10 +174,12 @@ void Frame(double now) {
   ++cycle;
   StoreNumber(runningTime, now);
   StoreNumber(framePeriod, dt);
+  FinishLoads();
   RunLoops(0, dt);
   ContinueHeldCommands();
   if (!paused && dt > 0) WorldStep(dt);
   RunLoops(1, dt);
+  DrawFrame();
   CountFrame();
   if (stallSeconds > 0) Stall();
   std::string why;

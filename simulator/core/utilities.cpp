@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "XPLMDisplay.h"
 #include "core/core.h"
 #include "core/more_api.h"
 
@@ -147,24 +148,10 @@ void XPLMGetMouseLocation(int* x, int* y) {
   if (y) *y = 0;
 }
 
+// The old way to ask whether the simulator is ready.
+int XPLMInitialized(void) {
+  sim::Check("XPLMInitialized");
+  return 1;
+}
+
 void XPLMSimulateKeyPress(int, int) { sim::Check("XPLMSimulateKeyPress"); }
-
-int XPLMRegisterDrawCallback(XPLMDrawCallback_f fn, XPLMDrawingPhase, int, void*) {
-  sim::Check("XPLMRegisterDrawCallback");
-  return fn != nullptr;
-}
-
-int XPLMUnregisterDrawCallback(XPLMDrawCallback_f fn, XPLMDrawingPhase, int, void*) {
-  sim::Check("XPLMUnregisterDrawCallback");
-  return fn != nullptr;
-}
-
-int XPLMRegisterKeySniffer(XPLMKeySniffer_f fn, int, void*) {
-  sim::Check("XPLMRegisterKeySniffer");
-  return fn != nullptr;
-}
-
-int XPLMUnregisterKeySniffer(XPLMKeySniffer_f fn, int, void*) {
-  sim::Check("XPLMUnregisterKeySniffer");
-  return fn != nullptr;
-}

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "flight/flight.h"
+#include "world/distance.h"
 #include "world/refs.h"
 
 namespace sim {
@@ -120,7 +121,7 @@ void StepLevers(double dt) {
   if (flight.keyBrake[0] || flight.keyBrake[2]) left = 1;
   if (flight.keyBrake[1] || flight.keyBrake[2]) right = 1;
   flight.brake = std::max({(left + right) / 2, Ratio(refs.parkBrake, 0, 1), flight.pilotBrake});
-  F(refs.distance) += static_cast<float>(std::hypot(flight.velocity.n, flight.velocity.e) * dt);
+  F(refs.distance) += static_cast<float>(Distance(flight.velocity.n, flight.velocity.e) * dt);
   ShowSurfaces();
 }
 

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "flight/flight.h"
+#include "world/distance.h"
 #include "world/refs.h"
 
 namespace sim {
@@ -76,7 +77,7 @@ void ShowMovement() {
   Put(refs.bodyVx, body.e);
   Put(refs.bodyVy, -body.d);
   Put(refs.bodyVz, -body.n);
-  double ground = std::hypot(flight.velocity.n, flight.velocity.e);
+  double ground = Distance(flight.velocity.n, flight.velocity.e);
   Put(refs.groundspeed, ground);
   Put(refs.trueAirspeed, flight.airspeed);
   Put(refs.indicatedAirspeed, flight.indicated / ktToMs);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "flight/flight.h"
+#include "world/distance.h"
 #include "world/refs.h"
 
 namespace sim {
@@ -194,7 +195,7 @@ void Advance(double dt) {
 // --- What was set from outside since the last step ---------------------------------------------------
 
 void TakeOverPlace() {
-  double moved = std::hypot(D(refs.x) - shown.x, D(refs.z) - shown.z);
+  double moved = Distance(D(refs.x) - shown.x, D(refs.z) - shown.z);
   double climbed = std::fabs(D(refs.y) - shown.y);
   if (!std::isfinite(moved) || !std::isfinite(climbed)) {
     D(refs.x) = shown.x;

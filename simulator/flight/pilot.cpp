@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "flight/flight.h"
+#include "world/distance.h"
 #include "world/refs.h"
 
 namespace sim {
@@ -49,7 +50,7 @@ void ToCircuit(double x, double z, double* along, double* left) {
 
 // Bank that brings the path over the ground onto a track (radians).
 double BankForTrack(double track) {
-  double speed = std::max(std::hypot(flight.velocity.n, flight.velocity.e), 10.0);
+  double speed = std::max(Distance(flight.velocity.n, flight.velocity.e), 10.0);
   double own = std::atan2(flight.velocity.e, flight.velocity.n);
   return std::clamp(std::atan(speed * 0.12 * WrapPi(track - own) / gravity), -mostBank, mostBank);
 }
@@ -111,7 +112,7 @@ double CircuitClimb() {
   if (slope < low) return ClimbForHeight(low);
   if (slope > D(refs.elevation) + 40)
     return ClimbForHeight(D(refs.elevation));  // wait for the path to come down
-  double ground = std::hypot(flight.velocity.n, flight.velocity.e);
+  double ground = Distance(flight.velocity.n, flight.velocity.e);
   return std::clamp(ClimbForHeight(slope) - ground * std::tan(3 * degToRad), -MostClimb(), MostClimb());
 }
 
@@ -174,7 +175,7 @@ double ModeClimb(int modes) {
   }
   if ((modes & apGlide) != 0) {
     double slope = static_cast<double>(F(refs.navSlope[0])) * degToRad;
-    double ground = std::hypot(flight.velocity.n, flight.velocity.e);
+    double ground = Distance(flight.velocity.n, flight.velocity.e);
     return -ground * std::tan(slope) - static_cast<double>(F(refs.navVdef[0])) * 2;
   }
   if ((modes & apTogaVertical) != 0)
@@ -233,7 +234,7 @@ void FlyGround(double dt) {
     double now = static_cast<double>(F(refs.engineThrottle));
     SetThrottles(std::max(0.0, now - 0.5 * dt));
   }
-  double speed = std::hypot(flight.velocity.n, flight.velocity.e);
+  double speed = Distance(flight.velocity.n, flight.velocity.e);
   // The pilot stops a landing, not a taxi or a pushback that somebody else does.
   flight.pilotBrake = landed && speed > 4 && I(refs.overrideGearBrake) == 0 ? 0.5 : 0;
   holding = false;
@@ -309,7 +310,7 @@ void CircuitStart(double* x, double* z, double* heading) {
 }
 
 void PilotStart(bool atField) {
-  double away = std::hypot(D(refs.x), D(refs.z));
+  double away = Distance(D(refs.x), D(refs.z));
   double altitude = D(refs.elevation);
   bankIntegral = 0;
   holding = lost = false;

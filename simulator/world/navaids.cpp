@@ -5,6 +5,7 @@
 
 #include "XPLMNavigation.h"
 #include "flight/flight.h"
+#include "world/distance.h"
 #include "world/refs.h"
 #include "world/world.h"
 
@@ -132,8 +133,8 @@ Sight Look(const NavAid& aid, const Eye& eye) {
                &ay, &az);
   Sight sight;
   double east = ax - eye.x, south = az - eye.z;
-  sight.metres = std::hypot(east, south);
-  sight.slant = std::hypot(sight.metres, static_cast<double>(aid.height) - eye.altitude);
+  sight.metres = Distance(east, south);
+  sight.slant = Distance(sight.metres, static_cast<double>(aid.height) - eye.altitude);
   sight.bearing = std::atan2(east, -south) * radToDeg;
   return sight;
 }

@@ -5,6 +5,7 @@
 // meridian and along the reference parallel.
 #include <cmath>
 
+#include "world/distance.h"
 #include "world/world.h"
 
 namespace sim {
@@ -31,7 +32,7 @@ void LocalToWorld(double x, double y, double z, double* lat, double* lon, double
 
 double WorldGround(double x, double z) {
   // Level ground around the field, gentle hills beyond 25 km.
-  double away = std::hypot(x, z) - 25000;
+  double away = Distance(x, z) - 25000;
   if (!(away > 0)) return fieldElevation;
   double rise = std::fmin(away / 20000, 1.0);
   return fieldElevation +

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "world/distance.h"
 #include "world/refs.h"
 #include "world/world.h"
 
@@ -65,7 +66,7 @@ Air AirAt(double altitude) {
   F(refs.sigma) = static_cast<float>(air.rho / 1.225);
   F(refs.soundSpeed) = static_cast<float>(air.sound);
   double from = std::atan2(-air.windEast, -air.windNorth) * radToDeg;
-  F(refs.windHere) = static_cast<float>(std::hypot(air.windEast, air.windNorth) / WindUnit());
+  F(refs.windHere) = static_cast<float>(Distance(air.windEast, air.windNorth) / WindUnit());
   F(refs.windFromHere) = static_cast<float>(from < 0 ? from + 360 : from);
   return air;
 }

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr XPLMPluginID noPlugin = -1;  // 0 is the simulator itself
+constexpr XPLMPluginID noPlugin = -1;  // 0 is the simulator itself, and some hosts answer it for none
 
 // Plug-ins under which recognised add-ons run.
 struct AdapterPlugins {
@@ -78,7 +78,8 @@ void BindChangedReaders() {
 // Follows a plug-in: true when it has appeared (or has been reloaded) since the last call; its names are
 // dropped when it is gone.
 bool HasAppeared(const Names& names, XPLMPluginID* plugin) {
-  const XPLMPluginID found = XPLMFindPluginBySignature(names.signature);
+  const XPLMPluginID answer = XPLMFindPluginBySignature(names.signature);
+  const XPLMPluginID found = answer > 0 ? answer : noPlugin;
   if (found == *plugin && LoadedOf(names) == (found != noPlugin)) return false;
   if (LoadedOf(names)) Drop(names);
   *plugin = found;
@@ -215,8 +216,10 @@ void RecogniseXSquawkBox() {
   if (appeared || before != IsLoaded(AddOn::XSquawkBox)) xSquawkBoxState = {};
   if (!appeared) return;
   LookUpDataRefsOf(xSquawkBox.dataRefs);
+  LoadedOf(xSquawkBox) = false;  // until it has answered: it is tried again when its accessors throw
   ReadText(Bytes<"xsquawkbox/vers/string">, xSquawkBoxState.version, sizeof xSquawkBoxState.version);
   xSquawkBoxState.versionNumber = ReadInt(Int<"xsquawkbox/vers/number">);
+  LoadedOf(xSquawkBox) = true;
   LogLine("XSB found pluginID=%i, datarefs loaded\n", plugins.xSquawkBox);
   XPLMSendMessageToPlugin(plugins.xSquawkBox, subscribeMessage,
                           reinterpret_cast<void*>(networkAudioWeatherText));
@@ -245,7 +248,7 @@ void DetectLoadedAircraft() {
 }
 
 void ResetAdapters() {
-  if (IsLoaded(AddOn::XSquawkBox)) XPLMSendMessageToPlugin(plugins.xSquawkBox, unsubscribeMessage, nullptr);
+  const XPLMPluginID subscribedAt = IsLoaded(AddOn::XSquawkBox) ? plugins.xSquawkBox : noPlugin;
   DropAircraft();
   Drop(xSquawkBox);
   Drop(pilotEdge);
@@ -253,6 +256,7 @@ void ResetAdapters() {
   loadedAddOns = {};
   xSquawkBoxState = {};
   toldAircraft = {};
+  if (subscribedAt != noPlugin) XPLMSendMessageToPlugin(subscribedAt, unsubscribeMessage, nullptr);
 }
 
 void ReleaseIxegThrottleOverride() {

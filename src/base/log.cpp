@@ -10,6 +10,7 @@
 #include "base/log_format.h"
 #include "base/version.h"
 #include "platform/clock.h"
+#include "platform/exceptions.h"
 #include "platform/lock.h"
 #include "platform/system.h"
 
@@ -130,6 +131,7 @@ bool ReportFailure(const char* what, const std::string& reason, void (*report)(c
         "for your user, and start the simulator again; TAVRIX runs on without log files\n";
     report(line.c_str());
   } catch (...) {
+    PassForeignException();
     report("TAVRIX->Out of memory, no log files\n");
   }
   return false;
@@ -182,6 +184,7 @@ bool OpenLogs(const char* folder, void (*report)(const char* line)) {
   try {
     opened = OpenBoth(folder, report);
   } catch (...) {
+    PassForeignException();
     ReportFailure(folder, "out of memory", report);
   }
   if (!opened) CloseLogs();

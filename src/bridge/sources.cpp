@@ -39,8 +39,7 @@ KeepReads::KeepReads(bool newLook) {
 }
 
 void Keep(DataRef& ref, Accessor accessor) {
-  ref.frame = keptFrame;
-  ref.keptAs = accessor;
+  ref.frame = 0;  // until the answer is there: the accessor of another plug-in may throw
   // What lies beyond an array's end stays 0.
   if (accessor == Accessor::FloatArray) {
     float elements[keptElements] = {};
@@ -53,6 +52,8 @@ void Keep(DataRef& ref, Accessor accessor) {
   } else {
     ref.kept[0] = ReadNumber(ref.handle, accessor, 0);
   }
+  ref.frame = keptFrame;
+  ref.keptAs = accessor;
 }
 
 void SetSource(const Source& stated, double value) {

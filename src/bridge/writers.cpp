@@ -100,7 +100,12 @@ void RunWriters() {
                                [](uint32_t offset) { return pendingFlags.flags[offset] != 0; });
     }
   }
-  for (const Writer& writer : writers) {
-    if (writer.due) RunWriter(writer);
+  try {
+    for (const Writer& writer : writers) {
+      if (writer.due) RunWriter(writer);
+    }
+  } catch (...) {
+    anythingPending.store(1, std::memory_order_relaxed);  // those behind it have their turn in the next frame
+    throw;
   }
 }

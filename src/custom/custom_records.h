@@ -112,6 +112,7 @@ struct CustomRefreshItem {
   const CustomOffsetEntry* entry;
   uint8_t bytes[8];
   bool missed;  // the batch that begins here has found the lock busy
+  bool asked;   // its datarefs are being asked; found so at a run, the one before ended here
 };
 
 constexpr int customRefreshGroups = 8;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 #include <span>
+#include <utility>
 
 #include "XPLMUtilities.h"
 #include "bridge/cycles.h"
@@ -23,9 +24,14 @@ double ValueOf(const CustomTables& tables, const CustomOffsetEntry& entry) {
   return RunExpression(tables.operations.data() + entry.read.first, entry.read.count, 0, ReadDatarefValue);
 }
 
+// An entry whose dataref threw at the run before is passed over and shows what it showed: those behind it get
+// their turn, and it is asked again at the next run.
 void Compute(const CustomTables& tables, std::span<CustomRefreshItem> items) {
   for (CustomRefreshItem& item : items) {
+    if (std::exchange(item.asked, false)) continue;
+    item.asked = true;
     EncodeCustomValue(item.entry->type, ValueOf(tables, *item.entry), item.bytes);
+    item.asked = false;
   }
 }
 
@@ -127,21 +133,75 @@ void WriteCommand(const CustomCommandEntry& entry, const uint8_t* data) {
 
 // Moves the kept ends out and returns how many there are. Simulator's thread, offset lock held.
 uint32_t TakeEnds(CustomTables* tables) {
-  uint32_t taken = 0;
+  uint32_t count = 0;
   for (uint32_t i = 0; i < customEndCount; ++i) {
     CustomCommandEnd& end = tables->ends[tables->endList[i]];
-    if (end.waiting) tables->endsTaken[taken++] = {&tables->commands[tables->endList[i]], end.value};
+    if (end.waiting) tables->endsTaken[count++] = {&tables->commands[tables->endList[i]], end.value};
     end = {};
   }
   customEndCount = 0;
-  return taken;
+  return count;
+}
+
+// What was taken of clients' writes and is not carried out yet. Each piece is struck off before the simulator
+// is called for it: when a handler or accessor of another plug-in throws, the rest is still here.
+struct TakenWrites {
+  uint32_t end, ends;  // the next one in endsTaken, and their number
+  CustomCommandWrite command;
+  uint32_t action;  // the next one of that end or command
+  PendingCustomWrite write;
+};
+TakenWrites taken;
+
+void Take() {
+  const SimulatorTurn turn;
+  const LockScope lock(&offsetLock);
+  customPending.store(0, std::memory_order_relaxed);
+  taken = {};
+  std::swap(taken.write, pendingWrite);
+  std::swap(taken.command, pendingCommand);
+  if (customEndCount != 0) taken.ends = TakeEnds(loadedTables);
+}
+
+// A client may withdraw the tables meanwhile; only this thread frees them.
+void CarryOut() {
+  for (; taken.end < taken.ends; taken.end++, taken.action = 0) {
+    const CustomCommandWrite& displaced = loadedTables->endsTaken[taken.end];
+    const auto actions = ActionsOf(*loadedTables, *displaced.entry);
+    while (taken.action < actions.size()) {
+      CommandAction& action = actions[taken.action++];
+      if (Ends(action, displaced.value)) End(&action);
+    }
+  }
+  if (taken.command.entry != nullptr) {
+    const auto actions = ActionsOf(*loadedTables, *taken.command.entry);
+    while (taken.action < actions.size()) Act(&actions[taken.action++], taken.command.value);
+    taken.command = {};
+  }
+  const PendingCustomWrite write = std::exchange(taken.write, {});
+  if (write.target == nullptr) return;
+  const Operation* operations = loadedTables->operations.data() + write.expression.first;
+  WriteNumber(write.target->handle, write.target->kind, write.target->index,
+              RunExpression(operations, write.expression.count, write.input, ReadDatarefValue));
+}
+
+// Every one of them, also when a handler of another plug-in throws at one.
+void EndAll(std::span<CommandAction> actions) {
+  for (size_t i = 0; i < actions.size(); ++i) {
+    try {
+      End(&actions[i]);
+    } catch (...) {
+      EndAll(actions.subspan(i + 1));
+      throw;
+    }
+  }
 }
 
 }  // namespace
 
 void PrepareCustomTables(CustomTables* tables) {
   for (const CustomOffsetEntry& entry : tables->offsets) {
-    if (IsRefreshed(entry)) tables->refresh[entry.number - 1].push_back({&entry, {}, false});
+    if (IsRefreshed(entry)) tables->refresh[entry.number - 1].push_back({&entry, {}, false, false});
   }
   tables->ends = std::make_unique<CustomCommandEnd[]>(tables->commands.size());
   tables->endList = std::make_unique<uint32_t[]>(tables->commands.size());
@@ -213,34 +273,17 @@ CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t su
 
 void ApplyPendingCustomWrites() {
   if (customPending.load(std::memory_order_relaxed) == 0) return;
-  PendingCustomWrite write = {};
-  CustomCommandWrite command = {};
-  uint32_t ends = 0;
-  {
-    const SimulatorTurn turn;
-    const LockScope lock(&offsetLock);
-    customPending.store(0, std::memory_order_relaxed);
-    std::swap(write, pendingWrite);
-    std::swap(command, pendingCommand);
-    if (customEndCount != 0) ends = TakeEnds(loadedTables);
-  }
-  // A client may withdraw the tables from here on; only this thread frees them.
-  for (uint32_t i = 0; i < ends; ++i) {
-    const CustomCommandWrite& displaced = loadedTables->endsTaken[i];
-    for (CommandAction& action : ActionsOf(*loadedTables, *displaced.entry)) {
-      if (Ends(action, displaced.value)) End(&action);
-    }
-  }
-  if (command.entry != nullptr) {
-    for (CommandAction& action : ActionsOf(*loadedTables, *command.entry)) Act(&action, command.value);
-  }
-  if (write.target != nullptr) {
-    const Operation* operations = loadedTables->operations.data() + write.expression.first;
-    WriteNumber(write.target->handle, write.target->kind, write.target->index,
-                RunExpression(operations, write.expression.count, write.input, ReadDatarefValue));
+  try {
+    CarryOut();  // what an exception left of the frame before
+    Take();
+    CarryOut();
+  } catch (...) {
+    customPending.store(1, std::memory_order_relaxed);  // the rest in the next frame
+    throw;
   }
 }
 
 void EndHeldCommands(CustomTables* tables) {
-  for (CommandAction& action : tables->actions) End(&action);
+  taken = {};
+  EndAll(tables->actions);
 }

@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "XPLMDataAccess.h"
 #include "XPLMUtilities.h"
@@ -16,6 +17,7 @@
 #include "custom/expression.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
+#include "platform/exceptions.h"
 #include "platform/system.h"
 
 CustomTables* loadedTables;
@@ -166,6 +168,17 @@ void Withdraw() {
   customEndCount = 0;
 }
 
+// The end of a load that clients asked for, whatever comes of it.
+struct FinishReload {
+  uint32_t taken;
+  ~FinishReload() {
+    const LockScope lock(&offsetLock);
+    nextReload = MonotonicNanoseconds() + pauseNanoseconds;
+    if ((taken & clearAsked) == 0 || (requests & clearAsked) != 0) return;
+    Store<uint8_t>(customClearOffset, 0);  // the client's own 1 was copied over the dispatcher's 0
+  }
+};
+
 void Load() {
   const std::string path = FilePath();
   std::string text;
@@ -193,6 +206,7 @@ void LoadCustomOffsets() {
   try {
     Load();
   } catch (...) {
+    PassForeignException();
     LogLine(errorLine);
     LogOwn("TAVRIX->Out of memory while reading TAVRIXOffsets.cfg\n");
   }
@@ -203,10 +217,8 @@ void ClearCustomOffsets() {
     const LockScope lock(&offsetLock);
     Withdraw();
   }
-  if (loadedTables == nullptr) return;
-  EndHeldCommands(loadedTables);
-  delete loadedTables;
-  loadedTables = nullptr;
+  const std::unique_ptr<CustomTables> ended(std::exchange(loadedTables, nullptr));
+  if (ended != nullptr) EndHeldCommands(ended.get());
 }
 
 void ReloadCustomOffsets() {
@@ -247,11 +259,8 @@ void TakeCustomReload() {
   }
   if ((taken & clearAsked) != 0) LogLine(clearLine);
   LogLine(reloadLine);
+  const FinishReload finish = {taken};
   LoadCustomOffsets();
-  const LockScope lock(&offsetLock);
-  nextReload = MonotonicNanoseconds() + pauseNanoseconds;
-  if ((taken & clearAsked) == 0 || (requests & clearAsked) != 0) return;
-  Store<uint8_t>(customClearOffset, 0);  // the client's own 1 was copied over the dispatcher's 0
 }
 
 void ConnectCustomOffsets() {

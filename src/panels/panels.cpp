@@ -13,6 +13,7 @@
 #include "custom/custom.h"
 #include "net/net.h"
 #include "offsets/memory.h"
+#include "platform/exceptions.h"
 
 namespace {
 
@@ -130,17 +131,17 @@ int HandlePerformance(XPWidgetMessage message, XPWidgetID widget, intptr_t param
 }
 
 void MakeVersionWindow() {
-  versionWindow = MakeWindow(versionWindowTitle, 320, 4, HandleVersion);
+  versionWindow = MakeWindow(versionWindowTitle, 320, 4, Guarded<HandleVersion, 0>::Call);
   if (versionWindow == nullptr) return;
   AddCaption(versionWindow, 0, pluginTitle);
   AddCaption(versionWindow, 1, networkTitle);
   AddCaption(versionWindow, 2, (simulatorVersionLabel + std::to_string(simulatorVersion)).c_str());
   networkLine = AddCaption(versionWindow, 3, "");
-  if (networkLine != nullptr) XPAddWidgetCallback(networkLine, HandleNetworkLine);
+  if (networkLine != nullptr) XPAddWidgetCallback(networkLine, Guarded<HandleNetworkLine, 0>::Call);
 }
 
 void MakePerformanceWindow() {
-  performanceWindow = MakeWindow(performanceWindowTitle, 360, 6, HandlePerformance);
+  performanceWindow = MakeWindow(performanceWindowTitle, 360, 6, Guarded<HandlePerformance, 0>::Call);
   if (performanceWindow == nullptr) return;
   readTraceBox = AddCheckBox(performanceWindow, 0, "Log reads", false);
   writeTraceBox = AddCheckBox(performanceWindow, 1, "Log writes", false);

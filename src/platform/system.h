@@ -61,6 +61,8 @@ bool ReplaceFile(const char* from, const char* to);
 // Last system error as text, for log lines, and as the system's own number.
 std::string SystemErrorText();
 int SystemErrorNumber();
+// Where the program or library that holds this address begins, null for none. Any thread.
+const void* ModuleOf(const void* address);
 // Open handles or file descriptors of this process, or -1; for tests and diagnostics.
 int CountProcessHandles();
 // Bytes of private memory in use by this process, or -1; for tests and diagnostics.

@@ -172,10 +172,10 @@ void InitPushback() {
 }
 
 void StopPushback() {
-  AbortPushback();  // it does not roll on at the next enable
   if (monitored) XPLMUnregisterFlightLoopCallback(DistanceMonitor, nullptr);
   monitored = false;
-  handles = {};  // found anew at the next enable
+  AbortPushback();  // it does not roll on at the next enable
+  handles = {};     // found anew at the next enable
 }
 
 void CommandPushback(uint32_t command) {

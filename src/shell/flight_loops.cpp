@@ -1,36 +1,29 @@
 #include "shell/flight_loops.h"
 
-#include <exception>
-
 #include "XPLMProcessing.h"
 #include "net/relay.h"
+#include "platform/exceptions.h"
 #include "shell/frame_callbacks.h"
 #include "shell/override_watch.h"
 
 namespace {
 
-// A callback must let no exception out; after one it is simply due again in a second.
+// After an exception of our own a callback is simply due again in a second.
 template <XPLMFlightLoop_f loop>
-float Guarded(float sinceCall, float sinceLoop, int counter, void* reference) {
-  try {
-    return loop(sinceCall, sinceLoop, counter, reference);
-  } catch (...) {
-    return 1.0F;
-  }
-}
+constexpr XPLMFlightLoop_f guarded = Guarded<loop, 1.0F>::Call;
 
 struct Loop {
   XPLMFlightLoop_f callback;
   float firstInterval;  // positive seconds, negative frames
 };
 constexpr Loop loops[] = {
-    {Guarded<WriteCycle>, 1.0F},       {Guarded<RefreshCycle1>, 0.5F},
-    {Guarded<RefreshCycle3>, 0.5F},    {Guarded<RefreshCycle7>, 0.6F},
-    {Guarded<RefreshCycle13>, 0.5F},   {Guarded<RefreshCycle31Navigation>, 1.0F},
-    {Guarded<RefreshCycle31>, 1.0F},   {Guarded<RefreshCycle59>, 1.0F},
-    {Guarded<RefreshCycle157>, 1.0F},  {Guarded<RefreshCycle313>, 1.0F},
-    {Guarded<OverrideWatch>, 1.0F},    {Guarded<ButtonCycle>, 1.0F},
-    {Guarded<MultiplayerCycle>, 0.2F},
+    {guarded<WriteCycle>, 1.0F},       {guarded<RefreshCycle1>, 0.5F},
+    {guarded<RefreshCycle3>, 0.5F},    {guarded<RefreshCycle7>, 0.6F},
+    {guarded<RefreshCycle13>, 0.5F},   {guarded<RefreshCycle31Navigation>, 1.0F},
+    {guarded<RefreshCycle31>, 1.0F},   {guarded<RefreshCycle59>, 1.0F},
+    {guarded<RefreshCycle157>, 1.0F},  {guarded<RefreshCycle313>, 1.0F},
+    {guarded<OverrideWatch>, 1.0F},    {guarded<ButtonCycle>, 1.0F},
+    {guarded<MultiplayerCycle>, 0.2F},
 };
 
 float RelayStarter(float, float, int, void*) {
@@ -44,8 +37,8 @@ float RelayFrame(float, float, int, void*) {
 }
 
 constexpr Loop clientLoops[] = {
-    {Guarded<RelayStarter>, -1.0F},
-    {Guarded<RelayFrame>, 1.0F},
+    {guarded<RelayStarter>, -1.0F},
+    {guarded<RelayFrame>, 1.0F},
 };
 
 XPLMFlightLoop_f registeredStart;

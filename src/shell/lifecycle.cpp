@@ -28,6 +28,7 @@
 #include "offsets/window_server.h"
 #include "panels/panels.h"
 #include "platform/clock.h"
+#include "platform/exceptions.h"
 #include "platform/socket.h"
 #include "pushback/pushback.h"
 #include "settings/settings.h"
@@ -70,7 +71,6 @@ void ConnectRooms() {
 }
 
 void StartThreads() {
-  LoadAircraftList();
   if constexpr (windowServerExists) {
     LogLine(StartWindowServer() ? "TAVRIX->Create KORL Thread OK!\n" : "TAVRIX->Create KORL Thread failed!\n");
   }
@@ -88,16 +88,18 @@ void StartThreads() {
   LogLine(trafficRuns ? "TAVRIX->Create ATC thread OK!\n" : "TAVRIX->Create ATC thread failed!\n");
 }
 
+void CentreRudder() { FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr")); }
+
 float DeferredStart(float, float, int, void*) {
   try {
     if (threadsStarted) {
       LogOwn("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
     } else {
       threadsStarted = true;
-      StartThreads();
-      FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr"));
+      RunAllSteps({LoadAircraftList, StartThreads, CentreRudder});
     }
   } catch (...) {
+    PassForeignException();
   }
   return 0;
 }
@@ -130,25 +132,18 @@ void EnableServerMode() {
   LoadButtonAssignments();
 }
 
-// Gives back everything of the simulator that we hold: overrides, held commands, slew.
-void ReleaseHeld() {
-  ClearSlew();
-  ReleaseOverrides();
-  ReleaseStarters();
-  ReleaseContactAtc();
-}
-
 void DisableClientMode() {
   UnregisterClientFlightLoops();
   StopRelayThread();
   CloseRelay();
 }
 
-void DisableServerMode() {
-  UnregisterFlightLoops();
+void StopPushbackStep() {
   LogStamped("TAVRIX->Stopping pushback.....");
   StopPushback();
-  ReleaseHeld();
+}
+
+void StopServerThreads() {
   LogStamped("TAVRIX->Closing KORL main window.....");
   StopNetworkServer();
   StopAircraftModelThread();
@@ -163,6 +158,56 @@ void DisableServerMode() {
   CloseRelay();
 }
 
+void DisableServerMode() {
+  // In the middle everything of the simulator that we hold is given back: overrides, held commands, slew.
+  RunAllSteps({UnregisterFlightLoops, StopPushbackStep, ClearSlew, ReleaseOverrides, ReleaseStarters,
+               ReleaseContactAtc, StopServerThreads});
+}
+
+void BeginDisable() {
+  LogLine("%s", separatorLine);
+  LogStamped("TAVRIX->Starting deinit");
+  if (!StatusPageRuns()) return;
+  LogStamped("TAVRIX->Stopping HTTP.....");
+  StopStatusPage();
+}
+
+void DisableMode() { clientModeAtEnable ? DisableClientMode() : DisableServerMode(); }
+
+// Nobody writes any more: what clients changed last is saved, too.
+void SaveChanges() {
+  TakeAtcTexts(MonotonicNanoseconds());
+  SaveWaitingSettings();
+  LogLine("TAVRIX->Release critical sections\n");
+}
+
+void ReleaseLocks() {
+  ReleaseTraffic();
+  DeleteButtons();
+  DeleteLocks();
+  LogLine("TAVRIX->Purging TAVRIXOffsets.cfg\n");
+}
+
+void EndDisable() {
+  LogStamped("TAVRIX deinit OK!");
+  LogStamped("TAVRIX Disable !");
+  readTrace = 0;
+  writeTrace = 0;
+  ShowTraceSwitches();
+  FlushLogs();
+}
+
+void DestroyTerrainProbe() {
+  if (terrainProbe != nullptr) XPLMDestroyProbe(terrainProbe);
+  terrainProbe = nullptr;
+}
+
+void EndStop() {
+  if (socketLibraryOpen) CloseSocketLibrary();
+  socketLibraryOpen = false;
+  CloseLogs();
+}
+
 }  // namespace
 
 int StartPlugin(char* name, char* signature, char* description) {
@@ -171,6 +216,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   CopyIdentity(description, "A plugin that emulates morven.dll and FARNET.");
   if (stage != Stage::Unloaded) return 1;
   stage = Stage::Started;
+  PrepareExceptions();
   threadsStarted = false;  // a module that could not be unloaded starts once more with what it had
   readTrace = 0;
   writeTrace = 0;
@@ -246,49 +292,15 @@ int EnablePlugin() {
 void DisablePlugin() {
   if (stage != Stage::Enabled) return;
   stage = Stage::Started;
-  LogLine("%s", separatorLine);
-  LogStamped("TAVRIX->Starting deinit");
-  if (StatusPageRuns()) {
-    LogStamped("TAVRIX->Stopping HTTP.....");
-    StopStatusPage();
-  }
-  if (clientModeAtEnable) {
-    DisableClientMode();
-  } else {
-    DisableServerMode();
-  }
-  // Nobody writes any more: what clients changed last is saved, too.
-  TakeAtcTexts(MonotonicNanoseconds());
-  SaveWaitingSettings();
-  LogLine("TAVRIX->Release critical sections\n");
-  ClearCustomOffsets();
-  ReleaseTraffic();
-  DeleteButtons();
-  DeleteLocks();
-  LogLine("TAVRIX->Purging TAVRIXOffsets.cfg\n");
-  ReleaseIxegThrottleOverride();
-  ResetAdapters();
-  LogStamped("TAVRIX deinit OK!");
-  LogStamped("TAVRIX Disable !");
-  readTrace = 0;
-  writeTrace = 0;
-  ShowTraceSwitches();
-  FlushLogs();
+  RunAllSteps({BeginDisable, DisableMode, SaveChanges, ClearCustomOffsets, ReleaseLocks,
+               ReleaseIxegThrottleOverride, ResetAdapters, EndDisable});
 }
 
 void StopPlugin() {
-  DisablePlugin();
   if (stage == Stage::Unloaded) return;
+  RunAllSteps({DisablePlugin, UnregisterFlightLoops, StopPushback, UnregisterClientFlightLoops,
+               DestroyTerrainProbe, DestroyMenuAndWindows, EndStop});
   stage = Stage::Unloaded;
-  UnregisterFlightLoops();
-  StopPushback();
-  UnregisterClientFlightLoops();
-  if (terrainProbe != nullptr) XPLMDestroyProbe(terrainProbe);
-  terrainProbe = nullptr;
-  DestroyMenuAndWindows();
-  if (socketLibraryOpen) CloseSocketLibrary();
-  socketLibraryOpen = false;
-  CloseLogs();
 }
 
 void ReceivePluginMessage(int from, int message, void* parameter) {

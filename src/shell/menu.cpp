@@ -4,6 +4,7 @@
 
 #include "XPLMMenus.h"
 #include "panels/panels.h"
+#include "platform/exceptions.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ void MenuHandler(void*, void* itemReference) {
       if (row.open != nullptr && std::strcmp(row.reference, chosen) == 0) row.open();
     }
   } catch (...) {
+    PassForeignException();
   }
 }
 

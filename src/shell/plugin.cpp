@@ -1,5 +1,6 @@
-// The five entry points that the simulator calls. No exception leaves them.
+// The five entry points that the simulator calls. No exception of our own leaves them.
 #include "XPLMDefs.h"
+#include "platform/exceptions.h"
 #include "shell/lifecycle.h"
 
 PLUGIN_API void XPluginDisable(void);
@@ -10,6 +11,7 @@ PLUGIN_API int XPluginStart(char* name, char* signature, char* description) {
     return StartPlugin(name, signature, description);
   } catch (...) {
     XPluginStop();  // gives back what has been made
+    PassForeignException();
     return 0;
   }
 }
@@ -19,6 +21,7 @@ PLUGIN_API int XPluginEnable(void) {
     return EnablePlugin();
   } catch (...) {
     XPluginDisable();  // gives back what has been made
+    PassForeignException();
     return 0;
   }
 }
@@ -27,6 +30,7 @@ PLUGIN_API void XPluginReceiveMessage(XPLMPluginID from, int message, void* para
   try {
     ReceivePluginMessage(from, message, parameter);
   } catch (...) {
+    PassForeignException();
   }
 }
 
@@ -34,6 +38,7 @@ PLUGIN_API void XPluginDisable(void) {
   try {
     DisablePlugin();
   } catch (...) {
+    PassForeignException();
   }
 }
 
@@ -41,5 +46,6 @@ PLUGIN_API void XPluginStop(void) {
   try {
     StopPlugin();
   } catch (...) {
+    PassForeignException();
   }
 }

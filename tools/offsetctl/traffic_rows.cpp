@@ -32,7 +32,7 @@ Traffic ReadEntry(const uint8_t* entry, double latitude, double longitude) {
   const double north = std::cos(from) * std::sin(to) - std::sin(from) * std::cos(to) * std::cos(turn);
   const double east = std::sin(turn) * std::cos(to);
   const double cosine = std::sin(from) * std::sin(to) + std::cos(from) * std::cos(to) * std::cos(turn);
-  traffic.range = std::atan2(std::hypot(north, east), cosine) * earthRadius;
+  traffic.range = std::atan2(std::sqrt(north * north + east * east), cosine) * earthRadius;
   traffic.bearing = std::fmod(std::atan2(east, north) / radians + 360, 360);
   traffic.altitude = static_cast<double>(LoadFrom<float>(entry + 12));
   traffic.heading = LoadFrom<uint16_t>(entry + 16) * 360.0 / 65536;

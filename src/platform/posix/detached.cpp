@@ -6,6 +6,7 @@
 #include <cstring>
 #include <new>
 
+#include "platform/exceptions.h"
 #include "platform/posix/deadline.h"
 
 struct DetachedWork {
@@ -32,6 +33,7 @@ void* RunDetached(void* argument) {
   try {
     work->proc(work->data);
   } catch (...) {  // no thread may take the simulator down
+    PassForeignException();
   }
   pthread_mutex_lock(&work->mutex);
   work->done = true;

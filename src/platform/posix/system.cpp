@@ -1,6 +1,7 @@
 #include "platform/system.h"
 
 #include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -118,6 +119,11 @@ bool ReplaceFile(const char* from, const char* to) {
 std::string SystemErrorText() { return std::system_category().message(errno); }
 
 int SystemErrorNumber() { return errno; }
+
+const void* ModuleOf(const void* address) {
+  Dl_info info;
+  return dladdr(address, &info) == 0 ? nullptr : info.dli_fbase;
+}
 
 int CountProcessHandles() {
   DIR* folder = opendir("/proc/self/fd");

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "platform/clock.h"
+#include "platform/exceptions.h"
 #include "platform/posix/deadline.h"
 
 namespace {
@@ -45,6 +46,7 @@ void* RunThread(void* argument) {
   try {
     state->exitCode = state->proc(state->argument);
   } catch (...) {  // no thread may take the simulator down
+    PassForeignException();
     state->exitCode = 0;
   }
   pthread_mutex_lock(&state->mutex);

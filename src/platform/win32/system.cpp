@@ -213,6 +213,12 @@ std::string SystemErrorText() {
 
 int SystemErrorNumber() { return static_cast<int>(GetLastError()); }
 
+const void* ModuleOf(const void* address) {
+  HMODULE module = nullptr;
+  constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  return GetModuleHandleExA(flags, static_cast<const char*>(address), &module) != 0 ? module : nullptr;
+}
+
 int CountProcessHandles() {
   DWORD count = 0;
   if (!GetProcessHandleCount(GetCurrentProcess(), &count)) return -1;

@@ -1,0 +1,17 @@
+// Between the files of the core about windows, drawing, camera and objects. Simulator's thread only.
+#pragma once
+#include "core/core.h"
+
+namespace sim {
+
+// The drawing of one frame: the camera, then the phases in their order with the windows in theirs.
+void DrawFrame();
+void ResetDisplay();  // all of it: windows, callbacks, keys, camera
+// Visible windows, the front one last.
+void DrawWindows();
+void ResetWindows();
+// The plug-in that has the camera places it.
+void PlaceCamera();
+void ResetCamera();
+
+}  // namespace sim
