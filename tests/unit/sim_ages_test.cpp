@@ -312,6 +312,9 @@ TEST_F(SimAges, MessagesThatTheAgeKnows) {
     Talk("planes 129 -> error: the number of planes is 1 to 128 | planes 40");
     XPLMCountAircraft(&total, &active, nullptr);
     EXPECT_EQ(List({total, active}), List({40, 40}));
+    Talk("planes 2");
+    XPLMCountAircraft(&total, &active, nullptr);
+    EXPECT_EQ(List({total, active}), List({20, 2}));
     taken();
     sim::SimStop();
     EXPECT_EQ(taken(), known({107, 0}));
