@@ -26,6 +26,12 @@ void LoadModel(int index, const std::string& path) {
   if (index < active) TellPlaneLoaded(index);
 }
 
+void Activate(int count) {
+  active = count;
+  WorldSetActivePlanes(count);
+  TellPlugins(XPLM_MSG_AIRPLANE_COUNT_CHANGED, 0);
+}
+
 }  // namespace
 
 void ResetPlanes(int count) {
@@ -40,10 +46,8 @@ void DropPlanes(int owner) {
 }
 
 void SetActivePlanes(int count) {
-  active = count;
-  total = std::max(total, count);
-  WorldSetActivePlanes(count);
-  TellPlugins(XPLM_MSG_AIRPLANE_COUNT_CHANGED, 0);
+  total = std::max(count, kCapacity);
+  Activate(count);
 }
 
 bool ChangeAircraft(const std::string& name) {
@@ -106,7 +110,7 @@ void XPLMReleasePlanes(void) {
 
 void XPLMSetActiveAircraftCount(int count) {
   sim::Check("XPLMSetActiveAircraftCount");
-  if (sim::controller == sim::CallingPlugin()) sim::SetActivePlanes(std::clamp(count, 1, sim::total));
+  if (sim::controller == sim::CallingPlugin()) sim::Activate(std::clamp(count, 1, sim::total));
 }
 
 void XPLMSetAircraftModel(int index, const char* path) {

@@ -155,7 +155,7 @@ void ResetNavigation();
 // Adds a record behind the others of its type.
 void AddNavAid(const NavAid& aid);
 void ClearNavAids();
-// Tells world and plug-ins. The console's number may exceed what has existed so far, a plug-in's never does.
+// As the console wants it, who may exceed what has existed so far; tells world and plug-ins.
 void SetActivePlanes(int count);
 void ResetPlanes(int count);
 void ResetFlightPlan();

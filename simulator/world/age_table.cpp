@@ -1,6 +1,7 @@
 // What the ages of the simulator publish otherwise than the table of datarefs (dataref_table.cpp) says: one
 // row a difference, with the names that share it. An age may need several rows for one name. Where the
 // public list of an age gives no length for a text (the livery's path in 1210), the row's own stays.
+#include <cstdint>
 #include <cstring>
 
 #include "world/world.h"

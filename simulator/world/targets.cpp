@@ -1,8 +1,8 @@
 // The traffic arrays of newer ages: the aircraft around, each in one place of every array.
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "world/refs.h"
 #include "world/world.h"

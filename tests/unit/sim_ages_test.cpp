@@ -10,8 +10,10 @@
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <numbers>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include "core/more_api.h"
 #include "core/sim.h"
@@ -174,8 +176,8 @@ TEST_F(SimAges, UnitsAreThePublishedOnes) {
     const double drift =
         Value("sim/flightmodel/position/local_vx") -
         Value("sim/flightmodel/position/true_airspeed") *
-            std::sin((Value("sim/flightmodel/position/psi") + Value("sim/flightmodel/position/beta")) * M_PI /
-                     180);
+            std::sin((Value("sim/flightmodel/position/psi") + Value("sim/flightmodel/position/beta")) *
+                     std::numbers::pi / 180);
     EXPECT_NEAR(drift, 36 * unit, 3);
     const double high = Value("sim/cockpit/pressure/cabin_altitude_actual_m_msl");
     const double outside = Value("sim/flightmodel/position/elevation") / kFeet;
@@ -312,6 +314,9 @@ TEST_F(SimAges, MessagesThatTheAgeKnows) {
     Talk("planes 129 -> error: the number of planes is 1 to 128 | planes 40");
     XPLMCountAircraft(&total, &active, nullptr);
     EXPECT_EQ(List({total, active}), List({40, 40}));
+    Talk("planes 2");
+    XPLMCountAircraft(&total, &active, nullptr);
+    EXPECT_EQ(List({total, active}), List({20, 2}));
     taken();
     sim::SimStop();
     EXPECT_EQ(taken(), known({107, 0}));
