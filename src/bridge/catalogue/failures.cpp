@@ -164,10 +164,11 @@ constexpr OffsetRow rows[] = {
      .show = Show::Bits,
      .cycle = Cycle::C13,
      .prepared = &panelFailed,
-     .inputs = sourcesOf<panel[0].systems[0], comFailures[0], comFailures[1], Int<"sim/operation/failures/rel_cop_ahz">,
-                         Int<"sim/operation/failures/rel_ice_pitot_heat1">,
-                         Int<"sim/operation/failures/rel_ice_pitot_heat2">,
-                         Int<"sim/operation/failures/rel_cop_tsi">, Int<"sim/operation/failures/rel_cop_vvi">>,
+     .inputs =
+         sourcesOf<panel[0].systems[0], comFailures[0], comFailures[1],
+                   Int<"sim/operation/failures/rel_cop_ahz">, Int<"sim/operation/failures/rel_ice_pitot_heat1">,
+                   Int<"sim/operation/failures/rel_ice_pitot_heat2">, Int<"sim/operation/failures/rel_cop_tsi">,
+                   Int<"sim/operation/failures/rel_cop_vvi">>,
      .prepare = TakeFailures,
      .note = "bits: 0 ADF, 1 airspeed, 2 altimeter, 3 attitude, 4 COM, 7 engines, 8 fuel gauges, 9 heading, "
              "10 NAV, 11 pitot heat, 12 transponder, 13 turn coordinator, 14 vacuum, 15 vertical speed"},
