@@ -9,6 +9,7 @@
 #include "bridge/catalogue/identity.h"
 #include "bridge/reader_groups.h"
 #include "bridge/registry.h"
+#include "platform/exceptions.h"
 
 namespace {
 
@@ -199,13 +200,10 @@ void DropAircraft() {
   ixegThrottleTaken = false;
 }
 
+// Each for itself: one whose accessors throw does not hide the others.
 void Recognise() {
-  RecogniseX737();
-  RecogniseXSquawkBox();
-  RecognisePilotEdge();
-  RecogniseIxeg();
-  RecogniseExtendedB738();
-  RecogniseStockB738();
+  RunAllSteps({RecogniseX737, RecogniseXSquawkBox, RecognisePilotEdge, RecogniseIxeg, RecogniseExtendedB738,
+               RecogniseStockB738});
 }
 
 }  // namespace
@@ -225,11 +223,7 @@ void RecogniseXSquawkBox() {
                           reinterpret_cast<void*>(networkAudioWeatherText));
 }
 
-void RecogniseAircraft() {
-  Recognise();
-  BindChangedReaders();
-  TellAircraft();
-}
+void RecogniseAircraft() { RunAllSteps({Recognise, BindChangedReaders, TellAircraft}); }
 
 void RunEc135Adapter() {
   // No name of its own is known either: its offsets stay on the stock datarefs.
@@ -239,12 +233,7 @@ void RunEc135Adapter() {
 }
 
 void DetectLoadedAircraft() {
-  DropAircraft();
-  StoreAircraftTitle();
-  Recognise();
-  RunEc135Adapter();
-  BindChangedReaders();
-  TellAircraft();
+  RunAllSteps({DropAircraft, StoreAircraftTitle, Recognise, RunEc135Adapter, BindChangedReaders, TellAircraft});
 }
 
 void ResetAdapters() {

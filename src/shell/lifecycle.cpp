@@ -197,6 +197,10 @@ void EndDisable() {
   FlushLogs();
 }
 
+void LoadListForTraffic() {
+  if (TrafficRuns()) LoadAircraftList();
+}
+
 void DestroyTerrainProbe() {
   if (terrainProbe != nullptr) XPLMDestroyProbe(terrainProbe);
   terrainProbe = nullptr;
@@ -312,16 +316,14 @@ void ReceivePluginMessage(int from, int message, void* parameter) {
   switch (message) {
     case XPLM_MSG_PLANE_LOADED:
       if (reinterpret_cast<intptr_t>(parameter) != 0 || clientModeAtEnable) break;
-      if (TrafficRuns()) LoadAircraftList();
-      DetectLoadedAircraft();
-      RefreshForNewAircraft();
+      RunAllSteps({LoadListForTraffic, DetectLoadedAircraft, RefreshForNewAircraft});
       break;
     case XPLM_MSG_PLANE_CRASHED:
       AbortPushback();
       SetCrashed();
       break;
     case XPLM_MSG_AIRPLANE_COUNT_CHANGED:
-      if (TrafficRuns()) LoadAircraftList();
+      LoadListForTraffic();
       break;
     default:
       break;
