@@ -42,7 +42,7 @@ class Table:
         memory = file.read_bytes()
         self.size, self.capacity, self.active, self.changes = struct.unpack_from("<4H", memory, HEADER)
         self.mark, self.nearest = memory[HEADER + 0x68], struct.unpack_from("<H", memory, HEADER + 0x7E)[0]
-        self.entries = [struct.unpack_from("<IfffHHh14sH", memory, ENTRIES + 40 * i) for i in range(96)]
+        self.entries = [struct.unpack_from("<IfffHHh14sHH", memory, ENTRIES + 40 * i) for i in range(96)]
         self.records = [struct.unpack_from("<IHh4s4sHh", memory, RECORDS + 20 * i) for i in range(96)]
 
     def shown(self):
@@ -84,6 +84,44 @@ def test_nearest_changes_as_aircraft_pass(start, build, tmp_path):
         wanted = 0 if nearest is None else ENTRIES + 40 * nearest
         table = wait_for(f"nearest {nearest}", lambda: (t := Table(build, tmp_path)).nearest == wanted and t)
         assert math.isclose(table.entries[0][1], latitude - away[0], abs_tol=1e-4)
+    standin.quit()
+
+
+@pytest.mark.parametrize("preset", ["linux", pytest.param("win64", marks=pytest.mark.wine)])
+def test_newer_simulators_tell_who_flies(start, request, tmp_path, preset):
+    build = request.getfixturevalue(preset)
+    standin = begin(start, build, "--version", "1200", "--rate", "0", "--flight", "none", "--planes", "4",
+                    root=tmp_path / "X-Plane")
+    stem = "sim/cockpit2/tcas/targets/"
+
+    def shown(texts):
+        standin.ask("frames 30")
+        return wait_for(f"{texts}", lambda: (t := Table(build, tmp_path)).active == len(texts) and [
+            entry[7].rstrip(b"\0").decode() for entry in t.entries[:t.active]] == texts and t)
+
+    table = shown(["TVX001", "TVX002", "TVX003"])
+    for slot, (entry, record) in enumerate(zip(table.entries[:3], table.records), 1):
+        place = lambda name: standin.number(f"{stem}{name}[{slot}]")
+        assert math.isclose(entry[1], place("position/lat"), abs_tol=1e-5)
+        assert math.isclose(entry[2], place("position/lon"), abs_tol=1e-5)
+        assert math.isclose(entry[3], place("position/ele") / 0.3048, rel_tol=1e-4)
+        assert abs(entry[4] * 360 / 65536 - place("position/psi")) < 1.1
+        assert abs(entry[5] - math.hypot(place("position/vx"), place("position/vz")) * 3600 / 1852) < 1.1
+        assert abs(record[2] * 360 / 65536 - place("position/the")) < 1.1
+        assert entry[9] & 0xFF == place("position/weight_on_wheels") and record[3:5] == (b"EDDM", b"EDDT")
+    # A network client takes the arrays over: its own number, one without a call sign, one on the ground.
+    standin.ask("set sim/cockpit2/tcas/indicators/tcas_num_acf 3")
+    standin.ask(f'set {stem}flight_id "--------DLH4KP  "')
+    standin.ask(f'set {stem}icao_type "--------A320----B738"')
+    standin.ask(f"set {stem}modeS_id[3] 0")
+    for name in ("lat", "lon"):
+        standin.ask(f"set {stem}position/{name}[3] 0")
+    standin.ask(f"set {stem}position/weight_on_wheels[2] 1")
+    later = shown(["DLH4KP", "B738"])
+    assert [entry[0] for entry in later.entries[:3]] == [table.entries[0][0], table.entries[1][0], 0]
+    assert later.entries[1][9] & 0xFF == 1
+    standin.ask("planes 8")  # the simulator has them again
+    wait_for("7 others", lambda: (standin.ask("frames 12"), Table(build, tmp_path).active == 7)[1])
     standin.quit()
 
 
