@@ -24,9 +24,9 @@ std::vector<Entry*> Named(Entry* first, std::string_view prefix) {
   return entries;
 }
 
-// Asks for the plain list first, then for what else is named in the program.
+// Asks for the plain list first, then, when `others` are wanted, for what else is named in the program.
 template <typename Entry, typename Find>
-void LookUpAll(Entry* first, std::span<const char* const> names, Find find) {
+void LookUpAll(Entry* first, std::span<const char* const> names, bool others, Find find) {
   const std::vector<Entry*> entries = Named(first, simulatorPrefix);
   std::vector<bool> asked(entries.size());
   for (const char* name : names) {
@@ -39,18 +39,24 @@ void LookUpAll(Entry* first, std::span<const char* const> names, Find find) {
     asked[static_cast<size_t>(place - entries.begin())] = true;
   }
   for (size_t i = 0; i < entries.size(); ++i) {
-    if (!asked[i]) entries[i]->handle = find(entries[i]->name);
+    if (others && !asked[i]) entries[i]->handle = find(entries[i]->name);
   }
 }
 
+// The object of a name; null when nothing in the program uses it.
+template <typename Entry>
+Entry* EntryOf(Entry* first, std::string_view name) {
+  Entry* entry = first;
+  while (entry != nullptr && entry->name != name) entry = entry->next;
+  return entry;
+}
+
+// Looks up also what no row uses: whether the add-on publishes it is told all the same.
 template <typename Entry, typename Find>
-uint32_t LookUpNamed(Entry* first, const char* prefix, Find find) {
-  uint32_t found = 0;
-  for (Entry* entry : Named(first, prefix)) {
-    entry->handle = find(entry->name);
-    found += entry->handle != nullptr ? 1 : 0;
-  }
-  return found;
+bool LookUpName(Entry* first, const char* name, Find find) {
+  const auto handle = find(name);
+  if (Entry* entry = EntryOf(first, name); entry != nullptr) entry->handle = handle;
+  return handle != nullptr;
 }
 
 // Times and indications that only the simulator decides, identity words, and words of this program's own.
@@ -73,20 +79,22 @@ void InitMemoryBlocks() {
 }
 
 void LookUpDataRefs() {
-  LookUpAll(firstDataRef, startDataRefs, XPLMFindDataRef);
+  LookUpAll(firstDataRef, startDataRefs, true, XPLMFindDataRef);
   TakeAccessFromRows();
   LogLine("Init DataRefMemBlock & VariablesAccessMemBlock OK!\n");
 }
 
 void LookUpCommands() {
-  LookUpAll(firstCommand, startCommands, XPLMFindCommand);
+  // The simulator's commands beyond the list are asked for with the add-on that listens to them.
+  LookUpAll(firstCommand, startCommands, false, XPLMFindCommand);
   LogLine("Init Command Block OK!\n");
 }
 
-uint32_t LookUpDataRefsOf(const char* prefix) { return LookUpNamed(firstDataRef, prefix, XPLMFindDataRef); }
-uint32_t LookUpCommandsOf(const char* prefix) { return LookUpNamed(firstCommand, prefix, XPLMFindCommand); }
+bool LookUpDataRef(const char* name) { return LookUpName(firstDataRef, name, XPLMFindDataRef); }
+bool LookUpCommand(const char* name) { return LookUpName(firstCommand, name, XPLMFindCommand); }
 
-void DropNamesOf(const char* prefix) {
-  for (DataRef* ref : Named(firstDataRef, prefix)) ref->handle = nullptr;
-  for (Command* command : Named(firstCommand, prefix)) command->handle = nullptr;
+void DropName(const char* name) {
+  if (std::string_view(name).starts_with(simulatorPrefix)) return;
+  if (DataRef* ref = EntryOf(firstDataRef, name); ref != nullptr) ref->handle = nullptr;
+  if (Command* command = EntryOf(firstCommand, name); command != nullptr) command->handle = nullptr;
 }
