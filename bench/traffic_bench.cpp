@@ -114,7 +114,7 @@ void PositionsOf63Aircraft(benchmark::State& state) {
   for (int place = 1; place < 64; ++place) {
     sim::SimCommand("set " + stem + "modeS_id[" + std::to_string(place) + "] " + std::to_string(place));
   }
-  LookUpDataRefsOf("sim/cockpit2/tcas/");
+  LookUpDataRefs();
   for (auto _ : state) benchmark::DoNotOptimize(FillTrafficPositions());
   End();
 }

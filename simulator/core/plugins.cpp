@@ -254,7 +254,9 @@ void PretendPlugin(const std::string& signature, bool on) {
     plugin->name = plugin->signature = signature;
     plugin->description = "pretended";
     plugin->pretended = plugin->enabled = true;
+    WorldPluginPretended(signature, true);
   } else if (!on && known && known->pretended) {
+    WorldPluginPretended(signature, false);
     std::erase_if(plugins, [&](auto& plugin) { return plugin.get() == known; });
   }
 }

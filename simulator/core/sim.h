@@ -76,6 +76,8 @@ bool WorldKnowsAircraft(const std::string& name);
 void WorldSelectAircraft(const std::string& name);
 // Signature of the plug-in that the selected aircraft brings ("" for none).
 const char* WorldAircraftPluginSignature();
+// A plug-in is pretended to have come or gone: its datarefs and commands do, too.
+void WorldPluginPretended(const std::string& signature, bool on);
 // One frame of flight: dt seconds of simulated time (0 while paused is not called). The core has already
 // advanced total_running_time_sec, and calls flight loops before this.
 void WorldStep(double dt);

@@ -411,6 +411,7 @@ void FlightAircraftChanged() {
 }
 
 void WorldStep(double dt) {
+  if (!circuitFlight) StepAddon();
   if (!circuitFlight || !(dt > 0)) return;
   double simulated = dt * std::clamp(I(refs.simSpeed), 0, 64);
   ShowClocks(simulated);

@@ -1,12 +1,18 @@
 #include "aircraft/adapters.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <span>
 #include <string>
 
 #include "XPLMPlugin.h"
+#include "aircraft/names.h"
 #include "base/log.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/identity.h"
+#include "bridge/catalogue/throttle_actions.h"
+#include "bridge/held_presses.h"
 #include "bridge/reader_groups.h"
 #include "bridge/registry.h"
 #include "platform/exceptions.h"
@@ -32,41 +38,69 @@ bool IsPublished(const char* name) {
   return handle != nullptr && XPLMGetDataRefTypes(handle) != xplmType_Unknown;
 }
 
-// How each add-on is known by the simulator, and what its datarefs and commands begin with; empty: none of its
-// own.
-struct Names {
-  AddOn addOn;
-  const char* signature;
-  const char* dataRefs;
-  const char* commands;
-};
-constexpr Names x737 = {AddOn::X737, "bs.x737.plugin", "x737/", ""};
-constexpr Names xSquawkBox = {AddOn::XSquawkBox, "vatsim.protodev.clients.xsquawkbox", "xsquawkbox/", ""};
-constexpr Names pilotEdge = {AddOn::PilotEdge, "com.pilotedge.plugin.xplane", "pilotedge/", "PilotEdge/"};
-constexpr Names ixeg733 = {AddOn::Ixeg733, "", "ixeg/733/", "ixeg/733/"};
-constexpr Names b738Extended = {AddOn::B738Extended, "", "laminar/B738/", "laminar/B738/"};
-constexpr Names b738Stock = {AddOn::B738Stock, "", "", ""};
-constexpr Names ec135 = {AddOn::Ec135, "rotorsim.ec135.management", "", ""};
-
-// Names that no row reads yet, looked up with the others.
-[[maybe_unused]] constexpr Source unreadNames[] = {
-    Float<"ixeg/733/misc/seatbelt_act">,   Fitting<"laminar/B738/tab/credits">,
-    Fitting<"laminar/B738/tab/page">,      Fitting<"laminar/B738/tab/power">,
-    Int<"pilotedge/radio/rx_status">,      Int<"pilotedge/radio/tx_status">,
-    Fitting<"pilotedge/status/connected">, Bytes<"xsquawkbox/input/user_msg">,
-};
-[[maybe_unused]] constexpr const Command* unreadCommands[] = {&commandOf<"PilotEdge/Connect">,
-                                                              &commandOf<"PilotEdge/Disconnect">};
+constexpr AddOn aircraftAddOns[] = {AddOn::X737, AddOn::B738Extended, AddOn::B738Stock, AddOn::Ixeg733,
+                                    AddOn::Ec135};
 
 bool handlesChanged;  // since the readers took them last
+NamesFound namesFound[static_cast<size_t>(AddOn::Count)];
 
-bool& LoadedOf(const Names& names) { return loadedAddOns[static_cast<size_t>(names.addOn)]; }
+bool& LoadedOf(AddOn addOn) { return loadedAddOns[static_cast<size_t>(addOn)]; }
 
-void Drop(const Names& names) {
-  if (names.dataRefs[0] != 0) DropNamesOf(names.dataRefs);
-  if (names.commands[0] != 0) DropNamesOf(names.commands);
-  LoadedOf(names) = false;
+bool Has(std::span<const AddOnName> names, const char* name) {
+  return std::any_of(names.begin(), names.end(),
+                     [name](const AddOnName& other) { return std::strcmp(other.name, name) == 0; });
+}
+
+// Relatives share names: those of one that is still there stay.
+bool IsStillUsed(const char* name) {
+  return std::any_of(std::begin(aircraftAddOns), std::end(aircraftAddOns), [name](AddOn addOn) {
+    return IsLoaded(addOn) && (Has(NamesOf(addOn).dataRefs, name) || Has(NamesOf(addOn).commands, name));
+  });
+}
+
+void Drop(AddOn addOn) {
+  LoadedOf(addOn) = false;
+  namesFound[static_cast<size_t>(addOn)] = {};
+  ForgetUnserved(addOn);
+  for (const auto& names : {NamesOf(addOn).dataRefs, NamesOf(addOn).commands}) {
+    for (const AddOnName& each : names) {
+      if (!IsStillUsed(each.name)) DropName(each.name);
+    }
+  }
   handlesChanged = true;
+}
+
+// Looks the names up and returns whether one of them is there.
+template <typename LookUp>
+bool LookUpNames(AddOn addOn, std::span<const AddOnName> names, LookUp lookUp) {
+  NamesFound& found = namesFound[static_cast<size_t>(addOn)];
+  const int before = found.found;
+  for (const AddOnName& each : names) {
+    ++found.total;
+    if (lookUp(each.name)) {
+      ++found.found;
+    } else {
+      found.missing.push_back(each.name);
+    }
+  }
+  return found.found > before;
+}
+void LookUpDataRefsOf(AddOn addOn) { LookUpNames(addOn, NamesOf(addOn).dataRefs, LookUpDataRef); }
+bool LookUpCommandsOf(AddOn addOn) { return LookUpNames(addOn, NamesOf(addOn).commands, LookUpCommand); }
+
+// How many of its names an add-on publishes, and which it does not: an older or newer version of it, mostly.
+void TellNames(AddOn addOn) {
+  constexpr size_t longest = 600;
+  const NamesFound& found = NamesFoundOf(addOn);
+  std::string missing;
+  size_t listed = 0;
+  while (listed < found.missing.size() && missing.size() < longest) {
+    missing += (listed == 0 ? "; not found: " : ", ") + std::string(found.missing[listed]);
+    ++listed;
+  }
+  if (listed < found.missing.size())
+    missing += " and " + std::to_string(found.missing.size() - listed) + " more";
+  LogOwn("TAVRIX->%s: %d of %d names found%s\n", NameOf(addOn), found.found, found.total, missing.c_str());
 }
 
 // Rows follow what has come or gone.
@@ -77,23 +111,23 @@ void BindChangedReaders() {
 }
 
 // Follows a plug-in: true when it has appeared (or has been reloaded) since the last call; its names are
-// dropped when it is gone.
-bool HasAppeared(const Names& names, XPLMPluginID* plugin) {
-  const XPLMPluginID answer = XPLMFindPluginBySignature(names.signature);
+// dropped when it is gone. Numbers of 0 (the simulator itself) and below are no plug-in's.
+bool HasAppeared(AddOn addOn, const char* signature, XPLMPluginID* plugin) {
+  const XPLMPluginID answer = XPLMFindPluginBySignature(signature);
   const XPLMPluginID found = answer > 0 ? answer : noPlugin;
-  if (found == *plugin && LoadedOf(names) == (found != noPlugin)) return false;
-  if (LoadedOf(names)) Drop(names);
+  if (found == *plugin && IsLoaded(addOn) == (found != noPlugin)) return false;
+  if (IsLoaded(addOn)) Drop(addOn);
   *plugin = found;
   handlesChanged = true;
-  return LoadedOf(names) = found != noPlugin;
+  return LoadedOf(addOn) = found != noPlugin;
 }
 
 // The same for an add-on that is known by what it publishes or by its title.
-bool HasAppeared(const Names& names, bool present) {
-  if (present == LoadedOf(names)) return false;
-  if (LoadedOf(names)) Drop(names);
+bool HasAppeared(AddOn addOn, bool present) {
+  if (present == IsLoaded(addOn)) return false;
+  if (IsLoaded(addOn)) Drop(addOn);
   handlesChanged = true;
-  return LoadedOf(names) = present;
+  return LoadedOf(addOn) = present;
 }
 
 bool TitleIsStockB738() {
@@ -104,48 +138,57 @@ bool TitleIsStockB738() {
 }
 
 void RecogniseX737() {
-  if (!HasAppeared(x737, &plugins.x737)) return;
-  LookUpDataRefsOf(x737.dataRefs);
+  if (!HasAppeared(AddOn::X737, "bs.x737.plugin", &plugins.x737)) return;
+  LookUpDataRefsOf(AddOn::X737);
   LogLine("x737 found pluginID=%i, datarefs loaded\n", plugins.x737);
+  LookUpCommandsOf(AddOn::X737);
+  TellNames(AddOn::X737);
 }
 
 void RecognisePilotEdge() {
-  if (!HasAppeared(pilotEdge, &plugins.pilotEdge)) return;
-  LookUpDataRefsOf(pilotEdge.dataRefs);
+  if (!HasAppeared(AddOn::PilotEdge, "com.pilotedge.plugin.xplane", &plugins.pilotEdge)) return;
+  LookUpDataRefsOf(AddOn::PilotEdge);
   LogLine("Init pilotEdge dataref Block OK!\n");
-  LookUpCommandsOf(pilotEdge.commands);
+  LookUpCommandsOf(AddOn::PilotEdge);
   LogLine("Init pilotEdge command Block OK!\n");
+  TellNames(AddOn::PilotEdge);
 }
 
 void RecogniseIxeg() {
-  if (!HasAppeared(ixeg733, IsPublished("ixeg/733/misc/seatbelt_act"))) {
-    if (!IsLoaded(AddOn::Ixeg733)) ixegThrottleTaken = false;
+  if (!HasAppeared(AddOn::Ixeg733, IsPublished("ixeg/733/misc/seatbelt_act"))) {
+    if (!IsLoaded(AddOn::Ixeg733)) ForgetIxegLevers();
     return;
   }
   char time[timeStampSize];
-  LookUpDataRefsOf(ixeg733.dataRefs);
+  LookUpDataRefsOf(AddOn::Ixeg733);
   LogLine("%s IXEG found, datarefs loaded\n", TimeStamp(time));
-  LookUpCommandsOf(ixeg733.commands);
-  LogLine("IXEG found, commands loaded\n");
+  if (LookUpCommandsOf(AddOn::Ixeg733)) LogLine("IXEG found, commands loaded\n");
+  TellNames(AddOn::Ixeg733);
 }
 
 void RecogniseExtendedB738() {
   const bool present = IsPublished("laminar/B738/tab/credits") || IsPublished("laminar/B738/tab/page") ||
                        IsPublished("laminar/B738/tab/power");
-  if (!HasAppeared(b738Extended, present)) return;
+  if (!HasAppeared(AddOn::B738Extended, present)) return;
   char time[timeStampSize];
-  LookUpDataRefsOf(b738Extended.dataRefs);
+  LookUpDataRefsOf(AddOn::B738Extended);
   LogLine("%s Extended 737-800 found, datarefs loaded\n", TimeStamp(time));
-  LookUpCommandsOf(b738Extended.commands);
-  LogLine("%s Extended 737-800 found, commands loaded\n", TimeStamp(time));
+  if (LookUpCommandsOf(AddOn::B738Extended)) {
+    LogLine("%s Extended 737-800 found, commands loaded\n", TimeStamp(time));
+  }
+  TellNames(AddOn::B738Extended);
 }
 
-// No name of its own is known: the flag alone tells the rows that this is a 737-800.
+// That of an older simulator has the title and publishes nothing of its own.
 void RecogniseStockB738() {
-  if (!HasAppeared(b738Stock, TitleIsStockB738())) return;
+  if (!HasAppeared(AddOn::B738Stock, TitleIsStockB738())) return;
   char time[timeStampSize];
+  LookUpDataRefsOf(AddOn::B738Stock);
   LogLine("%s Stock 737-800 found, datarefs loaded\n", TimeStamp(time));
-  LogLine("%s Stock 737-800 found, commands loaded\n", TimeStamp(time));
+  if (LookUpCommandsOf(AddOn::B738Stock)) {
+    LogLine("%s Stock 737-800 found, commands loaded\n", TimeStamp(time));
+  }
+  TellNames(AddOn::B738Stock);
 }
 
 // What the log was told last about the user's aircraft: its title, and the adapters that serve it.
@@ -156,20 +199,11 @@ struct ToldAircraft {
 };
 ToldAircraft toldAircraft;
 
+// Of aircraft alone: network clients say so themselves.
 std::string NamesOfAdapters() {
-  struct Name {
-    AddOn addOn;
-    const char* name;
-  };
-  // Aircraft alone: network clients say so themselves.
-  constexpr Name names[] = {{AddOn::X737, "x737"},
-                            {AddOn::Ixeg733, "IXEG 737"},
-                            {AddOn::B738Extended, "Extended 737-800"},
-                            {AddOn::B738Stock, "Stock 737-800"},
-                            {AddOn::Ec135, "EC135"}};
   std::string list;
-  for (const Name& name : names) {
-    if (IsLoaded(name.addOn)) list += (list.empty() ? "" : ", ") + std::string(name.name);
+  for (const AddOn addOn : {AddOn::X737, AddOn::Ixeg733, AddOn::B738Extended, AddOn::B738Stock, AddOn::Ec135}) {
+    if (IsLoaded(addOn)) list += (list.empty() ? "" : ", ") + std::string(NameOf(addOn));
   }
   return list;
 }
@@ -194,10 +228,11 @@ void TellAircraft() {
 
 // What comes and goes with the user's aircraft. The network clients stay.
 void DropAircraft() {
-  for (const Names* names : {&x737, &ixeg733, &b738Extended, &b738Stock, &ec135}) Drop(*names);
+  ReleaseHeldPresses();
+  for (const AddOn addOn : aircraftAddOns) Drop(addOn);
   plugins.x737 = noPlugin;
   plugins.ec135 = noPlugin;
-  ixegThrottleTaken = false;
+  ForgetIxegLevers();
 }
 
 // Each for itself: one whose accessors throw does not hide the others.
@@ -210,27 +245,36 @@ void Recognise() {
 
 void RecogniseXSquawkBox() {
   const bool before = IsLoaded(AddOn::XSquawkBox);
-  const bool appeared = HasAppeared(xSquawkBox, &plugins.xSquawkBox);
+  const bool appeared =
+      HasAppeared(AddOn::XSquawkBox, "vatsim.protodev.clients.xsquawkbox", &plugins.xSquawkBox);
   if (appeared || before != IsLoaded(AddOn::XSquawkBox)) xSquawkBoxState = {};
   if (!appeared) return;
-  LookUpDataRefsOf(xSquawkBox.dataRefs);
-  LoadedOf(xSquawkBox) = false;  // until it has answered: it is tried again when its accessors throw
+  LookUpDataRefsOf(AddOn::XSquawkBox);
+  LoadedOf(AddOn::XSquawkBox) = false;  // until it has answered: it is tried again when its accessors throw
   ReadText(Bytes<"xsquawkbox/vers/string">, xSquawkBoxState.version, sizeof xSquawkBoxState.version);
   xSquawkBoxState.versionNumber = ReadInt(Int<"xsquawkbox/vers/number">);
-  LoadedOf(xSquawkBox) = true;
+  LoadedOf(AddOn::XSquawkBox) = true;
   LogLine("XSB found pluginID=%i, datarefs loaded\n", plugins.xSquawkBox);
   XPLMSendMessageToPlugin(plugins.xSquawkBox, subscribeMessage,
                           reinterpret_cast<void*>(networkAudioWeatherText));
+  TellNames(AddOn::XSquawkBox);
 }
 
 void RecogniseAircraft() { RunAllSteps({Recognise, BindChangedReaders, TellAircraft}); }
 
 void RunEc135Adapter() {
-  // No name of its own is known either: its offsets stay on the stock datarefs.
-  if (!HasAppeared(ec135, &plugins.ec135)) return;
-  LogOwn("TAVRIX->EC135 found pluginID=%i, stock datarefs stay in use\n", plugins.ec135);
+  if (!HasAppeared(AddOn::Ec135, "rotorsim.ec135.management", &plugins.ec135)) {
+    BindChangedReaders();
+    return;
+  }
+  LookUpDataRefsOf(AddOn::Ec135);
+  LookUpCommandsOf(AddOn::Ec135);
+  LogOwn("TAVRIX->EC135 found pluginID=%i, datarefs and commands loaded\n", plugins.ec135);
+  TellNames(AddOn::Ec135);
   BindChangedReaders();
 }
+
+const NamesFound& NamesFoundOf(AddOn addOn) { return namesFound[static_cast<size_t>(addOn)]; }
 
 void DetectLoadedAircraft() {
   RunAllSteps({DropAircraft, StoreAircraftTitle, Recognise, RunEc135Adapter, BindChangedReaders, TellAircraft});
@@ -239,8 +283,8 @@ void DetectLoadedAircraft() {
 void ResetAdapters() {
   const XPLMPluginID subscribedAt = IsLoaded(AddOn::XSquawkBox) ? plugins.xSquawkBox : noPlugin;
   DropAircraft();
-  Drop(xSquawkBox);
-  Drop(pilotEdge);
+  Drop(AddOn::XSquawkBox);
+  Drop(AddOn::PilotEdge);
   plugins = {noPlugin, noPlugin, noPlugin, noPlugin};
   loadedAddOns = {};
   xSquawkBoxState = {};
@@ -249,11 +293,8 @@ void ResetAdapters() {
 }
 
 void ReleaseIxegThrottleOverride() {
-  if (!ixegThrottleTaken) return;
-  ixegThrottleTaken = false;
+  if (!ReleaseIxegLevers()) return;
   char time[timeStampSize];
-  SetSource(Fitting<"ixeg/733/hardware/tavrix_thro1">, 0);
-  SetSource(Fitting<"ixeg/733/hardware/tavrix_thro2">, 0);
   LogLine("%s disabling IXEG throttle overwrite OK!\n", TimeStamp(time));
 }
 

@@ -4,12 +4,15 @@
 // loaded, its handles become null again and the rows are back at the stock datarefs. The readers take their
 // handles anew then.
 //
-// The look-ups are made once per recognition, never again while the add-on stays. The names stand in
-// the rows; which offsets follow which add-on is told in docs/aircraft.md.
+// The look-ups are made once per recognition, never again while the add-on stays. The names stand in names.cpp;
+// which offsets follow which add-on by which of them is told in docs/aircraft.md.
 //
 // Everything here: simulator's thread, no lock held.
 #pragma once
 #include <cstdint>
+#include <vector>
+
+#include "bridge/add_ons.h"
 
 // Tests for every add-on but the EC135; called in the 313-frame cycle after its readers, which refresh the
 // aircraft title that one of the tests looks at. Logs one line per block of names that it loads, and one that
@@ -24,6 +27,13 @@ void RecogniseXSquawkBox();
 void DetectLoadedAircraft();
 // Drops every add-on, network clients included (at disable). Logs nothing.
 void ResetAdapters();
+// How many of an add-on's names the simulator knew when it was recognised; all 0 while it is not loaded. The
+// texts are constants.
+struct NamesFound {
+  int found = 0, total = 0;
+  std::vector<const char*> missing;
+};
+const NamesFound& NamesFoundOf(AddOn addOn);
 // Gives the IXEG 737 its throttles back when a client had taken them, with a log line (at disable, before
 // ResetAdapters).
 void ReleaseIxegThrottleOverride();

@@ -21,7 +21,13 @@ enum class AddOn : uint8_t {
 using AddOnSet = std::array<bool, static_cast<size_t>(AddOn::Count)>;
 extern AddOnSet loadedAddOns;  // that of None stays false
 
-// A client's throttle write has taken over the IXEG 737's throttles. Set by the throttle writers.
-extern bool ixegThrottleTaken;
-
 inline bool IsLoaded(AddOn addOn) { return loadedAddOns[static_cast<size_t>(addOn)]; }
+
+// What a log line calls it: "Extended 737-800".
+const char* NameOf(AddOn addOn);
+
+// Says in the log, once while the add-on stays loaded, that clients' writes of this offset do nothing with it.
+// `missing` is the name that it does not publish; empty when it has no such control at all.
+void TellUnserved(AddOn addOn, uint32_t offset, const char* missing);
+// The add-on has come or gone: such lines may be said again.
+void ForgetUnserved(AddOn addOn);

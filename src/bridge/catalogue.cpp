@@ -7,10 +7,8 @@
 #include "base/bytes.h"
 #include "base/version.h"
 #include "bridge/encode.h"
+#include "bridge/held_presses.h"
 #include "offsets/memory.h"
-
-AddOnSet loadedAddOns;
-bool ixegThrottleTaken;
 
 namespace {
 
@@ -26,16 +24,68 @@ constexpr Variant none = {};
 constexpr Source autopilotState = Int<"sim/cockpit/autopilot/autopilot_state">;
 
 bool ReadSwitch(const OffsetRow& row, double* value) {
-  *value = IsSwitchOn(ActiveVariant(row));
+  *value = IsSwitchOn(ShowingVariant(row));
   return true;
 }
 
+bool IsPublished(const Source& source) { return HandleOf(source) != nullptr; }
+bool IsFired(const Command* command) { return command != nullptr && command->handle != nullptr; }
+
 bool IsWritten(const Variant& variant) {
   return variant.target.ref != nullptr || variant.apply != nullptr || variant.press != nullptr ||
-         variant.key >= 0 || variant.stateBit != 0;
+         variant.key >= 0 || variant.stateBit != 0 || variant.buttons[0].press != nullptr ||
+         !variant.places.empty();
 }
 
-void TurnSwitch(const Variant& variant, bool wanted) {
+bool IsLoadedFor(const Variant& variant) { return IsLoaded(variant.addOn) || IsLoaded(variant.alsoFor); }
+
+AddOn LoadedOf(const Variant& variant) { return IsLoaded(variant.addOn) ? variant.addOn : variant.alsoFor; }
+
+// Whether the simulator knows one of the names that a variant is shown by.
+bool Shows(const Variant& variant) {
+  if (variant.read != nullptr) {
+    return variant.reads.empty() || std::any_of(variant.reads.begin(), variant.reads.end(), IsPublished);
+  }
+  if (IsSwitch(variant)) {
+    const auto isLamp = [](const Button& button) { return IsPublished(button.light); };
+    return variant.stateBits != 0 ||
+           std::any_of(std::begin(variant.lights), std::end(variant.lights), IsPublished) ||
+           std::any_of(std::begin(variant.marks), std::end(variant.marks), IsPublished) ||
+           std::any_of(std::begin(variant.buttons), std::end(variant.buttons), isLamp);
+  }
+  // A conversion alone is of what the row reads.
+  return variant.source.ref != nullptr ? IsPublished(variant.source) : variant.convert != nullptr;
+}
+
+bool HasButton(const Variant& variant) {
+  return std::any_of(std::begin(variant.buttons), std::end(variant.buttons),
+                     [](const Button& button) { return IsFired(button.press) || IsFired(button.orPress); });
+}
+bool HasPlace(const Variant& variant) {
+  return std::any_of(variant.places.begin(), variant.places.end(), IsFired);
+}
+// What stands behind buttons and places when they are not published.
+bool HasRest(const Variant& variant) {
+  if (IsPublished(variant.target)) return true;
+  if (variant.apply == nullptr) return false;
+  return (variant.sets.empty() && variant.fires.empty()) ||
+         std::any_of(variant.sets.begin(), variant.sets.end(), IsPublished) ||
+         std::any_of(variant.fires.begin(), variant.fires.end(), IsFired);
+}
+bool Reaches(const Variant& variant) {
+  return !variant.silent && (HasButton(variant) || HasPlace(variant) || HasRest(variant));
+}
+
+// The first name that a variant would have needed, for the log.
+const char* MissingName(const Variant& variant) {
+  if (variant.buttons[0].press != nullptr) return variant.buttons[0].press->name;
+  if (!variant.places.empty()) return variant.places[0]->name;
+  if (variant.target.ref != nullptr) return variant.target.ref->name;
+  if (!variant.fires.empty()) return variant.fires[0]->name;
+  return variant.sets.empty() ? "" : variant.sets[0].ref->name;
+}
+
+void TurnStockSwitch(const Variant& variant, bool wanted) {
   if (variant.target.ref != nullptr) {
     SetSource(variant.target, wanted);
     return;
@@ -48,6 +98,65 @@ void TurnSwitch(const Variant& variant, bool wanted) {
   } else if (variant.stateBit != 0) {
     SetSource(autopilotState, variant.stateBit);
   }
+}
+
+void Fire(const Variant& variant, uint32_t offset, const Command* command) {
+  if (!IsFired(command)) {
+    TellUnserved(LoadedOf(variant), offset, command == nullptr ? "" : command->name);
+  } else if (variant.held) {
+    HoldCommand(*command);
+  } else {
+    FireCommand(*command);
+  }
+}
+
+// A lamp that is counted as an integer is lit when it is not 0.
+bool IsLampOn(const Source& light) { return light.accessor == Accessor::Int ? IsOn(light) : IsLit(light); }
+
+bool IsButtonOn(const Button& button, bool shown) {
+  return IsPublished(button.light) ? IsLampOn(button.light) : shown;
+}
+
+void PressButtons(const Variant& variant, uint32_t offset, bool shown, bool wanted) {
+  const auto press = [&](const Button& button) {
+    Fire(variant, offset, IsFired(button.press) || !IsFired(button.orPress) ? button.press : button.orPress);
+  };
+  if (variant.momentary) {
+    if (wanted && !shown) press(variant.buttons[0]);
+    return;
+  }
+  bool isOn = false;
+  for (const Button& button : variant.buttons) {
+    if (button.press == nullptr) break;
+    const bool on = IsButtonOn(button, shown);
+    isOn |= on;
+    if (variant.everyButton ? on != wanted : on && !wanted) press(button);
+  }
+  if (wanted && !isOn && !variant.everyButton) press(variant.buttons[0]);
+}
+
+void SetTargets(const Variant& variant, double number) {
+  SetSource(variant.target, number);
+  for (const Source& target : variant.together) SetSource(target, number);
+}
+
+// Buttons or places of an add-on, which comes before what else the variant has. Returns false without them.
+bool UsesPanel(const Variant& variant, uint32_t offset, bool shown, double number) {
+  if (HasButton(variant)) {
+    PressButtons(variant, offset, shown, number != 0);
+    return true;
+  }
+  if (!HasPlace(variant)) return false;
+  const double place = std::clamp(number, 0.0, static_cast<double>(variant.places.size() - 1));
+  Fire(variant, offset, variant.places[static_cast<size_t>(place)]);
+  return true;
+}
+
+// Whether an add-on's variant cannot be reached; says so.
+bool IsOutOfReach(const Variant& variant, uint32_t offset) {
+  if (variant.addOn == AddOn::None || Reaches(variant)) return false;
+  TellUnserved(LoadedOf(variant), offset, variant.silent ? "" : MissingName(variant));
+  return true;
 }
 
 }  // namespace
@@ -113,21 +222,39 @@ int64_t DecodeInteger(Stored type, const uint8_t* bytes) {
   return 0;
 }
 
-const Variant& ActiveVariant(std::span<const Variant> variants) {
+const Variant& ShowingVariant(std::span<const Variant> variants) {
   for (const Variant& variant : variants) {
-    if (variant.addOn == AddOn::None || IsLoaded(variant.addOn)) return variant;
+    if (variant.addOn == AddOn::None || (IsLoadedFor(variant) && Shows(variant))) return variant;
   }
   return none;
 }
 
+// What the simulator's own 737-800 does not publish (that of an older simulator has no names of its own) is the
+// simulator's.
+const Variant& ActingVariant(std::span<const Variant> variants) {
+  for (const Variant& variant : variants) {
+    if (variant.addOn == AddOn::None) return variant;
+    if (!IsLoadedFor(variant) || (!ActsOn(variant) && variant.targetConvert == nullptr)) continue;
+    if (LoadedOf(variant) != AddOn::B738Stock || Reaches(variant)) return variant;
+  }
+  return none;
+}
+
+bool ActsOn(const Variant& variant) { return IsWritten(variant) || variant.silent; }
+
+const double* ActivePrepared(const OffsetRow& row) {
+  return ShowingVariant(row).source.ref != nullptr ? nullptr : row.prepared;
+}
+
 ReadRow ActiveRead(const OffsetRow& row) {
-  if (row.read != nullptr) return row.read;
-  const Variant& variant = ActiveVariant(row);
-  return variant.read == nullptr && IsSwitch(variant) ? ReadSwitch : variant.read;
+  const Variant& variant = ShowingVariant(row);
+  if (variant.read != nullptr) return variant.read;
+  if (IsSwitch(variant)) return ReadSwitch;
+  return variant.source.ref != nullptr ? nullptr : row.read;
 }
 
 Convert ActiveConvert(const OffsetRow& row) {
-  const Convert convert = ActiveVariant(row).convert;
+  const Convert convert = ShowingVariant(row).convert;
   return convert != nullptr ? convert : row.convert;
 }
 
@@ -146,7 +273,9 @@ double InChangedUnit(double number, const UnitChange& change) {
 
 double TargetNumber(const OffsetRow& row, double number) {
   const WriteRule& write = row.write;
-  const Convert own = ActiveVariant(row).targetConvert;
+  const Variant& variant = ActingVariant(row);
+  const Convert own = variant.targetConvert;
+  if (own != nullptr && IsWritten(variant)) return own(number);  // the limits are those of the row's own target
   const Convert convert = own != nullptr ? own : write.convert;
   const double limited =
       std::clamp(convert != nullptr ? convert(number) : number * write.factor, write.low, write.high);
@@ -154,18 +283,26 @@ double TargetNumber(const OffsetRow& row, double number) {
 }
 
 bool IsSwitch(const Variant& variant) {
-  return variant.lights[0].ref != nullptr || variant.marks[0].ref != nullptr || variant.stateBits != 0;
+  return variant.lights[0].ref != nullptr || variant.marks[0].ref != nullptr || variant.stateBits != 0 ||
+         variant.buttons[0].light.ref != nullptr;
 }
 
 bool IsSwitchOn(const Variant& variant) {
   for (const Source& light : variant.lights) {
     if (light.ref == nullptr) break;
-    if (IsLit(light)) return true;
+    if (IsLit(light)) return !variant.dark;
   }
   for (const Source& mark : variant.marks) {
     if (IsOn(mark)) return true;
   }
-  return variant.stateBits != 0 && (ReadInt(autopilotState) & variant.stateBits) != 0;
+  if (variant.stateBits != 0) return (ReadInt(autopilotState) & variant.stateBits) != 0;
+  if (variant.lights[0].ref == nullptr) {
+    for (const Button& button : variant.buttons) {
+      if (button.light.ref == nullptr) break;
+      if (IsLampOn(button.light)) return true;
+    }
+  }
+  return variant.dark;
 }
 
 bool HasWriter(const OffsetRow& row) {
@@ -175,18 +312,35 @@ bool HasWriter(const OffsetRow& row) {
 }
 
 void ApplyVariant(const OffsetRow& row, const Staged& staged) {
-  const Variant& variant = ActiveVariant(row);
+  const Variant& variant = ActingVariant(row);
+  if (IsOutOfReach(variant, row.offset)) return;
+  const Variant& showing = ShowingVariant(row);
+  const bool isSwitch = IsSwitch(variant) || variant.buttons[0].press != nullptr;
+  const double number = isSwitch && variant.targetConvert == nullptr ? static_cast<double>(staged.integer != 0)
+                                                                     : TargetNumber(row, staged.number);
+  const bool isPanel = variant.buttons[0].press != nullptr || !variant.places.empty();
+  const bool shown = isPanel && IsSwitch(showing) ? IsSwitchOn(showing) : staged.integer == 0;
+  if (isPanel && UsesPanel(variant, row.offset, shown, number)) return;
   if (variant.apply != nullptr) {
     variant.apply(row, staged);
-  } else if (IsSwitch(variant)) {
-    TurnSwitch(variant, staged.integer != 0);
+  } else if (isSwitch && variant.addOn == AddOn::None) {
+    TurnStockSwitch(variant, number != 0);
   } else {
-    SetSource(variant.target, TargetNumber(row, staged.number));
+    SetTargets(variant, number);
   }
 }
 
+void TurnSwitch(std::span<const Variant> variants, uint32_t offset, bool wanted) {
+  const Variant& variant = ActingVariant(variants);
+  if (IsOutOfReach(variant, offset)) return;
+  const bool shown = IsOn(ShowingVariant(variants).source);
+  if (UsesPanel(variant, offset, shown, wanted)) return;
+  SetTargets(variant, variant.targetConvert != nullptr ? variant.targetConvert(wanted) : wanted);
+}
+
 Source ActiveSource(const OffsetRow& row) {
-  return row.source.ref != nullptr ? row.source : ActiveVariant(row).source;
+  const Source source = ShowingVariant(row).source;
+  return source.ref != nullptr ? source : row.source;
 }
 
 void CopyFromMemory(uint32_t offset, uint32_t size, void* bytes) {

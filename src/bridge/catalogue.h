@@ -72,30 +72,62 @@ struct UnitChange {
   double factor = 1;  // what the row calls the source's unit = published x factor
 };
 
+// A button of an add-on's panel.
+struct Button {
+  // Lit while what it selects is on, the other way round with `dark`; none, or not published: as the row shows
+  // it.
+  Source light = {};
+  const Command* press = nullptr;
+  const Command* orPress = nullptr;  // where a version of the add-on lacks the first
+};
+
 // How one aircraft shows and takes a row's value: an add-on that counts while it is loaded, or the simulator's
-// own (AddOn::None), which stands last. The first that counts serves the row.
+// own (AddOn::None), which stands last or in the row itself. The first one that is loaded and shows the value
+// serves reading, the first one that takes it serves writing. An add-on that is loaded and publishes none of
+// the names that it is shown by is passed over; one that publishes none of those by which it would take a value
+// does nothing with it and the log says so, as it would not look at the simulator's own control either.
 struct Variant {
   AddOn addOn = AddOn::None;
-  Source source = {};         // of a number; converted as the row says
-  Convert convert = nullptr;  // of what is read, instead of the row's
+  AddOn alsoFor = AddOn::None;  // a relative that publishes the same names
+  Source source = {};           // of a number; converted as the row says
+  Convert convert = nullptr;    // of what is read, instead of the row's
   ReadRow read = nullptr;
   // Of a switch: on while one of these lights is lit, one of these marks is not 0, or one of these bits of the
-  // autopilot's state is set.
+  // autopilot's state is set. Without lights those of the buttons count.
   Source lights[4] = {};
   Source marks[2] = {};
   int stateBits = 0;
-  Source target = {};               // set by a write; converted as the row says, a switch to 0 or 1
-  Convert targetConvert = nullptr;  // of what is written, instead of the row's
+  bool dark = false;                      // the lights are lit while it is off
+  Source target = {};                     // set by a write; converted as the row says, a switch to 0 or 1
+  Convert targetConvert = nullptr;        // of what is written, instead of the row's; limits it, too
+  std::span<const Source> together = {};  // set to the same as the target
   ApplyWrite apply = nullptr;
   // What turns a switch over, fired only when the wanted state differs from the shown one: the first one given.
   const Command* press = nullptr;
   int key = -1;      // of the simulator's keys
   int stateBit = 0;  // of the autopilot's state, set to press it
+  // An add-on's way to take a value, before `apply` and `target` when it publishes them. Buttons: on presses
+  // the first one unless one of them is on, off presses each that is on. With `everyButton` each is pressed
+  // whose state differs. A momentary button knows no off.
+  Button buttons[4] = {};
+  bool everyButton = false, momentary = false;
+  // The commands of a lever's or knob's places; the place is the written number, by targetConvert if given.
+  std::span<const Command* const> places = {};
+  bool held = false;  // begun and ended some frames later, for what acts while it is pressed
+  bool silent =
+      false;  // the add-on has no such control and does not look at the simulator's: writes do nothing
+  // What the functions above read, set and fire beyond what stands here, for the reference page and for telling
+  // whether the add-on has the control at all.
+  std::span<const Source> reads = {}, sets = {};
+  std::span<const Command* const> fires = {};
 };
 // A row's variants in the row itself: .variants = variantsOf<[] { return std::array{Variant{...},
 // Variant{...}}; }>.
 template <auto list>
 constexpr auto variantsOf = list();
+// Commands by their names, for a variant's `places` and `fires`.
+template <NameText... names>
+constexpr const Command* commandsOf[] = {&commandOf<names>...};
 
 struct OffsetRow {
   uint32_t offset = 0;
@@ -158,12 +190,16 @@ uint32_t StoredWidth(const OffsetRow& row);
 double DecodeNumber(Stored type, const uint8_t* bytes);
 int64_t DecodeInteger(Stored type, const uint8_t* bytes);
 
-// The variant that counts at the moment, and the one that serves a row; an empty one when none does.
+// The variant that shows a row's value at the moment, and the one that takes it; an empty one when none does.
 // Simulator's thread.
-const Variant& ActiveVariant(std::span<const Variant> variants);
-inline const Variant& ActiveVariant(const OffsetRow& row) { return ActiveVariant(row.variants); }
-// Where a row's number is read at the moment: its own source, else that of the variant that serves it.
+const Variant& ShowingVariant(std::span<const Variant> variants);
+inline const Variant& ShowingVariant(const OffsetRow& row) { return ShowingVariant(row.variants); }
+const Variant& ActingVariant(std::span<const Variant> variants);
+inline const Variant& ActingVariant(const OffsetRow& row) { return ActingVariant(row.variants); }
+// Where a row's number is read at the moment: the source of the variant that serves it, else its own.
 Source ActiveSource(const OffsetRow& row);
+// The snapshot's number that a row shows at the moment; null when a variant's source takes its place.
+const double* ActivePrepared(const OffsetRow& row);
 // The function that makes a row's number at the moment; null when a source or a snapshot has it.
 ReadRow ActiveRead(const OffsetRow& row);
 // What converts a row's number at the moment; null when its factor does.
@@ -182,10 +218,14 @@ bool IsSwitch(const Variant& variant);
 bool IsSwitchOn(const Variant& variant);
 // Whether a light is lit: its number is above 0.5.
 inline bool IsLit(const Source& source) { return ReadSource(source) > 0.5; }
+// Whether a write is the variant's business and not that of the row's own rule.
+bool ActsOn(const Variant& variant);
 // Whether a client's write does something, with one aircraft at least.
 bool HasWriter(const OffsetRow& row);
-// Does what a client's write of a row without a rule of its own does: as the variant that serves it says.
+// Does what a client's write of a row does as the variant that takes it says.
 void ApplyVariant(const OffsetRow& row, const Staged& staged);
+// The same of a switch that belongs to no row of its own; `offset` is for the log.
+void TurnSwitch(std::span<const Variant> variants, uint32_t offset, bool wanted);
 
 // Copies bytes of the offset memory under the offset lock (blocking; for writers), and stores some.
 void CopyFromMemory(uint32_t offset, uint32_t size, void* bytes);

@@ -128,13 +128,13 @@ Encode EncoderOf(Stored type) {
 
 // Whether a row's number is what the simulator answers for one source.
 bool IsFetched(const OffsetRow& row) {
-  return ActiveRead(row) == nullptr && row.prepared == nullptr && HandleOf(ActiveSource(row)) != nullptr;
+  return ActiveRead(row) == nullptr && ActivePrepared(row) == nullptr && HandleOf(ActiveSource(row)) != nullptr;
 }
 
 // The variant that shows a row's switch at the moment; null for other rows.
 const Variant* ShownSwitch(const OffsetRow& row) {
-  const Variant& variant = ActiveVariant(row);
-  return row.read == nullptr && variant.read == nullptr && IsSwitch(variant) ? &variant : nullptr;
+  const Variant& variant = ShowingVariant(row);
+  return variant.read == nullptr && IsSwitch(variant) ? &variant : nullptr;
 }
 
 bool IsDerived(const OffsetRow& row) { return ActiveRead(row) != nullptr || ActiveConvert(row) != nullptr; }
@@ -240,13 +240,16 @@ const double* NumberOf(const Reader& reader, const Source& stated) {
 
 // What a row's number is made of.
 const double* InputOf(const Reader& reader, const OffsetRow& row) {
-  if (row.prepared != nullptr) return row.prepared;
+  if (const double* prepared = ActivePrepared(row); prepared != nullptr) return prepared;
   return IsFetched(row) ? NumberOf(reader, ActiveSource(row)) : &nothing;
 }
 
 // A number that is not a dataref of the row's own keeps its sign when it is 0, as one that a function makes
 // does.
-double AddOf(const OffsetRow& row) { return row.source.ref == nullptr && row.add == 0 ? -0.0 : row.add; }
+double AddOf(const OffsetRow& row) {
+  const bool isOwn = row.source.ref != nullptr && ActiveSource(row) == row.source;
+  return !isOwn && row.add == 0 ? -0.0 : row.add;
+}
 
 void LayOutItems(Reader* reader) {
   Rows sorted;

@@ -39,9 +39,9 @@ void FindOtherNames(std::string_view prefix) {
   }
 }
 
-// Asks for the plain list first, then for what else is named in the program.
+// Asks for the plain list first, then, when `others` are wanted, for what else is named in the program.
 template <typename Entry, typename Find>
-void LookUpAll(Entry* first, std::span<const char* const> names, Find find) {
+void LookUpAll(Entry* first, std::span<const char* const> names, bool others, Find find) {
   const std::vector<Entry*> entries = Named(first, simulatorPrefix);
   std::vector<bool> asked(entries.size());
   for (const char* name : names) {
@@ -54,18 +54,24 @@ void LookUpAll(Entry* first, std::span<const char* const> names, Find find) {
     asked[static_cast<size_t>(place - entries.begin())] = true;
   }
   for (size_t i = 0; i < entries.size(); ++i) {
-    if (!asked[i]) SetHandle(entries[i], find(entries[i]->name));
+    if (others && !asked[i]) SetHandle(entries[i], find(entries[i]->name));
   }
 }
 
+// The object of a name; null when nothing in the program uses it.
+template <typename Entry>
+Entry* EntryOf(Entry* first, std::string_view name) {
+  Entry* entry = first;
+  while (entry != nullptr && entry->name != name) entry = entry->next;
+  return entry;
+}
+
+// Looks up also what no row uses: whether the add-on publishes it is told all the same.
 template <typename Entry, typename Find>
-uint32_t LookUpNamed(Entry* first, const char* prefix, Find find) {
-  uint32_t found = 0;
-  for (Entry* entry : Named(first, prefix)) {
-    SetHandle(entry, find(entry->name));
-    found += entry->handle != nullptr ? 1 : 0;
-  }
-  return found;
+bool LookUpName(Entry* first, const char* name, Find find) {
+  const auto handle = find(name);
+  if (Entry* entry = EntryOf(first, name); entry != nullptr) SetHandle(entry, handle);
+  return handle != nullptr;
 }
 
 // Times and indications that only the simulator decides, identity words, and words of this program's own.
@@ -90,21 +96,23 @@ void InitMemoryBlocks() {
 }
 
 void LookUpDataRefs() {
-  LookUpAll(firstDataRef, startDataRefs, XPLMFindDataRef);
+  LookUpAll(firstDataRef, startDataRefs, true, XPLMFindDataRef);
   FindOtherNames(simulatorPrefix);
   TakeAccessFromRows();
   LogLine("Init DataRefMemBlock & VariablesAccessMemBlock OK!\n");
 }
 
 void LookUpCommands() {
-  LookUpAll(firstCommand, startCommands, XPLMFindCommand);
+  // The simulator's commands beyond the list are asked for with the add-on that listens to them.
+  LookUpAll(firstCommand, startCommands, false, XPLMFindCommand);
   LogLine("Init Command Block OK!\n");
 }
 
-uint32_t LookUpDataRefsOf(const char* prefix) { return LookUpNamed(firstDataRef, prefix, XPLMFindDataRef); }
-uint32_t LookUpCommandsOf(const char* prefix) { return LookUpNamed(firstCommand, prefix, XPLMFindCommand); }
+bool LookUpDataRef(const char* name) { return LookUpName(firstDataRef, name, XPLMFindDataRef); }
+bool LookUpCommand(const char* name) { return LookUpName(firstCommand, name, XPLMFindCommand); }
 
-void DropNamesOf(const char* prefix) {
-  for (DataRef* ref : Named(firstDataRef, prefix)) SetHandle(ref, nullptr);
-  for (Command* command : Named(firstCommand, prefix)) SetHandle(command, nullptr);
+void DropName(const char* name) {
+  if (std::string_view(name).starts_with(simulatorPrefix)) return;
+  if (DataRef* ref = EntryOf(firstDataRef, name); ref != nullptr) SetHandle(ref, nullptr);
+  if (Command* command = EntryOf(firstCommand, name); command != nullptr) SetHandle(command, nullptr);
 }

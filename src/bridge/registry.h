@@ -1,7 +1,7 @@
 // Looking up the simulator's datarefs and commands, and which offsets clients may not write.
 //
 // Handles stand in one object a name (bridge/sources.h). Start fills those of the simulator itself, the
-// recognition of an add-on those that begin with its prefix. Handles are never released; the access bytes do
+// recognition of an add-on those of its names. Handles are never released; the access bytes do
 // not change after start and may be read by any thread.
 #pragma once
 #include <cstdint>
@@ -19,9 +19,8 @@ void InitMemoryBlocks();
 void LookUpDataRefs();
 void LookUpCommands();
 
-// The same for the names of an add-on, all that begin with `prefix`, in the order of the alphabet: fills their
-// handles and returns how many of them the simulator knows. Simulator's thread.
-uint32_t LookUpDataRefsOf(const char* prefix);
-uint32_t LookUpCommandsOf(const char* prefix);
-// Sets the handles of these names to null again.
-void DropNamesOf(const char* prefix);
+// The same for one name of an add-on: fills its handle and returns whether the simulator knows it.
+bool LookUpDataRef(const char* name);
+bool LookUpCommand(const char* name);
+// Sets the handles of this name to null again, unless it is one of the simulator's own.
+void DropName(const char* name);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "bridge/cycles.h"
+#include "bridge/held_presses.h"
 #include "bridge/writer_list.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
@@ -33,12 +34,13 @@ void Apply(const OffsetRow& row, const uint8_t* bytes, uint32_t width) {
   const double number = DecodeNumber(row.type, bytes);
   if (!IsUsable(row.type, number)) return;
   const WriteRule& write = row.write;
-  if (write.apply != nullptr) {
-    write.apply(row, {number, DecodeInteger(row.type, bytes), bytes, width});
-  } else if (write.target.ref != nullptr) {
-    SetSource(write.target, TargetNumber(row, number));
+  const Staged staged = {number, DecodeInteger(row.type, bytes), bytes, width};
+  if (ActsOn(ActingVariant(row))) {
+    ApplyVariant(row, staged);
+  } else if (write.apply != nullptr) {
+    write.apply(row, staged);
   } else {
-    ApplyVariant(row, {number, DecodeInteger(row.type, bytes), bytes, width});
+    SetSource(write.target, TargetNumber(row, number));
   }
 }
 
@@ -88,6 +90,7 @@ void BuildWriters() {
 }
 
 void RunWriters() {
+  if (heldPresses != 0) StepHeldPresses();
   // Frames in which no client has written pass here: the mark is raised together with any flag.
   if (anythingPending.load(std::memory_order_relaxed) == 0) return;
   // One look at all flags: the lock is entered again only for those that are up.

@@ -7,8 +7,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
+#include <tuple>
 
 #include "XPLMPlugin.h"
+#include "aircraft/names.h"
 #include "base/log.h"
 #include "bridge/catalogue/identity.h"
 #include "row_harness.h"
@@ -66,26 +69,26 @@ TEST_F(Adapters, AircraftComeAndGo) {
     std::initializer_list<const char*> lines;
   };
   const Case cases[] = {
-      {"x737", AddOn::X737, "x737/", 45, 0, {"x737 found pluginID="}},
+      {"x737", AddOn::X737, "x737/", 45, 11, {"x737 found pluginID="}},
       {"ixeg733",
        AddOn::Ixeg733,
        "ixeg/733/",
-       9,
-       0,
+       47,
+       12,
        {" IXEG found, datarefs loaded\n", "\nIXEG found, commands loaded\n"}},
       {"b738-extended",
        AddOn::B738Extended,
        "laminar/B738/",
-       26,
-       17,
+       46,
+       59,
        {" Extended 737-800 found, datarefs loaded\n", " Extended 737-800 found, commands loaded\n"}},
       {"b738",
        AddOn::B738Stock,
        "laminar/B738/",
-       0,
-       0,
+       23,
+       18,
        {" Stock 737-800 found, datarefs loaded\n", " Stock 737-800 found, commands loaded\n"}},
-      {"ec135", AddOn::Ec135, "laminar/B738/", 0, 0, {" TAVRIX->EC135 found pluginID="}},
+      {"ec135", AddOn::Ec135, "rotorsim/ec135/", 4, 0, {" TAVRIX->EC135 found pluginID="}},
   };
   int round = 0;
   for (const Case& c : cases) {
@@ -103,6 +106,7 @@ TEST_F(Adapters, AircraftComeAndGo) {
       EXPECT_EQ(LoadedCount(), 1);
       EXPECT_EQ(DataRefHandles(c.prefix), c.dataRefs);
       EXPECT_EQ(CommandHandles(c.prefix), c.commands);
+      EXPECT_EQ(NamesFoundOf(c.addOn).missing.size(), 0u) << NamesFoundOf(c.addOn).missing.front();
       RunCycles();
       RunCycles();
       for (const char* line : c.lines) EXPECT_EQ(Logged(line), before + 1) << "looked up once: " << line;
@@ -198,7 +202,6 @@ TEST_F(Adapters, NetworkClients) {
   sim::SimCommand("define xsquawkbox/text/from byte[32]");
   sim::SimCommand("define xsquawkbox/text/msg byte[64]");
   sim::SimCommand("define xsquawkbox/vers/number int 120");
-  sim::SimCommand("command PilotEdge/Connect");
   sim::SimCommand("plugin " + signature + " on");
   sim::SimCommand("plugin com.pilotedge.plugin.xplane on");
   RunCycles();
@@ -206,7 +209,7 @@ TEST_F(Adapters, NetworkClients) {
   EXPECT_EQ(LoadedCount(), 2);
   EXPECT_EQ(Logged("XSB found pluginID="), 1);
   EXPECT_EQ(Logged("Init pilotEdge dataref Block OK!\nInit pilotEdge command Block OK!\n"), 1);
-  EXPECT_EQ(CommandHandles("PilotEdge/"), 1) << "the other is not published";
+  EXPECT_EQ(NamesFoundOf(AddOn::PilotEdge).found, 9);
   EXPECT_EQ(xSquawkBoxState.versionNumber, 120);
   const int id = XPLMFindPluginBySignature(signature.c_str());
   EXPECT_EQ(rows::Calls(), "plugin-message 16777217 15") << "subscribed once";
@@ -244,22 +247,96 @@ TEST_F(Adapters, NetworkClients) {
   EXPECT_EQ(xSquawkBoxState.connected, 0) << "gone";
   ResetAdapters();
   EXPECT_EQ(LoadedCount(), 0);
-  EXPECT_EQ(CommandHandles("PilotEdge/"), 0);
+  EXPECT_EQ(NamesFoundOf(AddOn::PilotEdge).total, 0);
 }
 
-TEST_F(Adapters, IxegThrottlesAreGivenBackOnce) {
-  const std::string line = " disabling IXEG throttle overwrite OK!\n";
+TEST_F(Adapters, IxegThrottlesAreGivenBackWhereNobodyElseHasSetThem) {
+  const std::string line = " disabling IXEG throttle overwrite OK!\n", input = "ixeg/733/hardware/tavrix_thro";
   sim::SimCommand("aircraft ixeg733");
   DetectLoadedAircraft();
-  rows::Set("ixeg/733/hardware/tavrix_thro1", 0.5);
+  rows::Set(input + "1", 0.5);
   ReleaseIxegThrottleOverride();
-  EXPECT_EQ(rows::Get("ixeg/733/hardware/tavrix_thro1"), 0.5) << "no client has taken them";
+  EXPECT_EQ(rows::Get(input + "1"), 0.5) << "no client has taken them";
   EXPECT_EQ(Logged(line), 0);
-  ixegThrottleTaken = true;
-  ReleaseIxegThrottleOverride();
-  ReleaseIxegThrottleOverride();
-  EXPECT_EQ(rows::Get("ixeg/733/hardware/tavrix_thro1"), 0);
+  rows::WriteNew(0x088C, Stored::S16, 16384);
+  rows::WriteNew(0x0924, Stored::S16, 5000);
+  rows::Set(input + "1", 0.25);  // somebody else
+  for (int i = 0; i < 2; ++i) ReleaseIxegThrottleOverride();
+  EXPECT_EQ(rows::Get(input + "1"), 0.25);
+  EXPECT_EQ(rows::Get(input + "2"), 0);
   EXPECT_EQ(Logged(line), 1);
+}
+
+TEST_F(Adapters, NamesThatAreNotThereAreTold) {
+  const auto state = [](AddOn addOn) {
+    const NamesFound& names = NamesFoundOf(addOn);
+    return std::tuple(names.found, names.total, names.missing.size());
+  };
+  sim::SimCommand("aircraft ixeg733");
+  sim::Withdraw(sim::FindLive("ixeg/733/fuel/fuel_1_aft_act"));
+  sim::Withdraw(sim::FindLive("ixeg/733/MCP/mcp_vs_ann"));
+  DetectLoadedAircraft();
+  const auto [found, total, missing] = state(AddOn::Ixeg733);
+  EXPECT_EQ(found, total - 2);
+  EXPECT_EQ(missing, 2u);
+  EXPECT_EQ(Logged(" TAVRIX->IXEG 737: " + std::to_string(found) + " of " + std::to_string(total) +
+                   " names found; not found: ixeg/733/MCP/mcp_vs_ann, ixeg/733/fuel/fuel_1_aft_act\n"),
+            1);
+  // An aircraft with the title and no names of its own, as older simulators bring it: the simulator's own
+  // controls.
+  sim::SimCommand("aircraft jet");
+  sim::SimCommand("set sim/aircraft/view/acf_descrip \"Boeing B737-800 \"");
+  DetectLoadedAircraft();
+  EXPECT_EQ(state(AddOn::Ixeg733), std::tuple(0, 0, 0u));
+  EXPECT_EQ(Logged("Stock 737-800 found, datarefs loaded\n"), 1);
+  EXPECT_EQ(std::get<0>(state(AddOn::B738Stock)), 0);
+  EXPECT_EQ(Logged("Stock 737-800 found, commands loaded\n"), 0) << "none was";
+  EXPECT_EQ(Logged(" more\n"), 1) << "the list is cut";
+  rows::CheckCalls({{0x07D0, Stored::U32, 1, "key 16"}});
+}
+
+// What rows and functions name and what the table of names has must be the same, or a name is never looked up.
+TEST_F(Adapters, EveryNameIsLookedUp) {
+  const AddOn all[] = {AddOn::X737,  AddOn::B738Extended, AddOn::B738Stock, AddOn::Ixeg733,
+                       AddOn::Ec135, AddOn::XSquawkBox,   AddOn::PilotEdge};
+  std::set<std::string> listed;
+  for (const AddOn addOn : all) {
+    for (const auto& names : {NamesOf(addOn).dataRefs, NamesOf(addOn).commands}) {
+      EXPECT_FALSE(names.empty() && addOn != AddOn::XSquawkBox);
+      for (const AddOnName& name : names) listed.insert(name.name);
+    }
+  }
+  const auto check = [&](const auto* entry) {
+    for (; entry != nullptr; entry = entry->next) {
+      const std::string name = entry->name;
+      EXPECT_TRUE(name.starts_with("sim/") || listed.contains(name)) << name;
+    }
+  };
+  check(firstDataRef);
+  check(firstCommand);
+}
+
+TEST_F(Adapters, HeldPressesEndInALaterFrameAndWaitForEachOther) {
+  const std::string name = "laminar/B738/spring_toggle_switch/APU_start_pos";
+  sim::SimCommand("aircraft b738-extended");
+  DetectLoadedAircraft();
+  rows::WriteNew(0x0B58, Stored::F32, 1);
+  EXPECT_EQ(rows::Calls(), "begin " + name + "_dn");
+  std::string calls;
+  for (int frame = 0; frame < 40; ++frame) {
+    RunWriters();
+    const std::string now = rows::Calls();
+    if (!now.empty()) calls += std::to_string(frame) + ' ' + now + '\n';
+  }
+  EXPECT_EQ(calls, "9 end " + name + "_dn\n10 begin " + name + "_dn\n19 end " + name + "_dn\n");
+  EXPECT_EQ(rows::Get(name), 1) << "sprung back from start";
+  // Whatever is held when the aircraft goes is let go.
+  rows::WriteNew(0x3101, Stored::U8, 1);
+  rows::Calls();
+  ResetAdapters();
+  EXPECT_EQ(rows::Calls(), "end laminar/B738/toggle_switch/gen1_dn; end laminar/B738/toggle_switch/gen2_dn");
+  RunWriters();
+  EXPECT_EQ(rows::Calls(), "");
 }
 
 }  // namespace

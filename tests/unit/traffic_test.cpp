@@ -361,7 +361,7 @@ class TrafficTargets : public Traffic {
     Define(std::string(stem) + "flight_id byte[512]");
     Define(std::string(stem) + "icao_type byte[512]");
     Define("sim/cockpit2/tcas/indicators/tcas_num_acf int");
-    LookUpDataRefsOf("sim/cockpit2/tcas/");
+    rows::LookUp();
   }
   static void Define(const std::string& what) { ASSERT_EQ(sim::SimCommand("define " + what), "ok"); }
   static void Put(const std::string& field, int place, double value) {

@@ -42,20 +42,13 @@ void ApplyMasterX737(const OffsetRow&, const Staged& staged) {
   SetSource(wanted ? Int<"x737/systems/afds/CMD_A"> : Int<"x737/systems/afds/APengaged">, wanted);
 }
 
+// The bar throws all autopilots out and has to be up again for one to engage.
 void ApplyMasterB738(const OffsetRow& row, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  if (wanted == IsSwitchOn(ActiveVariant(row))) return;
+  if (wanted == IsSwitchOn(ShowingVariant(row))) return;
   const bool disconnected = IsLit(Float<"laminar/B738/autopilot/disconnect_pos">);
   if (disconnected == wanted) FireCommand(commandOf<"laminar/B738/autopilot/disconnect_toggle">);
   if (wanted) FireCommand(commandOf<"laminar/B738/autopilot/cmd_a_press">);
-}
-
-// Its panel tells by four lights whether one of its autopilots flies; what switches it is the simulator's own.
-void ApplyMasterIxeg(const OffsetRow& row, const Staged& staged) {
-  const bool lit = IsLit(Fitting<"ixeg/733/MCP/mcp_a_comm_ann">) ||
-                   IsLit(Fitting<"ixeg/733/MCP/mcp_b_comm_ann">) ||
-                   IsLit(Fitting<"ixeg/733/MCP/mcp_a_cws_ann">) || IsLit(Fitting<"ixeg/733/MCP/mcp_b_cws_ann">);
-  if ((staged.integer != 0) != lit) ApplyMaster(row, staged);
 }
 
 bool ReadDirector(const OffsetRow&, double* value) {
@@ -68,11 +61,6 @@ void ApplyDirector(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
   const int mode = ReadInt(autopilotMode);
   if (wanted ? mode == 0 : mode == 1) SetSource(autopilotMode, wanted);
-}
-
-void ApplyDirectorX737(const OffsetRow&, const Staged& staged) {
-  SetSource(Int<"x737/systems/afds/fdA_status">, staged.integer != 0);
-  SetSource(Int<"x737/systems/afds/fdB_status">, staged.integer != 0);
 }
 
 // --- Selected values ------------------------------------------------------------------------------
@@ -101,6 +89,11 @@ constexpr SpeedSelector stockSpeed = {
 constexpr SpeedSelector x737Speed = {
     Fitting<"x737/systems/athr/MCPSPD_ismach">, Fitting<"x737/systems/athr/MCPSPD_spdmach">,
     Fitting<"x737/systems/athr/MCPSPD_spdkias">, Float<"x737/systems/athr/MCPSPD_spd">};
+// Its window shows what the simulator's own selector of this name is set to.
+constexpr SpeedSelector b738Speed = {Int<"sim/cockpit/autopilot/airspeed_is_mach">,
+                                     Float<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
+                                     Float<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
+                                     Float<"sim/cockpit2/autopilot/airspeed_dial_kts_mach">};
 
 // Indicated knots of Mach 1 here and now.
 double KnotsPerMach() {
@@ -141,8 +134,17 @@ void ApplyMach(const OffsetRow&, const Staged& staged) {
   SetSource(selector.set, IsOn(selector.isMach) ? mach : mach * KnotsPerMach());
 }
 
+// A climb is chosen together with its rate.
 void ApplyClimbX737(const OffsetRow&, const Staged& staged) {
-  if (staged.integer != 0) SetSource(Int<"x737/systems/afds/VS">, 1);
+  constexpr Source mode = Int<"x737/systems/afds/VS">;
+  const Command& button = commandOf<"x737/mcp/VS_TOGGLE">;
+  if (staged.integer != 0 && !IsOn(mode)) {
+    if (button.handle != nullptr) {
+      FireCommand(button);
+    } else {
+      SetSource(mode, 1);
+    }
+  }
   SetSource(Float<"x737/systems/afds/VS_vvi">, staged.number);
 }
 
@@ -150,31 +152,10 @@ void ApplyClimbX737(const OffsetRow&, const Staged& staged) {
 
 void ApplyBackCourse(const OffsetRow&, const Staged&) { FireCommand(commandOf<"sim/autopilot/back_course">); }
 
-// The add-on's light is the amber one that says off.
-bool IsYawDamperOnB738() { return !IsLit(Float<"laminar/B738/annunciator/yaw_damp">); }
-
-bool ReadYawDamperB738(const OffsetRow&, double* value) {
-  *value = IsYawDamperOnB738();
-  return true;
-}
-
-void ApplyYawDamperB738(const OffsetRow&, const Staged& staged) {
-  if ((staged.integer != 0) != IsYawDamperOnB738()) {
-    FireCommand(commandOf<"laminar/B738/toggle_switch/yaw_dumper">);
-  }
-}
-
 void ApplyGoAroundX737(const OffsetRow&, const Staged& staged) {
   for (const Source& button : {Int<"x737/cockpit/tq/left_TOGA_btn">, Int<"x737/cockpit/tq/right_TOGA_btn">,
                                Int<"x737/systems/athr/toggle_TOGA">}) {
     SetSource(button, staged.integer != 0);
-  }
-}
-
-// The simulator's own command is what these aircraft's buttons are mapped to.
-void ApplyGoAround(const OffsetRow& row, const Staged& staged) {
-  if (staged.integer != 0 && !IsSwitchOn(ActiveVariant(row))) {
-    FireCommand(commandOf<"sim/autopilot/take_off_go_around">);
   }
 }
 
@@ -185,11 +166,10 @@ void ApplyAutothrottleX737(const OffsetRow&, const Staged& staged) {
   }
 }
 
-void ApplyAutothrottleIxeg(const OffsetRow&, const Staged& staged) {
-  if ((staged.integer != 0) != IsLit(Fitting<"ixeg/733/MCP/mcp_at_arm_ann">)) {
-    FireCommand(commandOf<"sim/autopilot/autothrottle_toggle">);
-  }
-}
+// The IXEG 737 counts from -1, rejected take-off, on.
+double AutobrakePlace(double word) { return std::clamp(word, 0.0, 5.0); }
+double AutobrakeOfIxeg(double position) { return position + 1; }
+double IxegAutobrake(double word) { return AutobrakePlace(word) - 1; }
 
 // --- Rows -----------------------------------------------------------------------------------------
 
@@ -227,16 +207,34 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C13,
             .variants = variantsOf<[] {
               return std::array{
-                  Variant{.addOn = AddOn::X737,
-                          .marks = {Int<"x737/systems/afds/CMD_A">, Int<"x737/systems/afds/CMD_B">},
-                          .apply = ApplyMasterX737},
+                  Variant{
+                      .addOn = AddOn::X737,
+                      .apply = ApplyMasterX737,
+                      .buttons = {{Int<"x737/systems/afds/CMD_A">, &commandOf<"x737/mcp/CMDA_TOGGLE">},
+                                  {Int<"x737/systems/afds/CMD_B">, &commandOf<"x737/mcp/CMDB_TOGGLE">}},
+                      .sets = sourcesOf<Int<"x737/systems/afds/CMD_A">, Int<"x737/systems/afds/APengaged">>},
                   Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
                           .lights = {Float<"laminar/B738/autopilot/cmd_a_status">,
                                      Float<"laminar/B738/autopilot/cmd_b_status">,
                                      Float<"laminar/B738/autopilot/cws_a_status">,
                                      Float<"laminar/B738/autopilot/cws_b_status">},
-                          .apply = ApplyMasterB738},
-                  Variant{.addOn = AddOn::Ixeg733, .read = ReadMaster, .apply = ApplyMasterIxeg},
+                          .apply = ApplyMasterB738,
+                          .reads = sourcesOf<Float<"laminar/B738/autopilot/disconnect_pos">>,
+                          .fires = commandsOf<"laminar/B738/autopilot/cmd_a_press",
+                                              "laminar/B738/autopilot/disconnect_toggle">},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_a_comm_ann">,
+                                       &commandOf<"ixeg/733/autopilot/AP_A_cmd_toggle">},
+                                      {Fitting<"ixeg/733/MCP/mcp_b_comm_ann">,
+                                       &commandOf<"ixeg/733/autopilot/AP_B_cmd_toggle">},
+                                      {Fitting<"ixeg/733/MCP/mcp_a_cws_ann">,
+                                       &commandOf<"ixeg/733/autopilot/AP_A_cws_toggle">},
+                                      {Fitting<"ixeg/733/MCP/mcp_b_cws_ann">,
+                                       &commandOf<"ixeg/733/autopilot/AP_B_cws_toggle">}}},
+                  Variant{.addOn = AddOn::Ec135,
+                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(1),
+                                       &commandOf<"ec135/autopilot/ap_on">}}},
                   Variant{.read = ReadMaster, .apply = ApplyMaster}};
             }>,
             .lossy = flagLoss}),
@@ -245,33 +243,59 @@ constexpr OffsetRow rows[] = {
             .meaning = "flight director",
             .cycle = Cycle::C13,
             .variants = variantsOf<[] {
-              return std::array{Variant{.addOn = AddOn::X737,
-                                        .marks = {Int<"x737/systems/afds/fd_master">},
-                                        .apply = ApplyDirectorX737},
-                                Variant{.read = ReadDirector, .apply = ApplyDirector}};
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .marks = {Int<"x737/systems/afds/fd_master">},
+                          .target = Int<"x737/systems/afds/fdA_status">,
+                          .together = sourcesOf<Int<"x737/systems/afds/fdB_status">>},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .buttons = {{Float<"laminar/B738/autopilot/flight_director_pos">,
+                                       &commandOf<"laminar/B738/autopilot/flight_director_toggle">},
+                                      {Float<"laminar/B738/autopilot/flight_director_fo_pos">,
+                                       &commandOf<"laminar/B738/autopilot/flight_director_fo_toggle">}},
+                          .everyButton = true},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .marks = {Fitting<"ixeg/733/MCP/mcp_plt_fd_act">,
+                                    Fitting<"ixeg/733/MCP/mcp_cplt_fd_act">},
+                          .target = Fitting<"ixeg/733/MCP/mcp_plt_fd_act">,
+                          .together = sourcesOf<Fitting<"ixeg/733/MCP/mcp_cplt_fd_act">>},
+                  Variant{.read = ReadDirector, .apply = ApplyDirector}};
             }>,
             .lossy = flagLoss}),
-    Switch(
-        {.offset = 0x07C0,
-         .name = "ap_wing_leveler",
-         .meaning = "wing leveler",
-         .cycle = Cycle::C13,
-         .variants =
-             variantsOf<[] { return std::array{Variant{.stateBits = wingLeveler, .stateBit = wingLeveler}}; }>,
-         .lossy = flagLoss}),
+    Switch({.offset = 0x07C0,
+            .name = "ap_wing_leveler",
+            .meaning = "wing leveler",
+            .cycle = Cycle::C13,
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737, .silent = true},
+                                Variant{.addOn = AddOn::B738Extended, .silent = true},
+                                Variant{.addOn = AddOn::Ixeg733, .silent = true},
+                                Variant{.addOn = AddOn::Ec135, .silent = true},
+                                Variant{.stateBits = wingLeveler, .stateBit = wingLeveler}};
+            }>,
+            .lossy = flagLoss}),
     // Armed counts, else a second write would disarm it.
     Switch({.offset = 0x07C4,
             .name = "ap_nav",
             .meaning = "navigation hold, armed or engaged",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{Variant{.addOn = AddOn::X737,
-                                        .marks = {Int<"x737/systems/afds/VORLOC">},
-                                        .target = Int<"x737/systems/afds/VORLOC">},
-                                Variant{.addOn = AddOn::B738Extended,
-                                        .lights = {Float<"laminar/B738/autopilot/vorloc_status">},
-                                        .press = &commandOf<"laminar/B738/autopilot/vorloc_press">},
-                                Variant{.stateBits = navArmed | navEngaged, .key = xplm_key_otto_hnav}};
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .target = Int<"x737/systems/afds/VORLOC">,
+                          .buttons = {{Int<"x737/systems/afds/VORLOC">, &commandOf<"x737/mcp/VORLOC_TOGGLE">}}},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .buttons = {{Float<"laminar/B738/autopilot/vorloc_status">,
+                                       &commandOf<"laminar/B738/autopilot/vorloc_press">}}},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_vor_loc_ann">,
+                                       &commandOf<"ixeg/733/autopilot/VORLOC_mode_toggle">}}},
+                  Variant{.addOn = AddOn::Ec135,
+                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(6),
+                                       &commandOf<"ec135/autopilot/nav">}}},
+                  Variant{.stateBits = navArmed | navEngaged, .key = xplm_key_otto_hnav}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07C8,
@@ -279,13 +303,21 @@ constexpr OffsetRow rows[] = {
             .meaning = "heading hold",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{Variant{.addOn = AddOn::X737,
-                                        .marks = {Int<"x737/systems/afds/HDG">},
-                                        .target = Int<"x737/systems/afds/HDG">},
-                                Variant{.addOn = AddOn::B738Extended,
-                                        .lights = {Float<"laminar/B738/autopilot/hdg_sel_status">},
-                                        .key = xplm_key_otto_hdg},
-                                Variant{.stateBits = headingSelect, .key = xplm_key_otto_hdg}};
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .target = Int<"x737/systems/afds/HDG">,
+                          .buttons = {{Int<"x737/systems/afds/HDG">, &commandOf<"x737/mcp/HDGSEL_TOGGLE">}}},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .buttons = {{Float<"laminar/B738/autopilot/hdg_sel_status">,
+                                       &commandOf<"laminar/B738/autopilot/hdg_sel_press">}}},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_hdg_ann">,
+                                       &commandOf<"ixeg/733/autopilot/HDG_mode_toggle">}}},
+                  Variant{.addOn = AddOn::Ec135,
+                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(5),
+                                       &commandOf<"ec135/autopilot/hdg">}}},
+                  Variant{.stateBits = headingSelect, .key = xplm_key_otto_hdg}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07D0,
@@ -293,13 +325,21 @@ constexpr OffsetRow rows[] = {
             .meaning = "altitude hold",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{Variant{.addOn = AddOn::X737,
-                                        .marks = {Int<"x737/systems/afds/ALTHLD">},
-                                        .target = Int<"x737/systems/afds/ALTHLD">},
-                                Variant{.addOn = AddOn::B738Extended,
-                                        .lights = {Float<"laminar/B738/autopilot/alt_hld_status">},
-                                        .press = &commandOf<"laminar/B738/autopilot/alt_hld_press">},
-                                Variant{.stateBits = altitudeHold, .key = xplm_key_otto_alt}};
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .target = Int<"x737/systems/afds/ALTHLD">,
+                          .buttons = {{Int<"x737/systems/afds/ALTHLD">, &commandOf<"x737/mcp/ALTHLD_TOGGLE">}}},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .buttons = {{Float<"laminar/B738/autopilot/alt_hld_status">,
+                                       &commandOf<"laminar/B738/autopilot/alt_hld_press">}}},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_alt_hold_ann">,
+                                       &commandOf<"ixeg/733/autopilot/ALTHLD_mode_toggle">}}},
+                  Variant{.addOn = AddOn::Ec135,
+                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(12),
+                                       &commandOf<"ec135/autopilot/alt">}}},
+                  Variant{.stateBits = altitudeHold, .key = xplm_key_otto_alt}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07DC,
@@ -307,16 +347,31 @@ constexpr OffsetRow rows[] = {
             .meaning = "airspeed hold",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{
-                  Variant{.addOn = AddOn::X737,
-                          .marks = {Int<"x737/systems/athr/MCPSPD_mode">, Int<"x737/systems/MCP/LED_VNAV_on">},
-                          .target = Int<"x737/systems/athr/MCPSPD_mode">},
-                  Variant{.addOn = AddOn::B738Extended,
-                          .lights = {Float<"laminar/B738/autopilot/speed_status1">,
-                                     Float<"laminar/B738/autopilot/lvl_chg_status">,
-                                     Float<"laminar/B738/autopilot/vnav_status1">},
-                          .key = xplm_key_otto_atr},
-                  Variant{.stateBits = autothrottleSpeed, .key = xplm_key_otto_atr}};
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .target = Int<"x737/systems/athr/MCPSPD_mode">,
+                                        .buttons = {{Int<"x737/systems/athr/MCPSPD_mode">,
+                                                     &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">},
+                                                    {Int<"x737/systems/MCP/LED_VNAV_on">,
+                                                     &commandOf<"x737/mcp/VNAV_TOGGLE">}}},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .alsoFor = AddOn::B738Stock,
+                                        .buttons = {{Float<"laminar/B738/autopilot/speed_status1">,
+                                                     &commandOf<"laminar/B738/autopilot/speed_press">},
+                                                    {Float<"laminar/B738/autopilot/lvl_chg_status">,
+                                                     &commandOf<"laminar/B738/autopilot/lvl_chg_press">},
+                                                    {Float<"laminar/B738/autopilot/vnav_status1">,
+                                                     &commandOf<"laminar/B738/autopilot/vnav_press">}}},
+                                Variant{.addOn = AddOn::Ixeg733,
+                                        .buttons = {{Fitting<"ixeg/733/MCP/mcp_speed_ann">,
+                                                     &commandOf<"ixeg/733/autopilot/SPEED_mode_toggle">},
+                                                    {Fitting<"ixeg/733/MCP/mcp_level_change_ann">,
+                                                     &commandOf<"ixeg/733/autopilot/LVLCHG_mode_toggle">},
+                                                    {Fitting<"ixeg/733/MCP/mcp_vnav_ann">,
+                                                     &commandOf<"ixeg/733/autopilot/VNAV_mode_toggle">}}},
+                                Variant{.addOn = AddOn::Ec135,
+                                        .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(11),
+                                                     &commandOf<"ec135/autopilot/ias">}}},
+                                Variant{.stateBits = autothrottleSpeed, .key = xplm_key_otto_atr}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07E4,
@@ -325,8 +380,17 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .marks = {Int<"x737/systems/athr/MCPSPD_mode">},
-                                        .target = Int<"x737/systems/athr/MCPSPD_mode">},
+                                        .target = Int<"x737/systems/athr/MCPSPD_mode">,
+                                        .buttons = {{Int<"x737/systems/athr/MCPSPD_mode">,
+                                                     &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">}}},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .alsoFor = AddOn::B738Stock,
+                                        .buttons = {{Float<"laminar/B738/autopilot/speed_status1">,
+                                                     &commandOf<"laminar/B738/autopilot/speed_press">}}},
+                                Variant{.addOn = AddOn::Ixeg733,
+                                        .buttons = {{Fitting<"ixeg/733/MCP/mcp_speed_ann">,
+                                                     &commandOf<"ixeg/733/autopilot/SPEED_mode_toggle">}}},
+                                Variant{.addOn = AddOn::Ec135, .silent = true},
                                 Variant{.stateBits = autothrottleSpeed, .stateBit = autothrottleSpeed}};
             }>,
             .lossy = flagLoss}),
@@ -335,13 +399,22 @@ constexpr OffsetRow rows[] = {
             .meaning = "vertical speed hold",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{Variant{.addOn = AddOn::X737,
-                                        .marks = {Int<"x737/systems/afds/VS_arm">, Int<"x737/systems/afds/VS">},
-                                        .target = Int<"x737/systems/afds/VS">},
-                                Variant{.addOn = AddOn::B738Extended,
-                                        .lights = {Float<"laminar/B738/autopilot/vs_status">},
-                                        .press = &commandOf<"laminar/B738/autopilot/vs_press">},
-                                Variant{.stateBits = verticalSpeedHold, .key = xplm_key_otto_vvi}};
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .marks = {Int<"x737/systems/afds/VS_arm">, Int<"x737/systems/afds/VS">},
+                          .target = Int<"x737/systems/afds/VS">,
+                          .buttons = {{Int<"x737/systems/afds/VS">, &commandOf<"x737/mcp/VS_TOGGLE">}}},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .buttons = {{Float<"laminar/B738/autopilot/vs_status">,
+                                       &commandOf<"laminar/B738/autopilot/vs_press">}}},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_vs_ann">,
+                                       &commandOf<"ixeg/733/autopilot/VS_mode_toggle">}}},
+                  Variant{.addOn = AddOn::Ec135,
+                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(10),
+                                       &commandOf<"ec135/autopilot/vs">}}},
+                  Variant{.stateBits = verticalSpeedHold, .key = xplm_key_otto_vvi}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07F4,
@@ -353,7 +426,10 @@ constexpr OffsetRow rows[] = {
                   Variant{
                       .addOn = AddOn::X737,
                       .marks = {Fitting<"x737/systems/athr/N1_mode">, Int<"x737/systems/MCP/LED_LVLCHG_on">}},
-                  Variant{.addOn = AddOn::B738Extended, .lights = {Float<"laminar/B738/autopilot/n1_status">}},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .lights = {Float<"laminar/B738/autopilot/n1_status">}},
+                  Variant{.addOn = AddOn::Ixeg733, .lights = {Fitting<"ixeg/733/MCP/mcp_n1_ann">}},
                   Variant{.stateBits = levelChange}};
             }>}),
     Switch({.offset = 0x0800,
@@ -361,14 +437,22 @@ constexpr OffsetRow rows[] = {
             .meaning = "approach hold, armed or engaged",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{Variant{.addOn = AddOn::X737,
-                                        .marks = {Int<"x737/systems/afds/APP">},
-                                        .target = Int<"x737/systems/afds/APP">},
-                                Variant{.addOn = AddOn::B738Extended,
-                                        .lights = {Float<"laminar/B738/autopilot/app_status">},
-                                        .press = &commandOf<"sim/autopilot/approach">},
-                                Variant{.stateBits = glideslopeArmed | glideslopeEngaged,
-                                        .press = &commandOf<"sim/autopilot/approach">}};
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .target = Int<"x737/systems/afds/APP">,
+                          .buttons = {{Int<"x737/systems/afds/APP">, &commandOf<"x737/mcp/APP_TOGGLE">}}},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .buttons = {{Float<"laminar/B738/autopilot/app_status">,
+                                       &commandOf<"laminar/B738/autopilot/app_press">}}},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_app_ann">,
+                                       &commandOf<"ixeg/733/autopilot/APP_mode_toggle">}}},
+                  Variant{.addOn = AddOn::Ec135,
+                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(4),
+                                       &commandOf<"ec135/autopilot/app">}}},
+                  Variant{.stateBits = glideslopeArmed | glideslopeEngaged,
+                          .press = &commandOf<"sim/autopilot/approach">}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x080C,
@@ -377,34 +461,54 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{
-                  Variant{.addOn = AddOn::X737,
-                          .marks = {Int<"x737/systems/athr/toggle_TOGA">},
-                          .apply = ApplyGoAroundX737},
+                  Variant{
+                      .addOn = AddOn::X737,
+                      .marks = {Int<"x737/systems/athr/toggle_TOGA">},
+                      .apply = ApplyGoAroundX737,
+                      .sets =
+                          sourcesOf<Int<"x737/cockpit/tq/left_TOGA_btn">, Int<"x737/cockpit/tq/right_TOGA_btn">,
+                                    Int<"x737/systems/athr/toggle_TOGA">>},
                   Variant{.addOn = AddOn::B738Extended,
                           .lights = {Float<"laminar/B738/autopilot/n1_status">},
-                          .apply = ApplyGoAround},
-                  Variant{
-                      .addOn = AddOn::Ixeg733, .stateBits = lateralToga | verticalToga, .apply = ApplyGoAround},
+                          .buttons = {{{}, &commandOf<"laminar/B738/autopilot/left_toga_press">}},
+                          .momentary = true,
+                          .held = true},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .buttons = {{{}, &commandOf<"sim/engines/TOGA_power">}},
+                          .momentary = true},
+                  Variant{.addOn = AddOn::B738Stock,
+                          .lights = {Float<"laminar/B738/autopilot/n1_status">},
+                          .buttons = {{{}, &commandOf<"laminar/B738/autopilot/capt_toga_press">}},
+                          .momentary = true,
+                          .held = true},
                   Variant{.stateBits = lateralToga | verticalToga}};
             }>,
-            .lossy = "can be written with add-on aircraft only"}),
+            .lossy = "can be written with some add-on aircraft only"}),
     Switch({.offset = 0x0810,
             .name = "autothrottle",
             .meaning = "autothrottle armed",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{Variant{.addOn = AddOn::X737,
-                                        .marks = {Int<"x737/systems/athr/athr_armed">},
-                                        .apply = ApplyAutothrottleX737},
-                                Variant{.addOn = AddOn::B738Extended,
-                                        .lights = {Float<"laminar/B738/autopilot/autothrottle_status">,
-                                                   Float<"laminar/B738/autopilot/speed_status1">},
-                                        .press = &commandOf<"laminar/B738/autopilot/autothrottle_arm_toggle">},
-                                Variant{.addOn = AddOn::Ixeg733,
-                                        .lights = {Int<"sim/cockpit2/autopilot/autothrottle_enabled">},
-                                        .apply = ApplyAutothrottleIxeg},
-                                Variant{.lights = {Int<"sim/cockpit2/autopilot/autothrottle_enabled">},
-                                        .target = Int<"sim/cockpit2/autopilot/autothrottle_enabled">}};
+              return std::array{
+                  Variant{
+                      .addOn = AddOn::X737,
+                      .marks = {Int<"x737/systems/athr/athr_armed">},
+                      .apply = ApplyAutothrottleX737,
+                      .reads = sourcesOf<Int<"x737/systems/PFD/PFD_TOGA_mode_on">>,
+                      .sets =
+                          sourcesOf<Int<"x737/systems/athr/athr_armed">, Int<"x737/systems/athr/toggle_TOGA">>},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .lights = {Float<"laminar/B738/autopilot/autothrottle_status">,
+                                     Float<"laminar/B738/autopilot/speed_status1">},
+                          .buttons = {{Float<"laminar/B738/autopilot/autothrottle_arm_pos">,
+                                       &commandOf<"laminar/B738/autopilot/autothrottle_arm_toggle">}}},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .lights = {Fitting<"ixeg/733/MCP/mcp_at_arm_ann">},
+                          .target = Fitting<"ixeg/733/MCP/mcp_at_arm_act">},
+                  Variant{.addOn = AddOn::Ec135, .silent = true},
+                  Variant{.lights = {Int<"sim/cockpit2/autopilot/autothrottle_enabled">},
+                          .target = Int<"sim/cockpit2/autopilot/autothrottle_enabled">}};
             }>,
             .lossy = flagLoss}),
     {.offset = 0x07CC,
@@ -419,6 +523,9 @@ constexpr OffsetRow rows[] = {
        return std::array{Variant{.addOn = AddOn::X737,
                                  .source = Float<"x737/systems/afds/HDG_magnhdg">,
                                  .target = Float<"x737/systems/afds/HDG_magnhdg">},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/autopilot/mcp_hdg_dial">,
+                                 .target = Float<"laminar/B738/autopilot/mcp_hdg_dial">},
                          Variant{.source = Float<"sim/cockpit/autopilot/heading_mag">,
                                  .target = Float<"sim/cockpit/autopilot/heading_mag">}};
      }>,
@@ -434,7 +541,12 @@ constexpr OffsetRow rows[] = {
      .source = Float<"sim/cockpit/autopilot/altitude">,
      .factor = metresPerFoot * 65536,
      .variants = variantsOf<[] {
-       return std::array{Variant{.addOn = AddOn::X737, .target = Float<"x737/systems/afds/ALTHLD_baroalt">},
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Float<"x737/systems/afds/ALTHLD_baroalt">,
+                                 .target = Float<"x737/systems/afds/ALTHLD_baroalt">},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/autopilot/mcp_alt_dial">,
+                                 .target = Float<"laminar/B738/autopilot/mcp_alt_dial">},
                          Variant{.target = Float<"sim/cockpit/autopilot/altitude">}};
      }>,
      .write = {.convert = FeetOf},
@@ -446,9 +558,17 @@ constexpr OffsetRow rows[] = {
      .unit = "kt",
      .cycle = Cycle::C7,
      .variants = variantsOf<[] {
-       return std::array{
-           Variant{.addOn = AddOn::X737, .read = ReadKnots<x737Speed>, .apply = ApplyKnots<x737Speed>},
-           Variant{.read = ReadKnots<stockSpeed>, .apply = ApplyKnots<stockSpeed>}};
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .read = ReadKnots<x737Speed>,
+                                 .apply = ApplyKnots<x737Speed>,
+                                 .reads = sourcesOf<x737Speed.isMach, x737Speed.mach, x737Speed.knots>,
+                                 .sets = sourcesOf<x737Speed.set>},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .read = ReadKnots<b738Speed>,
+                                 .apply = ApplyKnots<b738Speed>,
+                                 .reads = sourcesOf<b738Speed.knots>,
+                                 .sets = sourcesOf<b738Speed.set>},
+                         Variant{.read = ReadKnots<stockSpeed>, .apply = ApplyKnots<stockSpeed>}};
      }>,
      .note = "knots also while the selector stands at Mach"},
     {.offset = 0x07E8,
@@ -458,9 +578,17 @@ constexpr OffsetRow rows[] = {
      .unitScale = 1.0 / 65536,
      .cycle = Cycle::C7,
      .variants = variantsOf<[] {
-       return std::array{
-           Variant{.addOn = AddOn::X737, .read = ReadMach<x737Speed>, .apply = ApplyMach<x737Speed>},
-           Variant{.read = ReadMach<stockSpeed>, .apply = ApplyMach<stockSpeed>}};
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .read = ReadMach<x737Speed>,
+                                 .apply = ApplyMach<x737Speed>,
+                                 .reads = sourcesOf<x737Speed.isMach, x737Speed.mach, x737Speed.knots>,
+                                 .sets = sourcesOf<x737Speed.set>},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .read = ReadMach<b738Speed>,
+                                 .apply = ApplyMach<b738Speed>,
+                                 .reads = sourcesOf<b738Speed.knots>,
+                                 .sets = sourcesOf<b738Speed.set>},
+                         Variant{.read = ReadMach<stockSpeed>, .apply = ApplyMach<stockSpeed>}};
      }>,
      .lossy = "held in single precision: off by more than one step from Mach 100 on",
      .note = "Mach also while the selector stands at knots"},
@@ -471,24 +599,43 @@ constexpr OffsetRow rows[] = {
      .unit = "ft/min",
      .cycle = Cycle::C7,
      .variants = variantsOf<[] {
-       return std::array{
-           Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/VS_vvi">, .apply = ApplyClimbX737},
-           Variant{.source = Float<"sim/cockpit/autopilot/vertical_velocity">,
-                   .target = Float<"sim/cockpit/autopilot/vertical_velocity">}};
+       return std::array{Variant{.addOn = AddOn::X737,
+                                 .source = Float<"x737/systems/afds/VS_vvi">,
+                                 .apply = ApplyClimbX737,
+                                 .reads = sourcesOf<Int<"x737/systems/afds/VS">>,
+                                 .sets = sourcesOf<Float<"x737/systems/afds/VS_vvi">>,
+                                 .fires = commandsOf<"x737/mcp/VS_TOGGLE">},
+                         Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/autopilot/ap_vvi_pos">,
+                                 .target = Float<"sim/cockpit2/autopilot/vvi_dial_fpm">},
+                         Variant{.source = Float<"sim/cockpit/autopilot/vertical_velocity">,
+                                 .target = Float<"sim/cockpit/autopilot/vertical_velocity">}};
      }>},
     Switch({.offset = 0x0804,
             .name = "ap_back_course",
             .meaning = "back course",
+            .variants = variantsOf<[] {
+              return std::array{Variant{.addOn = AddOn::X737, .silent = true},
+                                Variant{.addOn = AddOn::B738Extended, .silent = true},
+                                Variant{.addOn = AddOn::Ixeg733, .silent = true},
+                                Variant{.addOn = AddOn::Ec135, .silent = true}};
+            }>,
             .write = {.apply = ApplyBackCourse}}),
     Switch({.offset = 0x0808,
             .name = "yaw_damper",
             .meaning = "yaw damper",
             .cycle = Cycle::C31,
             .variants = variantsOf<[] {
-              return std::array{
-                  Variant{.addOn = AddOn::B738Extended, .read = ReadYawDamperB738, .apply = ApplyYawDamperB738},
-                  Variant{.marks = {Int<"sim/cockpit/switches/yaw_damper_on">},
-                          .target = Int<"sim/cockpit/switches/yaw_damper_on">}};
+              return std::array{Variant{.addOn = AddOn::B738Extended,
+                                        .lights = {Float<"laminar/B738/annunciator/yaw_damp">},
+                                        .dark = true,
+                                        .buttons = {{Float<"laminar/B738/toggle_switch/yaw_dumper_pos">,
+                                                     &commandOf<"laminar/B738/toggle_switch/yaw_dumper">}}},
+                                Variant{.addOn = AddOn::Ixeg733,
+                                        .marks = {Fitting<"ixeg/733/hydraulics/yaw_damper_act">},
+                                        .target = Fitting<"ixeg/733/hydraulics/yaw_damper_act">},
+                                Variant{.marks = {Int<"sim/cockpit/switches/yaw_damper_on">},
+                                        .target = Int<"sim/cockpit/switches/yaw_damper_on">}};
             }>,
             .lossy = flagLoss}),
     {.offset = 0x2F80,
@@ -497,6 +644,17 @@ constexpr OffsetRow rows[] = {
      .meaning = "autobrake: 0 rejected take-off, 1 off, 2 to 5 landing",
      .cycle = Cycle::C31,
      .source = Int<"sim/cockpit/switches/auto_brake_settings">,
+     .variants = variantsOf<[] {
+       return std::array{Variant{.addOn = AddOn::B738Extended,
+                                 .source = Float<"laminar/B738/autobrake/autobrake_pos">,
+                                 .target = Float<"laminar/B738/autobrake/autobrake_pos">,
+                                 .targetConvert = AutobrakePlace},
+                         Variant{.addOn = AddOn::Ixeg733,
+                                 .source = Fitting<"ixeg/733/hydraulics/hyd_auto_brake_act">,
+                                 .convert = AutobrakeOfIxeg,
+                                 .target = Fitting<"ixeg/733/hydraulics/hyd_auto_brake_act">,
+                                 .targetConvert = IxegAutobrake}};
+     }>,
      .write = {.target = Int<"sim/cockpit/switches/auto_brake_settings">, .low = 0, .high = 5},
      .lossy = "above 5 counts as 5"},
 };

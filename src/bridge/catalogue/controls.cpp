@@ -41,7 +41,7 @@ struct Brakes {
 } brakes;  // of one look
 
 void TakeBrakes() {
-  brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ReadSource(ActiveVariant(parkingBrake).source)};
+  brakes = {ReadSource(leftBrake), ReadSource(rightBrake), ReadSource(ShowingVariant(parkingBrake).source)};
 }
 
 // A toe brake; the parking brake holds both down.
@@ -68,21 +68,24 @@ void ApplyRightBrake(const OffsetRow&, const Staged& staged) {
           static_cast<int>(left), number);
 }
 
-// The extended 737-800 knows only off and on, and has a button that goes from one to the other.
+// The extended 737-800 knows only off and on, and has a button that goes from one to the other; earlier
+// versions listen to the simulator's. The light needs power, the lever does not.
+constexpr Source parkingLever = Float<"laminar/B738/parking_brake_pos">;
 bool IsParkedB738(double ratio) { return ratio > 0.2; }
 double ParkingWordB738(double light) { return IsParkedB738(light) ? parkedWord : 0; }
 
 void ApplyParkingBrakeB738(const OffsetRow&, const Staged& staged) {
-  if (IsParkedB738(staged.number / parkedWord) != IsParkedB738(ReadSource(parkingLight))) {
-    FireCommand(commandOf<"laminar/B738/push_button/park_brake_on_off">);
-  }
+  const double set = ReadSource(HandleOf(parkingLever) != nullptr ? parkingLever : parkingLight);
+  if (IsParkedB738(staged.number / parkedWord) == IsParkedB738(set)) return;
+  const Command& button = commandOf<"laminar/B738/push_button/park_brake_on_off">;
+  FireCommand(button.handle != nullptr ? button : commandOf<"sim/flight_controls/brakes_toggle_max">);
 }
 
 // --- Speed brake ----------------------------------------------------------------------------------
 
 // Clients know the lever as 0 down, 4800 armed, 5620 to 16383 deployed.
 constexpr double armedWord = 4800, deployedWord = 5620;
-constexpr double stockArmed = -0.5, x737Armed = 0.125, b738Armed = 0.0889, ixegArmed = 0.1;
+constexpr double stockArmed = -0.5, x737Armed = 0.125, b738Armed = 0.0889, ixegArmed = 0.15;
 constexpr Source speedBrakeRequest = Float<"sim/flightmodel/controls/sbrkrqst">;
 
 // An add-on's lever: down, armed within a narrow stretch, else deployed in proportion. Compared in single
@@ -95,6 +98,7 @@ double LeverWord(double position, float down, float deployed) {
 }
 double LeverWordX737(double position) { return LeverWord(position, 0.1f, 0.15f); }
 double LeverWordB738(double position) { return LeverWord(position, 0.07f, 0.145f); }
+double LeverWordIxeg(double position) { return LeverWord(position, 0.1f, 0.2f); }
 double RequestWord(double request) {
   if (request < 0) return armedWord;
   return request == 0 ? 0 : std::min(full, armedWord + request * (full - armedWord));
@@ -107,7 +111,6 @@ double LeverOf(double word) {
   if (IsArmedWord(word)) return armed;
   return word < armedWord ? 0 : std::min(1.0, word / full);
 }
-double LeverOfIxeg(double word) { return std::min(1.0, word / full); }
 double RequestOf(double word) {
   if (IsArmedWord(word)) return stockArmed;
   return std::clamp((word - deployedWord) * (1 / (full - deployedWord)), 0.0, 1.0);
@@ -119,6 +122,7 @@ double IsArmedB738(double position) {
   const float lever = static_cast<float>(position);
   return lever > 0.04f && lever < 0.15f;
 }
+double IsArmedIxeg(double position) { return LeverWordIxeg(position) == armedWord && position < 0.2; }
 
 // Where the lever goes when it is armed; back to 0 when not.
 template <const double& armed>
@@ -135,11 +139,9 @@ constexpr const Command* b738Flaps[] = {
     &commandOf<"laminar/B738/push_button/flaps_25">, &commandOf<"laminar/B738/push_button/flaps_30">,
     &commandOf<"laminar/B738/push_button/flaps_40">};
 
-void ApplyFlapsB738(const OffsetRow&, const Staged& staged) {
-  // Eight steps between the nine detents 0, 1, 2, 5, 10, 15, 25, 30, 40.
-  const double detent = std::min(8.0, std::round(staged.number * 8 / full));
-  FireCommand(*b738Flaps[static_cast<int>(detent)]);
-}
+// Eight steps between the nine detents 0, 1, 2, 5, 10, 15, 25, 30, 40 of the 737s.
+double FlapDetent(double word) { return std::min(8.0, std::round(word * 8 / full)); }
+double FlapLever(double word) { return FlapDetent(word) / 8; }
 
 constexpr Source gearHandle = Int<"sim/cockpit/switches/gear_handle_status">;
 
@@ -388,9 +390,13 @@ constexpr OffsetRow rows[] = {
      .prepared = &brakes.parking,
      .prepare = TakeBrakes,
      .variants = variantsOf<[] {
-       return std::array{
-           Variant{.addOn = AddOn::B738Extended, .convert = ParkingWordB738, .apply = ApplyParkingBrakeB738},
-           Variant{.target = Float<"sim/flightmodel/controls/parkbrake">}};
+       return std::array{Variant{.addOn = AddOn::B738Extended,
+                                 .convert = ParkingWordB738,
+                                 .apply = ApplyParkingBrakeB738,
+                                 .reads = sourcesOf<parkingLight, parkingLever>,
+                                 .fires = commandsOf<"laminar/B738/push_button/park_brake_on_off",
+                                                     "sim/flight_controls/brakes_toggle_max">},
+                         Variant{.target = Float<"sim/flightmodel/controls/parkbrake">}};
      }>,
      .write = {.factor = 1 / parkedWord, .high = 1},
      .lossy = "above 32767 counts as 32767; the extended 737-800 knows only off and on"},
@@ -430,25 +436,29 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C13,
      .variants = variantsOf<[] {
-       return std::array{Variant{.addOn = AddOn::X737,
-                                 .source = Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">,
-                                 .convert = IsArmedLight,
-                                 .target = Int<"x737/systems/speedbrake/spdbrkIsArmed">,
-                                 .targetConvert = OnOff},
-                         Variant{.addOn = AddOn::B738Extended,
-                                 .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
-                                 .convert = IsArmedB738,
-                                 .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
-                                 .targetConvert = ArmedOrDown<b738Armed>},
-                         Variant{.addOn = AddOn::Ixeg733,
-                                 .source = speedBrakeRequest,
-                                 .convert = IsArmedRequest,
-                                 .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
-                                 .targetConvert = ArmedOrDown<ixegArmed>},
-                         Variant{.source = speedBrakeRequest,
-                                 .convert = IsArmedRequest,
-                                 .target = speedBrakeRequest,
-                                 .targetConvert = ArmedOrDown<stockArmed>}};
+       return std::array{
+           Variant{
+               .addOn = AddOn::X737,
+               .source = Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">,
+               .convert = IsArmedLight,
+               .target = Int<"x737/systems/speedbrake/spdbrkIsArmed">,
+               .targetConvert = OnOff,
+               .places = commandsOf<"x737/speedbrakes/SPEEDBRAKES_DOWN", "x737/speedbrakes/SPEEDBRAKES_ARM">},
+           Variant{.addOn = AddOn::B738Extended,
+                   .alsoFor = AddOn::B738Stock,
+                   .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                   .convert = IsArmedB738,
+                   .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                   .targetConvert = ArmedOrDown<b738Armed>},
+           Variant{.addOn = AddOn::Ixeg733,
+                   .source = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                   .convert = IsArmedIxeg,
+                   .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                   .targetConvert = ArmedOrDown<ixegArmed>},
+           Variant{.source = speedBrakeRequest,
+                   .convert = IsArmedRequest,
+                   .target = speedBrakeRequest,
+                   .targetConvert = ArmedOrDown<stockArmed>}};
      }>,
      .lossy = flagLoss},
     {.offset = 0x0BD0,
@@ -463,15 +473,16 @@ constexpr OffsetRow rows[] = {
                                  .target = Float<"x737/systems/speedbrake/spdbrkLeverPos">,
                                  .targetConvert = LeverOf<x737Armed>},
                          Variant{.addOn = AddOn::B738Extended,
+                                 .alsoFor = AddOn::B738Stock,
                                  .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
                                  .convert = LeverWordB738,
                                  .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
                                  .targetConvert = LeverOf<b738Armed>},
                          Variant{.addOn = AddOn::Ixeg733,
-                                 .source = speedBrakeRequest,
-                                 .convert = RequestWord,
+                                 .source = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                                 .convert = LeverWordIxeg,
                                  .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
-                                 .targetConvert = LeverOfIxeg},
+                                 .targetConvert = LeverOf<ixegArmed>},
                          Variant{.source = speedBrakeRequest,
                                  .convert = RequestWord,
                                  .target = speedBrakeRequest,
@@ -501,11 +512,17 @@ constexpr OffsetRow rows[] = {
      .source = Float<"sim/flightmodel/controls/flaprqst">,
      .factor = full,
      .variants = variantsOf<[] {
-       return std::array{Variant{.addOn = AddOn::B738Extended, .apply = ApplyFlapsB738},
-                         Variant{.target = Float<"sim/flightmodel/controls/flaprqst">}};
+       return std::array{
+           Variant{.addOn = AddOn::B738Extended, .targetConvert = FlapDetent, .places = b738Flaps},
+           Variant{.addOn = AddOn::Ixeg733,
+                   .source = Fitting<"ixeg/733/hydraulics/hyd_flap_lever_act">,
+                   .target = Fitting<"ixeg/733/hydraulics/hyd_flap_lever_act">,
+                   .targetConvert = FlapLever},
+           Variant{.target = Float<"sim/flightmodel/controls/flaprqst">}};
      }>,
      .write = {.factor = 1 / full, .high = 1},
-     .lossy = "above 16383 counts as 16383; the extended 737-800 goes to the nearest of its nine detents"},
+     .lossy = "above 16383 counts as 16383; the extended 737-800 and the IXEG 737 go to the nearest of their "
+              "nine detents"},
     Travel({.offset = 0x0BE0,
             .type = Stored::U32,
             .name = "left_flap_position",

@@ -2,6 +2,7 @@
 // NAV frequencies is dropped (123.45 MHz is 0x2345).
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "bridge/catalogue.h"
@@ -130,6 +131,19 @@ void ApplyExchange(const OffsetRow& row, const Staged& staged) {
   ClearRequest(row);
 }
 
+// The extended 737-800's knob: test, standby, altitude off, altitude on, TA, TA/RA. It is turned step by step.
+constexpr Source b738Transponder = Float<"laminar/B738/knob/transponder_pos">;
+double TransponderWordB738(double position) { return position < 0.5 ? 3 : position < 1.5 ? 1 : 2; }
+void ApplyTransponderB738(const OffsetRow&, const Staged& staged) {
+  constexpr int64_t places[] = {1, 1, 3, 0};  // of off, standby, on and test
+  const int64_t steps =
+      places[std::clamp<int64_t>(staged.integer, 0, 3)] - std::lround(ReadSource(b738Transponder));
+  for (int64_t i = 0; i < std::abs(steps); ++i) {
+    FireCommand(steps > 0 ? commandOf<"laminar/B738/knob/transponder_mode_up">
+                          : commandOf<"laminar/B738/knob/transponder_mode_dn">);
+  }
+}
+
 constexpr OffsetRow rows[] = {
     {.offset = 0x3122,
      .type = Stored::U8,
@@ -220,6 +234,15 @@ constexpr OffsetRow rows[] = {
      .meaning = "transponder mode: 0 off, 1 standby, 2 on, 3 test; newer simulators have more",
      .cycle = Cycle::C31,
      .source = Int<"sim/cockpit/radios/transponder_mode">,
+     .variants = variantsOf<[] {
+       return std::array{Variant{
+           .addOn = AddOn::B738Extended,
+           .source = b738Transponder,
+           .convert = TransponderWordB738,
+           .apply = ApplyTransponderB738,
+           .fires =
+               commandsOf<"laminar/B738/knob/transponder_mode_up", "laminar/B738/knob/transponder_mode_dn">}};
+     }>,
      .write = {.target = Int<"sim/cockpit/radios/transponder_mode">}},
 
     {.offset = 0x3123,

@@ -1,9 +1,12 @@
 // Throttle, mixture, magnetos and starters of the four engines.
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 
 #include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 #include "bridge/catalogue/throttle_actions.h"
+#include "bridge/held_presses.h"
 
 namespace {
 
@@ -57,14 +60,22 @@ void SetLever(const OffsetRow& row, double signedRatio) {
 
 // The IXEG 737 has inputs of its own for its two levers. When they are not there its levers are the
 // simulator's.
+constexpr Source ixegInputs[] = {Fitting<"ixeg/733/hardware/tavrix_thro1">,
+                                 Fitting<"ixeg/733/hardware/tavrix_thro2">};
+struct IxegLever {
+  bool taken;   // by a client's write
+  double last;  // what was set, as the input holds it
+};
+IxegLever ixegLevers[std::size(ixegInputs)];
+
 void SetLeverIxeg(const OffsetRow& row, double signedRatio) {
-  const Source& input = ActiveVariant(row).target;
-  if (HandleOf(input) == nullptr) {
+  const auto engine = static_cast<size_t>(EngineOf(row));
+  if (HandleOf(ixegInputs[engine]) == nullptr) {
     SetLever(row, signedRatio);
     return;
   }
-  ixegThrottleTaken = true;
-  SetSource(input, signedRatio);
+  SetSource(ixegInputs[engine], signedRatio);
+  ixegLevers[engine] = {true, ReadSource(ixegInputs[engine])};
 }
 
 template <void (*setLever)(const OffsetRow& row, double signedRatio)>
@@ -100,16 +111,16 @@ constexpr Family throttle = {
     .offsets = {0x088C, 0x0924, 0x09BC, 0x0A54},
     .variants =
         {variantsOf<[] {
-           return std::array{Variant{.addOn = AddOn::Ixeg733,
-                                     .target = Fitting<"ixeg/733/hardware/tavrix_thro1">,
-                                     .apply = ApplyThrottle<SetLeverIxeg>},
-                             Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
+           return std::array{
+               Variant{
+                   .addOn = AddOn::Ixeg733, .apply = ApplyThrottle<SetLeverIxeg>, .reads = {&ixegInputs[0], 1}},
+               Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
          }>,
          variantsOf<[] {
-           return std::array{Variant{.addOn = AddOn::Ixeg733,
-                                     .target = Fitting<"ixeg/733/hardware/tavrix_thro2">,
-                                     .apply = ApplyThrottle<SetLeverIxeg>},
-                             Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
+           return std::array{
+               Variant{
+                   .addOn = AddOn::Ixeg733, .apply = ApplyThrottle<SetLeverIxeg>, .reads = {&ixegInputs[1], 1}},
+               Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
          }>,
          variantsOf<[] { return std::array{Variant{.target = LeverOf(2), .apply = ApplyThrottle<SetLever>}}; }>,
          variantsOf<[] {
@@ -152,43 +163,103 @@ constexpr Family directThrust = {
 
 // --- Mixture and fuel valves --------------------------------------------------------------------------
 
+double LeverRatio(double word) { return std::min(1.0, word / cutoffFull); }
 // The x737's levers go to 16384 when they are set.
-double CutoffOfX737(double word) { return word / 16384; }
+double CutoffOfX737(double word) { return std::min(1.0, word / 16384); }
+// Levers that know only cut-off and idle.
+double IsOpen(double word) { return word > 8191; }
+// The EC135's engine main switches: off, idle, flight.
+double MainSwitchWord(double position) { return position / 2 * cutoffFull; }
+double MainSwitch(double word) { return std::min(2.0, std::round(word * 2 / cutoffFull)); }
+
+struct FuelLever {
+  Source ratio;
+  const Command *idle, *cutoff;
+};
+constexpr FuelLever b738FuelLevers[] = {
+    {Float<"laminar/B738/engine/mixture_ratio1">, &commandOf<"laminar/B738/engine/mixture1_idle">,
+     &commandOf<"laminar/B738/engine/mixture1_cutoff">},
+    {Float<"laminar/B738/engine/mixture_ratio2">, &commandOf<"laminar/B738/engine/mixture2_idle">,
+     &commandOf<"laminar/B738/engine/mixture2_cutoff">}};
+
+template <int engine>
+void ApplyFuelLeverB738(const OffsetRow&, const Staged& staged) {
+  const FuelLever& lever = b738FuelLevers[engine];
+  const bool open = IsOpen(staged.number) != 0;
+  if (open != (ReadSource(lever.ratio) >= 0.5)) HoldCommand(open ? *lever.idle : *lever.cutoff);
+}
 
 constexpr Family cutoffLever = {
-    .shape = {.type = Stored::U16,
-              .name = "mixture",
-              .meaning = "mixture or fuel cut-off lever",
-              .unit = "%",
-              .unitScale = 100 / cutoffFull,
-              .cycle = Cycle::C7,
-              .factor = cutoffFull,
-              .write = {.factor = 1 / cutoffFull, .low = 0, .high = 1},
-              .lossy = "above 16383 reads back 16383; the extended 737-800 knows only cut-off and idle",
-              .note = "16383 full rich or open"},
+    .shape =
+        {.type = Stored::U16,
+         .name = "mixture",
+         .meaning = "mixture or fuel cut-off lever",
+         .unit = "%",
+         .unitScale = 100 / cutoffFull,
+         .cycle = Cycle::C7,
+         .factor = cutoffFull,
+         .write = {.factor = 1 / cutoffFull, .low = 0, .high = 1},
+         .lossy =
+             "above 16383 reads back 16383; the extended 737-800 and the IXEG 737 know only cut-off and idle",
+         .note = "16383 full rich or open"},
     .offsets = {0x0890, 0x0928, 0, 0},
-    .variants = {variantsOf<[] {
-                   return std::array{Variant{.addOn = AddOn::X737,
-                                             .source = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
-                                             .target = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
-                                             .targetConvert = CutoffOfX737},
-                                     Variant{.addOn = AddOn::B738Extended,
-                                             .source = Float<"laminar/B738/engine/mixture_ratio1">,
-                                             .target = Float<"laminar/B738/engine/mixture_ratio1">},
-                                     Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
-                                             .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0)}};
-                 }>,
-                 variantsOf<[] {
-                   return std::array{Variant{.addOn = AddOn::X737,
-                                             .source = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
-                                             .target = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
-                                             .targetConvert = CutoffOfX737},
-                                     Variant{.addOn = AddOn::B738Extended,
-                                             .source = Float<"laminar/B738/engine/mixture_ratio2">,
-                                             .target = Float<"laminar/B738/engine/mixture_ratio2">},
-                                     Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1),
-                                             .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1)}};
-                 }>},
+    .variants =
+        {variantsOf<[] {
+           return std::array{
+               Variant{.addOn = AddOn::X737,
+                       .source = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                       .target = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                       .targetConvert = CutoffOfX737},
+               Variant{
+                   .addOn = AddOn::B738Extended,
+                   .source = Float<"laminar/B738/engine/mixture_ratio1">,
+                   .apply = ApplyFuelLeverB738<0>,
+                   .fires =
+                       commandsOf<"laminar/B738/engine/mixture1_idle", "laminar/B738/engine/mixture1_cutoff">},
+               Variant{.addOn = AddOn::B738Stock,
+                       .source = Float<"laminar/B738/engine/slider/condition_lever1_target">,
+                       .target = Float<"laminar/B738/engine/slider/condition_lever1_target">,
+                       .targetConvert = LeverRatio},
+               Variant{.addOn = AddOn::Ixeg733,
+                       .source = Fitting<"ixeg/733/fuel/fuel_start_lever1_act">,
+                       .target = Fitting<"ixeg/733/fuel/fuel_start_lever1_act">,
+                       .targetConvert = IsOpen},
+               Variant{.addOn = AddOn::Ec135,
+                       .source = FloatElement<"rotorsim/ec135/main_switch">(0),
+                       .convert = MainSwitchWord,
+                       .target = FloatElement<"rotorsim/ec135/main_switch">(0),
+                       .targetConvert = MainSwitch},
+               Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
+                       .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0)}};
+         }>,
+         variantsOf<[] {
+           return std::array{
+               Variant{.addOn = AddOn::X737,
+                       .source = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
+                       .target = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
+                       .targetConvert = CutoffOfX737},
+               Variant{
+                   .addOn = AddOn::B738Extended,
+                   .source = Float<"laminar/B738/engine/mixture_ratio2">,
+                   .apply = ApplyFuelLeverB738<1>,
+                   .fires =
+                       commandsOf<"laminar/B738/engine/mixture2_idle", "laminar/B738/engine/mixture2_cutoff">},
+               Variant{.addOn = AddOn::B738Stock,
+                       .source = Float<"laminar/B738/engine/slider/condition_lever2_target">,
+                       .target = Float<"laminar/B738/engine/slider/condition_lever2_target">,
+                       .targetConvert = LeverRatio},
+               Variant{.addOn = AddOn::Ixeg733,
+                       .source = Fitting<"ixeg/733/fuel/fuel_start_lever2_act">,
+                       .target = Fitting<"ixeg/733/fuel/fuel_start_lever2_act">,
+                       .targetConvert = IsOpen},
+               Variant{.addOn = AddOn::Ec135,
+                       .source = FloatElement<"rotorsim/ec135/main_switch">(1),
+                       .convert = MainSwitchWord,
+                       .target = FloatElement<"rotorsim/ec135/main_switch">(1),
+                       .targetConvert = MainSwitch},
+               Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1),
+                       .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1)}};
+         }>},
 };
 constexpr Family mixture = {
     .shape = {.type = Stored::U16,
@@ -312,6 +383,13 @@ void ApplyMagnetoSwitch(const OffsetRow& row, const Staged& staged) {
   }
 }
 
+// Start switches of the 737s: ground start, off, continuous, flight, counted from 0 or from -1. To clients they
+// are those of a turbine.
+double StarterWordB738(double position) { return position < 0.5 ? 1 : position < 1.5 ? 0 : 2; }
+double StarterWordIxeg(double position) { return StarterWordB738(position + 1); }
+double StarterWord(double word) { return std::min(word, 2.0); }
+double StarterOfIxeg(double word) { return word == 1 ? -1 : word == 0 ? 0 : 1; }
+
 constexpr Family magneto = {
     .shape = {.type = Stored::U16,
               .name = "magneto",
@@ -323,6 +401,34 @@ constexpr Family magneto = {
               .lossy = "shows what the engine does, so start reads back only while the starter turns",
               .note = "piston: 0 off, 1 right, 2 left, 3 both, 4 start; turbine: 0 off, 1 start, 2 generator"},
     .offsets = {0x0892, 0x092A, 0x09C2, 0x0A5A},
+    .variants = {variantsOf<[] {
+                   return std::array{Variant{.addOn = AddOn::B738Extended,
+                                             .source = Float<"laminar/B738/engine/starter1_pos">,
+                                             .convert = StarterWordB738,
+                                             .targetConvert = StarterWord,
+                                             .places = commandsOf<"laminar/B738/rotary/eng1_start_off",
+                                                                  "laminar/B738/rotary/eng1_start_grd",
+                                                                  "laminar/B738/rotary/eng1_start_cont">},
+                                     Variant{.addOn = AddOn::Ixeg733,
+                                             .source = Fitting<"ixeg/733/engine/eng1_start_act">,
+                                             .convert = StarterWordIxeg,
+                                             .target = Fitting<"ixeg/733/engine/eng1_start_act">,
+                                             .targetConvert = StarterOfIxeg}};
+                 }>,
+                 variantsOf<[] {
+                   return std::array{Variant{.addOn = AddOn::B738Extended,
+                                             .source = Float<"laminar/B738/engine/starter2_pos">,
+                                             .convert = StarterWordB738,
+                                             .targetConvert = StarterWord,
+                                             .places = commandsOf<"laminar/B738/rotary/eng2_start_off",
+                                                                  "laminar/B738/rotary/eng2_start_grd",
+                                                                  "laminar/B738/rotary/eng2_start_cont">},
+                                     Variant{.addOn = AddOn::Ixeg733,
+                                             .source = Fitting<"ixeg/733/engine/eng2_start_act">,
+                                             .convert = StarterWordIxeg,
+                                             .target = Fitting<"ixeg/733/engine/eng2_start_act">,
+                                             .targetConvert = StarterOfIxeg}};
+                 }>},
 };
 constexpr Family starter = {
     .shape = {.type = Stored::U8,
@@ -365,4 +471,18 @@ const RowTable throttleRows = {"Throttle, mixture, starter", rows};
 
 void ReleaseStarters() {
   for (int engine = 0; engine < engineCount; engine++) LetStarterGo(engine);
+}
+
+bool ReleaseIxegLevers() {
+  bool wasTaken = false;
+  for (size_t i = 0; i < std::size(ixegLevers); ++i) {
+    wasTaken |= ixegLevers[i].taken;
+    if (ixegLevers[i].taken && ReadSource(ixegInputs[i]) == ixegLevers[i].last) SetSource(ixegInputs[i], 0);
+    ixegLevers[i] = {};
+  }
+  return wasTaken;
+}
+
+void ForgetIxegLevers() {
+  for (IxegLever& lever : ixegLevers) lever = {};
 }

@@ -1,0 +1,23 @@
+// The names that add-ons publish and this program uses, and how sure each is: the recognition looks them up,
+// the log tells which of them are not there, and the page of the aircraft shows them.
+#pragma once
+#include <cstdint>
+#include <span>
+
+#include "bridge/add_ons.h"
+
+// Sure: seen in at least two independent public sources. Likely: in one, or its meaning follows from a pattern.
+// Defined: part of what this program is defined to use, and seen in no public source.
+enum class Certainty : uint8_t { Sure, Likely, Defined };
+
+struct AddOnName {
+  const char* name;
+  Certainty certainty;
+};
+struct AddOnNames {
+  std::span<const AddOnName> dataRefs, commands;
+};
+
+// All names of an add-on, by the alphabet; some of the simulator's own are among them that only this add-on's
+// rows use. Any thread; empty for AddOn::None.
+AddOnNames NamesOf(AddOn addOn);

@@ -1,0 +1,81 @@
+#include "bridge/held_presses.h"
+
+#include <algorithm>
+#include <vector>
+
+uint32_t heldPresses;
+
+namespace {
+
+constexpr int pressFrames = 10;      // a finger's press
+constexpr size_t mostPresses = 100;  // that wait; nobody presses faster for long
+
+struct Press {
+  XPLMCommandRef command;  // null: the switch
+  Source toggle;
+  double value;
+  int framesLeft;  // 0: has not begun
+};
+std::vector<Press> presses;  // in their order
+
+bool IsSame(const Press& a, const Press& b) { return a.command == b.command && a.toggle == b.toggle; }
+
+void Begin(Press* press) {
+  press->framesLeft = pressFrames;
+  if (press->command != nullptr) {
+    XPLMCommandBegin(press->command);
+  } else {
+    SetSource(press->toggle, press->value);
+  }
+}
+
+void End(const Press& press) {
+  if (press.command != nullptr) {
+    XPLMCommandEnd(press.command);
+  } else {
+    SetSource(press.toggle, 0);
+  }
+}
+
+void Add(Press press) {
+  if (presses.size() >= mostPresses) return;
+  const bool waits =
+      std::any_of(presses.begin(), presses.end(), [&](const Press& p) { return IsSame(p, press); });
+  presses.push_back(press);
+  ++heldPresses;
+  if (!waits) Begin(&presses.back());
+}
+
+}  // namespace
+
+void HoldCommand(const Command& command) {
+  if (command.handle != nullptr) Add({command.handle, {}, 0, 0});
+}
+
+void HoldSource(const Source& source, double value) {
+  if (HandleOf(source) != nullptr) Add({nullptr, source, value, 0});
+}
+
+void StepHeldPresses() {
+  // A press that waits begins a frame after the one before has ended: the add-on sees that it was released.
+  for (auto press = presses.begin(); press != presses.end(); ++press) {
+    if (press->framesLeft > 0) continue;
+    if (std::none_of(presses.begin(), press, [&](const Press& p) { return IsSame(p, *press); })) Begin(&*press);
+  }
+  for (Press& press : presses) {
+    if (press.framesLeft > 0 && --press.framesLeft == 0) {
+      End(press);
+      press.framesLeft = -1;
+    }
+  }
+  std::erase_if(presses, [](const Press& press) { return press.framesLeft < 0; });
+  heldPresses = static_cast<uint32_t>(presses.size());
+}
+
+void ReleaseHeldPresses() {
+  for (const Press& press : presses) {
+    if (press.framesLeft > 0) End(press);
+  }
+  presses.clear();
+  heldPresses = 0;
+}
