@@ -86,8 +86,8 @@ extern const Aircraft* aircraft;  // the user's, never null
 void PublishAddon(const Aircraft& which);
 // The records of an earlier run are gone: nothing is to be withdrawn.
 void ForgetAddon();
-// Once per frame: copies flight values into the add-on's own datarefs (temperatures, fuel), and what its switches that
-// are looked at then do.
+// Once per frame: copies flight values into the add-on's own datarefs (temperatures, fuel), and what its
+// switches that are looked at then do.
 void StepAddon();
 
 // --- Reference airport, terrain, navaids ----------------------------------------------------------

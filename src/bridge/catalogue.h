@@ -150,6 +150,8 @@ struct OffsetRow {
   std::span<const Source> inputs = {};
   Prepare prepare = nullptr;               // the snapshot that the row looks at
   std::span<const Variant> variants = {};  // how each aircraft shows and takes the value
+  // The same of the switches that the row's functions look at, for the reference page.
+  std::span<const std::span<const Variant>> parts = {};
 
   WriteRule write = {};
   bool readOnly = false;                            // clients' writes that begin here are passed over

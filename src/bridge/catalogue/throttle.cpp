@@ -111,16 +111,16 @@ constexpr Family throttle = {
     .offsets = {0x088C, 0x0924, 0x09BC, 0x0A54},
     .variants =
         {variantsOf<[] {
-           return std::array{
-               Variant{
-                   .addOn = AddOn::Ixeg733, .apply = ApplyThrottle<SetLeverIxeg>, .reads = {&ixegInputs[0], 1}},
-               Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
+           return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                     .apply = ApplyThrottle<SetLeverIxeg>,
+                                     .sets = sourcesOf<ixegInputs[0], LeverOf(0)>},
+                             Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
          }>,
          variantsOf<[] {
-           return std::array{
-               Variant{
-                   .addOn = AddOn::Ixeg733, .apply = ApplyThrottle<SetLeverIxeg>, .reads = {&ixegInputs[1], 1}},
-               Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
+           return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                     .apply = ApplyThrottle<SetLeverIxeg>,
+                                     .sets = sourcesOf<ixegInputs[1], LeverOf(1)>},
+                             Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
          }>,
          variantsOf<[] { return std::array{Variant{.target = LeverOf(2), .apply = ApplyThrottle<SetLever>}}; }>,
          variantsOf<[] {
