@@ -383,7 +383,6 @@ void AddVariant(const Variant& variant, NameList* reads, NameList* writes, bool*
   for (const Button& button : variant.buttons) {
     reads->Add(button.light);
     writes->Add(button.press);
-    writes->Add(button.orPress);
   }
   for (const Command* command : variant.places) writes->Add(command);
   for (const Command* command : variant.fires) writes->Add(command);

@@ -80,8 +80,16 @@ constexpr std::span<const Variant> partsOf[] = {switches[lights]...};
 // One word for all rows, because most of them show several lights.
 int lightWord;  // the lights that are on
 
+// What shows each light, found anew only when something has come or gone.
+const Variant* shownLights[lightCount];
+uint32_t shownSince;
+
 bool IsLightOn(int light) {
-  const Variant& variant = ShowingVariant(switches[light]);
+  if (shownSince != readerBindings) {
+    shownSince = readerBindings;
+    for (size_t i = 0; i < switches.size(); i++) shownLights[i] = &ShowingVariant(switches[i]);
+  }
+  const Variant& variant = *shownLights[light];
   return variant.convert == nullptr ? IsOn(variant.source) : variant.convert(ReadSource(variant.source)) != 0;
 }
 

@@ -6,7 +6,6 @@
 #include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 #include "bridge/catalogue/throttle_actions.h"
-#include "bridge/held_presses.h"
 
 namespace {
 
@@ -183,10 +182,10 @@ constexpr FuelLever b738FuelLevers[] = {
      &commandOf<"laminar/B738/engine/mixture2_cutoff">}};
 
 template <int engine>
-void ApplyFuelLeverB738(const OffsetRow&, const Staged& staged) {
+void ApplyFuelLeverB738(const OffsetRow& row, const Staged& staged) {
   const FuelLever& lever = b738FuelLevers[engine];
   const bool open = IsOpen(staged.number) != 0;
-  if (open != (ReadSource(lever.ratio) >= 0.5)) HoldCommand(open ? *lever.idle : *lever.cutoff);
+  if (open != (ReadSource(lever.ratio) >= 0.5)) FireFor(row, open ? *lever.idle : *lever.cutoff, true);
 }
 
 constexpr Family cutoffLever = {
