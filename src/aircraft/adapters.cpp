@@ -1,9 +1,6 @@
 #include "aircraft/adapters.h"
 
-#include <algorithm>
 #include <cstring>
-#include <iterator>
-#include <span>
 #include <string>
 
 #include "XPLMPlugin.h"
@@ -42,51 +39,15 @@ constexpr AddOn aircraftAddOns[] = {AddOn::X737, AddOn::B738Extended, AddOn::B73
                                     AddOn::Ec135};
 
 bool handlesChanged;  // since the readers took them last
-NamesFound namesFound[static_cast<size_t>(AddOn::Count)];
 
 bool& LoadedOf(AddOn addOn) { return loadedAddOns[static_cast<size_t>(addOn)]; }
 
-bool Has(std::span<const AddOnName> names, const char* name) {
-  return std::any_of(names.begin(), names.end(),
-                     [name](const AddOnName& other) { return std::strcmp(other.name, name) == 0; });
-}
-
-// Relatives share names: those of one that is still there stay.
-bool IsStillUsed(const char* name) {
-  return std::any_of(std::begin(aircraftAddOns), std::end(aircraftAddOns), [name](AddOn addOn) {
-    return IsLoaded(addOn) && (Has(NamesOf(addOn).dataRefs, name) || Has(NamesOf(addOn).commands, name));
-  });
-}
-
 void Drop(AddOn addOn) {
   LoadedOf(addOn) = false;
-  namesFound[static_cast<size_t>(addOn)] = {};
   ForgetUnserved(addOn);
-  for (const auto& names : {NamesOf(addOn).dataRefs, NamesOf(addOn).commands}) {
-    for (const AddOnName& each : names) {
-      if (!IsStillUsed(each.name)) DropName(each.name);
-    }
-  }
+  DropNamesOf(addOn);
   handlesChanged = true;
 }
-
-// Looks the names up and returns whether one of them is there.
-template <typename LookUp>
-bool LookUpNames(AddOn addOn, std::span<const AddOnName> names, LookUp lookUp) {
-  NamesFound& found = namesFound[static_cast<size_t>(addOn)];
-  const int before = found.found;
-  for (const AddOnName& each : names) {
-    ++found.total;
-    if (lookUp(each.name)) {
-      ++found.found;
-    } else {
-      found.missing.push_back(each.name);
-    }
-  }
-  return found.found > before;
-}
-void LookUpDataRefsOf(AddOn addOn) { LookUpNames(addOn, NamesOf(addOn).dataRefs, LookUpDataRef); }
-bool LookUpCommandsOf(AddOn addOn) { return LookUpNames(addOn, NamesOf(addOn).commands, LookUpCommand); }
 
 // How many of its names an add-on publishes, and which it does not: an older or newer version of it, mostly.
 void TellNames(AddOn addOn) {
@@ -273,8 +234,6 @@ void RunEc135Adapter() {
   TellNames(AddOn::Ec135);
   BindChangedReaders();
 }
-
-const NamesFound& NamesFoundOf(AddOn addOn) { return namesFound[static_cast<size_t>(addOn)]; }
 
 void DetectLoadedAircraft() {
   RunAllSteps({DropAircraft, StoreAircraftTitle, Recognise, RunEc135Adapter, BindChangedReaders, TellAircraft});

@@ -21,3 +21,10 @@ struct AddOnNames {
 // All names of an add-on, by the alphabet; some of the simulator's own are among them that only this add-on's
 // rows use. Any thread; empty for AddOn::None.
 AddOnNames NamesOf(AddOn addOn);
+
+// Looks the datarefs or commands of an add-on up; whether one of the commands is there. Simulator's thread, as
+// is what follows; NamesFoundOf (aircraft/adapters.h) tells what was found.
+void LookUpDataRefsOf(AddOn addOn);
+bool LookUpCommandsOf(AddOn addOn);
+// Forgets the handles of its names, but for those that a loaded relative has, too, and what was found.
+void DropNamesOf(AddOn addOn);

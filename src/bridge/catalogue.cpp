@@ -59,7 +59,7 @@ bool Shows(const Variant& variant) {
 
 bool HasButton(const Variant& variant) {
   return std::any_of(std::begin(variant.buttons), std::end(variant.buttons),
-                     [](const Button& button) { return IsFired(button.press) || IsFired(button.orPress); });
+                     [](const Button& button) { return IsFired(button.press); });
 }
 bool HasPlace(const Variant& variant) {
   return std::any_of(variant.places.begin(), variant.places.end(), IsFired);
@@ -100,13 +100,13 @@ void TurnStockSwitch(const Variant& variant, bool wanted) {
   }
 }
 
-void Fire(const Variant& variant, uint32_t offset, const Command* command) {
-  if (!IsFired(command)) {
-    TellUnserved(LoadedOf(variant), offset, command == nullptr ? "" : command->name);
-  } else if (variant.held) {
-    HoldCommand(*command);
+void Fire(const Variant& variant, uint32_t offset, const Command& command, bool held) {
+  if (command.handle == nullptr) {
+    TellUnserved(LoadedOf(variant), offset, command.name);
+  } else if (held) {
+    HoldCommand(command);
   } else {
-    FireCommand(*command);
+    FireCommand(command);
   }
 }
 
@@ -118,9 +118,7 @@ bool IsButtonOn(const Button& button, bool shown) {
 }
 
 void PressButtons(const Variant& variant, uint32_t offset, bool shown, bool wanted) {
-  const auto press = [&](const Button& button) {
-    Fire(variant, offset, IsFired(button.press) || !IsFired(button.orPress) ? button.press : button.orPress);
-  };
+  const auto press = [&](const Button& button) { Fire(variant, offset, *button.press, variant.held); };
   if (variant.momentary) {
     if (wanted && !shown) press(variant.buttons[0]);
     return;
@@ -148,7 +146,7 @@ bool UsesPanel(const Variant& variant, uint32_t offset, bool shown, double numbe
   }
   if (!HasPlace(variant)) return false;
   const double place = std::clamp(number, 0.0, static_cast<double>(variant.places.size() - 1));
-  Fire(variant, offset, variant.places[static_cast<size_t>(place)]);
+  Fire(variant, offset, *variant.places[static_cast<size_t>(place)], variant.held);
   return true;
 }
 
@@ -336,6 +334,10 @@ void TurnSwitch(std::span<const Variant> variants, uint32_t offset, bool wanted)
   const bool shown = IsOn(ShowingVariant(variants).source);
   if (UsesPanel(variant, offset, shown, wanted)) return;
   SetTargets(variant, variant.targetConvert != nullptr ? variant.targetConvert(wanted) : wanted);
+}
+
+void FireFor(const OffsetRow& row, const Command& command, bool held) {
+  Fire(ActingVariant(row), row.offset, command, held);
 }
 
 Source ActiveSource(const OffsetRow& row) {

@@ -78,7 +78,6 @@ struct Button {
   // it.
   Source light = {};
   const Command* press = nullptr;
-  const Command* orPress = nullptr;  // where a version of the add-on lacks the first
 };
 
 // How one aircraft shows and takes a row's value: an add-on that counts while it is loaded, or the simulator's
@@ -158,6 +157,8 @@ struct OffsetRow {
   std::span<const Source> inputs = {};
   Prepare prepare = nullptr;               // the snapshot that the row looks at
   std::span<const Variant> variants = {};  // how each aircraft shows and takes the value
+  // The same of the switches that the row's functions look at, for the reference page.
+  std::span<const std::span<const Variant>> parts = {};
 
   WriteRule write = {};
   bool readOnly = false;                            // clients' writes that begin here are passed over
@@ -226,6 +227,12 @@ bool HasWriter(const OffsetRow& row);
 void ApplyVariant(const OffsetRow& row, const Staged& staged);
 // The same of a switch that belongs to no row of its own; `offset` is for the log.
 void TurnSwitch(std::span<const Variant> variants, uint32_t offset, bool wanted);
+// Fires an add-on's command for a row's write, once or held for some frames; says in the log that the write
+// does nothing when the add-on does not publish it.
+void FireFor(const OffsetRow& row, const Command& command, bool held = false);
+
+// How often the rows have taken their handles anew: who keeps a variant looks again when it has changed.
+extern uint32_t readerBindings;
 
 // Copies bytes of the offset memory under the offset lock (blocking; for writers), and stores some.
 void CopyFromMemory(uint32_t offset, uint32_t size, void* bytes);

@@ -11,6 +11,7 @@
 #include "bridge/reader_groups.h"
 
 Reader readers[cycleCount];
+uint32_t readerBindings;
 
 namespace {
 
@@ -340,6 +341,7 @@ void BuildReaders(RowOrder order) {
 }
 
 void BindReaders() {
+  ++readerBindings;
   ForgetReads();
   for (DataRef* ref = firstDataRef; ref != nullptr; ref = ref->next) ref->shared = {};
   LayOutFetches(&readers[firstCycle]);

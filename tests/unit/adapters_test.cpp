@@ -295,6 +295,32 @@ TEST_F(Adapters, NamesThatAreNotThereAreTold) {
   rows::CheckCalls({{0x07D0, Stored::U32, 1, "key 16"}});
 }
 
+TEST_F(Adapters, ControlsWithoutACommandDoNothingAndSaySoOnce) {
+  sim::SimCommand("aircraft ixeg733");
+  DetectLoadedAircraft();
+  commandOf<"ixeg/733/autopilot/VS_mode_toggle">.handle = nullptr;  // another version of the aircraft
+  rows::Calls();
+  sim::SimCommand("writes");
+  for (const uint32_t value : {1u, 0u, 1u}) {
+    for (const uint32_t offset : {0x07ECu, 0x0804u, 0x07C0u}) rows::WriteNew(offset, Stored::U32, value);
+  }
+  EXPECT_EQ(rows::Calls(), "");
+  EXPECT_EQ(sim::SimCommand("writes"), "ok");
+  EXPECT_EQ(
+      Logged("IXEG 737: writes to 0x07EC do nothing, it does not publish ixeg/733/autopilot/VS_mode_toggle\n"),
+      1);
+  EXPECT_EQ(Logged(" do nothing, "), 3);
+  DetectLoadedAircraft();  // loaded anew
+  rows::WriteNew(0x0804, Stored::U32, 1);
+  EXPECT_EQ(Logged(" do nothing, "), 4);
+  // x737 of a version without commands: its switches are set.
+  sim::SimCommand("aircraft x737");
+  DetectLoadedAircraft();
+  commandOf<"x737/mcp/VORLOC_TOGGLE">.handle = nullptr;
+  rows::WriteNew(0x07C4, Stored::U32, 1);
+  EXPECT_EQ(rows::Get("x737/systems/afds/VORLOC"), 1);
+}
+
 // What rows and functions name and what the table of names has must be the same, or a name is never looked up.
 TEST_F(Adapters, EveryNameIsLookedUp) {
   const AddOn all[] = {AddOn::X737,  AddOn::B738Extended, AddOn::B738Stock, AddOn::Ixeg733,

@@ -47,8 +47,8 @@ void ApplyMasterB738(const OffsetRow& row, const Staged& staged) {
   const bool wanted = staged.integer != 0;
   if (wanted == IsSwitchOn(ShowingVariant(row))) return;
   const bool disconnected = IsLit(Float<"laminar/B738/autopilot/disconnect_pos">);
-  if (disconnected == wanted) FireCommand(commandOf<"laminar/B738/autopilot/disconnect_toggle">);
-  if (wanted) FireCommand(commandOf<"laminar/B738/autopilot/cmd_a_press">);
+  if (disconnected == wanted) FireFor(row, commandOf<"laminar/B738/autopilot/disconnect_toggle">);
+  if (wanted) FireFor(row, commandOf<"laminar/B738/autopilot/cmd_a_press">);
 }
 
 bool ReadDirector(const OffsetRow&, double* value) {

@@ -74,11 +74,11 @@ constexpr Source parkingLever = Float<"laminar/B738/parking_brake_pos">;
 bool IsParkedB738(double ratio) { return ratio > 0.2; }
 double ParkingWordB738(double light) { return IsParkedB738(light) ? parkedWord : 0; }
 
-void ApplyParkingBrakeB738(const OffsetRow&, const Staged& staged) {
+void ApplyParkingBrakeB738(const OffsetRow& row, const Staged& staged) {
   const double set = ReadSource(HandleOf(parkingLever) != nullptr ? parkingLever : parkingLight);
   if (IsParkedB738(staged.number / parkedWord) == IsParkedB738(set)) return;
   const Command& button = commandOf<"laminar/B738/push_button/park_brake_on_off">;
-  FireCommand(button.handle != nullptr ? button : commandOf<"sim/flight_controls/brakes_toggle_max">);
+  FireFor(row, button.handle != nullptr ? button : commandOf<"sim/flight_controls/brakes_toggle_max">);
 }
 
 // --- Speed brake ----------------------------------------------------------------------------------

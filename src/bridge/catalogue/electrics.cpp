@@ -26,8 +26,8 @@ struct SpringCommands {
   const Command *on[2], *off[2];
 };
 template <const SpringCommands& springs>
-void PressSprings(const OffsetRow&, const Staged& staged) {
-  for (const Command* command : staged.integer != 0 ? springs.on : springs.off) HoldCommand(*command);
+void PressSprings(const OffsetRow& row, const Staged& staged) {
+  for (const Command* command : staged.integer != 0 ? springs.on : springs.off) FireFor(row, *command, true);
 }
 template <const SpringCommands& springs>
 constexpr const Command* springsOf[] = {springs.on[0], springs.on[1], springs.off[0], springs.off[1]};
@@ -59,17 +59,17 @@ double SwitchOfEc135(double wanted) { return wanted != 0 ? 2 : 1; }
 // The APU switch of the extended 737-800 goes one place on at each press, off, on, start, and springs back to
 // on when the last one ends.
 constexpr Source b738ApuSwitch = Float<"laminar/B738/spring_toggle_switch/APU_start_pos">;
-void TurnApuB738(int wanted) {
+void TurnApuB738(const OffsetRow& row, int wanted) {
   const int position = static_cast<int>(std::lround(ReadSource(b738ApuSwitch)));
   if (wanted == 0 && position != 0) {
-    FireCommand(commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_up">);
+    FireFor(row, commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_up">);
   }
   for (int i = position; i < wanted; ++i) {
-    HoldCommand(commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_dn">);
+    FireFor(row, commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_dn">, true);
   }
 }
-void ApplyApuSwitchB738(const OffsetRow&, const Staged& staged) {
-  TurnApuB738(static_cast<int>(std::clamp<int64_t>(staged.integer, 0, 2)));
+void ApplyApuSwitchB738(const OffsetRow& row, const Staged& staged) {
+  TurnApuB738(row, static_cast<int>(std::clamp<int64_t>(staged.integer, 0, 2)));
 }
 
 // That of the IXEG 737: -1 off, 0 on, 1 start.
@@ -85,7 +85,7 @@ int WantedApu(const Staged& staged) {
   return !wanted ? 0 : IsOn(apuRunning) ? 1 : 2;
 }
 void ApplyApu(const OffsetRow&, const Staged& staged) { SetSource(apuSwitch, WantedApu(staged)); }
-void ApplyApuB738(const OffsetRow&, const Staged& staged) { TurnApuB738(WantedApu(staged)); }
+void ApplyApuB738(const OffsetRow& row, const Staged& staged) { TurnApuB738(row, WantedApu(staged)); }
 void ApplyApuIxeg(const OffsetRow&, const Staged& staged) {
   SetSource(ixegApuSwitch, ApuSwitchOfIxeg(WantedApu(staged)));
 }

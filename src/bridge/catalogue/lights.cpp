@@ -1,5 +1,6 @@
 // Lights: the word of all lights, and the bytes and words of single ones.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <span>
 
@@ -18,13 +19,16 @@ constexpr Source b738Position = Float<"laminar/B738/toggle_switch/position_light
 double IsNotCentred(double position) { return std::lround(position) != 0; }
 double IsStrobing(double position) { return position > 0.5; }
 
-constexpr Variant navigationSwitch[] = {
-    {.addOn = AddOn::B738Extended, .source = b738Position, .convert = IsNotCentred},
-    {.addOn = AddOn::Ixeg733,
-     .source = Fitting<"ixeg/733/lighting/position_lt_act">,
-     .convert = IsNotCentred,
-     .target = Fitting<"ixeg/733/lighting/position_lt_act">},
-    {.source = Int<"sim/cockpit2/switches/navigation_lights_on">}};
+constexpr Variant navigationSwitch[] = {{.addOn = AddOn::B738Extended,
+                                         .source = b738Position,
+                                         .convert = IsNotCentred,
+                                         .fires = commandsOf<"laminar/B738/toggle_switch/position_light_up",
+                                                             "laminar/B738/toggle_switch/position_light_down">},
+                                        {.addOn = AddOn::Ixeg733,
+                                         .source = Fitting<"ixeg/733/lighting/position_lt_act">,
+                                         .convert = IsNotCentred,
+                                         .target = Fitting<"ixeg/733/lighting/position_lt_act">},
+                                        {.source = Int<"sim/cockpit2/switches/navigation_lights_on">}};
 constexpr Variant beaconSwitch[] = {{.addOn = AddOn::X737,
                                      .source = Int<"x737/systems/exteriorLights/beaconLightSwitch">,
                                      .target = Int<"x737/systems/exteriorLights/beaconLightSwitch">},
@@ -32,11 +36,22 @@ constexpr Variant beaconSwitch[] = {{.addOn = AddOn::X737,
                                      .source = Fitting<"ixeg/733/lighting/anti_col_lt_act">,
                                      .target = Fitting<"ixeg/733/lighting/anti_col_lt_act">},
                                     {.source = Int<"sim/cockpit2/switches/beacon_on">}};
-constexpr Variant landingSwitch[] = {{.addOn = AddOn::Ixeg733,
-                                      .source = Fitting<"ixeg/733/lighting/l_inboard_ll_act">,
-                                      .target = Fitting<"ixeg/733/lighting/l_inboard_ll_act">,
-                                      .together = sourcesOf<Fitting<"ixeg/733/lighting/r_inboard_ll_act">>},
-                                     {.source = Int<"sim/cockpit2/switches/landing_lights_on">}};
+// The commands of the extended 737-800 are fired by ApplyLightsB738.
+constexpr Variant landingSwitch[] = {
+    {.addOn = AddOn::B738Extended,
+     .fires =
+         commandsOf<"laminar/B738/switch/land_lights_left_on", "laminar/B738/switch/land_lights_right_on",
+                    "laminar/B738/switch/land_lights_ret_left_dn",
+                    "laminar/B738/switch/land_lights_ret_right_dn", "laminar/B738/switch/land_lights_left_off",
+                    "laminar/B738/switch/land_lights_right_off", "laminar/B738/switch/land_lights_ret_left_up",
+                    "laminar/B738/switch/land_lights_ret_right_up">},
+    {.addOn = AddOn::Ixeg733,
+     .source = Fitting<"ixeg/733/lighting/l_inboard_ll_act">,
+     .target = Fitting<"ixeg/733/lighting/l_inboard_ll_act">,
+     .together = sourcesOf<Fitting<"ixeg/733/lighting/r_inboard_ll_act">>,
+     .sets = sourcesOf<Fitting<"ixeg/733/lighting/l_outboard_ll_act">,
+                       Fitting<"ixeg/733/lighting/r_outboard_ll_act">>},
+    {.source = Int<"sim/cockpit2/switches/landing_lights_on">}};
 constexpr Variant taxiSwitch[] = {{.addOn = AddOn::B738Extended,
                                    .source = Float<"laminar/B738/toggle_switch/taxi_light_brightness_pos">,
                                    .silent = true},
@@ -44,23 +59,37 @@ constexpr Variant taxiSwitch[] = {{.addOn = AddOn::B738Extended,
                                    .source = Fitting<"ixeg/733/lighting/taxi_lt_act">,
                                    .target = Fitting<"ixeg/733/lighting/taxi_lt_act">},
                                   {.source = Int<"sim/cockpit2/switches/taxi_light_on">}};
-constexpr Variant strobeSwitch[] = {
-    {.addOn = AddOn::B738Extended, .source = b738Position, .convert = IsStrobing},
-    {.addOn = AddOn::Ixeg733,
-     .source = Fitting<"ixeg/733/lighting/strobe_lt_act">,
-     .target = Fitting<"ixeg/733/lighting/strobe_lt_act">},
-    {.source = Int<"sim/cockpit/electrical/strobe_lights_on">}};
+constexpr Variant strobeSwitch[] = {{.addOn = AddOn::B738Extended,
+                                     .source = b738Position,
+                                     .convert = IsStrobing,
+                                     .fires = commandsOf<"laminar/B738/toggle_switch/position_light_up",
+                                                         "laminar/B738/toggle_switch/position_light_down">},
+                                    {.addOn = AddOn::Ixeg733,
+                                     .source = Fitting<"ixeg/733/lighting/strobe_lt_act">,
+                                     .target = Fitting<"ixeg/733/lighting/strobe_lt_act">},
+                                    {.source = Int<"sim/cockpit/electrical/strobe_lights_on">}};
 constexpr Variant instrumentSwitch[] = {{.source = Int<"sim/cockpit/electrical/cockpit_lights_on">}};
 
 // The switches, in the order of the bits.
-constexpr std::span<const Variant> switches[lightCount] = {navigationSwitch, beaconSwitch, landingSwitch,
-                                                           taxiSwitch,       strobeSwitch, instrumentSwitch};
+constexpr std::array<std::span<const Variant>, lightCount> switches = {
+    navigationSwitch, beaconSwitch, landingSwitch, taxiSwitch, strobeSwitch, instrumentSwitch};
+
+template <int... lights>
+constexpr std::span<const Variant> partsOf[] = {switches[lights]...};
 
 // One word for all rows, because most of them show several lights.
 int lightWord;  // the lights that are on
 
+// What shows each light, found anew only when something has come or gone.
+const Variant* shownLights[lightCount];
+uint32_t shownSince;
+
 bool IsLightOn(int light) {
-  const Variant& variant = ShowingVariant(switches[light]);
+  if (shownSince != readerBindings) {
+    shownSince = readerBindings;
+    for (size_t i = 0; i < switches.size(); i++) shownLights[i] = &ShowingVariant(switches[i]);
+  }
+  const Variant& variant = *shownLights[light];
   return variant.convert == nullptr ? IsOn(variant.source) : variant.convert(ReadSource(variant.source)) != 0;
 }
 
@@ -165,6 +194,7 @@ constexpr OffsetRow rows[] = {
                    Int<"sim/cockpit2/switches/landing_lights_on">, Int<"sim/cockpit2/switches/taxi_light_on">,
                    Int<"sim/cockpit/electrical/strobe_lights_on">>,
      .prepare = TakeLights,
+     .parts = switches,
      .write = {.apply = ApplyLights},
      .lossy = "the simulator has no switches for bits 6-15, and bit 5 is read-only there",
      .note = "bits: 0 navigation, 1 beacon, 2 landing, 3 taxi, 4 strobe, 5 instruments"},
@@ -176,7 +206,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C7,
      .read = ReadLights<1 << navigation>,
      .inputs = sourcesOf<Int<"sim/cockpit2/switches/navigation_lights_on">>,
-     .prepare = TakeLights},
+     .prepare = TakeLights,
+     .parts = partsOf<navigation>},
     {.offset = 0x0281,
      .type = Stored::U8,
      .name = "beacon_strobe",
@@ -187,6 +218,7 @@ constexpr OffsetRow rows[] = {
      .inputs =
          sourcesOf<Int<"sim/cockpit2/switches/beacon_on">, Int<"sim/cockpit/electrical/strobe_lights_on">>,
      .prepare = TakeLights,
+     .parts = partsOf<beacon, strobe>,
      .write = {.apply = ApplyAnyOf<1 << beacon | 1 << strobe>},
      .lossy = flagLoss},
     {.offset = 0x028C,
@@ -198,6 +230,7 @@ constexpr OffsetRow rows[] = {
      .read = ReadLights<1 << landing>,
      .inputs = sourcesOf<Int<"sim/cockpit2/switches/landing_lights_on">>,
      .prepare = TakeLights,
+     .parts = partsOf<landing>,
      .write = {.apply = ApplyAnyOf<1 << landing>},
      .lossy = flagLoss},
 };

@@ -6,7 +6,6 @@
 #include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 #include "bridge/catalogue/throttle_actions.h"
-#include "bridge/held_presses.h"
 
 namespace {
 
@@ -111,16 +110,16 @@ constexpr Family throttle = {
     .offsets = {0x088C, 0x0924, 0x09BC, 0x0A54},
     .variants =
         {variantsOf<[] {
-           return std::array{
-               Variant{
-                   .addOn = AddOn::Ixeg733, .apply = ApplyThrottle<SetLeverIxeg>, .reads = {&ixegInputs[0], 1}},
-               Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
+           return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                     .apply = ApplyThrottle<SetLeverIxeg>,
+                                     .sets = sourcesOf<ixegInputs[0], LeverOf(0)>},
+                             Variant{.target = LeverOf(0), .apply = ApplyThrottle<SetLever>}};
          }>,
          variantsOf<[] {
-           return std::array{
-               Variant{
-                   .addOn = AddOn::Ixeg733, .apply = ApplyThrottle<SetLeverIxeg>, .reads = {&ixegInputs[1], 1}},
-               Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
+           return std::array{Variant{.addOn = AddOn::Ixeg733,
+                                     .apply = ApplyThrottle<SetLeverIxeg>,
+                                     .sets = sourcesOf<ixegInputs[1], LeverOf(1)>},
+                             Variant{.target = LeverOf(1), .apply = ApplyThrottle<SetLever>}};
          }>,
          variantsOf<[] { return std::array{Variant{.target = LeverOf(2), .apply = ApplyThrottle<SetLever>}}; }>,
          variantsOf<[] {
@@ -183,10 +182,10 @@ constexpr FuelLever b738FuelLevers[] = {
      &commandOf<"laminar/B738/engine/mixture2_cutoff">}};
 
 template <int engine>
-void ApplyFuelLeverB738(const OffsetRow&, const Staged& staged) {
+void ApplyFuelLeverB738(const OffsetRow& row, const Staged& staged) {
   const FuelLever& lever = b738FuelLevers[engine];
   const bool open = IsOpen(staged.number) != 0;
-  if (open != (ReadSource(lever.ratio) >= 0.5)) HoldCommand(open ? *lever.idle : *lever.cutoff);
+  if (open != (ReadSource(lever.ratio) >= 0.5)) FireFor(row, open ? *lever.idle : *lever.cutoff, true);
 }
 
 constexpr Family cutoffLever = {
