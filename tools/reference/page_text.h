@@ -1,0 +1,18 @@
+// Pieces of the pages that several of them have. Pure.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "bridge/catalogue.h"
+
+// "0x0330": four digits or more.
+std::string Hex(uint32_t offset);
+// A text for a cell of a table.
+std::string TableCell(const std::string& text);
+// What offsetctl calls the row, "" for parts of others.
+std::string RowName(const OffsetRow& row);
+// The dataref's name, with the element of an array; "" for none.
+std::string SourceName(const Source& source);
+// The tables that stand in the page: a subject each.
+std::vector<const RowTable*> ListedTables();
