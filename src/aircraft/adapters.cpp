@@ -190,6 +190,7 @@ void TellAircraft() {
 // What comes and goes with the user's aircraft. The network clients stay.
 void DropAircraft() {
   ReleaseHeldPresses();
+  ForgetTypes();
   for (const AddOn addOn : aircraftAddOns) Drop(addOn);
   plugins.x737 = noPlugin;
   plugins.ec135 = noPlugin;

@@ -153,7 +153,7 @@ struct OffsetRow {
   const double* prepared = nullptr;
   // Datarefs that `read` or `prepare` looks at in every run: asked for in one go with those of the other rows.
   // An array is asked for up to the element given. The page tells from them in which versions of the simulator
-  // the row is served.
+  // the row is served: the first is the one that it cannot do without.
   std::span<const Source> inputs = {};
   Prepare prepare = nullptr;               // the snapshot that the row looks at
   std::span<const Variant> variants = {};  // how each aircraft shows and takes the value

@@ -1,6 +1,8 @@
 #include "bridge/held_presses.h"
 
 #include <algorithm>
+#include <span>
+#include <utility>
 #include <vector>
 
 uint32_t heldPresses;
@@ -14,7 +16,7 @@ struct Press {
   XPLMCommandRef command;  // null: the switch
   Source toggle;
   double value;
-  int framesLeft;  // 0: has not begun
+  int framesLeft;  // 0: has not begun; below: has ended
 };
 std::vector<Press> presses;  // in their order
 
@@ -34,6 +36,18 @@ void End(const Press& press) {
     XPLMCommandEnd(press.command);
   } else {
     SetSource(press.toggle, 0);
+  }
+}
+
+// Every one of them, also when a handler of another plug-in throws at one.
+void EndAll(std::span<const Press> held) {
+  for (size_t i = 0; i < held.size(); ++i) {
+    try {
+      if (held[i].framesLeft > 0) End(held[i]);
+    } catch (...) {
+      EndAll(held.subspan(i + 1));
+      throw;
+    }
   }
 }
 
@@ -59,23 +73,20 @@ void HoldSource(const Source& source, double value) {
 void StepHeldPresses() {
   // A press that waits begins a frame after the one before has ended: the add-on sees that it was released.
   for (auto press = presses.begin(); press != presses.end(); ++press) {
-    if (press->framesLeft > 0) continue;
+    if (press->framesLeft != 0) continue;
     if (std::none_of(presses.begin(), press, [&](const Press& p) { return IsSame(p, *press); })) Begin(&*press);
   }
   for (Press& press : presses) {
-    if (press.framesLeft > 0 && --press.framesLeft == 0) {
-      End(press);
-      press.framesLeft = -1;
-    }
+    if (press.framesLeft <= 0 || --press.framesLeft != 0) continue;
+    press.framesLeft = -1;  // a handler that throws has seen its end
+    End(press);
   }
   std::erase_if(presses, [](const Press& press) { return press.framesLeft < 0; });
   heldPresses = static_cast<uint32_t>(presses.size());
 }
 
 void ReleaseHeldPresses() {
-  for (const Press& press : presses) {
-    if (press.framesLeft > 0) End(press);
-  }
-  presses.clear();
+  const std::vector<Press> held = std::exchange(presses, {});
   heldPresses = 0;
+  EndAll(held);
 }

@@ -102,6 +102,10 @@ void LookUpDataRefs() {
   LogLine("Init DataRefMemBlock & VariablesAccessMemBlock OK!\n");
 }
 
+void ForgetTypes() {
+  for (DataRef* ref = firstDataRef; ref != nullptr; ref = ref->next) ref->fitting = Accessor::None;
+}
+
 void LookUpCommands() {
   // The simulator's commands beyond the list are asked for with the add-on that listens to them.
   LookUpAll(firstCommand, startCommands, false, XPLMFindCommand);

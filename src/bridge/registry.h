@@ -14,6 +14,10 @@
 extern const std::span<const char* const> startDataRefs;
 extern const std::span<const char* const> startCommands;
 
+// Types of datarefs are asked of the simulator anew (Fitting). Simulator's thread; readers are to be bound
+// again.
+void ForgetTypes();
+
 // The three steps of start, in this order; each logs its line. Simulator's thread.
 void InitMemoryBlocks();
 void LookUpDataRefs();

@@ -9,6 +9,7 @@
 #include "bridge/writer_list.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
+#include "platform/exceptions.h"
 
 namespace {
 
@@ -63,6 +64,29 @@ void RunWriter(const Writer& writer) {
   Apply(*writer.row, bytes, writer.width);
 }
 
+void ApplyStaged() {
+  // Frames in which no client has written pass here: the mark is raised together with any flag.
+  if (anythingPending.load(std::memory_order_relaxed) == 0) return;
+  // One look at all flags: the lock is entered again only for those that are up.
+  {
+    const SimulatorTurn turn;
+    LockScope lock(&offsetLock);
+    anythingPending.store(0, std::memory_order_relaxed);
+    for (Writer& writer : writers) {
+      writer.due = std::any_of(writer.offsets.begin(), writer.offsets.end(),
+                               [](uint32_t offset) { return pendingFlags.flags[offset] != 0; });
+    }
+  }
+  try {
+    for (const Writer& writer : writers) {
+      if (writer.due) RunWriter(writer);
+    }
+  } catch (...) {
+    anythingPending.store(1, std::memory_order_relaxed);  // those behind it have their turn in the next frame
+    throw;
+  }
+}
+
 }  // namespace
 
 void BuildWriters() {
@@ -90,25 +114,9 @@ void BuildWriters() {
 }
 
 void RunWriters() {
-  if (heldPresses != 0) StepHeldPresses();
-  // Frames in which no client has written pass here: the mark is raised together with any flag.
-  if (anythingPending.load(std::memory_order_relaxed) == 0) return;
-  // One look at all flags: the lock is entered again only for those that are up.
-  {
-    const SimulatorTurn turn;
-    LockScope lock(&offsetLock);
-    anythingPending.store(0, std::memory_order_relaxed);
-    for (Writer& writer : writers) {
-      writer.due = std::any_of(writer.offsets.begin(), writer.offsets.end(),
-                               [](uint32_t offset) { return pendingFlags.flags[offset] != 0; });
-    }
-  }
-  try {
-    for (const Writer& writer : writers) {
-      if (writer.due) RunWriter(writer);
-    }
-  } catch (...) {
-    anythingPending.store(1, std::memory_order_relaxed);  // those behind it have their turn in the next frame
-    throw;
+  if (heldPresses == 0) {
+    ApplyStaged();
+  } else {
+    RunAllSteps({StepHeldPresses, ApplyStaged});
   }
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "XPLMPlugin.h"
 #include "XPLMScenery.h"
@@ -53,6 +54,7 @@ Stage stage = Stage::Unloaded;
 
 bool clientModeAtEnable;  // disable acts on the mode that enable chose
 bool threadsStarted;      // once per load
+bool deferredStartRan;    // once per enable
 bool socketLibraryOpen;
 XPLMProbeRef terrainProbe;
 
@@ -91,6 +93,8 @@ void StartThreads() {
 void CentreRudder() { FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr")); }
 
 float DeferredStart(float, float, int, void*) {
+  // Some hosts call a loop again that an exception has passed through.
+  if (std::exchange(deferredStartRan, true)) return 0;
   try {
     if (threadsStarted) {
       LogOwn("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
@@ -123,6 +127,7 @@ void EnableServerMode() {
   ForgetStations();
   anythingPending = 1;  // flags that were raised while nobody applied them
   AwaitFirstCycles();
+  deferredStartRan = false;
   RegisterFlightLoops(DeferredStart);
   if (terrainProbe == nullptr) terrainProbe = XPLMCreateProbe(xplm_ProbeY);
   RecogniseXSquawkBox();

@@ -74,6 +74,11 @@ void GatherModel(int index, bool exists) {
   std::strncpy(gatheredPaths[index], path, modelPathSize);
 }
 
+// Told whatever comes of the look at the aircraft, and after it.
+struct TellOfChange {
+  ~TellOfChange() { countChanged = 1; }
+};
+
 }  // namespace
 
 bool InitTraffic() {
@@ -96,6 +101,7 @@ bool InitTraffic() {
 void ReleaseTraffic() { DeleteLock(&gatherLock); }
 
 void LoadAircraftList() {
+  const TellOfChange tell;
   int total = 0, active = 0;
   XPLMPluginID controller = 0;
   XPLMCountAircraft(&total, &active, &controller);
@@ -110,7 +116,6 @@ void LoadAircraftList() {
   }
   if (!TargetsExist()) aircraftCount = static_cast<uint32_t>(std::max(active, 1));
   FillTrafficPositions();  // a new slot begins where its aircraft is
-  countChanged = 1;
 }
 
 bool StartAircraftModelThread() {

@@ -53,7 +53,6 @@ static_assert(sizeof(FlightRecord) == flightRecordSize);
 struct Work {
   Entry entry;
   FlightRecord record;
-  uint32_t aircraft;  // whom the entry shows, as the source identifies it
   uint32_t writtenBytes;
   uint32_t retiredRounds;
 };
@@ -110,11 +109,8 @@ void RunSlotRound(Slot& slot, Work* work) {
     user = userPlace;
     std::memcpy(work->entry.text, source.named ? source.text : modelNames[slot.index + 1], textSize);
   }
-  if (source.aircraft != 0 && source.aircraft != work->aircraft) {
-    if (work->aircraft != 0) slot.serial = NewSerial();
-    work->aircraft = source.aircraft;
-  }
-  Fill(work, source, slot.serial);
+  const bool hasLeft = source.named && !source.known;  // and may be shown in another slot already
+  Fill(work, source, hasLeft ? 0 : source.serial != 0 ? source.serial : slot.serial);
   StoreRecords(*work, slot.index);
   StoreDistance(slot.index, source.known ? DistanceBetween(user, source.place) : noDistance);
 }

@@ -1,7 +1,9 @@
 #include "traffic/targets.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <iterator>
 
 #include "bridge/sources.h"
 #include "traffic/whole.h"
@@ -9,8 +11,7 @@
 namespace {
 
 constexpr int places = 64;
-constexpr int wordSize = 8;                    // characters a place of a text array
-constexpr uint32_t knownByPlace = 0x80000000;  // else by address, which has 24 bits
+constexpr int wordSize = 8;  // characters a place of a text array
 constexpr Source countSource = Int<"sim/cockpit2/tcas/indicators/tcas_num_acf">;
 constexpr Source latitudeSource = FloatElement<"sim/cockpit2/tcas/targets/position/lat">(0);
 constexpr Source longitudeSource = FloatElement<"sim/cockpit2/tcas/targets/position/lon">(0);
@@ -44,7 +45,12 @@ constexpr Field fields[] = {
     {.source = FloatElement<"sim/cockpit2/tcas/targets/position/phi">(0), .values = &Targets::bank},
 };
 
-uint32_t slotAircraft[targetPlanes];  // who has which slot; 0 nobody
+// Who has which slot, and the number by which clients know him; key 0: nobody.
+struct Occupant {
+  uint64_t key;
+  uint32_t serial;
+};
+Occupant occupants[targetPlanes];
 
 void Fetch(Targets* targets) {
   for (const Field& field : fields) {
@@ -59,30 +65,21 @@ void Fetch(Targets* targets) {
     XPLMGetDatab(HandleOf(typeSource), targets->type, 0, sizeof targets->type);
 }
 
+// A place without an address that has moved nowhere is empty; what lies nowhere on earth is no aircraft.
 bool IsUsed(const Targets& targets, int place) {
-  return targets.address[place] != 0 || targets.latitude[place] != 0 || targets.longitude[place] != 0;
+  const float latitude = targets.latitude[place], longitude = targets.longitude[place];
+  if (!(std::abs(latitude) <= 90) || !(std::abs(longitude) <= 180)) return false;
+  return targets.address[place] != 0 || latitude != 0 || longitude != 0;
 }
 
-// The simulator's own count includes the user's aircraft. A place in use behind the last one counted shows a
-// count without it.
+// The simulator's own count includes the user's aircraft; places beyond it hold what has left. Where it counts
+// as many as there are in the places of others, it is one without the user. No more than are there.
 uint32_t CountOthers(const Targets& targets) {
-  int others = places - 1;
-  if (HandleOf(countSource) == nullptr) {
-    while (others > 0 && !IsUsed(targets, others)) others--;
-    return static_cast<uint32_t>(others);
-  }
+  int used = 0;
+  for (int place = 1; place < places; place++) used += IsUsed(targets, place);
+  if (HandleOf(countSource) == nullptr) return static_cast<uint32_t>(used);
   const int told = std::clamp(ReadInt(countSource), 0, places);
-  if (told == 0) return 0;
-  return static_cast<uint32_t>(told < places && IsUsed(targets, told) ? told : told - 1);
-}
-
-// An address that an earlier place has as well is nobody's.
-uint32_t AircraftAt(const Targets& targets, int place) {
-  const int address = targets.address[place];
-  const int* const begin = targets.address + 1;
-  const bool known =
-      address > 0 && std::find(begin, targets.address + place, address) == targets.address + place;
-  return known ? static_cast<uint32_t>(address) : knownByPlace | static_cast<uint32_t>(place);
+  return static_cast<uint32_t>(told == used ? used : std::clamp(told - 1, 0, used));
 }
 
 // A place's text without what pads it; returns its length.
@@ -93,9 +90,31 @@ size_t WordAt(const char* texts, int place, const char** word) {
   return length;
 }
 
+// What an aircraft is known by: its address, else its flight identifier, else its place. What an earlier place
+// has as well is nobody's.
+uint64_t KeyAt(const Targets& targets, int place) {
+  constexpr uint64_t byAddress = uint64_t{1} << 62, byFlight = uint64_t{2} << 62;
+  const int address = targets.address[place];
+  const int* const begin = targets.address + 1;
+  if (address > 0 && std::find(begin, targets.address + place, address) == targets.address + place) {
+    return byAddress | static_cast<uint64_t>(address);
+  }
+  const char* flight = nullptr;
+  const size_t length = WordAt(targets.flight, place, &flight);
+  bool isOwn = length != 0;
+  for (int other = 1; isOwn && other < place; other++) {
+    const char* word = nullptr;
+    isOwn = WordAt(targets.flight, other, &word) != length || std::memcmp(word, flight, length) != 0;
+  }
+  if (!isOwn) return static_cast<uint64_t>(place);
+  uint64_t text = 0;
+  for (size_t i = 0; i < length; i++) text = text * 131 + static_cast<uint8_t>(flight[i]);
+  return byFlight | text >> 2;
+}
+
 PlaneSource PlaneAt(const Targets& targets, int place) {
   PlaneSource plane = {};
-  plane.known = IsUsed(targets, place);
+  plane.known = plane.named = true;
   plane.latitude = Single(static_cast<double>(targets.latitude[place]));
   plane.longitude = Single(static_cast<double>(targets.longitude[place]));
   plane.altitude = Single(static_cast<double>(targets.altitude[place]));
@@ -116,37 +135,48 @@ PlaneSource PlaneAt(const Targets& targets, int place) {
 
 }  // namespace
 
-bool TargetsExist() { return HandleOf(latitudeSource) != nullptr && HandleOf(longitudeSource) != nullptr; }
+bool TargetsExist() {
+  return HandleOf(latitudeSource) != nullptr && FittingOf(*latitudeSource.ref) == Accessor::FloatArray &&
+         HandleOf(longitudeSource) != nullptr;
+}
 
-void ForgetTargets() { std::fill_n(slotAircraft, targetPlanes, 0U); }
+void ForgetTargets() { std::fill_n(occupants, targetPlanes, Occupant{}); }
 
 uint32_t ReadTargets(PlaneSource (&planes)[targetPlanes]) {
   Targets targets = {};
   Fetch(&targets);
   const uint32_t others = CountOthers(targets);
   int placeOf[targetPlanes] = {};  // by slot, 0 none
-  // Those who have a slot keep it, the others take what is free.
-  int newcomers[targetPlanes];
+  Occupant newcomers[targetPlanes];
+  int newPlaces[targetPlanes];
   uint32_t newcomerCount = 0, shown = 0;
+  // Those who have a slot keep it. Those whose slot goes, and those who have come, take what is free.
   for (int place = 1; place < places && shown < others; place++) {
     if (!IsUsed(targets, place)) continue;
     shown++;
-    const uint32_t* const slot = std::find(slotAircraft, slotAircraft + others, AircraftAt(targets, place));
-    if (slot != slotAircraft + others) {
-      placeOf[slot - slotAircraft] = place;
+    const uint64_t key = KeyAt(targets, place);
+    const Occupant* const known = std::find_if(std::begin(occupants), std::end(occupants),
+                                               [&](const Occupant& one) { return one.key == key; });
+    const auto slot = static_cast<uint32_t>(known - occupants);
+    if (slot < others) {
+      placeOf[slot] = place;
     } else {
-      newcomers[newcomerCount++] = place;
+      newcomers[newcomerCount] = {key, slot < targetPlanes ? known->serial : NewSerial()};
+      newPlaces[newcomerCount++] = place;
     }
   }
-  const int* next = newcomers;
+  uint32_t next = 0;
   for (uint32_t slot = 0; slot < targetPlanes; slot++) {
-    if (slot < others && placeOf[slot] == 0 && next != newcomers + newcomerCount) placeOf[slot] = *next++;
-    const int place = placeOf[slot];
-    slotAircraft[slot] = place != 0 ? AircraftAt(targets, place) : 0;
-    if (slot >= others) continue;
-    planes[slot] = place != 0 ? PlaneAt(targets, place) : PlaneSource{};
-    planes[slot].named = true;  // also where one is counted that has no place
-    planes[slot].aircraft = slotAircraft[slot];
+    if (slot >= others) {
+      occupants[slot] = {};
+      continue;
+    }
+    if (placeOf[slot] == 0) {
+      occupants[slot] = newcomers[next];
+      placeOf[slot] = newPlaces[next++];
+    }
+    planes[slot] = PlaneAt(targets, placeOf[slot]);
+    planes[slot].serial = occupants[slot].serial;
   }
   return others;
 }

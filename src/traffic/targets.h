@@ -10,9 +10,10 @@ constexpr uint32_t targetPlanes = 63;  // other aircraft that have a place
 
 // Whether the simulator publishes the arrays.
 bool TargetsExist();
-// Reads all places. An aircraft keeps its slot as long as it is there, whatever place it has moved to: by its
-// transponder's address, or where it has none by its place. Fills planes[0] to planes[number - 1] and returns
-// the number of other aircraft, at most 63.
+// Reads all places. An aircraft keeps its number for clients as long as it is there, whatever place it has
+// moved to, and its slot as long as there are slots up to it. It is known by its transponder's address, else by
+// its flight identifier, else by its place. Fills planes[0] to planes[number - 1] and returns the number of
+// other aircraft, at most 63.
 uint32_t ReadTargets(PlaneSource (&planes)[targetPlanes]);
 // Forgets which aircraft has which slot.
 void ForgetTargets();

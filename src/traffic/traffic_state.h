@@ -33,7 +33,7 @@ struct PlaneSource {
   bool known;                 // false: the simulator publishes no position for this aircraft
   Place place;
   // What only newer simulators tell (targets.h).
-  uint32_t aircraft;  // identifies it; 0: nothing does
+  uint32_t serial;  // identifies it to clients, instead of the slot's number; 0: not told
   OnGround ground;
   bool named;     // the entry's text is this one, not the model's name
   char text[14];  // flight identifier, or type where it has none; zeros behind
@@ -70,9 +70,7 @@ struct Slot {
   Thread thread;
   Event wake;  // ends the pause between two rounds
   uint32_t index;
-  // Identifies the aircraft to clients: a slot made anew, or taken by another aircraft, gets a new one. Written
-  // by the manager and by the slot's thread while that runs.
-  std::atomic<uint32_t> serial;
+  uint32_t serial;               // identifies the aircraft to clients; a slot made anew gets a new one
   std::atomic<uint32_t> run;     // 0: the thread clears its entry and ends
   std::atomic<uint32_t> retire;  // 1: the entry is no longer refreshed, and the thread ends after 5 rounds
   std::atomic<uint32_t> ended;   // the thread is done and waits to be joined
@@ -81,7 +79,7 @@ extern Slot slots[maxSlots];
 // Each slot thread's rounds; the manager copies them into the header.
 extern std::atomic<uint8_t> slotRounds[maxSlots];
 
-// A number that no aircraft has had. Manager and slot threads.
+// A number that no aircraft has had. Any thread.
 uint32_t NewSerial();
 // Starts a slot's thread; the slot must have been joined. Returns true, or false when the system refuses.
 bool StartSlot(uint32_t index);

@@ -423,8 +423,11 @@ TEST_F(TrafficTargets, NumberAndTextsAreThoseOfTheArrays) {
        {"DLH4KP", "B738"}},                                                           // without the user
       {2, {{1, 0, "N1", "", 48.1}}, {"N1"}},                                          // no address
       {3, {{1, 5, "EIGHTCHR", "", 1}, {2, 5, "TWIN", "", 2}}, {"EIGHTCHR", "TWIN"}},  // one address twice
-      {200, {}, Texts(63, "")},
-      {-5, {}, {}},
+      {3, {{1, 11, "ONE", "", 48.1}, {3, 13, "THREE", "", 48.3}}, {"ONE", "THREE"}},  // a place between is free
+      {2, {{1, 11, "ONE", "", 48.1}, {2, 12, "LEFT", "", 48.2}, {3, 13, "LEFT", "", 48.3}}, {"ONE"}},  // stale
+      {3, {{1, 11, "NOWHERE", "", NAN}, {2, 12, "FAR", "", 1e30}, {3, 13, "ONE", "", 48.1}}, {"ONE"}},
+      {200, {{1, 11, "ONE", "", 48.1}}, {"ONE"}},
+      {-5, {{1, 11, "ONE", "", 48.1}}, {}},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.count);
@@ -439,7 +442,7 @@ TEST_F(TrafficTargets, EntryHoldsSpeedAttitudeAndTheGround) {
     const char* field;
     double first, second;
   } values[] = {
-      {"position/lon", -11.5, 190},  {"position/ele", 1000, 0},    {"position/psi", 90.9, -90},
+      {"position/lon", -11.5, 170},  {"position/ele", 1000, 0},    {"position/psi", 90.9, -90},
       {"position/vx", 30, 0},        {"position/vz", -40, 0},      {"position/vy", 5.9, -3.5},
       {"position/the", 10.9, -89.5}, {"position/phi", -20.9, NAN}, {"position/weight_on_wheels", 0, 1}};
   for (const auto& value : values) {
@@ -485,7 +488,15 @@ TEST_F(TrafficTargets, SlotFollowsItsAircraftAndANewOneIsANewId) {
   EXPECT_GT(Read<uint32_t>(Entry(1)), before[2]);
   Fly(3, {{1, 14, "FOUR", "", 48.2}, {2, 13, "THREE", "", 48.3}});  // the first has gone: a slot less
   EXPECT_EQ(Shown(2), (Texts{"THREE", "FOUR"}));
-  EXPECT_NE(Read<uint32_t>(Entry(0)), before[0]);
+  EXPECT_EQ(Read<uint32_t>(Entry(0)), before[2]);  // in another slot it is still itself
+  // Without addresses by their flight identifiers.
+  Fly(4, {{1, 0, "FIVE", "", 48.1}, {2, 0, "SIX", "", 48.2}, {3, 0, "SEVEN", "", 48.3}});
+  EXPECT_EQ(Shown(3), (Texts{"FIVE", "SIX", "SEVEN"}));
+  const auto sixAndSeven = ids();
+  Fly(3, {{1, 0, "SIX", "", 48.2}, {2, 0, "SEVEN", "", 48.3}});
+  EXPECT_EQ(Shown(2), (Texts{"SEVEN", "SIX"}));
+  EXPECT_EQ(Read<uint32_t>(Entry(0)), sixAndSeven[2]);
+  EXPECT_EQ(Read<uint32_t>(Entry(1)), sixAndSeven[1]);
 }
 
 // --- Threads ------------------------------------------------------------------------------------------------

@@ -96,13 +96,6 @@ bool IsLimited(const ServedVersions& versions) {
   return versions.never || !versions.from.empty() || !versions.to.empty();
 }
 
-// A number of versions lies behind "9.55" and "10.04" by its value, not by the alphabet.
-double Value(const std::string& version) {
-  double value = 0;
-  std::from_chars(version.data(), version.data() + version.size(), value);
-  return value;
-}
-
 std::string Number(double value) {
   char text[64];
   return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
@@ -156,24 +149,19 @@ std::vector<const DataRef*> DataRefsOf(const OffsetRow& row) {
 }
 
 ServedVersions VersionsOf(const OffsetRow& row) {
-  if (IsPlain(row)) return VersionsOf(*row.source.ref);
+  if (row.elsewhere[0] != 0 && !IsPlain(row)) return {};
   const std::vector<const DataRef*> refs = DataRefsOf(row);
-  ServedVersions served = {.from = "", .to = "", .never = !refs.empty()};
-  for (const DataRef* ref : refs) {
-    const ServedVersions versions = VersionsOf(*ref);
-    if (!IsLimited(versions)) return {};
-    if (versions.never) continue;
-    if (served.never || Value(versions.from) < Value(served.from)) served.from = versions.from;
-    if (served.never || versions.to.empty() || (!served.to.empty() && Value(versions.to) > Value(served.to))) {
-      served.to = versions.to;
-    }
-    served.never = false;
-  }
-  return served;
+  return refs.empty() ? ServedVersions{} : VersionsOf(*refs.front());
 }
 
 std::string ElsewhereText(const OffsetRow& row) {
   if (row.elsewhere[0] != 0) return row.elsewhere;
+  // The weather that the list of 10.04 calls integers.
+  for (const Source& source : {row.source, row.write.target}) {
+    if (source.accessor == Accessor::Any && std::strncmp(source.ref->name, "sim/weather/", 12) == 0) {
+      return "10.0x keeps whole numbers of the dataref only";
+    }
+  }
   const ServedVersions versions = VersionsOf(row);
   if (IsPlain(row)) {
     if (!IsLimited(versions)) return "";

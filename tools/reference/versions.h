@@ -18,8 +18,8 @@ std::vector<const char*> LimitedNames();
 
 // Every dataref of the simulator's own that a row reads or sets, each once.
 std::vector<const DataRef*> DataRefsOf(const OffsetRow& row);
-// When the row follows the simulator: its source is published or, where a function makes it of several, one of
-// them.
+// When the row follows the simulator: its source is published or, where a function makes it of several, the
+// first of them, without which it shows nothing.
 ServedVersions VersionsOf(const OffsetRow& row);
 // What the offset shows in the other versions, and what of it counts as 0 in some; "" when there is nothing to
 // tell.

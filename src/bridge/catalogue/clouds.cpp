@@ -114,7 +114,8 @@ constexpr std::array<OffsetRow, 3> LayerRows(int index) {
        .source = layer.type,
        .write = layer.applyType != nullptr ? WriteRule{.apply = layer.applyType} : setType,
        .lossy = "above 5 counts as 5",
-       .note = "0 clear, 1 cirrus, 2 scattered, 3 broken, 4 overcast, 5 stratus"},
+       .note = "0 clear, 1 cirrus, 2 scattered, 3 broken, 4 overcast, 5 stratus",
+       .elsewhere = layer.applyType != nullptr ? "before 10.25 a write sets no coverage" : ""},
   }};
 }
 

@@ -172,20 +172,21 @@ constexpr OffsetRow rows[] = {
                            Fitting<"ixeg/733/fuel/fuel_ctr_right_act">>}};
          }>,
          .write = {.apply = ApplyToAllEngines<IntElement<"sim/cockpit/engine/fuel_pump_on">(0)>}}),
-    PlainSwitch({.offset = 0x0B51,
-                 .type = Stored::U8,
-                 .name = "apu_generator",
-                 .meaning = "APU generator switch",
-                 .cycle = Cycle::C7,
-                 .source = Int<"sim/cockpit2/electrical/APU_generator_on">,
-                 .variants = variantsOf<[] {
-                   return std::array{Variant{.addOn = AddOn::B738Extended,
-                                             .apply = PressSprings<b738ApuGenerators>,
-                                             .fires = springsOf<b738ApuGenerators>},
-                                     Variant{.addOn = AddOn::Ixeg733,
-                                             .apply = MoveSprings<ixegApuGenerators>,
-                                             .sets = ixegApuGenerators}};
-                 }>}),
+    PlainSwitch(
+        {.offset = 0x0B51,
+         .type = Stored::U8,
+         .name = "apu_generator",
+         .meaning = "APU generator switch",
+         .cycle = Cycle::C7,
+         .source = Int<"sim/cockpit2/electrical/APU_generator_on", "sim/cockpit/electrical/generator_apu_on">,
+         .variants = variantsOf<[] {
+           return std::array{Variant{.addOn = AddOn::B738Extended,
+                                     .apply = PressSprings<b738ApuGenerators>,
+                                     .fires = springsOf<b738ApuGenerators>},
+                             Variant{.addOn = AddOn::Ixeg733,
+                                     .apply = MoveSprings<ixegApuGenerators>,
+                                     .sets = ixegApuGenerators}};
+         }>}),
     {.offset = 0x0B52,
      .type = Stored::U8,
      .name = "apu_generator_active",

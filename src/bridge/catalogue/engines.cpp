@@ -330,6 +330,7 @@ constexpr Family hydraulicQuantity = {
 // --- Torque, thrust, propellers -----------------------------------------------------------------------
 
 // Shares of the limits, of engines 1 and 2; 0 when the aircraft has no limit.
+constexpr Source propRpm = FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(1);
 double torqueShares[engineCount], propSpeedShares[engineCount];
 
 void TakeShares() {
@@ -337,8 +338,12 @@ void TakeShares() {
   const double redline = ReadSource(Float<"sim/aircraft/engine/acf_RSC_redline_eng">);  // rad/s
   for (int engine = 0; engine < 2; engine++) {
     const double torque = ReadSource(FloatElement<"sim/flightmodel/engine/ENGN_TRQ">(engine));
+    // Before 9.55 only in radians a second.
     const double speed =
-        ReadSource(FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(engine)) * revolution / 60;
+        HandleOf(propRpm) != nullptr
+            ? ReadSource(FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(engine)) * revolution /
+                  60
+            : ReadSource(FloatElement<"sim/flightmodel/engine/POINT_tacrad">(engine));
     torqueShares[engine] = torqueLimit == 0 ? 0 : torque / torqueLimit;
     propSpeedShares[engine] = redline == 0 ? 0 : speed / redline;
   }
@@ -405,10 +410,10 @@ constexpr Family propRatio = {
               .unitScale = 100,
               .cycle = Cycle::C1,
               .prepared = propSpeedShares,
-              .inputs = sourcesOf<Float<"sim/aircraft/engine/acf_RSC_redline_eng">,
-                                  FloatElement<"sim/cockpit2/engine/indicators/prop_speed_rpm">(1)>,
+              .inputs = sourcesOf<Float<"sim/aircraft/engine/acf_RSC_redline_eng">, propRpm>,
               .prepare = TakeShares,
-              .note = "0 when the aircraft has no redline"},
+              .note = "0 when the aircraft has no redline",
+              .elsewhere = "before 9.55 from the speed in radians a second"},
     .offsets = {0x2408, 0x2508, 0, 0},
 };
 constexpr Family engineSpeed = {

@@ -120,6 +120,8 @@ constexpr OffsetRow Capacity(OffsetRow row) {
   row.cycle = Cycle::C313;
   row.prepared = &capacities[static_cast<size_t>(tank)];
   row.prepare = TakeTankSizes;
+  constexpr bool isMain = tank == Tank::Centre || tank == Tank::LeftMain || tank == Tank::RightMain;
+  if (!isMain) row.elsewhere = "8.60 has three tanks: 0 there";
   return row;
 }
 template <Tank tank>
@@ -128,6 +130,7 @@ constexpr OffsetRow Level(OffsetRow row) {
   row.unit = "%";
   row.unitScale = 100 / fullLevel;
   row.cycle = Cycle::C59;
+  row.inputs = sourcesOf<FloatElement<"sim/flightmodel/weight/m_fuel">(0)>;
   row.variants = variantsOf<[] {
     return std::array{Variant{.addOn = AddOn::X737,
                               .source = X737TankOf(tank).kg,

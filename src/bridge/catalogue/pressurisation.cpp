@@ -50,7 +50,7 @@ constexpr OffsetRow rows[] = {
      .source = runwayFriction,
      .write = {.target = runwayFriction, .high = 2},
      .lossy = "above 2 reads back 2",
-     .note = "0 good, 1 fair, 2 poor"},
+     .note = "0 good, 1 fair, 2 poor; newer simulators have more steps"},
     {.offset = 0x6F02,
      .type = Stored::U8,
      .name = "skids",

@@ -21,7 +21,8 @@ bool starterHeld[engineCount];
 
 int EngineOf(const OffsetRow& row) { return row.member - 1; }
 constexpr Source LeverOf(int engine) {
-  return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(engine);
+  return FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio", "sim/flightmodel/engine/ENGN_thro">(
+      engine);
 }
 // What the engine gets; the simulator takes it instead of the lever while the override is on.
 Source UsedThrottleOf(int engine) { return FloatElement<"sim/flightmodel/engine/ENGN_thro_use">(engine); }
@@ -102,8 +103,7 @@ constexpr Family throttle = {
               .unitScale = 100 / forwardFull,
               .cycle = Cycle::C1,
               .prepared = throttleWords,
-              .inputs = sourcesOf<FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(3), reverserWord,
-                                  throttleOverride>,
+              .inputs = sourcesOf<LeverOf(3), reverserWord, throttleOverride>,
               .prepare = TakeThrottles,
               .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
               .note = "16384 full forward, -4096 full reverse"},
@@ -134,8 +134,7 @@ constexpr Family leverInput = {
               .unitScale = 100 / forwardFull,
               .cycle = Cycle::C1,
               .prepared = throttleWords,
-              .inputs = sourcesOf<FloatElement<"sim/cockpit2/engine/actuators/throttle_ratio">(3), reverserWord,
-                                  throttleOverride>,
+              .inputs = sourcesOf<LeverOf(3), reverserWord, throttleOverride>,
               .prepare = TakeThrottles},
     .offsets = {0, 0, 0x3334, 0x3336},
 };
@@ -277,16 +276,17 @@ constexpr Family mixture = {
               .note = "16384 full rich"},
     .offsets = {0, 0, 0x09C0, 0x0A58},
 };
+constexpr Source mixtureLever =
+    FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio", "sim/flightmodel/engine/ENGN_mixt">(0);
 constexpr Family fuelValve = {
     .shape = {.type = Stored::S32,
               .name = "fuel_valve",
               .meaning = "fuel valve open",
               .show = Show::Flag,
               .cycle = Cycle::C13,
-              .source = FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio">(0),
+              .source = mixtureLever,
               .convert = Positive,
-              .write = {.target = FloatElement<"sim/cockpit2/engine/actuators/mixture_ratio">(0),
-                        .convert = OnOff},
+              .write = {.target = mixtureLever, .convert = OnOff},
               .lossy = flagLoss},
     .offsets = {0x3590, 0x3594, 0, 0},
 };
