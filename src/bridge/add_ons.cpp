@@ -1,7 +1,8 @@
 #include "bridge/add_ons.h"
 
 #include <set>
-#include <utility>
+#include <string>
+#include <tuple>
 
 #include "base/log.h"
 
@@ -9,7 +10,7 @@ AddOnSet loadedAddOns;
 
 namespace {
 
-std::set<std::pair<AddOn, uint32_t>> told;  // controls that the log knows of
+std::set<std::tuple<AddOn, uint32_t, std::string>> told;  // controls that the log knows of
 
 }  // namespace
 
@@ -36,17 +37,15 @@ const char* NameOf(AddOn addOn) {
   return "simulator";
 }
 
-void TellUnserved(AddOn addOn, uint32_t offset, const char* missing) {
-  if (!told.emplace(addOn, offset).second) return;
-  if (*missing == '\0') {
-    LogOwn("TAVRIX->%s: writes to 0x%04X do nothing, it has no such control or none that is known\n",
-           NameOf(addOn), static_cast<unsigned>(offset));
-  } else {
-    LogOwn("TAVRIX->%s: writes to 0x%04X do nothing, it does not publish %s\n", NameOf(addOn),
-           static_cast<unsigned>(offset), missing);
-  }
+void TellUnserved(AddOn addOn, uint32_t offset, const char* missing, const char* part) {
+  if (!told.emplace(addOn, offset, part).second) return;
+  const std::string what = *part == '\0' ? "do nothing" : "do not move its " + std::string(part);
+  const std::string why = *missing == '\0' ? "it has no such control or none that is known"
+                                           : "it does not publish " + std::string(missing);
+  LogOwn("TAVRIX->%s: writes to 0x%04X %s, %s\n", NameOf(addOn), static_cast<unsigned>(offset), what.c_str(),
+         why.c_str());
 }
 
 void ForgetUnserved(AddOn addOn) {
-  std::erase_if(told, [addOn](const auto& entry) { return entry.first == addOn; });
+  std::erase_if(told, [addOn](const auto& entry) { return std::get<AddOn>(entry) == addOn; });
 }

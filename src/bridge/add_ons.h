@@ -27,7 +27,8 @@ inline bool IsLoaded(AddOn addOn) { return loadedAddOns[static_cast<size_t>(addO
 const char* NameOf(AddOn addOn);
 
 // Says in the log, once while the add-on stays loaded, that clients' writes of this offset do nothing with it.
-// `missing` is the name that it does not publish; empty when it has no such control at all.
-void TellUnserved(AddOn addOn, uint32_t offset, const char* missing);
+// `missing` is the name that it does not publish; empty when it has no such control at all. `part`: of an
+// offset that moves several things, what it is that does not move; empty for all of it.
+void TellUnserved(AddOn addOn, uint32_t offset, const char* missing, const char* part = "");
 // The add-on has come or gone: such lines may be said again.
 void ForgetUnserved(AddOn addOn);

@@ -92,9 +92,9 @@ constexpr Source speedBrakeRequest = Float<"sim/flightmodel/controls/sbrkrqst">;
 // precision, as the lever's detents are.
 double LeverWord(double position, float down, float deployed) {
   const float lever = static_cast<float>(position);
-  if (lever <= down) return 0;
+  if (!(lever > down)) return 0;
   if (lever < deployed) return armedWord;
-  return std::max(armedWord, std::trunc(position * full));
+  return std::clamp(std::trunc(position * full), armedWord, full);
 }
 double LeverWordX737(double position) { return LeverWord(position, 0.1f, 0.15f); }
 double LeverWordB738(double position) { return LeverWord(position, 0.07f, 0.145f); }

@@ -22,12 +22,15 @@ void ApplyToAllEngines(const OffsetRow&, const Staged& staged) {
 }
 
 // Spring-loaded switches of an add-on, pressed to one side or the other: commands for on, then those for off.
+// The command for on stands for the switch.
 struct SpringCommands {
   const Command *on[2], *off[2];
 };
 template <const SpringCommands& springs>
 void PressSprings(const OffsetRow& row, const Staged& staged) {
-  for (const Command* command : staged.integer != 0 ? springs.on : springs.off) FireFor(row, *command, true);
+  for (size_t i = 0; i < std::size(springs.on); ++i) {
+    HoldFor(row, staged.integer != 0 ? *springs.on[i] : *springs.off[i], springs.on[i]);
+  }
 }
 template <const SpringCommands& springs>
 constexpr const Command* springsOf[] = {springs.on[0], springs.on[1], springs.off[0], springs.off[1]};
@@ -60,13 +63,23 @@ double SwitchOfEc135(double wanted) { return wanted != 0 ? 2 : 1; }
 // on when the last one ends.
 constexpr Source b738ApuSwitch = Float<"laminar/B738/spring_toggle_switch/APU_start_pos">;
 void TurnApuB738(const OffsetRow& row, int wanted) {
-  const int position = static_cast<int>(std::lround(ReadSource(b738ApuSwitch)));
-  if (wanted == 0 && position != 0) {
-    FireFor(row, commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_up">);
+  const Command& up = commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_up">;
+  const Command& down = commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_dn">;
+  const Control control = b738ApuSwitch.ref;
+  const std::optional<int> place = PlaceOf(AddOn::B738Extended, row.offset, b738ApuSwitch, 0, 2);
+  if (!place) return;
+  ForgetWaitingPresses(control);
+  const XPLMCommandRef held = HeldCommand(control);
+  if (wanted == 2 && *place == 2 && held == down.handle) return;            // is starting
+  const int next = held == nullptr ? *place : held == down.handle ? 1 : 0;  // when what is held has ended
+  if (wanted == 0 && next != 0) {
+    if (held == nullptr) {
+      FireFor(row, up);
+    } else {
+      HoldFor(row, up, control);
+    }
   }
-  for (int i = position; i < wanted; ++i) {
-    FireFor(row, commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_dn">, true);
-  }
+  if (wanted > next) HoldFor(row, down, control, wanted - next);
 }
 void ApplyApuSwitchB738(const OffsetRow& row, const Staged& staged) {
   TurnApuB738(row, static_cast<int>(std::clamp<int64_t>(staged.integer, 0, 2)));

@@ -6,6 +6,7 @@
 #include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 #include "bridge/catalogue/throttle_actions.h"
+#include "bridge/held_presses.h"
 
 namespace {
 
@@ -184,7 +185,9 @@ template <int engine>
 void ApplyFuelLeverB738(const OffsetRow& row, const Staged& staged) {
   const FuelLever& lever = b738FuelLevers[engine];
   const bool open = IsOpen(staged.number) != 0;
-  if (open != (ReadSource(lever.ratio) >= 0.5)) FireFor(row, open ? *lever.idle : *lever.cutoff, true);
+  const bool isKnown = HandleOf(lever.ratio) != nullptr;
+  if (isKnown && HeldCommand(&lever) == nullptr && open == (ReadSource(lever.ratio) >= 0.5)) return;
+  HoldFor(row, open ? *lever.idle : *lever.cutoff, &lever);
 }
 
 constexpr Family cutoffLever = {
