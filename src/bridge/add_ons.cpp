@@ -7,6 +7,7 @@
 #include "base/log.h"
 
 AddOnSet loadedAddOns;
+AddOnSet emptyAddOns;
 
 namespace {
 

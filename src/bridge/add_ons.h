@@ -23,6 +23,13 @@ extern AddOnSet loadedAddOns;  // that of None stays false
 
 inline bool IsLoaded(AddOn addOn) { return loadedAddOns[static_cast<size_t>(addOn)]; }
 
+// Those of them that publish nothing this program knows: a plug-in that stays loaded with another aircraft,
+// which must not hide the adapter of that.
+extern AddOnSet emptyAddOns;
+
+// Whether rows follow it.
+inline bool Serves(AddOn addOn) { return IsLoaded(addOn) && !emptyAddOns[static_cast<size_t>(addOn)]; }
+
 // What a log line calls it: "Extended 737-800".
 const char* NameOf(AddOn addOn);
 

@@ -37,9 +37,9 @@ bool IsWritten(const Variant& variant) {
          !variant.places.empty();
 }
 
-bool IsLoadedFor(const Variant& variant) { return IsLoaded(variant.addOn) || IsLoaded(variant.alsoFor); }
+bool IsLoadedFor(const Variant& variant) { return Serves(variant.addOn) || Serves(variant.alsoFor); }
 
-AddOn LoadedOf(const Variant& variant) { return IsLoaded(variant.addOn) ? variant.addOn : variant.alsoFor; }
+AddOn LoadedOf(const Variant& variant) { return Serves(variant.addOn) ? variant.addOn : variant.alsoFor; }
 
 // Whether the simulator knows one of the names that a variant is shown by.
 bool Shows(const Variant& variant) {

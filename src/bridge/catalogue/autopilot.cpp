@@ -87,8 +87,11 @@ constexpr SpeedSelector stockSpeed = {
     Int<"sim/cockpit/autopilot/airspeed_is_mach">, Float<"sim/cockpit/autopilot/airspeed">,
     Float<"sim/cockpit/autopilot/airspeed">, Float<"sim/cockpit/autopilot/airspeed">};
 constexpr SpeedSelector x737Speed = {
-    Fitting<"x737/systems/athr/MCPSPD_ismach">, Fitting<"x737/systems/athr/MCPSPD_spdmach">,
-    Fitting<"x737/systems/athr/MCPSPD_spdkias">, Float<"x737/systems/athr/MCPSPD_spd">};
+    Fitting<"x737/systems/athr/MCPSPD_ismach">,
+    Fitting<"x737/systems/athr/MCPSPD_spdmach", "x737/systems/athr/MCPSPD_spd">,
+    Fitting<"x737/systems/athr/MCPSPD_spdkias", "x737/systems/athr/MCPSPD_spd">,
+    Float<"x737/systems/athr/MCPSPD_spd">};
+constexpr Source x737SpeedLamp = Int<"x737/systems/athr/MCPSPD_mode", "x737/systems/MCP/LED_MCPSPD_on">;
 // Its window shows what the simulator's own selector of this name is set to.
 constexpr SpeedSelector b738Speed = {Int<"sim/cockpit/autopilot/airspeed_is_mach">,
                                      Float<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
@@ -245,7 +248,8 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{
                   Variant{.addOn = AddOn::X737,
-                          .marks = {Int<"x737/systems/afds/fd_master">},
+                          .marks = {Int<"x737/systems/afds/fd_master", "x737/systems/afds/fdA_status">,
+                                    Int<"x737/systems/afds/fd_master", "x737/systems/afds/fdB_status">},
                           .target = Int<"x737/systems/afds/fdA_status">,
                           .together = sourcesOf<Int<"x737/systems/afds/fdB_status">>},
                   Variant{.addOn = AddOn::B738Extended,
@@ -284,7 +288,8 @@ constexpr OffsetRow rows[] = {
               return std::array{
                   Variant{.addOn = AddOn::X737,
                           .target = Int<"x737/systems/afds/VORLOC">,
-                          .buttons = {{Int<"x737/systems/afds/VORLOC">, &commandOf<"x737/mcp/VORLOC_TOGGLE">}}},
+                          .buttons = {{Int<"x737/systems/afds/VORLOC", "x737/systems/MCP/LED_VORLOC_on">,
+                                       &commandOf<"x737/mcp/VORLOC_TOGGLE">}}},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
                           .buttons = {{Float<"laminar/B738/autopilot/vorloc_status">,
@@ -328,7 +333,8 @@ constexpr OffsetRow rows[] = {
               return std::array{
                   Variant{.addOn = AddOn::X737,
                           .target = Int<"x737/systems/afds/ALTHLD">,
-                          .buttons = {{Int<"x737/systems/afds/ALTHLD">, &commandOf<"x737/mcp/ALTHLD_TOGGLE">}}},
+                          .buttons = {{Int<"x737/systems/afds/ALTHLD", "x737/systems/MCP/LED_ALTHLD_on">,
+                                       &commandOf<"x737/mcp/ALTHLD_TOGGLE">}}},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
                           .buttons = {{Float<"laminar/B738/autopilot/alt_hld_status">,
@@ -349,8 +355,7 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
                                         .target = Int<"x737/systems/athr/MCPSPD_mode">,
-                                        .buttons = {{Int<"x737/systems/athr/MCPSPD_mode">,
-                                                     &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">},
+                                        .buttons = {{x737SpeedLamp, &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">},
                                                     {Int<"x737/systems/MCP/LED_VNAV_on">,
                                                      &commandOf<"x737/mcp/VNAV_TOGGLE">}}},
                                 Variant{.addOn = AddOn::B738Extended,
@@ -379,19 +384,19 @@ constexpr OffsetRow rows[] = {
             .meaning = "Mach hold",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{Variant{.addOn = AddOn::X737,
-                                        .target = Int<"x737/systems/athr/MCPSPD_mode">,
-                                        .buttons = {{Int<"x737/systems/athr/MCPSPD_mode">,
-                                                     &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">}}},
-                                Variant{.addOn = AddOn::B738Extended,
-                                        .alsoFor = AddOn::B738Stock,
-                                        .buttons = {{Float<"laminar/B738/autopilot/speed_status1">,
-                                                     &commandOf<"laminar/B738/autopilot/speed_press">}}},
-                                Variant{.addOn = AddOn::Ixeg733,
-                                        .buttons = {{Fitting<"ixeg/733/MCP/mcp_speed_ann">,
-                                                     &commandOf<"ixeg/733/autopilot/SPEED_mode_toggle">}}},
-                                Variant{.addOn = AddOn::Ec135, .silent = true},
-                                Variant{.stateBits = autothrottleSpeed, .stateBit = autothrottleSpeed}};
+              return std::array{
+                  Variant{.addOn = AddOn::X737,
+                          .target = Int<"x737/systems/athr/MCPSPD_mode">,
+                          .buttons = {{x737SpeedLamp, &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">}}},
+                  Variant{.addOn = AddOn::B738Extended,
+                          .alsoFor = AddOn::B738Stock,
+                          .buttons = {{Float<"laminar/B738/autopilot/speed_status1">,
+                                       &commandOf<"laminar/B738/autopilot/speed_press">}}},
+                  Variant{.addOn = AddOn::Ixeg733,
+                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_speed_ann">,
+                                       &commandOf<"ixeg/733/autopilot/SPEED_mode_toggle">}}},
+                  Variant{.addOn = AddOn::Ec135, .silent = true},
+                  Variant{.stateBits = autothrottleSpeed, .stateBit = autothrottleSpeed}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07EC,
@@ -423,9 +428,9 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{
-                  Variant{
-                      .addOn = AddOn::X737,
-                      .marks = {Fitting<"x737/systems/athr/N1_mode">, Int<"x737/systems/MCP/LED_LVLCHG_on">}},
+                  Variant{.addOn = AddOn::X737,
+                          .marks = {Fitting<"x737/systems/athr/N1_mode", "x737/systems/MCP/LED_N1_on">,
+                                    Int<"x737/systems/MCP/LED_LVLCHG_on">}},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
                           .lights = {Float<"laminar/B738/autopilot/n1_status">}},
@@ -440,7 +445,8 @@ constexpr OffsetRow rows[] = {
               return std::array{
                   Variant{.addOn = AddOn::X737,
                           .target = Int<"x737/systems/afds/APP">,
-                          .buttons = {{Int<"x737/systems/afds/APP">, &commandOf<"x737/mcp/APP_TOGGLE">}}},
+                          .buttons = {{Int<"x737/systems/afds/APP", "x737/systems/MCP/LED_APP_on">,
+                                       &commandOf<"x737/mcp/APP_TOGGLE">}}},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
                           .buttons = {{Float<"laminar/B738/autopilot/app_status">,
@@ -561,7 +567,7 @@ constexpr OffsetRow rows[] = {
        return std::array{Variant{.addOn = AddOn::X737,
                                  .read = ReadKnots<x737Speed>,
                                  .apply = ApplyKnots<x737Speed>,
-                                 .reads = sourcesOf<x737Speed.isMach, x737Speed.mach, x737Speed.knots>,
+                                 .reads = sourcesOf<x737Speed.mach, x737Speed.knots>,
                                  .sets = sourcesOf<x737Speed.set>},
                          Variant{.addOn = AddOn::B738Extended,
                                  .read = ReadKnots<b738Speed>,
@@ -581,7 +587,7 @@ constexpr OffsetRow rows[] = {
        return std::array{Variant{.addOn = AddOn::X737,
                                  .read = ReadMach<x737Speed>,
                                  .apply = ApplyMach<x737Speed>,
-                                 .reads = sourcesOf<x737Speed.isMach, x737Speed.mach, x737Speed.knots>,
+                                 .reads = sourcesOf<x737Speed.mach, x737Speed.knots>,
                                  .sets = sourcesOf<x737Speed.set>},
                          Variant{.addOn = AddOn::B738Extended,
                                  .read = ReadMach<b738Speed>,

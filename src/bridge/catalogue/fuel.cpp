@@ -35,6 +35,10 @@ int ElementOf(Tank tank, int count) {
   return element < count ? element : -1;
 }
 
+constexpr bool IsMain(Tank tank) {
+  return tank == Tank::Centre || tank == Tank::LeftMain || tank == Tank::RightMain;
+}
+
 struct X737Tank {
   Source kg, share;
 };
@@ -71,7 +75,7 @@ double GallonsX737(Tank tank) {
 // Of all tanks at once: the arrays' layout hangs on their number. Which aircraft counts is asked here and not
 // in the rows, because capacities and levels, of different cycles, share what is found.
 void TakeTankSizes() {
-  const auto gallonsOf = IsLoaded(AddOn::X737) ? GallonsX737 : Gallons;
+  const auto gallonsOf = Serves(AddOn::X737) ? GallonsX737 : Gallons;
   constexpr double most = std::numeric_limits<uint32_t>::max();
   fullFuel = ReadSource(Float<"sim/aircraft/weight/acf_m_fuel_tot">);
   tankCount = ReadInt(Int<"sim/aircraft/overflow/acf_num_tanks">);
@@ -120,8 +124,7 @@ constexpr OffsetRow Capacity(OffsetRow row) {
   row.cycle = Cycle::C313;
   row.prepared = &capacities[static_cast<size_t>(tank)];
   row.prepare = TakeTankSizes;
-  constexpr bool isMain = tank == Tank::Centre || tank == Tank::LeftMain || tank == Tank::RightMain;
-  if (!isMain) row.elsewhere = "8.60 has three tanks: 0 there";
+  if (!IsMain(tank)) row.elsewhere = "8.60 has three tanks: 0 there";
   return row;
 }
 template <Tank tank>
@@ -136,7 +139,8 @@ constexpr OffsetRow Level(OffsetRow row) {
                               .source = X737TankOf(tank).kg,
                               .convert = LevelOf<tank>,
                               .target = X737TankOf(tank).kg,
-                              .targetConvert = KgOf<tank>},
+                              .targetConvert = KgOf<tank>,
+                              .silent = !IsMain(tank)},
                       Variant{.read = ReadLevel<tank>, .apply = ApplyLevel<tank>}};
   }>;
   row.lossy = "reads back 0.017 % higher; an aircraft without this tank ignores it";

@@ -179,7 +179,7 @@ void SwitchLight(uint32_t offset, int light, bool wanted) {
 }
 
 void SwitchLights(uint32_t offset, int bits, int wanted) {
-  if (IsLoaded(AddOn::B738Extended)) bits = ApplyLightsB738(offset, bits, wanted);
+  if (Serves(AddOn::B738Extended)) bits = ApplyLightsB738(offset, bits, wanted);
   for (int light = 0; light < lightCount; light++) {
     if ((bits >> light & 1) != 0) SwitchLight(offset, light, (wanted >> light & 1) != 0);
   }

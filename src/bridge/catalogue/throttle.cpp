@@ -476,13 +476,15 @@ void ReleaseStarters() {
 }
 
 bool ReleaseIxegLevers() {
-  bool wasTaken = false;
+  bool isGivenBack = false;
   for (size_t i = 0; i < std::size(ixegLevers); ++i) {
-    wasTaken |= ixegLevers[i].taken;
-    if (ixegLevers[i].taken && ReadSource(ixegInputs[i]) == ixegLevers[i].last) SetSource(ixegInputs[i], 0);
+    const bool isOurs = ixegLevers[i].taken && HandleOf(ixegInputs[i]) != nullptr &&
+                        ReadSource(ixegInputs[i]) == ixegLevers[i].last;
+    if (isOurs) SetSource(ixegInputs[i], 0);
+    isGivenBack |= isOurs;
     ixegLevers[i] = {};
   }
-  return wasTaken;
+  return isGivenBack;
 }
 
 void ForgetIxegLevers() {
