@@ -10,6 +10,9 @@ void ResetDisplay();  // all of it: windows, callbacks, keys, camera
 // Visible windows, the front one last.
 void DrawWindows();
 void ResetWindows();
+// The screen has this size from now on; nothing that lies on it moves.
+constexpr int kLeastScreen[] = {640, 480}, kLargestScreen[] = {7680, 4320};
+void SetScreen(int width, int height);
 // The plug-in that has the camera places it.
 void PlaceCamera();
 void ResetCamera();
