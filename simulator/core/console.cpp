@@ -328,7 +328,7 @@ constexpr CommandRow commandRows[] = {
      .least = 2,
      .most = 2,
      .run = Screen,
-     .about = "size of the screen, 640 480 to 7680 4320, at first 1024 768; windows stay in place"},
+     .about = "size of the screen, 640 480 to 7680 4320 (at first 1024 768); windows stay"},
     {.name = "quit", .run = Quit, .about = "stops the plug-ins and ends"},
 };
 
@@ -349,10 +349,8 @@ constexpr WidgetCommandRow widgetCommandRows[] = {
      .about = "replaces the text of the nearest field right of a label by keys, return last"},
     {.name = "key",
      .usage = "NAME",
-     .about = "a key (enter, escape, tab, backtab, backspace, delete, insert, space, left, right, up,\n"
-              "                                down, home, end, pageup, pagedown, f1 to f24) to the widget "
-              "with the\n"
-              "                                keyboard; without one it goes to the simulator, which is ok"},
+     .about = "a key (enter, escape, tab, backtab, up, f1 ...) for the widget with the keyboard, else for the "
+              "simulator"},
     {.name = "close", .usage = "\"WINDOW\"", .about = "uses the close box"},
     {.name = "picture",
      .usage = "FILE",

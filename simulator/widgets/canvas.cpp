@@ -74,7 +74,8 @@ struct Canvas {
         if (!dot(column, row)) continue;
         const double x = left + column + 0.5, y = top + row + 0.5;
         bool joined = dot(column - 1, row) || dot(column, row - 1);
-        for (const auto& [right, down] : {std::pair(1, 0), std::pair(0, 1), std::pair(1, 1), std::pair(-1, 1)}) {
+        for (const auto& [right, down] :
+             {std::pair(1, 0), std::pair(0, 1), std::pair(1, 1), std::pair(-1, 1)}) {
           if (!dot(column + right, row + down)) continue;
           if (right && down && (dot(column + right, row) || dot(column, row + down))) continue;
           Line(x, y, x + right, y + down, kStroke, shape);

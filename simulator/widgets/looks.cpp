@@ -155,9 +155,10 @@ void DrawSubWindow(const Widget* w, Pen* pen) {
   pen->Frame(w->box, kEdge, kCorner);
 }
 
+// Dark on any ground unless it is lit: what cannot be read on the screen cannot be read in the picture either.
 void DrawCaption(const Widget* w, Pen* pen) {
   const bool lit = Property(w, xpProperty_CaptionLit) != 0;
-  pen->Text(w->text, w->box.left, w->box, !IsEnabled(w) ? kFaint : lit ? kWhite : Ink(pen));
+  pen->Text(w->text, w->box.left, w->box, !IsEnabled(w) ? kFaint : lit ? kWhite : kInk);
 }
 
 void DrawProgress(const Widget* w, Pen* pen) {

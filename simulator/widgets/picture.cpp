@@ -53,9 +53,9 @@ void Paint(Widget* w, const std::vector<Widget*>& all, Pen* pen) {
 
 void PaintWindow(Widget* window, Pen* pen) {
   pen->dark = Property(window, xpProperty_MainWindowType) == xpMainWindowStyle_Translucent;
-  for (int grow = 1; grow <= 5; ++grow) {
+  for (int grow = 0; grow < 9; ++grow) {
     const Rect& r = window->box;
-    pen->Fill({r.left - grow, r.top - 2 + grow, r.right + grow, r.bottom - 2 - grow}, kShadow, 4 + grow, 0.07);
+    pen->Fill({r.left - grow, r.top - 2 + grow, r.right + grow, r.bottom - 2 - grow}, kShadow, 4 + grow, 0.045);
   }
   Paint(window, VisibleWithin(window), pen);
 }

@@ -106,17 +106,17 @@ std::string Close(const std::vector<std::string>& words) {
     for (int k = 0; k < 2; ++k) {
       const Rect box = CloseBox(window, k);
       const int x = (box.left + box.right) / 2, y = (box.top + box.bottom) / 2;
-      if (WidgetAt(window, x, y, true, true) != window) continue;
+      if (!OnScreen(x, y) || WidgetAt(window, x, y, true, true) != window) continue;
       Click(window, x, y);
       return "ok";
     }
-    return "error: the close boxes of window " + Quote(words[0]) + " are covered";
+    return "error: the close boxes of window " + Quote(words[0]) + " are covered or off the screen";
   }
   return "error: no visible window " + Quote(words[0]);
 }
 
 std::string Key(const std::vector<std::string>& words) {
-  return PressKey(words[0]) ? "ok" : "error: no key " + Quote(words[0]);
+  return PressKey(words[0]) ? "ok" : "error: the keys are " + KeyNames() + ", not " + words[0];
 }
 
 std::string Picture(const std::vector<std::string>& words) {

@@ -87,6 +87,8 @@ Widget* WidgetAt(Widget* container, int x, int y, bool recursive, bool visibleOn
 Widget* SetFocus(Widget* widget);
 // The widget gives the keyboard to the nearest parent that wants it, else to the simulator.
 void LoseFocus(Widget* widget);
+// Whether the mouse could be there.
+bool OnScreen(int x, int y);
 // A point of the screen where the mouse would really meet this widget, its window being in front. False when
 // there is none.
 bool ReachablePoint(Widget* widget, int* x, int* y);
@@ -98,6 +100,7 @@ void TypeKey(char key, unsigned char virtualKey, int modifiers);
 void TypeCharacter(char character);
 // A key by its name: "enter", "f1". False when there is none of that name.
 bool PressKey(const std::string& name);
+std::string KeyNames();
 
 // A class of the public interface.
 struct ClassRow {
