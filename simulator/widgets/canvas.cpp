@@ -11,6 +11,9 @@ namespace {
 
 constexpr double kStroke = 0.94;  // thickness of letters
 
+// Not the library's: that one is too new on Linux for older systems.
+double Length(double x, double y) { return std::sqrt(x * x + y * y); }
+
 struct Canvas {
   int width, height;  // in pixels of the file
   std::vector<Colour> pixels;
@@ -48,7 +51,7 @@ struct Canvas {
           shape, [&](double x, double y) {
             const double along =
                 square > 0 ? std::clamp(((x - x1) * dx + (y - y1) * dy) / square, 0.0, 1.0) : 0.0;
-            return std::hypot(x - x1 - along * dx, y - y1 - along * dy) - half;
+            return Length(x - x1 - along * dx, y - y1 - along * dy) - half;
           });
   }
 
@@ -58,7 +61,7 @@ struct Canvas {
     Cover(s.x, s.y, s.x + s.width, s.y + s.height, s, [&](double x, double y) {
       const double outX = std::abs(x - middleX) - halfX + round, outY = std::abs(y - middleY) - halfY + round;
       const double edge =
-          std::hypot(std::max(outX, 0.0), std::max(outY, 0.0)) + std::min(std::max(outX, outY), 0.0) - round;
+          Length(std::max(outX, 0.0), std::max(outY, 0.0)) + std::min(std::max(outX, outY), 0.0) - round;
       return s.kind == Shape::Frame ? std::abs(edge + 0.5) - 0.5 : edge;
     });
   }
