@@ -92,7 +92,7 @@ std::string Screen(const Line& line) {
   int64_t size[2] = {};
   for (size_t i = 0; i < 2; ++i) {
     if (!Count(line.words[i + 1], kLeastScreen[i], kLargestScreen[i], &size[i])) {
-      return Error(i ? "the screen is 480 to 4320 pixels high" : "the screen is 640 to 7680 pixels wide");
+      return Error(i ? "the screen is 480 to 2880 pixels high" : "the screen is 640 to 5120 pixels wide");
     }
   }
   SetScreen(static_cast<int>(size[0]), static_cast<int>(size[1]));
@@ -328,7 +328,7 @@ constexpr CommandRow commandRows[] = {
      .least = 2,
      .most = 2,
      .run = Screen,
-     .about = "size of the screen, 640 480 to 7680 4320 (at first 1024 768); windows stay"},
+     .about = "size of the screen, 640 480 to 5120 2880 (at first 1024 768); windows stay"},
     {.name = "quit", .run = Quit, .about = "stops the plug-ins and ends"},
 };
 

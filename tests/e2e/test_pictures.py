@@ -66,6 +66,6 @@ def test_a_picture_shows_what_the_other_format_tells(build, start, request, tmp_
     for each in captions:
         x1, y1, x2, y2 = each["text-box"]
         assert x2 - x1 == 6 * len(each["text"])
-        inked = [x for x in range(x1 - 5, x2 + 10) for y in range(y2, y1) if max(at(x, y)) < 0x60]
+        inked = [x for x in range(x1 - 4, x2 + 4) for y in range(y2, y1) if max(at(x, y)) < 0x60]
         assert x1 <= min(inked) < x1 + 12 and x2 - 12 < max(inked) < x2, each
     standin.quit()

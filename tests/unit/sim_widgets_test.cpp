@@ -398,8 +398,8 @@ TEST_F(SimWidgets, TheScreenHasASizeAndCutsPictures) {
     return std::pair(size[0], size[1]);
   };
   EXPECT_EQ(screen(), std::pair(1024, 768));
-  Talk(R"(screen 640 480 | screen 639 480 -> error: the screen is 640 to 7680 pixels wide |
-         screen 640 4321 -> error: the screen is 480 to 4320 pixels high | screen 9 -> error: screen W H)");
+  Talk(R"(screen 640 480 | screen 639 480 -> error: the screen is 640 to 5120 pixels wide |
+         screen 640 2881 -> error: the screen is 480 to 2880 pixels high | screen 9 -> error: screen W H)");
   EXPECT_EQ(screen(), std::pair(640, 480));
   // The window stays, its title bar is off the screen, and so is what nobody can click any more.
   EXPECT_EQ(static_cast<sim::Widget*>(window)->box, (sim::Rect{100, 500, 400, 200}));
