@@ -26,6 +26,7 @@
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "offsets/window_server.h"
+#include "panels/layout.h"
 #include "panels/panels.h"
 #include "platform/clock.h"
 #include "platform/exceptions.h"
@@ -193,7 +194,7 @@ void EndDisable() {
   LogStamped("TAVRIX Disable !");
   readTrace = 0;
   writeTrace = 0;
-  ShowTraceSwitches();
+  DisableWindows();
   FlushLogs();
 }
 
@@ -280,6 +281,7 @@ int EnablePlugin() {
         "again\n");
     return 0;
   }
+  EnableWindows();
   BeginCrashCountdown();
   PrepareNetwork(settings.serverAddress);
   PreparePermissions(settings.allowedClients, settings.networkWrites != 0);
