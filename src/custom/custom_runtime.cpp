@@ -231,6 +231,25 @@ void RefreshCustomOffsets(int group) {
   }
 }
 
+CustomSummary SummariseCustomOffsets() {
+  CustomSummary summary = {};
+  const CustomTables* tables = loadedTables;
+  if (tables == nullptr) return summary;
+  summary.offsets = tables->offsets.size();
+  summary.datarefs = tables->datarefs.size();
+  summary.commands = tables->commands.size();
+  const auto note = [&](const char* name, const void* handle) {
+    std::vector<std::string>& names = summary.unresolved;
+    if (handle != nullptr || name == nullptr || *name == '\0') return;
+    if (std::find(names.begin(), names.end(), name) == names.end()) names.emplace_back(name);
+  };
+  for (const CustomDatarefEntry& dataref : tables->datarefs) note(dataref.path, dataref.handle);
+  for (const CustomCommandEntry& command : tables->commands) {
+    for (const CommandAction& action : ActionsOf(*tables, command)) note(action.name, action.handle);
+  }
+  return summary;
+}
+
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {
   return ReadNumber(dataref.handle, dataref.kind, dataref.index);
 }

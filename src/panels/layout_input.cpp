@@ -45,6 +45,7 @@ void PressButton(Window* window, const CellWidgets& button) {
 }
 
 void TurnBox(Window* window, const CellWidgets& box, bool on) {
+  if (!AcceptOpenField(window)) return RefreshBox(box);
   const std::string message = box.cell->turn(box.cell->index, on);
   RefreshNow(window);
   ShowMessage(window, message);

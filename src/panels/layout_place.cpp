@@ -223,8 +223,11 @@ Area AreaOf(XPWidgetID widget) {
   return area;
 }
 
-std::vector<std::string> BreakText(const std::string& text, int width, int lines) {
+std::vector<std::string> BreakText(std::string text, int width, int lines) {
   constexpr char more[] = "...";
+  for (char& character : text) {
+    if (static_cast<unsigned char>(character) < ' ' && character != '\n') character = ' ';
+  }
   const int room = RoomFor(width);
   std::vector<std::string> broken;
   size_t at = 0;

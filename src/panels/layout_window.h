@@ -48,8 +48,8 @@ struct ScreenSize {
 ScreenSize AskScreenSize();
 Area AreaOf(XPWidgetID widget);
 // Breaks a text into at most `lines` lines that fit into the room for `width` characters; the last one ends in
-// "..." when there is more.
-std::vector<std::string> BreakText(const std::string& text, int width, int lines);
+// "..." when there is more. Control characters but line feeds become blanks.
+std::vector<std::string> BreakText(std::string text, int width, int lines);
 // Gives the window the size that its cells need and puts them in their places; its upper left corner stays
 // where it is unless the screen ends there.
 void PlaceWindow(Window* window);

@@ -26,6 +26,10 @@ void OpenPerformanceWindow();
 // Tells the user what went wrong at start. The text may be long.
 void OpenAlertWindow(const char* text);
 
+// Whether the threads that serve clients have ended and are started again only when the plug-in is loaded anew;
+// the version window says so.
+void TellThreadsWait(bool wait);
+
 // Once a frame, in client mode too: open windows follow what they show; the version window does so at once when
 // the number of network clients has changed.
 void FollowPanels();

@@ -2,11 +2,10 @@
 #include <charconv>
 
 #include "base/log.h"
-#include "bridge/cycles.h"
 #include "controls/buttons.h"
 #include "custom/custom.h"
-#include "offsets/memory.h"
 #include "panels/layout.h"
+#include "panels/live_texts.h"
 #include "panels/panels.h"
 #include "settings/settings.h"
 
@@ -21,36 +20,26 @@ std::string TurnTrace(int which, bool on) {
   return "";
 }
 
-std::string Requests(int) {
-  RequestCounters counters = {};
-  {
-    LockScope lock(&offsetLock);
-    counters = requestCounters;
-  }
-  return "Requests: " + std::to_string(counters.requests) +
-         ", bytes read: " + std::to_string(counters.bytesRead) +
-         ", written: " + std::to_string(counters.bytesWritten);
-}
-
-std::string Refreshes(int) {
-  return "Refreshes stored: " + std::to_string(refreshCounters.stored) +
-         ", dropped: " + std::to_string(refreshCounters.dropped);
-}
-
 std::string Buttons(int) {
   const std::string status = ButtonStatus();
   return status.empty() ? "" : "Joystick buttons: " + status.substr(0, status.find('\n'));
 }
 
+std::string Loaded(int) {
+  const CustomSummary summary = SummariseCustomOffsets();
+  return std::to_string(summary.offsets) + " offsets, " + std::to_string(summary.datarefs) + " datarefs, " +
+         std::to_string(summary.commands) +
+         " commands; names not found: " + std::to_string(summary.unresolved.size());
+}
+
 std::string Clear(int) {
-  LogLine("Clear TAVRIXOffsets.cfg by user\n");
-  ClearCustomOffsets();
-  return "The entries are gone until the file is loaded again";
+  ClearCustomOffsetsByUser();
+  return "Gone until the file is loaded again";
 }
 
 std::string Reload(int) {
   ReloadCustomOffsets();
-  return "TAVRIXOffsets.cfg is loaded; TAVRIX.txt tells of faults in it";
+  return "Loaded; TAVRIX.txt tells of faults in the file";
 }
 
 std::string TuneValue(int) { return std::to_string(settings.tuneValue); }
@@ -75,10 +64,11 @@ constexpr Row rows[] = {
     {{{.kind = CellKind::Heading, .label = "What clients read and write, into TAVRIX.log"}}},
     {{TraceBox("Log reads", readSwitch), TraceBox("Log writes", writeSwitch)}},
     {{{.kind = CellKind::Heading, .label = "Since the start"}}},
-    {{{.kind = CellKind::Value, .width = 60, .text = Requests}}},
-    {{{.kind = CellKind::Value, .width = 60, .text = Refreshes}}},
+    {{{.kind = CellKind::Value, .width = 60, .text = RequestsText}}},
+    {{{.kind = CellKind::Value, .width = 60, .text = RefreshesText}}},
     {{{.kind = CellKind::Value, .width = 60, .text = Buttons}}},
     {{{.kind = CellKind::Heading, .label = "The user's own offsets"}}},
+    {{{.kind = CellKind::Value, .label = "Loaded", .width = 60, .text = Loaded}}},
     {{{.kind = CellKind::Button, .label = "Clear TAVRIXOffsets.cfg", .press = Clear},
       {.kind = CellKind::Button, .label = "Reload TAVRIXOffsets.cfg", .press = Reload}}},
     {{{.kind = CellKind::Heading, .label = "Settings"}}},

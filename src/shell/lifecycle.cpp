@@ -94,6 +94,7 @@ void CentreRudder() { FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ct
 float DeferredStart(float, float, int, void*) {
   try {
     if (threadsStarted) {
+      TellThreadsWait(true);
       LogOwn("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
     } else {
       threadsStarted = true;
@@ -222,6 +223,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   if (stage != Stage::Unloaded) return 1;
   stage = Stage::Started;
   PrepareExceptions();
+  TellThreadsWait(false);
   threadsStarted = false;  // a module that could not be unloaded starts once more with what it had
   readTrace = 0;
   writeTrace = 0;

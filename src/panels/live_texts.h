@@ -1,0 +1,12 @@
+// Texts that several windows show. Simulator's thread, no lock held, while the locks exist.
+#pragma once
+#include <string>
+#include <vector>
+
+// What clients have asked for since the start.
+std::string RequestsText(int);
+// Refreshes of the offset memory that were stored, and those dropped because its lock was busy.
+std::string RefreshesText(int);
+
+// One line each, at most `most` of them: the last one says then how many there are beyond those before it.
+std::string JoinLines(const std::vector<std::string>& lines, size_t most);
