@@ -13,7 +13,6 @@ export LC_ALL=C
 exceptions=(
   "AssignmentOfButton the settings window will show it"
   "ClearButtonAssignment the settings window will call it"
-  "LastPressedButton the settings window will show it"
   "SaveButtonAssignment the settings window will call it"
   "WriteButtonSetting behind the two"
   "CountProcessHandles what leak tests count, different on every system"
