@@ -26,6 +26,16 @@ void LoadPushbackSettings();
 // A client's command: 0, 1, 2 start in that mode unless the parking brake is set, 3 stops, anything above
 // starts straight.
 void CommandPushback(uint32_t command);
+// What the window shows.
+struct PushbackView {
+  bool begun;         // commands are taken: InitPushback has run
+  int mode;           // pushbackMode
+  double speed;       // that is applied, m/s along the heading, negative is backwards; 0 while nothing moves
+  bool endedByBrake;  // the parking brake has refused the last command or ended the last run, and is still set
+  double maxSpeed;    // settings
+  float maxTurnSpeed;
+};
+PushbackView LookAtPushback();
 // One frame's work; every frame.
 void PushbackStep();
 // The aircraft has crashed: ends pushback at once, without rolling out; the next turn begins slowly again.
