@@ -29,8 +29,8 @@ std::atomic<uint32_t> serverRun;
 Event queueReady;
 
 // All of these belong to the server thread.
-UINT callMessage;      // 0 while the message is not registered
-HWND serverWindow;     // null while there is none
+UINT callMessage;   // 0 while the message is not registered
+HWND serverWindow;  // null while there is none
 std::atomic<bool> windowAnswers;
 bool windowLooksLost;  // the loop has been told to look after the window
 bool windowLost;       // it is gone and not yet made anew

@@ -9,9 +9,9 @@
 //
 // A field's text is checked at every key; the reason why it is refused stands in the window's last line. Enter
 // accepts the text and presses the default button if there is one, else the keyboard goes back to the
-// simulator. Tab and Shift-Tab accept it and go on to the next field. So does a click elsewhere, and every
-// button but an exit accepts first; a refused text gives way to the old one then, or keeps the button from
-// acting. Escape gives the old text back, and a second one closes the window.
+// simulator. Tab and Shift-Tab accept it and go on to the next field. A click elsewhere accepts it, too, or
+// gives the old text back when it is refused; a button accepts first and does not act on a refused text, but
+// for an exit, which accepts nothing. Escape gives the old text back, and a second one closes the window.
 //
 // A close box hides the window: it is made once, and lasts until DestroyWindows. Windows cascade from the
 // screen's upper left corner, never leave the screen, and keep their distance from that corner when its size

@@ -44,11 +44,12 @@ void PressButton(Window* window, const CellWidgets& button) {
   ShowMessage(window, message);
 }
 
+// A refused text keeps no box from turning; its reason goes on standing in the window.
 void TurnBox(Window* window, const CellWidgets& box, bool on) {
-  if (!AcceptOpenField(window)) return RefreshBox(box);
+  const bool accepted = AcceptOpenField(window);
   const std::string message = box.cell->turn(box.cell->index, on);
   RefreshNow(window);
-  ShowMessage(window, message);
+  if (accepted || !message.empty()) ShowMessage(window, message);
 }
 
 void SelectAll(XPWidgetID field) {

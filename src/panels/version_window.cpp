@@ -19,7 +19,7 @@
 namespace {
 
 constexpr int wide = 60;         // characters of a long line
-constexpr size_t mostNames = 6;  // lines of a list
+constexpr size_t mostNames = 4;  // lines of a list
 
 // As they were when the window was opened: asking the system takes long.
 std::string ownAddresses;
@@ -94,11 +94,11 @@ std::string AddOns(int) {
                             {AddOn::Ec135, "EC135"},
                             {AddOn::XSquawkBox, "XSquawkBox"},
                             {AddOn::PilotEdge, "PilotEdge"}};
-  std::vector<std::string> lines;
+  std::string list;
   for (const Name& name : names) {
-    if (IsLoaded(name.addOn)) lines.emplace_back(name.name);
+    if (IsLoaded(name.addOn)) list += (list.empty() ? "" : ", ") + std::string(name.name);
   }
-  return lines.empty() ? "none" : JoinLines(lines, mostNames);
+  return list.empty() ? "none" : list;
 }
 
 std::string CustomEntries(int) {
@@ -138,7 +138,7 @@ constexpr Row rows[] = {
     {{{.kind = CellKind::Value, .width = wide, .text = RequestsText}}},
     {{{.kind = CellKind::Value, .width = wide, .text = RefreshesText}}},
     {{{.kind = CellKind::Heading, .label = "Loaded"}}},
-    {{{.kind = CellKind::Value, .label = "Add-ons", .width = 46, .lines = mostNames, .text = AddOns}}},
+    {{{.kind = CellKind::Value, .label = "Add-ons", .width = 46, .lines = 2, .text = AddOns}}},
     {{{.kind = CellKind::Value, .label = "TAVRIXOffsets.cfg", .width = 46, .text = CustomEntries}}},
     {{{.kind = CellKind::Value,
        .label = "Names not found",
