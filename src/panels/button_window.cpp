@@ -44,6 +44,7 @@ std::string AcceptButton(int, const std::string& text) {
   int button = -1;
   ReadNumberText(text, &button);
   Choose(button);
+  seenPresses = LastButtonPress().count;  // a press of just before counts no more
   return "";
 }
 
@@ -281,7 +282,7 @@ constexpr Row rows[] = {
        .text = Button,
        .check = CheckButton,
        .accept = AcceptButton}}},
-    {{{.kind = CellKind::Value, .label = "At present", .width = 56, .lines = 2, .text = Present}}},
+    {{{.kind = CellKind::Value, .label = "At present", .width = 64, .lines = 2, .text = Present}}},
     {},
     {{{.kind = CellKind::Field,
        .label = "Offset to assign to joystick button",

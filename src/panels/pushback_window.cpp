@@ -99,7 +99,7 @@ constexpr Row rows[] = {
     {{CommandButton("Straight", pushbackStraight), CommandButton("Nose left", pushbackTurnDown),
       CommandButton("Nose right", pushbackTurnUp), CommandButton("Stop", pushbackOff)}},
     {},
-    {{{.kind = CellKind::Value, .label = "State", .width = 40, .text = State}}},
+    {{{.kind = CellKind::Value, .label = "State", .width = 46, .text = State}}},
     {{{.kind = CellKind::Value, .label = "Speed", .width = 16, .text = SpeedNow}}},
 };
 
