@@ -84,8 +84,8 @@ constexpr Cell DetentField(const char* label, int detent) {
 }
 
 constexpr Row rows[] = {
-    {{{.kind = CellKind::Label,
-       .label = "Kept for a flap axis, which TAVRIX does not read: the simulator's own lever is in force."}}},
+    {{{.kind = CellKind::Label, .label = "Kept for a flap axis, which TAVRIX does not read:"}}},
+    {{{.kind = CellKind::Label, .label = "the simulator's own flap lever is in force."}}},
     {},
     {{{.kind = CellKind::Box, .label = "Flap detents active", .isOn = IsActive, .turn = TurnActive}}},
     {{{.kind = CellKind::Field,
