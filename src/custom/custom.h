@@ -10,9 +10,8 @@
 // published.
 #pragma once
 #include <cstdint>
-#include <string>
+#include <span>
 #include <string_view>
-#include <vector>
 
 #include "custom/custom_records.h"
 
@@ -29,7 +28,7 @@ void ReloadCustomOffsets();
 // have at that moment, each once, in the order of the tables. All empty while nothing is loaded.
 struct CustomSummary {
   size_t offsets, datarefs, commands;
-  std::vector<std::string> unresolved;
+  std::span<const std::string_view> unresolved;  // until the next load
 };
 CustomSummary SummariseCustomOffsets();
 // Does the reload that a client has asked for (through the dispatcher), with its log lines. Once a frame.

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <set>
 #include <span>
 #include <utility>
 
@@ -185,6 +186,18 @@ void CarryOut() {
               RunExpression(operations, write.expression.count, write.input, ReadDatarefValue));
 }
 
+void NoteUnresolved(CustomTables* tables) {
+  std::set<std::string_view> noted;
+  const auto note = [&](const char* name, const void* handle) {
+    if (handle != nullptr || name == nullptr || *name == '\0') return;
+    if (noted.insert(name).second) tables->unresolved.push_back(name);
+  };
+  for (const CustomDatarefEntry& dataref : tables->datarefs) note(dataref.path, dataref.handle);
+  for (const CustomCommandEntry& command : tables->commands) {
+    for (const CommandAction& action : ActionsOf(*tables, command)) note(action.name, action.handle);
+  }
+}
+
 // Every one of them, also when a handler of another plug-in throws at one.
 void EndAll(std::span<CommandAction> actions) {
   for (size_t i = 0; i < actions.size(); ++i) {
@@ -200,6 +213,7 @@ void EndAll(std::span<CommandAction> actions) {
 }  // namespace
 
 void PrepareCustomTables(CustomTables* tables) {
+  NoteUnresolved(tables);
   for (const CustomOffsetEntry& entry : tables->offsets) {
     if (IsRefreshed(entry)) tables->refresh[entry.number - 1].push_back({&entry, {}, false, false});
   }
@@ -232,22 +246,9 @@ void RefreshCustomOffsets(int group) {
 }
 
 CustomSummary SummariseCustomOffsets() {
-  CustomSummary summary = {};
   const CustomTables* tables = loadedTables;
-  if (tables == nullptr) return summary;
-  summary.offsets = tables->offsets.size();
-  summary.datarefs = tables->datarefs.size();
-  summary.commands = tables->commands.size();
-  const auto note = [&](const char* name, const void* handle) {
-    std::vector<std::string>& names = summary.unresolved;
-    if (handle != nullptr || name == nullptr || *name == '\0') return;
-    if (std::find(names.begin(), names.end(), name) == names.end()) names.emplace_back(name);
-  };
-  for (const CustomDatarefEntry& dataref : tables->datarefs) note(dataref.path, dataref.handle);
-  for (const CustomCommandEntry& command : tables->commands) {
-    for (const CommandAction& action : ActionsOf(*tables, command)) note(action.name, action.handle);
-  }
-  return summary;
+  if (tables == nullptr) return {};
+  return {tables->offsets.size(), tables->datarefs.size(), tables->commands.size(), tables->unresolved};
 }
 
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {

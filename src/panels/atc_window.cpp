@@ -127,7 +127,11 @@ constexpr Row rows[] = {
        .text = Reply,
        .accept = KeepReply,
        .isEnabled = CanReply},
-      {.kind = CellKind::Button, .label = "Send", .press = SendReply, .isEnabled = CanReply}}},
+      {.kind = CellKind::Button,
+       .label = "Send",
+       .press = SendReply,
+       .isDefault = true,
+       .isEnabled = CanReply}}},
 };
 constexpr WindowPlan plan = {.title = atcWindowTitle, .rows = rows, .opened = [] { replyDraft.clear(); }};
 

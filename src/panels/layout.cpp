@@ -206,9 +206,9 @@ std::string TextOf(XPWidgetID widget) {
 bool IsEdited(const CellWidgets& field) { return TextOf(field.body) != field.shown; }
 
 void ResetField(CellWidgets* field) {
-  field->shown = field->cell->text(field->cell->index);
-  XPSetWidgetDescriptor(field->body, field->shown.c_str());
-  field->shown = TextOf(field->body);
+  const std::string text = field->cell->text(field->cell->index);
+  if (text != TextOf(field->body)) XPSetWidgetDescriptor(field->body, text.c_str());
+  field->shown = TextOf(field->body);  // a limit may have cut it
 }
 
 void ResetFields(Window* window) {
@@ -286,12 +286,13 @@ void RefreshWindow(const WindowPlan& plan) {
 }
 
 void FollowWindows(int64_t now) {
-  if (std::exchange(openWindows, 0) == 0) return;
+  if (openWindows == 0) return;
+  openWindows = static_cast<int>(std::count_if(madeWindows.begin(), madeWindows.end(),
+                                               [](const auto& window) { return IsOpen(*window); }));
   const ScreenSize size = AskScreenSize();
   const ScreenSize before = std::exchange(screen, size);
   for (const auto& window : madeWindows) {
     if (!IsOpen(*window)) continue;
-    ++openWindows;
     if (size != before) FollowScreen(window.get(), before, size);
     if (now - window->refreshedAt < refreshPeriod) continue;
     window->refreshedAt = now;

@@ -54,7 +54,7 @@ struct Cell {
   std::string (*turn)(int index, bool on) = nullptr;
   // The user has pressed a button.
   std::string (*press)(int index) = nullptr;
-  bool isDefault = false;  // of a button: Enter in a field presses it
+  bool isDefault = false;  // of a button: Enter in a field presses it; one beside fields is theirs alone
   bool isExit = false;     // of a button: it acts whatever stands in the fields, none of which is accepted
   // Whether a field, box or button can be used now. Null: always.
   bool (*isEnabled)(int index) = nullptr;

@@ -70,12 +70,25 @@ void GoToNeighbour(const Window& window, const CellWidgets& field, bool back) {
   if (next != field.body && XPSetKeyboardFocus(next) == next) SelectAll(next);
 }
 
+bool HasFields(const Window& window, int row) {
+  return std::any_of(window.cells.begin(), window.cells.end(), [row](const CellWidgets& cell) {
+    return cell.row == row && cell.cell->kind == CellKind::Field;
+  });
+}
+
+// The default button for a field: one beside fields is theirs alone.
+const CellWidgets* DefaultButton(const Window& window, const CellWidgets& field) {
+  for (const CellWidgets& cell : window.cells) {
+    const bool serves = cell.row == field.row || !HasFields(window, cell.row);
+    if (cell.cell->kind == CellKind::Button && cell.cell->isDefault && serves) return &cell;
+  }
+  return nullptr;
+}
+
 void PressEnter(Window* window, CellWidgets* field) {
   if (!AcceptField(window, field)) return;
   XPLoseKeyboardFocus(field->body);
-  for (const CellWidgets& cell : window->cells) {
-    if (cell.cell->kind == CellKind::Button && cell.cell->isDefault) PressButton(window, cell);
-  }
+  if (const CellWidgets* button = DefaultButton(*window, *field)) PressButton(window, *button);
 }
 
 void PressEscape(Window* window, CellWidgets* field) {
@@ -133,9 +146,9 @@ int HandleWindow(XPWidgetMessage message, XPWidgetID widget, intptr_t param1, in
       HideWindow(window);
       return 1;
     case xpMsg_Reshape:
-      // Dragged by the user: what stands in it comes along. Cells that move report to the window, too.
-      if (AsWidget(param1) == widget && !window->placing) PlaceCells(window);
-      return 1;
+      // What stands in it comes along. Cells that move report to the window, too.
+      if (AsWidget(param1) == widget) PlaceCells(window);
+      return 0;
     default:
       break;
   }

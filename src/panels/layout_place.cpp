@@ -194,9 +194,7 @@ Area OnScreen(const Area& area, ScreenSize size) {
 }
 
 void MoveWindow(Window* window, const Area& area) {
-  window->placing = true;
   SetArea(window->widget, area);
-  window->placing = false;
   PlaceCells(window);
 }
 

@@ -33,7 +33,6 @@ struct Window {
   std::string message;
   int64_t refreshedAt = 0;  // monotonic, ns
   bool placed = false;      // has been shown before
-  bool placing = false;     // the layout moves it, not the user
 };
 
 extern std::vector<std::unique_ptr<Window>> madeWindows;

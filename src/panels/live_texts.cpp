@@ -19,10 +19,10 @@ std::string RefreshesText(int) {
          ", dropped: " + std::to_string(refreshCounters.dropped);
 }
 
-std::string JoinLines(const std::vector<std::string>& lines, size_t most) {
+std::string JoinLines(std::span<const std::string_view> lines, size_t most) {
   const size_t shown = lines.size() <= most ? lines.size() : most - 1;
   std::string text;
-  for (size_t i = 0; i < shown; ++i) text += (i == 0 ? "" : "\n") + lines[i];
+  for (size_t i = 0; i < shown; ++i) text.append(i == 0 ? "" : "\n").append(lines[i]);
   if (shown < lines.size()) text += "\nand " + std::to_string(lines.size() - shown) + " more";
   return text;
 }

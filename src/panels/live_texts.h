@@ -1,7 +1,8 @@
 // Texts that several windows show. Simulator's thread, no lock held, while the locks exist.
 #pragma once
+#include <span>
 #include <string>
-#include <vector>
+#include <string_view>
 
 // What clients have asked for since the start.
 std::string RequestsText(int);
@@ -9,4 +10,4 @@ std::string RequestsText(int);
 std::string RefreshesText(int);
 
 // One line each, at most `most` of them: the last one says then how many there are beyond those before it.
-std::string JoinLines(const std::vector<std::string>& lines, size_t most);
+std::string JoinLines(std::span<const std::string_view> lines, size_t most);

@@ -1,5 +1,6 @@
 // "TAVRIX Version and Info": who we are, who serves whom, what is loaded.
 #include <utility>
+#include <vector>
 
 #include "base/log.h"
 #include "base/version.h"
@@ -76,9 +77,9 @@ std::vector<std::string> clients;  // as they were when their table was free las
 
 std::string Clients(int) {
   TryListClients(&clients);
-  std::vector<std::string> lines;
-  for (const std::string& client : clients) lines.push_back(EscapedForLog(client));
-  return lines.empty() ? "none" : JoinLines(lines, 8);
+  std::string text;
+  for (const std::string& client : clients) text += (text.empty() ? "" : "\n") + EscapedForLog(client);
+  return text.empty() ? "none" : text;
 }
 
 // --- What is loaded ---------------------------------------------------------------------------------------

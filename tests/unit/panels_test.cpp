@@ -201,7 +201,9 @@ TEST_F(Panels, XSquawkBox) {
   EXPECT_TRUE(Shows("to land"));
   EXPECT_EQ(FaultsOf(1024, 768), "");
   rows::Calls();
-  Talk("type \"Reply\" \"roger\" | press \"Send\"");
+  Talk("type \"Number\" \"A2\"");
+  EXPECT_EQ(rows::Calls(), "") << "its Enter sends nothing";
+  Talk("type \"Reply\" \"roger\"");
   EXPECT_EQ(rows::Calls(), "plugin-message 16777225 0");
   EXPECT_EQ(SimCommand("get xsquawkbox/input/user_msg"), "ok \"roger\"");
   EXPECT_EQ(shown("Reply"), "");
@@ -257,6 +259,40 @@ TEST_F(Panels, Places) {
                       before.bottom - 9);
   EXPECT_EQ(window->children[0]->box.left, inside.left - 5);
   EXPECT_EQ(window->children[0]->box.top, inside.top - 9);
+}
+
+TEST_F(Panels, BrokenTexts) {
+  struct Case {
+    const char* text;
+    int width, lines;
+    std::vector<std::string> broken;
+  };
+  const Case cases[] = {
+      {"", 10, 2, {}},
+      {"fits", 4, 1, {"fits"}},
+      {"one two three", 7, 3, {"one two", "three"}},
+      {"one two three", 7, 1, {"one ..."}},
+      {"one\ntwo\nthree", 20, 2, {"one", "two..."}},
+      {"a\n\nb", 5, 3, {"a", "", "b"}},
+      {"abcdefghij", 4, 2, {"abcd", "e..."}},
+      {"\xC3\xA4\xC3\xA4\xC3\xA4", 3, 3, {"\xC3\xA4", "\xC3\xA4", "\xC3\xA4"}},  // two bytes a letter
+      {"tab\tand\rmore", 20, 1, {"tab and more"}},
+      {"abc", 0, 2, {"a", "b..."}},
+  };
+  for (const Case& c : cases) EXPECT_EQ(BreakText(c.text, c.width, c.lines), c.broken) << c.text;
+}
+
+// An instance that follows another simulator has no servers, and windows all the same.
+TEST_F(Panels, ClientMode) {
+  Stop();
+  tools::WriteFile(folder + "TAVRIX.ini",
+                   "[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\nTAVRIX2TAVRIX Client mode = Yes\n");
+  Begin();
+  Open(versionWindowTitle);
+  EXPECT_EQ(Shown(versionWindowTitle, "Network"), "client mode: receives from the other simulator");
+  requestCounters.requests = 5;
+  Follow();
+  EXPECT_TRUE(Shows("Requests: 5, bytes read: 0, written: 0"));
 }
 
 // While no window is open the simulator is asked nothing for them.
