@@ -270,16 +270,6 @@ void CloseWindow(const WindowPlan& plan) {
   if (Window* window = FindWindow(plan)) HideWindow(window);
 }
 
-bool IsWindowOpen(const WindowPlan& plan) {
-  const Window* window = FindWindow(plan);
-  return window != nullptr && IsOpen(*window);
-}
-
-void TellInWindow(const WindowPlan& plan, const std::string& message) {
-  Window* window = FindWindow(plan);
-  if (window != nullptr && IsOpen(*window)) ShowMessage(window, message);
-}
-
 void RefreshWindow(const WindowPlan& plan) {
   Window* window = FindWindow(plan);
   if (window != nullptr && windowsEnabled && IsOpen(*window)) RefreshNow(window);

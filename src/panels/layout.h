@@ -81,9 +81,6 @@ void DisableWindows();
 // its last line is gone. A simulator that refuses a widget gets a log line, and nothing is shown.
 void OpenWindow(const WindowPlan& plan);
 void CloseWindow(const WindowPlan& plan);
-bool IsWindowOpen(const WindowPlan& plan);
-// Puts a message into the last line of an open window that has one.
-void TellInWindow(const WindowPlan& plan, const std::string& message);
 // Asks an open window's texts, boxes and what is enabled now instead of within a quarter of a second. Texts
 // that the user has begun to change stay.
 void RefreshWindow(const WindowPlan& plan);
