@@ -78,7 +78,8 @@ std::string State(int) {
   constexpr const char* words[] = {"straight", "turning, nose right", "turning, nose left", "off"};
   const PushbackView view = LookAtPushback();
   if (!view.begun) return "off: in client mode the other simulator tows";
-  if (view.endedByBrake) return "refused: the parking brake is set";
+  if (view.brake == BrakeEffect::Refused) return "refused: the parking brake is set";
+  if (view.brake == BrakeEffect::Ended) return "ended: the parking brake is set";
   return view.mode == pushbackOff && view.speed != 0 ? "off, rolling out" : words[view.mode];
 }
 

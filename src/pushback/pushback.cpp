@@ -43,8 +43,8 @@ bool hasTurned;  // since the module was loaded
 float turnRate;  // degrees a frame; kept from one turn to the next until a crash or the next enable
 double turnedAngle;
 bool distanceReached;
-bool monitored;     // the distance monitor is registered
-bool endedByBrake;  // the last command or run
+bool monitored;           // the distance monitor is registered
+BrakeEffect brakeEffect;  // on the last command
 
 double ReadFloat(XPLMDataRef handle) { return ReadNumber(handle, Accessor::Float, 0); }
 
@@ -184,12 +184,13 @@ void StopPushback() {
 void CommandPushback(uint32_t command) {
   if (command == pushbackOff) {
     distanceReached = false;
-    endedByBrake = false;
+    brakeEffect = BrakeEffect::None;
     Stop();
     return;
   }
-  endedByBrake = ParkingBrakeSet();
-  if (endedByBrake) {
+  const bool refused = ParkingBrakeSet();
+  brakeEffect = refused ? BrakeEffect::Refused : BrakeEffect::None;
+  if (refused) {
     StandStill();
     distanceReached = false;
     Stop();
@@ -202,7 +203,7 @@ PushbackView LookAtPushback() {
   return {.begun = monitored,
           .mode = pushbackMode,
           .speed = active || speed < 0 ? AppliedSpeed() : 0,
-          .endedByBrake = endedByBrake && ParkingBrakeSet(),
+          .brake = ParkingBrakeSet() ? brakeEffect : BrakeEffect::None,
           .maxSpeed = maxSpeed,
           .maxTurnSpeed = maxTurnSpeed};
 }
@@ -217,15 +218,15 @@ void PushbackStep() {
   Ramp();
   ApplyVelocity();
   if (pushbackMode == pushbackTurnUp || pushbackMode == pushbackTurnDown) Turn();
-  endedByBrake = ParkingBrakeSet();
-  if (!endedByBrake) return;
+  if (!ParkingBrakeSet()) return;
+  brakeEffect = BrakeEffect::Ended;
   Stop();
   StandStill();
 }
 
 void AbortPushback() {
   if (active) Stop();
-  endedByBrake = false;
+  brakeEffect = BrakeEffect::None;
   StandStill();
   turnRate = 0;
 }

@@ -27,11 +27,12 @@ void LoadPushbackSettings();
 // starts straight.
 void CommandPushback(uint32_t command);
 // What the window shows.
+enum class BrakeEffect : uint8_t { None, Refused, Ended };
 struct PushbackView {
   bool begun;         // commands are taken: InitPushback has run
   int mode;           // pushbackMode
   double speed;       // that is applied, m/s along the heading, negative is backwards; 0 while nothing moves
-  bool endedByBrake;  // the parking brake has refused the last command or ended the last run, and is still set
+  BrakeEffect brake;  // what the parking brake, which is still set, did to the last command
   double maxSpeed;    // settings
   float maxTurnSpeed;
 };

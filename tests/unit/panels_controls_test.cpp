@@ -78,6 +78,13 @@ TEST_F(Panels, Pushback) {
   rows::Set("sim/flightmodel/controls/parkbrake", 0);
   Follow();
   EXPECT_EQ(shown("State"), "off");
+  sim::SimFrames(40);  // the offset shows the state again
+  Do(pushbackWindowTitle, {"Nose left", nullptr, ""});
+  sim::SimFrames(5);
+  rows::Set("sim/flightmodel/controls/parkbrake", 1);
+  sim::SimFrames(1);
+  Follow();
+  EXPECT_EQ(shown("State"), "ended: the parking brake is set");
   EXPECT_EQ(FaultsOf(1024, 768), "");
   Stop();
   Begin();
