@@ -10,8 +10,8 @@
 // A field's text is checked at every key; the reason why it is refused stands in the window's last line. Enter
 // accepts the text and presses the default button if there is one, else the keyboard goes back to the
 // simulator. Tab and Shift-Tab accept it and go on to the next field. A click elsewhere accepts it, too, or
-// gives the old text back when it is refused; a button accepts first and does not act on a refused text. Escape
-// gives the old text back, and a second one closes the window.
+// gives the old text back when it is refused; a button accepts first and does not act on a refused text, but
+// for an exit, which accepts nothing. Escape gives the old text back, and a second one closes the window.
 //
 // A close box hides the window: it is made once, and lasts until DestroyWindows. Windows cascade from the
 // screen's upper left corner, never leave the screen, and keep their distance from that corner when its size
@@ -55,6 +55,7 @@ struct Cell {
   // The user has pressed a button.
   std::string (*press)(int index) = nullptr;
   bool isDefault = false;  // of a button: Enter in a field presses it; one beside fields is theirs alone
+  bool isExit = false;     // of a button: it acts whatever stands in the fields, none of which is accepted
   // Whether a field, box or button can be used now. Null: always.
   bool (*isEnabled)(int index) = nullptr;
 };

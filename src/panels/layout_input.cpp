@@ -38,7 +38,7 @@ bool AcceptOpenField(Window* window) {
 }
 
 void PressButton(Window* window, const CellWidgets& button) {
-  if (!button.enabled || !AcceptOpenField(window)) return;
+  if (!button.enabled || (!button.cell->isExit && !AcceptOpenField(window))) return;
   const std::string message = button.cell->press(button.cell->index);
   RefreshNow(window);
   ShowMessage(window, message);

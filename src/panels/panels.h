@@ -4,10 +4,11 @@
 // Each window is a table of rows in a file of its own; layout.h makes widgets of them.
 #pragma once
 
-// Titles, which are the names of the menu's items too.
+// Titles, which are the names of the menu's items too but for one.
 constexpr char versionWindowTitle[] = "TAVRIX Version and Info";
 constexpr char atcWindowTitle[] = "ATC Menu";
-constexpr char buttonWindowTitle[] = "Joystick Button Assignments";
+constexpr char buttonMenuItem[] = "Joystick Button Assignments";
+constexpr char buttonWindowTitle[] = "Joystick Button -> Offset Assignments";
 constexpr char calibrationWindowTitle[] = "Joystick Calibration Assignments";
 constexpr char combiningWindowTitle[] = "Joystick Axis Combining Assignments";
 constexpr char pushbackWindowTitle[] = "Push Back Settings";

@@ -26,7 +26,7 @@ constexpr MenuRow rows[] = {
     {Entry::Separator, "", "", nullptr},
     {Entry::Submenu, "TAVRIX+", "", nullptr},
     {Entry::Submenu, "Joystick functions", "", nullptr},
-    {Entry::Item, buttonWindowTitle, "Open Joystick Button Assignments", OpenButtonWindow},
+    {Entry::Item, buttonMenuItem, "Open Joystick Button Assignments", OpenButtonWindow},
     {Entry::Item, calibrationWindowTitle, "Open Joystick Calibration Assignments", OpenCalibrationWindow},
     {Entry::Item, combiningWindowTitle, "Open Axis combining Assignments", OpenCombiningWindow},
     {Entry::EndOfSubmenu, "", "", nullptr},

@@ -7,6 +7,8 @@ from conftest import wait_for
 
 TITLES = ["TAVRIX Version and Info", "ATC Menu", "Joystick Button Assignments", "Joystick Calibration Assignments",
           "Joystick Axis Combining Assignments", "Push Back Settings", "Flaps settings", "Performance settings"]
+# Of the one window whose menu item says something else.
+WINDOW_OF = {"Joystick Button Assignments": "Joystick Button -> Offset Assignments"}
 
 
 @pytest.fixture(params=["linux", pytest.param("win32", marks=pytest.mark.wine)])
@@ -60,7 +62,7 @@ def test_rounds_leave_nothing(start, build, tmp_path):
     widgets = len(re.findall(r'[a-z]+ "', standin.ask("widgets")))
     for _ in range(100):
         for title in TITLES:
-            standin.ask(f'close "{title}"')
+            standin.ask(f'close "{WINDOW_OF.get(title, title)}"')
         for title in TITLES:
             standin.ask(f'menu "{title}"')
         standin.ask("frames 1")
