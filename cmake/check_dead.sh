@@ -11,11 +11,6 @@ export LC_ALL=C
 
 # What nobody calls and stays all the same: NAME, then why.
 exceptions=(
-  "AssignmentOfButton the settings window will show it"
-  "ClearButtonAssignment the settings window will call it"
-  "LastPressedButton the settings window will show it"
-  "SaveButtonAssignment the settings window will call it"
-  "WriteButtonSetting behind the two"
   "CountProcessHandles what leak tests count, different on every system"
   "CountProcessThreads what leak tests count, different on every system"
   "ProcessMemoryBytes what leak tests count, different on every system"

@@ -5,6 +5,7 @@
 typedef int XPLMKeyFlags;
 enum { xplm_ShiftFlag = 1, xplm_OptionAltFlag = 2, xplm_ControlFlag = 4, xplm_DownFlag = 8, xplm_UpFlag = 16 };
 enum { XPLM_KEY_RETURN = 13, XPLM_KEY_ESCAPE = 27, XPLM_KEY_TAB = 9, XPLM_KEY_DELETE = 8 };
+enum { XPLM_KEY_LEFT = 28, XPLM_KEY_RIGHT = 29, XPLM_KEY_UP = 30, XPLM_KEY_DOWN = 31 };
 
 XPLM_API void XPLMGetScreenSize(int* width, int* height);
 XPLM_API void XPLMGetMouseLocation(int* x, int* y);

@@ -5,6 +5,7 @@
 #include "XPLMNavigation.h"
 #include "XPLMPlugin.h"
 #include "core/core.h"
+#include "core/display.h"
 
 namespace sim {
 namespace {
@@ -84,6 +85,17 @@ std::string Stall(const Line& line) {
     return Error("not 0 to 3600 seconds: " + line.words[1]);
   }
   StallNextFrame(seconds);
+  return "ok";
+}
+
+std::string Screen(const Line& line) {
+  int64_t size[2] = {};
+  for (size_t i = 0; i < 2; ++i) {
+    if (!Count(line.words[i + 1], kLeastScreen[i], kLargestScreen[i], &size[i])) {
+      return Error(i ? "the screen is 480 to 2880 pixels high" : "the screen is 640 to 5120 pixels wide");
+    }
+  }
+  SetScreen(static_cast<int>(size[0]), static_cast<int>(size[1]));
   return "ok";
 }
 
@@ -311,6 +323,12 @@ constexpr CommandRow commandRows[] = {
      .most = 1,
      .run = Stall,
      .about = "the next frame takes so long"},
+    {.name = "screen",
+     .usage = "W H",
+     .least = 2,
+     .most = 2,
+     .run = Screen,
+     .about = "size of the screen, 640 480 to 5120 2880 (at first 1024 768); windows stay"},
     {.name = "quit", .run = Quit, .about = "stops the plug-ins and ends"},
 };
 
@@ -321,13 +339,22 @@ struct WidgetCommandRow {
   const char* about = "";
 };
 constexpr WidgetCommandRow widgetCommandRows[] = {
-    {.name = "widgets", .about = "plug-ins' windows and what is in them"},
-    {.name = "press", .usage = "[\"WINDOW\"] \"LABEL\"", .about = "presses a button or box"},
+    {.name = "widgets",
+     .about = "plug-ins' windows and what is in them; a box without a text has its caption's"},
+    {.name = "press",
+     .usage = "[\"WINDOW\"] \"LABEL\"",
+     .about = "presses a button or box: by its text, else by the caption right or left of it"},
     {.name = "type",
      .usage = "[\"WINDOW\"] \"LABEL\" \"TEXT\"",
-     .about = "replaces the text of the field beside a label"},
+     .about = "replaces the text of the nearest field right of a label by keys, return last"},
+    {.name = "key",
+     .usage = "NAME",
+     .about = "a key (enter, escape, tab, backtab, up, f1 ...) for the widget with the keyboard, else for the "
+              "simulator"},
     {.name = "close", .usage = "\"WINDOW\"", .about = "uses the close box"},
-    {.name = "picture", .usage = "FILE", .about = "draws the windows into a PNG or SVG file"},
+    {.name = "picture",
+     .usage = "FILE",
+     .about = "draws the windows, up to the screen's edges, into a file that ends in .png or .svg"},
 };
 
 // Answers must stay one line, whatever a name or a reason holds.

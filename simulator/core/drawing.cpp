@@ -42,9 +42,6 @@ std::vector<std::unique_ptr<HotKey>> hotKeys;
 bool drawing = false;  // a drawing callback may be running
 int lastTexture = 0;
 
-// Size of a letter, in both fonts.
-constexpr int kLetterWidth = 6, kLetterHeight = 10;
-
 // The maps' phases are not among them: no map is shown.
 constexpr XPLMDrawingPhase phases[] = {xplm_Phase_FirstScene, xplm_Phase_Terrain,      xplm_Phase_Airports,
                                        xplm_Phase_Vectors,    xplm_Phase_Objects,      xplm_Phase_Airplanes,
@@ -81,6 +78,8 @@ void CheckDrawing(const char* function) {
   CheckCaller(function);
   if (!drawing) Breach(function, "called outside of the drawing callbacks");
 }
+
+void SetDrawing(bool on) { drawing = on; }
 
 void DrawFrame() {
   PlaceCamera();

@@ -123,6 +123,8 @@ SIM_API void Breach(const char* function, const char* why);
 SIM_API void CheckCaller(const char* function);
 // The same for functions that draw, which belong into the drawing callbacks alone.
 SIM_API void CheckDrawing(const char* function);
+// On while other code than the frame's has plug-ins draw.
+SIM_API void SetDrawing(bool on);
 // Everything that Breach has told since the last call of this, as "FUNCTION: WHY" (tolerant mode). Any thread.
 SIM_API std::vector<std::string> TakeBreaches();
 // Datarefs and commands that were looked up by name since the program began.
@@ -133,10 +135,15 @@ SIM_API uint64_t NullHandles();
 // the first plug-in, 0 when there is none.
 SIM_API int CallingPlugin();
 
+// Pixels that each character of every font takes: as they are measured, so they are drawn into pictures.
+constexpr int kLetterWidth = 6, kLetterHeight = 10;
+// Pixels of the screen, as the last `screen` line of the console set them.
+SIM_API void GetScreen(int* width, int* height);
+
 // ---------------------------------------------------------------------------------------------
 // The widget library is a separate file; it hooks itself into the core when it is loaded.
 struct WidgetHooks {
-  // Runs a console command of the widget family (widgets, press, type, close, picture). `arguments` is
+  // Runs a console command of the widget family (widgets, press, type, key, close, picture). `arguments` is
   // the rest of the line. Fills the whole answer line ("ok ..." or "error: ...").
   void (*console)(const char* command, const char* arguments, std::string* answer);
   // Number of widgets that exist (breach when some are left after stop).

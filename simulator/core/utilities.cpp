@@ -138,8 +138,10 @@ const char* XPLMGetVirtualKeyDescription(char vkey) {
 
 void XPLMGetScreenSize(int* width, int* height) {
   sim::Check("XPLMGetScreenSize");
-  if (width) *width = 1024;
-  if (height) *height = 768;
+  int size[2];
+  sim::GetScreen(&size[0], &size[1]);
+  if (width) *width = size[0];
+  if (height) *height = size[1];
 }
 
 void XPLMGetMouseLocation(int* x, int* y) {

@@ -16,6 +16,7 @@ struct Window {
 };
 std::vector<std::unique_ptr<Window>> windows;  // the front one first
 Window* withKeyboard = nullptr;
+int screenWidth = 0, screenHeight = 0;
 
 // The record of a handle. One that is none crashes the real simulator.
 Window* Known(const char* function, XPLMWindowID id) {
@@ -51,6 +52,17 @@ void DrawWindows() {
 void ResetWindows() {
   windows.clear();
   withKeyboard = nullptr;
+  SetScreen(1024, 768);
+}
+
+void SetScreen(int width, int height) {
+  screenWidth = width;
+  screenHeight = height;
+}
+
+void GetScreen(int* width, int* height) {
+  *width = screenWidth;
+  *height = screenHeight;
 }
 
 int DropWindows(int owner, std::string*) {

@@ -1,217 +1,63 @@
-// What the windows look like: widgets become shapes.
+// Which widgets a picture shows, and where.
 #include "widgets/picture.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
 
-#include "core/sim.h"
-#include "core/table.h"
-
 namespace sim {
 namespace {
 
-constexpr int kMargin = 10;     // around the windows
-constexpr int kLargest = 4096;  // pixels; a window may claim to be larger than any screen
-constexpr Colour kSky = 0x55677A, kPanel = 0xC8CCD0, kTitleBar = 0x36495E, kDarkPanel = 0x2A3038;
-constexpr Colour kWhite = 0xFFFFFF, kBlack = 0x101418, kEdge = 0x70787F, kPale = 0xA8AEB4;
-constexpr Colour kInset = 0xD6DADD, kButton = 0xE4E7EA, kLit = 0xF0C040, kGreen = 0x3C9A50, kScreen = 0x101A12;
+constexpr int kMargin = 14;  // around the windows
+constexpr Colour kSky = 0x51677D, kShadow = 0x0B1520, kWhite = 0xFFFFFF;
 
-struct Pen {
-  Drawing* drawing;
-  int left, top;  // screen coordinates of the picture's corner
-  bool dark;      // inside a translucent window
+// Characters that no picture can show look like question marks.
+std::string Printable(std::string text) {
+  for (char& c : text) {
+    if (c < ' ' || c > '~') c = '?';
+  }
+  return text;
+}
 
-  void Add(Shape::Kind kind, int x, int y, int width, int height, Colour colour) {
-    drawing->shapes.push_back({kind, x - left, top - y, width, height, colour, ""});
-  }
-  void Fill(const Rect& r, Colour colour) { Add(Shape::Fill, r.left, r.top, r.Width(), r.Height(), colour); }
-  void Frame(const Rect& r, Colour colour) { Add(Shape::Frame, r.left, r.top, r.Width(), r.Height(), colour); }
-  // Screen coordinates of both ends.
-  void Line(int x1, int y1, int x2, int y2, Colour colour) {
-    Add(Shape::Line, x1, y1, x2 - x1, y1 - y2, colour);
-  }
-  // Text that begins at x, in the middle of the rectangle's height.
-  void Text(const std::string& text, int x, const Rect& r, Colour colour) {
-    std::string plain = text;
-    for (char& c : plain) {
-      if (c < ' ' || c > '~') c = '?';
-    }
-    const int y = (r.top + r.bottom + kTextHeight) / 2;
-    if (!plain.empty()) drawing->shapes.push_back({Shape::Text, x - left, top - y, 0, 0, colour, plain});
-  }
-  void Centred(const std::string& text, const Rect& r, Colour colour) {
-    Text(text, r.left + (r.Width() - static_cast<int>(text.size()) * kCharacterWidth) / 2, r, colour);
-  }
-  Colour Ink() const { return dark ? kWhite : kBlack; }
-};
+// What a widget's group tells: class and state in the console's words, its own text, what it is called when
+// that differs, its rectangle as "left top right bottom" of the screen; data-text-box (see Pen::Text) is that
+// of the text.
+Shape GroupOf(const Widget* w, const std::vector<Widget*>& all) {
+  Shape group = {.kind = Shape::Open};
+  group.facts = {{"data-class", ClassWord(w)},
+                 {"data-text", Printable(w->text)},
+                 {"data-state", StateOf(w)},
+                 {"data-box", BoxText(w->box)}};
+  const std::string& label = LabelOf(w, all);
+  if (label != w->text) group.facts.emplace_back("data-label", Printable(label));
+  if (!IsEnabled(w)) group.facts.emplace_back("data-enabled", "0");
+  if (w == keyboardFocus) group.facts.emplace_back("data-focus", "1");
+  return group;
+}
 
-void DrawWindow(const Widget* w, Pen* pen) {
-  pen->dark = Property(w, xpProperty_MainWindowType) == xpMainWindowStyle_Translucent;
-  pen->Fill(w->box, pen->dark ? kDarkPanel : kPanel);
-  const Rect title = {w->box.left, w->box.top, w->box.right, w->box.top - kTitleHeight};
-  if (!pen->dark) pen->Fill(title, kTitleBar);
-  pen->Centred(w->text, title, kWhite);
-  if (Property(w, xpProperty_MainWindowHasCloseBoxes)) {
-    for (int k = 0; k < 2; ++k) {
-      const Rect box = CloseBox(w, k);
-      pen->Frame(box, kWhite);
-      pen->Line(box.left + 4, box.top - 4, box.right - 5, box.bottom + 5, kWhite);
-      pen->Line(box.left + 4, box.bottom + 5, box.right - 5, box.top - 4, kWhite);
+// Paints a widget and what lies in it, asking it first whether it wants to do so itself. `all` are the visible
+// widgets of its window.
+void Paint(Widget* w, const std::vector<Widget*>& all, Pen* pen) {
+  if (!w->visible) return;
+  pen->group = pen->drawing->shapes.size();
+  pen->drawing->shapes.push_back(GroupOf(w, all));
+  if (!Send(w, xpMsg_Paint, xpMode_Direct, 0, 0) && IsLive(w)) {
+    if (!Send(w, xpMsg_Draw, xpMode_Direct, 0, 0) && IsLive(w)) DrawWidget(w, pen);
+    const std::vector<Widget*> children = w->children;
+    for (Widget* child : children) {
+      if (IsLive(child)) Paint(child, all, pen);
     }
   }
-  pen->Frame(w->box, kBlack);
+  pen->drawing->shapes.push_back({.kind = Shape::Close});
 }
 
-// A small square with its mark, and the text beside it.
-void DrawBox(const Widget* w, bool round, Pen* pen) {
-  const bool enabled = IsEnabled(w);
-  const Colour ink = enabled ? kBlack : kEdge;
-  const Rect& r = w->box;
-  const int middle = (r.top + r.bottom) / 2;
-  const int side = std::max(4, std::min({12, r.Width(), r.Height()}));
-  const Rect mark = {r.left, middle + side / 2, r.left + side, middle + side / 2 - side};
-  pen->Fill(mark, enabled ? kWhite : kPale);
-  pen->Frame(mark, kBlack);
-  if (Property(w, xpProperty_ButtonState) && round) {
-    pen->Fill({mark.left + 3, mark.top - 3, mark.right - 3, mark.bottom + 3}, ink);
-  } else if (Property(w, xpProperty_ButtonState)) {
-    const int bottom = mark.bottom + 3, low = mark.left + side / 2 - 2;
-    for (int thick = 0; thick < 2; ++thick) {
-      pen->Line(mark.left + 2, middle + thick, low, bottom + thick, ink);
-      pen->Line(low, bottom + thick, mark.right - 3, mark.top - 4 + thick, ink);
-    }
+void PaintWindow(Widget* window, Pen* pen) {
+  pen->dark = Property(window, xpProperty_MainWindowType) == xpMainWindowStyle_Translucent;
+  for (int grow = 0; grow < 9; ++grow) {
+    const Rect& r = window->box;
+    pen->Fill({r.left - grow, r.top - 2 + grow, r.right + grow, r.bottom - 2 - grow}, kShadow, 4 + grow, 0.045);
   }
-  pen->Text(w->text, mark.right + 4, r, enabled ? pen->Ink() : kEdge);
-}
-
-void DrawButton(const Widget* w, Pen* pen) {
-  const intptr_t type = Property(w, xpProperty_ButtonType);
-  const intptr_t behaviour = Property(w, xpProperty_ButtonBehavior);
-  const bool round = behaviour == xpButtonBehaviorRadioButton;
-  if (round || behaviour == xpButtonBehaviorCheckBox || type == xpRadioButton) return DrawBox(w, round, pen);
-  const bool enabled = IsEnabled(w);
-  const Colour ink = enabled ? kBlack : kEdge;
-  const Rect& r = w->box;
-  const int middleX = (r.left + r.right) / 2, middleY = (r.top + r.bottom) / 2;
-  pen->Fill(r, Property(w, xpProperty_Hilited) ? kLit : enabled ? kButton : kPale);
-  pen->Frame(r, kEdge);
-  if (type == xpLittleUpArrow || type == xpLittleDownArrow) {
-    const int tip = type == xpLittleUpArrow ? 2 : -3;
-    pen->Line(middleX - 3, middleY - tip, middleX, middleY + tip, ink);
-    pen->Line(middleX, middleY + tip, middleX + 3, middleY - tip, ink);
-  } else {
-    pen->Centred(type == xpWindowCloseBox && w->text.empty() ? "x" : w->text, r, ink);
-  }
-}
-
-void DrawField(const Widget* w, Pen* pen) {
-  const Rect& r = w->box;
-  const intptr_t style = Property(w, xpProperty_TextFieldType);
-  const bool dark = style == xpTextTranslucent || (style == xpTextTransparent && pen->dark);
-  if (style != xpTextTransparent) pen->Fill(r, dark ? kDarkPanel : IsEnabled(w) ? kWhite : kPale);
-  pen->Frame(r, w == keyboardFocus ? kLit : kEdge);
-  std::string text = Property(w, xpProperty_PasswordMode) ? std::string(w->text.size(), '*') : w->text;
-  const intptr_t scroll =
-      std::clamp<intptr_t>(Property(w, xpProperty_ScrollPosition), 0, static_cast<intptr_t>(text.size()));
-  text.erase(0, static_cast<size_t>(scroll));
-  text.resize(std::min(text.size(), static_cast<size_t>(std::max(0, r.Width() - 4) / kCharacterWidth)));
-  pen->Text(text, r.left + 3, r, dark ? kWhite : kBlack);
-}
-
-// How far `position` lies between low and high, 0 to 1.
-double Share(const Widget* w, XPWidgetPropertyID position, XPWidgetPropertyID low, XPWidgetPropertyID high) {
-  const double from = static_cast<double>(Property(w, low)), to = static_cast<double>(Property(w, high));
-  if (to <= from) return 0;
-  return std::clamp((static_cast<double>(Property(w, position)) - from) / (to - from), 0.0, 1.0);
-}
-
-void DrawScrollBar(const Widget* w, Pen* pen) {
-  const Rect& r = w->box;
-  const BarLayout layout = LayoutOf(w);
-  const bool lying = layout.lying;
-  const int size = layout.size, length = layout.length;
-  const double share =
-      Share(w, xpProperty_ScrollBarSliderPosition, xpProperty_ScrollBarMin, xpProperty_ScrollBarMax);
-  const int thumb = layout.arrow + static_cast<int>(share * std::max(0, layout.Travel()));
-  const auto part = [&](int from, int to) {
-    return lying ? Rect{r.left + from, r.top, r.left + to, r.bottom}
-                 : Rect{r.left, r.bottom + to, r.right, r.bottom + from};
-  };
-  if (layout.arrows) {
-    pen->Fill(r, kPale);
-    pen->Frame(r, kEdge);
-    for (int at : {0, length - size}) {
-      pen->Fill(part(at, at + size), kButton);
-      pen->Frame(part(at, at + size), kEdge);
-      pen->Centred(lying ? (at ? ">" : "<") : (at ? "^" : "v"), part(at, at + size), kBlack);
-    }
-  } else {
-    const int edge = size / 2 - 2;
-    pen->Fill(lying ? Rect{r.left, r.top - edge, r.right, r.top - edge - 4}
-                    : Rect{r.left + edge, r.top, r.left + edge + 4, r.bottom},
-              kEdge);
-  }
-  pen->Fill(part(thumb + 1, thumb + size - 1), kTitleBar);
-}
-
-void DrawSubWindow(const Widget* w, Pen* pen) {
-  const intptr_t style = Property(w, xpProperty_SubWindowType);
-  const Colour plain = pen->dark ? kDarkPanel : kInset;
-  pen->Fill(w->box, style == xpSubWindowStyle_Screen     ? kScreen
-                    : style == xpSubWindowStyle_ListView ? kWhite
-                                                         : plain);
-  pen->Frame(w->box, kEdge);
-}
-
-void DrawCaption(const Widget* w, Pen* pen) {
-  pen->Text(w->text, w->box.left, w->box, Property(w, xpProperty_CaptionLit) ? kWhite : pen->Ink());
-}
-
-void DrawProgress(const Widget* w, Pen* pen) {
-  Rect bar = w->box;
-  pen->Fill(bar, kWhite);
-  const double share = Share(w, xpProperty_ProgressPosition, xpProperty_ProgressMin, xpProperty_ProgressMax);
-  bar.right = bar.left + static_cast<int>(share * bar.Width());
-  pen->Fill(bar, kGreen);
-  pen->Frame(w->box, kEdge);
-}
-
-void DrawGraphics(const Widget* w, Pen* pen) {
-  pen->Frame(w->box, pen->Ink());
-  pen->Line(w->box.left, w->box.top, w->box.right, w->box.bottom, pen->Ink());
-}
-
-struct LookRow {
-  XPWidgetClass type = xpWidgetClass_None;
-  void (*draw)(const Widget* w, Pen* pen) = nullptr;
-};
-constexpr LookRow lookRows[] = {
-    {.type = xpWidgetClass_None},  // a custom widget draws itself
-    {.type = xpWidgetClass_MainWindow, .draw = DrawWindow},
-    {.type = xpWidgetClass_SubWindow, .draw = DrawSubWindow},
-    {.type = xpWidgetClass_Button, .draw = DrawButton},
-    {.type = xpWidgetClass_TextField, .draw = DrawField},
-    {.type = xpWidgetClass_ScrollBar, .draw = DrawScrollBar},
-    {.type = xpWidgetClass_Caption, .draw = DrawCaption},
-    {.type = xpWidgetClass_GeneralGraphics, .draw = DrawGraphics},
-    {.type = xpWidgetClass_Progress, .draw = DrawProgress},
-};
-static_assert(IsTableOf<&LookRow::type>(lookRows, xpWidgetClass_Progress));
-
-void DrawWidget(const Widget* w, Pen* pen) {
-  const LookRow& row = lookRows[ClassOf(w->type).type];
-  if (row.draw) row.draw(w, pen);
-}
-
-// Paints a widget and what lies in it, asking it first whether it wants to do so itself.
-void Paint(Widget* w, Pen* pen) {
-  if (!w->visible || Send(w, xpMsg_Paint, xpMode_Direct, 0, 0) || !IsLive(w)) return;
-  if (!Send(w, xpMsg_Draw, xpMode_Direct, 0, 0) && IsLive(w)) DrawWidget(w, pen);
-  const std::vector<Widget*> children = w->children;
-  for (Widget* child : children) {
-    if (IsLive(child)) Paint(child, pen);
-  }
+  Paint(window, VisibleWithin(window), pen);
 }
 
 bool EndsIn(const std::string& file, const std::string& ending) {
@@ -220,30 +66,95 @@ bool EndsIn(const std::string& file, const std::string& ending) {
                     [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
 }
 
+// The part of the screen with all windows and a margin around them. All zero when nothing of them lies there.
+Rect ShownPart(const std::vector<Widget*>& windows, const Rect& screen) {
+  Rect part;
+  for (const Widget* window : windows) {
+    const Rect& r = window->box;
+    const Rect cut = {std::max(r.left - kMargin, screen.left), std::min(r.top + kMargin, screen.top),
+                      std::min(r.right + kMargin, screen.right), std::max(r.bottom - kMargin, screen.bottom)};
+    if (cut.left >= cut.right || cut.bottom >= cut.top) continue;
+    part = part == Rect() ? cut
+                          : Rect{std::min(part.left, cut.left), std::max(part.top, cut.top),
+                                 std::max(part.right, cut.right), std::min(part.bottom, cut.bottom)};
+  }
+  return part;
+}
+
 }  // namespace
 
-bool DrawPicture(const std::vector<Widget*>& windows, const std::string& file, std::string* error) {
+std::string BoxText(const Rect& r) {
+  return std::to_string(r.left) + " " + std::to_string(r.top) + " " + std::to_string(r.right) + " " +
+         std::to_string(r.bottom);
+}
+
+void Pen::Fill(const Rect& r, Colour colour, double round, double opacity) {
+  drawing->shapes.push_back({.kind = Shape::Fill,
+                             .x = static_cast<double>(r.left - drawing->left),
+                             .y = static_cast<double>(drawing->top - r.top),
+                             .width = static_cast<double>(r.Width()),
+                             .height = static_cast<double>(r.Height()),
+                             .round = round,
+                             .colour = colour,
+                             .opacity = opacity});
+}
+
+void Pen::Frame(const Rect& r, Colour colour, double round) {
+  Fill(r, colour, round);
+  drawing->shapes.back().kind = Shape::Frame;
+}
+
+void Pen::Line(double x1, double y1, double x2, double y2, Colour colour, double thickness) {
+  drawing->shapes.push_back({.kind = Shape::Line,
+                             .x = x1 - drawing->left,
+                             .y = drawing->top - y1,
+                             .width = x2 - x1,
+                             .height = y1 - y2,
+                             .round = thickness,
+                             .colour = colour});
+}
+
+void Pen::Text(const std::string& text, int x, const Rect& r, Colour colour) {
+  if (text.empty()) return;
+  const int top = (r.top + r.bottom + kLetterHeight) / 2;
+  const int width = static_cast<int>(text.size()) * kLetterWidth;
+  if (group < drawing->shapes.size() && drawing->shapes[group].kind == Shape::Open)
+    drawing->shapes[group].facts.emplace_back("data-text-box",
+                                              BoxText({x, top, x + width, top - kLetterHeight}));
+  drawing->shapes.push_back({.kind = Shape::Text,
+                             .x = static_cast<double>(x - drawing->left),
+                             .y = static_cast<double>(drawing->top - top),
+                             .colour = colour,
+                             .text = Printable(text)});
+}
+
+void Pen::Centred(const std::string& text, const Rect& r, Colour colour) {
+  Text(text, r.left + (r.Width() - static_cast<int>(text.size()) * kLetterWidth) / 2, r, colour);
+}
+
+Drawing DrawScreen(const std::vector<Widget*>& windows) {
+  Hold hold;
+  Rect screen;
+  GetScreen(&screen.right, &screen.top);
+  Rect part = ShownPart(windows, screen);
+  const bool nothing = part == Rect();
+  if (nothing) part = {0, 60, 240, 0};
+  Drawing drawing = {part.left, part.top, part.Width(), part.Height(), kSky, {}};
+  Pen pen = {.drawing = &drawing};
+  if (nothing) pen.Centred("no window on the screen", part, kWhite);
+  SetDrawing(true);
+  for (size_t i = windows.size(); i-- > 0;) {  // the front one last
+    if (IsLive(windows[i])) PaintWindow(windows[i], &pen);
+  }
+  SetDrawing(false);
+  return drawing;
+}
+
+bool WritePicture(const Drawing& drawing, const std::string& file, std::string* error) {
   const bool svg = EndsIn(file, ".svg");
   if (!svg && !EndsIn(file, ".png")) {
     *error = "the picture's name must end in .png or .svg: " + Quote(file);
     return false;
-  }
-  Hold hold;
-  Rect all = windows.empty() ? Rect{0, 40, 160, 0} : windows[0]->box;
-  for (const Widget* window : windows) {
-    all.left = std::min(all.left, window->box.left);
-    all.top = std::max(all.top, window->box.top);
-    all.right = std::max(all.right, window->box.right);
-    all.bottom = std::min(all.bottom, window->box.bottom);
-  }
-  Drawing drawing;
-  drawing.background = kSky;
-  drawing.width = std::clamp(all.Width(), 1, kLargest) + 2 * kMargin;
-  drawing.height = std::clamp(all.Height(), 1, kLargest) + 2 * kMargin;
-  Pen pen = {&drawing, all.left - kMargin, all.top + kMargin, false};
-  if (windows.empty()) pen.Centred("no visible window", all, kWhite);
-  for (size_t i = windows.size(); i-- > 0;) {  // the front one last
-    if (IsLive(windows[i])) Paint(windows[i], &pen);
   }
   const std::string content = svg ? SvgFile(drawing) : PngFile(drawing);
   std::FILE* out = std::fopen(file.c_str(), "wb");

@@ -7,8 +7,6 @@
 namespace sim {
 namespace {
 
-constexpr int kMargin = 3;  // pixels before the first character
-
 struct Selection {
   size_t start = 0, end = 0;
 };
@@ -20,9 +18,16 @@ Selection GetSelection(const Widget* field) {
   return {static_cast<size_t>(start), static_cast<size_t>(end)};
 }
 
+// Selects, and scrolls so far that the active end can be seen.
 void Select(Widget* field, size_t start, size_t end) {
   SetProperty(field, xpProperty_EditFieldSelStart, static_cast<intptr_t>(start));
   SetProperty(field, xpProperty_EditFieldSelEnd, static_cast<intptr_t>(end));
+  const bool startActive = start != end && !Property(field, xpProperty_ActiveEditSide);
+  const intptr_t caret = static_cast<intptr_t>(startActive ? start : end);
+  const intptr_t room = VisibleLetters(field);
+  const intptr_t first = Property(field, xpProperty_ScrollPosition);
+  SetProperty(field, xpProperty_ScrollPosition,
+              std::clamp<intptr_t>(first, std::max<intptr_t>(0, caret - room), caret));
 }
 
 // Puts `piece` in place of the characters from start to end, within the limit, and tells the parents.
@@ -105,8 +110,8 @@ constexpr KeyRow keyRows[] = {
     {.key = XPLM_KEY_TAB, .press = Tab},
     {.virtualKey = 0x2E, .press = DeleteForward},
     {.key = XPLM_KEY_DELETE, .press = DeleteBack},
-    {.key = 28, .virtualKey = 0x25, .press = GoLeft},
-    {.key = 29, .virtualKey = 0x27, .press = GoRight},
+    {.key = XPLM_KEY_LEFT, .virtualKey = 0x25, .press = GoLeft},
+    {.key = XPLM_KEY_RIGHT, .virtualKey = 0x27, .press = GoRight},
     {.virtualKey = 0x24, .press = GoHome},
     {.virtualKey = 0x23, .press = GoEnd},
 };
@@ -121,10 +126,16 @@ void (*DeedOf(const XPKeyState_t& state))(const Stroke&) {
   return key >= 32 && key != 127 && !(state.flags & xplm_ControlFlag) ? Insert : nullptr;
 }
 
-// Whether the field takes the key; its way up is taken and does nothing.
-bool KeyPressed(Widget* field, const XPKeyState_t& state) {
+// Whether the field takes the key; its way up is taken and does nothing. Enter and tab are the parents' keys:
+// they leave the field or go to the next one only when no parent has another use for them.
+bool KeyPressed(Widget* field, XPKeyState_t* key) {
+  const XPKeyState_t& state = *key;
   const auto press = DeedOf(state);
   if (!press) return false;
+  const bool parents = state.key == XPLM_KEY_RETURN || state.key == XPLM_KEY_TAB;
+  if (parents && field->parent && Send(field->parent, xpMsg_KeyPress, xpMode_UpChain, AsParam(key), 0))
+    return true;
+  if (!IsLive(field) || keyboardFocus != field) return true;
   if ((state.flags & xplm_UpFlag) && !(state.flags & xplm_DownFlag)) return true;
   Stroke stroke = {.field = field, .character = state.key};
   stroke.shift = (state.flags & xplm_ShiftFlag) != 0;
@@ -139,17 +150,21 @@ bool KeyPressed(Widget* field, const XPKeyState_t& state) {
 
 size_t CharacterAt(const Widget* field, int x) {
   const intptr_t first = std::max<intptr_t>(0, Property(field, xpProperty_ScrollPosition));
-  const intptr_t at = first + (x - field->box.left - kMargin + kCharacterWidth / 2) / kCharacterWidth;
+  const intptr_t at = first + (x - field->box.left - kFieldMargin + kLetterWidth / 2) / kLetterWidth;
   return static_cast<size_t>(std::clamp<intptr_t>(at, 0, static_cast<intptr_t>(field->text.size())));
 }
 
 }  // namespace
 
+int VisibleLetters(const Widget* field) {
+  return std::max(0, field->box.Width() - 2 * kFieldMargin) / kLetterWidth;
+}
+
 int TextFieldFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t) {
   Widget* field = static_cast<Widget*>(id);
   switch (message) {
     case xpMsg_KeyPress:
-      return KeyPressed(field, *reinterpret_cast<const XPKeyState_t*>(param1));
+      return KeyPressed(field, reinterpret_cast<XPKeyState_t*>(param1));
     case xpMsg_KeyTakeFocus:
       if (!IsEnabled(field)) return 0;
       Select(field, field->text.size(), field->text.size());

@@ -1,6 +1,5 @@
 // The console's widget commands: what a user could see and do in the plug-ins' windows.
 #include <algorithm>
-#include <charconv>
 
 #include "core/sim.h"
 #include "widgets/picture.h"
@@ -11,127 +10,21 @@ namespace {
 
 // --- Looking ---------------------------------------------------------------------------------------
 
-std::vector<Widget*> VisibleWindows() {
-  std::vector<Widget*> windows;
-  for (Widget* root : roots) {
-    if (root->visible && root->type == xpWidgetClass_MainWindow) windows.push_back(root);
-  }
-  return windows;
-}
-
-// All visible descendants, parents before their children, children in order.
-void GatherVisible(const Widget* widget, std::vector<Widget*>* list) {
-  for (Widget* child : widget->children) {
-    if (!child->visible) continue;
-    list->push_back(child);
-    GatherVisible(child, list);
-  }
-}
-
-bool IsBox(const Widget* widget) {
-  const intptr_t behaviour = Property(widget, xpProperty_ButtonBehavior);
-  return widget->type == xpWidgetClass_Button &&
-         (behaviour == xpButtonBehaviorCheckBox || behaviour == xpButtonBehaviorRadioButton);
-}
-
-const char* ClassWord(const Widget* widget) {
-  if (!IsBox(widget)) return ClassOf(widget->type).word;
-  return Property(widget, xpProperty_ButtonBehavior) == xpButtonBehaviorCheckBox ? "checkbox" : "radio";
-}
-
-std::string Number(intptr_t value) {
-  char text[24];
-  return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
-}
-
-// What a box, a slider or a bar shows besides its text, "" for all others.
-std::string State(const Widget* widget) {
-  if (IsBox(widget)) return Property(widget, xpProperty_ButtonState) ? "on" : "off";
-  if (widget->type == xpWidgetClass_ScrollBar)
-    return Number(Property(widget, xpProperty_ScrollBarSliderPosition));
-  if (widget->type == xpWidgetClass_Progress) return Number(Property(widget, xpProperty_ProgressPosition));
-  return "";
-}
-
 std::string List(const std::vector<std::string>&) {
   std::string answer = "ok";
   for (const Widget* window : VisibleWindows()) {
     answer += answer == "ok" ? " " : "; ";
     answer += "window " + Quote(window->text) + " {";
-    std::vector<Widget*> list;
-    GatherVisible(window, &list);
-    for (size_t i = 0; i < list.size(); ++i) {
+    const std::vector<Widget*> all = VisibleWithin(window);
+    for (size_t i = 0; i < all.size(); ++i) {
       answer += i ? "; " : "";
-      answer += std::string(ClassWord(list[i])) + " " + Quote(list[i]->text);
-      const std::string state = State(list[i]);
+      answer += std::string(ClassWord(all[i])) + " " + Quote(LabelOf(all[i], all));
+      const std::string state = StateOf(all[i]);
       if (!state.empty()) answer.append(" ").append(state);
     }
     answer += "}";
   }
   return answer;
-}
-
-// --- Labels ----------------------------------------------------------------------------------------
-
-bool OnOneLine(const Widget* a, const Widget* b) {
-  const int middleA = (a->box.top + a->box.bottom) / 2, middleB = (b->box.top + b->box.bottom) / 2;
-  return (middleA >= b->box.bottom && middleA <= b->box.top) ||
-         (middleB >= a->box.bottom && middleB <= a->box.top);
-}
-
-// The caption that labels a box without a text of its own: its left or right neighbour on the line. When
-// it has both, a line that begins or ends with a box shows on which side the captions stand, else the
-// nearer one counts.
-const Widget* NeighbourCaption(const Widget* box, const std::vector<Widget*>& all) {
-  std::vector<const Widget*> line;
-  for (const Widget* other : all) {
-    const bool counts = other->type == xpWidgetClass_Caption || other->type == xpWidgetClass_Button ||
-                        other->type == xpWidgetClass_TextField || other->type == xpWidgetClass_ScrollBar;
-    if (other == box || (counts && OnOneLine(box, other))) line.push_back(other);
-  }
-  std::stable_sort(line.begin(), line.end(),
-                   [](const Widget* a, const Widget* b) { return a->box.left < b->box.left; });
-  const auto at = std::find(line.begin(), line.end(), box);
-  const auto captionAt = [&](auto it) { return (*it)->type == xpWidgetClass_Caption ? *it : nullptr; };
-  const Widget* left = at == line.begin() ? nullptr : captionAt(at - 1);
-  const Widget* right = at + 1 == line.end() ? nullptr : captionAt(at + 1);
-  if (!left || !right) return left ? left : right;
-  const bool boxFirst = IsBox(line.front()), boxLast = IsBox(line.back());
-  if (boxFirst != boxLast) return boxFirst ? right : left;
-  return box->box.left - left->box.right < right->box.left - box->box.right ? left : right;
-}
-
-bool HasLabel(const Widget* button, const std::string& label, const std::vector<Widget*>& all) {
-  if (button->type != xpWidgetClass_Button) return false;
-  if (!button->text.empty()) return button->text == label;
-  const Widget* caption = IsBox(button) ? NeighbourCaption(button, all) : nullptr;
-  return caption && caption->text == label;
-}
-
-// Buttons and boxes with this label.
-std::vector<Widget*> ButtonsLabelled(const std::string& label, const std::vector<Widget*>& all) {
-  std::vector<Widget*> found;
-  for (Widget* widget : all) {
-    if (HasLabel(widget, label, all)) found.push_back(widget);
-  }
-  return found;
-}
-
-// For each caption with this text the nearest text field right of it on the same line.
-std::vector<Widget*> FieldsLabelled(const std::string& label, const std::vector<Widget*>& all) {
-  std::vector<Widget*> found;
-  for (const Widget* caption : all) {
-    if (caption->type != xpWidgetClass_Caption || caption->text != label) continue;
-    Widget* nearest = nullptr;
-    for (Widget* field : all) {
-      if (field->type != xpWidgetClass_TextField || field->box.left <= caption->box.left ||
-          !OnOneLine(field, caption))
-        continue;
-      if (!nearest || field->box.left < nearest->box.left) nearest = field;
-    }
-    if (nearest && std::find(found.begin(), found.end(), nearest) == found.end()) found.push_back(nearest);
-  }
-  return found;
 }
 
 using Finder = std::vector<Widget*> (*)(const std::string& label, const std::vector<Widget*>& all);
@@ -144,9 +37,7 @@ Widget* FindLabelled(const std::string* title, const std::string& label, Finder 
   for (const Widget* window : VisibleWindows()) {
     if (title && window->text != *title) continue;
     windowSeen = true;
-    std::vector<Widget*> all;
-    GatherVisible(window, &all);
-    std::vector<Widget*> found = finder(label, all);
+    std::vector<Widget*> found = finder(label, VisibleWithin(window));
     disabledSeen |= std::erase_if(found, [](const Widget* w) { return !IsEnabled(w); }) > 0;
     if (found.size() == 1) return found[0];
     if (!found.empty()) {
@@ -172,7 +63,8 @@ std::string Answer(const std::string& error) { return error.empty() ? "ok" : "er
 // An empty text means success, else why not.
 std::string ClickOn(Widget* widget, const std::string& label) {
   int x = 0, y = 0;
-  if (!ReachablePoint(widget, &x, &y)) return Quote(label) + " is covered or lies outside its window";
+  if (!ReachablePoint(widget, &x, &y))
+    return Quote(label) + " is covered or lies outside its window or the screen";
   Click(RootOf(widget), x, y);
   return "";
 }
@@ -214,18 +106,22 @@ std::string Close(const std::vector<std::string>& words) {
     for (int k = 0; k < 2; ++k) {
       const Rect box = CloseBox(window, k);
       const int x = (box.left + box.right) / 2, y = (box.top + box.bottom) / 2;
-      if (WidgetAt(window, x, y, true, true) != window) continue;
+      if (!OnScreen(x, y) || WidgetAt(window, x, y, true, true) != window) continue;
       Click(window, x, y);
       return "ok";
     }
-    return "error: the close boxes of window " + Quote(words[0]) + " are covered";
+    return "error: the close boxes of window " + Quote(words[0]) + " are covered or off the screen";
   }
   return "error: no visible window " + Quote(words[0]);
 }
 
+std::string Key(const std::vector<std::string>& words) {
+  return PressKey(words[0]) ? "ok" : "error: the keys are " + KeyNames() + ", not " + words[0];
+}
+
 std::string Picture(const std::vector<std::string>& words) {
   std::string error;
-  DrawPicture(VisibleWindows(), words[0], &error);
+  WritePicture(DrawScreen(VisibleWindows()), words[0], &error);
   return Answer(error);
 }
 
@@ -241,6 +137,7 @@ constexpr WordRow wordRows[] = {
     {.word = "press", .usage = " [\"WINDOW\"] \"LABEL\"", .least = 1, .most = 2, .run = Press},
     {.word = "type", .usage = " [\"WINDOW\"] \"LABEL\" \"TEXT\"", .least = 2, .most = 3, .run = Type},
     {.word = "close", .usage = " \"WINDOW\"", .least = 1, .most = 1, .run = Close},
+    {.word = "key", .usage = " NAME", .least = 1, .most = 1, .run = Key},
     {.word = "picture", .usage = " FILE", .least = 1, .most = 1, .run = Picture},
 };
 

@@ -3,6 +3,34 @@
 #include "widgets/widgets.h"
 
 namespace sim {
+namespace {
+
+// What the named keys send: a character (0: none), a virtual key, modifiers.
+struct NamedKey {
+  const char* name;
+  char key;
+  unsigned char virtualKey;
+  int modifiers = 0;
+};
+constexpr NamedKey namedKeys[] = {{"enter", XPLM_KEY_RETURN, 0x0D},
+                                  {"escape", XPLM_KEY_ESCAPE, 0x1B},
+                                  {"tab", XPLM_KEY_TAB, 0x09},
+                                  {"backtab", XPLM_KEY_TAB, 0x09, xplm_ShiftFlag},
+                                  {"backspace", XPLM_KEY_DELETE, 0x08},
+                                  {"delete", 0, 0x2E},
+                                  {"insert", 0, 0x2D},
+                                  {"space", ' ', 0x20},
+                                  {"left", XPLM_KEY_LEFT, 0x25},
+                                  {"right", XPLM_KEY_RIGHT, 0x27},
+                                  {"up", XPLM_KEY_UP, 0x26},
+                                  {"down", XPLM_KEY_DOWN, 0x28},
+                                  {"home", 0, 0x24},
+                                  {"end", 0, 0x23},
+                                  {"pageup", 0, 0x21},
+                                  {"pagedown", 0, 0x22}};
+constexpr int functionKeys = 24;
+
+}  // namespace
 
 Widget* SetFocus(Widget* widget) {
   Hold hold;
@@ -31,6 +59,12 @@ void LoseFocus(Widget* widget) {
   }
 }
 
+bool OnScreen(int x, int y) {
+  Rect screen;
+  GetScreen(&screen.right, &screen.top);
+  return screen.Holds(x, y);
+}
+
 bool ReachablePoint(Widget* widget, int* x, int* y) {
   Widget* window = RootOf(widget);
   if (!window || !IsVisible(widget)) return false;
@@ -41,7 +75,7 @@ bool ReachablePoint(Widget* widget, int* x, int* y) {
     for (int across : kSixths) {
       *x = box.left + box.Width() * across / 6;
       *y = box.bottom + box.Height() * down / 6;
-      if (WidgetAt(window, *x, *y, true, true) == widget) return true;
+      if (OnScreen(*x, *y) && WidgetAt(window, *x, *y, true, true) == widget) return true;
     }
   }
   return false;
@@ -63,6 +97,23 @@ void TypeKey(char key, unsigned char virtualKey, int modifiers) {
     XPKeyState_t state = {key, flag | modifiers, static_cast<char>(virtualKey)};
     if (keyboardFocus) Send(keyboardFocus, xpMsg_KeyPress, xpMode_UpChain, AsParam(&state), 0);
   }
+}
+
+bool PressKey(const std::string& name) {
+  for (const NamedKey& key : namedKeys) {
+    if (name == key.name) return TypeKey(key.key, key.virtualKey, key.modifiers), true;
+  }
+  for (int number = 1; number <= functionKeys; ++number) {
+    if (name == "f" + std::to_string(number))
+      return TypeKey(0, static_cast<unsigned char>(0x70 + number - 1), 0), true;
+  }
+  return false;
+}
+
+std::string KeyNames() {
+  std::string names;
+  for (const NamedKey& key : namedKeys) names += std::string(key.name) + ", ";
+  return names + "f1 to f" + std::to_string(functionKeys);
 }
 
 void TypeCharacter(char character) {

@@ -6,6 +6,7 @@
 //   widget_input.cpp    keyboard focus, simulated mouse clicks and keys
 //   widget_classes.cpp  behaviour of windows, buttons and scroll bars; text_field.cpp that of fields
 //   widget_utils.cpp    the helpers that export as XPU...
+//   widget_labels.cpp   what a user reads: words for classes and states, which caption or field belongs to what
 //   widget_console.cpp  console commands; picture.h and its files draw
 //
 // Everything belongs to the simulator's own thread. Coordinates are screen pixels, y upwards.
@@ -17,6 +18,7 @@
 #include "XPStandardWidgets.h"
 #include "XPWidgetUtils.h"
 #include "XPWidgets.h"
+#include "core/sim.h"
 
 namespace sim {
 
@@ -85,14 +87,20 @@ Widget* WidgetAt(Widget* container, int x, int y, bool recursive, bool visibleOn
 Widget* SetFocus(Widget* widget);
 // The widget gives the keyboard to the nearest parent that wants it, else to the simulator.
 void LoseFocus(Widget* widget);
-// A point where the mouse would really meet this widget, its window being in front. False when there is none.
+// Whether the mouse could be there.
+bool OnScreen(int x, int y);
+// A point of the screen where the mouse would really meet this widget, its window being in front. False when
+// there is none.
 bool ReachablePoint(Widget* widget, int* x, int* y);
 // Left button down and up at a point of a window.
 void Click(Widget* window, int x, int y);
-// One key down and up for whoever has the keyboard.
+// One key down and up for whoever has the keyboard; nobody wants it when the simulator has.
 void TypeKey(char key, unsigned char virtualKey, int modifiers);
 // The key that produces a character, with shift where a keyboard needs it.
 void TypeCharacter(char character);
+// A key by its name: "enter", "f1". False when there is none of that name.
+bool PressKey(const std::string& name);
+std::string KeyNames();
 
 // A class of the public interface.
 struct ClassRow {
@@ -103,6 +111,9 @@ struct ClassRow {
 // The row of None (custom widgets) for a class that does not exist.
 const ClassRow& ClassOf(XPWidgetClass type);
 int TextFieldFunction(XPWidgetMessage message, XPWidgetID id, intptr_t param1, intptr_t param2);
+// Characters of a text field that are shown at once, kFieldMargin pixels from its edges.
+int VisibleLetters(const Widget* field);
+constexpr int kFieldMargin = 3;
 // The k-th close box (0 left, 1 right) of a main window.
 Rect CloseBox(const Widget* window, int k);
 // Where the parts of a scroll bar lie, in pixels from the end with the lowest value. A bar lies down when it is
@@ -118,7 +129,24 @@ struct BarLayout {
 };
 BarLayout LayoutOf(const Widget* bar);
 constexpr int kTitleHeight = 20;
-constexpr int kCharacterWidth = 6;
+
+// Visible main windows, the front one first.
+std::vector<Widget*> VisibleWindows();
+// All visible descendants, parents before their children, children in order.
+std::vector<Widget*> VisibleWithin(const Widget* widget);
+// A check box or radio button.
+bool IsBox(const Widget* widget);
+// As the console calls it.
+const char* ClassWord(const Widget* widget);
+// What a box, a slider or a bar shows besides its text, "" for all others.
+std::string StateOf(const Widget* widget);
+// What a user would call it: its own text or, of a box without one, that of the caption beside it on the same
+// line. `all` are the visible widgets of its window.
+const std::string& LabelOf(const Widget* widget, const std::vector<Widget*>& all);
+// Buttons and boxes with this label.
+std::vector<Widget*> ButtonsLabelled(const std::string& label, const std::vector<Widget*>& all);
+// For each caption with this text the nearest text field right of it on the same line.
+std::vector<Widget*> FieldsLabelled(const std::string& label, const std::vector<Widget*>& all);
 
 // The console's words; the answer is the whole line.
 void WidgetConsole(const char* command, const char* arguments, std::string* answer);

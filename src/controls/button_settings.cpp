@@ -44,19 +44,6 @@ size_t ParseLine(std::string_view line, ButtonAssignment* assignment) {
   }
 }
 
-// Why an assignment with an offset cannot work, or null.
-const char* FaultOf(const ButtonAssignment& assignment, size_t fieldsGiven) {
-  const auto offset = static_cast<uint32_t>(assignment.offset);
-  const auto size = static_cast<uint32_t>(assignment.size);
-  if (fieldsGiven < fieldCount) return "its line needs twelve numbers separated by commas";
-  if (size != 1 && size != 2 && size != 4) return "the size (second number) must be 1, 2 or 4";
-  if (offset > offsetMemorySize - size) return "the offset (first number) must lie below 20000 hexadecimal";
-  for (uint32_t at = offset; at < offset + size; ++at) {
-    if (VariablesAccessMemBlock[at] == accessReadOnly) return "the offset cannot be written";
-  }
-  return nullptr;
-}
-
 // The number of a button, or -1.
 int ButtonOf(std::string_view key) {
   int button = -1;
@@ -74,7 +61,9 @@ void Take(int button, std::string_view line, ButtonAssignment* target) {
   ButtonAssignment read = noAssignment;
   const size_t given = ParseLine(line, &read);
   if (read.offset <= 0) return;
-  if (const char* fault = FaultOf(read, given)) {
+  const char* fault =
+      given < fieldCount ? "its line needs twelve numbers separated by commas" : FaultOfAssignment(read);
+  if (fault != nullptr) {
     LogOwn("TAVRIX->Joystick button %i is not used, see [%s] in TAVRIX.ini: %s\n", button, section, fault);
     return;
   }
@@ -82,6 +71,18 @@ void Take(int button, std::string_view line, ButtonAssignment* target) {
 }
 
 }  // namespace
+
+const char* FaultOfAssignment(const ButtonAssignment& assignment) {
+  const int32_t size = assignment.size;
+  if (size != 1 && size != 2 && size != 4) return "the size must be 1, 2 or 4";
+  const auto begin = static_cast<uint32_t>(assignment.offset), end = begin + static_cast<uint32_t>(size);
+  if (begin >= offsetMemorySize || end > offsetMemorySize)
+    return "the offset's bytes must lie below 20000 hexadecimal";
+  for (uint32_t at = begin; at < end; ++at) {
+    if (VariablesAccessMemBlock[at] == accessReadOnly) return "the offset cannot be written";
+  }
+  return nullptr;
+}
 
 void ReadButtonSettings(ButtonAssignment (&assignments)[maxButtons]) {
   std::fill_n(assignments, maxButtons, noAssignment);

@@ -39,7 +39,7 @@ std::atomic<uint32_t> buttonRun;
 // Simulator's thread.
 int rawStates[maxButtons];    // as the simulator gave them last
 bool heldStates[maxButtons];  // whose changes have been queued
-int lastPressed = -1;
+ButtonPress lastPress = {-1, 0};
 bool anyAssigned;  // a button writes an offset
 int askedFrames;   // so many frames more the last pressed button may be asked for
 bool isPaused;     // nobody has looked at the buttons for a while
@@ -157,7 +157,7 @@ bool CreateButtons() {
   std::fill_n(rawStates, maxButtons, 0);
   std::fill_n(heldStates, maxButtons, false);
   std::fill_n(assignments, maxButtons, noAssignment);
-  lastPressed = -1;
+  lastPress.button = -1;
   askedFrames = 0;
   isPaused = false;
   queueHead = queueLength = 0;
@@ -246,16 +246,18 @@ void WatchButtons(const int* states, int count) {
       }
       heldStates[button] = held;
       changed = true;
-      if (held) lastPressed = button;
+      if (held) lastPress = {button, lastPress.count + 1};
     }
   }
   if (changed) SignalEvent(&wakeEvent);
 }
 
-int LastPressedButton() {
+ButtonPress LastButtonPress() {
   askedFrames = framesPerAsking;
-  return lastPressed;
+  return lastPress;
 }
+
+bool ButtonThreadRuns() { return buttonThread.started.load() != 0; }
 
 std::string ButtonStatus() {
   const LockScope lock(&buttonLock);

@@ -51,9 +51,19 @@ bool WantsButtons();
 // Takes the states of the first `count` buttons (not 0: held down; the others count as released), queues
 // what has changed since the last call and wakes the thread. Every frame.
 void WatchButtons(const int* states, int count);
-// The button that was pressed last, -1 for none since enable. Asking for it keeps the buttons watched for the
-// next two seconds or so; a press before that may have gone unseen while no button was assigned.
-int LastPressedButton();
+// The button that was pressed last, -1 for none since enable, and how many presses have been seen since the
+// module was loaded, so that the same button is noticed again. Asking keeps the buttons watched for the next
+// two seconds or so; a press before that may have gone unseen while no button was assigned.
+struct ButtonPress {
+  int button;
+  uint32_t count;
+};
+ButtonPress LastButtonPress();
+// Whether the thread carries changes out: false in client mode, when it could not be made, and after disable
+// and enable, as it is started once a load.
+bool ButtonThreadRuns();
+// Why an assignment with an offset cannot work, in words that follow a colon, or null.
+const char* FaultOfAssignment(const ButtonAssignment& assignment);
 
 // "" or, when waiting for changes has failed since enable, what the thread says about it. Any thread.
 std::string ButtonStatus();

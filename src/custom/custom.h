@@ -10,6 +10,7 @@
 // published.
 #pragma once
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "custom/custom_records.h"
@@ -20,8 +21,16 @@
 void LoadCustomOffsets();
 // Withdraws and frees the tables, drops pending writes and ends the commands that are held down.
 void ClearCustomOffsets();
-// Both, with a log line each, as the user asks for it in a window.
+// The latter with its log line, and both with a log line each, as the user asks for it in a window.
+void ClearCustomOffsetsByUser();
 void ReloadCustomOffsets();
+// What is loaded: entries by their kind, and the datarefs and commands named there that the simulator did not
+// have at that moment, each once, in the order of the tables. All empty while nothing is loaded.
+struct CustomSummary {
+  size_t offsets, datarefs, commands;
+  std::span<const std::string_view> unresolved;  // until the next load
+};
+CustomSummary SummariseCustomOffsets();
 // Does the reload that a client has asked for (through the dispatcher), with its log lines. Once a frame.
 void TakeCustomReload();
 // Forgets reloads that clients have asked for, and that one was done lately. At enable, before the file is

@@ -129,7 +129,8 @@ struct CustomTables {
   std::vector<CommandAction> actions;
   std::unique_ptr<char[]> text;                                 // every token, each ended by a NUL
   std::vector<CustomRefreshItem> refresh[customRefreshGroups];  // the entries of each group, in table order
-  std::unique_ptr<CustomCommandEnd[]> ends;                     // as many as commands
-  std::unique_ptr<uint32_t[]> endList;                          // the first customEndCount: places in `ends`
-  std::unique_ptr<CustomCommandWrite[]> endsTaken;              // out of them, for the simulator's thread
+  std::vector<std::string_view> unresolved;         // names that the simulator does not have, each once
+  std::unique_ptr<CustomCommandEnd[]> ends;         // as many as commands
+  std::unique_ptr<uint32_t[]> endList;              // the first customEndCount: places in `ends`
+  std::unique_ptr<CustomCommandWrite[]> endsTaken;  // out of them, for the simulator's thread
 };

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <set>
 #include <span>
 #include <utility>
 
@@ -185,6 +186,18 @@ void CarryOut() {
               RunExpression(operations, write.expression.count, write.input, ReadDatarefValue));
 }
 
+void NoteUnresolved(CustomTables* tables) {
+  std::set<std::string_view> noted;
+  const auto note = [&](const char* name, const void* handle) {
+    if (handle != nullptr || name == nullptr || *name == '\0') return;
+    if (noted.insert(name).second) tables->unresolved.push_back(name);
+  };
+  for (const CustomDatarefEntry& dataref : tables->datarefs) note(dataref.path, dataref.handle);
+  for (const CustomCommandEntry& command : tables->commands) {
+    for (const CommandAction& action : ActionsOf(*tables, command)) note(action.name, action.handle);
+  }
+}
+
 // Every one of them, also when a handler of another plug-in throws at one.
 void EndAll(std::span<CommandAction> actions) {
   for (size_t i = 0; i < actions.size(); ++i) {
@@ -200,6 +213,7 @@ void EndAll(std::span<CommandAction> actions) {
 }  // namespace
 
 void PrepareCustomTables(CustomTables* tables) {
+  NoteUnresolved(tables);
   for (const CustomOffsetEntry& entry : tables->offsets) {
     if (IsRefreshed(entry)) tables->refresh[entry.number - 1].push_back({&entry, {}, false, false});
   }
@@ -229,6 +243,12 @@ void RefreshCustomOffsets(int group) {
   for (size_t first = missed; first < all.size(); first += batchItems) {
     CountStored(TryStore(*tables, batchAt(first)), all[first].missed);
   }
+}
+
+CustomSummary SummariseCustomOffsets() {
+  const CustomTables* tables = loadedTables;
+  if (tables == nullptr) return {};
+  return {tables->offsets.size(), tables->datarefs.size(), tables->commands.size(), tables->unresolved};
 }
 
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {

@@ -221,9 +221,13 @@ void ClearCustomOffsets() {
   if (ended != nullptr) EndHeldCommands(ended.get());
 }
 
-void ReloadCustomOffsets() {
+void ClearCustomOffsetsByUser() {
   LogLine(clearLine);
   ClearCustomOffsets();
+}
+
+void ReloadCustomOffsets() {
+  ClearCustomOffsetsByUser();
   LogLine(reloadLine);
   LoadCustomOffsets();
 }

@@ -1,5 +1,6 @@
 // Announcement: an empty frame to a multicast group once a second, so that clients find the server.
 #include "net/frame.h"
+#include "net/net.h"
 #include "net/server.h"
 #include "platform/event.h"
 
@@ -39,8 +40,12 @@ void CloseAnnouncement() { CloseSocket(&announceSocket); }
 bool StartAnnouncement() {
   if (!CreateAutoEvent(&announceStop)) return false;
   announceRunning = 1;
-  return StartThread(&announceThread, AnnounceProcedure, nullptr);
+  if (StartThread(&announceThread, AnnounceProcedure, nullptr)) return true;
+  announceRunning = 0;
+  return false;
 }
+
+bool AnnouncementRuns() { return announceRunning.load() != 0; }
 
 void StopAnnouncement() {
   announceRunning = 0;

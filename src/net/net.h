@@ -13,6 +13,8 @@
 #pragma once
 #include <atomic>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 // Takes the server address of the settings (cut to 19 characters), forgets subscriptions and what was
 // reported to clients. At enable, when no thread of the room runs.
@@ -29,6 +31,12 @@ void StopNetworkServer();
 
 // Number of connected clients as it was published last. Any thread, no lock.
 uint32_t ConnectedClients();
+// Whether clients are accepted, and whether the server announces itself. Any thread, no lock.
+bool NetworkServerRuns();
+bool AnnouncementRuns();
+// The connected clients as "ADDRESS NAME", in the order of their slots. Never waits: returns false, with the
+// list as it was, when the client list lock is busy. Any thread, no lock held, while the locks exist.
+bool TryListClients(std::vector<std::string>* clients);
 
 // " FAILED ! Wrong IP address" after a failed start, else "".
 extern char networkStatusText[32];

@@ -365,4 +365,18 @@ void StopNetworkServer() {
 
 bool IsShortOfResources() { return shortOfResources.load(); }
 
+bool NetworkServerRuns() { return serverRunning.load() != 0; }
+
+bool TryListClients(std::vector<std::string>* clients) {
+  if (!TryEnterLock(&clientListLock)) return false;
+  ClientSlot slots[maxClients];
+  std::memcpy(slots, clientSlots, sizeof slots);
+  LeaveLock(&clientListLock);
+  clients->clear();
+  for (const ClientSlot& slot : slots) {
+    if (slot.inUse) clients->push_back(AddressText(slot.peer.ip) + " " + slot.name);
+  }
+  return true;
+}
+
 uint32_t ConnectedClients() { return publishedClientCount.load(); }

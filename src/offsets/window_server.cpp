@@ -29,8 +29,9 @@ std::atomic<uint32_t> serverRun;
 Event queueReady;
 
 // All of these belong to the server thread.
-UINT callMessage;      // 0 while the message is not registered
-HWND serverWindow;     // null while there is none
+UINT callMessage;   // 0 while the message is not registered
+HWND serverWindow;  // null while there is none
+std::atomic<bool> windowAnswers;
 bool windowLooksLost;  // the loop has been told to look after the window
 bool windowLost;       // it is gone and not yet made anew
 bool closing;          // the window is on its way out
@@ -126,6 +127,7 @@ LRESULT ServeCall(WPARAM atom) {
 void CloseServerWindow() {
   if (closing) return;
   closing = true;
+  windowAnswers = false;
   LogLine("TAVRIX->Closing Window\n");
   if (serverWindow == nullptr) return;
   joyReleaseCapture(JOYSTICKID1);
@@ -267,6 +269,7 @@ bool OpenWindow(HINSTANCE instance, bool report) {
     AdmitClientsWithFewerRights(window);
   }
   serverWindow = window;
+  windowAnswers = callMessage != 0;
   ShowWindow(window, SW_HIDE);
   UpdateWindow(window);
   CaptureJoystick(window);
@@ -282,6 +285,7 @@ void KeepWindow(HINSTANCE instance) {
     if (window == nullptr) return;
     if (IsWindow(window) && GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) return;
     serverWindow = nullptr;
+    windowAnswers = false;
     windowLost = true;
     joyReleaseCapture(JOYSTICKID1);
     LogOwn("TAVRIX->The window %s was destroyed by another part of this program: a new one is made\n",
@@ -367,6 +371,8 @@ bool StartWindowServer() {
   CloseEvent(&queueReady);
   return true;
 }
+
+bool WindowServerAnswers() { return windowAnswers.load(); }
 
 void StopWindowServer() {
   serverRun = 0;

@@ -11,6 +11,8 @@ constexpr bool windowServerExists = onWindows;
 
 // Starts the thread and waits until its message queue exists. False when no thread could be made.
 bool StartWindowServer();
+// Whether the window is there and clients of this computer are served. Any thread.
+bool WindowServerAnswers();
 // Tells the thread to quit and waits for its end; nothing happens when it was not started. The window goes at
 // its next message, whatever else waits there; a request that is being served ends with 0 at its next record,
 // those that wait are refused with the window.

@@ -43,7 +43,8 @@ bool hasTurned;  // since the module was loaded
 float turnRate;  // degrees a frame; kept from one turn to the next until a crash or the next enable
 double turnedAngle;
 bool distanceReached;
-bool monitored;  // the distance monitor is registered
+bool monitored;           // the distance monitor is registered
+BrakeEffect brakeEffect;  // on the last command
 
 double ReadFloat(XPLMDataRef handle) { return ReadNumber(handle, Accessor::Float, 0); }
 
@@ -86,8 +87,10 @@ void Start(int mode) {
   active = true;
 }
 
+double AppliedSpeed() { return static_cast<double>(turning ? turnSpeed : speed); }
+
 void ApplyVelocity() {
-  const double along = static_cast<double>(turning ? turnSpeed : speed);
+  const double along = AppliedSpeed();
   const double heading = ReadFloat(handles.heading) * radians;
   SetFloat(handles.localVx, static_cast<float>(along * std::sin(heading)));
   SetFloat(handles.localVz, static_cast<float>(-(along * std::cos(heading))));
@@ -181,16 +184,28 @@ void StopPushback() {
 void CommandPushback(uint32_t command) {
   if (command == pushbackOff) {
     distanceReached = false;
+    brakeEffect = BrakeEffect::None;
     Stop();
     return;
   }
-  if (ParkingBrakeSet()) {
+  const bool refused = ParkingBrakeSet();
+  brakeEffect = refused ? BrakeEffect::Refused : BrakeEffect::None;
+  if (refused) {
     StandStill();
     distanceReached = false;
     Stop();
     return;
   }
   Start(command < pushbackOff ? static_cast<int>(command) : pushbackStraight);
+}
+
+PushbackView LookAtPushback() {
+  return {.begun = monitored,
+          .mode = pushbackMode,
+          .speed = active || speed < 0 ? AppliedSpeed() : 0,
+          .brake = ParkingBrakeSet() ? brakeEffect : BrakeEffect::None,
+          .maxSpeed = maxSpeed,
+          .maxTurnSpeed = maxTurnSpeed};
 }
 
 void PushbackStep() {
@@ -204,12 +219,14 @@ void PushbackStep() {
   ApplyVelocity();
   if (pushbackMode == pushbackTurnUp || pushbackMode == pushbackTurnDown) Turn();
   if (!ParkingBrakeSet()) return;
+  brakeEffect = BrakeEffect::Ended;
   Stop();
   StandStill();
 }
 
 void AbortPushback() {
   if (active) Stop();
+  brakeEffect = BrakeEffect::None;
   StandStill();
   turnRate = 0;
 }

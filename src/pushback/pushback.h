@@ -26,6 +26,17 @@ void LoadPushbackSettings();
 // A client's command: 0, 1, 2 start in that mode unless the parking brake is set, 3 stops, anything above
 // starts straight.
 void CommandPushback(uint32_t command);
+// What the window shows.
+enum class BrakeEffect : uint8_t { None, Refused, Ended };
+struct PushbackView {
+  bool begun;         // commands are taken: InitPushback has run
+  int mode;           // pushbackMode
+  double speed;       // that is applied, m/s along the heading, negative is backwards; 0 while nothing moves
+  BrakeEffect brake;  // what the parking brake, which is still set, did to the last command
+  double maxSpeed;    // settings
+  float maxTurnSpeed;
+};
+PushbackView LookAtPushback();
 // One frame's work; every frame.
 void PushbackStep();
 // The aircraft has crashed: ends pushback at once, without rolling out; the next turn begins slowly again.

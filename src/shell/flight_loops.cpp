@@ -2,6 +2,7 @@
 
 #include "XPLMProcessing.h"
 #include "net/relay.h"
+#include "panels/panels.h"
 #include "platform/exceptions.h"
 #include "shell/frame_callbacks.h"
 #include "shell/override_watch.h"
@@ -33,6 +34,7 @@ float RelayStarter(float, float, int, void*) {
 
 float RelayFrame(float, float, int, void*) {
   ApplyRelayRecord();
+  FollowPanels();
   return -1;
 }
 

@@ -63,7 +63,7 @@ float WriteCycle(float, float, int, void*) {
     TakeAtcTexts(now);
     SaveSettingsWhenDue(now);
   }
-  ShowClientCount();
+  FollowPanels();
   return -1;
 }
 

@@ -27,6 +27,7 @@
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
 #include "offsets/window_server.h"
+#include "panels/layout.h"
 #include "panels/panels.h"
 #include "platform/clock.h"
 #include "platform/exceptions.h"
@@ -97,6 +98,7 @@ float DeferredStart(float, float, int, void*) {
   if (std::exchange(deferredStartRan, true)) return 0;
   try {
     if (threadsStarted) {
+      TellThreadsWait(true);
       LogOwn("TAVRIX->Threads already started once, reload the plug-in to start them again\n");
     } else {
       threadsStarted = true;
@@ -198,7 +200,7 @@ void EndDisable() {
   LogStamped("TAVRIX Disable !");
   readTrace = 0;
   writeTrace = 0;
-  ShowTraceSwitches();
+  DisableWindows();
   FlushLogs();
 }
 
@@ -226,6 +228,7 @@ int StartPlugin(char* name, char* signature, char* description) {
   if (stage != Stage::Unloaded) return 1;
   stage = Stage::Started;
   PrepareExceptions();
+  TellThreadsWait(false);
   threadsStarted = false;  // a module that could not be unloaded starts once more with what it had
   readTrace = 0;
   writeTrace = 0;
@@ -285,6 +288,7 @@ int EnablePlugin() {
         "again\n");
     return 0;
   }
+  EnableWindows();
   BeginCrashCountdown();
   PrepareNetwork(settings.serverAddress);
   PreparePermissions(settings.allowedClients, settings.networkWrites != 0);

@@ -1,8 +1,10 @@
 #include "shell/menu.h"
 
 #include <cstring>
+#include <vector>
 
 #include "XPLMMenus.h"
+#include "panels/layout.h"
 #include "panels/panels.h"
 #include "platform/exceptions.h"
 
@@ -20,6 +22,19 @@ struct MenuRow {
 };
 constexpr MenuRow rows[] = {
     {Entry::Item, versionWindowTitle, "Open Version", OpenVersionWindow},
+    {Entry::Item, atcWindowTitle, "Open ATC", OpenAtcWindow},
+    {Entry::Separator, "", "", nullptr},
+    {Entry::Submenu, "TAVRIX+", "", nullptr},
+    {Entry::Submenu, "Joystick functions", "", nullptr},
+    {Entry::Item, buttonMenuItem, "Open Joystick Button Assignments", OpenButtonWindow},
+    {Entry::Item, calibrationWindowTitle, "Open Joystick Calibration Assignments", OpenCalibrationWindow},
+    {Entry::Item, combiningWindowTitle, "Open Axis combining Assignments", OpenCombiningWindow},
+    {Entry::EndOfSubmenu, "", "", nullptr},
+    {Entry::Submenu, "Misc. functions", "", nullptr},
+    {Entry::Item, pushbackWindowTitle, "Open pushback", OpenPushbackWindow},
+    {Entry::Item, flapsWindowTitle, "Open flaps", OpenFlapsWindow},
+    {Entry::EndOfSubmenu, "", "", nullptr},
+    {Entry::EndOfSubmenu, "", "", nullptr},
     {Entry::Separator, "", "", nullptr},
     {Entry::Submenu, "TAVRIX settings", "", nullptr},
     {Entry::Item, performanceWindowTitle, "Open performance", OpenPerformanceWindow},
@@ -27,7 +42,7 @@ constexpr MenuRow rows[] = {
 };
 
 XPLMMenuID rootMenu;
-XPLMMenuID submenus[8];
+XPLMMenuID submenus[8];  // in the order in which they were made: parents before what lies in them
 int submenuCount;
 
 void MenuHandler(void*, void* itemReference) {
@@ -53,29 +68,31 @@ XPLMMenuID AddSubmenu(XPLMMenuID parent, const char* label) {
 void BuildMenu() {
   rootMenu = AddSubmenu(XPLMFindPluginsMenu(), "TAVRIX");
   submenuCount = 0;
-  XPLMMenuID open = rootMenu;
+  std::vector<XPLMMenuID> open = {rootMenu};
   for (const MenuRow& row : rows) {
     switch (row.entry) {
       case Entry::Item:
         // The simulator only hands the text back; it is never written to.
-        XPLMAppendMenuItem(open, row.label, const_cast<char*>(row.reference), 1);
+        XPLMAppendMenuItem(open.back(), row.label, const_cast<char*>(row.reference), 1);
         break;
       case Entry::Separator:
-        XPLMAppendMenuSeparator(open);
+        XPLMAppendMenuSeparator(open.back());
         break;
-      case Entry::Submenu:
-        open = AddSubmenu(open, row.label);
-        submenus[submenuCount++] = open;
+      case Entry::Submenu: {
+        const XPLMMenuID menu = AddSubmenu(open.back(), row.label);
+        if (menu != open.back()) submenus[submenuCount++] = menu;
+        open.push_back(menu);
         break;
+      }
       case Entry::EndOfSubmenu:
-        open = rootMenu;
+        open.pop_back();
         break;
     }
   }
 }
 
 void DestroyMenuAndWindows() {
-  CloseAllWindows();
+  DestroyWindows();
   while (submenuCount > 0) XPLMDestroyMenu(submenus[--submenuCount]);
   if (rootMenu != nullptr) XPLMDestroyMenu(rootMenu);
   rootMenu = nullptr;

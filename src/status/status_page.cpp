@@ -24,6 +24,7 @@ constexpr uint32_t loopback = 0x7F000001;
 
 Thread pageThread;
 std::atomic<uint32_t> pageRunning;
+std::atomic<bool> pageAnswers;
 SocketWaker pageWaker;
 std::string logPath;  // written before the thread starts, as the next
 bool pageLocal;
@@ -139,7 +140,9 @@ uint32_t PageProcedure(void*) {
     return 0;
   }
   if (BindSocket(&listener, {pageLocal ? loopback : 0, statusPort}) && ListenSocket(&listener, backlog)) {
+    pageAnswers = true;
     AnswerBrowsers(&log, &listener);
+    pageAnswers = false;
   } else {
     const std::string reason = SocketErrorText(SocketErrorNumber());
     LogLine("error bind\n");
@@ -169,6 +172,8 @@ bool StartStatusPage(const char* systemFolder, bool localOnly) {
 }
 
 bool StatusPageRuns() { return pageThread.started.load() != 0; }
+
+bool StatusPageAnswers() { return pageAnswers.load(); }
 
 void StopStatusPage() {
   pageRunning = 0;

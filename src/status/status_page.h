@@ -26,6 +26,8 @@ struct StatusValues {
 bool StartStatusPage(const char* systemFolder, bool localOnly = false);
 // Whether it runs: from a successful start until StopStatusPage has returned.
 bool StatusPageRuns();
+// Whether browsers are answered: not while the port belongs to another program. Any thread.
+bool StatusPageAnswers();
 // Ends the thread, whatever it waits for, and joins it. Nothing happens when it was not started.
 void StopStatusPage();
 

@@ -157,6 +157,14 @@ int XPIsWidgetVisible(XPWidgetID) { return 0; }
 int XPSendMessageToWidget(XPWidgetID, XPWidgetMessage, XPDispatchMode, intptr_t, intptr_t) { return 0; }
 void XPSetWidgetDescriptor(XPWidgetID, const char*) {}
 void XPSetWidgetProperty(XPWidgetID, XPWidgetPropertyID, intptr_t) {}
+void XPSetWidgetGeometry(XPWidgetID, int, int, int, int) {}
+int XPGetWidgetDescriptor(XPWidgetID, char*, int) { return 0; }
+XPWidgetID XPFindRootWidget(XPWidgetID) { return nullptr; }
+XPWidgetID XPSetKeyboardFocus(XPWidgetID) { return nullptr; }
+XPWidgetID XPGetWidgetWithFocus() { return nullptr; }
+void XPLoseKeyboardFocus(XPWidgetID) {}
+float XPLMMeasureString(XPLMFontID, const char*, int) { return 0; }
+void XPLMGetFontDimensions(XPLMFontID, int*, int*, int*) {}
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;

@@ -120,7 +120,7 @@ TEST_F(Buttons, ActionsOnPressAndReleaseThread) {
     Drain();
     EXPECT_EQ(rows::Read<uint32_t>(free4), c.released) << c.line;
   }
-  EXPECT_EQ(LastPressedButton(), 1599);
+  EXPECT_EQ(LastButtonPress().button, 1599);
 }
 
 // Presses between two wake-ups all act, through the dispatcher, and vanished buttons are released.
@@ -187,7 +187,7 @@ TEST_F(Buttons, StandInPressesAButtonThread) {
   sim::SimCommand("set sim/joystick/joystick_button_values[12] 1");
   ButtonCycle(0, 0, 0, nullptr);
   WaitFor([] { return rows::Read<uint16_t>(free4) == 4660; });
-  EXPECT_EQ(LastPressedButton(), 12);
+  EXPECT_EQ(LastButtonPress().button, 12);
 }
 
 // The simulator is not asked for buttons that nobody wants; a window that asks for the last one sees what is
@@ -200,11 +200,11 @@ TEST_F(Buttons, AreWatchedWhenAssignedOrAskedFor) {
   Settings("");
   EXPECT_FALSE(WantsButtons());
   press(5);
-  EXPECT_EQ(LastPressedButton(), -1);
+  EXPECT_EQ(LastButtonPress().button, -1);
   ButtonCycle(0, 0, 0, nullptr);
-  EXPECT_EQ(LastPressedButton(), -1) << "was held before";
+  EXPECT_EQ(LastButtonPress().button, -1) << "was held before";
   press(6);
-  EXPECT_EQ(LastPressedButton(), 6);
+  EXPECT_EQ(LastButtonPress().button, 6);
   int frames = 0;
   while (WantsButtons() && frames < 1000) ++frames;
   EXPECT_GT(frames, 30);

@@ -6,8 +6,11 @@
 #include <tuple>
 #include <utility>
 
+#include "XPLMDisplay.h"
+#include "XPLMGraphics.h"
 #include "test_tools.h"
 #include "unit/sim_talk.h"
+#include "widgets/picture.h"
 #include "widgets/widgets.h"
 
 namespace {
@@ -113,7 +116,7 @@ TEST_F(SimWidgets, ButtonsTellTheWindow) {
   Talk(R"(press "Go" | press "Trace" | press "Win" "Trace" | press "Near" | press "Near")");
   EXPECT_EQ(Heard(), (Lines{"Win 1300 Go 0", "Win 1301  1", "Win 1301  0", "Win 1301 Near 1"}));
   XPSetWidgetProperty(check, xpProperty_ButtonState, 1);  // from code: no message
-  Talk(R"(widgets -> ok window "Win" {button "Go"; checkbox "" on; caption "Trace"; radio "Near" on})");
+  Talk(R"(widgets -> ok window "Win" {button "Go"; checkbox "Trace" on; caption "Trace"; radio "Near" on})");
   // Released beside the push button: lit while over it, no message.
   XPMouseState_t mouse = {120, 460, 0, 0};
   const intptr_t at = reinterpret_cast<intptr_t>(&mouse);
@@ -145,7 +148,7 @@ TEST_F(SimWidgets, PressFindsOneOrSaysWhy) {
   Talk(R"(press "Near")");
   Child(xpWidgetClass_Button, 380, 250, 390, "Off");
   XPSetWidgetGeometry(XPGetNthChildWidget(window, XPCountChildWidgets(window) - 1), 500, 250, 560, 230);
-  Talk(R"(press "Off" -> error: "Off" is covered or lies outside its window)");
+  Talk(R"(press "Off" -> error: "Off" is covered or lies outside its window or the screen)");
 }
 
 TEST_F(SimWidgets, BoxesTakeTheCaptionOnTheSideTheirLineShows) {
@@ -161,6 +164,68 @@ TEST_F(SimWidgets, BoxesTakeTheCaptionOnTheSideTheirLineShows) {
   EXPECT_EQ(Get(boxes[1], xpProperty_ButtonState), 1);
   Talk(R"(press "A")");
   EXPECT_EQ(Get(boxes[0], xpProperty_ButtonState), 1);
+}
+
+TEST_F(SimWidgets, TheRightCaptionComesFirstUnlessTheLeftOneIsClearlyNearer) {
+  // A heading before two radio buttons; a caption before its box with the next column far to the right.
+  Child(xpWidgetClass_Caption, 110, 400, 145, "Mode");
+  for (int i = 0; i < 2; ++i) {
+    XPWidgetID box = Child(xpWidgetClass_Button, 150 + 100 * i, 400, 164 + 100 * i, "");
+    XPSetWidgetProperty(box, xpProperty_ButtonBehavior, xpButtonBehaviorRadioButton);
+    Child(xpWidgetClass_Caption, 172 + 100 * i, 400, 230 + 100 * i, i ? "Slow" : "Fast");
+  }
+  Child(xpWidgetClass_Caption, 110, 370, 160, "On");
+  XPWidgetID box = Child(xpWidgetClass_Button, 165, 370, 179, "");
+  XPSetWidgetProperty(box, xpProperty_ButtonBehavior, xpButtonBehaviorCheckBox);
+  Child(xpWidgetClass_Caption, 260, 370, 300, "Port");
+  Child(xpWidgetClass_TextField, 310, 370, 390, "");
+  Talk(R"(press "Slow" | press "On" | press "Mode" -> error: no visible button or box "Mode")");
+  const std::string list = SimCommand("widgets");
+  EXPECT_NE(list.find(R"(radio "Fast" off; caption "Fast"; radio "Slow" on)"), std::string::npos) << list;
+  EXPECT_NE(list.find(R"(checkbox "On" on; caption "Port")"), std::string::npos) << list;
+}
+
+TEST_F(SimWidgets, KeysGoToTheWidgetWithTheKeyboard) {
+  static Lines keys;  // what reaches the window: "CHARACTER VIRTUAL-KEY FLAGS"
+  static bool taken;
+  keys.clear();
+  taken = false;
+  const XPWidgetFunc_t listen = [](XPWidgetMessage message, XPWidgetID, intptr_t param1, intptr_t) {
+    if (message != xpMsg_KeyPress) return 0;
+    const XPKeyState_t& key = *reinterpret_cast<const XPKeyState_t*>(param1);
+    keys.push_back(std::to_string(key.key) + " " + std::to_string(static_cast<unsigned char>(key.vkey)) + " " +
+                   std::to_string(key.flags));
+    return taken ? 1 : 0;
+  };
+  XPAddWidgetCallback(window, listen);
+  XPWidgetID one = Child(xpWidgetClass_TextField, 110, 400, 200, "ab");
+  XPWidgetID two = Child(xpWidgetClass_TextField, 210, 400, 300, "cd");
+  Talk("key enter | key -> error: usage: key NAME");  // nobody has it: fine
+  EXPECT_NE(SimCommand("key f25").find("error: the keys are enter, escape, tab, "), std::string::npos);
+  EXPECT_EQ(std::exchange(keys, {}), Lines{});
+  ASSERT_EQ(XPSetKeyboardFocus(one), one);
+  // What the field wants itself never reaches the window; enter and tab do, and are the field's when it is not
+  // taken.
+  const std::tuple<const char*, bool, Lines, XPWidgetID> cases[] = {
+      {"f1", false, {"0 112 8", "0 112 16"}, one},
+      {"up", false, {"30 38 8", "30 38 16"}, one},
+      {"backspace", false, {}, one},
+      {"tab", true, {"9 9 8", "9 9 16"}, one},
+      {"tab", false, {"9 9 8", "9 9 16"}, two},  // up and down, though the keyboard moved in between
+      {"backtab", false, {"9 9 9", "9 9 17"}, one},
+      {"enter", true, {"13 13 8", "13 13 16"}, one},
+      {"enter", false, {"13 13 8"}, nullptr}};
+  for (const auto& [name, take, expected, owner] : cases) {
+    taken = take;
+    Talk(std::string("key ") + name);
+    EXPECT_EQ(std::exchange(keys, {}), expected) << name;
+    EXPECT_EQ(XPGetWidgetWithFocus(), owner) << name;
+  }
+  EXPECT_EQ(NameOf(one), "a");
+  XPSetKeyboardFocus(two);
+  Talk("key escape");
+  EXPECT_EQ(XPGetWidgetWithFocus(), nullptr);
+  EXPECT_EQ(keys, Lines{});
 }
 
 TEST_F(SimWidgets, TypingReplacesTheTextOfTheFieldRightOfTheLabel) {
@@ -230,6 +295,7 @@ TEST_F(SimWidgets, HiddenParentsHideAndExposeNothing) {
   EXPECT_FALSE(XPIsWidgetVisible(inner));
   XPPlaceWidgetWithin(panel, panel);  // refused: a family has no loops
   EXPECT_EQ(XPGetParentWidget(panel), window);
+  EXPECT_EQ(XPGetWidgetUnderlyingWindow(panel), nullptr);  // none here
   XPPlaceWidgetWithin(inner, window);
   EXPECT_EQ(Heard(), (Lines{"Win 17 Panel 0", "Win 16 Panel 0", "Win 13 Inner 0"}));
   XPHideWidget(window);
@@ -287,18 +353,85 @@ TEST_F(SimWidgets, DescriptorsAreCutWithoutTerminator) {
   EXPECT_EQ(exists, 1);
 }
 
-TEST_F(SimWidgets, PicturesAreWrittenBySuffix) {
-  const std::string base = testing::TempDir() + "sim_widgets_picture";
-  const auto picture = [&](const std::string& ending) {
-    return SimCommand("picture \"" + base + ending + "\"");
+// What a picture is of, in a file that is gone again; "" unless it was written.
+std::string Picture(const std::string& ending) {
+  const std::string file = testing::TempDir() + "sim_widgets_picture" + ending;
+  EXPECT_EQ(SimCommand("picture \"" + file + "\""), "ok");
+  const std::string content = tools::ReadFile(file);
+  std::filesystem::remove(file);
+  return content;
+}
+
+TEST_F(SimWidgets, PicturesThatCannotBeWrittenSayWhy) {
+  Talk(R"(picture /tmp/a.bmp -> error: the picture's name must end in .png or .svg: "/tmp/a.bmp" |
+         picture /no/such.png -> error: cannot write "/no/such.png")");
+}
+
+TEST_F(SimWidgets, VectorPicturesTellWhereEverythingLies) {
+  XPSetWidgetProperty(window, xpProperty_MainWindowHasCloseBoxes, 1);
+  XPWidgetID field = Child(xpWidgetClass_TextField, 110, 400, 160, "a<\"&\xFC and very long");
+  XPSetKeyboardFocus(field);
+  XPSetWidgetProperty(button, xpProperty_Enabled, 0);
+  const std::string svg = Picture(".svg");
+  const std::string measured =
+      std::to_string(135 + static_cast<int>(XPLMMeasureString(xplmFont_Basic, "Trace", 5)));
+  for (const std::string& part :
+       {std::string(R"(data-box="86 514 414 186" )"),  // of the picture, with its margin
+        std::string(R"(data-class="window" data-text="Win" data-state="" data-box="100 500 400 200" )"),
+        std::string(
+            R"(data-class="button" data-text="Go" data-state="" data-box="110 470 170 450" data-enabled="0")"),
+        std::string(R"(data-class="checkbox" data-text="" data-state="off" data-box="110 440 130 420" )"
+                    R"(data-label="Trace">)"),
+        R"(data-text="Trace" data-state="" data-box="135 440 200 420" data-text-box="135 435 )" + measured +
+            " 425\"",
+        std::string(R"(data-class="radio" data-text="Near" data-state="off" data-box="210 440 300 420" )"),
+        // The caret stands at the end, and the field shows what fits into it.
+        std::string(R"(data-text="a&lt;&quot;&amp;? and very long")"),
+        std::string(R"(data-focus="1" data-text-box="113 395 155 385">)"), std::string(">ry long</text>")})
+    EXPECT_NE(svg.find(part), std::string::npos) << part << "\n" << svg;
+  EXPECT_LT(svg.find(R"(data-text="Win")"), svg.find(R"(data-text="Go")"));
+}
+
+TEST_F(SimWidgets, TheScreenHasASizeAndCutsPictures) {
+  int size[2] = {};
+  const auto screen = [&] {
+    XPLMGetScreenSize(&size[0], &size[1]);
+    return std::pair(size[0], size[1]);
   };
-  EXPECT_EQ(picture(".bmp").rfind("error: ", 0), 0u);
-  EXPECT_EQ(picture("/no/such.png").rfind("error: cannot write", 0), 0u);
-  for (const auto& [ending, start] : {std::pair(".png", "\x89PNG\r\n\x1A\n"), std::pair(".svg", "<svg ")}) {
-    ASSERT_EQ(picture(ending), "ok");
-    EXPECT_EQ(tools::ReadFile(base + ending).rfind(start, 0), 0u);
-    std::filesystem::remove(base + ending);
-  }
+  EXPECT_EQ(screen(), std::pair(1024, 768));
+  Talk(R"(screen 640 480 | screen 639 480 -> error: the screen is 640 to 5120 pixels wide |
+         screen 640 2881 -> error: the screen is 480 to 2880 pixels high | screen 9 -> error: screen W H)");
+  EXPECT_EQ(screen(), std::pair(640, 480));
+  // The window stays, its title bar is off the screen, and so is what nobody can click any more.
+  EXPECT_EQ(static_cast<sim::Widget*>(window)->box, (sim::Rect{100, 500, 400, 200}));
+  EXPECT_NE(Picture(".svg").find(R"(data-box="86 480 414 186")"), std::string::npos);
+  XPUMoveWidgetBy(button, 0, 30);
+  XPSetWidgetProperty(window, xpProperty_MainWindowHasCloseBoxes, 1);
+  Talk(R"(press "Near" | press "Go" -> error: "Go" is covered or lies outside its window or the screen |
+         close "Win" -> error: the close boxes of window "Win" are covered or off the screen)");
+  XPHideWidget(window);
+  EXPECT_NE(Picture(".svg").find("no window on the screen"), std::string::npos);
+}
+
+TEST_F(SimWidgets, PixelPicturesShowTheFrontWindowOnTop) {
+  XPWidgetID other = XPCreateWidget(150, 480, 300, 300, 1, "Other", 1, nullptr, xpWidgetClass_MainWindow);
+  const auto pixels = [] {
+    std::vector<sim::Colour> title;  // two points of the title bars, left of the texts
+    sim::Drawing drawing = sim::DrawScreen(sim::VisibleWindows());
+    const std::vector<sim::Colour> all = sim::Pixels(drawing);
+    const int width = drawing.width * sim::kPictureScale;
+    for (const auto& [x, y] : {std::pair(120, 490), {160, 465}}) {
+      const int column = (x - drawing.left) * sim::kPictureScale, row = (drawing.top - y) * sim::kPictureScale;
+      title.push_back(all[static_cast<size_t>(row * width + column)]);
+    }
+    return title;
+  };
+  const std::vector<sim::Colour> front = pixels();
+  EXPECT_EQ(front[0], front[1]);  // both are title bars
+  XPBringRootWidgetToFront(window);
+  EXPECT_EQ(pixels()[0], front[0]);
+  EXPECT_NE(pixels()[1], front[1]);
+  XPDestroyWidget(other, 1);
 }
 
 }  // namespace
