@@ -35,7 +35,9 @@ const char* NameOf(AddOn addOn);
 
 // Says in the log, once while the add-on stays loaded, that clients' writes of this offset do nothing with it.
 // `missing` is the name that it does not publish; empty when it has no such control at all. `part`: of an
-// offset that moves several things, what it is that does not move; empty for all of it.
-void TellUnserved(AddOn addOn, uint32_t offset, const char* missing, const char* part = "");
+// offset that moves several things, what it is that does not move; empty for all of it. `fault`: what is wrong
+// with the name when it is published.
+void TellUnserved(AddOn addOn, uint32_t offset, const char* missing, const char* part = "",
+                  const char* fault = "");
 // The add-on has come or gone: such lines may be said again.
 void ForgetUnserved(AddOn addOn);

@@ -29,6 +29,7 @@ bool ReadSwitch(const OffsetRow& row, double* value) {
 }
 
 bool IsPublished(const Source& source) { return HandleOf(source) != nullptr; }
+const Source& LampOf(const Button& button) { return IsPublished(button.light) ? button.light : button.standIn; }
 bool IsFired(const Command* command) { return command != nullptr && command->handle != nullptr; }
 
 bool IsWritten(const Variant& variant) {
@@ -47,7 +48,7 @@ bool Shows(const Variant& variant) {
     return variant.reads.empty() || std::any_of(variant.reads.begin(), variant.reads.end(), IsPublished);
   }
   if (IsSwitch(variant)) {
-    const auto isLamp = [](const Button& button) { return IsPublished(button.light); };
+    const auto isLamp = [](const Button& button) { return IsPublished(LampOf(button)); };
     return variant.stateBits != 0 ||
            std::any_of(std::begin(variant.lights), std::end(variant.lights), IsPublished) ||
            std::any_of(std::begin(variant.marks), std::end(variant.marks), IsPublished) ||
@@ -114,23 +115,27 @@ void Fire(const Variant& variant, uint32_t offset, const Command& command, bool 
 }
 
 // A lamp that is counted as an integer is lit when it is not 0.
-bool IsLampOn(const Source& light) { return light.accessor == Accessor::Int ? IsOn(light) : IsLit(light); }
+bool IsLampOn(const Source& light) {
+  return Resolved(light).accessor == Accessor::Int ? IsOn(light) : IsLit(light);
+}
 
 // Off presses only what is known to be on: a button may not be pressed for another one's lamp. One that stands
 // alone is on when the row is.
 void PressButtons(const Variant& variant, uint32_t offset, bool shown, bool wanted) {
   const auto press = [&](const Button& button) { Fire(variant, offset, *button.press, variant.held); };
   if (variant.momentary) {
-    if (wanted && !shown) press(variant.buttons[0]);
+    // What is lit may be lit for another reason: the button is pressed unless it is being held.
+    if (wanted && HeldCommand(variant.buttons[0].press) == nullptr) press(variant.buttons[0]);
     return;
   }
   const bool isAlone = variant.buttons[1].press == nullptr;
   bool isOn = false, isKnown = false;
   for (const Button& button : variant.buttons) {
     if (button.press == nullptr) break;
-    const bool hasLamp = IsPublished(button.light);
+    const Source& lamp = LampOf(button);
+    const bool hasLamp = IsPublished(lamp);
     if (!hasLamp && !isAlone) continue;
-    const bool on = hasLamp ? IsLampOn(button.light) : shown;
+    const bool on = hasLamp ? IsLampOn(lamp) : shown;
     isOn |= on;
     isKnown = true;
     if (variant.everyButton ? on != wanted : on && !wanted) press(button);
@@ -308,7 +313,7 @@ bool IsSwitchOn(const Variant& variant) {
   if (!hasLight) {
     for (const Button& button : variant.buttons) {
       if (button.light.ref == nullptr) break;
-      if (IsLampOn(button.light)) return true;
+      if (const Source& lamp = LampOf(button); IsPublished(lamp) && IsLampOn(lamp)) return true;
     }
   }
   return variant.dark && hasLight;
@@ -366,7 +371,10 @@ std::optional<int> PlaceOf(AddOn addOn, uint32_t offset, const Source& source, i
     return std::nullopt;
   }
   const double place = ReadSource(source);
-  if (std::isnan(place)) return std::nullopt;
+  if (std::isnan(place)) {
+    TellUnserved(addOn, offset, source.ref->name, part, "is not a number");
+    return std::nullopt;
+  }
   return static_cast<int>(std::lround(std::clamp<double>(place, low, high)));
 }
 

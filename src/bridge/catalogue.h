@@ -79,6 +79,7 @@ struct Button {
   // it.
   Source light = {};
   const Command* press = nullptr;
+  Source standIn = {};  // says the same where the light is not published
 };
 
 // How one aircraft shows and takes a row's value: an add-on that counts while it is loaded, or the simulator's
@@ -109,7 +110,7 @@ struct Variant {
   // An add-on's way to take a value, before `apply` and `target` when it publishes them. Buttons: on presses
   // the first one unless one of them is on, off presses each that is on. With `everyButton` each is pressed
   // whose state differs. One of several whose lamp is not published is not pressed for either, as nobody knows
-  // its state. A momentary button knows no off.
+  // its state. A momentary button knows no off and is pressed for each on, unless it is being held.
   Button buttons[4] = {};
   bool everyButton = false, momentary = false;
   // The commands of a lever's or knob's places; the place is the written number, by targetConvert if given.
@@ -235,7 +236,7 @@ void FireFor(const OffsetRow& row, const Command& command);
 // The same held for some frames, so many times; `control` as in bridge/held_presses.h.
 void HoldFor(const OffsetRow& row, const Command& command, const void* control = nullptr, int times = 1);
 // Where an add-on's switch with places from `low` to `high` stands; none when it does not tell, and then nobody
-// knows which way to turn it: the log says so for this offset when the name is not published.
+// knows which way to turn it: the log says so for this offset.
 std::optional<int> PlaceOf(AddOn addOn, uint32_t offset, const Source& source, int low, int high,
                            const char* part = "");
 

@@ -79,8 +79,7 @@ struct Source {
 // Short forms for tables: Int<"sim/...">, FloatElement<"sim/...">(2), with the names in other versions of the
 // simulator behind the first one. A dataref stands with the same names everywhere. Fitting goes by the type
 // that the simulator reports, for datarefs that are integers in one version and floats in another and for
-// add-ons whose publisher does not state it; Bytes is a text. Of an add-on's datarefs one may be set and also
-// stand in for another one that is only read.
+// add-ons, whose publishers do not state it; Bytes is a text.
 template <NameText... names>
 constexpr Source Int = {&dataRefOf<names...>, Accessor::Int, 0};
 template <NameText... names>

@@ -46,12 +46,12 @@ struct X737Tank {
 constexpr X737Tank X737TankOf(Tank tank) {
   switch (tank) {
     case Tank::Centre:
-      return {Float<"x737/systems/fuel/fuelCenterTank_kg">, Fitting<"x737/systems/fuel/fuelCenterTank_perc">};
+      return {Fitting<"x737/systems/fuel/fuelCenterTank_kg">, Fitting<"x737/systems/fuel/fuelCenterTank_perc">};
     case Tank::LeftMain:
-      return {Float<"x737/systems/fuel/fuelLeftMainTank_kg">,
+      return {Fitting<"x737/systems/fuel/fuelLeftMainTank_kg">,
               Fitting<"x737/systems/fuel/fuelLeftMainTank_perc">};
     case Tank::RightMain:
-      return {Float<"x737/systems/fuel/fuelRightMainTank_kg">,
+      return {Fitting<"x737/systems/fuel/fuelRightMainTank_kg">,
               Fitting<"x737/systems/fuel/fuelRightMainTank_perc">};
     default:
       return {};
@@ -116,6 +116,16 @@ void ApplyLevel(const OffsetRow&, const Staged& staged) {
   SetSource(ContentsOf(tank), KgOf<tank>(staged.number));
 }
 
+double NoTank(double) { return 0; }
+
+// What the x737 shows its capacities by, for the reference page.
+template <Tank tank>
+constexpr Variant x737Capacity[] = {
+    {.addOn = AddOn::X737, .source = X737TankOf(tank).kg, .convert = IsMain(tank) ? nullptr : NoTank},
+    {.addOn = AddOn::X737, .source = X737TankOf(tank).share, .silent = !IsMain(tank)}};
+template <Tank tank>
+constexpr std::span<const Variant> x737CapacityParts[] = {x737Capacity<tank>};
+
 // What the capacities have in common, and the levels.
 template <Tank tank>
 constexpr OffsetRow Capacity(OffsetRow row) {
@@ -124,6 +134,7 @@ constexpr OffsetRow Capacity(OffsetRow row) {
   row.cycle = Cycle::C313;
   row.prepared = &capacities[static_cast<size_t>(tank)];
   row.prepare = TakeTankSizes;
+  row.parts = x737CapacityParts<tank>;
   if (!IsMain(tank)) row.elsewhere = "8.60 has three tanks: 0 there";
   return row;
 }
@@ -137,7 +148,7 @@ constexpr OffsetRow Level(OffsetRow row) {
   row.variants = variantsOf<[] {
     return std::array{Variant{.addOn = AddOn::X737,
                               .source = X737TankOf(tank).kg,
-                              .convert = LevelOf<tank>,
+                              .convert = IsMain(tank) ? LevelOf<tank> : NoTank,
                               .target = X737TankOf(tank).kg,
                               .targetConvert = KgOf<tank>,
                               .silent = !IsMain(tank)},

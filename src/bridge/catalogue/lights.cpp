@@ -14,7 +14,7 @@ enum Light { navigation, beacon, landing, taxi, strobe, instruments, lightCount 
 constexpr int allLights = (1 << lightCount) - 1;
 
 // The position light knob of the extended 737-800: steady, off, strobe and steady.
-constexpr Source b738Position = Float<"laminar/B738/toggle_switch/position_light_pos">;
+constexpr Source b738Position = Fitting<"laminar/B738/toggle_switch/position_light_pos">;
 double IsNotCentred(double position) { return std::abs(position) >= 0.5; }
 double IsStrobing(double position) { return position > 0.5; }
 
@@ -29,8 +29,8 @@ constexpr Variant navigationSwitch[] = {{.addOn = AddOn::B738Extended,
                                          .target = Fitting<"ixeg/733/lighting/position_lt_act">},
                                         {.source = Int<"sim/cockpit2/switches/navigation_lights_on">}};
 constexpr Variant beaconSwitch[] = {{.addOn = AddOn::X737,
-                                     .source = Int<"x737/systems/exteriorLights/beaconLightSwitch">,
-                                     .target = Int<"x737/systems/exteriorLights/beaconLightSwitch">},
+                                     .source = Fitting<"x737/systems/exteriorLights/beaconLightSwitch">,
+                                     .target = Fitting<"x737/systems/exteriorLights/beaconLightSwitch">},
                                     {.addOn = AddOn::Ixeg733,
                                      .source = Fitting<"ixeg/733/lighting/anti_col_lt_act">,
                                      .target = Fitting<"ixeg/733/lighting/anti_col_lt_act">},
@@ -52,7 +52,7 @@ constexpr Variant landingSwitch[] = {
                        Fitting<"ixeg/733/lighting/r_outboard_ll_act">>},
     {.source = Int<"sim/cockpit2/switches/landing_lights_on">}};
 constexpr Variant taxiSwitch[] = {{.addOn = AddOn::B738Extended,
-                                   .source = Float<"laminar/B738/toggle_switch/taxi_light_brightness_pos">,
+                                   .source = Fitting<"laminar/B738/toggle_switch/taxi_light_brightness_pos">,
                                    .silent = true},
                                   {.addOn = AddOn::Ixeg733,
                                    .source = Fitting<"ixeg/733/lighting/taxi_lt_act">,
@@ -70,8 +70,8 @@ constexpr Variant strobeSwitch[] = {{.addOn = AddOn::B738Extended,
 constexpr Variant instrumentSwitch[] = {{.source = Int<"sim/cockpit/electrical/cockpit_lights_on">}};
 
 // The switches, in the order of the bits.
-constexpr std::span<const Variant> switches[lightCount] = {
-    navigationSwitch, beaconSwitch, landingSwitch, taxiSwitch, strobeSwitch, instrumentSwitch};
+constexpr std::span<const Variant> switches[lightCount] = {navigationSwitch, beaconSwitch, landingSwitch,
+                                                           taxiSwitch,       strobeSwitch, instrumentSwitch};
 
 template <int... lights>
 constexpr std::span<const Variant> partsOf[] = {switches[lights]...};

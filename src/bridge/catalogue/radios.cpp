@@ -132,7 +132,7 @@ void ApplyExchange(const OffsetRow& row, const Staged& staged) {
 }
 
 // The extended 737-800's knob: test, standby, altitude off, altitude on, TA, TA/RA. It is turned step by step.
-constexpr Source b738Transponder = Float<"laminar/B738/knob/transponder_pos">;
+constexpr Source b738Transponder = Fitting<"laminar/B738/knob/transponder_pos">;
 double TransponderWordB738(double position) { return position < 0.5 ? 3 : position < 1.5 ? 1 : 2; }
 void ApplyTransponderB738(const OffsetRow& row, const Staged& staged) {
   constexpr int64_t places[] = {1, 1, 3, 0};  // of off, standby, on and test
