@@ -63,7 +63,8 @@ struct NameList {
     if (group.size() > 1) lead += (lead.empty() ? "" : " ") + std::string(word);
     if (!lead.empty()) lead += group.size() > 1 ? ":<br>" : " ";
     for (const std::string& cell : group) {
-      text += (text.empty() ? "" : "<br>") + (&cell == &group.front() ? lead : "") + cell;
+      const bool isFirst = &cell == &group.front();
+      text += (text.empty() ? "" : isFirst ? "<br>" : ",<br>") + (isFirst ? lead : "") + cell;
     }
     group.clear();
   }
@@ -123,7 +124,7 @@ std::string AircraftRow(const OffsetRow& row, AddOn addOn) {
   for (const std::span<const Variant>& part : row.parts) addAll(part, true);
   if (!isServed) return "";
   const std::string rest = isWhole ? "" : "<br>and the simulator's";
-  const std::string read = !reads.text.empty()    ? reads.text
+  const std::string read = !reads.text.empty()    ? reads.text + rest
                            : readsOwn && isSilent ? "always 0"
                            : readsOwn             ? "the simulator's, in a scale of its own"
                                                   : "the simulator's";

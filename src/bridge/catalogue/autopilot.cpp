@@ -5,6 +5,7 @@
 // compares the wanted state with the aircraft's and acts only when they differ.
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
@@ -99,6 +100,11 @@ constexpr SpeedSelector b738Speed = {Int<"sim/cockpit/autopilot/airspeed_is_mach
                                      Fitting<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
                                      Fitting<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
                                      Float<"sim/cockpit2/autopilot/airspeed_dial_kts_mach">};
+
+// What tells the unit, for the reference page: no speed is shown by that alone.
+constexpr Variant speedUnit[] = {{.addOn = AddOn::X737, .source = x737Speed.isMach},
+                                 {.addOn = AddOn::B738Extended, .source = b738Speed.isMach}};
+constexpr std::span<const Variant> speedParts[] = {speedUnit};
 
 // Indicated knots of Mach 1 here and now.
 double KnotsPerMach() {
@@ -579,6 +585,7 @@ constexpr OffsetRow rows[] = {
                                  .sets = sourcesOf<b738Speed.set>},
                          Variant{.read = ReadKnots<stockSpeed>, .apply = ApplyKnots<stockSpeed>}};
      }>,
+     .parts = speedParts,
      .note = "knots also while the selector stands at Mach"},
     {.offset = 0x07E8,
      .type = Stored::S32,
@@ -599,6 +606,7 @@ constexpr OffsetRow rows[] = {
                                  .sets = sourcesOf<b738Speed.set>},
                          Variant{.read = ReadMach<stockSpeed>, .apply = ApplyMach<stockSpeed>}};
      }>,
+     .parts = speedParts,
      .lossy = "held in single precision: off by more than one step from Mach 100 on",
      .note = "Mach also while the selector stands at knots"},
     {.offset = 0x07F2,
