@@ -121,7 +121,10 @@ TEST_F(Adapters, AddOnsNamesGoByTheirType) {
               variant.reads, variant.sets}) {
           for (const Source& source : list) check(source);
         }
-        for (const Button& button : variant.buttons) check(button.light);
+        for (const Button& button : variant.buttons) {
+          check(button.light);
+          check(button.standIn);
+        }
       }
     }
   }
