@@ -101,7 +101,7 @@ TEST_F(Adapters, IncompleteAircraft) {
     EXPECT_EQ(Logged("writes to 0x"), unserved + isTold);
     ++count;
   }
-  EXPECT_EQ(count, 39);
+  EXPECT_EQ(count, 42);
 }
 
 // The publishers' types are not known: no add-on's name may be read as one type only.

@@ -89,6 +89,8 @@ void ApplyParkingBrakeB738(const OffsetRow& row, const Staged& staged) {
 // Clients know the lever as 0 down, 4800 armed, 5620 to 16383 deployed.
 constexpr double armedWord = 4800, deployedWord = 5620;
 constexpr double stockArmed = -0.5, x737Armed = 0.125, b738Armed = 0.0889, ixegArmed = 0.15;
+constexpr Source x737SpeedBrake = Fitting<"x737/systems/speedbrake/spdbrkLeverPos">,
+                 x737IsArmed = Fitting<"x737/systems/speedbrake/spdbrkIsArmed">;
 constexpr Source b738SpeedBrake = Fitting<"laminar/B738/flt_ctrls/speedbrake_lever">,
                  ixegSpeedBrake = Fitting<"ixeg/733/hydraulics/speedbrake_act">;
 constexpr Source speedBrakeRequest = Float<"sim/flightmodel/controls/sbrkrqst">;
@@ -101,7 +103,8 @@ double LeverWord(double position, float down, float deployed) {
   if (lever < deployed) return armedWord;
   return std::clamp(std::trunc(position * full), armedWord, full);
 }
-double LeverWordX737(double position) { return LeverWord(position, 0.1f, 0.15f); }
+constexpr float x737Deployed = 0.15f;
+double LeverWordX737(double position) { return LeverWord(position, 0.1f, x737Deployed); }
 double LeverWordB738(double position) { return LeverWord(position, 0.07f, 0.145f); }
 double LeverWordIxeg(double position) { return LeverWord(position, 0.1f, 0.2f); }
 double RequestWord(double request) {
@@ -139,6 +142,20 @@ template <const Source& lever, const double& armed, Convert isArmed>
 void ApplyArmed(const OffsetRow&, const Staged& staged) {
   if (staged.integer != 0 || isArmed(ReadSource(lever)) != 0)
     SetSource(lever, ArmedOrDown<armed>(staged.number));
+}
+// The x737 has commands for both; earlier versions a switch.
+void ApplyArmedX737(const OffsetRow& row, const Staged& staged) {
+  const bool wanted = staged.integer != 0;
+  if (!wanted && static_cast<float>(ReadSource(x737SpeedBrake)) >= x737Deployed) return;
+  const Command& command =
+      wanted ? commandOf<"x737/speedbrakes/SPEEDBRAKES_ARM"> : commandOf<"x737/speedbrakes/SPEEDBRAKES_DOWN">;
+  if (command.handle != nullptr) {
+    FireCommand(command);
+  } else if (HandleOf(x737IsArmed) != nullptr) {
+    SetSource(x737IsArmed, wanted);
+  } else {
+    FireFor(row, command);  // says so
+  }
 }
 
 // --- Flaps and gear -------------------------------------------------------------------------------
@@ -456,9 +473,9 @@ constexpr OffsetRow rows[] = {
                .addOn = AddOn::X737,
                .source = Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">,
                .convert = IsArmedLight,
-               .target = Fitting<"x737/systems/speedbrake/spdbrkIsArmed">,
-               .targetConvert = OnOff,
-               .places = commandsOf<"x737/speedbrakes/SPEEDBRAKES_DOWN", "x737/speedbrakes/SPEEDBRAKES_ARM">},
+               .apply = ApplyArmedX737,
+               .sets = sourcesOf<x737IsArmed>,
+               .fires = commandsOf<"x737/speedbrakes/SPEEDBRAKES_DOWN", "x737/speedbrakes/SPEEDBRAKES_ARM">},
            Variant{.addOn = AddOn::B738Extended,
                    .alsoFor = AddOn::B738Stock,
                    .source = b738SpeedBrake,
@@ -483,9 +500,9 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C13,
      .variants = variantsOf<[] {
        return std::array{Variant{.addOn = AddOn::X737,
-                                 .source = Fitting<"x737/systems/speedbrake/spdbrkLeverPos">,
+                                 .source = x737SpeedBrake,
                                  .convert = LeverWordX737,
-                                 .target = Fitting<"x737/systems/speedbrake/spdbrkLeverPos">,
+                                 .target = x737SpeedBrake,
                                  .targetConvert = LeverOf<x737Armed>},
                          Variant{.addOn = AddOn::B738Extended,
                                  .alsoFor = AddOn::B738Stock,
