@@ -15,6 +15,8 @@ XPLM_API void XPPlaceWidgetWithin(XPWidgetID sub, XPWidgetID container);
 XPLM_API int XPCountChildWidgets(XPWidgetID widget);
 XPLM_API XPWidgetID XPGetNthChildWidget(XPWidgetID widget, int index);
 XPLM_API XPWidgetID XPGetParentWidget(XPWidgetID widget);
+// The window that a widget is drawn in; null for one without a root.
+XPLM_API XPLMWindowID XPGetWidgetUnderlyingWindow(XPWidgetID widget);
 XPLM_API void XPShowWidget(XPWidgetID widget);
 XPLM_API void XPHideWidget(XPWidgetID widget);
 XPLM_API int XPIsWidgetVisible(XPWidgetID widget);

@@ -306,6 +306,12 @@ XPWidgetID XPGetParentWidget(XPWidgetID widget) {
   return w ? w->parent : nullptr;
 }
 
+// Our widgets are drawn without windows below them.
+XPLMWindowID XPGetWidgetUnderlyingWindow(XPWidgetID widget) {
+  Check(widget, "XPGetWidgetUnderlyingWindow");
+  return nullptr;
+}
+
 void XPShowWidget(XPWidgetID widget) {
   Widget* w = Check(widget, "XPShowWidget");
   if (!w || w->visible) return;

@@ -1,6 +1,5 @@
 // "Joystick Button -> Offset Assignments": what a joystick button writes when it is pressed and released. The
 // button is chosen by pressing it; its assignment is edited as a draft, which takes effect when it is saved.
-#include <cctype>
 #include <cstdio>
 
 #include "controls/buttons.h"
@@ -118,7 +117,7 @@ std::string FaultOf(const ButtonAssignment& assignment) {
   const char* fault = FaultOfAssignment(assignment);
   if (fault == nullptr) return "";
   std::string sentence = fault;
-  sentence[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(sentence[0])));
+  if (sentence[0] >= 'a' && sentence[0] <= 'z') sentence[0] = static_cast<char>(sentence[0] - 'a' + 'A');
   return sentence;
 }
 

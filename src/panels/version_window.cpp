@@ -2,6 +2,7 @@
 #include <utility>
 #include <vector>
 
+#include "aircraft/adapters.h"
 #include "base/log.h"
 #include "base/version.h"
 #include "bridge/add_ons.h"
@@ -83,21 +84,20 @@ std::string Clients(int) {
 }
 
 // --- What is loaded ---------------------------------------------------------------------------------------
+constexpr AddOn addOns[] = {AddOn::X737,  AddOn::Ixeg733,    AddOn::B738Extended, AddOn::B738Stock,
+                            AddOn::Ec135, AddOn::XSquawkBox, AddOn::PilotEdge};
+
+// "Extended 737-800 (109 of 111 names, not: laminar/...)"; the log has all of the missing ones.
 std::string AddOns(int) {
-  struct Name {
-    AddOn addOn;
-    const char* name;
-  };
-  constexpr Name names[] = {{AddOn::X737, "x737"},
-                            {AddOn::Ixeg733, "IXEG 737"},
-                            {AddOn::B738Extended, "Extended 737-800"},
-                            {AddOn::B738Stock, "Stock 737-800"},
-                            {AddOn::Ec135, "EC135"},
-                            {AddOn::XSquawkBox, "XSquawkBox"},
-                            {AddOn::PilotEdge, "PilotEdge"}};
   std::string list;
-  for (const Name& name : names) {
-    if (IsLoaded(name.addOn)) list += (list.empty() ? "" : ", ") + std::string(name.name);
+  for (const AddOn addOn : addOns) {
+    if (!IsLoaded(addOn)) continue;
+    const NamesFound& names = NamesFoundOf(addOn);
+    list += (list.empty() ? "" : ", ") + std::string(NameOf(addOn)) + " (" + std::to_string(names.found) +
+            " of " + std::to_string(names.total) + " names";
+    const char* separator = ", not: ";
+    for (const char* name : names.missing) list += std::exchange(separator, ", ") + std::string(name);
+    list += ")";
   }
   return list.empty() ? "none" : list;
 }

@@ -42,7 +42,7 @@ class Adapters : public testing::Test {
     RecogniseAircraft();
     RunEc135Adapter();
   }
-  static long LoadedCount() { return std::count(loadedAddOns.begin(), loadedAddOns.end(), true); }
+  static auto LoadedCount() { return std::count(loadedAddOns.begin(), loadedAddOns.end(), true); }
   // Handles of the names that begin so: how many are there, and whether these are what the simulator publishes.
   template <typename Entry, typename Find>
   static int Handles(const Entry* entry, const std::string& prefix, Find find) {

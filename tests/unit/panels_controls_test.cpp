@@ -120,7 +120,7 @@ TEST_F(Panels, Flaps) {
   Open(flapsWindowTitle);
   const auto shown = [](const char* label) { return Shown(flapsWindowTitle, label); };
   EXPECT_EQ(shown("Number of detents") + ' ' + shown("Detent 1") + ' ' + shown("Detent 8"), "9 0,5,-10.25 40");
-  EXPECT_NE(SimCommand("widgets").find("checkbox \"\" on"), std::string::npos);
+  EXPECT_NE(SimCommand("widgets").find("checkbox \"Flap detents active\" on"), std::string::npos);
 }
 
 // --- Joystick buttons ----------------------------------------------------------------------------------------
@@ -268,7 +268,7 @@ TEST_F(ButtonPanel, BoxesExcludeEachOther) {
     DoAll(buttonWindowTitle, {{c.press, nullptr, draft}, {"SAVE", nullptr, "Saved button 5, in force now"}});
     EXPECT_EQ(Line(5), std::string("66F0,4,9,31,") + c.line) << c.press;
   }
-  EXPECT_EQ(tools::CountText(SimCommand("widgets"), "checkbox \"\" on"), 1);
+  EXPECT_EQ(tools::CountText(SimCommand("widgets"), "\" on;"), 1) << SimCommand("widgets");
 }
 
 // The button thread is started once a load; in client mode nothing is towed or written.

@@ -176,13 +176,9 @@ TEST_F(Panels, XSquawkBox) {
   EXPECT_EQ(shown("Connection"), "not loaded");
   EXPECT_EQ(SimCommand("press \"Send\""), "error: button or box \"Send\" is disabled");
   const std::string signature = "vatsim.protodev.clients.xsquawkbox";
-  for (const char* text :
-       {"text/from", "text/msg", "atc/callsign", "weather/metar", "vers/string", "input/user_msg"}) {
-    SimCommand("define xsquawkbox/" + std::string(text) + " byte[300]");
-  }
-  SimCommand("define xsquawkbox/atc/freq int 119900");
-  SimCommand("set xsquawkbox/vers/string \"1.3\"");
   SimCommand("plugin " + signature + " on");
+  SimCommand("set xsquawkbox/atc/freq 119900");
+  SimCommand("set xsquawkbox/vers/string \"1.3\"");
   sim::SimFrames(320);
   SimCommand("set xsquawkbox/atc/callsign \"EDDF_TWR\"");
   SimCommand(

@@ -295,6 +295,7 @@ TEST_F(SimWidgets, HiddenParentsHideAndExposeNothing) {
   EXPECT_FALSE(XPIsWidgetVisible(inner));
   XPPlaceWidgetWithin(panel, panel);  // refused: a family has no loops
   EXPECT_EQ(XPGetParentWidget(panel), window);
+  EXPECT_EQ(XPGetWidgetUnderlyingWindow(panel), nullptr);  // none here
   XPPlaceWidgetWithin(inner, window);
   EXPECT_EQ(Heard(), (Lines{"Win 17 Panel 0", "Win 16 Panel 0", "Win 13 Inner 0"}));
   XPHideWidget(window);

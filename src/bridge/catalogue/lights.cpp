@@ -1,6 +1,5 @@
 // Lights: the word of all lights, and the bytes and words of single ones.
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <span>
 
@@ -71,7 +70,7 @@ constexpr Variant strobeSwitch[] = {{.addOn = AddOn::B738Extended,
 constexpr Variant instrumentSwitch[] = {{.source = Int<"sim/cockpit/electrical/cockpit_lights_on">}};
 
 // The switches, in the order of the bits.
-constexpr std::array<std::span<const Variant>, lightCount> switches = {
+constexpr std::span<const Variant> switches[lightCount] = {
     navigationSwitch, beaconSwitch, landingSwitch, taxiSwitch, strobeSwitch, instrumentSwitch};
 
 template <int... lights>
@@ -87,7 +86,7 @@ uint32_t shownSince;
 bool IsLightOn(int light) {
   if (shownSince != readerBindings) {
     shownSince = readerBindings;
-    for (size_t i = 0; i < switches.size(); i++) shownLights[i] = &ShowingVariant(switches[i]);
+    for (int i = 0; i < lightCount; i++) shownLights[i] = &ShowingVariant(switches[i]);
   }
   const Variant& variant = *shownLights[light];
   return variant.convert == nullptr ? IsOn(variant.source) : variant.convert(ReadSource(variant.source)) != 0;
