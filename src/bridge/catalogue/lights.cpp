@@ -70,8 +70,8 @@ constexpr Variant strobeSwitch[] = {{.addOn = AddOn::B738Extended,
 constexpr Variant instrumentSwitch[] = {{.source = Int<"sim/cockpit/electrical/cockpit_lights_on">}};
 
 // The switches, in the order of the bits.
-constexpr std::span<const Variant> switches[lightCount] = {
-    navigationSwitch, beaconSwitch, landingSwitch, taxiSwitch, strobeSwitch, instrumentSwitch};
+constexpr std::span<const Variant> switches[lightCount] = {navigationSwitch, beaconSwitch, landingSwitch,
+                                                           taxiSwitch,       strobeSwitch, instrumentSwitch};
 
 template <int... lights>
 constexpr std::span<const Variant> partsOf[] = {switches[lights]...};
