@@ -211,5 +211,6 @@ def test_recipes_work(start, linux, tmp_path):
         for press, state in enumerate(states):
             standin.ask(f"set sim/joystick/joystick_button_values[{button}] {1 - press % 2}")
             standin.ask("frames 20")  # a release that does nothing would show within them
-            wait_for(f"{name} {state} by button {button}", lambda: standin.ask("frames 1") == "" and shown(name) == state)
+            wait_for(f"{name} {state} by button {button}",
+                     lambda: standin.ask("frames 1") == "" and shown(name) == state)
     standin.quit()
