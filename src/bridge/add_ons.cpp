@@ -40,11 +40,11 @@ const char* NameOf(AddOn addOn) {
 
 void TellUnserved(AddOn addOn, uint32_t offset, const char* missing, const char* part, const char* fault) {
   if (!told.emplace(addOn, offset, part).second) return;
-  const std::string what = *part == '\0' ? "do nothing" : "do not move its " + std::string(part);
+  const std::string what = *part == '\0' ? "do nothing, " : "do not move its " + std::string(part) + ", ";
   const std::string why = *missing == '\0' ? "it has no such control or none that is known"
                           : *fault == '\0' ? "it does not publish " + std::string(missing)
                                            : std::string(missing) + ' ' + fault;
-  LogOwn("TAVRIX->%s: writes to 0x%04X %s, %s\n", NameOf(addOn), static_cast<unsigned>(offset), what.c_str(),
+  LogOwn("TAVRIX->%s: writes to 0x%04X %s%s\n", NameOf(addOn), static_cast<unsigned>(offset), what.c_str(),
          why.c_str());
 }
 
