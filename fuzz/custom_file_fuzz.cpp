@@ -48,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   CheckPlaces(text);
   CustomTables tables;
-  if (!ParseCustomFile(text, &tables, nullptr)) {
+  if (!ParseCustomFile(text, &tables)) {
     Require(tables.offsets.empty() && tables.datarefs.empty() && tables.commands.empty());
     return 0;
   }

@@ -54,14 +54,14 @@ bool Open(LogFile* log, OpenMode mode, OpenFailure* failure) {
   return true;
 }
 
-// Opens it for appending; the open one goes on taking lines when that fails.
-bool Reopen(LogFile* log) {
-  if (!log->file) return false;
+// Opens it for appending; the open one goes on taking lines when that fails. Returns "", or why.
+std::string Reopen(LogFile* log) {
+  if (!log->file) return "it could not be opened at the start";
   try {
     OpenFailure failure;
-    return Open(log, OpenMode::Append, &failure);
+    return Open(log, OpenMode::Append, &failure) ? "" : failure.reason;
   } catch (...) {
-    return false;
+    return "no memory";
   }
 }
 
@@ -193,7 +193,7 @@ bool OpenLogs(const char* folder, void (*report)(const char* line)) {
 
 bool ReopenMainLog() {
   const LockScope scope(&logLock);  // nobody renames the file while it is being opened
-  return Reopen(&mainLog);
+  return Reopen(&mainLog).empty();
 }
 
 void FlushLogs() {
@@ -314,15 +314,22 @@ void TraceRecord(bool isWrite, uint32_t request, uint32_t offset, uint32_t size,
   WriteTrace(line, length);
 }
 
-void SwitchTrace(bool isWrite, bool on) {
+std::string SwitchTrace(bool isWrite, bool on) {
   const LockScope scope(&traceLock);
   if (!readTrace.load(std::memory_order_relaxed) && !writeTrace.load(std::memory_order_relaxed)) {
-    Reopen(&traceLog);
+    const std::string reason = Reopen(&traceLog);
+    if (on && !reason.empty()) return reason;
   }
   TraceLine("%s %s %f sec\n", on ? "Start" : "Stop", isWrite ? "Writelogging" : "Readlogging",
             static_cast<double>(PublishedRunningTime()));
   FlushTrace();
   (isWrite ? writeTrace : readTrace).store(on ? 1 : 0, std::memory_order_relaxed);
+  return "";
+}
+
+bool MainLogIsOpen() {
+  const LockScope scope(&logLock);
+  return mainLog.file != nullptr;
 }
 
 float PublishedRunningTime() { return runningTime.load(std::memory_order_relaxed); }

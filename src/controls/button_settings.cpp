@@ -57,12 +57,15 @@ bool IsSection(std::string_view name) {
                     [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - 'a' + 'A' : a) == b; });
 }
 
+const char* refusals[maxButtons];  // of the lines read last; simulator's thread
+
 void Take(int button, std::string_view line, ButtonAssignment* target) {
   ButtonAssignment read = noAssignment;
   const size_t given = ParseLine(line, &read);
   if (read.offset <= 0) return;
   const char* fault =
       given < fieldCount ? "its line needs twelve numbers separated by commas" : FaultOfAssignment(read);
+  refusals[button] = fault;
   if (fault != nullptr) {
     LogOwn("TAVRIX->Joystick button %i is not used, see [%s] in TAVRIX.ini: %s\n", button, section, fault);
     return;
@@ -86,6 +89,7 @@ const char* FaultOfAssignment(const ButtonAssignment& assignment) {
 
 void ReadButtonSettings(ButtonAssignment (&assignments)[maxButtons]) {
   std::fill_n(assignments, maxButtons, noAssignment);
+  std::fill_n(refusals, maxButtons, nullptr);
   std::string text;
   if (ReadSettingsText(&text) <= 0) return;
   bool seen[maxButtons] = {};  // of several lines for a button the first one counts
@@ -100,6 +104,10 @@ void ReadButtonSettings(ButtonAssignment (&assignments)[maxButtons]) {
     seen[button] = true;
     Take(button, line.value, &assignments[button]);
   }
+}
+
+const char* RefusalOfButton(int button) {
+  return button >= 0 && button < maxButtons ? refusals[button] : nullptr;
 }
 
 bool WriteButtonSetting(int button, const ButtonAssignment& assignment) {

@@ -22,6 +22,7 @@ struct ButtonAssignment {
   int32_t clearOnPress = 0, clearOnRelease = 0;
   int32_t nothingOnPress = 0, nothingOnRelease = 0;
   int32_t toggleOnPress = 0, toggleOnRelease = 0;
+  bool operator==(const ButtonAssignment&) const = default;
 };
 constexpr ButtonAssignment noAssignment = {.offset = -1, .size = -1, .pressedValue = -1, .releasedValue = -1};
 
@@ -45,6 +46,9 @@ bool SaveButtonAssignment(int button, const ButtonAssignment& assignment);
 bool ClearButtonAssignment(int button);
 // What is in force for a button; noAssignment for a number that is none.
 ButtonAssignment AssignmentOfButton(int button);
+// Why the button's line in the settings file is not used, in words that follow a colon; null when it is, or there
+// is none.
+const char* RefusalOfButton(int button);
 // Whether anybody wants to know the buttons in this frame: one is assigned, or the last pressed one has been
 // asked for lately. Every frame; while it says no the simulator need not be asked for them.
 bool WantsButtons();

@@ -29,6 +29,8 @@ void ReloadCustomOffsets();
 struct CustomSummary {
   size_t offsets, datarefs, commands;
   std::span<const std::string_view> unresolved;  // until the next load
+  size_t faultyLines;  // of the file; their entries count all the same, as far as they could be read
+  const char* fault;   // why the last load found no file or nothing in it, "" if it did; until the next load
 };
 CustomSummary SummariseCustomOffsets();
 // Does the reload that a client has asked for (through the dispatcher), with its log lines. Once a frame.

@@ -296,8 +296,7 @@ size_t ParseCustomNumber(std::string_view text, double* value) {
   return at + read.size();
 }
 
-bool ParseCustomFile(std::string_view text, CustomTables* tables,
-                     void (*skipped)(uint32_t line, CustomLineFault fault), uint32_t* tooLong) {
+bool ParseCustomFile(std::string_view text, CustomTables* tables, uint32_t* tooLong) {
   *tables = {};
   // Three texts of a line may be missing and cost their NUL all the same.
   const auto lines = static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
@@ -307,11 +306,7 @@ bool ParseCustomFile(std::string_view text, CustomTables* tables,
   CustomLine line;
   int result = 0;
   while ((result = NextCustomLine(&reader, &line)) > 0) {
-    if (line.kind == CustomLineKind::Other) continue;
-    if (line.fault != CustomLineFault::None) {
-      if (skipped != nullptr) skipped(line.firstLine, line.fault);
-      continue;
-    }
+    if (line.fault != CustomLineFault::None) continue;
     switch (line.kind) {
       case CustomLineKind::Offset:
         AddOffset(line, &store, tables);

@@ -247,8 +247,9 @@ void RefreshCustomOffsets(int group) {
 
 CustomSummary SummariseCustomOffsets() {
   const CustomTables* tables = loadedTables;
-  if (tables == nullptr) return {};
-  return {tables->offsets.size(), tables->datarefs.size(), tables->commands.size(), tables->unresolved};
+  if (tables == nullptr) return {0, 0, 0, {}, 0, customLoadFault.c_str()};
+  return {tables->offsets.size(), tables->datarefs.size(), tables->commands.size(),
+          tables->unresolved,     customFaultyLines,        customLoadFault.c_str()};
 }
 
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {

@@ -2,6 +2,7 @@
 #pragma once
 #include <atomic>
 #include <cstdint>
+#include <string>
 
 #include "custom/custom_records.h"
 #include "offsets/dispatcher.h"
@@ -16,7 +17,10 @@ struct PendingCustomWrite {
 
 // Owned by the simulator's thread; null before the first load and while there is nothing.
 extern CustomTables* loadedTables;
-// The same while clients may reach it. Changed under the offset lock.
+// What came of the last load, for CustomSummary. Simulator's thread.
+extern std::string customLoadFault;
+extern size_t customFaultyLines;
+// The tables while clients may reach them. Changed under the offset lock.
 extern std::atomic<const CustomTables*> publishedTables;
 // Under the offset lock.
 extern PendingCustomWrite pendingWrite;

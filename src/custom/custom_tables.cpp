@@ -12,6 +12,7 @@
 #include "base/folders.h"
 #include "base/log.h"
 #include "custom/custom.h"
+#include "custom/custom_check.h"
 #include "custom/custom_parser.h"
 #include "custom/custom_state.h"
 #include "custom/expression.h"
@@ -21,6 +22,8 @@
 #include "platform/system.h"
 
 CustomTables* loadedTables;
+std::string customLoadFault;
+size_t customFaultyLines;
 std::atomic<const CustomTables*> publishedTables;
 PendingCustomWrite pendingWrite;
 CustomCommandWrite pendingCommand;
@@ -29,7 +32,10 @@ uint32_t customEndCount;
 
 namespace {
 
-constexpr size_t largestFile = 64u << 20;  // bytes; what is larger is no file of ours
+constexpr size_t largestFile = 64u << 20;   // bytes; what is larger is no file of ours
+constexpr size_t largestChecked = 1u << 20;  // bytes; in a larger one the faults are not looked for
+constexpr size_t mostFindings = 1000;        // that are kept to be told, notes included
+constexpr size_t mostFaultLines = 20;        // of the log
 constexpr char errorLine[] = "Error reading TAVRIXOffsets.cfg\n";
 constexpr char clearLine[] = "Clear TAVRIXOffsets.cfg by user\n";
 constexpr char reloadLine[] = "Reload TAVRIXOffsets.cfg\n";
@@ -47,22 +53,25 @@ std::string FilePath() { return PluginFolder() + "TAVRIXOffsets.cfg"; }
 
 // The file could not be read: the defined line, then what was wrong and what to do about it.
 void TellUnreadable(const std::string& path, const std::string& reason) {
+  customLoadFault = "TAVRIXOffsets.cfg cannot be read: " + reason;
   LogLine(errorLine);
   LogOwn("TAVRIX->Can't read %s: %s; there are no offsets of your own until the file is read again\n",
          EscapedControls(path).c_str(), reason.c_str());
 }
 
 // Files that an editor has stored in a way that makes no lines for us: they load, as nothing.
-void TellStrangeText(const std::string& path, std::string_view text) {
+// Returns whether it is one.
+bool TellStrangeText(const std::string& path, std::string_view text) {
   const char* fault = nullptr;
   if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
     fault = "it is stored as UTF-16, save it as ANSI or UTF-8 text";
   } else if (text.find('\r') != std::string_view::npos && text.find('\n') == std::string_view::npos) {
     fault = "its lines end in carriage returns alone, save it with the line ends of Windows or Unix";
   }
-  if (fault != nullptr) {
-    LogOwn("TAVRIX->No lines are found in %s: %s\n", EscapedControls(path).c_str(), fault);
-  }
+  if (fault == nullptr) return false;
+  customLoadFault = std::string("no lines are found in TAVRIXOffsets.cfg: ") + fault;
+  LogOwn("TAVRIX->No lines are found in %s: %s\n", EscapedControls(path).c_str(), fault);
+  return true;
 }
 
 // Returns true, or false when it has told why not.
@@ -72,6 +81,7 @@ bool ReadWholeFile(const std::string& path, std::string* text) {
                                                    std::fclose);
   if (!file && failure.missing) {
     LogLine(errorLine);
+    customLoadFault = "there is no file TAVRIXOffsets.cfg";
     LogOwn("TAVRIX->There is no file %s: that is fine unless you want offsets of your own\n",
            EscapedControls(path).c_str());
     return false;
@@ -89,18 +99,31 @@ bool ReadWholeFile(const std::string& path, std::string* text) {
       return false;
     }
   }
-  if (std::ferror(file.get()) == 0) {
-    TellStrangeText(path, *text);
-    return true;
-  }
+  if (std::ferror(file.get()) == 0) return true;
   TellUnreadable(path, SystemErrorText());
   return false;
 }
 
-void TellSkipped(uint32_t line, CustomLineFault fault) {
-  LogOwn("TAVRIX->TAVRIXOffsets.cfg line %i is left out: %s\n", static_cast<int>(line),
-         fault == CustomLineFault::TooManyTokens ? "it has more than 256 words"
-                                                 : "one of its words has more than 255 characters");
+// A line for each fault, up to a limit. What is loaded does not depend on them.
+void TellFaults(std::string_view text) {
+  if (text.size() > largestChecked) {
+    LogOwn(
+        "TAVRIX->TAVRIXOffsets.cfg is larger than 1 MB and its lines are not examined here: run offsetctl check "
+        "TAVRIXOffsets.cfg\n");
+    return;
+  }
+  const CustomReport report = CheckCustomFile(text, {}, mostFindings);
+  customFaultyLines = report.faultyLines;
+  size_t told = 0;
+  for (const CustomFinding& finding : report.findings) {
+    if (finding.note || told == mostFaultLines) continue;
+    LogOwn("TAVRIX->TAVRIXOffsets.cfg line %u: %s\n", finding.line, EscapedControls(finding.text).c_str());
+    ++told;
+  }
+  if (report.faults > told) {
+    LogOwn("TAVRIX->TAVRIXOffsets.cfg has %s faults more: run offsetctl check TAVRIXOffsets.cfg\n",
+           std::to_string(report.faults - told).c_str());
+  }
 }
 
 void LookUpDatarefs(CustomTables* tables) {
@@ -184,12 +207,14 @@ void Load() {
   std::string text;
   auto tables = std::make_unique<CustomTables>();
   if (!ReadWholeFile(path, &text)) return;
+  const bool strange = TellStrangeText(path, text);
   uint32_t tooLong = 0;
-  if (!ParseCustomFile(text, tables.get(), TellSkipped, &tooLong)) {
+  if (!ParseCustomFile(text, tables.get(), &tooLong)) {
     TellUnreadable(path, "line " + std::to_string(tooLong) + " has more than " +
                              std::to_string(maxCustomLineLength) + " characters, make it shorter");
     return;
   }
+  if (!strange) TellFaults(text);
   LookUpDatarefs(tables.get());
   LookUpActions(tables.get());
   PrepareCustomTables(tables.get());
@@ -207,6 +232,7 @@ void LoadCustomOffsets() {
     Load();
   } catch (...) {
     PassForeignException();
+    if (customLoadFault.empty()) customLoadFault = "an error ended the reading";
     LogLine(errorLine);
     LogOwn("TAVRIX->Out of memory while reading TAVRIXOffsets.cfg\n");
   }
@@ -217,6 +243,8 @@ void ClearCustomOffsets() {
     const LockScope lock(&offsetLock);
     Withdraw();
   }
+  customLoadFault.clear();
+  customFaultyLines = 0;
   const std::unique_ptr<CustomTables> ended(std::exchange(loadedTables, nullptr));
   if (ended != nullptr) EndHeldCommands(ended.get());
 }

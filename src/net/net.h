@@ -40,5 +40,7 @@ bool TryListClients(std::vector<std::string>* clients);
 
 // " FAILED ! Wrong IP address" after a failed start, else "".
 extern char networkStatusText[32];
+// The same failure's reason, as short as a window has room for: what failed, why, what to do; else "".
+extern char networkReasonText[160];
 // What was tried and which setting to change, for the alert window; "" without failure.
 extern char networkAlertText[200];

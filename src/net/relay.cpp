@@ -1,5 +1,6 @@
 #include "net/relay.h"
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -12,6 +13,8 @@
 #include "net/permissions.h"
 #include "net/server.h"
 #include "platform/clock.h"
+
+char relayReasonText[160];
 
 namespace {
 
@@ -116,6 +119,7 @@ bool OpenReceiver() { return serverIp != 0 && OpenBroadcastReceiver(&relaySocket
 
 bool OpenRelay(RelayRole role) {
   destination = {};
+  relayReasonText[0] = '\0';
   if (role == RelayRole::Sender ? OpenSender() : OpenReceiver()) {
     LogLine("TAVRIX->UDP Broadcast server init OK\n");
     return true;
@@ -124,6 +128,7 @@ bool OpenRelay(RelayRole role) {
   CloseSocket(&relaySocket);
   LogLine("TAVRIX->UDP Broadcast server init FAILED\n");
   LogOwn("%s\n", AdviseOnFailure("UDP", relayPort, error).c_str());
+  std::snprintf(relayReasonText, sizeof relayReasonText, "%s", ShortReason("UDP", relayPort, error).c_str());
   return false;
 }
 
@@ -134,6 +139,7 @@ bool StartRelayThread() {
   if (CreateWaker(&relayWaker) && StartThread(&relayThread, RelayProcedure, nullptr)) return true;
   relayRunning = 0;
   CloseWaker(&relayWaker);
+  std::snprintf(relayReasonText, sizeof relayReasonText, "the system gives no thread to receive with");
   return false;
 }
 

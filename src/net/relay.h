@@ -29,6 +29,8 @@ enum class RelayRole { Sender, Receiver };
 // broadcasts to that address's network; the receiver binds the address, which must be this computer's.
 // Returns true, or false without socket: sending and receiving then do nothing.
 bool OpenRelay(RelayRole role);
+// Why nothing can be received or sent, as networkReasonText; "" while it works, or before the first OpenRelay.
+extern char relayReasonText[160];
 // After StopRelayThread.
 void CloseRelay();
 // Starts the thread that receives records into the record store. Returns true, or false when the system

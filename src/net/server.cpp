@@ -16,6 +16,7 @@
 #include "platform/clock.h"
 
 char networkStatusText[32];
+char networkReasonText[160];
 char networkAlertText[200];
 uint32_t serverIp;
 char serverAddressText[20];
@@ -261,6 +262,7 @@ void SetFailure(const char* transport, uint16_t port, int error) {
   LogOwn("%s\n", AdviseOnFailure(transport, port, error).c_str());
   std::snprintf(networkStatusText, sizeof networkStatusText, " FAILED ! Wrong IP address");
   if (networkAlertText[0] != '\0') return;
+  std::snprintf(networkReasonText, sizeof networkReasonText, "%s", ShortReason(transport, port, error).c_str());
   if (serverIp != 0 && ClassifySocketError(error) == SocketFault::PortTaken) {
     std::snprintf(networkAlertText, sizeof networkAlertText,
                   "TAVFARNET FAILED ! %s port %u of %s is taken: close the other program, reload the plug-in",
@@ -306,10 +308,24 @@ std::string AdviseOnFailure(const char* transport, uint16_t port, int error) {
   }
 }
 
+std::string ShortReason(const char* transport, uint16_t port, int error) {
+  const std::string name = std::string(transport) + " port " + std::to_string(port);
+  if (serverIp == 0) return '"' + std::string(serverAddressText) + "\" is no address: change Server Address";
+  switch (ClassifySocketError(error)) {
+    case SocketFault::AddressNotHere:
+      return std::string("this computer has no address ") + serverAddressText + ": change Server Address";
+    case SocketFault::PortTaken:
+      return name + " is taken: close the other program, reload the plug-in";
+    default:
+      return name + ": " + SocketErrorText(error);
+  }
+}
+
 void PrepareNetwork(const char* serverAddress) {
   std::snprintf(serverAddressText, sizeof serverAddressText, "%s", serverAddress);
   if (!ParseAddress(serverAddressText, &serverIp)) serverIp = 0;
   networkStatusText[0] = '\0';
+  networkReasonText[0] = '\0';
   networkAlertText[0] = '\0';
   ClearShadow();
   ClearSubscriptions();

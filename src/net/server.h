@@ -29,6 +29,8 @@ bool IsShortOfResources();
 // A line of advice after a failed call on a port: what was tried, why it failed, what to do. Takes the system's
 // error number. Returns the text without the line end.
 std::string AdviseOnFailure(const char* transport, uint16_t port, int error);
+// The same in few words, for a window.
+std::string ShortReason(const char* transport, uint16_t port, int error);
 
 // --- sessions.cpp: one receive thread for each slot of the client table --------------------------------
 enum class SessionStart { Done, NoHandle, NoThread };

@@ -38,7 +38,7 @@ std::string CheckText(int index, const std::string& text) {
 
 std::string AcceptText(int index, const std::string& text) {
   const AtcText& changed = texts[index];
-  if (!WriteSetting(section, changed.key, text.c_str())) return notSaved;
+  if (!WriteSetting(section, changed.key, text.c_str())) return NotSaved();
   std::snprintf(changed.value, maxSettingValue + 1, "%s", text.c_str());
   if (changed.offset == 0) return saved;
   {

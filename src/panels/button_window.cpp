@@ -13,22 +13,43 @@ namespace {
 int chosen = -1;  // button, -1 for none
 ButtonAssignment draft = noAssignment;
 uint32_t seenPresses;
+int waiting = -1;  // a button that was pressed while the draft had changes, -1 for none
 
 extern const WindowPlan plan;
 
+bool IsChanged() { return draft != AssignmentOfButton(chosen); }
+
+// A draft that was begun before any button was chosen is the button's then.
 void Choose(int button) {
+  if (chosen >= 0 || !IsChanged()) draft = AssignmentOfButton(button);
   chosen = button;
-  draft = AssignmentOfButton(button);
+  waiting = -1;
 }
 
 // --- The button ------------------------------------------------------------------------------------------
-// Asked before all other texts at every refresh, so it is the one that notices a press.
+// Asked before all other texts at every refresh, so it is the one that notices a press. Nothing that the user has
+// changed is given up by a press.
 std::string Prompt(int) {
   const ButtonPress press = LastButtonPress();
   const bool isNew = press.count != seenPresses && press.button >= 0;
-  if (isNew && press.button != chosen) Choose(press.button);  // pressed once more: the draft stays
   seenPresses = press.count;
-  return "Press a joystick button";
+  if (isNew && press.button == chosen) waiting = -1;  // pressed once more: the draft stays
+  if (isNew && press.button != chosen) {
+    if (chosen >= 0 && (IsChanged() || HasOpenText(plan))) {
+      waiting = press.button;
+    } else {
+      Choose(press.button);
+    }
+  }
+  return settings.clientMode ? "Enter a joystick button" : "Press a joystick button";
+}
+
+std::string Waiting(int) {
+  if (waiting >= 0 && !IsChanged() && !HasOpenText(plan)) waiting = -1;
+  if (waiting < 0) return "";
+  const std::string number = std::to_string(waiting);
+  return "Button " + number + " was pressed, but button " + std::to_string(chosen) +
+         " has changes:\nSAVE them, or enter " + number + " above to give them up.";
 }
 
 std::string Button(int) { return chosen < 0 ? "" : std::to_string(chosen); }
@@ -42,9 +63,11 @@ std::string CheckButton(int, const std::string& text) {
 std::string AcceptButton(int, const std::string& text) {
   int button = -1;
   ReadNumberText(text, &button);
+  const bool givenUp = chosen >= 0 && button != chosen && IsChanged();
+  const std::string before = std::to_string(chosen);
   Choose(button);
   seenPresses = LastButtonPress().count;  // a press of just before counts no more
-  return "";
+  return givenUp ? "The changes of button " + before + " are given up" : "";
 }
 
 // --- Pressing and releasing, which are alike -----------------------------------------------------------------
@@ -92,13 +115,16 @@ std::string HexText(int32_t offset) {
 std::string Present(int) {
   if (chosen < 0) return "";
   const ButtonAssignment now = AssignmentOfButton(chosen);
+  const char* refusal = RefusalOfButton(chosen);
+  if (refusal != nullptr) return std::string("its line in TAVRIX.ini is not used: ") + refusal;
   if (now.offset <= 0) return "not assigned";
   return HexText(now.offset) + ", " + std::to_string(now.size) + " bytes; pressed: " + Deed(now, pressed) +
          "; released: " + Deed(now, released);
 }
 
 std::string Thread(int) {
-  if (settings.clientMode) return "In client mode buttons write nothing.";
+  if (settings.clientMode)
+    return "In client mode buttons write nothing.\nPressing one selects none here: enter its number.";
   if (!ButtonThreadRuns())
     return "Buttons act again when the plug-in is reloaded: their thread starts once a load.";
   const std::string status = ButtonStatus();
@@ -108,8 +134,9 @@ std::string Thread(int) {
 // --- The draft's fields --------------------------------------------------------------------------------------
 constexpr char offsetReason[] = "The offset is hexadecimal, from 1 to 1FFFF";
 constexpr char sizeReason[] = "The size is 1, 2 or 4 bytes";
-constexpr char unsaved[] = "Not saved yet";
 constexpr char valueReason[] = "A whole number from 0, or empty to send nothing";
+
+std::string Unsaved() { return IsChanged() ? "Not saved yet" : ""; }
 
 // What is wrong with offset and size together, as a sentence; nothing while one of them is missing.
 std::string FaultOf(const ButtonAssignment& assignment) {
@@ -137,7 +164,7 @@ std::string CheckOffset(int, const std::string& text) {
 
 std::string AcceptOffset(int, const std::string& text) {
   ReadOffset(text, &draft.offset);
-  return unsaved;
+  return Unsaved();
 }
 
 std::string Size(int) { return draft.size > 0 ? std::to_string(draft.size) : ""; }
@@ -151,7 +178,7 @@ std::string CheckSize(int, const std::string& text) {
 
 std::string AcceptSize(int, const std::string& text) {
   ReadNumberText(text, &draft.size);
-  return unsaved;
+  return Unsaved();
 }
 
 std::string Value(int direction) {
@@ -168,7 +195,7 @@ std::string AcceptValue(int direction, const std::string& text) {
   int32_t value = -1;
   ReadNumberText(text, &value);
   draft.*valueFields[direction] = value;
-  return unsaved;
+  return Unsaved();
 }
 
 constexpr Cell ValueField(const char* label, int direction) {
@@ -189,7 +216,7 @@ bool IsWay(int index) { return draft.*wayFields[index / 2][index % 2] != 0; }
 std::string TurnWay(int index, bool on) {
   for (const auto& fields : wayFields) draft.*fields[index % 2] = 0;
   draft.*wayFields[index / 2][index % 2] = on ? 1 : 0;
-  return unsaved;
+  return Unsaved();
 }
 
 constexpr Cell WayBox(const char* label, Way way, int direction) {
@@ -215,6 +242,7 @@ std::string FillIn(int index) {
            .pressedValue = preset.pressed,
            .releasedValue = preset.released,
            .nothingOnRelease = preset.released < 0 ? 1 : 0};
+  if (!IsChanged()) return "";
   return kept.offset > 0 ? "Filled in, not saved yet" : "Filled in: enter the offset, then save";
 }
 
@@ -250,20 +278,22 @@ std::string DraftFault() {
 
 // The file has been written and read again.
 std::string Told(const char* done) {
-  Choose(chosen);
-  return std::string(done) + " button " + std::to_string(chosen) +
-         (ButtonThreadRuns() ? ", in force now" : ", in force after a reload of the plug-in");
+  draft = AssignmentOfButton(chosen);
+  const char* since = settings.clientMode  ? ", in force when client mode is off"
+                      : ButtonThreadRuns() ? ", in force now"
+                                           : ", in force after a reload of the plug-in";
+  return std::string(done) + " button " + std::to_string(chosen) + since;
 }
 
 std::string Save(int) {
   const std::string fault = DraftFault();
   if (!fault.empty()) return fault;
-  return SaveButtonAssignment(chosen, draft) ? Told("Saved") : notSaved;
+  return SaveButtonAssignment(chosen, draft) ? Told("Saved") : NotSaved();
 }
 
 std::string ClearChosen(int) {
   if (chosen < 0) return "Press a joystick button first, or enter its number";
-  return ClearButtonAssignment(chosen) ? Told("Cleared") : notSaved;
+  return ClearButtonAssignment(chosen) ? Told("Cleared") : NotSaved();
 }
 
 std::string Exit(int) {
@@ -282,6 +312,7 @@ constexpr Row rows[] = {
        .check = CheckButton,
        .accept = AcceptButton}}},
     {{{.kind = CellKind::Value, .label = "At present", .width = 64, .lines = 2, .text = Present}}},
+    {{{.kind = CellKind::Value, .width = 64, .lines = 2, .text = Waiting}}},
     {},
     {{{.kind = CellKind::Field,
        .label = "Offset to assign to joystick button",
@@ -322,7 +353,7 @@ constexpr Row rows[] = {
 void Opened() {
   if (settings.clientMode) LoadButtonAssignments();
   seenPresses = LastButtonPress().count;
-  chosen = -1;
+  chosen = waiting = -1;
   draft = noAssignment;
 }
 const WindowPlan plan = {.title = buttonWindowTitle, .rows = rows, .opened = Opened};

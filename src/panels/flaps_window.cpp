@@ -15,7 +15,7 @@ constexpr char section[] = "TAVRIX FLAPS SETTINGS";
 bool IsActive(int) { return settings.flapsActive; }
 
 std::string TurnActive(int, bool on) {
-  if (!WriteSetting(section, "Flap Settings", on ? "Active" : "Inactive")) return notSaved;
+  if (!WriteSetting(section, "Flap Settings", on ? "Active" : "Inactive")) return NotSaved();
   settings.flapsActive = on;
   return saved;
 }
@@ -33,7 +33,7 @@ std::string AcceptDetents(int, const std::string& text) {
   ReadNumberText(text, &count);
   char value[16];
   std::snprintf(value, sizeof value, "%02d", count);
-  if (!WriteSetting(section, "Number of Detends", value)) return notSaved;
+  if (!WriteSetting(section, "Number of Detends", value)) return NotSaved();
   settings.flapDetents = count;
   return saved;
 }
@@ -66,7 +66,7 @@ std::string CheckDetent(int, const std::string& text) {
 std::string AcceptDetent(int detent, const std::string& text) {
   const FlapDetent taken = ParseFlapDetent(text);
   const std::string key = "Flap detend " + std::to_string(detent + 1);
-  if (!WriteSetting(section, key.c_str(), DetentText(taken).c_str())) return notSaved;
+  if (!WriteSetting(section, key.c_str(), DetentText(taken).c_str())) return NotSaved();
   settings.flapDetent[detent] = taken;
   return saved;
 }

@@ -8,6 +8,7 @@
 #include "base/log.h"
 #include "panels/layout_window.h"
 #include "platform/exceptions.h"
+#include "settings/settings.h"
 
 std::vector<std::unique_ptr<Window>> madeWindows;
 bool windowsEnabled;
@@ -17,8 +18,10 @@ namespace {
 constexpr int64_t refreshPeriod = 250'000'000;  // ns
 constexpr int messageCharacters = 48;           // a line; longer reasons take a second one
 
-ScreenSize screen;  // as the open windows know it
-int openWindows;    // so that a frame without any asks nothing
+constexpr char disabledText[] = "disabled";     // in the place of values
+constexpr char disabledMessage[] = "TAVRIX is disabled: nothing can be changed";
+
+int openWindows;  // so that a frame without any asks nothing
 
 std::string MessageText(int) { return ""; }  // the line's text is the window's own
 constexpr Cell messageLine = {
@@ -31,11 +34,15 @@ Window* FindWindow(const WindowPlan& plan) {
   return nullptr;
 }
 
+// Whether the user can do something with it.
+bool IsForUser(CellKind kind) {
+  return kind == CellKind::Field || kind == CellKind::Box || kind == CellKind::Button;
+}
+
 bool HasActions(const WindowPlan& plan) {
   return std::any_of(plan.rows.begin(), plan.rows.end(), [](const Row& row) {
-    return std::any_of(std::begin(row.cells), std::end(row.cells), [](const Cell& cell) {
-      return cell.kind == CellKind::Field || cell.kind == CellKind::Button || cell.kind == CellKind::Box;
-    });
+    return std::any_of(std::begin(row.cells), std::end(row.cells),
+                       [](const Cell& cell) { return IsForUser(cell.kind); });
   });
 }
 
@@ -223,6 +230,7 @@ void RefreshBox(const CellWidgets& box) {
 
 void HideWindow(Window* window) {
   ResetFields(window);  // before the keyboard leaves a field, which would accept its text
+  GiveKeyboardBack(window);
   XPHideWidget(window->widget);
 }
 
@@ -238,16 +246,37 @@ void RefreshNow(Window* window) {
   if (moved) PlaceWindow(window);
 }
 
-void EnableWindows() { windowsEnabled = true; }
-
-void DisableWindows() {
-  windowsEnabled = false;
+void EnableWindows() {
+  if (std::exchange(windowsEnabled, true)) return;
   for (const auto& window : madeWindows) {
-    for (CellWidgets& cell : window->cells) {
-      if (cell.cell->kind == CellKind::Box) RefreshBox(cell);
+    XPSetWidgetDescriptor(window->widget, window->plan->title);
+    for (const CellWidgets& cell : window->cells) {
+      if (IsForUser(cell.cell->kind)) XPSetWidgetProperty(cell.body, xpProperty_Enabled, cell.enabled ? 1 : 0);
     }
+    ResetFields(window.get());
+    ShowMessage(window.get(), "");
+    if (IsOpen(*window)) RefreshNow(window.get());
   }
 }
+
+void DisableWindows() {
+  if (!std::exchange(windowsEnabled, false)) return;
+  GiveKeyboardBack(nullptr);
+  for (const auto& window : madeWindows) {
+    ResetFields(window.get());
+    XPSetWidgetDescriptor(window->widget, (std::string(window->plan->title) + " (disabled)").c_str());
+    for (CellWidgets& cell : window->cells) {
+      if (cell.cell->kind == CellKind::Box) RefreshBox(cell);
+      if (IsForUser(cell.cell->kind)) XPSetWidgetProperty(cell.body, xpProperty_Enabled, 0);
+      // What stands without a label is no state but a text.
+      if (cell.cell->kind == CellKind::Value && cell.label != nullptr) ShowLines(&cell, disabledText);
+    }
+    ShowMessage(window.get(), disabledMessage);
+    PlaceWindow(window.get());
+  }
+}
+
+std::string NotSaved() { return std::string("Not saved: ") + SettingsFault(); }
 
 void OpenWindow(const WindowPlan& plan) {
   if (!windowsEnabled) return;
@@ -259,7 +288,7 @@ void OpenWindow(const WindowPlan& plan) {
     ResetFields(window);
     ShowMessage(window, "");
     RefreshNow(window);
-    if (openWindows++ == 0) screen = AskScreenSize();
+    ++openWindows;
     Cascade(window);
     XPShowWidget(window->widget);
   }
@@ -275,15 +304,22 @@ void RefreshWindow(const WindowPlan& plan) {
   if (window != nullptr && windowsEnabled && IsOpen(*window)) RefreshNow(window);
 }
 
+bool HasOpenText(const WindowPlan& plan) {
+  const Window* window = FindWindow(plan);
+  return window != nullptr && IsOpen(*window) &&
+         std::any_of(window->cells.begin(), window->cells.end(), [](const CellWidgets& cell) {
+           return cell.cell->kind == CellKind::Field && IsEdited(cell);
+         });
+}
+
 void FollowWindows(int64_t now) {
   if (openWindows == 0) return;
   openWindows = static_cast<int>(std::count_if(madeWindows.begin(), madeWindows.end(),
                                                [](const auto& window) { return IsOpen(*window); }));
   const ScreenSize size = AskScreenSize();
-  const ScreenSize before = std::exchange(screen, size);
   for (const auto& window : madeWindows) {
     if (!IsOpen(*window)) continue;
-    if (size != before) FollowScreen(window.get(), before, size);
+    FollowScreen(window.get(), size);
     if (now - window->refreshedAt < refreshPeriod) continue;
     window->refreshedAt = now;
     RefreshNow(window.get());

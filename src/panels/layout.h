@@ -9,13 +9,14 @@
 //
 // A field's text is checked at every key; the reason why it is refused stands in the window's last line. Enter
 // accepts the text and presses the default button if there is one, else the keyboard goes back to the
-// simulator. Tab and Shift-Tab accept it and go on to the next field. A click elsewhere accepts it, too, or
-// gives the old text back when it is refused; a button accepts first and does not act on a refused text, but
-// for an exit, which accepts nothing. Escape gives the old text back, and a second one closes the window.
+// simulator. Tab and Shift-Tab accept it and go on to the next field. A click elsewhere in any of our windows, or
+// on the close box, accepts it, too, or gives the old text back when it is refused; a button accepts first and
+// does not act on a refused text, but for an exit, which accepts nothing. Escape gives the old text back, and a
+// second one closes the window.
 //
 // A close box hides the window: it is made once, and lasts until DestroyWindows. Windows cascade from the
 // screen's upper left corner, never leave the screen, and keep their distance from that corner when its size
-// changes. Nothing is remembered beyond that.
+// changes, also while they are closed. Nothing is remembered beyond that.
 //
 // Simulator's thread only, no lock held; the cells' functions are called in the same way.
 #pragma once
@@ -48,7 +49,7 @@ struct Cell {
   std::string (*check)(int index, const std::string& text) = nullptr;
   // Takes a field's new text, which has been checked. What `text` gives after it is what the field shows.
   std::string (*accept)(int index, const std::string& text) = nullptr;
-  // Whether a box is on. Asked after disable too, when there are no locks.
+  // Whether a box is on.
   bool (*isOn)(int index) = nullptr;
   // The user has changed a box.
   std::string (*turn)(int index, bool on) = nullptr;
@@ -73,8 +74,9 @@ struct WindowPlan {
   void (*opened)() = nullptr;
 };
 
-// From now on windows may be opened and act (at enable), or do neither (at disable): open ones stay as they
-// are, but for their boxes, which are asked once more.
+// From now on windows may be opened and act (at enable), or do neither (at disable): open ones say so in their
+// titles, in place of their values and in the last line; what was typed and not entered is given up, and
+// everything is grey until the next enable. Fields and boxes are asked once more, when there are no locks.
 void EnableWindows();
 void DisableWindows();
 // Shows a window in front of the others, made anew if need be, with the texts that are in force; a message in
@@ -84,6 +86,8 @@ void CloseWindow(const WindowPlan& plan);
 // Asks an open window's texts, boxes and what is enabled now instead of within a quarter of a second. Texts
 // that the user has begun to change stay.
 void RefreshWindow(const WindowPlan& plan);
+// Whether the window is open with a text in a field that the user has begun to change.
+bool HasOpenText(const WindowPlan& plan);
 // Once a frame: lets open windows follow what they show and the screen's size. `now` is monotonic time in ns.
 void FollowWindows(int64_t now);
 // At stop.
@@ -91,4 +95,5 @@ void DestroyWindows();
 
 // What the last line says of a setting that the user has changed.
 constexpr char saved[] = "Saved";
-constexpr char notSaved[] = "Not saved: TAVRIX.txt tells why";
+// With the reason that the settings file has given last.
+std::string NotSaved();

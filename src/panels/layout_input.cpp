@@ -37,7 +37,15 @@ bool AcceptOpenField(Window* window) {
   return field == nullptr || field->cell->kind != CellKind::Field || AcceptField(window, field);
 }
 
+// The user has clicked in the window: a field of another one that has the keyboard is left.
+void LeaveOtherWindows(const Window* window) {
+  const XPWidgetID focus = XPGetWidgetWithFocus();
+  const Window* owner = focus == nullptr ? nullptr : WindowOf(focus);
+  if (owner != nullptr && owner != window) GiveKeyboardBack(owner);
+}
+
 void PressButton(Window* window, const CellWidgets& button) {
+  LeaveOtherWindows(window);
   if (!button.enabled || (!button.cell->isExit && !AcceptOpenField(window))) return;
   const std::string message = button.cell->press(button.cell->index);
   RefreshNow(window);
@@ -46,6 +54,7 @@ void PressButton(Window* window, const CellWidgets& button) {
 
 // A refused text keeps no box from turning; its reason goes on standing in the window.
 void TurnBox(Window* window, const CellWidgets& box, bool on) {
+  LeaveOtherWindows(window);
   const bool accepted = AcceptOpenField(window);
   const std::string message = box.cell->turn(box.cell->index, on);
   RefreshNow(window);
@@ -122,8 +131,20 @@ void LeaveField(Window* window, CellWidgets* field) {
 
 }  // namespace
 
+void GiveKeyboardBack(const Window* window) {
+  const XPWidgetID focus = XPGetWidgetWithFocus();
+  Window* owner = focus == nullptr ? nullptr : WindowOf(focus);
+  if (owner == nullptr || (window != nullptr && owner != window)) return;
+  XPLoseKeyboardFocus(focus);
+}
+
 int HandleField(XPWidgetMessage message, XPWidgetID widget, intptr_t param1, intptr_t) {
-  if (!windowsEnabled || (message != xpMsg_KeyPress && message != xpMsg_KeyLoseFocus)) return 0;
+  if (message != xpMsg_KeyPress && message != xpMsg_KeyLoseFocus) return 0;
+  if (!windowsEnabled) {
+    // Nothing could be done with what is typed: the simulator has the keyboard.
+    if (message == xpMsg_KeyPress) XPLoseKeyboardFocus(widget);
+    return message == xpMsg_KeyPress ? 1 : 0;
+  }
   Window* window = WindowOf(widget);
   CellWidgets* field = window == nullptr ? nullptr : CellOf(window, widget);
   if (field == nullptr) return 0;
@@ -143,8 +164,12 @@ int HandleWindow(XPWidgetMessage message, XPWidgetID widget, intptr_t param1, in
   if (window == nullptr) return 0;
   switch (message) {
     case xpMessage_CloseButtonPushed:
+      GiveKeyboardBack(window);
       HideWindow(window);
       return 1;
+    case xpMsg_MouseDown:
+      if (windowsEnabled) LeaveOtherWindows(window);
+      return 0;
     case xpMsg_Reshape:
       // What stands in it comes along. Cells that move report to the window, too.
       if (AsWidget(param1) == widget) PlaceCells(window);

@@ -267,8 +267,9 @@ void PlaceWindow(Window* window) {
 }
 
 void Cascade(Window* window) {
-  PlaceWindow(window);
   const ScreenSize size = AskScreenSize();
+  FollowScreen(window, size);
+  PlaceWindow(window);
   const Area area = AreaOf(window->widget);
   if (std::exchange(window->placed, true) && !IsPlaceTaken(*window, area)) return;
   for (int step = 0; step < cascadeLength; ++step) {
@@ -283,7 +284,9 @@ void Cascade(Window* window) {
   }
 }
 
-void FollowScreen(Window* window, ScreenSize before, ScreenSize now) {
+void FollowScreen(Window* window, ScreenSize now) {
+  const ScreenSize before = std::exchange(window->screen, now);
+  if (now == before || !window->placed) return;
   Area area = AreaOf(window->widget);
   area.top += now.height - before.height;
   area.bottom += now.height - before.height;

@@ -7,6 +7,11 @@
 #include "XPWidgets.h"
 #include "panels/layout.h"
 
+struct ScreenSize {
+  int width, height;
+  bool operator==(const ScreenSize&) const = default;
+};
+
 // A rectangle of the screen; y grows upwards.
 struct Area {
   int left, top, right, bottom;
@@ -33,6 +38,7 @@ struct Window {
   std::string message;
   int64_t refreshedAt = 0;  // monotonic, ns
   bool placed = false;      // has been shown before
+  ScreenSize screen = {};   // that it was placed on
 };
 
 extern std::vector<std::unique_ptr<Window>> madeWindows;
@@ -40,10 +46,6 @@ extern std::vector<std::unique_ptr<Window>> madeWindows;
 extern bool windowsEnabled;
 
 // --- layout_place.cpp: measuring and placing ----------------------------------------------------------
-struct ScreenSize {
-  int width, height;
-  bool operator==(const ScreenSize&) const = default;
-};
 ScreenSize AskScreenSize();
 Area AreaOf(XPWidgetID widget);
 // Breaks a text into at most `lines` lines that fit into the room for `width` characters; the last one ends in
@@ -57,13 +59,16 @@ void PlaceCells(Window* window);
 // A place for a window that is about to be shown: its own if no other open window begins there, else the next
 // one of the cascade.
 void Cascade(Window* window);
-// The screen's size has changed.
-void FollowScreen(Window* window, ScreenSize before, ScreenSize now);
+// Keeps the window's distance from the upper left corner when the screen has another size than it was placed on.
+void FollowScreen(Window* window, ScreenSize now);
 
 // --- layout_input.cpp: what the user does ------------------------------------------------------------
 // Callbacks of a window and of its fields.
 int HandleWindow(XPWidgetMessage message, XPWidgetID widget, intptr_t param1, intptr_t param2);
 int HandleField(XPWidgetMessage message, XPWidgetID widget, intptr_t param1, intptr_t param2);
+// Gives the keyboard back when a field of the window has it, or one of any window (null), which accepts its text
+// while windows are enabled.
+void GiveKeyboardBack(const Window* window);
 
 // --- layout.cpp ---------------------------------------------------------------------------------------
 // The window or the cell that a widget belongs to; null for none.

@@ -1,6 +1,7 @@
 #include "panels/live_texts.h"
 
 #include "bridge/cycles.h"
+#include "custom/custom.h"
 #include "offsets/memory.h"
 
 std::string RequestsText(int) {
@@ -17,6 +18,15 @@ std::string RequestsText(int) {
 std::string RefreshesText(int) {
   return "Refreshes stored: " + std::to_string(refreshCounters.stored) +
          ", dropped: " + std::to_string(refreshCounters.dropped);
+}
+
+std::string CustomEntriesText(int) {
+  const CustomSummary summary = SummariseCustomOffsets();
+  if (summary.fault[0] != '\0') return std::string("nothing: ") + summary.fault;
+  const std::string entries = std::to_string(summary.offsets) + " offsets, " + std::to_string(summary.datarefs) +
+                              " datarefs, " + std::to_string(summary.commands) + " commands";
+  return summary.faultyLines == 0 ? entries
+                                  : entries + "; lines with faults: " + std::to_string(summary.faultyLines);
 }
 
 std::string JoinLines(std::span<const std::string_view> lines, size_t most) {

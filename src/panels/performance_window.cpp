@@ -16,8 +16,8 @@ constexpr int readSwitch = 0, writeSwitch = 1;
 bool IsTraced(int which) { return (which == writeSwitch ? writeTrace : readTrace).load() != 0; }
 
 std::string TurnTrace(int which, bool on) {
-  SwitchTrace(which == writeSwitch, on);
-  return "";
+  const std::string reason = SwitchTrace(which == writeSwitch, on);
+  return reason.empty() ? "" : "Not switched on: TAVRIX.log cannot be written (" + reason + ")";
 }
 
 std::string Buttons(int) {
@@ -27,9 +27,9 @@ std::string Buttons(int) {
 
 std::string Loaded(int) {
   const CustomSummary summary = SummariseCustomOffsets();
-  return std::to_string(summary.offsets) + " offsets, " + std::to_string(summary.datarefs) + " datarefs, " +
-         std::to_string(summary.commands) +
-         " commands; names not found: " + std::to_string(summary.unresolved.size());
+  const std::string entries = CustomEntriesText(0);
+  if (summary.fault[0] != '\0') return entries;
+  return entries + "; names not found: " + std::to_string(summary.unresolved.size());
 }
 
 std::string Clear(int) {
@@ -39,7 +39,13 @@ std::string Clear(int) {
 
 std::string Reload(int) {
   ReloadCustomOffsets();
-  return "Loaded; TAVRIX.txt tells of faults in the file";
+  const CustomSummary summary = SummariseCustomOffsets();
+  if (summary.fault[0] != '\0') return std::string("Not loaded: ") + summary.fault;
+  const size_t entries = summary.offsets + summary.datarefs + summary.commands;
+  const std::string text = "Loaded: " + std::to_string(entries) + " entries";
+  if (summary.faultyLines == 0) return text;
+  return text + ", lines with faults: " + std::to_string(summary.faultyLines) +
+         (MainLogIsOpen() ? "; TAVRIX.txt tells of them" : "");
 }
 
 std::string TuneValue(int) { return std::to_string(settings.tuneValue); }
@@ -51,7 +57,7 @@ std::string CheckTuneValue(int, const std::string& text) {
 }
 
 std::string AcceptTuneValue(int, const std::string& text) {
-  if (!WriteSetting("TAVRIX SETTINGS", "Tune value", text.c_str())) return notSaved;
+  if (!WriteSetting("TAVRIX SETTINGS", "Tune value", text.c_str())) return NotSaved();
   std::from_chars(text.data(), text.data() + text.size(), settings.tuneValue);
   return saved;
 }
@@ -68,7 +74,7 @@ constexpr Row rows[] = {
     {{{.kind = CellKind::Value, .width = 60, .text = RefreshesText}}},
     {{{.kind = CellKind::Value, .width = 60, .text = Buttons}}},
     {{{.kind = CellKind::Heading, .label = "The user's own offsets"}}},
-    {{{.kind = CellKind::Value, .label = "Loaded", .width = 60, .text = Loaded}}},
+    {{{.kind = CellKind::Value, .label = "Loaded", .width = 60, .lines = 2, .text = Loaded}}},
     {{{.kind = CellKind::Button, .label = "Clear TAVRIXOffsets.cfg", .press = Clear},
       {.kind = CellKind::Button, .label = "Reload TAVRIXOffsets.cfg", .press = Reload}}},
     {{{.kind = CellKind::Heading, .label = "Settings"}}},

@@ -39,7 +39,7 @@ std::string CheckSpeed(int which, const std::string& text) {
 }
 
 std::string AcceptSpeed(int which, const std::string& text) {
-  if (!WriteSetting("PUSHBACK SETTINGS", speeds[which].key, text.c_str())) return notSaved;
+  if (!WriteSetting("PUSHBACK SETTINGS", speeds[which].key, text.c_str())) return NotSaved();
   LoadPushbackSettings();
   return saved;
 }

@@ -1,4 +1,5 @@
 // "TAVRIX Version and Info": who we are, who serves whom, what is loaded.
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "custom/custom.h"
 #include "net/address.h"
 #include "net/net.h"
+#include "net/relay.h"
 #include "offsets/window_server.h"
 #include "panels/layout.h"
 #include "panels/live_texts.h"
@@ -24,16 +26,11 @@ constexpr int wide = 60;         // characters of a long line
 constexpr size_t mostNames = 4;  // lines of a list
 
 // As they were when the window was opened: asking the system takes long.
-std::string ownAddresses;
+std::vector<uint32_t> ownAddresses;
 
 bool threadsWait;
 
-void TakeAddresses() {
-  ownAddresses.clear();
-  for (const uint32_t ip : ListAddresses())
-    ownAddresses += (ownAddresses.empty() ? "" : ", ") + AddressText(ip);
-  if (ownAddresses.empty()) ownAddresses = "none";
-}
+void TakeAddresses() { ownAddresses = ListAddresses(); }
 
 std::string Plugin(int) { return std::string(pluginTitle) + " " + buildWord; }
 std::string Network(int) { return std::string(networkTitle) + " " + buildWord; }
@@ -41,7 +38,11 @@ std::string Simulator(int) { return simulatorVersionLabel + std::to_string(simul
 
 // --- Servers -------------------------------------------------------------------------------------------
 std::string ServerAddress(int) { return settings.serverAddress; }
-std::string OwnAddresses(int) { return ownAddresses; }
+std::string OwnAddresses(int) {
+  std::string text;
+  for (const uint32_t ip : ownAddresses) text += (text.empty() ? "" : ", ") + AddressText(ip);
+  return text.empty() ? "none" : text;
+}
 std::string ClientLine(int) { return std::string("offsetctl monitor --net ") + settings.serverAddress; }
 // The line is there to be copied: whatever is typed into it gives way.
 std::string KeepClientLine(int, const std::string&) { return ""; }
@@ -49,23 +50,38 @@ std::string KeepClientLine(int, const std::string&) { return ""; }
 std::string LocalServer(int) {
   if constexpr (!windowServerExists) return "on Windows only";
   if (settings.clientMode) return "off in client mode";
-  return WindowServerAnswers() ? "ready" : "not running: TAVRIX.txt tells why";
+  if (WindowServerAnswers()) return "ready";
+  return MainLogIsOpen() ? "not running: TAVRIX.txt tells why" : "not running";
 }
 
 std::string NetworkServer(int) {
-  if (settings.clientMode) return "client mode: receives from the other simulator";
-  if (networkStatusText[0] != '\0') return std::string("TAVFARNET") + networkStatusText;
+  if (settings.clientMode) {
+    if (relayReasonText[0] == '\0') return "client mode: receives from the other simulator";
+    return std::string("client mode, receives nothing: ") + relayReasonText;
+  }
+  if (networkStatusText[0] != '\0')
+    return std::string("TAVFARNET") + networkStatusText + "\n" + networkReasonText;
   if (!NetworkServerRuns()) return "not running";
   return "ready, Network clients: " + std::to_string(ConnectedClients());
 }
 
 std::string Announcement(int) { return AnnouncementRuns() ? "once a second" : "off"; }
 
+// An address at which it answers: of this computer's the one in the settings, else the first.
+uint32_t PageAddress() {
+  constexpr uint32_t loopback = 0x7F000001;
+  if (settings.statusPage == PageAccess::Local || ownAddresses.empty()) return loopback;
+  uint32_t ip = 0;
+  const bool isOwn = ParseAddress(settings.serverAddress, &ip) &&
+                     (ip == loopback || std::find(ownAddresses.begin(), ownAddresses.end(), ip) != ownAddresses.end());
+  return isOwn ? ip : ownAddresses.front();
+}
+
 std::string StatusPage(int) {
   if (StatusPageAnswers()) {
     const bool local = settings.statusPage == PageAccess::Local;
-    return std::string("http://") + (local ? "127.0.0.1" : settings.serverAddress) + ":" +
-           std::to_string(statusPort) + (local ? ", this computer only" : "");
+    return "http://" + AddressText(PageAddress()) + ":" + std::to_string(statusPort) +
+           (local ? ", this computer only" : "");
   }
   return settings.statusPage == PageAccess::Off ? "off in the settings" : "not running";
 }
@@ -102,12 +118,6 @@ std::string AddOns(int) {
   return list.empty() ? "none" : list;
 }
 
-std::string CustomEntries(int) {
-  const CustomSummary summary = SummariseCustomOffsets();
-  return std::to_string(summary.offsets) + " offsets, " + std::to_string(summary.datarefs) + " datarefs, " +
-         std::to_string(summary.commands) + " commands";
-}
-
 std::string UnresolvedNames(int) {
   const CustomSummary summary = SummariseCustomOffsets();
   return summary.unresolved.empty() ? "none" : JoinLines(summary.unresolved, mostNames);
@@ -130,7 +140,7 @@ constexpr Row rows[] = {
        .text = ClientLine,
        .accept = KeepClientLine}}},
     {{{.kind = CellKind::Value, .label = "Local window", .width = 36, .text = LocalServer}}},
-    {{{.kind = CellKind::Value, .label = "Network", .width = 46, .text = NetworkServer}}},
+    {{{.kind = CellKind::Value, .label = "Network", .width = 46, .lines = 3, .text = NetworkServer}}},
     {{{.kind = CellKind::Value, .label = "Announcement", .width = 36, .text = Announcement}}},
     {{{.kind = CellKind::Value, .label = "Status page", .width = 46, .text = StatusPage}}},
     {{{.kind = CellKind::Value, .label = "Clients", .width = 46, .lines = 8, .text = Clients}}},
@@ -140,7 +150,7 @@ constexpr Row rows[] = {
     {{{.kind = CellKind::Value, .width = wide, .text = RefreshesText}}},
     {{{.kind = CellKind::Heading, .label = "Loaded"}}},
     {{{.kind = CellKind::Value, .label = "Add-ons", .width = 54, .lines = 2, .text = AddOns}}},
-    {{{.kind = CellKind::Value, .label = "TAVRIXOffsets.cfg", .width = 54, .text = CustomEntries}}},
+    {{{.kind = CellKind::Value, .label = "TAVRIXOffsets.cfg", .width = 54, .lines = 2, .text = CustomEntriesText}}},
     {{{.kind = CellKind::Value,
        .label = "Names not found",
        .width = 54,

@@ -313,6 +313,11 @@ std::string DefaultText() {
 // Reasons that the log has told already: the file is looked at several times at enable, and a client may change
 // settings every frame. Forgotten as soon as the file can be read or written, and at every enable.
 char toldUnreadable[300], toldUnwritable[300];
+// The last one, for the windows.
+char fault[400];
+
+// The file as it was read or written last, all of it, buttons and comments included: what is in force.
+std::string lastText;
 
 // Whether the reason is a new one.
 bool IsNews(char (&told)[300], const std::string& reason) {
@@ -322,7 +327,12 @@ bool IsNews(char (&told)[300], const std::string& reason) {
   return true;
 }
 
+void SetFault(const char* what, const std::string& reason) {
+  std::snprintf(fault, sizeof fault, "TAVRIX.ini cannot be %s (%s)", what, reason.c_str());
+}
+
 int ReportUnreadable(const std::string& reason, const char* remedy) {
+  SetFault("read", reason);
   if (!IsNews(toldUnreadable, reason)) return -1;
   LogOwn("TAVRIX->Can't read the settings file %s (%s): %s; the defaults are used and the file is left alone\n",
          EscapedControls(settingsPath).c_str(), reason.c_str(), remedy);
@@ -331,6 +341,7 @@ int ReportUnreadable(const std::string& reason, const char* remedy) {
 
 bool ReportUnwritable(const char* path, const std::string& reason,
                       const char* remedy = "make the file and its folder writable for your user") {
+  SetFault("written", reason);
   if (!IsNews(toldUnwritable, reason)) return false;
   LogOwn(
       "TAVRIX->Can't write the settings file %s (%s): %s; changes of the settings are lost at the end of this "
@@ -361,7 +372,8 @@ int LoadText(std::string* text) {
   if (read.starts_with("\xFF\xFE") || read.starts_with("\xFE\xFF")) {
     return ReportUnreadable("it is stored as UTF-16", "save it as ANSI or UTF-8 text");
   }
-  toldUnreadable[0] = '\0';
+  toldUnreadable[0] = fault[0] = '\0';
+  lastText = read;
   *text = std::move(read);
   return 1;
 }
@@ -386,7 +398,8 @@ bool SaveText(const std::string& text) {
   if (written && !closed) reason = SystemErrorText();
   if (written && closed) {
     if (ReplaceFile(temporary.c_str(), settingsPath)) {
-      toldUnwritable[0] = '\0';
+      toldUnwritable[0] = fault[0] = '\0';
+      lastText = text;
       return true;
     }
     reason = SystemErrorText();
@@ -430,7 +443,7 @@ bool SaveChanges(std::span<const SettingChange> changes) {
   std::string text;
   const int loaded = LoadText(&text);
   if (loaded < 0) return false;
-  if (loaded == 0) text = DefaultText();
+  if (loaded == 0) text = lastText.empty() ? DefaultText() : lastText;
   const std::string changed = SetSettingsInText(text, changes);
   if ((loaded == 0 || changed != text) && !SaveText(changed)) return false;
   ForgetWaiting();
@@ -481,12 +494,14 @@ bool ReadAll() {
 
 bool CanBeWritten(const char* section, const char* key) {
   if (AreSettingNames(section, key)) return true;
+  std::snprintf(fault, sizeof fault, "no settings file can hold a key of that name");
   LogOwn("TAVRIX->The setting \"%s\" of section \"%s\" has no name that a settings file can hold\n",
          EscapedForLog(key).c_str(), EscapedForLog(section).c_str());
   return false;
 }
 
 bool ReportException(const char* what) {
+  std::snprintf(fault, sizeof fault, "the memory is used up");
   LogOwn("TAVRIX->Out of memory while %s the settings file %s\n", what, EscapedControls(settingsPath).c_str());
   return false;
 }
@@ -497,7 +512,11 @@ void SetSettingsPath(const char* path) {
   // A path cut short would name another file: none then.
   CopyText(settingsPath, sizeof settingsPath, std::strlen(path) < sizeof settingsPath ? path : "");
   ForgetWaiting();
+  lastText.clear();
+  fault[0] = '\0';
 }
+
+const char* SettingsFault() { return fault; }
 
 int ReadSettingsText(std::string* text) {
   try {

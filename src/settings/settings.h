@@ -56,6 +56,8 @@ extern Settings settings;
 
 // Tells where the file lies (full path, shorter than 1,000 characters). Called once at start.
 void SetSettingsPath(const char* path);
+// Why the settings file could not be read or written last, in words that follow a colon; "" after a success.
+const char* SettingsFault();
 // Looks a key up within its section and copies the value (cut to size - 1) into the buffer. Returns the
 // length of the value found; 0 for an empty value, -1 when the key, the section or the file is missing
 // (the buffer is then "").
@@ -65,7 +67,8 @@ int ReadSetting(const char* section, const char* key, char* buffer, size_t size)
 // line tells why); `text` is empty then.
 int ReadSettingsText(std::string* text);
 // Sets one key, making section and key when missing; all other lines stay as they are. Values are cut at
-// control characters and to 130 characters; a missing file is created with all defaults. Returns true, or
+// control characters and to 130 characters. A file that has vanished since it was read or written last is made
+// anew as it was then, one that has never been there with all defaults. Returns true, or
 // false (old file in place, a log line tells why). `settings` does not change.
 bool WriteSetting(const char* section, const char* key, const char* value);
 // The same for a key that a client changes, perhaps often: ReadSetting knows the value at once, the file gets

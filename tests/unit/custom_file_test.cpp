@@ -11,11 +11,9 @@ namespace {
 
 struct Parsed : CustomTables {
   explicit Parsed(const std::string& file) {
-    skipped = 0;
-    result = ParseCustomFile(file, this, [](uint32_t line, CustomLineFault) { skipped = line; });
+    result = ParseCustomFile(file, this);
   }
   int result;
-  static inline uint32_t skipped;  // last line left out
 };
 
 TEST(CustomFile, OffsetLines) {
@@ -111,9 +109,7 @@ TEST(CustomFile, Limits) {
     return text;
   };
   EXPECT_EQ(Parsed(numbers(251)).offsets.at(0).tokenCount, 251);
-  const Parsed many(good + numbers(252) + "\n" + good);
-  EXPECT_EQ(many.offsets.size(), 2u);
-  EXPECT_EQ(many.skipped, 2u);
+  EXPECT_EQ(Parsed(good + numbers(252) + "\n" + good).offsets.size(), 2u);
   EXPECT_EQ(Parsed("Dataref " + std::string(255, 'a') + " p int").datarefs.size(), 1u);
   EXPECT_EQ(Parsed("Dataref " + std::string(256, 'a') + " p int").datarefs.size(), 0u);
 }
@@ -140,12 +136,13 @@ TEST_F(CustomLoad, LogsWhatIsNotFound) {
   custom::Load("# nothing\n");
   EXPECT_EQ(custom::Log(), "");
   custom::Load(
-      "Dataref p sim/time/paused int\nDataref no no/such[2] int\n"
+      "Dataref p sim/time/paused int\nDataref no no/such[2] intarray\n"
       "Command 10 UINT8 0 1 no/command 1 2 sim/flight_controls/rudder_ctr\n"
       "Offset 1 UINT8 1 r $p\nOffset 2 UINT8 1 r " +
       std::string(256, '1') + "\n");
   EXPECT_EQ(Unstamped(custom::Log()),
-            "TAVRIX->TAVRIXOffsets.cfg line 5 is left out: one of its words has more than 255 characters\n"
+            "TAVRIX->TAVRIXOffsets.cfg line 5: the word has more than 255 characters, the line is left out: "
+            "shorten it\n"
             "Dataref no/such not found.\n"
             "Command no/command not found.\nCommand  not found.\nCommand  not found.\n"
             "TAVRIX->Commands without a name are the blanks between the groups of a Command line, which is "
@@ -176,6 +173,32 @@ TEST_F(CustomLoad, LogsWhatIsNotFound) {
   std::filesystem::remove_all(path);
 }
 
+// Each fault has a line up to a limit, notes have none, and what is loaded does not depend on them.
+TEST_F(CustomLoad, TellsFaultsOfLines) {
+  const std::string at = "TAVRIX->TAVRIXOffsets.cfg line ";
+  custom::Load("Offset 1 UINT8 0 w >a @\nOfset 2 UINT8 1 r 1\nOffset 3 UINT9 1 r 1\nDataref a sim/time/paused int\n");
+  EXPECT_EQ(Unstamped(custom::Log()),
+            at + "2: unknown word \"Ofset\", the line is ignored: lines begin with Offset, Dataref, Command or #\n" +
+                at + "3: unknown type \"UINT9\", the line has no effect: write UINT8, SINT8, UINT16, SINT16, "
+                     "UINT32, SINT32, UINT64, SINT64, FLOAT32 or FLOAT64\n");
+  CustomSummary summary = SummariseCustomOffsets();
+  EXPECT_EQ(summary.offsets, 2u) << "a line with a fault counts as it always did";
+  EXPECT_EQ(summary.faultyLines, 2u);
+  EXPECT_STREQ(summary.fault, "");
+  std::string text;
+  for (int line = 1; line <= 2000; ++line) text += "x y\n";
+  custom::Load(text);
+  EXPECT_EQ(tools::CountText(custom::Log(), at), 20);
+  EXPECT_NE(custom::Log().find("has 1980 faults more: run offsetctl check"), std::string::npos);
+  EXPECT_EQ(SummariseCustomOffsets().faultyLines, 2000u);
+  custom::Load(text + std::string(1u << 20, '\n'));
+  EXPECT_NE(custom::Log().find("larger than 1 MB"), std::string::npos);
+  ClearCustomOffsets();
+  std::filesystem::remove(custom::Folder() + "TAVRIXOffsets.cfg");
+  LoadCustomOffsets();
+  EXPECT_STREQ(SummariseCustomOffsets().fault, "there is no file TAVRIXOffsets.cfg");
+}
+
 TEST_F(CustomLoad, LinesWithoutANameAreExplained) {
   std::string text = "Dataref x\nDataref e sim/\x1B\\a int\n";
   // Runs of blanks that nothing interrupts share a line, which names no more offsets than can be read.
@@ -191,6 +214,7 @@ TEST_F(CustomLoad, LinesWithoutANameAreExplained) {
       "here "
       "of offset ";
   std::string expected =
+      "TAVRIX->TAVRIXOffsets.cfg line 1: a Dataref line has four words: Dataref ALIAS PATH KIND, 2 found\n"
       "Dataref sim/\\x1B\\a not found.\nDataref  not found.\n"
       "TAVRIX->The Dataref line of the alias \"x\" in TAVRIXOffsets.cfg names no dataref\n";
   for (int i = 0; i < 20; ++i) expected += blank;

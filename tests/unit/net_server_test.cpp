@@ -240,6 +240,8 @@ TEST_F(NetServerThreads, AStartThatFailsNamesWhatWasTriedAndWhatToChange) {
     EXPECT_TRUE(LogHas(test.line)) << Log();
     EXPECT_TRUE(LogHas(test.advice)) << Log();
     EXPECT_STREQ(networkStatusText, " FAILED ! Wrong IP address");
+    EXPECT_NE(std::string(networkReasonText).find(test.taken ? "TCP port 65000 is taken" : test.address),
+              std::string::npos);
     EXPECT_NE(std::string(networkAlertText).find(test.taken ? "port 65000" : test.address), std::string::npos);
     CloseSocket(&other);
   }

@@ -222,6 +222,41 @@ TEST_F(ButtonPanel, AssignsWhatIsPressedThread) {
   EXPECT_EQ(Draft(), "66F0 2 4661 0");
 }
 
+// What the user has changed is never given up by a press of another button, and a line that is refused says why.
+TEST_F(ButtonPanel, DraftsAreNotLostThread) {
+  tools::WriteFile(folder + "TAVRIX.ini", "[JOYSTICK BUTTON SETTINGS]\n9 = 66F4,3,3,-1,0,0,0,0,0,0,1,0\n");
+  Stop(), Begin();
+  Open(buttonMenuItem);
+  Follow();
+  const auto press = [](int button) { Stick(button, 1), Stick(button, 0), Follow(); };
+  const auto told = [] { return panels::Shows("Button 9 was pressed, but button 5 has changes:"); };
+  Do({offsetLabel, "66F0", "Not saved yet"});
+  press(5);
+  EXPECT_EQ(Shows(pressedIs) + ": " + Draft(), "5: 66F0   ") << "begun before a button was chosen";
+  press(9);
+  EXPECT_EQ(Shows(pressedIs) + ": " + Draft(), "5: 66F0   ");
+  EXPECT_TRUE(told()) << SimCommand("widgets");
+  EXPECT_EQ(FaultsOf(1024, 768), "");
+  press(5);
+  EXPECT_FALSE(told()) << "pressed once more";
+  press(9);
+  Do({pressedIs, "9", "The changes of button 5 are given up"});
+  EXPECT_EQ(Shows(pressedIs) + ": " + Draft(), "9:    ");
+  EXPECT_EQ(Shows("At present"), "its line in TAVRIX.ini is not used: the size must be 1, 2 or 4");
+  press(5);
+  EXPECT_EQ(Shows(pressedIs), "5") << "nothing was changed";
+  SimCommand("type \"" + std::string(offsetLabel) + "\" \"zzz\"");  // refused: it stays
+  press(9);
+  EXPECT_EQ(Shows(pressedIs) + ": " + Shows(offsetLabel), "5: zzz");
+  EXPECT_TRUE(told());
+  Key(XPLM_KEY_ESCAPE);
+  Key(XPLM_KEY_RETURN);
+  Do({"Set Bit When Pressed", nullptr, "Not saved yet"});
+  Do({"Set Bit When Pressed", nullptr, ""});
+  press(9);
+  EXPECT_EQ(Shows(pressedIs), "9");
+}
+
 TEST_F(ButtonPanel, Presets) {
   struct Preset {
     const char *label, *line;
@@ -289,7 +324,10 @@ TEST_F(ButtonPanel, SayWhenTheyWaitThread) {
   Open(buttonMenuItem);
   EXPECT_TRUE(panels::Shows("In client mode buttons write nothing."));
   Do({pressedIs, "3", ""});
+  EXPECT_TRUE(panels::Shows("Pressing one selects none here: enter its number."));
   EXPECT_EQ(Draft(), "66F0 2 567 ");
+  DoAll(buttonWindowTitle, {{"TO/GA", nullptr, ""},
+                            {"SAVE", nullptr, "Saved button 3, in force when client mode is off"}});
   Open(pushbackWindowTitle);
   EXPECT_EQ(Shown(pushbackWindowTitle, "MaxSpeed"), "-1.25");
   EXPECT_EQ(Shown(pushbackWindowTitle, "State"), "off: in client mode the other simulator tows");

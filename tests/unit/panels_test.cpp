@@ -6,6 +6,7 @@
 
 #include "XPLMDisplay.h"
 #include "base/log.h"
+#include "net/relay.h"
 #include "net_harness.h"
 #include "panels/layout.h"
 #include "panels/layout_window.h"
@@ -170,6 +171,97 @@ TEST_F(Panels, Keys) {
   EXPECT_EQ(shown("Tail number"), "D-ABIB");
 }
 
+// Puts a text into a field without Enter; the keyboard stays there.
+void TypeOnly(const char* title, const char* label, const char* text) {
+  Talk("type \"" + std::string(title) + "\" \"" + label + "\" \" refused\"");
+  ASSERT_NE(sim::keyboardFocus, nullptr);
+  Key(XPLM_KEY_ESCAPE);  // all of the old text is selected then
+  TypeText(text);
+}
+
+// What is typed and not entered counts when the keyboard leaves the field: by a click into another window, on a
+// button there or on the close box.
+TEST_F(Panels, LeavingAField) {
+  Open(performanceWindowTitle);
+  struct Case {
+    const char *text, *leave;
+  };
+  for (const Case& c : {Case{"A1", "window"}, {"A2", "press \"Log reads\""}, {"A3", "close \"ATC Menu\""}}) {
+    Open(atcWindowTitle);
+    TypeOnly(atcWindowTitle, "Airline", c.text);
+    if (std::string(c.leave) == "window") {
+      sim::Widget* window = const_cast<sim::Widget*>(Find(performanceWindowTitle));
+      sim::Click(window, window->box.left + 40, window->box.bottom + 2);
+    } else {
+      Talk(c.leave);
+    }
+    EXPECT_STREQ(settings.atcAirlineName, c.text) << c.leave;
+    EXPECT_EQ(sim::keyboardFocus, nullptr) << c.leave;
+  }
+}
+
+// A disable gives up what was typed, and open windows tell no more than that; an enable brings everything back.
+TEST_F(Panels, Disabled) {
+  for (const char* item : {versionWindowTitle, performanceWindowTitle, atcWindowTitle}) Open(item);
+  EXPECT_EQ(Shown(versionWindowTitle, "Network"), "TAVFARNET FAILED ! Wrong IP address");
+  EXPECT_TRUE(SimCommand("widgets").find("\"this computer has no address 192.168.0.1") != std::string::npos);
+  const auto page = [] { return Follow(), Shown(versionWindowTitle, "Status page"); };
+  EXPECT_TRUE(tools::WaitUntil([&] { return page().starts_with("http://"); }));
+  EXPECT_NE(page(), "http://192.168.0.1:4321") << "which this computer does not have";
+  TypeOnly(atcWindowTitle, "Airline", "LOST");
+  Talk("disable");
+  EXPECT_EQ(sim::keyboardFocus, nullptr);
+  const std::string atc = std::string(atcWindowTitle) + " (disabled)";
+  EXPECT_EQ(Shown(atc.c_str(), "Airline"), "Lufthansa");
+  EXPECT_EQ(Shown(atc.c_str(), "Connection"), "disabled");
+  EXPECT_EQ(Message(atc.c_str()), "TAVRIX is disabled: nothing can be changed");
+  EXPECT_EQ(Shown((std::string(versionWindowTitle) + " (disabled)").c_str(), "Network"), "disabled");
+  EXPECT_EQ(SimCommand("type \"Airline\" \"x\"").substr(0, 5), "error");
+  EXPECT_EQ(SimCommand("press \"Log reads\"").substr(0, 5), "error");
+  EXPECT_EQ(FaultsOf(1024, 768), "");
+  Talk("enable");
+  EXPECT_EQ(Shown(atcWindowTitle, "Connection"), "not loaded");
+  EXPECT_EQ(Message(atcWindowTitle), "");
+  EXPECT_EQ(SimCommand("press \"Send\""), "error: button or box \"Send\" is disabled") << "as before";
+  Talk("type \"Airline\" \"NEW\"");
+  EXPECT_STREQ(settings.atcAirlineName, "NEW");
+}
+
+// Files that cannot be written or read are told in the window, with the reason.
+TEST_F(Panels, FilesThatRefuse) {
+  Open(performanceWindowTitle);
+  const auto message = [] { return Message(performanceWindowTitle); };
+  const std::string cfg = folder + "TAVRIXOffsets.cfg", ini = folder + "TAVRIX.ini";
+  const auto reload = [&] { return Talk("press \"Reload TAVRIXOffsets.cfg\""), message(); };
+  EXPECT_EQ(reload(), "Not loaded: there is no file TAVRIXOffsets.cfg");
+  EXPECT_EQ(Shown(performanceWindowTitle, "Loaded"), "nothing: there is no file TAVRIXOffsets.cfg");
+  std::filesystem::create_directory(cfg);
+  EXPECT_TRUE(reload().starts_with("Not loaded: TAVRIXOffsets.cfg cannot be read: it is a folder")) << message();
+  std::filesystem::remove(cfg);
+  tools::WriteFile(cfg, "Offset 66C0 UINT8 1 r 5\nOffset 66C1 UINT9 1 r 5\n");
+  EXPECT_EQ(reload(), "Loaded: 2 entries, lines with faults: 1; TAVRIX.txt tells of them");
+  // Removed while it is in force: made anew as it was, what stands in it beside our keys included.
+  tools::WriteFile(ini, "; mine\n" + File("TAVRIX.ini") + "[JOYSTICK BUTTON SETTINGS]\n7 = 66F4,4,3,-1,0,0,0,0,0,0,1,0\n");
+  Talk("type \"Tune value\" \"3\"");
+  std::string before = File("TAVRIX.ini");
+  std::filesystem::remove(ini);
+  Talk("type \"Tune value\" \"4\"");
+  EXPECT_EQ(message(), "Saved");
+  before.replace(before.find("value = 3"), 9, "value = 4");
+  EXPECT_EQ(File("TAVRIX.ini"), before);
+  std::filesystem::remove(ini);
+  std::filesystem::create_directory(ini);
+  Talk("type \"Tune value\" \"5\"");
+  EXPECT_EQ(message().substr(0, 32), "Not saved: TAVRIX.ini cannot be ") << message();
+  EXPECT_EQ(settings.tuneValue, 4);
+  std::filesystem::remove(folder + "TAVRIX.log");
+  std::filesystem::create_directory(folder + "TAVRIX.log");
+  Talk("press \"Log reads\"");
+  EXPECT_TRUE(message().starts_with("Not switched on: TAVRIX.log cannot be written (it is a folder")) << message();
+  EXPECT_EQ(readTrace, 0u);
+  EXPECT_EQ(tools::CountText(SimCommand("widgets"), "\" on;"), 0);
+}
+
 TEST_F(Panels, XSquawkBox) {
   Open(atcWindowTitle);
   const auto shown = [](const char* label) { return Shown(atcWindowTitle, label); };
@@ -244,12 +336,19 @@ TEST_F(Panels, VersionAndServers) {
   EXPECT_TRUE(Shows("The servers start once a load: reload the plug-in to start")) << SimCommand("widgets");
 }
 
-// A smaller screen, and a window dragged by its title.
+// A smaller screen, one that changes while a window is closed, and a window dragged by its title.
 TEST_F(Panels, Places) {
   for (const char* item : items) Open(item);
-  Talk("screen 640 480");
+  Talk("screen 800 600");
   sim::SimFrames(1);
-  EXPECT_EQ(FaultsOf(640, 480), "");
+  EXPECT_EQ(FaultsOf(800, 600), "");
+  const int below = 600 - Find(atcWindowTitle)->box.top;
+  Talk("close \"ATC Menu\"");
+  sim::SimFrames(1);
+  Talk("screen 1024 2000");
+  sim::SimFrames(1);
+  Open(atcWindowTitle);
+  EXPECT_EQ(2000 - Find(atcWindowTitle)->box.top, below) << "from the upper edge";
   const sim::Widget* window = Find(performanceWindowTitle);
   const sim::Rect before = window->box, inside = window->children[0]->box;
   XPSetWidgetGeometry(const_cast<sim::Widget*>(window), before.left - 5, before.top - 9, before.right - 5,
@@ -287,6 +386,15 @@ TEST_F(Panels, ClientMode) {
   Begin();
   Open(versionWindowTitle);
   EXPECT_EQ(Shown(versionWindowTitle, "Network"), "client mode: receives from the other simulator");
+  Stop();
+  {
+    Socket other;
+    ASSERT_TRUE(OpenSocket(&other, Transport::Datagram) && BindSocket(&other, {0x7F000001, relayPort}));
+    Begin();
+    Open(versionWindowTitle);
+    EXPECT_EQ(Shown(versionWindowTitle, "Network"), "client mode, receives nothing: UDP port 54945");
+    CloseSocket(&other);
+  }
   requestCounters.requests = 5;
   Follow();
   EXPECT_TRUE(Shows("Requests: 5, bytes read: 0, written: 0"));

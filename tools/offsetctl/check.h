@@ -5,15 +5,12 @@
 #include <string_view>
 #include <vector>
 
+#include "custom/custom_check.h"
 #include "names.h"
 
 namespace ctl {
 
-struct Finding {
-  uint32_t line, column;  // from 1
-  bool note;              // worth knowing, but the line works
-  std::string text;       // what is wrong and what would be right
-};
+using Finding = CustomFinding;
 
 // Examines the text of an offsets file, in the order of its lines. `log` is the text of the plug-in's log
 // TAVRIX.txt ("" for none): datarefs and commands that the last load did not find are pointed at, too. `names`
