@@ -79,8 +79,8 @@ void TraceRecord(bool isWrite, uint32_t request, uint32_t offset, uint32_t size,
                  char mark = ' ');
 // Switches read or write tracing; when both were off the trace log is reopened for appending, so that a user
 // may have moved or deleted the file.
-// Writes "Start Readlogging %f sec\n" and its kin. Takes the trace lock. Simulator's thread. Returns "", or why the
-// trace log cannot be written: nothing is switched on then.
+// Writes "Start Readlogging %f sec\n" and its kin. Takes the trace lock. Simulator's thread. Returns "", or why
+// the trace log cannot be written: nothing is switched on then.
 std::string SwitchTrace(bool isWrite, bool on);
 // Whether the main log is open, so that somebody may be sent there. Any thread.
 bool MainLogIsOpen();

@@ -46,8 +46,8 @@ bool SaveButtonAssignment(int button, const ButtonAssignment& assignment);
 bool ClearButtonAssignment(int button);
 // What is in force for a button; noAssignment for a number that is none.
 ButtonAssignment AssignmentOfButton(int button);
-// Why the button's line in the settings file is not used, in words that follow a colon; null when it is, or there
-// is none.
+// Why the button's line in the settings file is not used, in words that follow a colon; null when it is, or
+// there is none.
 const char* RefusalOfButton(int button);
 // Whether anybody wants to know the buttons in this frame: one is assigned, or the last pressed one has been
 // asked for lately. Every frame; while it says no the simulator need not be asked for them.

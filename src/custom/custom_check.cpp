@@ -46,7 +46,8 @@ void Add(Check* check, const CustomToken& at, bool note, std::string text) {
     check->faultyLines.insert(at.line);
   }
   if (check->report.findings.size() >= check->mostKept) return;
-  check->report.findings.push_back({.line = at.line, .column = at.column, .note = note, .text = std::move(text)});
+  check->report.findings.push_back(
+      {.line = at.line, .column = at.column, .note = note, .text = std::move(text)});
 }
 
 void Tell(Check* check, const CustomToken& at, std::string text) { Add(check, at, false, std::move(text)); }
@@ -431,7 +432,8 @@ CustomReport CheckCustomFile(std::string_view text, const CustomCheckNeeds& need
   check.owners.resize(ownerCount);
   check.missing.insert(needs.missing.begin(), needs.missing.end());
   if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
-    Tell(&check, {{}, 1, 1}, "the file is stored as UTF-16 and nothing of it is understood: save it as ANSI or UTF-8");
+    Tell(&check, {{}, 1, 1},
+         "the file is stored as UTF-16 and nothing of it is understood: save it as ANSI or UTF-8");
     check.report.faultyLines = 1;
     return check.report;
   }
@@ -447,11 +449,10 @@ CustomReport CheckCustomFile(std::string_view text, const CustomCheckNeeds& need
   } else {
     TellUnused(&check, text);
   }
-  std::stable_sort(
-      check.report.findings.begin(), check.report.findings.end(),
-      [](const CustomFinding& a, const CustomFinding& b) {
-        return a.line != b.line ? a.line < b.line : a.column < b.column;
-      });
+  std::stable_sort(check.report.findings.begin(), check.report.findings.end(),
+                   [](const CustomFinding& a, const CustomFinding& b) {
+                     return a.line != b.line ? a.line < b.line : a.column < b.column;
+                   });
   check.report.faultyLines = check.faultyLines.size();
   return std::move(check.report);
 }

@@ -64,8 +64,8 @@ size_t ParseCustomInteger(std::string_view text, int32_t* value);
 size_t ParseCustomNumber(std::string_view text, double* value);
 
 // Reads a whole file into the tables, sorts them and compiles the expressions; handles stay null and the
-// refresh groups empty. Lines with a fault (CustomLineFault) are left out. Returns true, or false when a line is too long: the tables are empty then, and `tooLong` (may be null)
-// is its number.
+// refresh groups empty. Lines with a fault (CustomLineFault) are left out. Returns true, or false when a line
+// is too long: the tables are empty then, and `tooLong` (may be null) is its number.
 bool ParseCustomFile(std::string_view text, CustomTables* tables, uint32_t* tooLong = nullptr);
 // The entry of that alias, or null.
 const CustomDatarefEntry* FindCustomAlias(const std::vector<CustomDatarefEntry>& datarefs,

@@ -249,7 +249,7 @@ CustomSummary SummariseCustomOffsets() {
   const CustomTables* tables = loadedTables;
   if (tables == nullptr) return {0, 0, 0, {}, 0, customLoadFault.c_str()};
   return {tables->offsets.size(), tables->datarefs.size(), tables->commands.size(),
-          tables->unresolved,     customFaultyLines,        customLoadFault.c_str()};
+          tables->unresolved,     customFaultyLines,       customLoadFault.c_str()};
 }
 
 double ReadDatarefValue(const CustomDatarefEntry& dataref) {

@@ -32,7 +32,7 @@ uint32_t customEndCount;
 
 namespace {
 
-constexpr size_t largestFile = 64u << 20;   // bytes; what is larger is no file of ours
+constexpr size_t largestFile = 64u << 20;    // bytes; what is larger is no file of ours
 constexpr size_t largestChecked = 1u << 20;  // bytes; in a larger one the faults are not looked for
 constexpr size_t mostFindings = 1000;        // that are kept to be told, notes included
 constexpr size_t mostFaultLines = 20;        // of the log
@@ -108,7 +108,8 @@ bool ReadWholeFile(const std::string& path, std::string* text) {
 void TellFaults(std::string_view text) {
   if (text.size() > largestChecked) {
     LogOwn(
-        "TAVRIX->TAVRIXOffsets.cfg is larger than 1 MB and its lines are not examined here: run offsetctl check "
+        "TAVRIX->TAVRIXOffsets.cfg is larger than 1 MB and its lines are not examined here: run offsetctl "
+        "check "
         "TAVRIXOffsets.cfg\n");
     return;
   }

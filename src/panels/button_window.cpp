@@ -27,8 +27,8 @@ void Choose(int button) {
 }
 
 // --- The button ------------------------------------------------------------------------------------------
-// Asked before all other texts at every refresh, so it is the one that notices a press. Nothing that the user has
-// changed is given up by a press.
+// Asked before all other texts at every refresh, so it is the one that notices a press. Nothing that the user
+// has changed is given up by a press.
 std::string Prompt(int) {
   const ButtonPress press = LastButtonPress();
   const bool isNew = press.count != seenPresses && press.button >= 0;

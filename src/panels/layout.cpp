@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "XPLMUtilities.h"
 #include "XPStandardWidgets.h"
 #include "base/log.h"
 #include "panels/layout_window.h"
@@ -18,7 +19,7 @@ namespace {
 constexpr int64_t refreshPeriod = 250'000'000;  // ns
 constexpr int messageCharacters = 48;           // a line; longer reasons take a second one
 
-constexpr char disabledText[] = "disabled";     // in the place of values
+constexpr char disabledText[] = "disabled";  // in the place of values
 constexpr char disabledMessage[] = "TAVRIX is disabled: nothing can be changed";
 
 int openWindows;  // so that a frame without any asks nothing
@@ -276,7 +277,11 @@ void DisableWindows() {
   }
 }
 
-std::string NotSaved() { return std::string("Not saved: ") + SettingsFault(); }
+std::string NotSaved() {
+  const std::string message = std::string("Not saved: ") + SettingsFault();
+  if (!MainLogIsOpen()) XPLMDebugString(("TAVRIX->" + EscapedControls(message) + "\n").c_str());
+  return message;
+}
 
 void OpenWindow(const WindowPlan& plan) {
   if (!windowsEnabled) return;

@@ -9,10 +9,10 @@
 //
 // A field's text is checked at every key; the reason why it is refused stands in the window's last line. Enter
 // accepts the text and presses the default button if there is one, else the keyboard goes back to the
-// simulator. Tab and Shift-Tab accept it and go on to the next field. A click elsewhere in any of our windows, or
-// on the close box, accepts it, too, or gives the old text back when it is refused; a button accepts first and
-// does not act on a refused text, but for an exit, which accepts nothing. Escape gives the old text back, and a
-// second one closes the window.
+// simulator. Tab and Shift-Tab accept it and go on to the next field. A click elsewhere in any of our windows,
+// or on the close box, accepts it, too, or gives the old text back when it is refused; a button accepts first
+// and does not act on a refused text, but for an exit, which accepts nothing. Escape gives the old text back,
+// and a second one closes the window.
 //
 // A close box hides the window: it is made once, and lasts until DestroyWindows. Windows cascade from the
 // screen's upper left corner, never leave the screen, and keep their distance from that corner when its size
@@ -95,5 +95,6 @@ void DestroyWindows();
 
 // What the last line says of a setting that the user has changed.
 constexpr char saved[] = "Saved";
-// With the reason that the settings file has given last.
+// With the reason that the settings file has given last; without a main log the simulator's own gets a line,
+// too.
 std::string NotSaved();

@@ -59,15 +59,16 @@ void PlaceCells(Window* window);
 // A place for a window that is about to be shown: its own if no other open window begins there, else the next
 // one of the cascade.
 void Cascade(Window* window);
-// Keeps the window's distance from the upper left corner when the screen has another size than it was placed on.
+// Keeps the window's distance from the upper left corner when the screen has another size than it was placed
+// on.
 void FollowScreen(Window* window, ScreenSize now);
 
 // --- layout_input.cpp: what the user does ------------------------------------------------------------
 // Callbacks of a window and of its fields.
 int HandleWindow(XPWidgetMessage message, XPWidgetID widget, intptr_t param1, intptr_t param2);
 int HandleField(XPWidgetMessage message, XPWidgetID widget, intptr_t param1, intptr_t param2);
-// Gives the keyboard back when a field of the window has it, or one of any window (null), which accepts its text
-// while windows are enabled.
+// Gives the keyboard back when a field of the window has it, or one of any window (null), which accepts its
+// text while windows are enabled.
 void GiveKeyboardBack(const Window* window);
 
 // --- layout.cpp ---------------------------------------------------------------------------------------

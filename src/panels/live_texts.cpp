@@ -23,8 +23,9 @@ std::string RefreshesText(int) {
 std::string CustomEntriesText(int) {
   const CustomSummary summary = SummariseCustomOffsets();
   if (summary.fault[0] != '\0') return std::string("nothing: ") + summary.fault;
-  const std::string entries = std::to_string(summary.offsets) + " offsets, " + std::to_string(summary.datarefs) +
-                              " datarefs, " + std::to_string(summary.commands) + " commands";
+  const std::string entries = std::to_string(summary.offsets) + " offsets, " +
+                              std::to_string(summary.datarefs) + " datarefs, " +
+                              std::to_string(summary.commands) + " commands";
   return summary.faultyLines == 0 ? entries
                                   : entries + "; lines with faults: " + std::to_string(summary.faultyLines);
 }

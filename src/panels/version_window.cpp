@@ -72,8 +72,9 @@ uint32_t PageAddress() {
   constexpr uint32_t loopback = 0x7F000001;
   if (settings.statusPage == PageAccess::Local || ownAddresses.empty()) return loopback;
   uint32_t ip = 0;
-  const bool isOwn = ParseAddress(settings.serverAddress, &ip) &&
-                     (ip == loopback || std::find(ownAddresses.begin(), ownAddresses.end(), ip) != ownAddresses.end());
+  const bool isOwn =
+      ParseAddress(settings.serverAddress, &ip) &&
+      (ip == loopback || std::find(ownAddresses.begin(), ownAddresses.end(), ip) != ownAddresses.end());
   return isOwn ? ip : ownAddresses.front();
 }
 
@@ -150,7 +151,11 @@ constexpr Row rows[] = {
     {{{.kind = CellKind::Value, .width = wide, .text = RefreshesText}}},
     {{{.kind = CellKind::Heading, .label = "Loaded"}}},
     {{{.kind = CellKind::Value, .label = "Add-ons", .width = 54, .lines = 2, .text = AddOns}}},
-    {{{.kind = CellKind::Value, .label = "TAVRIXOffsets.cfg", .width = 54, .lines = 2, .text = CustomEntriesText}}},
+    {{{.kind = CellKind::Value,
+       .label = "TAVRIXOffsets.cfg",
+       .width = 54,
+       .lines = 2,
+       .text = CustomEntriesText}}},
     {{{.kind = CellKind::Value,
        .label = "Names not found",
        .width = 54,

@@ -53,6 +53,34 @@ def test_what_is_set_stays(start, build, tmp_path):
     standin.quit()
 
 
+def test_files_that_refuse(start, build, tmp_path):
+    """Without logs and settings file: the windows say why, and the simulator's own log does."""
+    root = place(tmp_path)
+    folder = root / "Resources" / "plugins" / "TAVRIX"
+    (folder / "TAVRIX.ini").unlink()
+    for name in ("TAVRIX.ini", "TAVRIX.txt", "TAVRIXOffsets.cfg"):
+        (folder / name).mkdir()
+    standin = start(build, "--rate", "0", "--flight", "none", root=root)
+    standin.ask("frames 70")
+    standin.ask('close "TAVRIX Alert"')
+    standin.ask('menu "Performance settings"')
+
+    def message():
+        return " ".join(re.findall(r'caption "([^"]*)"', standin.ask("widgets"))[-2:])
+
+    standin.ask('type "Performance settings" "Tune value" "12"')
+    assert "Not saved: TAVRIX.ini cannot be read (it is a folder" in message()
+    standin.ask('press "Log writes"')
+    assert "Not switched on: TAVRIX.log cannot be written (it could" in message()
+    standin.ask('press "Reload TAVRIXOffsets.cfg"')
+    assert "Not loaded: TAVRIXOffsets.cfg cannot be read: it is a folder" in message()
+    assert '" on' not in standin.ask("widgets")
+    standin.quit()
+    errors = "\n".join(standin.errors)
+    assert "TAVRIX->Can't write the log file" in errors
+    assert "TAVRIX->Not saved: TAVRIX.ini cannot be read (it is a folder" in errors
+
+
 def test_rounds_leave_nothing(start, build, tmp_path):
     """The stand-in ends with a breach when a widget is left, or a call comes from another thread."""
     standin = start(build, "--rate", "0", "--flight", "none", root=place(tmp_path))

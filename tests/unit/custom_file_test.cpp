@@ -10,9 +10,7 @@
 namespace {
 
 struct Parsed : CustomTables {
-  explicit Parsed(const std::string& file) {
-    result = ParseCustomFile(file, this);
-  }
+  explicit Parsed(const std::string& file) { result = ParseCustomFile(file, this); }
   int result;
 };
 
@@ -176,11 +174,14 @@ TEST_F(CustomLoad, LogsWhatIsNotFound) {
 // Each fault has a line up to a limit, notes have none, and what is loaded does not depend on them.
 TEST_F(CustomLoad, TellsFaultsOfLines) {
   const std::string at = "TAVRIX->TAVRIXOffsets.cfg line ";
-  custom::Load("Offset 1 UINT8 0 w >a @\nOfset 2 UINT8 1 r 1\nOffset 3 UINT9 1 r 1\nDataref a sim/time/paused int\n");
-  EXPECT_EQ(Unstamped(custom::Log()),
-            at + "2: unknown word \"Ofset\", the line is ignored: lines begin with Offset, Dataref, Command or #\n" +
-                at + "3: unknown type \"UINT9\", the line has no effect: write UINT8, SINT8, UINT16, SINT16, "
-                     "UINT32, SINT32, UINT64, SINT64, FLOAT32 or FLOAT64\n");
+  custom::Load(
+      "Offset 1 UINT8 0 w >a @\nOfset 2 UINT8 1 r 1\nOffset 3 UINT9 1 r 1\nDataref a sim/time/paused int\n");
+  EXPECT_EQ(
+      Unstamped(custom::Log()),
+      at + "2: unknown word \"Ofset\", the line is ignored: lines begin with Offset, Dataref, Command or #\n" +
+          at +
+          "3: unknown type \"UINT9\", the line has no effect: write UINT8, SINT8, UINT16, SINT16, "
+          "UINT32, SINT32, UINT64, SINT64, FLOAT32 or FLOAT64\n");
   CustomSummary summary = SummariseCustomOffsets();
   EXPECT_EQ(summary.offsets, 2u) << "a line with a fault counts as it always did";
   EXPECT_EQ(summary.faultyLines, 2u);

@@ -222,7 +222,8 @@ TEST_F(ButtonPanel, AssignsWhatIsPressedThread) {
   EXPECT_EQ(Draft(), "66F0 2 4661 0");
 }
 
-// What the user has changed is never given up by a press of another button, and a line that is refused says why.
+// What the user has changed is never given up by a press of another button, and a line that is refused says
+// why.
 TEST_F(ButtonPanel, DraftsAreNotLostThread) {
   tools::WriteFile(folder + "TAVRIX.ini", "[JOYSTICK BUTTON SETTINGS]\n9 = 66F4,3,3,-1,0,0,0,0,0,0,1,0\n");
   Stop(), Begin();
@@ -326,8 +327,8 @@ TEST_F(ButtonPanel, SayWhenTheyWaitThread) {
   Do({pressedIs, "3", ""});
   EXPECT_TRUE(panels::Shows("Pressing one selects none here: enter its number."));
   EXPECT_EQ(Draft(), "66F0 2 567 ");
-  DoAll(buttonWindowTitle, {{"TO/GA", nullptr, ""},
-                            {"SAVE", nullptr, "Saved button 3, in force when client mode is off"}});
+  DoAll(buttonWindowTitle,
+        {{"TO/GA", nullptr, ""}, {"SAVE", nullptr, "Saved button 3, in force when client mode is off"}});
   Open(pushbackWindowTitle);
   EXPECT_EQ(Shown(pushbackWindowTitle, "MaxSpeed"), "-1.25");
   EXPECT_EQ(Shown(pushbackWindowTitle, "State"), "off: in client mode the other simulator tows");

@@ -236,12 +236,14 @@ TEST_F(Panels, FilesThatRefuse) {
   EXPECT_EQ(reload(), "Not loaded: there is no file TAVRIXOffsets.cfg");
   EXPECT_EQ(Shown(performanceWindowTitle, "Loaded"), "nothing: there is no file TAVRIXOffsets.cfg");
   std::filesystem::create_directory(cfg);
-  EXPECT_TRUE(reload().starts_with("Not loaded: TAVRIXOffsets.cfg cannot be read: it is a folder")) << message();
+  EXPECT_TRUE(reload().starts_with("Not loaded: TAVRIXOffsets.cfg cannot be read: it is a folder"))
+      << message();
   std::filesystem::remove(cfg);
   tools::WriteFile(cfg, "Offset 66C0 UINT8 1 r 5\nOffset 66C1 UINT9 1 r 5\n");
   EXPECT_EQ(reload(), "Loaded: 2 entries, lines with faults: 1; TAVRIX.txt tells of them");
   // Removed while it is in force: made anew as it was, what stands in it beside our keys included.
-  tools::WriteFile(ini, "; mine\n" + File("TAVRIX.ini") + "[JOYSTICK BUTTON SETTINGS]\n7 = 66F4,4,3,-1,0,0,0,0,0,0,1,0\n");
+  tools::WriteFile(
+      ini, "; mine\n" + File("TAVRIX.ini") + "[JOYSTICK BUTTON SETTINGS]\n7 = 66F4,4,3,-1,0,0,0,0,0,0,1,0\n");
   Talk("type \"Tune value\" \"3\"");
   std::string before = File("TAVRIX.ini");
   std::filesystem::remove(ini);
@@ -257,7 +259,8 @@ TEST_F(Panels, FilesThatRefuse) {
   std::filesystem::remove(folder + "TAVRIX.log");
   std::filesystem::create_directory(folder + "TAVRIX.log");
   Talk("press \"Log reads\"");
-  EXPECT_TRUE(message().starts_with("Not switched on: TAVRIX.log cannot be written (it is a folder")) << message();
+  EXPECT_TRUE(message().starts_with("Not switched on: TAVRIX.log cannot be written (it is a folder"))
+      << message();
   EXPECT_EQ(readTrace, 0u);
   EXPECT_EQ(tools::CountText(SimCommand("widgets"), "\" on;"), 0);
 }

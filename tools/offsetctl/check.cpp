@@ -34,7 +34,8 @@ std::vector<std::string_view> MissingNames(std::string_view log) {
 std::string FixedFault(const NameTable& names, uint32_t offset, uint32_t size) {
   for (const OffsetName& row : names.rows) {
     if (row.offset >= offset + size || offset >= row.offset + row.length) continue;
-    return "hides the fixed offset " + HexText(row.offset, 4) + " (" + row.meaning + "): choose one that is free";
+    return "hides the fixed offset " + HexText(row.offset, 4) + " (" + row.meaning +
+           "): choose one that is free";
   }
   const uint32_t readOnly = FirstReadOnly(names, offset, size);
   if (readOnly >= offset + size) return "";
@@ -45,9 +46,9 @@ std::string FixedFault(const NameTable& names, uint32_t offset, uint32_t size) {
 
 std::vector<Finding> CheckOffsetsFile(std::string_view text, std::string_view log, const NameTable& names) {
   const std::vector<std::string_view> missing = MissingNames(log);
-  const CustomCheckNeeds needs = {
-      .missing = missing,
-      .fixedFault = [&](uint32_t offset, uint32_t size) { return FixedFault(names, offset, size); }};
+  const CustomCheckNeeds needs = {.missing = missing, .fixedFault = [&](uint32_t offset, uint32_t size) {
+                                    return FixedFault(names, offset, size);
+                                  }};
   return CheckCustomFile(text, needs, std::numeric_limits<size_t>::max()).findings;
 }
 
