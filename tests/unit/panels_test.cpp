@@ -256,10 +256,13 @@ TEST_F(Panels, FilesThatRefuse) {
   Talk("type \"Tune value\" \"5\"");
   EXPECT_EQ(message().substr(0, 32), "Not saved: TAVRIX.ini cannot be ") << message();
   EXPECT_EQ(settings.tuneValue, 4);
+  Stop();
   std::filesystem::remove(folder + "TAVRIX.log");
   std::filesystem::create_directory(folder + "TAVRIX.log");
+  Begin();
+  Open(performanceWindowTitle);
   Talk("press \"Log reads\"");
-  EXPECT_TRUE(message().starts_with("Not switched on: TAVRIX.log cannot be written (it is a folder"))
+  EXPECT_TRUE(message().starts_with("Not switched on: TAVRIX.log cannot be written (it could not be opened"))
       << message();
   EXPECT_EQ(readTrace, 0u);
   EXPECT_EQ(tools::CountText(SimCommand("widgets"), "\" on;"), 0);
@@ -392,11 +395,13 @@ TEST_F(Panels, ClientMode) {
   Stop();
   {
     Socket other;
+    ASSERT_TRUE(OpenSocketLibrary());
     ASSERT_TRUE(OpenSocket(&other, Transport::Datagram) && BindSocket(&other, {0x7F000001, relayPort}));
     Begin();
     Open(versionWindowTitle);
     EXPECT_EQ(Shown(versionWindowTitle, "Network"), "client mode, receives nothing: UDP port 54945");
     CloseSocket(&other);
+    CloseSocketLibrary();
   }
   requestCounters.requests = 5;
   Follow();
