@@ -587,7 +587,8 @@ struct tavrix {
   int is_local;
   Socket tcp, udp, asker; /* asker: a second connection, whose coming makes the server send all blocks */
   uint32_t address;       /* of the server, in network order */
-  uint32_t missing;       /* a bit a block */
+  uint32_t missing;       /* a bit a block: never seen on this connection */
+  uint32_t awaited;       /* asked for since */
   uint32_t asked, pause, last_datagram, lost_at;
   int suspected, has_change;
   uint32_t last_change;     /* when changes told of a frame */
@@ -789,6 +790,7 @@ static int is_frame(const uint8_t* frame, int size, uint32_t end) {
 
 static void forget(tavrix* sim, uint32_t now) {
   sim->missing = (1u << BLOCKS) - 1;
+  sim->awaited = 0;
   sim->asked = sim->last_datagram = sim->last_activity_time = now;
   sim->pause = PATIENCE;
   sim->suspected = sim->has_change = 0;
@@ -844,6 +846,7 @@ static void take_block(tavrix* sim, uint32_t block, const uint8_t* payload, uint
     sim->unsettled_since[block] = now;
   }
   sim->missing &= ~(1u << block);
+  sim->awaited &= ~(1u << block);
   memcpy(own, payload, BLOCK);
 }
 
@@ -980,7 +983,11 @@ static void drop(tavrix* sim) {
 static void ask_for_blocks(tavrix* sim, uint32_t now) {
   const struct sockaddr_in server = address_of(sim->address, PORT);
   sim->asked = now;
-  if (sim->suspected) sim->pause = sim->pause * 2 < LONGEST_PAUSE ? sim->pause * 2 : LONGEST_PAUSE;
+  if (sim->missing == 0) {
+    sim->awaited = (1u << BLOCKS) - 1;
+    sim->pause =
+        sim->pause * 2 < LONGEST_PAUSE ? sim->pause * 2 : LONGEST_PAUSE; /* until they have found something */
+  }
   sim->suspected = 0;
   end_socket(&sim->asker);
   sim->asker = socket(AF_INET, SOCK_STREAM, 0);
@@ -1018,7 +1025,8 @@ static int receive(tavrix* sim) {
   if (sim->asker != NO_SOCKET && wait_for(NO_SOCKET, sim->asker, 0)) end_socket(&sim->asker);
   settle(sim, now);
   silent = now - sim->last_datagram;
-  if (sim->missing != 0 ? now - sim->asked >= PATIENCE : sim->suspected && now - sim->asked >= sim->pause) {
+  if (sim->missing != 0 ? now - sim->asked >= PATIENCE
+                        : (sim->suspected || sim->awaited != 0) && now - sim->asked >= sim->pause) {
     ask_for_blocks(sim, now);
   } else if (silent > SILENCE && now - sim->asked > SILENCE) {
     ask_for_blocks(sim, now);

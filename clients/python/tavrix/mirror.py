@@ -24,7 +24,8 @@ class Mirror:
 
     def restart(self, now):
         """A new connection: nothing is known, all blocks are on their way."""
-        self.missing = set(range(frames.BLOCKS))
+        self.missing = set(range(frames.BLOCKS))  # never seen on this connection
+        self._awaited = set()  # asked for since
         self.last_datagram = self.last_activity = self.asked = now
         self._suspected, self._pause, self._unsettled = False, PATIENCE, {}
         self._last_change, self._interval, self._advance = None, 0.02, 1.0
@@ -80,6 +81,7 @@ class Mirror:
 
     def _take_block(self, block, payload, now):
         first = block * frames.BLOCK_SIZE
+        self._awaited.discard(block)
         old = self.memory[first:first + frames.BLOCK_SIZE]
         if old == payload and block not in self.missing:
             return ()
@@ -107,11 +109,12 @@ class Mirror:
         self._settle(now)
         if self.missing:
             return now - self.asked >= PATIENCE
-        return self._suspected and now - self.asked >= self._pause
+        return (self._suspected or bool(self._awaited)) and now - self.asked >= self._pause
 
     def ask(self, now):
         self.asked = now
-        if self._suspected:
+        if self.complete:
+            self._awaited = set(range(frames.BLOCKS))
             self._pause = min(self._pause * 2, LONGEST_PAUSE)  # until they have found something
         self._suspected = False
 
