@@ -24,7 +24,7 @@ typedef SOCKET Socket;
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <sys/select.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <time.h>
 #include <unistd.h>
@@ -580,6 +580,7 @@ struct tavrix {
   char text[257];
   struct watch watches[WATCHES];
   int watch_count;
+  uint8_t latest[WATCHES][256];
   uint32_t last_activity_time;
   uint16_t last_activity;
   struct tavrix_counters counters;
@@ -908,11 +909,11 @@ static struct sockaddr_in address_of(uint32_t address, int port) {
   return place;
 }
 
+/* Waits until one can be read or the other written, or has failed. */
 static int wait_for(Socket reading, Socket writing, int milliseconds) {
+#ifdef _WIN32
   struct timeval time;
   fd_set reads, writes, errors;
-  const Socket highest =
-      writing != NO_SOCKET && (reading == NO_SOCKET || writing > reading) ? writing : reading;
   time.tv_sec = milliseconds / 1000;
   time.tv_usec = milliseconds % 1000 * 1000;
   FD_ZERO(&reads);
@@ -923,7 +924,13 @@ static int wait_for(Socket reading, Socket writing, int milliseconds) {
     FD_SET(writing, &writes);
     FD_SET(writing, &errors);
   }
-  return select((int)highest + 1, &reads, &writes, &errors, &time) > 0;
+  return select(0, &reads, &writes, &errors, &time) > 0;
+#else
+  struct pollfd both[2];
+  both[0].fd = reading, both[0].events = POLLIN; /* poll passes over -1 */
+  both[1].fd = writing, both[1].events = POLLOUT;
+  return poll(both, 2, milliseconds) > 0;
+#endif
 }
 
 static int is_connected_socket(Socket socket) {
@@ -1327,7 +1334,7 @@ int tavrix_on_change(tavrix* sim, enum tavrix_offset offset, tavrix_callback cal
 
 static int call_back(tavrix* sim) {
   struct place places[WATCHES] = {{0, 0, NULL}};
-  static uint8_t bytes[WATCHES][256];
+  uint8_t(*const bytes)[256] = sim->latest;
   int i, called = 0;
   for (i = 0; i < sim->watch_count; ++i) {
     const struct tavrix_info* const info = row(sim->watches[i].offset);

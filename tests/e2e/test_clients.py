@@ -81,6 +81,9 @@ class Program:
         self.lines.clear()
 
     def end(self):
+        if not self.process.stdin.closed and self.process.poll() is None and "probe" in str(self.process.args[0]):
+            self.process.stdin.close()  # its sanitizers have the last word
+            assert self.process.wait(timeout=DEADLINE) == 0
         self.process.kill()
         self.process.wait(timeout=DEADLINE)
 
@@ -100,7 +103,8 @@ def run():
 @pytest.fixture(scope="session")
 def probe(tmp_path_factory):
     folder = tmp_path_factory.mktemp("probe")
-    return compile_c("gcc", folder / "probe", TOP / "tests/clients/tavrix_probe.c")
+    return compile_c("gcc", folder / "probe", TOP / "tests/clients/tavrix_probe.c", "-fsanitize=address,undefined",
+                     "-fno-sanitize-recover=all")
 
 
 # --- Offsets ------------------------------------------------------------------------------------------------------------
