@@ -249,8 +249,6 @@ inline bool IsLit(const Source& source) { return ReadSource(source) > 0.5; }
 bool ActsOn(const Variant& variant);
 // Whether a client's write does something in the simulator, with one aircraft at least.
 bool HasWriter(const OffsetRow& row);
-// Whether clients write here for some effect: in the simulator, in this program, or for another row to look at.
-bool IsForWriting(const OffsetRow& row);
 // Does what a client's write of a row does as the variant that takes it says.
 void ApplyVariant(const OffsetRow& row, const Staged& staged);
 // The same of a switch that belongs to no row of its own; `offset` is for the log.

@@ -309,7 +309,7 @@ TEST(CatalogueTexts, AreThereAndUnique) {
               1);
     EXPECT_LE(row->write.low, row->write.high);
     if (row->lossy[0] != 0) {
-      EXPECT_TRUE(IsForWriting(*row));
+      EXPECT_TRUE(HasWriter(*row) || row->dispatch != DispatchAction::Stage);
     }
     EXPECT_LE(row->limits.low, row->limits.high);
     // A tolerance is told by a reason, and numbers stand for one thing each.

@@ -242,6 +242,13 @@ const char* ReadBackOf(const OffsetRow& row) {
   return lossy == digitLoss || (isLimited && startsAbove) ? "limited" : "own";
 }
 
+bool IsForWriting(const OffsetRow& row) {
+  constexpr DispatchAction ofSimulator[] = {DispatchAction::Stage, DispatchAction::None};
+  const bool isOurs =
+      std::find(std::begin(ofSimulator), std::end(ofSimulator), row.dispatch) == std::end(ofSimulator);
+  return !row.readOnly && (HasWriter(row) || isOurs || row.isInput);
+}
+
 std::string AccessText(const OffsetRow& row) {
   if (row.readOnly) return "read-only";
   return IsForWriting(row) ? "yes" : "no";

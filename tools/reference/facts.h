@@ -36,6 +36,8 @@ std::optional<UnitRange> RangeOf(const OffsetRow& row);
 // "request" 0 once taken, "near" within the tolerance, "limited" the same inside the range, "own" what the
 // simulator makes of it, "none" when nothing reads it.
 const char* ReadBackOf(const OffsetRow& row);
+// Whether clients write here for some effect: in the simulator, in this program, or for another row to look at.
+bool IsForWriting(const OffsetRow& row);
 // "yes", "no" or "read-only".
 std::string AccessText(const OffsetRow& row);
 
