@@ -37,7 +37,6 @@ Plan plan;
 float told[maxAxes];   // readings: from the simulator, or, for windows, from the devices
 size_t toldCount;      // of them by the simulator
 unsigned overridesOn;  // the simulator's, as the last frame that was asked told them
-double shownDeflections[axisControlCount];
 AxisMove lastMove;
 
 std::atomic<uint32_t> roundDue;     // by a frame
@@ -231,10 +230,6 @@ void FollowControl(size_t control, Round* round) {
         NextDetent({assignment.bounds, static_cast<size_t>(assignment.detents)}, state.detent, deflection);
     deflection = static_cast<double>(state.detent) / (assignment.detents - 1);
   }
-  {
-    const LockScope lock(&axisLock);
-    shownDeflections[control] = deflection;
-  }
   const AxisTarget& target = assignment.targets[0];
   const double number = NumberOf(target, assignment.travel, deflection);
   if (state.written && !IsNews(target, state.last, number)) return;
@@ -341,7 +336,6 @@ bool CreateAxes() {
   if (!CreateLock(&axisLock)) return false;
   plan = {};
   std::fill(std::begin(told), std::end(told), absent);
-  std::fill(std::begin(shownDeflections), std::end(shownDeflections), std::numeric_limits<double>::quiet_NaN());
   toldCount = 0;
   overridesOn = 0;
   lastMove.input = {};
@@ -390,10 +384,6 @@ void LoadAxisAssignments() {
   if (!anyAssigned && !anyBefore) return;
   untried = overrides;
   const LockScope lock(&axisLock);
-  for (size_t control = 0; control < axisControlCount; ++control) {
-    if (!(made.controls[control] == plan.controls[control]))
-      shownDeflections[control] = std::numeric_limits<double>::quiet_NaN();
-  }
   made.number = plan.number + 1;
   plan = made;
   roundWanted = 1;  // a control may have gone
@@ -442,11 +432,6 @@ double AxisReading(const AxisInput& input) {
   if (!IsAssigned(input)) return std::numeric_limits<double>::quiet_NaN();
   const LockScope lock(&axisLock);
   return static_cast<double>(told[PlaceOf(input)]);
-}
-
-double AxisDeflection(size_t control) {
-  const LockScope lock(&axisLock);
-  return shownDeflections[control];
 }
 
 AxisMove LastAxisMove() {

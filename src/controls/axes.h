@@ -49,8 +49,6 @@ bool WatchAxes(std::span<const float> readings, int overridesOn);
 // How an axis stands, for windows; NaN when it is not there. Asking keeps the axes watched for the next two
 // seconds or so.
 double AxisReading(const AxisInput& input);
-// The deflection that is in force for a control; NaN before it has taken over.
-double AxisDeflection(size_t control);
 // The axis that was last moved by a quarter of its way, and how many such moves were seen since the module was
 // loaded.
 struct AxisMove {

@@ -18,8 +18,9 @@ double Beyond(double deflection, double nullZone) {
   return std::copysign((size - nullZone) / (1 - nullZone), deflection);
 }
 
+// Exact at rest and at the ends.
 double Curved(double deflection, double curve) {
-  return deflection * (1 - curve + curve * deflection * deflection);
+  return deflection + curve * deflection * (deflection * deflection - 1);
 }
 
 void SpaceEvenly(int count, DetentBounds (&bounds)[maxFlapDetents]) {

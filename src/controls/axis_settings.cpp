@@ -382,33 +382,42 @@ bool WriteAxisSettings(size_t control, const AxisSettings& before, const AxisSet
   return SaveWaitingSettings() && written;
 }
 
+Travel TravelOf(size_t control, const AxisSettings& given) {
+  if (given.reverse > 0) return Travel::Reversing;
+  return given.target.low * given.target.high < 0 ? Travel::Centred : controls[control].travel;
+}
+
+AxisTune TuneOf(const AxisSettings& given, size_t which) {
+  return {.calibration = given.calibrations[which],
+          .inverted = given.inverted[which],
+          .nullZone = given.nullZone,
+          .curve = given.curve,
+          .reverse = given.reverse};
+}
+
+AxisPair InputsOf(const AxisSettings& given) {
+  if (!IsAssigned(given.inputs[0])) return {{given.inputs[1], {}}};
+  return {{given.inputs[0], given.inputs[1]}};
+}
+
 AxisAssignment MakeAssignment(size_t control, const AxisSettings& given) {
   const AxisControl& row = controls[control];
   AxisAssignment made;
-  std::copy_n(given.inputs, 2, made.inputs);
-  if (!IsAssigned(made.inputs[0])) std::swap(made.inputs[0], made.inputs[1]);
+  std::copy_n(InputsOf(given).inputs, 2, made.inputs);
   if (!IsAssigned(made.inputs[0])) return {};
-  made.travel = row.travel;
-  if (given.reverse > 0) made.travel = Travel::Reversing;
   AxisTarget target = row.target;
   if (row.role == AxisRole::Free) {
     target = given.target;
-    const std::string name = NameOfControl(control);
     if (target.size == 0) {
+      const std::string name = NameOfControl(control);
       LogOwn("TAVRIX->The axis %s moves nothing: \"Target %s Axis\" in TAVRIX.ini is missing\n", name.c_str(),
              name.c_str());
       return {};
     }
-    if (target.low * target.high < 0) made.travel = Travel::Centred;
   }
+  made.travel = TravelOf(control, given);
   if (made.travel == Travel::Reversing) target.low = reverseFull;
-  for (size_t i = 0; i < 2; ++i) {
-    made.tunes[i] = {.calibration = given.calibrations[i],
-                     .inverted = given.inverted[i],
-                     .nullZone = given.nullZone,
-                     .curve = given.curve,
-                     .reverse = given.reverse};
-  }
+  for (size_t which = 0; which < 2; ++which) made.tunes[which] = TuneOf(given, which);
   made.overrides = row.overrides;
   if (row.role == AxisRole::Engines) {
     for (int engine = 0; engine < engineOffsets; ++engine) {

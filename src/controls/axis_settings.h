@@ -85,6 +85,15 @@ void ReadAxisSettings(AllAxisSettings& all);
 // Writes the keys that differ, in one rewrite of the file. Returns true, or false (a log line tells why).
 bool WriteAxisSettings(size_t control, const AxisSettings& before, const AxisSettings& now);
 
+// What settings make of a reading: how the control moves, and the tune of each of its axes.
+Travel TravelOf(size_t control, const AxisSettings& given);
+AxisTune TuneOf(const AxisSettings& given, size_t which);
+// The axes in use: one that is only combined is the control's axis.
+struct AxisPair {
+  AxisInput inputs[2];
+};
+AxisPair InputsOf(const AxisSettings& given);
+
 // A control as it works, made of its settings.
 struct AxisAssignment {
   AxisInput inputs[2];

@@ -74,9 +74,9 @@ std::string Bar(double number, double low, double high) {
   return text + std::string(static_cast<size_t>(std::lround(share * barLength)), '|');
 }
 
-// The axis whose calibration is edited: one that is only combined is the control's axis.
+// The axis whose calibration is edited.
 size_t Edited() { return editsCombined ? 1 : 0; }
-AxisInput EditedInput() { return draft.inputs[!editsCombined && !IsAssigned(draft.inputs[0]) ? 1 : Edited()]; }
+AxisInput EditedInput() { return editsCombined ? draft.inputs[1] : InputsOf(draft).inputs[0]; }
 
 std::string Reading(int) {
   const double reading = AxisReading(EditedInput());
@@ -88,10 +88,18 @@ std::string Reading(int) {
   return Bar(reading, 0, 1);
 }
 
+// What the draft makes of it.
 std::string Moves(int) {
-  const bool twoSided = AxisControls()[chosen].travel == Travel::Centred || draft.reverse > 0 ||
-                        draft.target.low * draft.target.high < 0;
-  return Bar(AxisDeflection(chosen), twoSided ? -1 : 0, 1);
+  const Travel travel = TravelOf(chosen, draft);
+  const AxisPair pair = InputsOf(draft);
+  double deflection = NAN;
+  for (size_t which = 0; which < 2; ++which) {
+    const double reading = AxisReading(pair.inputs[which]);
+    if (!IsReading(reading)) continue;
+    const double other = Deflect(TuneOf(draft, which), travel, reading);
+    deflection = std::isnan(deflection) ? other : Combine(travel, deflection, other);
+  }
+  return Bar(deflection, travel == Travel::OneSided ? 0 : -1, 1);
 }
 
 // --- Fields of the draft, all alike
@@ -244,7 +252,7 @@ constexpr Row ControlRow() {
 }
 constexpr Row PromptRow() { return {{{.kind = CellKind::Value, .width = 48, .text = Prompt}}}; }
 constexpr Row MovesRow() {
-  return {{{.kind = CellKind::Value, .label = "Control moves", .width = 48, .text = Moves}}};
+  return {{{.kind = CellKind::Value, .label = "Control moves to", .width = 48, .text = Moves}}};
 }
 constexpr Row SaveRow(int combines) {
   return {{{.kind = CellKind::Button, .label = "SAVE", .press = Save},
