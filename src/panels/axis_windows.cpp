@@ -171,6 +171,10 @@ constexpr Cell ChooseBox(const char* label, Choosing which) {
 // --- Calibration
 // ----------------------------------------------------------------------------------------------
 
+// As many as the bars show.
+constexpr double places = 1000;
+double Placed(double reading) { return std::round(reading * places) / places; }
+
 bool Calibrates(int) { return calibrates; }
 
 // The ends begin where the axis stands, and follow it as it is moved.
@@ -190,7 +194,11 @@ std::string TurnCalibrates(int, bool on) {
     ends = AxisSettingsOf(chosen).calibrations[Edited()];
     return "The axis was hardly moved: the old ends stay";
   }
-  ends.centre = (ends.low + ends.high) / 2;
+  // To three places, inwards: the axis must come to its ends.
+  constexpr double noise = 0.01;
+  ends.low = std::ceil(ends.low * places - noise) / places;
+  ends.high = std::floor(ends.high * places + noise) / places;
+  ends.centre = Placed((ends.low + ends.high) / 2);
   return "Let the axis go and press CENTRE, or save";
 }
 
@@ -200,7 +208,7 @@ std::string Centre(int) {
   if (!IsReading(reading)) return "The axis gives no reading";
   if (!(reading - ends.low >= 0.01 && ends.high - reading >= 0.01))
     return "The axis stands at an end, or the ends are not known yet";
-  ends.centre = reading;
+  ends.centre = Placed(reading);
   return unsaved;
 }
 
@@ -214,11 +222,6 @@ std::string Told(const char* deed) {
 
 std::string Save(int) {
   if (calibrates) TurnCalibrates(0, false);
-  // To three places, as the bars show them.
-  for (Calibration& ends : draft.calibrations) {
-    for (double Calibration::*end : {&Calibration::low, &Calibration::centre, &Calibration::high})
-      ends.*end = std::round(ends.*end * 1000) / 1000;
-  }
   const bool needsTarget = AxisControls()[chosen].role == AxisRole::Free;
   if (needsTarget && draft.target.size == 0) return "Enter the offset that the axis is to move";
   return SaveAxisSettings(chosen, draft) ? Told("Saved") : notSaved;

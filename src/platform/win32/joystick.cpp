@@ -1,7 +1,8 @@
 #include "platform/joystick.h"
 
-#include <mmsystem.h>
 #include <windows.h>
+// The order matters: the multimedia header needs the one above.
+#include <mmsystem.h>
 
 #include <limits>
 
