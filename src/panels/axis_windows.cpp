@@ -68,6 +68,7 @@ constexpr int barLength = 40;
 // A number and as many strokes as it is large.
 std::string Bar(double number, double low, double high) {
   if (std::isnan(number)) return "-";
+  if (std::fabs(number) < 0.0005) number = 0;  // not "-0.000"
   char text[16];
   std::snprintf(text, sizeof text, "%.3f ", number);
   const double share = std::clamp((number - low) / (high - low), 0.0, 1.0);

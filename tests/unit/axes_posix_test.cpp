@@ -70,6 +70,7 @@ TEST_F(Axes, TwoLeversDriveFourEngines) {
   Move(3, 0.5F);
   EXPECT_EQ(levers(), (std::vector<int>{8192, 8192, 0, 0}));
   EXPECT_EQ(rows::Get(throttleOverride), 1);
+  EXPECT_NEAR(rows::Get("sim/flightmodel/engine/ENGN_thro_use[1]"), 0.5, 1e-4) << "what counts with it";
   Move(4, 1);
   EXPECT_EQ(levers(), (std::vector<int>{8192, 8192, 16384, 16384}));
   for (int engine = 0; engine < 4; ++engine) {
