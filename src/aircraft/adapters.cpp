@@ -1,5 +1,6 @@
 #include "aircraft/adapters.h"
 
+#include <bit>
 #include <cstring>
 #include <string>
 
@@ -40,19 +41,29 @@ constexpr AddOn aircraftAddOns[] = {AddOn::X737, AddOn::B738Extended, AddOn::B73
 
 bool handlesChanged;  // since the readers took them last
 
+// Runs of the 313-frame cycle in which names that are not there are looked up again: the first ones, then at
+// each power of two.
+constexpr uint32_t eachRunUntil = 8;
+uint32_t runsSince[static_cast<size_t>(AddOn::Count)];  // since an add-on was recognised
+
 bool& LoadedOf(AddOn addOn) { return loadedAddOns[static_cast<size_t>(addOn)]; }
 
 void Drop(AddOn addOn) {
   LoadedOf(addOn) = false;
+  emptyAddOns[static_cast<size_t>(addOn)] = false;
+  runsSince[static_cast<size_t>(addOn)] = 0;
   ForgetUnserved(addOn);
   DropNamesOf(addOn);
   handlesChanged = true;
 }
 
-// How many of its names an add-on publishes, and which it does not: an older or newer version of it, mostly.
+// Ends a look-up: how many of its names an add-on publishes, and which it does not: an older or newer version
+// of it, mostly. The simulator's own 737-800 is known by its title alone: that of an older simulator has no
+// names, and its balance is the 737's all the same.
 void TellNames(AddOn addOn) {
   constexpr size_t longest = 600;
   const NamesFound& found = NamesFoundOf(addOn);
+  emptyAddOns[static_cast<size_t>(addOn)] = found.own == 0 && addOn != AddOn::B738Stock;
   std::string missing;
   size_t listed = 0;
   while (listed < found.missing.size() && missing.size() < longest) {
@@ -62,6 +73,17 @@ void TellNames(AddOn addOn) {
   if (listed < found.missing.size())
     missing += " and " + std::to_string(found.missing.size() - listed) + " more";
   LogOwn("TAVRIX->%s: %d of %d names found%s\n", NameOf(addOn), found.found, found.total, missing.c_str());
+}
+
+void LookUpLateNames() {
+  for (const AddOn addOn : aircraftAddOns) {
+    if (!IsLoaded(addOn) || NamesFoundOf(addOn).missing.empty()) continue;
+    const uint32_t run = runsSince[static_cast<size_t>(addOn)]++;
+    if (run == 0 || (run > eachRunUntil && !std::has_single_bit(run)) || !LookUpMissingOf(addOn)) continue;
+    ForgetUnserved(addOn);
+    handlesChanged = true;
+    TellNames(addOn);
+  }
 }
 
 // Rows follow what has come or gone.
@@ -116,10 +138,9 @@ void RecognisePilotEdge() {
 }
 
 void RecogniseIxeg() {
-  if (!HasAppeared(AddOn::Ixeg733, IsPublished("ixeg/733/misc/seatbelt_act"))) {
-    if (!IsLoaded(AddOn::Ixeg733)) ForgetIxegLevers();
-    return;
-  }
+  const bool present = IsPublished("ixeg/733/misc/seatbelt_act");
+  if (!present && IsLoaded(AddOn::Ixeg733)) ReleaseIxegLevers();  // while their handles are known
+  if (!HasAppeared(AddOn::Ixeg733, present)) return;
   char time[timeStampSize];
   LookUpDataRefsOf(AddOn::Ixeg733);
   LogLine("%s IXEG found, datarefs loaded\n", TimeStamp(time));
@@ -156,7 +177,7 @@ void RecogniseStockB738() {
 struct ToldAircraft {
   bool told;  // since enable
   char title[aircraftTextSize];
-  AddOnSet addOns;
+  AddOnSet addOns;  // that serve it
 };
 ToldAircraft toldAircraft;
 
@@ -164,7 +185,7 @@ ToldAircraft toldAircraft;
 std::string NamesOfAdapters() {
   std::string list;
   for (const AddOn addOn : {AddOn::X737, AddOn::Ixeg733, AddOn::B738Extended, AddOn::B738Stock, AddOn::Ec135}) {
-    if (IsLoaded(addOn)) list += (list.empty() ? "" : ", ") + std::string(NameOf(addOn));
+    if (Serves(addOn)) list += (list.empty() ? "" : ", ") + std::string(NameOf(addOn));
   }
   return list;
 }
@@ -175,9 +196,7 @@ void TellAircraft() {
   now.told = true;
   CopyFromMemory(aircraftTitleOffset, sizeof now.title, now.title);
   now.title[sizeof now.title - 1] = '\0';
-  now.addOns = loadedAddOns;
-  now.addOns[static_cast<size_t>(AddOn::XSquawkBox)] = now.addOns[static_cast<size_t>(AddOn::PilotEdge)] =
-      false;
+  for (const AddOn addOn : aircraftAddOns) now.addOns[static_cast<size_t>(addOn)] = Serves(addOn);
   if (std::memcmp(&now, &toldAircraft, sizeof now) == 0) return;
   toldAircraft = now;
   const std::string names = NamesOfAdapters();
@@ -222,16 +241,19 @@ void RecogniseXSquawkBox() {
   TellNames(AddOn::XSquawkBox);
 }
 
-void RecogniseAircraft() { RunAllSteps({Recognise, BindChangedReaders, TellAircraft}); }
+void RecogniseAircraft() { RunAllSteps({Recognise, LookUpLateNames, BindChangedReaders, TellAircraft}); }
 
 void RunEc135Adapter() {
   if (!HasAppeared(AddOn::Ec135, "rotorsim.ec135.management", &plugins.ec135)) {
     BindChangedReaders();
     return;
   }
-  LookUpDataRefsOf(AddOn::Ec135);
-  LookUpCommandsOf(AddOn::Ec135);
-  LogOwn("TAVRIX->EC135 found pluginID=%i, datarefs and commands loaded\n", plugins.ec135);
+  const bool dataRefs = LookUpDataRefsOf(AddOn::Ec135), commands = LookUpCommandsOf(AddOn::Ec135);
+  LogOwn("TAVRIX->EC135 found pluginID=%i, %s\n", plugins.ec135,
+         dataRefs && commands ? "datarefs and commands loaded"
+         : dataRefs           ? "datarefs loaded"
+         : commands           ? "commands loaded"
+                              : "but none of its names");
   TellNames(AddOn::Ec135);
   BindChangedReaders();
 }
@@ -246,7 +268,7 @@ void ResetAdapters() {
   Drop(AddOn::XSquawkBox);
   Drop(AddOn::PilotEdge);
   plugins = {noPlugin, noPlugin, noPlugin, noPlugin};
-  loadedAddOns = {};
+  loadedAddOns = emptyAddOns = {};
   xSquawkBoxState = {};
   toldAircraft = {};
   if (subscribedAt != noPlugin) XPLMSendMessageToPlugin(subscribedAt, unsubscribeMessage, nullptr);

@@ -4,8 +4,10 @@
 // loaded, its handles become null again and the rows are back at the stock datarefs. The readers take their
 // handles anew then.
 //
-// The look-ups are made once per recognition, never again while the add-on stays. The names stand in names.cpp;
-// which offsets follow which add-on by which of them is told in docs/aircraft.md.
+// The look-ups are made at recognition. Names that are not there then are looked up again in the next runs of
+// the 313-frame cycle, later at growing distances, because some add-ons publish a part of them late; names that
+// were found never again while the add-on stays. The names stand in names.cpp; which offsets follow which
+// add-on by which of them is told in docs/aircraft.md.
 //
 // Everything here: simulator's thread, no lock held.
 #pragma once
@@ -27,10 +29,10 @@ void RecogniseXSquawkBox();
 void DetectLoadedAircraft();
 // Drops every add-on, network clients included (at disable). Logs nothing.
 void ResetAdapters();
-// How many of an add-on's names the simulator knew when it was recognised; all 0 while it is not loaded. The
-// texts are constants.
+// How many of an add-on's names the simulator knows, as far as they were looked up; all 0 while it is not
+// loaded. The texts are constants.
 struct NamesFound {
-  int found = 0, total = 0;
+  int found = 0, own = 0, total = 0;  // own: without the simulator's
   std::vector<const char*> missing;
 };
 const NamesFound& NamesFoundOf(AddOn addOn);

@@ -1,6 +1,7 @@
 // Looking up the names of add-ons, and which of them are there.
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "aircraft/adapters.h"
 #include "aircraft/names.h"
@@ -26,25 +27,29 @@ bool IsStillUsed(const char* name) {
   return false;
 }
 
-// Returns whether one of them is there.
+// The simulator's own, which say nothing of the add-on.
+bool IsSimulators(std::string_view name) { return name.starts_with("sim/"); }
+
+// Returns whether one of them that is the add-on's own is there.
 template <typename LookUp>
 bool LookUpNames(AddOn addOn, std::span<const AddOnName> names, LookUp lookUp) {
   NamesFound& found = namesFound[static_cast<size_t>(addOn)];
-  const int before = found.found;
+  const int before = found.own;
   for (const AddOnName& each : names) {
     ++found.total;
     if (lookUp(each.name)) {
       ++found.found;
+      found.own += !IsSimulators(each.name);
     } else {
       found.missing.push_back(each.name);
     }
   }
-  return found.found > before;
+  return found.own > before;
 }
 
 }  // namespace
 
-void LookUpDataRefsOf(AddOn addOn) { LookUpNames(addOn, NamesOf(addOn).dataRefs, LookUpDataRef); }
+bool LookUpDataRefsOf(AddOn addOn) { return LookUpNames(addOn, NamesOf(addOn).dataRefs, LookUpDataRef); }
 
 bool LookUpCommandsOf(AddOn addOn) { return LookUpNames(addOn, NamesOf(addOn).commands, LookUpCommand); }
 
@@ -55,6 +60,19 @@ void DropNamesOf(AddOn addOn) {
       if (!IsStillUsed(each.name)) DropName(each.name);
     }
   }
+}
+
+bool LookUpMissingOf(AddOn addOn) {
+  NamesFound& found = namesFound[static_cast<size_t>(addOn)];
+  const size_t before = found.missing.size();
+  std::erase_if(found.missing, [&](const char* name) {
+    const bool isThere = Has(NamesOf(addOn).commands, name) ? LookUpCommand(name) : LookUpDataRef(name);
+    if (!isThere) return false;
+    ++found.found;
+    found.own += !IsSimulators(name);
+    return true;
+  });
+  return found.missing.size() < before;
 }
 
 const NamesFound& NamesFoundOf(AddOn addOn) { return namesFound[static_cast<size_t>(addOn)]; }

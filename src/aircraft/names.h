@@ -22,9 +22,12 @@ struct AddOnNames {
 // rows use. Any thread; empty for AddOn::None.
 AddOnNames NamesOf(AddOn addOn);
 
-// Looks the datarefs or commands of an add-on up; whether one of the commands is there. Simulator's thread, as
-// is what follows; NamesFoundOf (aircraft/adapters.h) tells what was found.
-void LookUpDataRefsOf(AddOn addOn);
+// Looks the datarefs or commands of an add-on up; whether one of its own is there. Simulator's thread, as is
+// what follows; NamesFoundOf (aircraft/adapters.h) tells what was found.
+bool LookUpDataRefsOf(AddOn addOn);
 bool LookUpCommandsOf(AddOn addOn);
+// Looks up again what was not there: an add-on may publish some of its names after it was recognised. Whether
+// one more is there.
+bool LookUpMissingOf(AddOn addOn);
 // Forgets the handles of its names, but for those that a loaded relative has, too, and what was found.
 void DropNamesOf(AddOn addOn);

@@ -1,15 +1,17 @@
 #include "bridge/add_ons.h"
 
 #include <set>
-#include <utility>
+#include <string>
+#include <tuple>
 
 #include "base/log.h"
 
 AddOnSet loadedAddOns;
+AddOnSet emptyAddOns;
 
 namespace {
 
-std::set<std::pair<AddOn, uint32_t>> told;  // controls that the log knows of
+std::set<std::tuple<AddOn, uint32_t, std::string>> told;  // controls that the log knows of
 
 }  // namespace
 
@@ -36,17 +38,16 @@ const char* NameOf(AddOn addOn) {
   return "simulator";
 }
 
-void TellUnserved(AddOn addOn, uint32_t offset, const char* missing) {
-  if (!told.emplace(addOn, offset).second) return;
-  if (*missing == '\0') {
-    LogOwn("TAVRIX->%s: writes to 0x%04X do nothing, it has no such control or none that is known\n",
-           NameOf(addOn), static_cast<unsigned>(offset));
-  } else {
-    LogOwn("TAVRIX->%s: writes to 0x%04X do nothing, it does not publish %s\n", NameOf(addOn),
-           static_cast<unsigned>(offset), missing);
-  }
+void TellUnserved(AddOn addOn, uint32_t offset, const char* missing, const char* part, const char* fault) {
+  if (!told.emplace(addOn, offset, part).second) return;
+  const std::string what = *part == '\0' ? "do nothing, " : "do not move its " + std::string(part) + ", ";
+  const std::string why = *missing == '\0' ? "it has no such control or none that is known"
+                          : *fault == '\0' ? "it does not publish " + std::string(missing)
+                                           : std::string(missing) + ' ' + fault;
+  LogOwn("TAVRIX->%s: writes to 0x%04X %s%s\n", NameOf(addOn), static_cast<unsigned>(offset), what.c_str(),
+         why.c_str());
 }
 
 void ForgetUnserved(AddOn addOn) {
-  std::erase_if(told, [addOn](const auto& entry) { return entry.first == addOn; });
+  std::erase_if(told, [addOn](const auto& entry) { return std::get<AddOn>(entry) == addOn; });
 }

@@ -23,11 +23,21 @@ extern AddOnSet loadedAddOns;  // that of None stays false
 
 inline bool IsLoaded(AddOn addOn) { return loadedAddOns[static_cast<size_t>(addOn)]; }
 
+// Those of them that publish nothing this program knows: a plug-in that stays loaded with another aircraft,
+// which must not hide the adapter of that.
+extern AddOnSet emptyAddOns;
+
+// Whether rows follow it.
+inline bool Serves(AddOn addOn) { return IsLoaded(addOn) && !emptyAddOns[static_cast<size_t>(addOn)]; }
+
 // What a log line calls it: "Extended 737-800".
 const char* NameOf(AddOn addOn);
 
 // Says in the log, once while the add-on stays loaded, that clients' writes of this offset do nothing with it.
-// `missing` is the name that it does not publish; empty when it has no such control at all.
-void TellUnserved(AddOn addOn, uint32_t offset, const char* missing);
+// `missing` is the name that it does not publish; empty when it has no such control at all. `part`: of an
+// offset that moves several things, what it is that does not move; empty for all of it. `fault`: what is wrong
+// with the name when it is published.
+void TellUnserved(AddOn addOn, uint32_t offset, const char* missing, const char* part = "",
+                  const char* fault = "");
 // The add-on has come or gone: such lines may be said again.
 void ForgetUnserved(AddOn addOn);

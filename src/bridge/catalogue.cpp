@@ -29,6 +29,7 @@ bool ReadSwitch(const OffsetRow& row, double* value) {
 }
 
 bool IsPublished(const Source& source) { return HandleOf(source) != nullptr; }
+const Source& LampOf(const Button& button) { return IsPublished(button.light) ? button.light : button.standIn; }
 bool IsFired(const Command* command) { return command != nullptr && command->handle != nullptr; }
 
 bool IsWritten(const Variant& variant) {
@@ -37,9 +38,9 @@ bool IsWritten(const Variant& variant) {
          !variant.places.empty();
 }
 
-bool IsLoadedFor(const Variant& variant) { return IsLoaded(variant.addOn) || IsLoaded(variant.alsoFor); }
+bool IsLoadedFor(const Variant& variant) { return Serves(variant.addOn) || Serves(variant.alsoFor); }
 
-AddOn LoadedOf(const Variant& variant) { return IsLoaded(variant.addOn) ? variant.addOn : variant.alsoFor; }
+AddOn LoadedOf(const Variant& variant) { return Serves(variant.addOn) ? variant.addOn : variant.alsoFor; }
 
 // Whether the simulator knows one of the names that a variant is shown by.
 bool Shows(const Variant& variant) {
@@ -47,7 +48,7 @@ bool Shows(const Variant& variant) {
     return variant.reads.empty() || std::any_of(variant.reads.begin(), variant.reads.end(), IsPublished);
   }
   if (IsSwitch(variant)) {
-    const auto isLamp = [](const Button& button) { return IsPublished(button.light); };
+    const auto isLamp = [](const Button& button) { return IsPublished(LampOf(button)); };
     return variant.stateBits != 0 ||
            std::any_of(std::begin(variant.lights), std::end(variant.lights), IsPublished) ||
            std::any_of(std::begin(variant.marks), std::end(variant.marks), IsPublished) ||
@@ -66,7 +67,10 @@ bool HasPlace(const Variant& variant) {
 }
 // What stands behind buttons and places when they are not published.
 bool HasRest(const Variant& variant) {
-  if (IsPublished(variant.target)) return true;
+  if (IsPublished(variant.target) ||
+      std::any_of(variant.together.begin(), variant.together.end(), IsPublished)) {
+    return true;
+  }
   if (variant.apply == nullptr) return false;
   return (variant.sets.empty() && variant.fires.empty()) ||
          std::any_of(variant.sets.begin(), variant.sets.end(), IsPublished) ||
@@ -111,26 +115,36 @@ void Fire(const Variant& variant, uint32_t offset, const Command& command, bool 
 }
 
 // A lamp that is counted as an integer is lit when it is not 0.
-bool IsLampOn(const Source& light) { return light.accessor == Accessor::Int ? IsOn(light) : IsLit(light); }
-
-bool IsButtonOn(const Button& button, bool shown) {
-  return IsPublished(button.light) ? IsLampOn(button.light) : shown;
+bool IsLampOn(const Source& light) {
+  return Resolved(light).accessor == Accessor::Int ? IsOn(light) : IsLit(light);
 }
 
+// Off presses only what is known to be on: a button may not be pressed for another one's lamp. One that stands
+// alone is on when the row is.
 void PressButtons(const Variant& variant, uint32_t offset, bool shown, bool wanted) {
   const auto press = [&](const Button& button) { Fire(variant, offset, *button.press, variant.held); };
   if (variant.momentary) {
-    if (wanted && !shown) press(variant.buttons[0]);
+    // What is lit may be lit for another reason: the button is pressed unless it is being held.
+    if (wanted && HeldCommand(variant.buttons[0].press) == nullptr) press(variant.buttons[0]);
     return;
   }
-  bool isOn = false;
+  const bool isAlone = variant.buttons[1].press == nullptr;
+  bool isOn = false, isKnown = false;
   for (const Button& button : variant.buttons) {
     if (button.press == nullptr) break;
-    const bool on = IsButtonOn(button, shown);
+    const Source& lamp = LampOf(button);
+    const bool hasLamp = IsPublished(lamp);
+    if (!hasLamp && !isAlone) continue;
+    const bool on = hasLamp ? IsLampOn(lamp) : shown;
     isOn |= on;
+    isKnown = true;
     if (variant.everyButton ? on != wanted : on && !wanted) press(button);
   }
-  if (wanted && !isOn && !variant.everyButton) press(variant.buttons[0]);
+  if (wanted && !isOn && !variant.everyButton) {
+    press(variant.buttons[0]);
+  } else if (!isKnown) {
+    TellUnserved(LoadedOf(variant), offset, variant.buttons[0].light.ref->name);
+  }
 }
 
 void SetTargets(const Variant& variant, double number) {
@@ -151,9 +165,9 @@ bool UsesPanel(const Variant& variant, uint32_t offset, bool shown, double numbe
 }
 
 // Whether an add-on's variant cannot be reached; says so.
-bool IsOutOfReach(const Variant& variant, uint32_t offset) {
+bool IsOutOfReach(const Variant& variant, uint32_t offset, const char* part = "") {
   if (variant.addOn == AddOn::None || Reaches(variant)) return false;
-  TellUnserved(LoadedOf(variant), offset, variant.silent ? "" : MissingName(variant));
+  TellUnserved(LoadedOf(variant), offset, variant.silent ? "" : MissingName(variant), part);
   return true;
 }
 
@@ -286,21 +300,23 @@ bool IsSwitch(const Variant& variant) {
 }
 
 bool IsSwitchOn(const Variant& variant) {
+  bool hasLight = false;
   for (const Source& light : variant.lights) {
     if (light.ref == nullptr) break;
+    hasLight |= IsPublished(light);
     if (IsLit(light)) return !variant.dark;
   }
   for (const Source& mark : variant.marks) {
     if (IsOn(mark)) return true;
   }
   if (variant.stateBits != 0) return (ReadInt(autopilotState) & variant.stateBits) != 0;
-  if (variant.lights[0].ref == nullptr) {
+  if (!hasLight) {
     for (const Button& button : variant.buttons) {
       if (button.light.ref == nullptr) break;
-      if (IsLampOn(button.light)) return true;
+      if (const Source& lamp = LampOf(button); IsPublished(lamp) && IsLampOn(lamp)) return true;
     }
   }
-  return variant.dark;
+  return variant.dark && hasLight;
 }
 
 bool HasWriter(const OffsetRow& row) {
@@ -328,16 +344,38 @@ void ApplyVariant(const OffsetRow& row, const Staged& staged) {
   }
 }
 
-void TurnSwitch(std::span<const Variant> variants, uint32_t offset, bool wanted) {
+void TurnSwitch(std::span<const Variant> variants, uint32_t offset, bool wanted, const char* part) {
   const Variant& variant = ActingVariant(variants);
-  if (IsOutOfReach(variant, offset)) return;
+  if (IsOutOfReach(variant, offset, part)) return;
   const bool shown = IsOn(ShowingVariant(variants).source);
   if (UsesPanel(variant, offset, shown, wanted)) return;
   SetTargets(variant, variant.targetConvert != nullptr ? variant.targetConvert(wanted) : wanted);
 }
 
-void FireFor(const OffsetRow& row, const Command& command, bool held) {
-  Fire(ActingVariant(row), row.offset, command, held);
+void FireFor(const OffsetRow& row, const Command& command) {
+  Fire(ActingVariant(row), row.offset, command, false);
+}
+
+void HoldFor(const OffsetRow& row, const Command& command, const void* control, int times) {
+  if (command.handle != nullptr) {
+    HoldCommand(command, control, times);
+  } else {
+    FireFor(row, command);  // says so
+  }
+}
+
+std::optional<int> PlaceOf(AddOn addOn, uint32_t offset, const Source& source, int low, int high,
+                           const char* part) {
+  if (!IsPublished(source)) {
+    TellUnserved(addOn, offset, source.ref->name, part);
+    return std::nullopt;
+  }
+  const double place = ReadSource(source);
+  if (std::isnan(place)) {
+    TellUnserved(addOn, offset, source.ref->name, part, "is not a number");
+    return std::nullopt;
+  }
+  return static_cast<int>(std::lround(std::clamp<double>(place, low, high)));
 }
 
 Source ActiveSource(const OffsetRow& row) {

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <span>
 
 #include "bridge/add_ons.h"
@@ -78,6 +79,7 @@ struct Button {
   // it.
   Source light = {};
   const Command* press = nullptr;
+  Source standIn = {};  // says the same where the light is not published
 };
 
 // How one aircraft shows and takes a row's value: an add-on that counts while it is loaded, or the simulator's
@@ -92,7 +94,7 @@ struct Variant {
   Convert convert = nullptr;    // of what is read, instead of the row's
   ReadRow read = nullptr;
   // Of a switch: on while one of these lights is lit, one of these marks is not 0, or one of these bits of the
-  // autopilot's state is set. Without lights those of the buttons count.
+  // autopilot's state is set. Where none of the lights is published those of the buttons count.
   Source lights[4] = {};
   Source marks[2] = {};
   int stateBits = 0;
@@ -107,7 +109,8 @@ struct Variant {
   int stateBit = 0;  // of the autopilot's state, set to press it
   // An add-on's way to take a value, before `apply` and `target` when it publishes them. Buttons: on presses
   // the first one unless one of them is on, off presses each that is on. With `everyButton` each is pressed
-  // whose state differs. A momentary button knows no off.
+  // whose state differs. One of several whose lamp is not published is not pressed for either, as nobody knows
+  // its state. A momentary button knows no off and is pressed for each on, unless it is being held.
   Button buttons[4] = {};
   bool everyButton = false, momentary = false;
   // The commands of a lever's or knob's places; the place is the written number, by targetConvert if given.
@@ -225,11 +228,17 @@ bool ActsOn(const Variant& variant);
 bool HasWriter(const OffsetRow& row);
 // Does what a client's write of a row does as the variant that takes it says.
 void ApplyVariant(const OffsetRow& row, const Staged& staged);
-// The same of a switch that belongs to no row of its own; `offset` is for the log.
-void TurnSwitch(std::span<const Variant> variants, uint32_t offset, bool wanted);
-// Fires an add-on's command for a row's write, once or held for some frames; says in the log that the write
-// does nothing when the add-on does not publish it.
-void FireFor(const OffsetRow& row, const Command& command, bool held = false);
+// The same of a switch that belongs to no row of its own; `offset` and `part` are for the log (TellUnserved).
+void TurnSwitch(std::span<const Variant> variants, uint32_t offset, bool wanted, const char* part);
+// Fires an add-on's command for a row's write; says in the log that the write does nothing when the add-on does
+// not publish it.
+void FireFor(const OffsetRow& row, const Command& command);
+// The same held for some frames, so many times; `control` as in bridge/held_presses.h.
+void HoldFor(const OffsetRow& row, const Command& command, const void* control = nullptr, int times = 1);
+// Where an add-on's switch with places from `low` to `high` stands; none when it does not tell, and then nobody
+// knows which way to turn it: the log says so for this offset.
+std::optional<int> PlaceOf(AddOn addOn, uint32_t offset, const Source& source, int low, int high,
+                           const char* part = "");
 
 // How often the rows have taken their handles anew: who keeps a variant looks again when it has changed.
 extern uint32_t readerBindings;

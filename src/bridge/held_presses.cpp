@@ -9,18 +9,16 @@ uint32_t heldPresses;
 
 namespace {
 
-constexpr int pressFrames = 10;      // a finger's press
-constexpr size_t mostPresses = 100;  // that wait; nobody presses faster for long
+constexpr int pressFrames = 10;  // a finger's press
 
 struct Press {
+  Control control;
   XPLMCommandRef command;  // null: the switch
   Source toggle;
   double value;
   int framesLeft;  // 0: has not begun; below: has ended
 };
 std::vector<Press> presses;  // in their order
-
-bool IsSame(const Press& a, const Press& b) { return a.command == b.command && a.toggle == b.toggle; }
 
 void Begin(Press* press) {
   press->framesLeft = pressFrames;
@@ -52,9 +50,8 @@ void EndAll(std::span<const Press> held) {
 }
 
 void Add(Press press) {
-  if (presses.size() >= mostPresses) return;
   const bool waits =
-      std::any_of(presses.begin(), presses.end(), [&](const Press& p) { return IsSame(p, press); });
+      std::any_of(presses.begin(), presses.end(), [&](const Press& p) { return p.control == press.control; });
   presses.push_back(press);
   ++heldPresses;
   if (!waits) Begin(&presses.back());
@@ -62,19 +59,36 @@ void Add(Press press) {
 
 }  // namespace
 
-void HoldCommand(const Command& command) {
-  if (command.handle != nullptr) Add({command.handle, {}, 0, 0});
+void ForgetWaitingPresses(Control control) {
+  std::erase_if(presses, [&](const Press& p) { return p.control == control && p.framesLeft == 0; });
+  heldPresses = static_cast<uint32_t>(presses.size());
+}
+
+XPLMCommandRef HeldCommand(Control control) {
+  const auto held = std::find_if(presses.begin(), presses.end(),
+                                 [&](const Press& p) { return p.control == control && p.framesLeft > 0; });
+  return held == presses.end() ? nullptr : held->command;
+}
+
+void HoldCommand(const Command& command, Control control, int times) {
+  if (command.handle == nullptr) return;
+  if (control == nullptr) control = &command;
+  ForgetWaitingPresses(control);
+  for (int i = 0; i < times; ++i) Add({control, command.handle, {}, 0, 0});
 }
 
 void HoldSource(const Source& source, double value) {
-  if (HandleOf(source) != nullptr) Add({nullptr, source, value, 0});
+  if (HandleOf(source) == nullptr) return;
+  ForgetWaitingPresses(source.ref);
+  Add({source.ref, nullptr, source, value, 0});
 }
 
 void StepHeldPresses() {
   // A press that waits begins a frame after the one before has ended: the add-on sees that it was released.
   for (auto press = presses.begin(); press != presses.end(); ++press) {
     if (press->framesLeft != 0) continue;
-    if (std::none_of(presses.begin(), press, [&](const Press& p) { return IsSame(p, *press); })) Begin(&*press);
+    if (std::none_of(presses.begin(), press, [&](const Press& p) { return p.control == press->control; }))
+      Begin(&*press);
   }
   for (Press& press : presses) {
     if (press.framesLeft <= 0 || --press.framesLeft != 0) continue;

@@ -10,11 +10,19 @@
 // Presses wait or are held; else a frame has nothing to do here.
 extern uint32_t heldPresses;
 
-// Begins the command now and ends it some frames later; a command that is held already is pressed again after
-// that. One that is not published does nothing. A flood of presses is cut.
-void HoldCommand(const Command& command);
-// Sets a spring-loaded switch now and back to 0, its centre, some frames later.
+// A switch that is pressed in several ways, by the address of anything that belongs to it alone.
+using Control = const void*;
+
+// Begins the command, so many times, and ends it some frames later each. Presses of the same control wait for
+// each other; what waits there already is forgotten, as the newest wish counts. Null: the command is its own
+// control. One that is not published does nothing.
+void HoldCommand(const Command& command, Control control = nullptr, int times = 1);
+// Sets a spring-loaded switch and back to 0, its centre, some frames later. The dataref is its own control.
 void HoldSource(const Source& source, double value);
+// Forgets what waits at a control; what is held there is held on.
+void ForgetWaitingPresses(Control control);
+// The command that is held at a control at the moment; null when none is.
+XPLMCommandRef HeldCommand(Control control);
 // Once a frame: ends what was held long enough, and begins what waits.
 void StepHeldPresses();
 // Ends all that is held and forgets what waits: when the aircraft goes, and at disable.

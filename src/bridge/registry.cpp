@@ -58,20 +58,30 @@ void LookUpAll(Entry* first, std::span<const char* const> names, bool others, Fi
   }
 }
 
-// The object of a name; null when nothing in the program uses it.
-template <typename Entry>
-Entry* EntryOf(Entry* first, std::string_view name) {
-  Entry* entry = first;
-  while (entry != nullptr && entry->name != name) entry = entry->next;
-  return entry;
+// Whether an object takes its handle from a name: its own, or another one as long as it has none.
+bool Takes(const DataRef& ref, std::string_view name) {
+  if (ref.name == name) return true;
+  return ref.handle == nullptr &&
+         std::find(ref.otherNames.begin(), ref.otherNames.end(), name) != ref.otherNames.end();
 }
+bool Takes(const Command& command, std::string_view name) { return command.name == name; }
 
 // Looks up also what no row uses: whether the add-on publishes it is told all the same.
 template <typename Entry, typename Find>
 bool LookUpName(Entry* first, const char* name, Find find) {
   const auto handle = find(name);
-  if (Entry* entry = EntryOf(first, name); entry != nullptr) SetHandle(entry, handle);
-  return handle != nullptr;
+  if (handle == nullptr) return false;
+  for (Entry* entry = first; entry != nullptr; entry = entry->next) {
+    if (Takes(*entry, name)) SetHandle(entry, handle);
+  }
+  return true;
+}
+
+template <typename Entry>
+void DropHandles(Entry* first, std::string_view name) {
+  for (Entry* entry = first; entry != nullptr; entry = entry->next) {
+    if (entry->name == name) SetHandle(entry, nullptr);
+  }
 }
 
 // Times and indications that only the simulator decides, identity words, and words of this program's own.
@@ -117,6 +127,6 @@ bool LookUpCommand(const char* name) { return LookUpName(firstCommand, name, XPL
 
 void DropName(const char* name) {
   if (std::string_view(name).starts_with(simulatorPrefix)) return;
-  if (DataRef* ref = EntryOf(firstDataRef, name); ref != nullptr) SetHandle(ref, nullptr);
-  if (Command* command = EntryOf(firstCommand, name); command != nullptr) SetHandle(command, nullptr);
+  DropHandles(firstDataRef, name);
+  DropHandles(firstCommand, name);
 }

@@ -44,8 +44,8 @@ struct DataRef {
   SharedAnswer shared;
   Accessor fitting = Accessor::None;  // by the type that the simulator reports (FittingOf)
   const char* name;
-  // What other versions of the simulator call it: the first of them that is published serves where `name` is
-  // not.
+  // What other versions of the simulator or of the add-on call it, or what says the same there: one of them
+  // that is published serves where `name` is not.
   std::span<const char* const> otherNames;
   DataRef* next;
 };
@@ -79,7 +79,7 @@ struct Source {
 // Short forms for tables: Int<"sim/...">, FloatElement<"sim/...">(2), with the names in other versions of the
 // simulator behind the first one. A dataref stands with the same names everywhere. Fitting goes by the type
 // that the simulator reports, for datarefs that are integers in one version and floats in another and for
-// add-ons whose publisher does not state it; Bytes is a text.
+// add-ons, whose publishers do not state it; Bytes is a text.
 template <NameText... names>
 constexpr Source Int = {&dataRefOf<names...>, Accessor::Int, 0};
 template <NameText... names>

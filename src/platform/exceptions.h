@@ -25,16 +25,16 @@ void RunAllSteps(std::initializer_list<void (*)()> steps);
 
 // A callback that lets none of our own exceptions out: Guarded<Function>::Call has the function's signature and
 // answers `instead` after one.
-template <auto function, auto instead>
+template <auto function, int instead>
 struct Guarded;
-template <typename Result, typename... Arguments, Result (*function)(Arguments...), auto instead>
+template <typename Result, typename... Arguments, Result (*function)(Arguments...), int instead>
 struct Guarded<function, instead> {
   static Result Call(Arguments... arguments) {
     try {
       return function(arguments...);
     } catch (...) {
       PassForeignException();
-      return instead;
+      return static_cast<Result>(instead);
     }
   }
 };

@@ -11,7 +11,7 @@ namespace {
 
 // After an exception of our own a callback is simply due again in a second.
 template <XPLMFlightLoop_f loop>
-constexpr XPLMFlightLoop_f guarded = Guarded<loop, 1.0F>::Call;
+constexpr XPLMFlightLoop_f guarded = Guarded<loop, 1>::Call;
 
 struct Loop {
   XPLMFlightLoop_f callback;

@@ -136,8 +136,8 @@ def build(request):
     return request.getfixturevalue(request.param)
 
 
-@pytest.mark.parametrize("aircraft", AIRCRAFT)
-def test_client_and_add_on_follow_each_other(start, build, tmp_path, aircraft):
+def connect(start, build, tmp_path, aircraft, before=()):
+    """A simulator that has recognised its aircraft, a client, and how this one reads and writes."""
     root = tmp_path / "X-Plane"
     folder = root / "Resources" / "plugins" / "TAVRIX"
     folder.mkdir(parents=True)
@@ -145,7 +145,6 @@ def test_client_and_add_on_follow_each_other(start, build, tmp_path, aircraft):
     standin = start(build, "--rate", "0", "--flight", "none", "--aircraft", aircraft, root=root)
     standin.ask("frames 400")  # recognised
     standin.wait_log("TAVFARNET->Waiting for clients.....0")
-    before, cases = AIRCRAFT[aircraft]
     for line in before:
         standin.ask(line)
     standin.ask("frames 70")
@@ -164,6 +163,13 @@ def test_client_and_add_on_follow_each_other(start, build, tmp_path, aircraft):
                             write_record(0x12345, bytes([marker]))))
         client.until(f"0x{offset:04X} taken", lambda: client.read(0x12345, 1)[0] == marker)
 
+    return standin, client, read, send
+
+
+@pytest.mark.parametrize("aircraft", AIRCRAFT)
+def test_client_and_add_on_follow_each_other(start, build, tmp_path, aircraft):
+    before, cases = AIRCRAFT[aircraft]
+    standin, client, read, send = connect(start, build, tmp_path, aircraft, before)
     failures = []
     for offset, kind, value, shown, expected, calls in cases:
         standin.ask("calls")
@@ -196,5 +202,60 @@ def test_client_and_add_on_follow_each_other(start, build, tmp_path, aircraft):
     for offset in set(silent):
         assert log.count(f"writes to 0x{offset:04X} do nothing") == 1
     assert log.count("writes to 0x") == len(set(silent)), log
+    client.close()
+    standin.quit()
+
+
+# One aircraft after the other, brought by the console: writes of 0x6DA9 or another offset, each with the frames after
+# it, then what was fired and where a dataref stands.
+APU, KNOB = L + "spring_toggle_switch/APU_start_pos", L + "knob/transponder_pos"
+HURRIES = [
+    # Numbers that no switch has: a look at them must not take the simulator's time.
+    (["define " + APU + " float -1e9"], [(0x6DA9, "u8", 2, 60)],
+     f"begin {APU}_dn; end {APU}_dn; begin {APU}_dn; end {APU}_dn", None),
+    (["define " + APU + " float nan"], [(0x6DA9, "u8", 2, 1)], "", None),
+    (["define " + KNOB + " float nan"], [(0x6D8C, "u8", 1, 1)], "", None),
+    (["define " + KNOB + " float 300"], [(0x6D8C, "u8", 1, 1)], "; ".join([f"once {L}knob/transponder_mode_dn"] * 4), None),
+    # The newest write counts.
+    (["define " + APU + " float 0"], [(0x6DA9, "u8", 2, 4), (0x6DA9, "u8", 0, 60)], None, (APU, 0)),
+    (["define " + APU + " float 0"], [(0x6DA9, "u8", 2, 4), (0x6DA9, "u8", 0, 4), (0x6DA9, "u8", 2, 60)], None, (APU, 1)),
+    ([], [(0x3101, "u8", frame % 2, 1) for frame in range(39)] + [(0x3101, "u8", 1, 30)], None,
+     ("sim/cockpit/electrical/generator_on[0]", 1))]
+
+
+def test_bad_numbers_late_names_and_hasty_clients(start, build, tmp_path):
+    standin, client, read, send = connect(start, build, tmp_path, "b738-extended")
+    failures = []
+    for lines, writes, calls, shown in HURRIES:
+        for line in lines:
+            standin.ask("undefine " + line.split()[1])
+            standin.ask(line)
+        standin.ask("frames 320")
+        standin.ask("calls")
+        for offset, kind, value, frames in writes:
+            send(offset, kind, value)
+            standin.ask(f"frames {frames}")
+        fired = standin.ask("calls")
+        if calls is not None and fired != calls:
+            failures.append(f"{lines}: fired '{fired}', not '{calls}'")
+        if shown is not None and standin.number(shown[0]) != shown[1]:
+            failures.append(f"{lines}: {shown[0]} is {standin.number(shown[0])}")
+    # A plug-in without names hides nobody; when they come they are found.
+    standin.ask("plugin bs.x737.plugin on")
+    standin.ask("frames 320")
+    standin.ask("calls")
+    send(0x07C8, "u32", 1)
+    standin.ask("frames 1")
+    if standin.ask("calls") != f"once {A}hdg_sel_press":
+        failures.append("0x07C8 is hidden")
+    standin.ask(f"define {X}afds/CMD_A int 1")
+    standin.ask(f"define {X}afds/HDG_magnhdg float 90")
+    standin.ask("frames 700")
+    client.until("CMD_A", lambda: read(0x07BC, "u32") == 1)
+    send(0x07CC, "u16", 0x8000)
+    standin.ask("frames 70")
+    if abs(standin.number(X + "afds/HDG_magnhdg") - 180) > 0.05:
+        failures.append("HDG_magnhdg is not set")
+    assert failures == []
     client.close()
     standin.quit()

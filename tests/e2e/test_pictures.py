@@ -1,9 +1,10 @@
 """Pictures of the plug-in's windows, as the stand-in's console draws them."""
 import struct
-import xml.etree.ElementTree as ElementTree
 import zlib
 
 import pytest
+
+from make_pictures import read_svg
 
 TITLE_BAR, SCALE = (0x2C, 0x45, 0x60), 2
 
@@ -27,16 +28,6 @@ def read_png(path):
     lines = [rows[i:i + 1 + 3 * width] for i in range(0, len(rows), 1 + 3 * width)]
     assert all(line[0] == 0 for line in lines)
     return [list(zip(line[1::3], line[2::3], line[3::3])) for line in lines]
-
-
-def read_svg(path):
-    """The picture's own box, and the attributes of every widget without data-; boxes are (left, top, right, bottom)."""
-    def facts(element):
-        named = {name.removeprefix("data-"): value for name, value in element.attrib.items()}
-        return {name: tuple(map(int, value.split())) if name.endswith("box") else value
-                for name, value in named.items()}
-    top = ElementTree.parse(path).getroot()
-    return facts(top)["box"], [facts(each) for each in top.iter() if each.get("class") == "widget"]
 
 
 @pytest.mark.parametrize("build", ["linux", pytest.param("win32", marks=pytest.mark.wine)])

@@ -4,61 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <set>
+#include <string>
 #include <tuple>
 
 #include "XPLMPlugin.h"
+#include "adapters_harness.h"
 #include "aircraft/names.h"
-#include "base/log.h"
 #include "bridge/catalogue/identity.h"
-#include "row_harness.h"
-#include "test_tools.h"
 
 namespace {
-
-class Adapters : public testing::Test {
- protected:
-  void SetUp() override {
-    folder = std::filesystem::temp_directory_path() / "tavrix_adapters_test";
-    ASSERT_TRUE(OpenLogs((folder / "").string().c_str(), [](const char*) {}));
-    rows::Start();
-  }
-  void TearDown() override {
-    rows::Stop();
-    CloseLogs();
-    std::filesystem::remove_all(folder);
-  }
-
-  // How often a text stands in the main log.
-  int Logged(const std::string& text) const {
-    return tools::CountText(tools::ReadFile(folder / "TAVRIX.txt"), text);
-  }
-  // What the two cycles that recognise do.
-  static void RunCycles() {
-    rows::Refresh(Cycle::C313);
-    RecogniseAircraft();
-    RunEc135Adapter();
-  }
-  static auto LoadedCount() { return std::count(loadedAddOns.begin(), loadedAddOns.end(), true); }
-  // Handles of the names that begin so: how many are there, and whether these are what the simulator publishes.
-  template <typename Entry, typename Find>
-  static int Handles(const Entry* entry, const std::string& prefix, Find find) {
-    int count = 0;
-    for (; entry != nullptr; entry = entry->next) {
-      if (!std::string(entry->name).starts_with(prefix) || entry->handle == nullptr) continue;
-      EXPECT_EQ(entry->handle, find(entry->name)) << entry->name;
-      ++count;
-    }
-    return count;
-  }
-  static int DataRefHandles(const char* prefix) { return Handles(firstDataRef, prefix, XPLMFindDataRef); }
-  static int CommandHandles(const char* prefix) { return Handles(firstCommand, prefix, XPLMFindCommand); }
-
-  std::filesystem::path folder;
-};
 
 TEST_F(Adapters, AircraftComeAndGo) {
   struct Case {
@@ -69,7 +25,7 @@ TEST_F(Adapters, AircraftComeAndGo) {
     std::initializer_list<const char*> lines;
   };
   const Case cases[] = {
-      {"x737", AddOn::X737, "x737/", 45, 11, {"x737 found pluginID="}},
+      {"x737", AddOn::X737, "x737/", 49, 11, {"x737 found pluginID="}},
       {"ixeg733",
        AddOn::Ixeg733,
        "ixeg/733/",
@@ -265,6 +221,14 @@ TEST_F(Adapters, IxegThrottlesAreGivenBackWhereNobodyElseHasSetThem) {
   EXPECT_EQ(rows::Get(input + "1"), 0.25);
   EXPECT_EQ(rows::Get(input + "2"), 0);
   EXPECT_EQ(Logged(line), 1);
+  // The aircraft is not recognised any more, and its inputs are still there.
+  rows::WriteNew(0x088C, Stored::S16, 8192);
+  ASSERT_EQ(rows::Get(input + "1"), 0.5);
+  ASSERT_EQ(sim::SimCommand("undefine ixeg/733/misc/seatbelt_act"), "ok");
+  RunCycles();
+  EXPECT_EQ(rows::Get(input + "1"), 0);
+  ReleaseIxegThrottleOverride();
+  EXPECT_EQ(Logged(line), 1) << "nothing is left to give back";
 }
 
 TEST_F(Adapters, NamesThatAreNotThereAreTold) {
@@ -363,6 +327,46 @@ TEST_F(Adapters, HeldPressesEndInALaterFrameAndWaitForEachOther) {
   EXPECT_EQ(rows::Calls(), "end laminar/B738/toggle_switch/gen1_dn; end laminar/B738/toggle_switch/gen2_dn");
   RunWriters();
   EXPECT_EQ(rows::Calls(), "");
+}
+
+TEST_F(Adapters, NamesThatAppearLateAreFound) {
+  // An add-on's plug-in without any of its names serves nothing, and hides no other add-on.
+  ASSERT_EQ(sim::SimCommand("aircraft b738-extended"), "ok");
+  ASSERT_EQ(sim::SimCommand("plugin bs.x737.plugin on"), "ok");
+  RunCycles();
+  EXPECT_TRUE(IsLoaded(AddOn::X737));
+  EXPECT_FALSE(Serves(AddOn::X737));
+  EXPECT_EQ(Logged("served by the adapter for Extended 737-800\n"), 1);
+  rows::CheckCalls({{0x07C8, Stored::U32, 1, "once laminar/B738/autopilot/hdg_sel_press"}});
+  ASSERT_EQ(sim::SimCommand("aircraft jet"), "ok");
+  ASSERT_EQ(sim::SimCommand("plugin bs.x737.plugin on"), "ok");
+  DetectLoadedAircraft();
+  // The look-ups end: what is not there by then is asked for at growing distances.
+  for (int run = 0; run < 40; ++run) RunCycles();
+  uint64_t before = sim::LookUps();
+  for (int run = 0; run < 20; ++run) RunCycles();
+  const uint64_t names = static_cast<uint64_t>(NamesFoundOf(AddOn::X737).total), own = sim::LookUps() - before;
+  EXPECT_LT(own, names + 20 * 8) << "at most one run of them, and the recognition's own";
+  DetectLoadedAircraft();
+  RunCycles();
+  for (const char* line :
+       {"define x737/systems/afds/CMD_A int 1", "define x737/systems/afds/HDG_magnhdg float 90"}) {
+    ASSERT_EQ(sim::SimCommand(line), "ok");
+  }
+  RunCycles();
+  RunCycles();
+  rows::Refresh(Cycle::C13);
+  EXPECT_EQ(rows::Read<uint32_t>(0x07BC), 1U);
+  rows::WriteNew(0x07CC, Stored::U16, 0x8000);
+  EXPECT_NEAR(rows::Get("x737/systems/afds/HDG_magnhdg"), 180, 0.05);
+  EXPECT_EQ(Logged(": served by the adapter for x737\n"), 1);
+  // The simulator's commands are no add-on's, and nothing is nothing.
+  ASSERT_EQ(sim::SimCommand("define ixeg/733/misc/seatbelt_act float 0"), "ok");
+  ASSERT_EQ(sim::SimCommand("plugin rotorsim.ec135.management on"), "ok");
+  RunCycles();
+  EXPECT_EQ(Logged("IXEG found, datarefs loaded\n"), 1);
+  EXPECT_EQ(Logged("IXEG found, commands loaded\n"), 0);
+  EXPECT_EQ(Logged(", but none of its names\n"), 1);
 }
 
 }  // namespace

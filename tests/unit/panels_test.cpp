@@ -247,7 +247,8 @@ TEST_F(Panels, VersionAndServers) {
 // A smaller screen, and a window dragged by its title.
 TEST_F(Panels, Places) {
   for (const char* item : items) Open(item);
-  for (const auto& window : madeWindows) FollowScreen(window.get(), {1024, 768}, {640, 480});
+  Talk("screen 640 480");
+  sim::SimFrames(1);
   EXPECT_EQ(FaultsOf(640, 480), "");
   const sim::Widget* window = Find(performanceWindowTitle);
   const sim::Rect before = window->box, inside = window->children[0]->box;

@@ -5,6 +5,7 @@
 // compares the wanted state with the aircraft's and acts only when they differ.
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
@@ -39,14 +40,14 @@ void ApplyMaster(const OffsetRow&, const Staged& staged) {
 
 void ApplyMasterX737(const OffsetRow&, const Staged& staged) {
   const bool wanted = staged.integer != 0;
-  SetSource(wanted ? Int<"x737/systems/afds/CMD_A"> : Int<"x737/systems/afds/APengaged">, wanted);
+  SetSource(wanted ? Fitting<"x737/systems/afds/CMD_A"> : Fitting<"x737/systems/afds/APengaged">, wanted);
 }
 
 // The bar throws all autopilots out and has to be up again for one to engage.
 void ApplyMasterB738(const OffsetRow& row, const Staged& staged) {
   const bool wanted = staged.integer != 0;
   if (wanted == IsSwitchOn(ShowingVariant(row))) return;
-  const bool disconnected = IsLit(Float<"laminar/B738/autopilot/disconnect_pos">);
+  const bool disconnected = IsLit(Fitting<"laminar/B738/autopilot/disconnect_pos">);
   if (disconnected == wanted) FireFor(row, commandOf<"laminar/B738/autopilot/disconnect_toggle">);
   if (wanted) FireFor(row, commandOf<"laminar/B738/autopilot/cmd_a_press">);
 }
@@ -87,13 +88,23 @@ constexpr SpeedSelector stockSpeed = {
     Int<"sim/cockpit/autopilot/airspeed_is_mach">, Float<"sim/cockpit/autopilot/airspeed">,
     Float<"sim/cockpit/autopilot/airspeed">, Float<"sim/cockpit/autopilot/airspeed">};
 constexpr SpeedSelector x737Speed = {
-    Fitting<"x737/systems/athr/MCPSPD_ismach">, Fitting<"x737/systems/athr/MCPSPD_spdmach">,
-    Fitting<"x737/systems/athr/MCPSPD_spdkias">, Float<"x737/systems/athr/MCPSPD_spd">};
+    Fitting<"x737/systems/athr/MCPSPD_ismach">,
+    Fitting<"x737/systems/athr/MCPSPD_spdmach", "x737/systems/athr/MCPSPD_spd">,
+    Fitting<"x737/systems/athr/MCPSPD_spdkias", "x737/systems/athr/MCPSPD_spd">,
+    Fitting<"x737/systems/athr/MCPSPD_spd">};
+constexpr Button x737SpeedButton = {Fitting<"x737/systems/athr/MCPSPD_mode">,
+                                    &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">,
+                                    Fitting<"x737/systems/MCP/LED_MCPSPD_on">};
 // Its window shows what the simulator's own selector of this name is set to.
 constexpr SpeedSelector b738Speed = {Int<"sim/cockpit/autopilot/airspeed_is_mach">,
-                                     Float<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
-                                     Float<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
+                                     Fitting<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
+                                     Fitting<"laminar/B738/autopilot/mcp_speed_dial_kts_mach">,
                                      Float<"sim/cockpit2/autopilot/airspeed_dial_kts_mach">};
+
+// What tells the unit, for the reference page: no speed is shown by that alone.
+constexpr Variant speedUnit[] = {{.addOn = AddOn::X737, .source = x737Speed.isMach},
+                                 {.addOn = AddOn::B738Extended, .source = b738Speed.isMach}};
+constexpr std::span<const Variant> speedParts[] = {speedUnit};
 
 // Indicated knots of Mach 1 here and now.
 double KnotsPerMach() {
@@ -136,7 +147,7 @@ void ApplyMach(const OffsetRow&, const Staged& staged) {
 
 // A climb is chosen together with its rate.
 void ApplyClimbX737(const OffsetRow&, const Staged& staged) {
-  constexpr Source mode = Int<"x737/systems/afds/VS">;
+  constexpr Source mode = Fitting<"x737/systems/afds/VS">;
   const Command& button = commandOf<"x737/mcp/VS_TOGGLE">;
   if (staged.integer != 0 && !IsOn(mode)) {
     if (button.handle != nullptr) {
@@ -145,7 +156,7 @@ void ApplyClimbX737(const OffsetRow&, const Staged& staged) {
       SetSource(mode, 1);
     }
   }
-  SetSource(Float<"x737/systems/afds/VS_vvi">, staged.number);
+  SetSource(Fitting<"x737/systems/afds/VS_vvi">, staged.number);
 }
 
 // --- Back course, yaw damper, thrust --------------------------------------------------------------
@@ -153,16 +164,17 @@ void ApplyClimbX737(const OffsetRow&, const Staged& staged) {
 void ApplyBackCourse(const OffsetRow&, const Staged&) { FireCommand(commandOf<"sim/autopilot/back_course">); }
 
 void ApplyGoAroundX737(const OffsetRow&, const Staged& staged) {
-  for (const Source& button : {Int<"x737/cockpit/tq/left_TOGA_btn">, Int<"x737/cockpit/tq/right_TOGA_btn">,
-                               Int<"x737/systems/athr/toggle_TOGA">}) {
+  for (const Source& button :
+       {Fitting<"x737/cockpit/tq/left_TOGA_btn">, Fitting<"x737/cockpit/tq/right_TOGA_btn">,
+        Fitting<"x737/systems/athr/toggle_TOGA">}) {
     SetSource(button, staged.integer != 0);
   }
 }
 
 void ApplyAutothrottleX737(const OffsetRow&, const Staged& staged) {
-  SetSource(Int<"x737/systems/athr/athr_armed">, staged.integer != 0);
-  if (staged.integer == 0 && IsOn(Int<"x737/systems/PFD/PFD_TOGA_mode_on">)) {
-    SetSource(Int<"x737/systems/athr/toggle_TOGA">, 1);
+  SetSource(Fitting<"x737/systems/athr/athr_armed">, staged.integer != 0);
+  if (staged.integer == 0 && IsOn(Fitting<"x737/systems/PFD/PFD_TOGA_mode_on">)) {
+    SetSource(Fitting<"x737/systems/athr/toggle_TOGA">, 1);
   }
 }
 
@@ -188,7 +200,7 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .cycle = Cycle::C1,
      .variants = variantsOf<[] {
-       return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/AP_A_pitch">},
+       return std::array{Variant{.addOn = AddOn::X737, .source = Fitting<"x737/systems/afds/AP_A_pitch">},
                          Variant{.source = Float<"sim/cockpit/autopilot/flight_director_pitch">}};
      }>},
     {.offset = 0x2EF0,
@@ -198,46 +210,48 @@ constexpr OffsetRow rows[] = {
      .unit = "deg",
      .cycle = Cycle::C1,
      .variants = variantsOf<[] {
-       return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/systems/afds/AP_A_roll">},
+       return std::array{Variant{.addOn = AddOn::X737, .source = Fitting<"x737/systems/afds/AP_A_roll">},
                          Variant{.source = Float<"sim/cockpit/autopilot/flight_director_roll">}};
      }>},
-    Switch({.offset = 0x07BC,
-            .name = "ap",
-            .meaning = "autopilot master",
-            .cycle = Cycle::C13,
-            .variants = variantsOf<[] {
-              return std::array{
-                  Variant{
-                      .addOn = AddOn::X737,
-                      .apply = ApplyMasterX737,
-                      .buttons = {{Int<"x737/systems/afds/CMD_A">, &commandOf<"x737/mcp/CMDA_TOGGLE">},
-                                  {Int<"x737/systems/afds/CMD_B">, &commandOf<"x737/mcp/CMDB_TOGGLE">}},
-                      .sets = sourcesOf<Int<"x737/systems/afds/CMD_A">, Int<"x737/systems/afds/APengaged">>},
-                  Variant{.addOn = AddOn::B738Extended,
-                          .alsoFor = AddOn::B738Stock,
-                          .lights = {Float<"laminar/B738/autopilot/cmd_a_status">,
-                                     Float<"laminar/B738/autopilot/cmd_b_status">,
-                                     Float<"laminar/B738/autopilot/cws_a_status">,
-                                     Float<"laminar/B738/autopilot/cws_b_status">},
-                          .apply = ApplyMasterB738,
-                          .reads = sourcesOf<Float<"laminar/B738/autopilot/disconnect_pos">>,
-                          .fires = commandsOf<"laminar/B738/autopilot/cmd_a_press",
-                                              "laminar/B738/autopilot/disconnect_toggle">},
-                  Variant{.addOn = AddOn::Ixeg733,
-                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_a_comm_ann">,
-                                       &commandOf<"ixeg/733/autopilot/AP_A_cmd_toggle">},
-                                      {Fitting<"ixeg/733/MCP/mcp_b_comm_ann">,
-                                       &commandOf<"ixeg/733/autopilot/AP_B_cmd_toggle">},
-                                      {Fitting<"ixeg/733/MCP/mcp_a_cws_ann">,
-                                       &commandOf<"ixeg/733/autopilot/AP_A_cws_toggle">},
-                                      {Fitting<"ixeg/733/MCP/mcp_b_cws_ann">,
-                                       &commandOf<"ixeg/733/autopilot/AP_B_cws_toggle">}}},
-                  Variant{.addOn = AddOn::Ec135,
-                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(1),
-                                       &commandOf<"ec135/autopilot/ap_on">}}},
-                  Variant{.read = ReadMaster, .apply = ApplyMaster}};
-            }>,
-            .lossy = flagLoss}),
+    Switch(
+        {.offset = 0x07BC,
+         .name = "ap",
+         .meaning = "autopilot master",
+         .cycle = Cycle::C13,
+         .variants = variantsOf<[] {
+           return std::array{
+               Variant{
+                   .addOn = AddOn::X737,
+                   .apply = ApplyMasterX737,
+                   .buttons = {{Fitting<"x737/systems/afds/CMD_A">, &commandOf<"x737/mcp/CMDA_TOGGLE">},
+                               {Fitting<"x737/systems/afds/CMD_B">, &commandOf<"x737/mcp/CMDB_TOGGLE">}},
+                   .sets =
+                       sourcesOf<Fitting<"x737/systems/afds/CMD_A">, Fitting<"x737/systems/afds/APengaged">>},
+               Variant{.addOn = AddOn::B738Extended,
+                       .alsoFor = AddOn::B738Stock,
+                       .lights = {Fitting<"laminar/B738/autopilot/cmd_a_status">,
+                                  Fitting<"laminar/B738/autopilot/cmd_b_status">,
+                                  Fitting<"laminar/B738/autopilot/cws_a_status">,
+                                  Fitting<"laminar/B738/autopilot/cws_b_status">},
+                       .apply = ApplyMasterB738,
+                       .reads = sourcesOf<Fitting<"laminar/B738/autopilot/disconnect_pos">>,
+                       .fires = commandsOf<"laminar/B738/autopilot/cmd_a_press",
+                                           "laminar/B738/autopilot/disconnect_toggle">},
+               Variant{.addOn = AddOn::Ixeg733,
+                       .buttons = {{Fitting<"ixeg/733/MCP/mcp_a_comm_ann">,
+                                    &commandOf<"ixeg/733/autopilot/AP_A_cmd_toggle">},
+                                   {Fitting<"ixeg/733/MCP/mcp_b_comm_ann">,
+                                    &commandOf<"ixeg/733/autopilot/AP_B_cmd_toggle">},
+                                   {Fitting<"ixeg/733/MCP/mcp_a_cws_ann">,
+                                    &commandOf<"ixeg/733/autopilot/AP_A_cws_toggle">},
+                                   {Fitting<"ixeg/733/MCP/mcp_b_cws_ann">,
+                                    &commandOf<"ixeg/733/autopilot/AP_B_cws_toggle">}}},
+               Variant{.addOn = AddOn::Ec135,
+                       .buttons = {{FittingElement<"rotorsim/ec135/afcs_indications">(1),
+                                    &commandOf<"ec135/autopilot/ap_on">}}},
+               Variant{.read = ReadMaster, .apply = ApplyMaster}};
+         }>,
+         .lossy = flagLoss}),
     Switch({.offset = 0x2EE0,
             .name = "fd",
             .meaning = "flight director",
@@ -245,14 +259,17 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{
                   Variant{.addOn = AddOn::X737,
-                          .marks = {Int<"x737/systems/afds/fd_master">},
-                          .target = Int<"x737/systems/afds/fdA_status">,
-                          .together = sourcesOf<Int<"x737/systems/afds/fdB_status">>},
+                          .marks = {Fitting<"x737/systems/afds/fd_master">},
+                          .target = Fitting<"x737/systems/afds/fdA_status">,
+                          .together = sourcesOf<Fitting<"x737/systems/afds/fdB_status">>},
+                  Variant{.addOn = AddOn::X737,
+                          .marks = {Fitting<"x737/systems/afds/fdA_status">,
+                                    Fitting<"x737/systems/afds/fdB_status">}},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
-                          .buttons = {{Float<"laminar/B738/autopilot/flight_director_pos">,
+                          .buttons = {{Fitting<"laminar/B738/autopilot/flight_director_pos">,
                                        &commandOf<"laminar/B738/autopilot/flight_director_toggle">},
-                                      {Float<"laminar/B738/autopilot/flight_director_fo_pos">,
+                                      {Fitting<"laminar/B738/autopilot/flight_director_fo_pos">,
                                        &commandOf<"laminar/B738/autopilot/flight_director_fo_toggle">}},
                           .everyButton = true},
                   Variant{.addOn = AddOn::Ixeg733,
@@ -281,21 +298,22 @@ constexpr OffsetRow rows[] = {
             .meaning = "navigation hold, armed or engaged",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{
-                  Variant{.addOn = AddOn::X737,
-                          .target = Int<"x737/systems/afds/VORLOC">,
-                          .buttons = {{Int<"x737/systems/afds/VORLOC">, &commandOf<"x737/mcp/VORLOC_TOGGLE">}}},
-                  Variant{.addOn = AddOn::B738Extended,
-                          .alsoFor = AddOn::B738Stock,
-                          .buttons = {{Float<"laminar/B738/autopilot/vorloc_status">,
-                                       &commandOf<"laminar/B738/autopilot/vorloc_press">}}},
-                  Variant{.addOn = AddOn::Ixeg733,
-                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_vor_loc_ann">,
-                                       &commandOf<"ixeg/733/autopilot/VORLOC_mode_toggle">}}},
-                  Variant{.addOn = AddOn::Ec135,
-                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(6),
-                                       &commandOf<"ec135/autopilot/nav">}}},
-                  Variant{.stateBits = navArmed | navEngaged, .key = xplm_key_otto_hnav}};
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .target = Fitting<"x737/systems/afds/VORLOC">,
+                                        .buttons = {{Fitting<"x737/systems/afds/VORLOC">,
+                                                     &commandOf<"x737/mcp/VORLOC_TOGGLE">,
+                                                     Fitting<"x737/systems/MCP/LED_VORLOC_on">}}},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .alsoFor = AddOn::B738Stock,
+                                        .buttons = {{Fitting<"laminar/B738/autopilot/vorloc_status">,
+                                                     &commandOf<"laminar/B738/autopilot/vorloc_press">}}},
+                                Variant{.addOn = AddOn::Ixeg733,
+                                        .buttons = {{Fitting<"ixeg/733/MCP/mcp_vor_loc_ann">,
+                                                     &commandOf<"ixeg/733/autopilot/VORLOC_mode_toggle">}}},
+                                Variant{.addOn = AddOn::Ec135,
+                                        .buttons = {{FittingElement<"rotorsim/ec135/afcs_indications">(6),
+                                                     &commandOf<"ec135/autopilot/nav">}}},
+                                Variant{.stateBits = navArmed | navEngaged, .key = xplm_key_otto_hnav}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07C8,
@@ -303,21 +321,21 @@ constexpr OffsetRow rows[] = {
             .meaning = "heading hold",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{
-                  Variant{.addOn = AddOn::X737,
-                          .target = Int<"x737/systems/afds/HDG">,
-                          .buttons = {{Int<"x737/systems/afds/HDG">, &commandOf<"x737/mcp/HDGSEL_TOGGLE">}}},
-                  Variant{.addOn = AddOn::B738Extended,
-                          .alsoFor = AddOn::B738Stock,
-                          .buttons = {{Float<"laminar/B738/autopilot/hdg_sel_status">,
-                                       &commandOf<"laminar/B738/autopilot/hdg_sel_press">}}},
-                  Variant{.addOn = AddOn::Ixeg733,
-                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_hdg_ann">,
-                                       &commandOf<"ixeg/733/autopilot/HDG_mode_toggle">}}},
-                  Variant{.addOn = AddOn::Ec135,
-                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(5),
-                                       &commandOf<"ec135/autopilot/hdg">}}},
-                  Variant{.stateBits = headingSelect, .key = xplm_key_otto_hdg}};
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .target = Fitting<"x737/systems/afds/HDG">,
+                                        .buttons = {{Fitting<"x737/systems/afds/HDG">,
+                                                     &commandOf<"x737/mcp/HDGSEL_TOGGLE">}}},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .alsoFor = AddOn::B738Stock,
+                                        .buttons = {{Fitting<"laminar/B738/autopilot/hdg_sel_status">,
+                                                     &commandOf<"laminar/B738/autopilot/hdg_sel_press">}}},
+                                Variant{.addOn = AddOn::Ixeg733,
+                                        .buttons = {{Fitting<"ixeg/733/MCP/mcp_hdg_ann">,
+                                                     &commandOf<"ixeg/733/autopilot/HDG_mode_toggle">}}},
+                                Variant{.addOn = AddOn::Ec135,
+                                        .buttons = {{FittingElement<"rotorsim/ec135/afcs_indications">(5),
+                                                     &commandOf<"ec135/autopilot/hdg">}}},
+                                Variant{.stateBits = headingSelect, .key = xplm_key_otto_hdg}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07D0,
@@ -325,21 +343,22 @@ constexpr OffsetRow rows[] = {
             .meaning = "altitude hold",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{
-                  Variant{.addOn = AddOn::X737,
-                          .target = Int<"x737/systems/afds/ALTHLD">,
-                          .buttons = {{Int<"x737/systems/afds/ALTHLD">, &commandOf<"x737/mcp/ALTHLD_TOGGLE">}}},
-                  Variant{.addOn = AddOn::B738Extended,
-                          .alsoFor = AddOn::B738Stock,
-                          .buttons = {{Float<"laminar/B738/autopilot/alt_hld_status">,
-                                       &commandOf<"laminar/B738/autopilot/alt_hld_press">}}},
-                  Variant{.addOn = AddOn::Ixeg733,
-                          .buttons = {{Fitting<"ixeg/733/MCP/mcp_alt_hold_ann">,
-                                       &commandOf<"ixeg/733/autopilot/ALTHLD_mode_toggle">}}},
-                  Variant{.addOn = AddOn::Ec135,
-                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(12),
-                                       &commandOf<"ec135/autopilot/alt">}}},
-                  Variant{.stateBits = altitudeHold, .key = xplm_key_otto_alt}};
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .target = Fitting<"x737/systems/afds/ALTHLD">,
+                                        .buttons = {{Fitting<"x737/systems/afds/ALTHLD">,
+                                                     &commandOf<"x737/mcp/ALTHLD_TOGGLE">,
+                                                     Fitting<"x737/systems/MCP/LED_ALTHLD_on">}}},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .alsoFor = AddOn::B738Stock,
+                                        .buttons = {{Fitting<"laminar/B738/autopilot/alt_hld_status">,
+                                                     &commandOf<"laminar/B738/autopilot/alt_hld_press">}}},
+                                Variant{.addOn = AddOn::Ixeg733,
+                                        .buttons = {{Fitting<"ixeg/733/MCP/mcp_alt_hold_ann">,
+                                                     &commandOf<"ixeg/733/autopilot/ALTHLD_mode_toggle">}}},
+                                Variant{.addOn = AddOn::Ec135,
+                                        .buttons = {{FittingElement<"rotorsim/ec135/afcs_indications">(12),
+                                                     &commandOf<"ec135/autopilot/alt">}}},
+                                Variant{.stateBits = altitudeHold, .key = xplm_key_otto_alt}};
             }>,
             .lossy = flagLoss}),
     Switch({.offset = 0x07DC,
@@ -348,18 +367,17 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .target = Int<"x737/systems/athr/MCPSPD_mode">,
-                                        .buttons = {{Int<"x737/systems/athr/MCPSPD_mode">,
-                                                     &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">},
-                                                    {Int<"x737/systems/MCP/LED_VNAV_on">,
+                                        .target = Fitting<"x737/systems/athr/MCPSPD_mode">,
+                                        .buttons = {x737SpeedButton,
+                                                    {Fitting<"x737/systems/MCP/LED_VNAV_on">,
                                                      &commandOf<"x737/mcp/VNAV_TOGGLE">}}},
                                 Variant{.addOn = AddOn::B738Extended,
                                         .alsoFor = AddOn::B738Stock,
-                                        .buttons = {{Float<"laminar/B738/autopilot/speed_status1">,
+                                        .buttons = {{Fitting<"laminar/B738/autopilot/speed_status1">,
                                                      &commandOf<"laminar/B738/autopilot/speed_press">},
-                                                    {Float<"laminar/B738/autopilot/lvl_chg_status">,
+                                                    {Fitting<"laminar/B738/autopilot/lvl_chg_status">,
                                                      &commandOf<"laminar/B738/autopilot/lvl_chg_press">},
-                                                    {Float<"laminar/B738/autopilot/vnav_status1">,
+                                                    {Fitting<"laminar/B738/autopilot/vnav_status1">,
                                                      &commandOf<"laminar/B738/autopilot/vnav_press">}}},
                                 Variant{.addOn = AddOn::Ixeg733,
                                         .buttons = {{Fitting<"ixeg/733/MCP/mcp_speed_ann">,
@@ -369,7 +387,7 @@ constexpr OffsetRow rows[] = {
                                                     {Fitting<"ixeg/733/MCP/mcp_vnav_ann">,
                                                      &commandOf<"ixeg/733/autopilot/VNAV_mode_toggle">}}},
                                 Variant{.addOn = AddOn::Ec135,
-                                        .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(11),
+                                        .buttons = {{FittingElement<"rotorsim/ec135/afcs_indications">(11),
                                                      &commandOf<"ec135/autopilot/ias">}}},
                                 Variant{.stateBits = autothrottleSpeed, .key = xplm_key_otto_atr}};
             }>,
@@ -380,12 +398,11 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::X737,
-                                        .target = Int<"x737/systems/athr/MCPSPD_mode">,
-                                        .buttons = {{Int<"x737/systems/athr/MCPSPD_mode">,
-                                                     &commandOf<"x737/mcp/MCPSPD_MODE_TOGGLE">}}},
+                                        .target = Fitting<"x737/systems/athr/MCPSPD_mode">,
+                                        .buttons = {x737SpeedButton}},
                                 Variant{.addOn = AddOn::B738Extended,
                                         .alsoFor = AddOn::B738Stock,
-                                        .buttons = {{Float<"laminar/B738/autopilot/speed_status1">,
+                                        .buttons = {{Fitting<"laminar/B738/autopilot/speed_status1">,
                                                      &commandOf<"laminar/B738/autopilot/speed_press">}}},
                                 Variant{.addOn = AddOn::Ixeg733,
                                         .buttons = {{Fitting<"ixeg/733/MCP/mcp_speed_ann">,
@@ -401,18 +418,18 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{
                   Variant{.addOn = AddOn::X737,
-                          .marks = {Int<"x737/systems/afds/VS_arm">, Int<"x737/systems/afds/VS">},
-                          .target = Int<"x737/systems/afds/VS">,
-                          .buttons = {{Int<"x737/systems/afds/VS">, &commandOf<"x737/mcp/VS_TOGGLE">}}},
+                          .marks = {Fitting<"x737/systems/afds/VS_arm">, Fitting<"x737/systems/afds/VS">},
+                          .target = Fitting<"x737/systems/afds/VS">,
+                          .buttons = {{Fitting<"x737/systems/afds/VS">, &commandOf<"x737/mcp/VS_TOGGLE">}}},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
-                          .buttons = {{Float<"laminar/B738/autopilot/vs_status">,
+                          .buttons = {{Fitting<"laminar/B738/autopilot/vs_status">,
                                        &commandOf<"laminar/B738/autopilot/vs_press">}}},
                   Variant{.addOn = AddOn::Ixeg733,
                           .buttons = {{Fitting<"ixeg/733/MCP/mcp_vs_ann">,
                                        &commandOf<"ixeg/733/autopilot/VS_mode_toggle">}}},
                   Variant{.addOn = AddOn::Ec135,
-                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(10),
+                          .buttons = {{FittingElement<"rotorsim/ec135/afcs_indications">(10),
                                        &commandOf<"ec135/autopilot/vs">}}},
                   Variant{.stateBits = verticalSpeedHold, .key = xplm_key_otto_vvi}};
             }>,
@@ -423,12 +440,12 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{
-                  Variant{
-                      .addOn = AddOn::X737,
-                      .marks = {Fitting<"x737/systems/athr/N1_mode">, Int<"x737/systems/MCP/LED_LVLCHG_on">}},
+                  Variant{.addOn = AddOn::X737,
+                          .marks = {Fitting<"x737/systems/athr/N1_mode", "x737/systems/MCP/LED_N1_on">,
+                                    Fitting<"x737/systems/MCP/LED_LVLCHG_on">}},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
-                          .lights = {Float<"laminar/B738/autopilot/n1_status">}},
+                          .lights = {Fitting<"laminar/B738/autopilot/n1_status">}},
                   Variant{.addOn = AddOn::Ixeg733, .lights = {Fitting<"ixeg/733/MCP/mcp_n1_ann">}},
                   Variant{.stateBits = levelChange}};
             }>}),
@@ -439,17 +456,18 @@ constexpr OffsetRow rows[] = {
             .variants = variantsOf<[] {
               return std::array{
                   Variant{.addOn = AddOn::X737,
-                          .target = Int<"x737/systems/afds/APP">,
-                          .buttons = {{Int<"x737/systems/afds/APP">, &commandOf<"x737/mcp/APP_TOGGLE">}}},
+                          .target = Fitting<"x737/systems/afds/APP">,
+                          .buttons = {{Fitting<"x737/systems/afds/APP">, &commandOf<"x737/mcp/APP_TOGGLE">,
+                                       Fitting<"x737/systems/MCP/LED_APP_on">}}},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
-                          .buttons = {{Float<"laminar/B738/autopilot/app_status">,
+                          .buttons = {{Fitting<"laminar/B738/autopilot/app_status">,
                                        &commandOf<"laminar/B738/autopilot/app_press">}}},
                   Variant{.addOn = AddOn::Ixeg733,
                           .buttons = {{Fitting<"ixeg/733/MCP/mcp_app_ann">,
                                        &commandOf<"ixeg/733/autopilot/APP_mode_toggle">}}},
                   Variant{.addOn = AddOn::Ec135,
-                          .buttons = {{FloatElement<"rotorsim/ec135/afcs_indications">(4),
+                          .buttons = {{FittingElement<"rotorsim/ec135/afcs_indications">(4),
                                        &commandOf<"ec135/autopilot/app">}}},
                   Variant{.stateBits = glideslopeArmed | glideslopeEngaged,
                           .press = &commandOf<"sim/autopilot/approach">}};
@@ -460,28 +478,26 @@ constexpr OffsetRow rows[] = {
             .meaning = "take-off and go-around",
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
-              return std::array{
-                  Variant{
-                      .addOn = AddOn::X737,
-                      .marks = {Int<"x737/systems/athr/toggle_TOGA">},
-                      .apply = ApplyGoAroundX737,
-                      .sets =
-                          sourcesOf<Int<"x737/cockpit/tq/left_TOGA_btn">, Int<"x737/cockpit/tq/right_TOGA_btn">,
-                                    Int<"x737/systems/athr/toggle_TOGA">>},
-                  Variant{.addOn = AddOn::B738Extended,
-                          .lights = {Float<"laminar/B738/autopilot/n1_status">},
-                          .buttons = {{{}, &commandOf<"laminar/B738/autopilot/left_toga_press">}},
-                          .momentary = true,
-                          .held = true},
-                  Variant{.addOn = AddOn::Ixeg733,
-                          .buttons = {{{}, &commandOf<"sim/engines/TOGA_power">}},
-                          .momentary = true},
-                  Variant{.addOn = AddOn::B738Stock,
-                          .lights = {Float<"laminar/B738/autopilot/n1_status">},
-                          .buttons = {{{}, &commandOf<"laminar/B738/autopilot/capt_toga_press">}},
-                          .momentary = true,
-                          .held = true},
-                  Variant{.stateBits = lateralToga | verticalToga}};
+              return std::array{Variant{.addOn = AddOn::X737,
+                                        .marks = {Fitting<"x737/systems/athr/toggle_TOGA">},
+                                        .apply = ApplyGoAroundX737,
+                                        .sets = sourcesOf<Fitting<"x737/cockpit/tq/left_TOGA_btn">,
+                                                          Fitting<"x737/cockpit/tq/right_TOGA_btn">,
+                                                          Fitting<"x737/systems/athr/toggle_TOGA">>},
+                                Variant{.addOn = AddOn::B738Extended,
+                                        .lights = {Fitting<"laminar/B738/autopilot/n1_status">},
+                                        .buttons = {{{}, &commandOf<"laminar/B738/autopilot/left_toga_press">}},
+                                        .momentary = true,
+                                        .held = true},
+                                Variant{.addOn = AddOn::Ixeg733,
+                                        .buttons = {{{}, &commandOf<"sim/engines/TOGA_power">}},
+                                        .momentary = true},
+                                Variant{.addOn = AddOn::B738Stock,
+                                        .lights = {Fitting<"laminar/B738/autopilot/n1_status">},
+                                        .buttons = {{{}, &commandOf<"laminar/B738/autopilot/capt_toga_press">}},
+                                        .momentary = true,
+                                        .held = true},
+                                Variant{.stateBits = lateralToga | verticalToga}};
             }>,
             .lossy = "can be written with some add-on aircraft only"}),
     Switch({.offset = 0x0810,
@@ -490,18 +506,17 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C7,
             .variants = variantsOf<[] {
               return std::array{
-                  Variant{
-                      .addOn = AddOn::X737,
-                      .marks = {Int<"x737/systems/athr/athr_armed">},
-                      .apply = ApplyAutothrottleX737,
-                      .reads = sourcesOf<Int<"x737/systems/PFD/PFD_TOGA_mode_on">>,
-                      .sets =
-                          sourcesOf<Int<"x737/systems/athr/athr_armed">, Int<"x737/systems/athr/toggle_TOGA">>},
+                  Variant{.addOn = AddOn::X737,
+                          .marks = {Fitting<"x737/systems/athr/athr_armed">},
+                          .apply = ApplyAutothrottleX737,
+                          .reads = sourcesOf<Fitting<"x737/systems/PFD/PFD_TOGA_mode_on">>,
+                          .sets = sourcesOf<Fitting<"x737/systems/athr/athr_armed">,
+                                            Fitting<"x737/systems/athr/toggle_TOGA">>},
                   Variant{.addOn = AddOn::B738Extended,
                           .alsoFor = AddOn::B738Stock,
-                          .lights = {Float<"laminar/B738/autopilot/autothrottle_status">,
-                                     Float<"laminar/B738/autopilot/speed_status1">},
-                          .buttons = {{Float<"laminar/B738/autopilot/autothrottle_arm_pos">,
+                          .lights = {Fitting<"laminar/B738/autopilot/autothrottle_status">,
+                                     Fitting<"laminar/B738/autopilot/speed_status1">},
+                          .buttons = {{Fitting<"laminar/B738/autopilot/autothrottle_arm_pos">,
                                        &commandOf<"laminar/B738/autopilot/autothrottle_arm_toggle">}}},
                   Variant{.addOn = AddOn::Ixeg733,
                           .lights = {Fitting<"ixeg/733/MCP/mcp_at_arm_ann">},
@@ -521,11 +536,11 @@ constexpr OffsetRow rows[] = {
      .convert = HeadingWordOf,
      .variants = variantsOf<[] {
        return std::array{Variant{.addOn = AddOn::X737,
-                                 .source = Float<"x737/systems/afds/HDG_magnhdg">,
-                                 .target = Float<"x737/systems/afds/HDG_magnhdg">},
+                                 .source = Fitting<"x737/systems/afds/HDG_magnhdg">,
+                                 .target = Fitting<"x737/systems/afds/HDG_magnhdg">},
                          Variant{.addOn = AddOn::B738Extended,
-                                 .source = Float<"laminar/B738/autopilot/mcp_hdg_dial">,
-                                 .target = Float<"laminar/B738/autopilot/mcp_hdg_dial">},
+                                 .source = Fitting<"laminar/B738/autopilot/mcp_hdg_dial">,
+                                 .target = Fitting<"laminar/B738/autopilot/mcp_hdg_dial">},
                          Variant{.source = Float<"sim/cockpit/autopilot/heading_mag">,
                                  .target = Float<"sim/cockpit/autopilot/heading_mag">}};
      }>,
@@ -542,11 +557,11 @@ constexpr OffsetRow rows[] = {
      .factor = metresPerFoot * 65536,
      .variants = variantsOf<[] {
        return std::array{Variant{.addOn = AddOn::X737,
-                                 .source = Float<"x737/systems/afds/ALTHLD_baroalt">,
-                                 .target = Float<"x737/systems/afds/ALTHLD_baroalt">},
+                                 .source = Fitting<"x737/systems/afds/ALTHLD_baroalt">,
+                                 .target = Fitting<"x737/systems/afds/ALTHLD_baroalt">},
                          Variant{.addOn = AddOn::B738Extended,
-                                 .source = Float<"laminar/B738/autopilot/mcp_alt_dial">,
-                                 .target = Float<"laminar/B738/autopilot/mcp_alt_dial">},
+                                 .source = Fitting<"laminar/B738/autopilot/mcp_alt_dial">,
+                                 .target = Fitting<"laminar/B738/autopilot/mcp_alt_dial">},
                          Variant{.target = Float<"sim/cockpit/autopilot/altitude">}};
      }>,
      .write = {.convert = FeetOf},
@@ -561,7 +576,7 @@ constexpr OffsetRow rows[] = {
        return std::array{Variant{.addOn = AddOn::X737,
                                  .read = ReadKnots<x737Speed>,
                                  .apply = ApplyKnots<x737Speed>,
-                                 .reads = sourcesOf<x737Speed.isMach, x737Speed.mach, x737Speed.knots>,
+                                 .reads = sourcesOf<x737Speed.mach, x737Speed.knots>,
                                  .sets = sourcesOf<x737Speed.set>},
                          Variant{.addOn = AddOn::B738Extended,
                                  .read = ReadKnots<b738Speed>,
@@ -570,6 +585,7 @@ constexpr OffsetRow rows[] = {
                                  .sets = sourcesOf<b738Speed.set>},
                          Variant{.read = ReadKnots<stockSpeed>, .apply = ApplyKnots<stockSpeed>}};
      }>,
+     .parts = speedParts,
      .note = "knots also while the selector stands at Mach"},
     {.offset = 0x07E8,
      .type = Stored::S32,
@@ -581,7 +597,7 @@ constexpr OffsetRow rows[] = {
        return std::array{Variant{.addOn = AddOn::X737,
                                  .read = ReadMach<x737Speed>,
                                  .apply = ApplyMach<x737Speed>,
-                                 .reads = sourcesOf<x737Speed.isMach, x737Speed.mach, x737Speed.knots>,
+                                 .reads = sourcesOf<x737Speed.mach, x737Speed.knots>,
                                  .sets = sourcesOf<x737Speed.set>},
                          Variant{.addOn = AddOn::B738Extended,
                                  .read = ReadMach<b738Speed>,
@@ -590,6 +606,7 @@ constexpr OffsetRow rows[] = {
                                  .sets = sourcesOf<b738Speed.set>},
                          Variant{.read = ReadMach<stockSpeed>, .apply = ApplyMach<stockSpeed>}};
      }>,
+     .parts = speedParts,
      .lossy = "held in single precision: off by more than one step from Mach 100 on",
      .note = "Mach also while the selector stands at knots"},
     {.offset = 0x07F2,
@@ -600,13 +617,13 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C7,
      .variants = variantsOf<[] {
        return std::array{Variant{.addOn = AddOn::X737,
-                                 .source = Float<"x737/systems/afds/VS_vvi">,
+                                 .source = Fitting<"x737/systems/afds/VS_vvi">,
                                  .apply = ApplyClimbX737,
-                                 .reads = sourcesOf<Int<"x737/systems/afds/VS">>,
-                                 .sets = sourcesOf<Float<"x737/systems/afds/VS_vvi">>,
+                                 .reads = sourcesOf<Fitting<"x737/systems/afds/VS">>,
+                                 .sets = sourcesOf<Fitting<"x737/systems/afds/VS_vvi">>,
                                  .fires = commandsOf<"x737/mcp/VS_TOGGLE">},
                          Variant{.addOn = AddOn::B738Extended,
-                                 .source = Float<"laminar/B738/autopilot/ap_vvi_pos">,
+                                 .source = Fitting<"laminar/B738/autopilot/ap_vvi_pos">,
                                  .target = Float<"sim/cockpit2/autopilot/vvi_dial_fpm">},
                          Variant{.source = Float<"sim/cockpit/autopilot/vertical_velocity">,
                                  .target = Float<"sim/cockpit/autopilot/vertical_velocity">}};
@@ -627,9 +644,9 @@ constexpr OffsetRow rows[] = {
             .cycle = Cycle::C31,
             .variants = variantsOf<[] {
               return std::array{Variant{.addOn = AddOn::B738Extended,
-                                        .lights = {Float<"laminar/B738/annunciator/yaw_damp">},
+                                        .lights = {Fitting<"laminar/B738/annunciator/yaw_damp">},
                                         .dark = true,
-                                        .buttons = {{Float<"laminar/B738/toggle_switch/yaw_dumper_pos">,
+                                        .buttons = {{Fitting<"laminar/B738/toggle_switch/yaw_dumper_pos">,
                                                      &commandOf<"laminar/B738/toggle_switch/yaw_dumper">}}},
                                 Variant{.addOn = AddOn::Ixeg733,
                                         .marks = {Fitting<"ixeg/733/hydraulics/yaw_damper_act">},
@@ -646,8 +663,8 @@ constexpr OffsetRow rows[] = {
      .source = Int<"sim/cockpit/switches/auto_brake_settings">,
      .variants = variantsOf<[] {
        return std::array{Variant{.addOn = AddOn::B738Extended,
-                                 .source = Float<"laminar/B738/autobrake/autobrake_pos">,
-                                 .target = Float<"laminar/B738/autobrake/autobrake_pos">,
+                                 .source = Fitting<"laminar/B738/autobrake/autobrake_pos">,
+                                 .target = Fitting<"laminar/B738/autobrake/autobrake_pos">,
                                  .targetConvert = AutobrakePlace},
                          Variant{.addOn = AddOn::Ixeg733,
                                  .source = Fitting<"ixeg/733/hydraulics/hyd_auto_brake_act">,

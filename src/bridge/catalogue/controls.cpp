@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <numbers>
+#include <span>
 
 #include "XPLMUtilities.h"
 #include "base/log.h"
@@ -30,11 +31,13 @@ double StabiliserTrim(double word) { return word / stabiliserSteps - stabiliserZ
 
 constexpr Source leftBrake = Float<"sim/flightmodel/controls/l_brake_add">,
                  rightBrake = Float<"sim/flightmodel/controls/r_brake_add">;
-constexpr Source parkingLight = Float<"laminar/B738/annunciator/parking_brake">;
+constexpr Source parkingLight = Fitting<"laminar/B738/annunciator/parking_brake">;
 
 // All brake rows look at the parking brake, so that it is read with the snapshot.
 constexpr Variant parkingBrake[] = {{.addOn = AddOn::B738Extended, .source = parkingLight},
                                     {.source = Float<"sim/flightmodel/controls/parkbrake">}};
+constexpr Variant toeBrakes[] = {{.source = leftBrake}};
+constexpr std::span<const Variant> parkingParts[] = {parkingBrake}, brakeParts[] = {parkingBrake, toeBrakes};
 
 struct Brakes {
   double left, right, parking;
@@ -70,7 +73,7 @@ void ApplyRightBrake(const OffsetRow&, const Staged& staged) {
 
 // The extended 737-800 knows only off and on, and has a button that goes from one to the other; earlier
 // versions listen to the simulator's. The light needs power, the lever does not.
-constexpr Source parkingLever = Float<"laminar/B738/parking_brake_pos">;
+constexpr Source parkingLever = Fitting<"laminar/B738/parking_brake_pos">;
 bool IsParkedB738(double ratio) { return ratio > 0.2; }
 double ParkingWordB738(double light) { return IsParkedB738(light) ? parkedWord : 0; }
 
@@ -86,17 +89,22 @@ void ApplyParkingBrakeB738(const OffsetRow& row, const Staged& staged) {
 // Clients know the lever as 0 down, 4800 armed, 5620 to 16383 deployed.
 constexpr double armedWord = 4800, deployedWord = 5620;
 constexpr double stockArmed = -0.5, x737Armed = 0.125, b738Armed = 0.0889, ixegArmed = 0.15;
+constexpr Source x737SpeedBrake = Fitting<"x737/systems/speedbrake/spdbrkLeverPos">,
+                 x737IsArmed = Fitting<"x737/systems/speedbrake/spdbrkIsArmed">;
+constexpr Source b738SpeedBrake = Fitting<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                 ixegSpeedBrake = Fitting<"ixeg/733/hydraulics/speedbrake_act">;
 constexpr Source speedBrakeRequest = Float<"sim/flightmodel/controls/sbrkrqst">;
 
 // An add-on's lever: down, armed within a narrow stretch, else deployed in proportion. Compared in single
 // precision, as the lever's detents are.
 double LeverWord(double position, float down, float deployed) {
   const float lever = static_cast<float>(position);
-  if (lever <= down) return 0;
+  if (!(lever > down)) return 0;
   if (lever < deployed) return armedWord;
-  return std::max(armedWord, std::trunc(position * full));
+  return std::clamp(std::trunc(position * full), armedWord, full);
 }
-double LeverWordX737(double position) { return LeverWord(position, 0.1f, 0.15f); }
+constexpr float x737Deployed = 0.15f;
+double LeverWordX737(double position) { return LeverWord(position, 0.1f, x737Deployed); }
 double LeverWordB738(double position) { return LeverWord(position, 0.07f, 0.145f); }
 double LeverWordIxeg(double position) { return LeverWord(position, 0.1f, 0.2f); }
 double RequestWord(double request) {
@@ -128,6 +136,26 @@ double IsArmedIxeg(double position) { return LeverWordIxeg(position) == armedWor
 template <const double& armed>
 double ArmedOrDown(double wanted) {
   return wanted != 0 ? armed : 0;
+}
+// The same of an add-on's lever, which stays where it is deployed.
+template <const Source& lever, const double& armed, Convert isArmed>
+void ApplyArmed(const OffsetRow&, const Staged& staged) {
+  if (staged.integer != 0 || isArmed(ReadSource(lever)) != 0)
+    SetSource(lever, ArmedOrDown<armed>(staged.number));
+}
+// The x737 has commands for both; earlier versions a switch.
+void ApplyArmedX737(const OffsetRow& row, const Staged& staged) {
+  const bool wanted = staged.integer != 0;
+  if (!wanted && static_cast<float>(ReadSource(x737SpeedBrake)) >= x737Deployed) return;
+  const Command& command =
+      wanted ? commandOf<"x737/speedbrakes/SPEEDBRAKES_ARM"> : commandOf<"x737/speedbrakes/SPEEDBRAKES_DOWN">;
+  if (command.handle != nullptr) {
+    FireCommand(command);
+  } else if (HandleOf(x737IsArmed) != nullptr) {
+    SetSource(x737IsArmed, wanted);
+  } else {
+    FireFor(row, command);  // says so
+  }
 }
 
 // --- Flaps and gear -------------------------------------------------------------------------------
@@ -366,6 +394,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C3,
      .read = ReadToeBrake<&Brakes::left>,
      .prepare = TakeBrakes,
+     .parts = brakeParts,
      .write = {.target = leftBrake, .factor = 1 / full},
      .note = "16383 while the parking brake is set"},
     {.offset = 0x0BC6,
@@ -377,6 +406,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C3,
      .read = ReadToeBrake<&Brakes::right>,
      .prepare = TakeBrakes,
+     .parts = brakeParts,
      .write = {.apply = ApplyRightBrake},
      .note = "16383 while the parking brake is set"},
     {.offset = 0x0BC8,
@@ -398,6 +428,7 @@ constexpr OffsetRow rows[] = {
                                                      "sim/flight_controls/brakes_toggle_max">},
                          Variant{.target = Float<"sim/flightmodel/controls/parkbrake">}};
      }>,
+     .parts = parkingParts,
      .write = {.factor = 1 / parkedWord, .high = 1},
      .lossy = "above 32767 counts as 32767; the extended 737-800 knows only off and on"},
     {.offset = 0x0BCA,
@@ -407,7 +438,8 @@ constexpr OffsetRow rows[] = {
      .show = Show::Flag,
      .cycle = Cycle::C3,
      .read = ReadBrakesApplied,
-     .prepare = TakeBrakes},
+     .prepare = TakeBrakes,
+     .parts = brakeParts},
     {.offset = 0x3416,
      .type = Stored::S16,
      .name = "left_brake_axis",
@@ -441,20 +473,20 @@ constexpr OffsetRow rows[] = {
                .addOn = AddOn::X737,
                .source = Fitting<"x737/systems/speedbrake/spdbrkIsArmedLight">,
                .convert = IsArmedLight,
-               .target = Int<"x737/systems/speedbrake/spdbrkIsArmed">,
-               .targetConvert = OnOff,
-               .places = commandsOf<"x737/speedbrakes/SPEEDBRAKES_DOWN", "x737/speedbrakes/SPEEDBRAKES_ARM">},
+               .apply = ApplyArmedX737,
+               .sets = sourcesOf<x737IsArmed>,
+               .fires = commandsOf<"x737/speedbrakes/SPEEDBRAKES_DOWN", "x737/speedbrakes/SPEEDBRAKES_ARM">},
            Variant{.addOn = AddOn::B738Extended,
                    .alsoFor = AddOn::B738Stock,
-                   .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                   .source = b738SpeedBrake,
                    .convert = IsArmedB738,
-                   .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
-                   .targetConvert = ArmedOrDown<b738Armed>},
+                   .apply = ApplyArmed<b738SpeedBrake, b738Armed, IsArmedB738>,
+                   .sets = sourcesOf<b738SpeedBrake>},
            Variant{.addOn = AddOn::Ixeg733,
-                   .source = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                   .source = ixegSpeedBrake,
                    .convert = IsArmedIxeg,
-                   .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
-                   .targetConvert = ArmedOrDown<ixegArmed>},
+                   .apply = ApplyArmed<ixegSpeedBrake, ixegArmed, IsArmedIxeg>,
+                   .sets = sourcesOf<ixegSpeedBrake>},
            Variant{.source = speedBrakeRequest,
                    .convert = IsArmedRequest,
                    .target = speedBrakeRequest,
@@ -468,20 +500,20 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C13,
      .variants = variantsOf<[] {
        return std::array{Variant{.addOn = AddOn::X737,
-                                 .source = Float<"x737/systems/speedbrake/spdbrkLeverPos">,
+                                 .source = x737SpeedBrake,
                                  .convert = LeverWordX737,
-                                 .target = Float<"x737/systems/speedbrake/spdbrkLeverPos">,
+                                 .target = x737SpeedBrake,
                                  .targetConvert = LeverOf<x737Armed>},
                          Variant{.addOn = AddOn::B738Extended,
                                  .alsoFor = AddOn::B738Stock,
-                                 .source = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .source = b738SpeedBrake,
                                  .convert = LeverWordB738,
-                                 .target = Float<"laminar/B738/flt_ctrls/speedbrake_lever">,
+                                 .target = b738SpeedBrake,
                                  .targetConvert = LeverOf<b738Armed>},
                          Variant{.addOn = AddOn::Ixeg733,
-                                 .source = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                                 .source = ixegSpeedBrake,
                                  .convert = LeverWordIxeg,
-                                 .target = Fitting<"ixeg/733/hydraulics/speedbrake_act">,
+                                 .target = ixegSpeedBrake,
                                  .targetConvert = LeverOf<ixegArmed>},
                          Variant{.source = speedBrakeRequest,
                                  .convert = RequestWord,
@@ -585,9 +617,9 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C3,
      .variants = variantsOf<[] {
        return std::array{Variant{.addOn = AddOn::B738Extended,
-                                 .source = Float<"laminar/B738/controls/gear_handle_down">,
+                                 .source = Fitting<"laminar/B738/controls/gear_handle_down">,
                                  .convert = GearWordB738,
-                                 .target = Float<"laminar/B738/controls/gear_handle_down">,
+                                 .target = Fitting<"laminar/B738/controls/gear_handle_down">,
                                  .targetConvert = GearDown},
                          Variant{.source = gearHandle, .convert = GearWord, .apply = ApplyGear}};
      }>,

@@ -22,12 +22,15 @@ void ApplyToAllEngines(const OffsetRow&, const Staged& staged) {
 }
 
 // Spring-loaded switches of an add-on, pressed to one side or the other: commands for on, then those for off.
+// The command for on stands for the switch.
 struct SpringCommands {
   const Command *on[2], *off[2];
 };
 template <const SpringCommands& springs>
 void PressSprings(const OffsetRow& row, const Staged& staged) {
-  for (const Command* command : staged.integer != 0 ? springs.on : springs.off) FireFor(row, *command, true);
+  for (size_t i = 0; i < std::size(springs.on); ++i) {
+    HoldFor(row, staged.integer != 0 ? *springs.on[i] : *springs.off[i], springs.on[i]);
+  }
 }
 template <const SpringCommands& springs>
 constexpr const Command* springsOf[] = {springs.on[0], springs.on[1], springs.off[0], springs.off[1]};
@@ -58,15 +61,25 @@ double SwitchOfEc135(double wanted) { return wanted != 0 ? 2 : 1; }
 
 // The APU switch of the extended 737-800 goes one place on at each press, off, on, start, and springs back to
 // on when the last one ends.
-constexpr Source b738ApuSwitch = Float<"laminar/B738/spring_toggle_switch/APU_start_pos">;
+constexpr Source b738ApuSwitch = Fitting<"laminar/B738/spring_toggle_switch/APU_start_pos">;
 void TurnApuB738(const OffsetRow& row, int wanted) {
-  const int position = static_cast<int>(std::lround(ReadSource(b738ApuSwitch)));
-  if (wanted == 0 && position != 0) {
-    FireFor(row, commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_up">);
+  const Command& up = commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_up">;
+  const Command& down = commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_dn">;
+  const Control control = b738ApuSwitch.ref;
+  const std::optional<int> place = PlaceOf(AddOn::B738Extended, row.offset, b738ApuSwitch, 0, 2);
+  if (!place) return;
+  ForgetWaitingPresses(control);
+  const XPLMCommandRef held = HeldCommand(control);
+  if (wanted == 2 && *place == 2 && held == down.handle) return;            // is starting
+  const int next = held == nullptr ? *place : held == down.handle ? 1 : 0;  // when what is held has ended
+  if (wanted == 0 && next != 0) {
+    if (held == nullptr) {
+      FireFor(row, up);
+    } else {
+      HoldFor(row, up, control);
+    }
   }
-  for (int i = position; i < wanted; ++i) {
-    FireFor(row, commandOf<"laminar/B738/spring_toggle_switch/APU_start_pos_dn">, true);
-  }
+  if (wanted > next) HoldFor(row, down, control, wanted - next);
 }
 void ApplyApuSwitchB738(const OffsetRow& row, const Staged& staged) {
   TurnApuB738(row, static_cast<int>(std::clamp<int64_t>(staged.integer, 0, 2)));
@@ -113,9 +126,9 @@ constexpr OffsetRow rows[] = {
                        .fires = springsOf<b738StockGenerators>},
                Variant{.addOn = AddOn::Ixeg733, .apply = MoveSprings<ixegGenerators>, .sets = ixegGenerators},
                Variant{.addOn = AddOn::Ec135,
-                       .target = FloatElement<"rotorsim/ec135/generator">(0),
+                       .target = FittingElement<"rotorsim/ec135/generator">(0),
                        .targetConvert = SwitchOfEc135,
-                       .together = sourcesOf<FloatElement<"rotorsim/ec135/generator">(1)>}};
+                       .together = sourcesOf<FittingElement<"rotorsim/ec135/generator">(1)>}};
          }>,
          .write = {.apply = ApplyToAllEngines<IntElement<"sim/cockpit/electrical/generator_on">(0)>}}),
     {.offset = 0x3102,
@@ -127,17 +140,17 @@ constexpr OffsetRow rows[] = {
      .convert = OnOff,
      .variants = variantsOf<[] {
        return std::array{
-           Variant{.addOn = AddOn::X737, .source = Int<"x737/systems/electrics/swBatBusPowered">},
+           Variant{.addOn = AddOn::X737, .source = Fitting<"x737/systems/electrics/swBatBusPowered">},
            Variant{.addOn = AddOn::B738Extended,
-                   .source = Float<"laminar/B738/electric/battery_pos">,
+                   .source = Fitting<"laminar/B738/electric/battery_pos">,
                    .places = commandsOf<"laminar/B738/switch/battery_up", "laminar/B738/switch/battery_dn">},
            Variant{.addOn = AddOn::Ixeg733,
                    .source = Fitting<"ixeg/733/electrical/elec_batt_on_act">,
                    .target = Fitting<"ixeg/733/electrical/elec_batt_on_act">},
            Variant{.addOn = AddOn::Ec135,
-                   .source = Float<"rotorsim/ec135/battery">,
+                   .source = Fitting<"rotorsim/ec135/battery">,
                    .convert = IsOnEc135,
-                   .target = Float<"rotorsim/ec135/battery">,
+                   .target = Fitting<"rotorsim/ec135/battery">,
                    .targetConvert = SwitchOfEc135},
            Variant{.source = Int<"sim/cockpit/electrical/battery_on">}};
      }>,
@@ -156,13 +169,13 @@ constexpr OffsetRow rows[] = {
          .variants = variantsOf<[] {
            return std::array{
                Variant{.addOn = AddOn::B738Extended,
-                       .target = Float<"laminar/B738/fuel/fuel_tank_pos_lft1">,
+                       .target = Fitting<"laminar/B738/fuel/fuel_tank_pos_lft1">,
                        .targetConvert = OnOff,
-                       .together = sourcesOf<Float<"laminar/B738/fuel/fuel_tank_pos_lft2">,
-                                             Float<"laminar/B738/fuel/fuel_tank_pos_ctr1">,
-                                             Float<"laminar/B738/fuel/fuel_tank_pos_ctr2">,
-                                             Float<"laminar/B738/fuel/fuel_tank_pos_rgt1">,
-                                             Float<"laminar/B738/fuel/fuel_tank_pos_rgt2">>},
+                       .together = sourcesOf<Fitting<"laminar/B738/fuel/fuel_tank_pos_lft2">,
+                                             Fitting<"laminar/B738/fuel/fuel_tank_pos_ctr1">,
+                                             Fitting<"laminar/B738/fuel/fuel_tank_pos_ctr2">,
+                                             Fitting<"laminar/B738/fuel/fuel_tank_pos_rgt1">,
+                                             Fitting<"laminar/B738/fuel/fuel_tank_pos_rgt2">>},
                Variant{.addOn = AddOn::Ixeg733,
                        .target = Fitting<"ixeg/733/fuel/fuel_1_aft_act">,
                        .targetConvert = OnOff,

@@ -184,12 +184,14 @@ constexpr Family pressureRatio = {
 // The same temperatures in the two forms that clients know.
 constexpr EngineVariants exhaustVariants = {
     variantsOf<[] {
-      return std::array{Variant{.addOn = AddOn::B738Extended, .source = Float<"laminar/B738/engine/eng1_egt">},
-                        Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(0)}};
+      return std::array{
+          Variant{.addOn = AddOn::B738Extended, .source = Fitting<"laminar/B738/engine/eng1_egt">},
+          Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(0)}};
     }>,
     variantsOf<[] {
-      return std::array{Variant{.addOn = AddOn::B738Extended, .source = Float<"laminar/B738/engine/eng2_egt">},
-                        Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(1)}};
+      return std::array{
+          Variant{.addOn = AddOn::B738Extended, .source = Fitting<"laminar/B738/engine/eng2_egt">},
+          Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(1)}};
     }>,
     variantsOf<[] {
       return std::array{Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_EGT_c">(2)}};
@@ -285,10 +287,12 @@ constexpr Family vibration = {
               .note = "x737 only, else 0"},
     .offsets = {0x08D4, 0x096C, 0, 0},
     .variants = {variantsOf<[] {
-                   return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_1">}};
+                   return std::array{
+                       Variant{.addOn = AddOn::X737, .source = Fitting<"x737/engine/viblevel_1">}};
                  }>,
                  variantsOf<[] {
-                   return std::array{Variant{.addOn = AddOn::X737, .source = Float<"x737/engine/viblevel_2">}};
+                   return std::array{
+                       Variant{.addOn = AddOn::X737, .source = Fitting<"x737/engine/viblevel_2">}};
                  }>},
 };
 

@@ -35,6 +35,10 @@ int ElementOf(Tank tank, int count) {
   return element < count ? element : -1;
 }
 
+constexpr bool IsMain(Tank tank) {
+  return tank == Tank::Centre || tank == Tank::LeftMain || tank == Tank::RightMain;
+}
+
 struct X737Tank {
   Source kg, share;
 };
@@ -42,12 +46,12 @@ struct X737Tank {
 constexpr X737Tank X737TankOf(Tank tank) {
   switch (tank) {
     case Tank::Centre:
-      return {Float<"x737/systems/fuel/fuelCenterTank_kg">, Fitting<"x737/systems/fuel/fuelCenterTank_perc">};
+      return {Fitting<"x737/systems/fuel/fuelCenterTank_kg">, Fitting<"x737/systems/fuel/fuelCenterTank_perc">};
     case Tank::LeftMain:
-      return {Float<"x737/systems/fuel/fuelLeftMainTank_kg">,
+      return {Fitting<"x737/systems/fuel/fuelLeftMainTank_kg">,
               Fitting<"x737/systems/fuel/fuelLeftMainTank_perc">};
     case Tank::RightMain:
-      return {Float<"x737/systems/fuel/fuelRightMainTank_kg">,
+      return {Fitting<"x737/systems/fuel/fuelRightMainTank_kg">,
               Fitting<"x737/systems/fuel/fuelRightMainTank_perc">};
     default:
       return {};
@@ -71,7 +75,7 @@ double GallonsX737(Tank tank) {
 // Of all tanks at once: the arrays' layout hangs on their number. Which aircraft counts is asked here and not
 // in the rows, because capacities and levels, of different cycles, share what is found.
 void TakeTankSizes() {
-  const auto gallonsOf = IsLoaded(AddOn::X737) ? GallonsX737 : Gallons;
+  const auto gallonsOf = Serves(AddOn::X737) ? GallonsX737 : Gallons;
   constexpr double most = std::numeric_limits<uint32_t>::max();
   fullFuel = ReadSource(Float<"sim/aircraft/weight/acf_m_fuel_tot">);
   tankCount = ReadInt(Int<"sim/aircraft/overflow/acf_num_tanks">);
@@ -112,6 +116,16 @@ void ApplyLevel(const OffsetRow&, const Staged& staged) {
   SetSource(ContentsOf(tank), KgOf<tank>(staged.number));
 }
 
+double NoTank(double) { return 0; }
+
+// What the x737 shows its capacities by, for the reference page.
+template <Tank tank>
+constexpr Variant x737Capacity[] = {
+    {.addOn = AddOn::X737, .source = X737TankOf(tank).kg, .convert = IsMain(tank) ? nullptr : NoTank},
+    {.addOn = AddOn::X737, .source = X737TankOf(tank).share, .silent = !IsMain(tank)}};
+template <Tank tank>
+constexpr std::span<const Variant> x737CapacityParts[] = {x737Capacity<tank>};
+
 // What the capacities have in common, and the levels.
 template <Tank tank>
 constexpr OffsetRow Capacity(OffsetRow row) {
@@ -120,8 +134,8 @@ constexpr OffsetRow Capacity(OffsetRow row) {
   row.cycle = Cycle::C313;
   row.prepared = &capacities[static_cast<size_t>(tank)];
   row.prepare = TakeTankSizes;
-  constexpr bool isMain = tank == Tank::Centre || tank == Tank::LeftMain || tank == Tank::RightMain;
-  if (!isMain) row.elsewhere = "8.60 has three tanks: 0 there";
+  row.parts = x737CapacityParts<tank>;
+  if (!IsMain(tank)) row.elsewhere = "8.60 has three tanks: 0 there";
   return row;
 }
 template <Tank tank>
@@ -134,9 +148,10 @@ constexpr OffsetRow Level(OffsetRow row) {
   row.variants = variantsOf<[] {
     return std::array{Variant{.addOn = AddOn::X737,
                               .source = X737TankOf(tank).kg,
-                              .convert = LevelOf<tank>,
+                              .convert = IsMain(tank) ? LevelOf<tank> : NoTank,
                               .target = X737TankOf(tank).kg,
-                              .targetConvert = KgOf<tank>},
+                              .targetConvert = KgOf<tank>,
+                              .silent = !IsMain(tank)},
                       Variant{.read = ReadLevel<tank>, .apply = ApplyLevel<tank>}};
   }>;
   row.lossy = "reads back 0.017 % higher; an aircraft without this tank ignores it";

@@ -14,8 +14,8 @@ enum Light { navigation, beacon, landing, taxi, strobe, instruments, lightCount 
 constexpr int allLights = (1 << lightCount) - 1;
 
 // The position light knob of the extended 737-800: steady, off, strobe and steady.
-constexpr Source b738Position = Float<"laminar/B738/toggle_switch/position_light_pos">;
-double IsNotCentred(double position) { return std::lround(position) != 0; }
+constexpr Source b738Position = Fitting<"laminar/B738/toggle_switch/position_light_pos">;
+double IsNotCentred(double position) { return std::abs(position) >= 0.5; }
 double IsStrobing(double position) { return position > 0.5; }
 
 constexpr Variant navigationSwitch[] = {{.addOn = AddOn::B738Extended,
@@ -29,8 +29,8 @@ constexpr Variant navigationSwitch[] = {{.addOn = AddOn::B738Extended,
                                          .target = Fitting<"ixeg/733/lighting/position_lt_act">},
                                         {.source = Int<"sim/cockpit2/switches/navigation_lights_on">}};
 constexpr Variant beaconSwitch[] = {{.addOn = AddOn::X737,
-                                     .source = Int<"x737/systems/exteriorLights/beaconLightSwitch">,
-                                     .target = Int<"x737/systems/exteriorLights/beaconLightSwitch">},
+                                     .source = Fitting<"x737/systems/exteriorLights/beaconLightSwitch">,
+                                     .target = Fitting<"x737/systems/exteriorLights/beaconLightSwitch">},
                                     {.addOn = AddOn::Ixeg733,
                                      .source = Fitting<"ixeg/733/lighting/anti_col_lt_act">,
                                      .target = Fitting<"ixeg/733/lighting/anti_col_lt_act">},
@@ -52,7 +52,7 @@ constexpr Variant landingSwitch[] = {
                        Fitting<"ixeg/733/lighting/r_outboard_ll_act">>},
     {.source = Int<"sim/cockpit2/switches/landing_lights_on">}};
 constexpr Variant taxiSwitch[] = {{.addOn = AddOn::B738Extended,
-                                   .source = Float<"laminar/B738/toggle_switch/taxi_light_brightness_pos">,
+                                   .source = Fitting<"laminar/B738/toggle_switch/taxi_light_brightness_pos">,
                                    .silent = true},
                                   {.addOn = AddOn::Ixeg733,
                                    .source = Fitting<"ixeg/733/lighting/taxi_lt_act">,
@@ -70,8 +70,8 @@ constexpr Variant strobeSwitch[] = {{.addOn = AddOn::B738Extended,
 constexpr Variant instrumentSwitch[] = {{.source = Int<"sim/cockpit/electrical/cockpit_lights_on">}};
 
 // The switches, in the order of the bits.
-constexpr std::span<const Variant> switches[lightCount] = {
-    navigationSwitch, beaconSwitch, landingSwitch, taxiSwitch, strobeSwitch, instrumentSwitch};
+constexpr std::span<const Variant> switches[lightCount] = {navigationSwitch, beaconSwitch, landingSwitch,
+                                                           taxiSwitch,       strobeSwitch, instrumentSwitch};
 
 template <int... lights>
 constexpr std::span<const Variant> partsOf[] = {switches[lights]...};
@@ -103,18 +103,24 @@ bool ReadLights(const OffsetRow&, double* value) {
   return true;
 }
 
+// What the log calls them when an add-on lacks the switch of one of several.
+constexpr const char* lightNames[lightCount] = {"navigation lights", "beacon lights", "landing lights",
+                                                "taxi lights",       "strobe lights", "instrument lights"};
+constexpr char knobName[] = "position lights";
+
 // Navigation and strobe lights are one knob, turned step by step.
 void TurnPositionKnobB738(uint32_t offset, bool navigationWanted, bool strobeWanted) {
   const Command& up = commandOf<"laminar/B738/toggle_switch/position_light_up">;
   const Command& down = commandOf<"laminar/B738/toggle_switch/position_light_down">;
   if (up.handle == nullptr || down.handle == nullptr) {
-    TellUnserved(AddOn::B738Extended, offset, up.handle == nullptr ? up.name : down.name);
+    TellUnserved(AddOn::B738Extended, offset, up.handle == nullptr ? up.name : down.name, knobName);
     return;
   }
-  const long wanted = strobeWanted ? 1 : navigationWanted ? -1 : 0;
-  const long position = std::clamp(std::lround(ReadSource(b738Position)), -1L, 1L);
-  for (long i = position; i < wanted; ++i) FireCommand(up);
-  for (long i = position; i > wanted; --i) FireCommand(down);
+  const int wanted = strobeWanted ? 1 : navigationWanted ? -1 : 0;
+  const std::optional<int> place = PlaceOf(AddOn::B738Extended, offset, b738Position, -1, 1, knobName);
+  if (!place) return;
+  for (int i = *place; i < wanted; ++i) FireCommand(up);
+  for (int i = *place; i > wanted; --i) FireCommand(down);
 }
 
 // The fixed lights have a command for each place, the retractable ones two steps from one end to the other.
@@ -141,9 +147,13 @@ int ApplyLightsB738(uint32_t offset, int bits, int wanted) {
     TurnPositionKnobB738(offset, (after >> navigation & 1) != 0, (after >> strobe & 1) != 0);
   }
   if (((after ^ shown) >> landing & 1) != 0) {
-    for (const Command* command : (after >> landing & 1) != 0 ? b738LandingOn : b738LandingOff) {
+    bool isFired = false;
+    const auto& commands = (after >> landing & 1) != 0 ? b738LandingOn : b738LandingOff;
+    for (const Command* command : commands) {
       FireCommand(*command);
+      isFired |= command->handle != nullptr;
     }
+    if (!isFired) TellUnserved(AddOn::B738Extended, offset, commands[0]->name, lightNames[landing]);
   }
   return bits & ~(knob | 1 << landing);
 }
@@ -156,16 +166,19 @@ void ApplyRetractableIxeg(bool wanted) {
 
 void SwitchLight(uint32_t offset, int light, bool wanted) {
   const Variant& variant = ActingVariant(switches[light]);
-  if (ActsOn(variant)) {
-    if (!variant.silent || wanted != IsLightOn(light)) TurnSwitch(switches[light], offset, wanted);
-    if (light == landing) ApplyRetractableIxeg(wanted);
-  } else {
+  if (!ActsOn(variant)) {
     SetSource(variant.source, wanted);
+    return;
   }
+  // A switch that has more places than on and off stays where it is when nobody wants to turn it over.
+  const bool isShown = variant.silent || &ShowingVariant(switches[light]) == &variant;
+  if (isShown && wanted == IsLightOn(light)) return;
+  TurnSwitch(switches[light], offset, wanted, lightNames[light]);
+  if (light == landing) ApplyRetractableIxeg(wanted);
 }
 
 void SwitchLights(uint32_t offset, int bits, int wanted) {
-  if (IsLoaded(AddOn::B738Extended)) bits = ApplyLightsB738(offset, bits, wanted);
+  if (Serves(AddOn::B738Extended)) bits = ApplyLightsB738(offset, bits, wanted);
   for (int light = 0; light < lightCount; light++) {
     if ((bits >> light & 1) != 0) SwitchLight(offset, light, (wanted >> light & 1) != 0);
   }

@@ -132,12 +132,13 @@ void ApplyExchange(const OffsetRow& row, const Staged& staged) {
 }
 
 // The extended 737-800's knob: test, standby, altitude off, altitude on, TA, TA/RA. It is turned step by step.
-constexpr Source b738Transponder = Float<"laminar/B738/knob/transponder_pos">;
+constexpr Source b738Transponder = Fitting<"laminar/B738/knob/transponder_pos">;
 double TransponderWordB738(double position) { return position < 0.5 ? 3 : position < 1.5 ? 1 : 2; }
 void ApplyTransponderB738(const OffsetRow& row, const Staged& staged) {
   constexpr int64_t places[] = {1, 1, 3, 0};  // of off, standby, on and test
-  const int64_t steps =
-      places[std::clamp<int64_t>(staged.integer, 0, 3)] - std::lround(ReadSource(b738Transponder));
+  const std::optional<int> place = PlaceOf(AddOn::B738Extended, row.offset, b738Transponder, 0, 5);
+  if (!place) return;
+  const int64_t steps = places[std::clamp<int64_t>(staged.integer, 0, 3)] - *place;
   for (int64_t i = 0; i < std::abs(steps); ++i) {
     FireFor(row, steps > 0 ? commandOf<"laminar/B738/knob/transponder_mode_up">
                            : commandOf<"laminar/B738/knob/transponder_mode_dn">);

@@ -6,6 +6,7 @@
 #include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/engine_families.h"
 #include "bridge/catalogue/throttle_actions.h"
+#include "bridge/held_presses.h"
 
 namespace {
 
@@ -175,16 +176,19 @@ struct FuelLever {
   const Command *idle, *cutoff;
 };
 constexpr FuelLever b738FuelLevers[] = {
-    {Float<"laminar/B738/engine/mixture_ratio1">, &commandOf<"laminar/B738/engine/mixture1_idle">,
+    {Fitting<"laminar/B738/engine/mixture_ratio1">, &commandOf<"laminar/B738/engine/mixture1_idle">,
      &commandOf<"laminar/B738/engine/mixture1_cutoff">},
-    {Float<"laminar/B738/engine/mixture_ratio2">, &commandOf<"laminar/B738/engine/mixture2_idle">,
+    {Fitting<"laminar/B738/engine/mixture_ratio2">, &commandOf<"laminar/B738/engine/mixture2_idle">,
      &commandOf<"laminar/B738/engine/mixture2_cutoff">}};
 
 template <int engine>
 void ApplyFuelLeverB738(const OffsetRow& row, const Staged& staged) {
   const FuelLever& lever = b738FuelLevers[engine];
   const bool open = IsOpen(staged.number) != 0;
-  if (open != (ReadSource(lever.ratio) >= 0.5)) FireFor(row, open ? *lever.idle : *lever.cutoff, true);
+  const double ratio = ReadSource(lever.ratio);
+  const bool isKnown = HandleOf(lever.ratio) != nullptr && !std::isnan(ratio);
+  if (isKnown && HeldCommand(&lever) == nullptr && open == (ratio >= 0.5)) return;
+  HoldFor(row, open ? *lever.idle : *lever.cutoff, &lever);
 }
 
 constexpr Family cutoffLever = {
@@ -205,27 +209,27 @@ constexpr Family cutoffLever = {
         {variantsOf<[] {
            return std::array{
                Variant{.addOn = AddOn::X737,
-                       .source = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
-                       .target = Float<"x737/cockpit/tq/leftCutoffLeverPos">,
+                       .source = Fitting<"x737/cockpit/tq/leftCutoffLeverPos">,
+                       .target = Fitting<"x737/cockpit/tq/leftCutoffLeverPos">,
                        .targetConvert = CutoffOfX737},
                Variant{
                    .addOn = AddOn::B738Extended,
-                   .source = Float<"laminar/B738/engine/mixture_ratio1">,
+                   .source = Fitting<"laminar/B738/engine/mixture_ratio1">,
                    .apply = ApplyFuelLeverB738<0>,
                    .fires =
                        commandsOf<"laminar/B738/engine/mixture1_idle", "laminar/B738/engine/mixture1_cutoff">},
                Variant{.addOn = AddOn::B738Stock,
-                       .source = Float<"laminar/B738/engine/slider/condition_lever1_target">,
-                       .target = Float<"laminar/B738/engine/slider/condition_lever1_target">,
+                       .source = Fitting<"laminar/B738/engine/slider/condition_lever1_target">,
+                       .target = Fitting<"laminar/B738/engine/slider/condition_lever1_target">,
                        .targetConvert = LeverRatio},
                Variant{.addOn = AddOn::Ixeg733,
                        .source = Fitting<"ixeg/733/fuel/fuel_start_lever1_act">,
                        .target = Fitting<"ixeg/733/fuel/fuel_start_lever1_act">,
                        .targetConvert = IsOpen},
                Variant{.addOn = AddOn::Ec135,
-                       .source = FloatElement<"rotorsim/ec135/main_switch">(0),
+                       .source = FittingElement<"rotorsim/ec135/main_switch">(0),
                        .convert = MainSwitchWord,
-                       .target = FloatElement<"rotorsim/ec135/main_switch">(0),
+                       .target = FittingElement<"rotorsim/ec135/main_switch">(0),
                        .targetConvert = MainSwitch},
                Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0),
                        .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(0)}};
@@ -233,27 +237,27 @@ constexpr Family cutoffLever = {
          variantsOf<[] {
            return std::array{
                Variant{.addOn = AddOn::X737,
-                       .source = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
-                       .target = Float<"x737/cockpit/tq/rightCutoffLeverPos">,
+                       .source = Fitting<"x737/cockpit/tq/rightCutoffLeverPos">,
+                       .target = Fitting<"x737/cockpit/tq/rightCutoffLeverPos">,
                        .targetConvert = CutoffOfX737},
                Variant{
                    .addOn = AddOn::B738Extended,
-                   .source = Float<"laminar/B738/engine/mixture_ratio2">,
+                   .source = Fitting<"laminar/B738/engine/mixture_ratio2">,
                    .apply = ApplyFuelLeverB738<1>,
                    .fires =
                        commandsOf<"laminar/B738/engine/mixture2_idle", "laminar/B738/engine/mixture2_cutoff">},
                Variant{.addOn = AddOn::B738Stock,
-                       .source = Float<"laminar/B738/engine/slider/condition_lever2_target">,
-                       .target = Float<"laminar/B738/engine/slider/condition_lever2_target">,
+                       .source = Fitting<"laminar/B738/engine/slider/condition_lever2_target">,
+                       .target = Fitting<"laminar/B738/engine/slider/condition_lever2_target">,
                        .targetConvert = LeverRatio},
                Variant{.addOn = AddOn::Ixeg733,
                        .source = Fitting<"ixeg/733/fuel/fuel_start_lever2_act">,
                        .target = Fitting<"ixeg/733/fuel/fuel_start_lever2_act">,
                        .targetConvert = IsOpen},
                Variant{.addOn = AddOn::Ec135,
-                       .source = FloatElement<"rotorsim/ec135/main_switch">(1),
+                       .source = FittingElement<"rotorsim/ec135/main_switch">(1),
                        .convert = MainSwitchWord,
-                       .target = FloatElement<"rotorsim/ec135/main_switch">(1),
+                       .target = FittingElement<"rotorsim/ec135/main_switch">(1),
                        .targetConvert = MainSwitch},
                Variant{.source = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1),
                        .target = FloatElement<"sim/flightmodel/engine/ENGN_mixt">(1)}};
@@ -402,7 +406,7 @@ constexpr Family magneto = {
     .offsets = {0x0892, 0x092A, 0x09C2, 0x0A5A},
     .variants = {variantsOf<[] {
                    return std::array{Variant{.addOn = AddOn::B738Extended,
-                                             .source = Float<"laminar/B738/engine/starter1_pos">,
+                                             .source = Fitting<"laminar/B738/engine/starter1_pos">,
                                              .convert = StarterWordB738,
                                              .targetConvert = StarterWord,
                                              .places = commandsOf<"laminar/B738/rotary/eng1_start_off",
@@ -416,7 +420,7 @@ constexpr Family magneto = {
                  }>,
                  variantsOf<[] {
                    return std::array{Variant{.addOn = AddOn::B738Extended,
-                                             .source = Float<"laminar/B738/engine/starter2_pos">,
+                                             .source = Fitting<"laminar/B738/engine/starter2_pos">,
                                              .convert = StarterWordB738,
                                              .targetConvert = StarterWord,
                                              .places = commandsOf<"laminar/B738/rotary/eng2_start_off",
@@ -473,13 +477,15 @@ void ReleaseStarters() {
 }
 
 bool ReleaseIxegLevers() {
-  bool wasTaken = false;
+  bool isGivenBack = false;
   for (size_t i = 0; i < std::size(ixegLevers); ++i) {
-    wasTaken |= ixegLevers[i].taken;
-    if (ixegLevers[i].taken && ReadSource(ixegInputs[i]) == ixegLevers[i].last) SetSource(ixegInputs[i], 0);
+    const bool isOurs = ixegLevers[i].taken && HandleOf(ixegInputs[i]) != nullptr &&
+                        ReadSource(ixegInputs[i]) == ixegLevers[i].last;
+    if (isOurs) SetSource(ixegInputs[i], 0);
+    isGivenBack |= isOurs;
     ixegLevers[i] = {};
   }
-  return wasTaken;
+  return isGivenBack;
 }
 
 void ForgetIxegLevers() {
