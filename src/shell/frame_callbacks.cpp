@@ -1,5 +1,7 @@
 #include "shell/frame_callbacks.h"
 
+#include <algorithm>
+
 #include "aircraft/adapters.h"
 #include "base/log.h"
 #include "bridge/cycles.h"
@@ -56,7 +58,8 @@ void FollowAxes() {
   if constexpr (!systemHasJoysticks) {
     const XPLMDataRef axes = HandleOf(FloatElement<"sim/joystick/joystick_axis_values">(0));
     // Older simulators have fewer axes than the newest.
-    if (axes != nullptr) count = static_cast<size_t>(XPLMGetDatavf(axes, axisReadings, 0, maxAxes));
+    if (axes != nullptr)
+      count = static_cast<size_t>(std::max(0, XPLMGetDatavf(axes, axisReadings, 0, maxAxes)));
   }
   const int overridesOn = WantsAxisOverrides() ? OverridesOn() : overridesNotTold;
   if (WatchAxes({axisReadings, count}, overridesOn)) WakeButtonThread();
