@@ -41,7 +41,7 @@ struct AxisPanels : Panels {
 
 TEST_F(AxisPanels, CalibratesALeverThread) {
   Open(title);
-  EXPECT_EQ(Shown(title, "Control"), "Elevator");
+  ChooseControl("Elevator");
   Do("PREVIOUS", nullptr, "");
   EXPECT_EQ(Shown(title, "Control"), "Free 8");
   Do("SAVE", nullptr, "Enter the offset that the axis is to move");
