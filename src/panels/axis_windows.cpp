@@ -243,6 +243,7 @@ std::string Exit(int combines) {
 void Opened() {
   if (settings.clientMode) LoadAxisAssignments();
   seenMoves = LastAxisMove().count;
+  editsCombined = false;
   Choose(chosen);
 }
 
