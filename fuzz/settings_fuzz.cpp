@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "controls/axis_settings.h"
 #include "settings/settings.h"
 #include "settings/settings_text.h"
 
@@ -34,6 +35,20 @@ std::string_view TrimBlanks(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+// A key of an axis takes the text or leaves everything as it was, and what it has taken reads back.
+void CheckAxisKeys(std::string_view text) {
+  for (uint8_t number = 0; number < static_cast<uint8_t>(AxisKey::Count); ++number) {
+    const auto key = static_cast<AxisKey>(number);
+    AxisSettings taken, again;
+    if (!TakeAxisKey(key, text, &taken).empty()) {
+      Require(taken == AxisSettings{});
+      continue;
+    }
+    Require(TakeAxisKey(key, AxisKeyText(key, taken), &again).empty());
+    Require(again == taken);
+  }
+}
+
 }  // namespace
 
 // The input is section, key and value in a line each, then the text of the file.
@@ -54,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ParseNumber(found);
     ParseYesNo(found);
     Require(ParseFlapDetent(found).count <= 3);
-    ParseAxis(found);
+    CheckAxisKeys(found);
   }
   if (!AreSettingNames(section, key)) return 0;
 

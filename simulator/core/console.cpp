@@ -37,6 +37,21 @@ std::string Set(const Line& line) {
   return why.empty() ? "ok" : Error(why);
 }
 
+std::string Axis(const Line& line) {
+  DataRef* axes = FindLive("sim/joystick/joystick_axis_values");
+  if (!axes) return Error("this version has no list of joystick axes");
+  int64_t axis = 0;
+  if (!Count(line.words[1], 0, axes->count - 1, &axis)) {
+    return Error("the axes are 0 to " + std::to_string(axes->count - 1));
+  }
+  double value = 0;
+  if (!ParseDouble(line.words[2], &value) || !(value >= 0 && value <= 1)) {
+    return Error("an axis stands at 0 to 1, not at " + line.words[2]);
+  }
+  std::string why = SetDataRef(axes, static_cast<int>(axis), line.words, line.quoted, 2);
+  return why.empty() ? "ok" : Error(why);
+}
+
 std::string Define(const Line& line) {
   const std::string& name = line.words[1];
   Kind kind;
@@ -240,6 +255,12 @@ constexpr CommandRow commandRows[] = {
      .most = any,
      .run = Set,
      .about = "sets it as the simulator would; text in double quotes"},
+    {.name = "axis",
+     .usage = "N VALUE",
+     .least = 2,
+     .most = 2,
+     .run = Axis,
+     .about = "moves axis N of the joystick to VALUE, 0 to 1 from end to end"},
     {.name = "define",
      .usage = "NAME TYPE [VALUE]",
      .least = 2,

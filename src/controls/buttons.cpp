@@ -7,6 +7,7 @@
 
 #include "base/bytes.h"
 #include "base/log.h"
+#include "controls/axes.h"
 #include "controls/button_settings.h"
 #include "offsets/dispatcher.h"
 #include "offsets/memory.h"
@@ -134,7 +135,10 @@ void TellWaitError(int error) {
 }
 
 uint32_t ButtonProcedure(void*) {
-  while (buttonRun.load() != 0) RunButtonRound(&wakeEvent);
+  while (buttonRun.load() != 0) {
+    RunButtonRound(&wakeEvent);
+    RunAxisRound();
+  }
   return 0;
 }
 
@@ -178,6 +182,8 @@ bool StartButtonThread() {
   SetListening(false);
   return false;
 }
+
+void WakeButtonThread() { SignalEvent(&wakeEvent); }
 
 void StopButtonThread() {
   buttonRun = 0;

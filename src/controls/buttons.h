@@ -1,5 +1,5 @@
-// The room controls/: joystick buttons that write offsets. When the user presses or releases an assigned
-// button, a value is written, or one bit set, cleared or toggled, in an offset of 1, 2 or 4 bytes.
+// The room controls/: joystick buttons and axes (axes.h) that write offsets. When the user presses or releases
+// an assigned button, a value is written, or one bit set, cleared or toggled, in an offset of 1, 2 or 4 bytes.
 //
 // The simulator's thread watches the buttons every frame and queues each change; a thread of its own carries
 // the changes out, each write going through the dispatcher like a client's. Queue and table lie under a lock
@@ -34,6 +34,8 @@ bool CreateButtons();
 void DeleteButtons();
 // Returns true, or false when no thread could be made.
 bool StartButtonThread();
+// Lets it go through a round: a frame has something for it (axes.h).
+void WakeButtonThread();
 // Ends and joins the thread; nothing happens when it was not started.
 void StopButtonThread();
 // Fills the table from the settings file, which is read once. Assignments that cannot work are left inactive,

@@ -1,7 +1,8 @@
-// "Flaps settings": the detents of a flap lever as the settings file holds them. The plug-in reads no lever.
+// "Flaps settings": the detents of a flap lever on a joystick axis, which the calibration window assigns.
 #include <algorithm>
 #include <cstdio>
 
+#include "controls/axes.h"
 #include "panels/layout.h"
 #include "panels/numbers.h"
 #include "panels/panels.h"
@@ -17,6 +18,7 @@ bool IsActive(int) { return settings.flapsActive; }
 std::string TurnActive(int, bool on) {
   if (!WriteSetting(section, "Flap Settings", on ? "Active" : "Inactive")) return NotSaved();
   settings.flapsActive = on;
+  LoadAxisAssignments();
   return saved;
 }
 
@@ -35,6 +37,7 @@ std::string AcceptDetents(int, const std::string& text) {
   std::snprintf(value, sizeof value, "%02d", count);
   if (!WriteSetting(section, "Number of Detends", value)) return NotSaved();
   settings.flapDetents = count;
+  LoadAxisAssignments();
   return saved;
 }
 
@@ -68,6 +71,7 @@ std::string AcceptDetent(int detent, const std::string& text) {
   const std::string key = "Flap detend " + std::to_string(detent + 1);
   if (!WriteSetting(section, key.c_str(), DetentText(taken).c_str())) return NotSaved();
   settings.flapDetent[detent] = taken;
+  LoadAxisAssignments();
   return saved;
 }
 
@@ -84,8 +88,8 @@ constexpr Cell DetentField(const char* label, int detent) {
 }
 
 constexpr Row rows[] = {
-    {{{.kind = CellKind::Label, .label = "Kept for a flap axis, which TAVRIX does not read:"}}},
-    {{{.kind = CellKind::Label, .label = "the simulator's own flap lever is in force."}}},
+    {{{.kind = CellKind::Label, .label = "Detents of the joystick axis that moves the flaps,"}}},
+    {{{.kind = CellKind::Label, .label = "which the window Joystick Calibration Assignments assigns."}}},
     {},
     {{{.kind = CellKind::Box, .label = "Flap detents active", .isOn = IsActive, .turn = TurnActive}}},
     {{{.kind = CellKind::Field,
@@ -95,7 +99,7 @@ constexpr Row rows[] = {
        .text = Detents,
        .check = CheckDetents,
        .accept = AcceptDetents}}},
-    {{{.kind = CellKind::Heading, .label = "Up to three numbers each, separated by commas"}}},
+    {{{.kind = CellKind::Heading, .label = "Position of the lever (0 to 1), and its lower and upper bound"}}},
     {{DetentField("Detent 1", 0), DetentField("Detent 6", 5)}},
     {{DetentField("Detent 2", 1), DetentField("Detent 7", 6)}},
     {{DetentField("Detent 3", 2), DetentField("Detent 8", 7)}},

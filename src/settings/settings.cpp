@@ -36,13 +36,13 @@ enum class Kind {
   text,        // char[maxSettingValue + 1]
   address,     // char[sizeof Settings::serverAddress]
   yesNo,       // bool
-  axis,        // AxisCombination
   number,      // double
   active,      // bool: "Active"
   detents,     // int, taken from 2 to maxFlapDetents only
   flapDetent,  // FlapDetent
   list,        // std::string
   pageAccess,  // PageAccess
+  kept,        // none: another room reads it
 };
 
 struct Row {
@@ -50,7 +50,7 @@ struct Row {
   const char* key;
   const char* byDefault;
   Kind kind;
-  void* target;  // member of `settings`, of the kind's type
+  void* target = nullptr;  // member of `settings`, of the kind's type
 };
 
 constexpr char general[] = "TAVRIX SETTINGS";
@@ -119,51 +119,15 @@ constexpr Row rows[] = {
      .byDefault = "Boeing 737-800",
      .kind = Kind::text,
      .target = settings.atcAircraftType},
-    {.section = axes,
-     .key = "Invert Elevator Axis",
-     .byDefault = "No",
-     .kind = Kind::yesNo,
-     .target = &settings.invertElevator},
-    {.section = axes,
-     .key = "Invert Aileron Axis",
-     .byDefault = "No",
-     .kind = Kind::yesNo,
-     .target = &settings.invertAileron},
-    {.section = axes,
-     .key = "Invert Rudder Axis",
-     .byDefault = "No",
-     .kind = Kind::yesNo,
-     .target = &settings.invertRudder},
-    {.section = axes,
-     .key = "Combine Rudder Axis",
-     .byDefault = notAssigned,
-     .kind = Kind::axis,
-     .target = &settings.combineRudder},
-    {.section = axes,
-     .key = "Combine Aileron Axis",
-     .byDefault = notAssigned,
-     .kind = Kind::axis,
-     .target = &settings.combineAileron},
-    {.section = axes,
-     .key = "Combine Elevator Axis",
-     .byDefault = notAssigned,
-     .kind = Kind::axis,
-     .target = &settings.combineElevator},
-    {.section = axes,
-     .key = "Combine Tiller Axis",
-     .byDefault = notAssigned,
-     .kind = Kind::axis,
-     .target = &settings.combineTiller},
-    {.section = axes,
-     .key = "Combine Left Toebrake Axis",
-     .byDefault = notAssigned,
-     .kind = Kind::axis,
-     .target = &settings.combineLeftToeBrake},
-    {.section = axes,
-     .key = "Combine Right Toebrake Axis",
-     .byDefault = notAssigned,
-     .kind = Kind::axis,
-     .target = &settings.combineRightToeBrake},
+    {.section = axes, .key = "Invert Elevator Axis", .byDefault = "No", .kind = Kind::kept},
+    {.section = axes, .key = "Invert Aileron Axis", .byDefault = "No", .kind = Kind::kept},
+    {.section = axes, .key = "Invert Rudder Axis", .byDefault = "No", .kind = Kind::kept},
+    {.section = axes, .key = "Combine Rudder Axis", .byDefault = notAssigned, .kind = Kind::kept},
+    {.section = axes, .key = "Combine Aileron Axis", .byDefault = notAssigned, .kind = Kind::kept},
+    {.section = axes, .key = "Combine Elevator Axis", .byDefault = notAssigned, .kind = Kind::kept},
+    {.section = axes, .key = "Combine Tiller Axis", .byDefault = notAssigned, .kind = Kind::kept},
+    {.section = axes, .key = "Combine Left Toebrake Axis", .byDefault = notAssigned, .kind = Kind::kept},
+    {.section = axes, .key = "Combine Right Toebrake Axis", .byDefault = notAssigned, .kind = Kind::kept},
     {.section = pushback,
      .key = "MaxSpeed",
      .byDefault = "-1.5",
@@ -272,8 +236,7 @@ void Take(const Row& row, std::string_view value) {
     case Kind::yesNo:
       *static_cast<bool*>(row.target) = ParseYesNo(value);
       break;
-    case Kind::axis:
-      *static_cast<AxisCombination*>(row.target) = ParseAxis(value);
+    case Kind::kept:
       break;
     case Kind::number:
       *static_cast<double*>(row.target) = ParseNumber(value);

@@ -17,12 +17,6 @@
 constexpr int maxSettingValue = 130;  // characters; longer values are cut when written
 constexpr int maxFlapDetents = 10;
 
-struct AxisCombination {
-  bool active;  // false: not assigned
-  int joystick;
-  int axis;
-};
-
 struct FlapDetent {
   double values[3];
   int count;  // numbers given, 0 for an empty value (values[0] is 0 then)
@@ -42,9 +36,6 @@ struct Settings {
   char atcTailNumber[maxSettingValue + 1];
   char atcAirlineName[maxSettingValue + 1];
   char atcAircraftType[maxSettingValue + 1];
-  bool invertElevator, invertAileron, invertRudder;
-  AxisCombination combineRudder, combineAileron, combineElevator, combineTiller;
-  AxisCombination combineLeftToeBrake, combineRightToeBrake;
   double pushbackMaxSpeed;
   double toeBrakeNullZone;
   bool flapsActive;

@@ -286,14 +286,6 @@ double ParseNumber(std::string_view text) {
 
 bool ParseYesNo(std::string_view text) { return text == "Yes" || text == "YES"; }
 
-AxisCombination ParseAxis(std::string_view text) {
-  text = Trim(text);
-  if (text.empty() || text == "Not assigned" || text == "NOT ASSIGNED") return {};
-  const size_t comma = text.find(',');
-  const std::string_view axis = comma == std::string_view::npos ? "" : text.substr(comma + 1);
-  return {.active = true, .joystick = ParseInteger(text.substr(0, comma)), .axis = ParseInteger(axis)};
-}
-
 FlapDetent ParseFlapDetent(std::string_view text) {
   FlapDetent detent{};
   text = Trim(text);

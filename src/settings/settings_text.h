@@ -14,7 +14,6 @@
 #include <string>
 #include <string_view>
 
-struct AxisCombination;
 struct FlapDetent;
 
 enum class SettingLineKind { section, key, other };
@@ -64,7 +63,5 @@ int ParseInteger(std::string_view text);
 double ParseNumber(std::string_view text);
 // Whether it is "Yes" or "YES".
 bool ParseYesNo(std::string_view text);
-// "Not assigned", "NOT ASSIGNED" or nothing: not active. Else active with "joystick,axis".
-AxisCombination ParseAxis(std::string_view text);
 // Up to three numbers separated by commas; what follows the third is ignored.
 FlapDetent ParseFlapDetent(std::string_view text);

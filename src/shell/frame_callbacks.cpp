@@ -1,11 +1,14 @@
 #include "shell/frame_callbacks.h"
 
+#include <algorithm>
+
 #include "aircraft/adapters.h"
 #include "base/log.h"
 #include "bridge/cycles.h"
 #include "bridge/slew.h"
 #include "bridge/stations.h"
 #include "bridge/weather_area.h"
+#include "controls/axes.h"
 #include "controls/buttons.h"
 #include "custom/custom.h"
 #include "net/relay.h"
@@ -15,6 +18,7 @@
 #include "pushback/pushback.h"
 #include "settings/settings.h"
 #include "shell/atc_texts.h"
+#include "shell/override_watch.h"
 #include "traffic/traffic.h"
 
 namespace {
@@ -24,6 +28,7 @@ constexpr Source runningTime = Float<"sim/time/total_running_time_sec">;
 bool navigationDue;    // the navigation cycle runs again soon
 bool aircraftChanged;  // the next frame runs all cycles
 int buttonStates[maxButtons];
+float axisReadings[maxAxes];
 int lookedAt;  // the host's number of the frame in which the first cycle ran last
 
 // Whether what the first cycle has read is of this very frame. A host that does not count says no.
@@ -46,6 +51,18 @@ void RefreshSlowCycles() {
     sameFrame = true;
     if (each.customGroup != 0) RefreshCustomOffsets(each.customGroup);
   }
+}
+
+void FollowAxes() {
+  size_t count = 0;
+  if constexpr (!systemHasJoysticks) {
+    const XPLMDataRef axes = HandleOf(FloatElement<"sim/joystick/joystick_axis_values">(0));
+    // Older simulators have fewer axes than the newest.
+    if (axes != nullptr)
+      count = static_cast<size_t>(std::max(0, XPLMGetDatavf(axes, axisReadings, 0, maxAxes)));
+  }
+  const int overridesOn = WantsAxisOverrides() ? OverridesOn() : overridesNotTold;
+  if (WatchAxes({axisReadings, count}, overridesOn)) WakeButtonThread();
 }
 
 }  // namespace
@@ -132,6 +149,7 @@ float RefreshCycle313(float, float, int frame, void*) {
 }
 
 float ButtonCycle(float, float, int, void*) {
+  if (WantsAxes()) FollowAxes();
   if (!WantsButtons()) return -1;
   const XPLMDataRef buttons = HandleOf(IntElement<"sim/joystick/joystick_button_values">(0));
   // Older simulators have fewer buttons than the newest.

@@ -19,6 +19,7 @@
 #include "bridge/registry.h"
 #include "bridge/slew.h"
 #include "bridge/stations.h"
+#include "controls/axes.h"
 #include "controls/buttons.h"
 #include "custom/custom.h"
 #include "net/net.h"
@@ -137,6 +138,7 @@ void EnableServerMode() {
   LogLine("TAVRIX->Init pushback functions\n");
   InitPushback();
   LoadButtonAssignments();
+  LoadAxisAssignments();
 }
 
 void DisableClientMode() {
@@ -167,8 +169,8 @@ void StopServerThreads() {
 
 void DisableServerMode() {
   // In the middle everything of the simulator that we hold is given back: overrides, held commands, slew.
-  RunAllSteps({UnregisterFlightLoops, StopPushbackStep, ClearSlew, ReleaseOverrides, ReleaseStarters,
-               ReleaseContactAtc, StopServerThreads});
+  RunAllSteps({UnregisterFlightLoops, StopPushbackStep, ClearSlew, StopAxisWrites, ReleaseOverrides,
+               ReleaseStarters, ReleaseContactAtc, StopServerThreads});
 }
 
 void BeginDisable() {
@@ -190,6 +192,7 @@ void SaveChanges() {
 
 void ReleaseLocks() {
   ReleaseTraffic();
+  DeleteAxes();
   DeleteButtons();
   DeleteLocks();
   LogLine("TAVRIX->Purging TAVRIXOffsets.cfg\n");
@@ -278,7 +281,8 @@ int EnablePlugin() {
   LogLine("TAVRIX->Reading TAVRIXOffsets.cfg\n");
   LoadCustomOffsets();
   LogLine("TAVRIX->Initialise critical sections\n");
-  if (!CreateLocks() || !CreateButtons() || !InitTraffic()) {
+  if (!CreateLocks() || !CreateButtons() || !CreateAxes() || !InitTraffic()) {
+    DeleteAxes();
     DeleteButtons();
     DeleteLocks();
     ClearCustomOffsets();

@@ -37,6 +37,12 @@ float OverrideWatch(float, float, int, void*) {
   return 1.0F;
 }
 
+int OverridesOn() {
+  int on = 0;
+  for (int bit = 0; bit < 4; ++bit) on |= IsOn(overrides[bit]) ? 1 << bit : 0;
+  return on;
+}
+
 void BeginCrashCountdown() { crashCountdown = crashCalls; }
 
 void SetCrashed() {

@@ -11,6 +11,8 @@ struct OverrideState {
   bool pitch, roll, heading, throttles;
 };
 extern OverrideState overrideState;
+// The same as they are now: bits in the order of offset 0x310A (elevator, aileron, rudder, throttles).
+int OverridesOn();
 
 // The crash word is put to 0 in a few seconds, whatever it holds. At enable.
 void BeginCrashCountdown();

@@ -36,12 +36,17 @@ ALERT = "alert"
 ADDRESS, MORE_ADDRESSES = "192.168.0.10", ("192.168.100.110", "192.168.200.210")
 SETTINGS = f"""[TAVRIX SETTINGS]
 Server Address = {ADDRESS}
+[TAVRIX AXIS SETTINGS]
+Assign Elevator Axis = 0,1
+Combine Elevator Axis = 0,7
+Calibrate Elevator Axis = 0.02,0.5,0.98
+Nullzone Elevator Axis = 0.05
 [TAVRIX FLAPS SETTINGS]
 Number of Detends = 04
 Flap detend 1 = 0
-Flap detend 2 = 0.33,10
-Flap detend 3 = 0.66,25
-Flap detend 4 = 1,40
+Flap detend 2 = 0.33,0.25,0.4
+Flap detend 3 = 0.66,0.6,0.75
+Flap detend 4 = 1
 [JOYSTICK BUTTON SETTINGS]
 21 = 0BC8,2,32767,0,0,0,0,0,0,0,0,0
 """
@@ -89,6 +94,10 @@ def draw_windows(root, target):
         if name == "buttons":
             standin.ask("set sim/joystick/joystick_button_values[21] 1")
             wait_shown(standin, "0BC8, 2 bytes")
+        if name in ("calibration", "combining"):
+            for axis, value in ((1, 0.75), (7, 0.5)):
+                standin.ask(f"axis {axis} {value}")
+            wait_shown(standin, "0.496 |")  # what the control moves to
         if name == "version":
             wait_shown(standin, "ready, Network", "once a second", "http://")
         draw(standin, name, target)

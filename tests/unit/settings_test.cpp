@@ -114,10 +114,6 @@ TEST(SettingsText, ParsesValues) {
   }
   for (const char* yes : {"Yes", "YES"}) EXPECT_EQ(ParseYesNo(yes), 1);
   for (const char* no : {"yes", "No", "", "Yes.", "1"}) EXPECT_EQ(ParseYesNo(no), 0);
-  for (const char* off : {"Not assigned", "NOT ASSIGNED", ""}) EXPECT_EQ(ParseAxis(off).active, 0);
-  const AxisCombination axis = ParseAxis("1, 12"), half = ParseAxis("3");
-  EXPECT_TRUE(axis.active == 1 && axis.joystick == 1 && axis.axis == 12);
-  EXPECT_TRUE(half.active == 1 && half.joystick == 3 && half.axis == 0);
   const FlapDetent full = ParseFlapDetent("0.25, 1,-2,9"), one = ParseFlapDetent("5"),
                    none = ParseFlapDetent("");
   EXPECT_TRUE(full.count == 3 && full.values[0] == 0.25 && full.values[1] == 1 && full.values[2] == -2);
@@ -164,7 +160,7 @@ TEST_F(SettingsFile, MissingFileIsCreatedWithEveryDefaultInOrder) {
   EXPECT_EQ(std::string(settings.serverAddress) + settings.atcNumber, "192.168.0.1LH 5363");
   EXPECT_EQ(settings.pushbackMaxSpeed, -1.5);
   EXPECT_EQ(settings.toeBrakeNullZone, 0.10);
-  EXPECT_TRUE(settings.flapDetents == 2 && settings.combineTiller.active == 0);
+  EXPECT_EQ(settings.flapDetents, 2);
   EXPECT_EQ(LogLines(), 0);
 }
 
@@ -178,8 +174,6 @@ TEST_F(SettingsFile, UserValuesAreReadAndMissingKeysCompleted) {
   EXPECT_EQ(settings.clientMode, 1);
   EXPECT_STREQ(settings.atcNumber, "") << "an empty key is present";
   EXPECT_STREQ(settings.atcTailNumber, "D-ABIB");
-  EXPECT_EQ(settings.invertElevator, 0);
-  EXPECT_TRUE(settings.combineTiller.active == 1 && settings.combineTiller.joystick == 2);
   EXPECT_EQ(settings.flapsActive, 1);
   EXPECT_EQ(settings.flapDetents, 2) << "11 is not taken";
   EXPECT_EQ(settings.flapDetent[9].count, 2);
