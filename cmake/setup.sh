@@ -3,7 +3,7 @@
 # Sourced by ./run and ./test; sets WINEPREFIX, starts nothing.
 set -u
 
-need_packages=(cmake ninja-build g++ make python3 python3-pytest libgtest-dev libbenchmark-dev
+need_packages=(cmake ninja-build g++ make python3 python3-pytest python3-jsonschema python3-venv libgtest-dev libbenchmark-dev
   g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix zlib1g-dev libz-mingw-w64-dev
   xvfb binutils-mingw-w64-i686 binutils-mingw-w64-x86-64 procps iproute2)
 need_wine=(wine wine64 wine32:i386)
@@ -20,7 +20,7 @@ have_everything() {
   for tree in /usr /usr/i686-w64-mingw32 /usr/x86_64-w64-mingw32; do
     [ -e "$tree/include/zlib.h" ] || return 1
   done
-  /usr/bin/python3 -c 'import pytest' 2>/dev/null || return 1
+  /usr/bin/python3 -c 'import pytest, jsonschema, ensurepip' 2>/dev/null || return 1
   dpkg -s wine32:i386 >/dev/null 2>&1 || return 1
 }
 

@@ -309,6 +309,13 @@ bool HasWriter(const OffsetRow& row) {
          std::any_of(row.variants.begin(), row.variants.end(), IsWritten);
 }
 
+bool IsForWriting(const OffsetRow& row) {
+  constexpr DispatchAction ofSimulator[] = {DispatchAction::Stage, DispatchAction::None};
+  const bool isOurs =
+      std::find(std::begin(ofSimulator), std::end(ofSimulator), row.dispatch) == std::end(ofSimulator);
+  return !row.readOnly && (HasWriter(row) || isOurs || row.isInput);
+}
+
 void ApplyVariant(const OffsetRow& row, const Staged& staged) {
   const Variant& variant = ActingVariant(row);
   if (IsOutOfReach(variant, row.offset)) return;

@@ -33,6 +33,25 @@ enum class Show : uint8_t {
 struct OffsetRow;
 struct Staged;
 
+// A stored number that means something of its own, or, with Show::Bits, a bit, or several that hold a number.
+// The identifiers of the client libraries are made of the name.
+struct Choice {
+  int number;
+  const char* name;
+  int width = 1;  // of a group of bits
+};
+// What clients may store, in stored numbers, where the type holds more.
+struct StoredLimits {
+  double low = -std::numeric_limits<double>::infinity();
+  double high = std::numeric_limits<double>::infinity();
+};
+// How far from what was written it reads back at most: stored numbers, and a share of what was written.
+struct Tolerance {
+  double steps = 0;
+  double share = 0;
+  bool wraps = false;  // a full turn is no distance
+};
+
 // The functions that a row may point to. They run on the simulator's thread with no lock held.
 // Derives the row's number from several sources. Returns false to leave the offset as it is.
 using ReadRow = bool (*)(const OffsetRow& row, double* value);
@@ -131,10 +150,14 @@ constexpr const Command* commandsOf[] = {&commandOf<names>...};
 struct OffsetRow {
   uint32_t offset = 0;
   Stored type = Stored::U8;
-  uint16_t length = 0;       // Stored::Text: bytes, zero padded
-  const char* name = "";     // for offsetctl: lower case words joined by "_"; "" for parts of others
-  int member = 0;            // 1..n of a family (engine, layer): appended to the name
-  const char* meaning = "";  // a few words
+  uint16_t length = 0;    // Stored::Text: bytes, zero padded
+  const char* name = "";  // for clients: lower case words joined by "_"; "" where no page lists it
+  int member = 0;         // 1..n of a family (engine, layer): appended to the name
+  int copy = 0;  // 1..n: the same value at another place: "_copy" is appended, from 2 on with the number
+  const char* meaning = "";              // a few words
+  const char* positive = "";             // where positive numbers point: "nose down"
+  const char* reference = "";            // what an angle or a height counts from: "true north"
+  std::span<const Choice> choices = {};  // what its numbers or bits stand for
   const char* unit = "";
   double unitScale = 1;  // unit value = stored x unitScale + unitBias
   double unitBias = 0;
@@ -163,8 +186,11 @@ struct OffsetRow {
   WriteRule write = {};
   bool readOnly = false;                            // clients' writes that begin here are passed over
   DispatchAction dispatch = DispatchAction::Stage;  // other than Stage: dispatched so, whatever `write` says
-  const char* lossy = "";  // why a written value does not read back within one step; "" when it does
-  const char* note = "";   // further facts for the reference page
+  bool isInput = false;  // no effect of its own: other rows look at what clients leave here
+  StoredLimits limits = {};
+  Tolerance tolerance = {};  // of a lossy row whose values come back nearly
+  const char* lossy = "";    // why a written value does not read back within one step; "" when it does
+  const char* note = "";     // further facts for the reference page
   // What stands there in versions of the simulator that lack one of its datarefs, when that does not just count
   // as 0; "" when it does.
   const char* elsewhere = "";
@@ -221,8 +247,10 @@ bool IsSwitchOn(const Variant& variant);
 inline bool IsLit(const Source& source) { return ReadSource(source) > 0.5; }
 // Whether a write is the variant's business and not that of the row's own rule.
 bool ActsOn(const Variant& variant);
-// Whether a client's write does something, with one aircraft at least.
+// Whether a client's write does something in the simulator, with one aircraft at least.
 bool HasWriter(const OffsetRow& row);
+// Whether clients write here for some effect: in the simulator, in this program, or for another row to look at.
+bool IsForWriting(const OffsetRow& row);
 // Does what a client's write of a row does as the variant that takes it says.
 void ApplyVariant(const OffsetRow& row, const Staged& staged);
 // The same of a switch that belongs to no row of its own; `offset` is for the log.

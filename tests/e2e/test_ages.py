@@ -12,7 +12,7 @@ from conftest import TOP
 NAMES = sorted(set(re.findall(r'"(sim/[^"]+)"', (TOP / "src/bridge/start_names.cpp").read_text())) |
                {"sim/operation/failures/rel_com1", "sim/operation/failures/rel_com2",
                 "sim/cockpit/switches/anti_ice_inlet_heat"})
-ROWS = [row for row in json.loads((TOP / "docs/offsets.json").read_text())]
+ROWS = json.loads((TOP / "docs/offsets.json").read_text())["offsets"]
 KNOT = 1852 / 3600
 MIXTURE, ENGINES = "sim/aircraft/view/acf_has_mixture", "sim/aircraft/prop/acf_en_type"
 # Setting these is an action, or they count by themselves.
@@ -48,9 +48,9 @@ def is_wind(name):
 
 # What a client writes in one request: every row whose write sets or fires something, but for those that move the
 # aircraft, stop the simulator, take files or work for seconds.
-NOT_WRITTEN = re.compile(r"pause|sim_rate|situation|custom|reload|slew|latitude|longitude|altitude|pitch$|bank$|heading$|"
+NOT_WRITTEN = re.compile(r"pause|reposition|sim_rate|situation|custom|reload|slew|latitude|longitude|altitude|pitch$|bank$|heading$|"
                          r"pushback|zulu|day_of|year|message|crash|weather|velocity|vertical_speed$")
-WRITABLE = [row for row in ROWS if row["writable"] and row["type"][0] in "usf" and row["name"] and row["form"] != "Text"
+WRITABLE = [row for row in ROWS if row["write"] == "yes" and row["type"][0] in "usf" and row["form"] != "Text"
             and not NOT_WRITTEN.search(row["name"])]
 WRITES = [f"{row['offset']:#x}:{row['type']}={[0.5, 3][row['type'][0] != 'f']}" for row in WRITABLE]
 

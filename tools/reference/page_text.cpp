@@ -20,8 +20,25 @@ std::string TableCell(const std::string& text) {
   return cell;
 }
 
+std::string Number(double value) {
+  char text[64];
+  return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+}
+
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char letter : text) {
+    if (letter == '"' || letter == '\\') quoted += '\\';
+    quoted += letter;
+  }
+  return quoted + "\"";
+}
+
 std::string RowName(const OffsetRow& row) {
-  return row.name[0] == 0 || row.member == 0 ? row.name : row.name + std::to_string(row.member);
+  std::string name = row.name;
+  if (row.member != 0) name += std::to_string(row.member);
+  if (row.copy != 0) name += "_copy";
+  return row.copy > 1 ? name + std::to_string(row.copy) : name;
 }
 
 std::vector<const RowTable*> ListedTables() {

@@ -10,7 +10,11 @@
 std::string Hex(uint32_t offset);
 // A text for a cell of a table.
 std::string TableCell(const std::string& text);
-// What offsetctl calls the row, "" for parts of others.
+// The shortest text that reads back.
+std::string Number(double value);
+// A string literal for C++ and JSON alike; the catalogue holds plain ASCII.
+std::string Quoted(const std::string& text);
+// What clients call the row.
 std::string RowName(const OffsetRow& row);
 // The dataref's name, with the element of an array; "" for none.
 std::string SourceName(const Source& source);

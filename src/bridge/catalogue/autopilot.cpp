@@ -180,6 +180,9 @@ constexpr OffsetRow Switch(OffsetRow row) {
   return row;
 }
 
+constexpr Choice autobrakePlaces[] = {{0, "rejected take-off"}, {1, "off"},       {2, "landing 1"},
+                                      {3, "landing 2"},         {4, "landing 3"}, {5, "landing maximum"}};
+
 constexpr OffsetRow rows[] = {
     {.offset = 0x2EE8,
      .type = Stored::F64,
@@ -515,6 +518,7 @@ constexpr OffsetRow rows[] = {
      .type = Stored::U16,
      .name = "ap_heading_bug",
      .meaning = "selected heading",
+     .reference = "magnetic north",
      .unit = "deg",
      .unitScale = 360.0 / 65536,
      .cycle = Cycle::C7,
@@ -530,11 +534,13 @@ constexpr OffsetRow rows[] = {
                                  .target = Float<"sim/cockpit/autopilot/heading_mag">}};
      }>,
      .write = {.convert = DegreesOf},
+     .tolerance = {.steps = 17, .wraps = true},
      .lossy = "written at 182 per degree: reads back up to 16 higher, and from 65520 on begins again at 0"},
     {.offset = 0x07D4,
      .type = Stored::S32,
      .name = "ap_altitude_set",
      .meaning = "selected altitude",
+     .reference = "altimeter setting",
      .unit = "m",
      .unitScale = 1.0 / 65536,
      .cycle = Cycle::C7,
@@ -550,6 +556,7 @@ constexpr OffsetRow rows[] = {
                          Variant{.target = Float<"sim/cockpit/autopilot/altitude">}};
      }>,
      .write = {.convert = FeetOf},
+     .tolerance = {.steps = 1, .share = 0.000013},
      .lossy = "written at 3.2808 feet per metre: reads back 0.0012 % lower"},
     {.offset = 0x07E2,
      .type = Stored::U16,
@@ -590,12 +597,14 @@ constexpr OffsetRow rows[] = {
                                  .sets = sourcesOf<b738Speed.set>},
                          Variant{.read = ReadMach<stockSpeed>, .apply = ApplyMach<stockSpeed>}};
      }>,
+     .tolerance = {.steps = 1, .share = 1e-7},
      .lossy = "held in single precision: off by more than one step from Mach 100 on",
      .note = "Mach also while the selector stands at knots"},
     {.offset = 0x07F2,
      .type = Stored::S16,
      .name = "ap_vertical_speed_set",
      .meaning = "selected vertical speed",
+     .positive = "climbing",
      .unit = "ft/min",
      .cycle = Cycle::C7,
      .variants = variantsOf<[] {
@@ -641,7 +650,8 @@ constexpr OffsetRow rows[] = {
     {.offset = 0x2F80,
      .type = Stored::U8,
      .name = "autobrake",
-     .meaning = "autobrake: 0 rejected take-off, 1 off, 2 to 5 landing",
+     .meaning = "autobrake",
+     .choices = autobrakePlaces,
      .cycle = Cycle::C31,
      .source = Int<"sim/cockpit/switches/auto_brake_settings">,
      .variants = variantsOf<[] {

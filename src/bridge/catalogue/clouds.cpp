@@ -6,6 +6,11 @@
 
 namespace {
 
+constexpr Choice cloudKinds[] = {{0, "clear"},  {1, "cirrus"},   {2, "scattered"},
+                                 {3, "broken"}, {4, "overcast"}, {5, "stratus"}};
+constexpr Choice precipitationKinds[] = {{1, "rain"}, {2, "snow"}};
+constexpr Choice precipitationFields[] = {{0, "rate", 8}, {8, "kind", 8}};
+
 constexpr double metresPerMile = 1609.344;
 constexpr int cloudTypes = 5;  // clear, cirrus, scattered, broken, overcast, stratus
 
@@ -92,6 +97,7 @@ constexpr std::array<OffsetRow, 3> LayerRows(int index) {
        .name = "cloud_base",
        .member = member,
        .meaning = layer.baseMeaning,
+       .reference = "mean sea level",
        .unit = "m",
        .cycle = Cycle::C59,
        .source = layer.base,
@@ -101,6 +107,7 @@ constexpr std::array<OffsetRow, 3> LayerRows(int index) {
        .name = "cloud_tops",
        .member = member,
        .meaning = layer.topsMeaning,
+       .reference = "mean sea level",
        .unit = "m",
        .cycle = Cycle::C59,
        .source = layer.tops,
@@ -110,11 +117,11 @@ constexpr std::array<OffsetRow, 3> LayerRows(int index) {
        .name = "cloud_type",
        .member = member,
        .meaning = layer.typeMeaning,
+       .choices = cloudKinds,
        .cycle = Cycle::C59,
        .source = layer.type,
        .write = layer.applyType != nullptr ? WriteRule{.apply = layer.applyType} : setType,
        .lossy = "above 5 counts as 5",
-       .note = "0 clear, 1 cirrus, 2 scattered, 3 broken, 4 overcast, 5 stratus",
        .elsewhere = layer.applyType != nullptr ? "before 10.25 a write sets no coverage" : ""},
   }};
 }
@@ -126,11 +133,13 @@ constexpr OffsetRow otherRows[] = {
      .meaning = "precipitation rate, 0 to 5",
      .cycle = Cycle::C313,
      .source = rain,
-     .convert = RateOfRain},
+     .convert = RateOfRain,
+     .limits = {0, 5}},
     {.offset = 0x04CC,
      .type = Stored::U8,
      .name = "precipitation_kind",
-     .meaning = "precipitation kind: 1 rain, 2 snow",
+     .meaning = "precipitation kind",
+     .choices = precipitationKinds,
      .cycle = Cycle::C313,
      .source = seaLevelTemperature,
      .convert = KindOfPrecipitation,
@@ -139,9 +148,10 @@ constexpr OffsetRow otherRows[] = {
      .type = Stored::U16,
      .name = "precipitation_set",
      .meaning = "precipitation control",
+     .choices = precipitationFields,
      .show = Show::Bits,
      .write = {.apply = ApplyPrecipitation},
-     .note = "low byte rate 0 to 5, high byte kind: 0 none, 1 rain, 2 snow"},
+     .note = "rate 0 to 5; kind as precipitation_kind, 0 none"},
 
     {.offset = 0x0E8A,
      .type = Stored::U16,

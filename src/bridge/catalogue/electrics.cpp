@@ -98,6 +98,8 @@ constexpr OffsetRow EngineSwitch(OffsetRow row) {
   return row;
 }
 
+constexpr Choice apuPlaces[] = {{0, "off"}, {1, "on"}, {2, "start"}};
+
 constexpr OffsetRow rows[] = {
     EngineSwitch(
         {.offset = 0x3101,
@@ -225,6 +227,7 @@ constexpr OffsetRow rows[] = {
      .type = Stored::U8,
      .name = "apu_switch",
      .meaning = "APU switch",
+     .choices = apuPlaces,
      .cycle = Cycle::C31,
      .source = Int<"sim/cockpit/engine/APU_switch">,
      .variants = variantsOf<[] {
@@ -239,8 +242,7 @@ constexpr OffsetRow rows[] = {
                                  .target = ixegApuSwitch,
                                  .targetConvert = ApuSwitchOfIxeg}};
      }>,
-     .write = {.target = Int<"sim/cockpit/engine/APU_switch">},
-     .note = "0 off, 1 on, 2 start"},
+     .write = {.target = Int<"sim/cockpit/engine/APU_switch">}},
     {.offset = 0x0B18,
      .type = Stored::F64,
      .name = "suction",

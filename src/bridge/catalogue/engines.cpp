@@ -131,7 +131,7 @@ constexpr Family oilTemperature = {
     .shape = {.type = Stored::S16,
               .name = "oil_temp_eng",
               .meaning = "oil temperature",
-              .unit = "deg C",
+              .unit = "degC",
               .unitScale = 140.0 / 16384,
               .cycle = Cycle::C1,
               .source = FloatElement<"sim/flightmodel/engine/ENGN_oil_temp_c">(0),
@@ -204,7 +204,7 @@ constexpr Family exhaustWord = {
     .shape = {.type = Stored::S16,
               .name = "egt_eng",
               .meaning = "exhaust gas temperature",
-              .unit = "deg C",
+              .unit = "degC",
               .unitScale = 1 / egtPerDegree,
               .cycle = Cycle::C1,
               .factor = egtPerDegree},
@@ -215,7 +215,7 @@ constexpr Family exhaust = {
     .shape = {.type = Stored::F64,
               .name = "egt_rankine_eng",
               .meaning = "exhaust gas temperature",
-              .unit = "deg C",
+              .unit = "degC",
               .unitScale = 1 / rankinePerKelvin,
               .unitBias = -absoluteZero,
               .cycle = Cycle::C1,
@@ -228,7 +228,7 @@ constexpr Family turbineTemperature = {
     .shape = {.type = Stored::F64,
               .name = "itt_eng",
               .meaning = "inter-turbine temperature",
-              .unit = "deg C",
+              .unit = "degC",
               .unitScale = 1 / rankinePerKelvin,
               .unitBias = -absoluteZero,
               .cycle = Cycle::C1,
@@ -449,23 +449,25 @@ double EngineType(double simulatorType) {
 
 constexpr Source engineTypes = IntElement<"sim/aircraft/prop/acf_en_type">(0);
 
-constexpr auto installation =
-    std::to_array<OffsetRow>({{.offset = 0x0609,
-                               .type = Stored::U8,
-                               .name = "engine_type",
-                               .meaning = "engine type",
-                               .cycle = Cycle::C313,
-                               .source = engineTypes,
-                               .convert = EngineType,
-                               .readOnly = true,
-                               .note = "0 piston or electric, 1 jet, 4 rocket, 5 turboprop or turboshaft"},
-                              {.offset = 0x0AEC,
-                               .type = Stored::U16,
-                               .name = "engine_count",
-                               .meaning = "number of engines",
-                               .cycle = Cycle::C313,
-                               .source = Int<"sim/aircraft/engine/acf_num_engines">,
-                               .readOnly = true}});
+constexpr Choice engineKinds[] = {
+    {0, "piston or electric"}, {1, "jet"}, {4, "rocket"}, {5, "turboprop or turboshaft"}};
+
+constexpr auto installation = std::to_array<OffsetRow>({{.offset = 0x0609,
+                                                         .type = Stored::U8,
+                                                         .name = "engine_type",
+                                                         .meaning = "engine type",
+                                                         .choices = engineKinds,
+                                                         .cycle = Cycle::C313,
+                                                         .source = engineTypes,
+                                                         .convert = EngineType,
+                                                         .readOnly = true},
+                                                        {.offset = 0x0AEC,
+                                                         .type = Stored::U16,
+                                                         .name = "engine_count",
+                                                         .meaning = "number of engines",
+                                                         .cycle = Cycle::C313,
+                                                         .source = Int<"sim/aircraft/engine/acf_num_engines">,
+                                                         .readOnly = true}});
 
 constexpr auto rows =
     Joined(EngineRows<running, running4>(), EngineRows<n2Word, n2, n2Corrected>(), EngineRows<n1Word, n1>(),

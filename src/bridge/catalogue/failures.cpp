@@ -125,6 +125,12 @@ constexpr OffsetRow Failure(OffsetRow row) {
   return row;
 }
 
+constexpr Choice engineBits[] = {{0, "engine 1"}, {1, "engine 2"}, {2, "engine 3"}, {3, "engine 4"}};
+constexpr Choice panelBits[] = {
+    {0, "ADF"},          {1, "airspeed"},          {2, "altimeter"}, {3, "attitude"},       {4, "COM"},
+    {7, "engines"},      {8, "fuel gauges"},       {9, "heading"},   {10, "NAV"},           {11, "pitot heat"},
+    {12, "transponder"}, {13, "turn coordinator"}, {14, "vacuum"},   {15, "vertical speed"}};
+
 constexpr OffsetRow rows[] = {
     Failure({.offset = 0x0B64,
              .name = "fail_adf1",
@@ -150,17 +156,18 @@ constexpr OffsetRow rows[] = {
      .type = Stored::U8,
      .name = "fail_engines",
      .meaning = "engines failed",
+     .choices = engineBits,
      .show = Show::Bits,
      .cycle = Cycle::C13,
      .prepared = &enginesFailed,
      .prepare = TakeFailures,
      .write = {.apply = ApplyEngineFailures},
-     .lossy = "bits 4-7 have no engine",
-     .note = "bit n: engine n + 1"},
+     .lossy = "bits 4-7 have no engine"},
     {.offset = 0x3BE6,
      .type = Stored::U16,
      .name = "panel_failed",
      .meaning = "partial-panel failures",
+     .choices = panelBits,
      .show = Show::Bits,
      .cycle = Cycle::C13,
      .prepared = &panelFailed,
@@ -169,28 +176,27 @@ constexpr OffsetRow rows[] = {
                    Int<"sim/operation/failures/rel_cop_ahz">, Int<"sim/operation/failures/rel_ice_pitot_heat1">,
                    Int<"sim/operation/failures/rel_ice_pitot_heat2">, Int<"sim/operation/failures/rel_cop_tsi">,
                    Int<"sim/operation/failures/rel_cop_vvi">>,
-     .prepare = TakeFailures,
-     .note = "bits: 0 ADF, 1 airspeed, 2 altimeter, 3 attitude, 4 COM, 7 engines, 8 fuel gauges, 9 heading, "
-             "10 NAV, 11 pitot heat, 12 transponder, 13 turn coordinator, 14 vacuum, 15 vertical speed"},
+     .prepare = TakeFailures},
     {.offset = 0x3BD6,
      .type = Stored::U16,
      .name = "fail_panel",
      .meaning = "partial-panel failure command",
+     .choices = panelBits,
      .show = Show::Bits,
      .write = {.apply = ApplyPanelFailures},
-     .note = "bits as panel_failed, which shows the result; a clear bit repairs"},
+     .note = "panel_failed shows the result; a clear bit repairs"},
     {.offset = 0x6DA4,
      .type = Stored::U32,
      .name = "fail_now",
      .meaning = "fail the selected systems now",
      .write = {.apply = ApplyFailNow},
-     .lossy = "a request: back at 0 once taken"},
+     .lossy = requestLoss},
     {.offset = 0x6DAA,
      .type = Stored::U8,
      .name = "fail_number",
      .meaning = "fail a system by number",
      .write = {.apply = ApplyFailNumber},
-     .lossy = "a request: back at 0 once taken",
+     .lossy = requestLoss,
      .note = "0 repairs all; newer simulators ignore both"},
 };
 

@@ -139,6 +139,8 @@ constexpr OffsetRow Level(OffsetRow row) {
                               .targetConvert = KgOf<tank>},
                       Variant{.read = ReadLevel<tank>, .apply = ApplyLevel<tank>}};
   }>;
+  row.limits = {0, fullLevel};
+  row.tolerance = {.steps = 1, .share = 0.00018};
   row.lossy = "reads back 0.017 % higher; an aircraft without this tank ignores it";
   row.note = "8388608 full; a full small tank may read slightly above";
   return row;

@@ -70,8 +70,8 @@ constexpr Variant strobeSwitch[] = {{.addOn = AddOn::B738Extended,
 constexpr Variant instrumentSwitch[] = {{.source = Int<"sim/cockpit/electrical/cockpit_lights_on">}};
 
 // The switches, in the order of the bits.
-constexpr std::span<const Variant> switches[lightCount] = {
-    navigationSwitch, beaconSwitch, landingSwitch, taxiSwitch, strobeSwitch, instrumentSwitch};
+constexpr std::span<const Variant> switches[lightCount] = {navigationSwitch, beaconSwitch, landingSwitch,
+                                                           taxiSwitch,       strobeSwitch, instrumentSwitch};
 
 template <int... lights>
 constexpr std::span<const Variant> partsOf[] = {switches[lights]...};
@@ -180,11 +180,15 @@ void ApplyLights(const OffsetRow& row, const Staged& staged) {
   SwitchLights(row.offset, allLights, static_cast<int>(staged.integer & allLights));
 }
 
+constexpr Choice lightBits[] = {{0, "navigation"}, {1, "beacon"}, {2, "landing"},
+                                {3, "taxi"},       {4, "strobe"}, {5, "instruments"}};
+
 constexpr OffsetRow rows[] = {
     {.offset = 0x0D0C,
      .type = Stored::U16,
      .name = "lights",
      .meaning = "all lights",
+     .choices = lightBits,
      .show = Show::Bits,
      .cycle = Cycle::C7,
      .read = ReadLights<allLights>,
@@ -195,8 +199,7 @@ constexpr OffsetRow rows[] = {
      .prepare = TakeLights,
      .parts = switches,
      .write = {.apply = ApplyLights},
-     .lossy = "the simulator has no switches for bits 6-15, and bit 5 is read-only there",
-     .note = "bits: 0 navigation, 1 beacon, 2 landing, 3 taxi, 4 strobe, 5 instruments"},
+     .lossy = "the simulator has no switches for bits 6-15, and bit 5 is read-only there"},
     {.offset = 0x0280,
      .type = Stored::U8,
      .name = "nav_lights",

@@ -3,3 +3,4 @@
 
 constexpr const char* flagLoss = "a switch: anything but 0 reads back 1";
 constexpr const char* digitLoss = "a word with a digit above 9 is ignored";
+constexpr const char* requestLoss = "a request: back at 0 once taken";

@@ -2,6 +2,7 @@
 #include "XPLMUtilities.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/conversions.h"
+#include "bridge/catalogue/losses.h"
 #include "bridge/catalogue/misc_actions.h"
 
 namespace {
@@ -36,7 +37,9 @@ constexpr OffsetRow rows[] = {
      .meaning = "write 1 to read the custom offsets file again",
      .cycle = Cycle::C1,
      .prepared = &zero,
-     .dispatch = DispatchAction::CustomReload},
+     .dispatch = DispatchAction::CustomReload,
+     .limits = {0, 1},
+     .lossy = requestLoss},
 
     {.offset = 0x079C,
      .type = Stored::U32,
@@ -100,13 +103,15 @@ constexpr OffsetRow rows[] = {
      .meaning = "1 to 4 apply the weather area 0xC800-0xC87F, once the whole request has been read",
      .write = {.width = 1},
      .dispatch = DispatchAction::WeatherArea,
-     .note = "set back to 0 once taken"},
+     .limits = {0, 4},
+     .lossy = requestLoss},
     {.offset = 0x3380,
      .type = Stored::Text,
      .length = 128,
      .name = "message_text",
      .meaning = "text of the message that 0x32FA shows, at most 127 characters",
-     .show = Show::Text},
+     .show = Show::Text,
+     .isInput = true},
 };
 
 }  // namespace

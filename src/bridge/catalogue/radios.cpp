@@ -144,11 +144,17 @@ void ApplyTransponderB738(const OffsetRow& row, const Staged& staged) {
   }
 }
 
+constexpr Choice audioChoices[] = {{0, "ADF1"}, {1, "DME"},      {2, "markers"}, {3, "NAV2"},
+                                   {4, "NAV1"}, {5, "both COM"}, {6, "COM2"},    {7, "COM1"}};
+constexpr Choice transponderModes[] = {{0, "off"}, {1, "standby"}, {2, "on"}, {3, "test"}};
+constexpr Choice exchangeBits[] = {{0, "NAV2"}, {1, "NAV1"}, {2, "COM2"}, {3, "COM1"}};
+
 constexpr OffsetRow rows[] = {
     {.offset = 0x3122,
      .type = Stored::U8,
      .name = "audio_panel",
      .meaning = "audio panel",
+     .choices = audioChoices,
      .show = Show::Bits,
      .cycle = Cycle::C3,
      .read = ReadAudio,
@@ -156,8 +162,7 @@ constexpr OffsetRow rows[] = {
          sourcesOf<audioBits[0].selector, audioBits[1].selector, audioBits[2].selector, audioBits[3].selector,
                    audioBits[4].selector, audioBits[5].selector, audioBits[6].selector>,
      .write = {.apply = ApplyAudio},
-     .lossy = "bit 5 sets bits 7 and 6, and they set it",
-     .note = "bit 7 COM1, 6 COM2, 5 both COM, 4 NAV1, 3 NAV2, 2 markers, 1 DME, 0 ADF1"},
+     .lossy = "bit 5 sets bits 7 and 6, and they set it"},
 
     Frequency({.offset = 0x034E,
                .name = "com",
@@ -231,7 +236,8 @@ constexpr OffsetRow rows[] = {
     {.offset = 0x6D8C,
      .type = Stored::U8,
      .name = "transponder_mode",
-     .meaning = "transponder mode: 0 off, 1 standby, 2 on, 3 test; newer simulators have more",
+     .meaning = "transponder mode",
+     .choices = transponderModes,
      .cycle = Cycle::C31,
      .source = Int<"sim/cockpit/radios/transponder_mode">,
      .variants = variantsOf<[] {
@@ -243,16 +249,17 @@ constexpr OffsetRow rows[] = {
            .fires =
                commandsOf<"laminar/B738/knob/transponder_mode_up", "laminar/B738/knob/transponder_mode_dn">}};
      }>,
-     .write = {.target = Int<"sim/cockpit/radios/transponder_mode">}},
+     .write = {.target = Int<"sim/cockpit/radios/transponder_mode">},
+     .note = "newer simulators have more modes"},
 
     {.offset = 0x3123,
      .type = Stored::U8,
      .name = "radio_exchange",
      .meaning = "exchange active and standby frequency",
+     .choices = exchangeBits,
      .show = Show::Bits,
      .write = {.apply = ApplyExchange},
-     .lossy = "a request: set back to 0 once taken",
-     .note = "bit 3 COM1, 2 COM2, 1 NAV1, 0 NAV2"},
+     .lossy = requestLoss},
 };
 
 }  // namespace

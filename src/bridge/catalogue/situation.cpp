@@ -73,6 +73,8 @@ void ApplyCommand(const OffsetRow&, const Staged& staged) {
   CopyToMemory(loadCountOffset, sizeof count, &count);
 }
 
+constexpr Choice situationCommands[] = {{0, "load"}, {1, "save"}};
+
 // The name stands before the command, so that a client may stage both for the same frame.
 constexpr OffsetRow rows[] = {
     {.offset = nameOffset,
@@ -89,10 +91,12 @@ constexpr OffsetRow rows[] = {
     {.offset = 0x3F00,
      .type = Stored::U16,
      .name = "situation_command",
-     .meaning = "0 loads, another value saves the file at 0x3F04",
+     .meaning = "loads or saves the file at 0x3F04",
+     .choices = situationCommands,
      .write = {.apply = ApplyCommand},
      .dispatch = DispatchAction::StageAlways,
-     .note = "taken at every write, also of the value that stands there; send the name in a record of its own"},
+     .note = "any value but 0 saves; taken at every write, also of the value that stands there; send the name "
+             "in a record of its own"},
     {.offset = loadCountOffset,
      .type = Stored::U16,
      .name = "situation_loads",

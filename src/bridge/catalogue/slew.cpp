@@ -51,6 +51,11 @@ void ApplyPushback(const OffsetRow&, const Staged& staged) {
   pushbackHooks.command(static_cast<uint32_t>(staged.integer));
 }
 
+constexpr Choice pushbackStates[] = {
+    {0, "straight"}, {1, "turning, tail to the left"}, {2, "turning, tail to the right"}, {3, "off"}};
+constexpr Choice pushbackCommands[] = {
+    {0, "straight"}, {1, "tail to the left"}, {2, "tail to the right"}, {3, "stop"}};
+
 constexpr OffsetRow rows[] = {
     {.offset = 0x05DC,
      .type = Stored::U16,
@@ -72,16 +77,19 @@ constexpr OffsetRow rows[] = {
     {.offset = 0x31F0,
      .type = Stored::U32,
      .name = "pushback_state",
-     .meaning = "pushback: 0 straight, 1 and 2 turning, 3 off",
+     .meaning = "pushback",
+     .choices = pushbackStates,
      .cycle = Cycle::C31Navigation,
      .read = ReadPushback},
     {.offset = 0x31F4,
      .type = Stored::U32,
      .name = "pushback",
-     .meaning = "pushback command: 0 straight, 1 tail to the left, 2 tail to the right, 3 stop",
+     .meaning = "pushback command",
+     .choices = pushbackCommands,
      .cycle = Cycle::C31Navigation,
      .read = ReadPushback,
      .write = {.apply = ApplyPushback},
+     .limits = {0, 3},
      .lossy = "above 3 counts as 0",
      .note = "shows the pushback state again after a stop, so that the next command differs"},
 };

@@ -105,6 +105,7 @@ constexpr Family throttle = {
               .prepared = throttleWords,
               .inputs = sourcesOf<LeverOf(3), reverserWord, throttleOverride>,
               .prepare = TakeThrottles,
+              .limits = {-reverseFull, forwardFull},
               .lossy = "limited to -4096..16384; a negative value reads back once the reverser is out",
               .note = "16384 full forward, -4096 full reverse"},
     .offsets = {0x088C, 0x0924, 0x09BC, 0x0A54},
@@ -197,6 +198,7 @@ constexpr Family cutoffLever = {
          .cycle = Cycle::C7,
          .factor = cutoffFull,
          .write = {.factor = 1 / cutoffFull, .low = 0, .high = 1},
+         .limits = {0, cutoffFull},
          .lossy =
              "above 16383 reads back 16383; the extended 737-800 and the IXEG 737 know only cut-off and idle",
          .note = "16383 full rich or open"},
@@ -272,6 +274,7 @@ constexpr Family mixture = {
                         .factor = 1.0 / 16384,
                         .low = 0,
                         .high = 1},
+              .limits = {0, forwardFull},
               .lossy = "above 16384 reads back 16384",
               .note = "16384 full rich"},
     .offsets = {0, 0, 0x09C0, 0x0A58},
@@ -389,16 +392,20 @@ double StarterWordIxeg(double position) { return StarterWordB738(position + 1); 
 double StarterWord(double word) { return std::min(word, 2.0); }
 double StarterOfIxeg(double word) { return word == 1 ? -1 : word == 0 ? 0 : 1; }
 
+constexpr Choice magnetoPlaces[] = {
+    {0, "off"}, {1, "right or start"}, {2, "left or generator"}, {3, "both"}, {4, "start"}};
+
 constexpr Family magneto = {
     .shape = {.type = Stored::U16,
               .name = "magneto",
               .meaning = "magneto or starter switch",
+              .choices = magnetoPlaces,
               .cycle = Cycle::C13,
               .prepared = magnetoSwitches,
               .prepare = TakeStarters,
               .write = {.apply = ApplyMagnetoSwitch},
               .lossy = "shows what the engine does, so start reads back only while the starter turns",
-              .note = "piston: 0 off, 1 right, 2 left, 3 both, 4 start; turbine: 0 off, 1 start, 2 generator"},
+              .note = "piston: off, right, left, both, start; turbine: off, start, generator"},
     .offsets = {0x0892, 0x092A, 0x09C2, 0x0A5A},
     .variants = {variantsOf<[] {
                    return std::array{Variant{.addOn = AddOn::B738Extended,

@@ -93,6 +93,8 @@ void ApplyShowMessage(const OffsetRow& row, const Staged&) {
   if (text[0] != '\0') XPLMSpeakString(text);
 }
 
+constexpr Choice seasons[] = {{0, "winter"}, {1, "spring"}, {2, "summer"}, {3, "autumn"}};
+
 constexpr OffsetRow rows[] = {
     {.offset = 0x0262,
      .type = Stored::U16,
@@ -118,7 +120,9 @@ constexpr OffsetRow rows[] = {
      .meaning = "counter, one more with every frame: shows that the simulator runs",
      .cycle = Cycle::C1,
      .read = ReadActivity,
-     .note = "starts again at 0 after 65535"},
+     .note = "starts again at 0 after 65535; the heartbeat for clients: when it stands still for a second or "
+             "more, no "
+             "frames run and what the memory holds is old"},
     {.offset = 0x0238,
      .type = Stored::U8,
      .name = "local_hour",
@@ -127,7 +131,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C13,
      .source = localTime,
      .convert = HourOf,
-     .readOnly = true},
+     .readOnly = true,
+     .limits = {0, 23}},
     {.offset = 0x0239,
      .type = Stored::U8,
      .name = "local_minute",
@@ -136,7 +141,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C13,
      .source = localTime,
      .convert = MinuteOf,
-     .readOnly = true},
+     .readOnly = true,
+     .limits = {0, 59}},
     {.offset = 0x023A,
      .type = Stored::U8,
      .name = "second",
@@ -145,7 +151,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C13,
      .source = localTime,
      .convert = SecondOf,
-     .readOnly = true},
+     .readOnly = true,
+     .limits = {0, 59}},
     {.offset = 0x0C20,
      .type = Stored::Text,
      .length = 9,
@@ -163,6 +170,7 @@ constexpr OffsetRow rows[] = {
      .source = zuluTime,
      .convert = HourOf,
      .write = {.apply = ApplyZuluHour},
+     .limits = {0, 23},
      .lossy = "above 23 counts as 23",
      .note = "minute and second stay"},
     {.offset = 0x023C,
@@ -174,12 +182,14 @@ constexpr OffsetRow rows[] = {
      .source = zuluTime,
      .convert = MinuteOf,
      .write = {.apply = ApplyZuluMinute},
+     .limits = {0, 59},
      .lossy = "above 59 counts as 59",
      .note = "hour and second stay"},
     {.offset = 0x0246,
      .type = Stored::S16,
      .name = "time_zone",
-     .meaning = "hours that local time is behind UTC, positive in the west",
+     .meaning = "hours that local time is behind UTC",
+     .positive = "west",
      .unit = "h",
      .cycle = Cycle::C31Navigation,
      .read = ReadTimeZone},
@@ -201,12 +211,14 @@ constexpr OffsetRow rows[] = {
      .source = Int<"sim/time/local_date_days">,
      .add = 1,
      .write = {.target = Int<"sim/time/local_date_days">, .low = 0, .high = 365, .convert = DayBefore},
+     .limits = {1, 366},
      .lossy = "limited to 1..366",
      .note = "1 January is 1"},
     {.offset = 0x0248,
      .type = Stored::U16,
      .name = "season",
-     .meaning = "season of the northern hemisphere: 0 winter, 1 spring, 2 summer, 3 autumn",
+     .meaning = "season of the northern hemisphere",
+     .choices = seasons,
      .cycle = Cycle::C313,
      .source = Int<"sim/time/local_date_days">,
      .convert = SeasonOf},
@@ -232,7 +244,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "any value but the last shows and speaks the text at 0x3380",
      .unit = "s",
      .write = {.apply = ApplyShowMessage},
-     .lossy = "goes back to 0 once taken",
+     .lossy = requestLoss,
      .note = "the text ends at its first zero byte, after 127 characters at most"},
 };
 

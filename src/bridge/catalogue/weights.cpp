@@ -51,6 +51,7 @@ constexpr OffsetRow rows[] = {
      .source = Float<"sim/aircraft/weight/acf_m_empty/ac">,
      .factor = poundsTimes256,
      .write = {.target = Float<"sim/aircraft/weight/acf_m_empty/ac">, .factor = 1 / poundsTimes256},
+     .tolerance = {.steps = 1, .share = 1e-7},
      .lossy = "the dataref's single precision",
      .note = "0 where the simulator does not publish it"},
     {.offset = 0x1334,
@@ -63,6 +64,7 @@ constexpr OffsetRow rows[] = {
      .source = Float<"sim/aircraft/weight/acf_m_max">,
      .factor = poundsTimes256,
      .write = {.target = Float<"sim/aircraft/weight/acf_m_max">, .factor = 1 / poundsTimes256},
+     .tolerance = {.steps = 1, .share = 1e-7},
      .lossy = "the dataref's single precision"},
     {.offset = 0x13FC,
      .type = Stored::U32,
@@ -76,6 +78,7 @@ constexpr OffsetRow rows[] = {
      .meaning = "weight at payload station 1",
      .unit = "lb",
      .write = {.target = payload, .factor = 1 / poundsPerKg, .low = 0},
+     .limits = {.low = 0},
      .note = "keeps what a client wrote"},
     {.offset = 0x3BFC,
      .type = Stored::S32,
@@ -86,6 +89,8 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C313,
      .read = ReadZeroFuelWeight,
      .write = {.apply = ApplyZeroFuelWeight},
+     .limits = {.low = 0},
+     .tolerance = {.steps = 1, .share = 0.000012},
      .lossy = "reads back 0.0011 % lower, and never below the empty weight"},
     {.offset = 0x30C0,
      .type = Stored::F64,
@@ -107,6 +112,7 @@ constexpr OffsetRow rows[] = {
                          Variant{.source = defaultBalance}};
      }>,
      .write = {.target = defaultBalance},
+     .tolerance = {.share = 1e-7},
      .lossy = "single precision; a 737-800 reads back its own balance",
      .note = "share of the mean aerodynamic chord on a 737-800, else metres from the default position"},
     {.offset = 0x16020,
@@ -125,6 +131,7 @@ constexpr OffsetRow rows[] = {
      .cycle = Cycle::C157,
      .source = Float<"sim/flightmodel/weight/m_jettison">,
      .write = {.target = Float<"sim/flightmodel/weight/m_jettison">, .low = 0},
+     .limits = {.low = 0},
      .lossy = "below 0 counts as 0"},
 };
 

@@ -73,8 +73,7 @@ constexpr OffsetRow Altitude(OffsetRow row) {
 // The same value at another place.
 constexpr OffsetRow Copy(OffsetRow row, uint32_t offset) {
   row.offset = offset;
-  row.name = "";
-  row.member = 0;
+  row.copy = 1;
   row.write = {};
   row.note = "copy";
   return row;
@@ -83,6 +82,13 @@ constexpr OffsetRow Copy(OffsetRow row, uint32_t offset) {
 constexpr OffsetRow ReadOnlyCopy(OffsetRow row, uint32_t offset) {
   row = Copy(row, offset);
   row.readOnly = true;
+  return row;
+}
+
+// The surface's, which stand in a third place, too.
+constexpr OffsetRow SecondCopy(OffsetRow row, uint32_t offset) {
+  row = ReadOnlyCopy(row, offset);
+  row.copy = 2;
   return row;
 }
 
@@ -118,12 +124,14 @@ constexpr std::array<OffsetRow, 12> UpperRows(int layer) {
                 .name = "wind_ceiling",
                 .member = member,
                 .meaning = "ceiling of the wind layer",
+                .reference = "mean sea level",
                 .source = from.altitude,
                 .factor = 1.5}),
       Altitude({.offset = from.block + 2,
                 .name = "wind_base",
                 .member = member,
                 .meaning = "base of the wind layer",
+                .reference = "mean sea level",
                 .source = from.altitude,
                 .factor = 0.5}),
       Speed({.offset = from.block + 4, .member = member, .cycle = Cycle::C157, .source = from.speed}),
@@ -131,7 +139,8 @@ constexpr std::array<OffsetRow, 12> UpperRows(int layer) {
        .type = Stored::U16,
        .name = "wind_direction",
        .member = member,
-       .meaning = "wind direction, true",
+       .meaning = "wind direction",
+       .reference = "true north",
        .unit = "deg",
        .unitScale = 1 / angle16,
        .cycle = Cycle::C157,
@@ -157,7 +166,8 @@ constexpr OffsetRow surfaceDirectionRow = {.offset = 0x0F74,
                                            .type = Stored::U16,
                                            .name = "wind_direction",
                                            .member = 1,
-                                           .meaning = "surface wind direction, magnetic",
+                                           .meaning = "surface wind direction",
+                                           .reference = "magnetic north",
                                            .unit = "deg",
                                            .unitScale = 1 / angle16,
                                            .cycle = Cycle::C59,
@@ -167,6 +177,7 @@ constexpr OffsetRow surfaceTop = Altitude({.offset = 0x0F70,
                                            .name = "wind_ceiling",
                                            .member = 1,
                                            .meaning = "top of the surface wind layer",
+                                           .reference = "mean sea level",
                                            .source = Fitting<"sim/weather/wind_altitude_msl_m[0]">});
 constexpr OffsetRow surfaceTurbulence = Turbulence(
     {.offset = 0x0F76, .member = 1, .cycle = Cycle::C157, .source = Fitting<"sim/weather/turbulence[0]">});
@@ -193,7 +204,8 @@ constexpr OffsetRow nearRows[] = {
     {.offset = 0x3490,
      .type = Stored::F64,
      .name = "wind_from_true",
-     .meaning = "wind direction at the aircraft, true",
+     .meaning = "wind direction at the aircraft",
+     .reference = "true north",
      .unit = "deg",
      .cycle = Cycle::C1,
      .source = Float<"sim/weather/wind_direction_degt">},
@@ -201,20 +213,20 @@ constexpr OffsetRow nearRows[] = {
      .type = Stored::U16,
      .name = "wind_from",
      .meaning = "wind direction at the aircraft",
+     .reference = "magnetic north in the surface layer, true north above it",
      .unit = "deg",
      .unitScale = 1 / angle16,
      .cycle = Cycle::C1,
      .read = ReadLocalDirection,
-     .inputs = sourcesOf<Fitting<"sim/weather/wind_altitude_msl_m[0]">, magneticVariation>,
-     .note = "magnetic inside the surface layer, true above it"},
+     .inputs = sourcesOf<Fitting<"sim/weather/wind_altitude_msl_m[0]">, magneticVariation>},
 
     surfaceSpeed,
     Copy(surfaceSpeed, 0x0EF0),
-    ReadOnlyCopy(surfaceSpeed, 0x04D8),
+    SecondCopy(surfaceSpeed, 0x04D8),
 
     surfaceDirectionRow,
     Copy(surfaceDirectionRow, 0x0EF2),
-    ReadOnlyCopy(surfaceDirectionRow, 0x04DA),
+    SecondCopy(surfaceDirectionRow, 0x04DA),
 
     surfaceTop,
     Copy(surfaceTop, 0x0EEE),
