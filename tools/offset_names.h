@@ -34,11 +34,11 @@ struct OffsetName {
   double unitScale;
   double unitBias;
   Form show;
-  bool readOnly;  // the server drops writes to it
-  bool writable;  // a write reaches the simulator
+  bool readOnly;           // the server drops writes to it
+  bool writable;           // a write reaches the simulator
   const char* lossy = "";  // why a written value does not read back within one step; "" when it does
-  // How far off it reads back then, at most: stored numbers, and a share of what was written. Both 0: not known,
-  // or the reason is another one.
+  // How far off it reads back then, at most: stored numbers, and a share of what was written. Both 0: not
+  // known, or the reason is another one.
   double lossSteps = 0, lossShare = 0;
   std::span<const NamedNumber> choices = {};
 };

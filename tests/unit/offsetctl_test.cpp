@@ -6,17 +6,20 @@
 #include <iterator>
 #include <sstream>
 
+#include "offsetctl/command_lines.h"
 #include "offsetctl/encode.h"
 #include "offsetctl/item.h"
 #include "offsetctl/names.h"
 #include "offsetctl/options.h"
 #include "offsetctl/request_block.h"
 #include "offsetctl/show.h"
+#include "offsetctl/units.h"
 
 namespace {
 
 using namespace ctl;
 
+constexpr NamedNumber places[] = {{0, "rejected take-off"}, {1, "off"}, {2, "landing 1"}, {3, "landing 2"}};
 constexpr OffsetName rows[] = {
     {0x0580, ValueType::U16, 2, "heading", "true heading", "deg", 360.0 / 65536, 0, Form::Number, false, true},
     {0x0D0C, ValueType::U16, 2, "lights", "light switches", "", 1, 0, Form::Bits, false, true},
@@ -28,6 +31,22 @@ constexpr OffsetName rows[] = {
      Form::Number, false, true},
     {0x3130, ValueType::Text, 12, "tail", "tail number", "", 1, 0, Form::Text, false, true},
     {0x0238, ValueType::U8, 1, "hour", "local hour", "h", 1, 0, Form::Number, true, false},
+    {0x07E2, ValueType::U16, 2, "speed", "selected speed", "kt", 1, 0, Form::Number, false, true},
+    {0x0BE8, ValueType::U16, 2, "gear", "gear lever: 0 up, 16383 down", "%", 100.0 / 16383, 0, Form::Number,
+     false, true},
+    {0x0BD0, ValueType::U16, 2, "lever", "lever, 0 to 1", "%", 100.0 / 16383, 0, Form::Number, false, true},
+    {.offset = 0x2F80,
+     .type = ValueType::U8,
+     .length = 1,
+     .name = "brakes",
+     .meaning = "autobrake",
+     .unit = "",
+     .unitScale = 1,
+     .unitBias = 0,
+     .show = Form::Number,
+     .readOnly = false,
+     .writable = true,
+     .choices = places},
 };
 constexpr OffsetRange readOnly[] = {{0x0238, 0x023A}, {0x3304, 0x330B}};
 constexpr NameTable names = {rows, readOnly};
@@ -101,7 +120,24 @@ TEST(OffsetctlWrite, EncodesValues) {
       {"com1=118.705", "70 18"},
       {"squawk=7000", "00 70"},
       {"brake=on", "01 00"},
+      {"brake=no", "00 00"},
       {"lights=0x8001", "01 80"},
+      {"heading=4.71238898038469rad", "00 C0"},
+      {"heading=270 DEG", "00 C0"},
+      {"com1=118705kHz", "70 18"},
+      {"oat=0 degF", "39 F8"},
+      {"oat=-17.78degC", "38 F8"},
+      {"speed=100.4", "64 00"},
+      {"speed=185.2km/h", "64 00"},
+      {"speed=0x64", "64 00"},
+      {"gear=up", "00 00"},
+      {"gear=DOWN", "FF 3F"},
+      {"gear=50%", "00 20"},
+      {"lever=full", "FF 3F"},
+      {"lever=off", "00 00"},
+      {"brakes=landing 2", "03"},
+      {"brakes=rej", "00"},
+      {"brakes=4", "04"},
   };
   for (const auto& row : cases) {
     Item item;
@@ -143,7 +179,19 @@ TEST(OffsetctlWrite, RefusesWhatDoesNotFit) {
                          "hour=5",
                          "0x0237:u16=0",
                          "0x3300:hex:8=0000000000000000",
-                         "latitude=1e9"};
+                         "latitude=1e9",
+                         "heading=5000ft",
+                         "heading=270 furlongs",
+                         "squawk=7000kHz",
+                         "speed=-1",
+                         "speed=70000",
+                         "speed=fast",
+                         "gear=sideways",
+                         "gear=",
+                         "brakes=landing",
+                         "lights=1.5",
+                         "brake=maybe",
+                         "hour=on"};
   for (const char* text : cases) {
     Item item;
     std::string error;
@@ -186,6 +234,59 @@ TEST(OffsetctlShow, PrintsLinesAndJson) {
   EXPECT_EQ(ItemJson(Parsed("heading", "FCBF")),
             "{\"name\": \"heading\", \"offset\": 1408, \"type\": \"u16\", \"value\": 269.97802734375, "
             "\"raw\": \"FC BF\", \"unit\": \"deg\"}");
+}
+
+TEST(OffsetctlShow, TellsOldNewAndRounding) {
+  const struct {
+    const char* assignment;
+    const char* before;
+    const char* line;
+  } cases[] = {
+      {"heading=270", "0000", "heading: 0.000 -> 270.000 deg"},
+      {"com1=118.705MHz", "7018", "com1: 118.70 -> 118.70 MHz (118.705 MHz asked: steps of 0.01 MHz)"},
+      {"speed=100.4", "0000", "speed: 0 -> 100 kt (100.4 kt asked: steps of 1 kt)"},
+      {"speed=185.2km/h", "0000", "speed: 0 -> 100 kt"},
+      {"heading=271", "0000", "heading: 0.000 -> 271.000 deg"},
+      {"heading=270.1", "0000", "heading: 0.000 -> 270.099 deg (270.1 deg asked: steps of 0.005493164 deg)"},
+      {"brake=on", "0000", "brake: off -> on"},
+      {"0x0330:u16=7", "0500", "0x0330: 5 -> 7"},
+      {"tail=AB", "", "tail: ? -> \"AB\""},
+  };
+  for (const auto& row : cases) {
+    Item item;
+    std::string error;
+    ASSERT_TRUE(ParseAssignment(row.assignment, names, &item, &error)) << error;
+    std::vector<uint8_t> before;
+    ASSERT_TRUE(ParseBytes(std::string("hex:") + row.before, &before));
+    EXPECT_EQ(ChangeLine(item, before.empty() ? nullptr : before.data(), item.bytes.data()), row.line);
+  }
+}
+
+TEST(OffsetctlUnits, Convert) {
+  const struct {
+    double value;
+    const char *from, *to;
+    double result;
+  } cases[] = {
+      {5000, "ft", "m", 1524},          {29.92, "inHg", "mb", 1013.207}, {1013, "hPa", "mb", 1013},
+      {118.705, "MHz", "MHz", 118.705}, {1, "kt", "m/s", 0.514444},      {1000, "fpm", "m/s", 5.08},
+      {59, "degF", "deg C", 15},        {288.15, "K", "degC", 15},       {1, "t", "lb", 2204.622},
+      {60, "rpm", "deg/s", 360},        {50, "percent", "%", 50},        {1, "US gal", "l", 3.785412},
+  };
+  for (const auto& row : cases) {
+    double result = 0;
+    ASSERT_TRUE(ConvertUnit(row.value, row.from, row.to, &result)) << row.from << " " << row.to;
+    EXPECT_NEAR(result, row.result, 1e-3) << row.from << " " << row.to;
+    ASSERT_TRUE(ConvertUnit(result, row.to, row.from, &result));
+    EXPECT_NEAR(result, row.value, 1e-9 * std::abs(row.value)) << "back to " << row.from;
+  }
+  double unused = 0;
+  for (const auto& [from, to] : {std::pair{"ft", "deg"}, {"kt", "m"}, {"nothing", "m"}, {"m", ""}}) {
+    EXPECT_FALSE(ConvertUnit(1, from, to, &unused)) << from << " " << to;
+  }
+  for (const OffsetName& row : KnownOffsets().rows) {
+    EXPECT_TRUE(row.unit[0] == 0 || ConvertUnit(1, row.unit, row.unit, &unused)) << row.name;
+  }
 }
 
 // Every stored value of a scaled type comes back when its engineering value is written.
@@ -239,6 +340,17 @@ TEST(OffsetctlOptions, ReadsTheCommandLine) {
                               "list standby radio",
                               "--help",
                               "dump --help",
+                              "--json read a",
+                              "--timeout 3 --net host read a",
+                              "help",
+                              "help write",
+                              "version",
+                              "check file --log=x",
+                              "map a/b float 66C0 --folder /x",
+                              "doctor",
+                              "replay f --speed 0.5 --listen 1.2.3.4 --loop",
+                              "conform -- client --json -x",
+                              "conform loss late --listen 1.2.3.4 -- client",
                               "--find",
                               "--find --timeout 2 --json"};
   const char* const bad[] = {"",
@@ -251,7 +363,17 @@ TEST(OffsetctlOptions, ReadsTheCommandLine) {
                              "read a --timeout nan",
                              "read a --timeout 0",
                              "list --timeout 1",
-                             "--json read a",
+                             "help nothing",
+                             "version 2",
+                             "check",
+                             "map a/b",
+                             "map a b c d",
+                             "read a --loop",
+                             "read a --nonsense",
+                             "read a --json=1",
+                             "replay f --speed 0",
+                             "conform loss",
+                             "conform --",
                              "monitor --seconds 1s",
                              "read ias --net",
                              "read ias --net --json",
@@ -279,6 +401,21 @@ TEST(OffsetctlOptions, ReadsTheCommandLine) {
   check("read --net=cockpit ias", true, "cockpit");
   check("read ias --find", true, "");
   check("write gear=1 --net cockpit --confirm", true, "cockpit");
+  check("--net cockpit --confirm write gear=1", true, "cockpit");
+}
+
+TEST(OffsetctlOptions, HelpKnowsEveryCommand) {
+  const std::string all = HelpText(Command::None);
+  for (const CommandLine& line : CommandLines()) {
+    EXPECT_NE(all.find(std::string("  offsetctl ") + line.usage), std::string::npos) << line.word;
+    Options options;
+    std::string error;
+    ASSERT_TRUE(ParseOptions({"help", line.word}, &options, &error) || line.command == Command::Find) << error;
+    if (line.command != Command::Find) {
+      EXPECT_TRUE(options.help && options.command == line.command) << line.word;
+    }
+    EXPECT_EQ(HelpText(line.command).rfind(std::string("offsetctl ") + line.usage, 0), 0u) << line.word;
+  }
 }
 
 TEST(OffsetctlNames, TableOfTheCatalogueHoldsTogether) {
@@ -294,6 +431,31 @@ TEST(OffsetctlNames, TableOfTheCatalogueHoldsTogether) {
     }
     EXPECT_EQ(FirstReadOnly(known, row.offset, 1) == row.offset, row.readOnly) << row.name;
   }
+}
+
+TEST(OffsetctlNames, NearestNames) {
+  const struct {
+    const char* wanted;
+    const char* first;
+  } cases[] = {{"headng", "heading"},
+               {"altitud", "altitude"},
+               {"HAEDING", "heading"},
+               {"lattitude", "latitude"},
+               {"com_1", "com1"},
+               {"autopilot_heading_bug", "ap_heading_bug"},
+               {"squawk7", ""},
+               {"zzzz", ""},
+               {"parkingbrake", "parking_brake"},
+               {"", ""}};
+  for (const auto& row : cases) {
+    const std::vector<std::string> found = NearestNames(KnownOffsets(), row.wanted, 3);
+    EXPECT_EQ(found.empty() ? "" : found[0], row.first) << row.wanted;
+    EXPECT_LE(found.size(), 3u);
+  }
+  Item item;
+  std::string error;
+  EXPECT_FALSE(ParseItem("headng", names, &item, &error));
+  EXPECT_EQ(error, "no offset is named \"headng\": did you mean heading?");
 }
 
 TEST(OffsetctlNames, SearchesNamesMeaningsUnitsAndSubjects) {
