@@ -1,7 +1,6 @@
 #if defined(_WIN32)
 
-#include <windows.h>
-#include <winsock2.h>
+#include <winsock2.h>  // which brings windows.h with it
 
 #include <cstring>
 #include <vector>

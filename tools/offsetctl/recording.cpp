@@ -17,7 +17,7 @@ constexpr size_t versionAt = 8, headerSizeAt = 10, startedAtAt = 12, memorySizeA
 // Before each frame: its time in microseconds, its size.
 constexpr size_t timeSize = 8;
 constexpr size_t prefixSize = timeSize + 4;
-constexpr uint32_t largestFrame = 65535;
+constexpr uint32_t mostFrameBytes = 65535;
 
 bool Fail(const std::string& text, std::string* error) {
   *error = text;
@@ -77,7 +77,7 @@ bool ReadRecording(const uint8_t* bytes, size_t size, Recording* recording, std:
     if (size - at < prefixSize) return Fail("it was cut off: it ends within " + place, error);
     const uint64_t time = LoadFrom<uint64_t>(bytes + at);
     const uint32_t length = LoadFrom<uint32_t>(bytes + at + timeSize);
-    if (length > largestFrame || time < last) return Fail("it is damaged at " + place, error);
+    if (length > mostFrameBytes || time < last) return Fail("it is damaged at " + place, error);
     at += prefixSize;
     if (length > size - at) return Fail("it was cut off: it ends within " + place, error);
     const FrameKind kind = ReadFrame(bytes + at, length).kind;
