@@ -68,7 +68,7 @@ int TryAll(const std::vector<const Situation*>& chosen, const Options& options, 
   std::string error;
   for (const Situation* situation : chosen) {
     const std::string wrong = Try(*situation, options, ip, &error);
-    if (StopRequested()) return exitNoAnswer;
+    if (StopRequested()) return Report(exitNoAnswer, "stopped");
     if (!error.empty()) return Report(exitNoAnswer, error);
     passed += wrong.empty();
     std::printf("%-6s  %-9s  %s\n", wrong.empty() ? "ok" : "FAILED", situation->name, situation->about);

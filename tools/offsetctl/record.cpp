@@ -43,14 +43,17 @@ bool AppendFrames(FILE* file, const std::vector<RecordedFrame>& frames, Tally* t
 
 int RunRecord(const Options& options, const Transport& transport) {
   const std::string& path = options.items[0];
+  const uint64_t length = static_cast<uint64_t>(options.seconds * 1e6);
+  const uint64_t startedAt = MicrosecondsNow();
+  std::string error;
+  // All blocks first: without the whole memory nothing can be replayed, and an older file stays. What comes
+  // meanwhile is kept.
+  bool isServed = transport.readOffsets({}, &error);
+  if (!isServed) return ReportFailure(error);
   FILE* file = std::fopen(path.c_str(), "wb");
   if (file == nullptr) return Report(exitUsage, "cannot write " + path);
-  bool isWritten = Append(file, RecordingHeader(MicrosecondsNow()));
-  const uint64_t length = static_cast<uint64_t>(options.seconds * 1e6);
+  bool isWritten = Append(file, RecordingHeader(startedAt));
   Tally tally;
-  std::string error;
-  // All blocks first: a recording without the whole memory cannot be replayed.
-  bool isServed = transport.readOffsets({}, &error);
   std::vector<RecordedFrame> frames;
   while (isServed && isWritten) {
     isServed = TakeFrames(sliceMs, &frames, &error);

@@ -294,9 +294,9 @@ void DropClients(Server* server) {
   server->clients.clear();
 }
 
-void SendToClients(Server* server, const std::vector<uint8_t>& frame) {
+void SendToClients(Server* server, SocketHandle from, const std::vector<uint8_t>& frame) {
   for (const ServedClient& client : server->clients) {
-    SendDatagram(server->sender, client.peer, frame.data(), frame.size());
+    SendDatagram(from, client.peer, frame.data(), frame.size());
   }
 }
 

@@ -72,8 +72,8 @@ bool OpenServer(uint32_t ip, Server* server, std::string* error);
 void Serve(Server* server, int milliseconds);
 // Every client's connection ends, as when the simulator does.
 void DropClients(Server* server);
-// A frame to every client, whatever it is, past the loss.
-void SendToClients(Server* server, const std::vector<uint8_t>& frame);
+// A frame to every client, whatever it is, from that socket and past the loss.
+void SendToClients(Server* server, SocketHandle from, const std::vector<uint8_t>& frame);
 void CloseServer(Server* server);
 
 // Frames as the server sends them.
