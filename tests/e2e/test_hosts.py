@@ -260,3 +260,44 @@ def test_windows_client_on_another_host(hosts, place, linux, win32, wine_prefix)
     assert read.stdout.startswith("com1 = 119.20 MHz"), read.stderr
     assert windows.run("offsetctl", "--find").stdout.strip() == server.address
     standin.quit()
+
+
+def library(host, program, *words):
+    """A client library's program on the host: a line in, a line out."""
+    environment = {**os.environ, "PYTHONPATH": str(TOP / "clients/python")}
+    return subprocess.Popen(host.prefix() + [str(program), *words], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+                            bufsize=1, env=environment)
+
+
+ALIVE = """import sys, tavrix
+print(*tavrix.find(10))
+sim = tavrix.connect()
+for line in sys.stdin: print(int(sim.alive), flush=True)
+"""
+
+
+@pytest.mark.parametrize("language", ["python", "c"])
+def test_client_libraries_find_the_server_and_bear_a_lost_card(language, hosts, place, linux, tmp_path):
+    server, near = hosts(2)
+    standin = place(server, linux, "--flight", "none")
+    if language == "python":
+        client = library(near, sys.executable, "-c", ALIVE)
+        assert client.stdout.readline() == server.address + "\n"
+    else:
+        subprocess.run(["gcc", f"-I{TOP}/clients/c", "-o", str(tmp_path / "probe"), str(TOP / "tests/clients/tavrix_probe.c"),
+                        str(TOP / "clients/c/tavrix.c"), "-lm"], check=True)
+        client = library(near, tmp_path / "probe")
+        client.stdin.write("connect\n")
+        assert client.stdout.readline() == "\n"
+
+    def alive():
+        client.stdin.write("alive\n")
+        return client.stdout.readline() == "1\n"
+    wait_for("a living simulator", alive)
+    near.card("down")
+    wait_for("its end", lambda: not alive())
+    near.card("up")
+    wait_for("its return", alive)
+    client.kill()
+    client.wait(timeout=DEADLINE)
+    standin.quit()

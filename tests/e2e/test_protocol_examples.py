@@ -12,6 +12,7 @@ from conftest import DEADLINE, TOP, wait_for
 from network import CHANGES, Client, change_frame, entries_of, hex_file
 
 EXAMPLES = TOP / "docs" / "examples"
+CLIENTS = TOP / "clients"
 GOLDEN = EXAMPLES / "golden"
 DOCUMENTS = ["network-protocol.md", "local-protocol.md", "conformance.md"]
 
@@ -123,14 +124,18 @@ def test_relay(server):
     client.close()
 
 
+def compiled(compiler, program, library):
+    subprocess.run([compiler, "-Wall", "-Wextra", "-Werror", f"-I{CLIENTS / 'c'}", "-o", str(program),
+                    str(EXAMPLES / "client.c"), str(CLIENTS / "c/tavrix.c"), library], check=True)
+    return program
+
+
 @pytest.fixture(params=["python", "c"])
-def sample(request, tmp_path):
+def sample(request, tmp_path, monkeypatch):
     if request.param == "python":
-        return [sys.executable, str(EXAMPLES / "network_client.py")]
-    program = tmp_path / "network_client"
-    subprocess.run(["gcc", "-Wall", "-Wextra", "-Werror", "-o", str(program), str(EXAMPLES / "network_client.c")],
-                   check=True)
-    return [str(program)]
+        monkeypatch.setenv("PYTHONPATH", str(CLIENTS / "python"))
+        return [sys.executable, str(EXAMPLES / "client.py")]
+    return [str(compiled("gcc", tmp_path / "client", "-lm"))]
 
 
 def run(command, *words):
@@ -140,17 +145,19 @@ def run(command, *words):
 
 
 def test_network_sample(server, sample):
-    assert run(sample, "127.0.0.1", "0x3306") == str(0x5000)
-    assert run(sample, "127.0.0.1", "0x07CC", "16384") == "16384"
+    def set_to(name, value):
+        return run(sample, "127.0.0.1", *([f"{name}={value}"] if sample[-1].endswith(".py") else [name, value]))
+
+    assert run(sample, "127.0.0.1", "activity").split()[0] == "activity"
+    assert set_to("ap_heading_bug", "90").split() in (["ap_heading_bug", "90", "deg"], ["ap_heading_bug", "90.0", "deg"])
     server.ask("frames 2")
     assert abs(server.number("sim/cockpit/autopilot/heading_mag") - 90) < 0.05
-    assert run(sample, "127.0.0.1", "0x12340", "0xBEEF") == str(0xBEEF)
-    assert run(sample, "127.0.0.1", "0x12340") == str(0xBEEF)
+    assert set_to("com1", "118.7").split() == ["com1", "118.7", "MHz"] == run(sample, "127.0.0.1", "com1").split()
 
 
 def test_network_sample_without_server(sample):
-    result = subprocess.run([*sample, "127.0.0.2", "0x0580"], capture_output=True, text=True, timeout=DEADLINE)
-    assert result.returncode != 0 and "refused" in result.stderr
+    result = subprocess.run([*sample, "127.0.0.2", "heading"], capture_output=True, text=True, timeout=DEADLINE)
+    assert result.returncode != 0 and "does the simulator run there" in result.stderr
 
 
 @pytest.mark.wine
@@ -169,16 +176,13 @@ def test_local_blocks(start, win32):
 
 @pytest.mark.wine
 def test_local_sample(start, win32, tmp_path):
-    program = tmp_path / "local_client.exe"
-    subprocess.run(["i686-w64-mingw32-gcc-posix", "-Wall", "-Wextra", "-Werror", "-o", str(program),
-                    str(EXAMPLES / "local_client.c")], check=True)
+    program = compiled("i686-w64-mingw32-gcc-posix", tmp_path / "client.exe", "-lws2_32")
     standin = start(win32, "--rate", "0", "--flight", "none")
     standin.ask("frames 70")
     standin.wait_log("Create KORL Thread OK!")
-    assert run(["wine", str(program)], "0x3306") == str(0x5000)
-    assert run(["wine", str(program)], "0x07CC", "16384") == "16384"
+    assert run(["wine", str(program)], "local", "ap_heading_bug", "90") == "ap_heading_bug 90 deg"
     standin.ask("frames 2")
     assert abs(standin.number("sim/cockpit/autopilot/heading_mag") - 90) < 0.05
     standin.quit()
-    missing = subprocess.run(["wine", str(program), "0x3306"], capture_output=True, text=True, timeout=DEADLINE)
-    assert missing.returncode == 1 and "no server" in missing.stderr
+    missing = subprocess.run(["wine", str(program), "local", "heading"], capture_output=True, text=True, timeout=DEADLINE)
+    assert missing.returncode == 1 and "no simulator" in missing.stderr
