@@ -1,4 +1,5 @@
 """Recording a flight, showing it again without a simulator, and trying clients."""
+import os
 import signal
 import subprocess
 import sys
@@ -142,9 +143,19 @@ def test_sample_conforms_where_it_is_quick(linux):
 
 
 @pytest.mark.slow
-def test_sample_conforms(linux):
-    result = linux.run("offsetctl", "conform", *CONFORM_SAMPLE, timeout=3 * DEADLINE)
-    assert result.returncode == 0 and "12 of 12 passed" in result.stdout, result.stdout + result.stderr
+def test_sample_and_libraries_conform(linux, tmp_path):
+    program = tmp_path / "conform_c"
+    subprocess.run(["gcc", "-std=gnu99", "-Wall", "-Wextra", "-Werror", f"-I{TOP}/clients/c", "-o", program,
+                    TOP / "tests/clients/conform_c.c", TOP / "clients/c/tavrix.c", "-lm"], check=True)
+    clients = {"127.0.0.1": CONFORM_SAMPLE, "127.0.0.2": ["--", program],
+               "127.0.0.3": ["--", sys.executable, TOP / "tests/clients/conform_python.py"]}
+    environment = {**os.environ, "PYTHONPATH": str(TOP / "clients/python")}
+    running = [subprocess.Popen(linux.command("offsetctl", "conform", "--listen", address, *client), text=True,
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, env=environment)
+               for address, client in clients.items()]
+    for process in running:
+        told, _ = process.communicate(timeout=3 * DEADLINE)
+        assert process.returncode == 0 and "12 of 12 passed" in told, told
 
 
 @pytest.mark.wine
