@@ -149,9 +149,7 @@ def test_doctor_finds_what_is_wrong(serve, build, tmp_path):
         assert "PROBLEM  " in result.stdout and problem in result.stdout, result.stdout
     # A port that somebody else has.
     (folder / "TAVRIX.ini").write_text(SETTINGS)
-    with socket.socket() as other:
-        other.bind(("127.0.0.3", PORT))
-        other.listen()
+    with socket.create_server(("127.0.0.3", PORT)):
         told = build.run("offsetctl", "doctor", build.path(folder)).stdout
         assert "Nobody answers at TCP port 65000 of 127.0.0.1" in told
         if not build.wine:
