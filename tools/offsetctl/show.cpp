@@ -6,6 +6,7 @@
 
 #include "encode.h"
 #include "numbers.h"
+#include "words.h"
 
 namespace ctl {
 
@@ -164,7 +165,10 @@ std::string ChangeLine(const Item& item, const uint8_t* before, const uint8_t* a
     old = EngineeringText(shown);
   }
   shown.bytes.assign(after, after + item.size);
-  return item.shown + ": " + old + " -> " + WithUnit(EngineeringText(shown), item) + RoundingText(item);
+  const bool hasWords = item.row != nullptr && IsInteger(item.type);
+  const std::string word = hasWords ? WordFor(*item.row, static_cast<int64_t>(StoredBits(shown))) : "";
+  return item.shown + ": " + old + " -> " + WithUnit(EngineeringText(shown), item) +
+         (word.empty() ? "" : " (" + word + ")") + RoundingText(item);
 }
 
 std::string ItemJson(const Item& item) {

@@ -68,6 +68,14 @@ bool FindWord(const OffsetName& row, std::string_view word, int64_t* number) {
   return found == 1;
 }
 
+std::string WordFor(const OffsetName& row, int64_t number) {
+  if (row.show == Form::Flag) return "";
+  for (const Word& word : WordsOf(row)) {
+    if (word.number == number) return word.text;
+  }
+  return "";
+}
+
 std::string WordsText(const OffsetName& row) {
   std::string text;
   for (const Word& word : WordsOf(row)) {
