@@ -18,6 +18,12 @@ enum class Form : uint8_t {
   Text,
 };
 
+// A stored number that means something of its own.
+struct NamedNumber {
+  int64_t number;
+  const char* name;
+};
+
 struct OffsetName {
   uint32_t offset;
   ValueType type;
@@ -28,8 +34,13 @@ struct OffsetName {
   double unitScale;
   double unitBias;
   Form show;
-  bool readOnly;  // the server drops writes to it
-  bool writable;  // a write reaches the simulator
+  bool readOnly;           // the server drops writes to it
+  bool writable;           // a write reaches the simulator
+  const char* lossy = "";  // why a written value does not read back within one step; "" when it does
+  // How far off it reads back then, at most: stored numbers, and a share of what was written. Both 0: not
+  // known, or the reason is another one.
+  double lossSteps = 0, lossShare = 0;
+  std::span<const NamedNumber> choices = {};
 };
 
 // A stretch of offsets, both ends included.

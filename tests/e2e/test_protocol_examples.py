@@ -14,7 +14,7 @@ from network import CHANGES, Client, change_frame, entries_of, hex_file
 EXAMPLES = TOP / "docs" / "examples"
 CLIENTS = TOP / "clients"
 GOLDEN = EXAMPLES / "golden"
-DOCUMENTS = ["network-protocol.md", "local-protocol.md"]
+DOCUMENTS = ["network-protocol.md", "local-protocol.md", "conformance.md"]
 
 
 def golden(name):

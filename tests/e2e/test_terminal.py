@@ -5,7 +5,7 @@ import time
 
 import pytest
 
-from terminal import CLEAR, HOME, Terminal, check_fits
+from terminal import CLEAR, HIDE, HOME, SHOW, Terminal, check_fits
 
 SETTINGS = "[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n"
 
@@ -62,14 +62,51 @@ def test_ends_in_a_terminal_that_was_held(server, linux, open_terminal):
 
 
 @pytest.mark.parametrize("words", [("--rate", "0.01"), ("--seconds", "1000000"), ()])
-@pytest.mark.parametrize("way", ["key", "signal"])
+@pytest.mark.parametrize("way", ["\x03", "q", "signal"])
 def test_is_stopped(server, linux, open_terminal, words, way):
     terminal = open_terminal(linux.command("offsetctl", "monitor", *words))
     terminal.wait_text(HOME, 1 if "--rate" in words else 5)
-    terminal.type("\x03") if way == "key" else os.kill(terminal.process.pid, signal.SIGTERM)
+    os.kill(terminal.process.pid, signal.SIGTERM) if way == "signal" else terminal.type("x" + way)
     assert terminal.wait(deadline=10) == 0
     terminal.check_restored()
     assert "offsetctl:" not in terminal.text
+    server.quit()
+
+
+def test_shows_a_pilots_units(server, linux):
+    server.ask("set sim/flightmodel/position/elevation 1000")
+    table = linux.run("offsetctl", "monitor", "--seconds", "1.5").stdout.split("TAVRIX  ")[-1]
+    units = {line[:12].strip(): line[:38].split()[-1] for line in table.splitlines()[2:19] if line[:38].strip()}
+    assert [units[name] for name in ("Altimeter", "Above sea", "Above ground", "IAS", "Ground speed", "Vertical",
+                                     "QNH", "Nose up")] == ["ft", "ft", "ft", "kt", "kt", "ft/min", "hPa", "deg"]
+    server.quit()
+
+
+def test_goes_on_after_a_stop(server, linux, open_terminal):
+    # A shell with job control, as people have it: Ctrl-Z gives the terminal back, fg goes on.
+    terminal = open_terminal(["bash", "--norc", "--noediting", "-im"], env={"PS1": "prompt> "})
+    terminal.wait_text("prompt> ")
+    terminal.type(" ".join(linux.command("offsetctl", "monitor")) + "\r")
+    terminal.wait_text(HOME, 3)
+    terminal.type("\x1a")
+    terminal.wait_text("Stopped")
+    assert terminal.text.rindex(SHOW) > terminal.text.rindex(HIDE)
+    terminal.type("fg\r")
+    terminal.wait_text(CLEAR, 2)
+    terminal.type("q")
+    terminal.wait_text("prompt> ", 3)
+    terminal.type("exit\r")
+    assert terminal.wait(deadline=10) == 0
+    terminal.check_restored()
+    server.quit()
+
+
+def test_the_terminal_is_closed(server, linux, open_terminal):
+    terminal = open_terminal(linux.command("offsetctl", "monitor", "--rate", "0.01"))
+    terminal.wait_text(HOME)
+    os.killpg(terminal.process.pid, signal.SIGHUP)
+    assert terminal.wait(deadline=10) == 0
+    terminal.check_nothing_left()
     server.quit()
 
 

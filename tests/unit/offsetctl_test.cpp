@@ -1,22 +1,20 @@
-// The client tool's reading of items, values and options, its output, and its request blocks.
+// The client tool's reading of items and values, its output, and its request blocks.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
-#include <iterator>
-#include <sstream>
 
 #include "offsetctl/encode.h"
 #include "offsetctl/item.h"
 #include "offsetctl/names.h"
-#include "offsetctl/options.h"
 #include "offsetctl/request_block.h"
 #include "offsetctl/show.h"
+#include "offsetctl/units.h"
 
 namespace {
 
 using namespace ctl;
 
+constexpr NamedNumber places[] = {{0, "rejected take-off"}, {1, "off"}, {2, "landing 1"}, {3, "landing 2"}};
 constexpr OffsetName rows[] = {
     {0x0580, ValueType::U16, 2, "heading", "true heading", "deg", 360.0 / 65536, 0, Form::Number, false, true},
     {0x0D0C, ValueType::U16, 2, "lights", "light switches", "", 1, 0, Form::Bits, false, true},
@@ -28,6 +26,22 @@ constexpr OffsetName rows[] = {
      Form::Number, false, true},
     {0x3130, ValueType::Text, 12, "tail", "tail number", "", 1, 0, Form::Text, false, true},
     {0x0238, ValueType::U8, 1, "hour", "local hour", "h", 1, 0, Form::Number, true, false},
+    {0x07E2, ValueType::U16, 2, "speed", "selected speed", "kt", 1, 0, Form::Number, false, true},
+    {0x0BE8, ValueType::U16, 2, "gear", "gear lever: 0 up, 16383 down", "%", 100.0 / 16383, 0, Form::Number,
+     false, true},
+    {0x0BD0, ValueType::U16, 2, "lever", "lever, 0 to 1", "%", 100.0 / 16383, 0, Form::Number, false, true},
+    {.offset = 0x2F80,
+     .type = ValueType::U8,
+     .length = 1,
+     .name = "brakes",
+     .meaning = "autobrake",
+     .unit = "",
+     .unitScale = 1,
+     .unitBias = 0,
+     .show = Form::Number,
+     .readOnly = false,
+     .writable = true,
+     .choices = places},
 };
 constexpr OffsetRange readOnly[] = {{0x0238, 0x023A}, {0x3304, 0x330B}};
 constexpr NameTable names = {rows, readOnly};
@@ -101,7 +115,24 @@ TEST(OffsetctlWrite, EncodesValues) {
       {"com1=118.705", "70 18"},
       {"squawk=7000", "00 70"},
       {"brake=on", "01 00"},
+      {"brake=no", "00 00"},
       {"lights=0x8001", "01 80"},
+      {"heading=4.71238898038469rad", "00 C0"},
+      {"heading=270 DEG", "00 C0"},
+      {"com1=118705kHz", "70 18"},
+      {"oat=0 degF", "39 F8"},
+      {"oat=-17.78degC", "38 F8"},
+      {"speed=100.4", "64 00"},
+      {"speed=185.2km/h", "64 00"},
+      {"speed=0x64", "64 00"},
+      {"gear=up", "00 00"},
+      {"gear=DOWN", "FF 3F"},
+      {"gear=50%", "00 20"},
+      {"lever=full", "FF 3F"},
+      {"lever=off", "00 00"},
+      {"brakes=landing 2", "03"},
+      {"brakes=rej", "00"},
+      {"brakes=4", "04"},
   };
   for (const auto& row : cases) {
     Item item;
@@ -143,7 +174,19 @@ TEST(OffsetctlWrite, RefusesWhatDoesNotFit) {
                          "hour=5",
                          "0x0237:u16=0",
                          "0x3300:hex:8=0000000000000000",
-                         "latitude=1e9"};
+                         "latitude=1e9",
+                         "heading=5000ft",
+                         "heading=270 furlongs",
+                         "squawk=7000kHz",
+                         "speed=-1",
+                         "speed=70000",
+                         "speed=fast",
+                         "gear=sideways",
+                         "gear=",
+                         "brakes=landing",
+                         "lights=1.5",
+                         "brake=maybe",
+                         "hour=on"};
   for (const char* text : cases) {
     Item item;
     std::string error;
@@ -188,6 +231,60 @@ TEST(OffsetctlShow, PrintsLinesAndJson) {
             "\"raw\": \"FC BF\", \"unit\": \"deg\"}");
 }
 
+TEST(OffsetctlShow, TellsOldNewAndRounding) {
+  const struct {
+    const char* assignment;
+    const char* before;
+    const char* line;
+  } cases[] = {
+      {"heading=270", "0000", "heading: 0.000 -> 270.000 deg"},
+      {"com1=118.705MHz", "7018", "com1: 118.70 -> 118.70 MHz (118.705 MHz asked: steps of 0.01 MHz)"},
+      {"speed=100.4", "0000", "speed: 0 -> 100 kt (100.4 kt asked: steps of 1 kt)"},
+      {"speed=185.2km/h", "0000", "speed: 0 -> 100 kt"},
+      {"heading=271", "0000", "heading: 0.000 -> 271.000 deg"},
+      {"heading=270.1", "0000", "heading: 0.000 -> 270.099 deg (270.1 deg asked: steps of 0.005493164 deg)"},
+      {"brake=on", "0000", "brake: off -> on"},
+      {"gear=up", "FF3F", "gear: 100.000 -> 0.000 % (up)"},
+      {"0x0330:u16=7", "0500", "0x0330: 5 -> 7"},
+      {"tail=AB", "", "tail: ? -> \"AB\""},
+  };
+  for (const auto& row : cases) {
+    Item item;
+    std::string error;
+    ASSERT_TRUE(ParseAssignment(row.assignment, names, &item, &error)) << error;
+    std::vector<uint8_t> before;
+    ASSERT_TRUE(ParseBytes(std::string("hex:") + row.before, &before));
+    EXPECT_EQ(ChangeLine(item, before.empty() ? nullptr : before.data(), item.bytes.data()), row.line);
+  }
+}
+
+TEST(OffsetctlUnits, Convert) {
+  const struct {
+    double value;
+    const char *from, *to;
+    double result;
+  } cases[] = {
+      {5000, "ft", "m", 1524},          {29.92, "inHg", "mb", 1013.207}, {1013, "hPa", "mb", 1013},
+      {118.705, "MHz", "MHz", 118.705}, {1, "kt", "m/s", 0.514444},      {1000, "fpm", "m/s", 5.08},
+      {59, "degF", "deg C", 15},        {288.15, "K", "degC", 15},       {1, "t", "lb", 2204.622},
+      {60, "rpm", "deg/s", 360},        {50, "percent", "%", 50},        {1, "US gal", "l", 3.785412},
+  };
+  for (const auto& row : cases) {
+    double result = 0;
+    ASSERT_TRUE(ConvertUnit(row.value, row.from, row.to, &result)) << row.from << " " << row.to;
+    EXPECT_NEAR(result, row.result, 1e-3) << row.from << " " << row.to;
+    ASSERT_TRUE(ConvertUnit(result, row.to, row.from, &result));
+    EXPECT_NEAR(result, row.value, 1e-9 * std::abs(row.value)) << "back to " << row.from;
+  }
+  double unused = 0;
+  for (const auto& [from, to] : {std::pair{"ft", "deg"}, {"kt", "m"}, {"nothing", "m"}, {"m", ""}}) {
+    EXPECT_FALSE(ConvertUnit(1, from, to, &unused)) << from << " " << to;
+  }
+  for (const OffsetName& row : KnownOffsets().rows) {
+    EXPECT_TRUE(row.unit[0] == 0 || ConvertUnit(1, row.unit, row.unit, &unused)) << row.name;
+  }
+}
+
 // Every stored value of a scaled type comes back when its engineering value is written.
 TEST(OffsetctlWrite, TakesBackWhatJsonShows) {
   for (uint32_t stored = 0; stored < 0x10000; stored += 7) {
@@ -229,110 +326,6 @@ TEST(OffsetctlBlock, SplitsWhereTheBlockIsFull) {
   EXPECT_EQ(data[8], 0xA1);
   EXPECT_EQ(data[23], 0xA2);
   EXPECT_EQ(data[24], 24);
-}
-
-TEST(OffsetctlOptions, ReadsTheCommandLine) {
-  const char* const good[] = {"read a --json --timeout 2.5",
-                              "watch a --count=3 --rate 20",
-                              "write -- -odd=1",
-                              "list",
-                              "list standby radio",
-                              "--help",
-                              "dump --help",
-                              "--find",
-                              "--find --timeout 2 --json"};
-  const char* const bad[] = {"",
-                             "read",
-                             "raed a",
-                             "dump a b",
-                             "write a=1 --json",
-                             "watch a --count 0",
-                             "watch a --rate",
-                             "read a --timeout nan",
-                             "read a --timeout 0",
-                             "list --timeout 1",
-                             "--json read a",
-                             "monitor --seconds 1s",
-                             "read ias --net",
-                             "read ias --net --json",
-                             "read ias --net=",
-                             "read ias --net a --local",
-                             "read ias --find --net a",
-                             "read ias --confirm",
-                             "--find ias",
-                             "--find --net a",
-                             "list --find"};
-  const auto check = [](const std::string& line, bool isGood, const char* net = nullptr) {
-    std::istringstream stream(line);
-    const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
-    Options options;
-    std::string error;
-    EXPECT_EQ(ParseOptions(words, &options, &error), isGood) << line << ": " << error;
-    EXPECT_EQ(error.empty(), isGood) << line;
-    if (net != nullptr) {
-      EXPECT_EQ(options.net, net) << line;
-    }
-  };
-  for (const char* line : good) check(line, true);
-  for (const char* line : bad) check(line, false);
-  check("read ias --net 192.168.0.7", true, "192.168.0.7");
-  check("read --net=cockpit ias", true, "cockpit");
-  check("read ias --find", true, "");
-  check("write gear=1 --net cockpit --confirm", true, "cockpit");
-}
-
-TEST(OffsetctlNames, TableOfTheCatalogueHoldsTogether) {
-  const NameTable known = KnownOffsets();
-  size_t inSubjects = 0;
-  for (const OffsetSubject& subject : known.subjects) inSubjects += subject.rows;
-  EXPECT_EQ(inSubjects, known.rows.size());
-  for (const OffsetName& row : known.rows) {
-    EXPECT_LE(row.offset + row.length, offsetMemorySize) << row.name;
-    EXPECT_NE(row.unitScale, 0) << row.name;
-    if (row.name[0] != 0) {
-      EXPECT_EQ(FindByName(known, row.name), &row) << row.name << " is not unique";
-    }
-    EXPECT_EQ(FirstReadOnly(known, row.offset, 1) == row.offset, row.readOnly) << row.name;
-  }
-}
-
-TEST(OffsetctlNames, SearchesNamesMeaningsUnitsAndSubjects) {
-  constexpr OffsetName some[] = {
-      {0x0238, ValueType::U8, 1, "hour", "local hour", "h", 1, 0, Form::Number, true, false},
-      {0x0239, ValueType::U8, 1, "", "local radio minute", "min", 1, 0, Form::Number, true, false},
-      {0x034E, ValueType::U16, 2, "com1", "COM1 frequency", "MHz", 1, 0, Form::Bcd, false, true},
-      {0x034C, ValueType::U16, 2, "adf1", "ADF frequency", "kHz", 1, 0, Form::Bcd, false, true},
-      {0x0354, ValueType::U16, 2, "squawk", "transponder", "", 1, 0, Form::Bcd, false, true},
-      {0x0580, ValueType::U32, 4, "radio_altitude", "height", "m", 1, 0, Form::Number, false, true},
-  };
-  constexpr OffsetSubject subjects[] = {{"Time", 2}, {"Nothing", 0}, {"Radios", 3}, {"Position", 1}};
-  const struct {
-    std::vector<std::string> words;
-    std::vector<std::string> found;
-  } cases[] = {
-      {{"radio"}, {"com1", "adf1", "squawk", "radio_altitude"}},
-      {{"RADIOS"}, {"com1", "adf1", "squawk"}},
-      {{"position"}, {"radio_altitude"}},
-      {{"time"}, {"hour"}},
-      {{"nothing"}, {}},
-      {{"radios", "frequency"}, {"com1", "adf1"}},
-      {{"frequency", "mhz"}, {"com1"}},
-      {{"0x0354"}, {"squawk"}},
-      {{"852", "com"}, {}},
-      {{"squawk transponder"}, {}},  // one word, and no part holds it
-      {{}, {"hour", "com1", "adf1", "squawk", "radio_altitude"}},
-  };
-  for (const auto& row : cases) {
-    std::vector<std::string> found;
-    for (const OffsetName* name : Search({some, {}, subjects}, row.words)) found.push_back(name->name);
-    EXPECT_EQ(found, row.found) << testing::PrintToString(row.words);
-  }
-  // What a cockpit builder looks for first.
-  std::vector<std::string> radios;
-  for (const OffsetName* name : Search(KnownOffsets(), {"radio"})) radios.push_back(name->name);
-  for (const char* name : {"com1", "com_standby2", "nav1", "adf1", "transponder"}) {
-    EXPECT_NE(std::find(radios.begin(), radios.end(), name), radios.end()) << name;
-  }
 }
 
 }  // namespace

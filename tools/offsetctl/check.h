@@ -17,8 +17,7 @@ using Finding = CustomFinding;
 // tells which offsets have a fixed meaning. Pure.
 std::vector<Finding> CheckOffsetsFile(std::string_view text, std::string_view log, const NameTable& names);
 
-// The command: arguments behind the word "check". Prints "FILE:LINE:COLUMN: ..." for every finding and a
-// summary. Returns 0, 1 when something is wrong or the file cannot be read, 2 for wrong usage.
-int RunCheck(int argc, char** argv);
+// Reads a file of at most 64 MB as text. Returns true, or false when it cannot be read.
+bool ReadTextFile(const std::string& path, std::string* text);
 
 }  // namespace ctl

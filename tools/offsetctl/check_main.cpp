@@ -1,8 +1,9 @@
-// The command line of offsetctl check, its files and its output.
+// offsetctl check: its files and its output.
 #include <cstdio>
 #include <memory>
 
 #include "check.h"
+#include "commands.h"
 
 namespace ctl {
 
@@ -10,7 +11,13 @@ namespace {
 
 constexpr size_t largestFile = 64u << 20;
 
-bool ReadFile(const std::string& path, std::string* text) {
+int Unreadable(const std::string& path) {
+  return Report(exitNoAnswer, path + " cannot be read: check its name and whether you may read it");
+}
+
+}  // namespace
+
+bool ReadTextFile(const std::string& path, std::string* text) {
   const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
   if (!file) return false;
   char part[16384];
@@ -21,40 +28,11 @@ bool ReadFile(const std::string& path, std::string* text) {
   return std::ferror(file.get()) == 0 && text->size() <= largestFile;
 }
 
-int Usage(const char* problem) {
-  std::fprintf(stderr, "offsetctl: %s: offsetctl check FILE [--log TAVRIX.txt]\n", problem);
-  return 2;
-}
-
-int Unreadable(const std::string& path) {
-  std::fprintf(stderr, "offsetctl: %s cannot be read: check its name and whether you may read it\n",
-               path.c_str());
-  return 1;
-}
-
-}  // namespace
-
-int RunCheck(int argc, char** argv) {
-  std::string path, logPath;
-  for (int i = 0; i < argc; ++i) {
-    const std::string word = argv[i];
-    if (word == "--log") {
-      if (++i == argc) return Usage("--log needs the plug-in's log file");
-      logPath = argv[i];
-    } else if (word.starts_with("--log=")) {
-      logPath = word.substr(6);
-    } else if (word.size() > 1 && word[0] == '-') {
-      return Usage(("check has no option " + word).c_str());
-    } else if (!path.empty()) {
-      return Usage("check takes one file");
-    } else {
-      path = word;
-    }
-  }
-  if (path.empty()) return Usage("check needs a file");
+int RunCheck(const Options& options) {
+  const std::string& path = options.items[0];
   std::string text, log;
-  if (!ReadFile(path, &text)) return Unreadable(path);
-  if (!logPath.empty() && !ReadFile(logPath, &log)) return Unreadable(logPath);
+  if (!ReadTextFile(path, &text)) return Unreadable(path);
+  if (!options.log.empty() && !ReadTextFile(options.log, &log)) return Unreadable(options.log);
 
   size_t problems = 0;
   for (const Finding& finding : CheckOffsetsFile(text, log, KnownOffsets())) {

@@ -4,11 +4,13 @@
 #include <chrono>
 #include <cstdio>
 
+#include "confirm.h"
 #include "console.h"
 #include "item.h"
 #include "names.h"
 #include "numbers.h"
 #include "show.h"
+#include "words.h"
 
 namespace ctl {
 
@@ -16,6 +18,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
+
+// A value that the simulator does not keep is set back with its next refresh, as a rule within this time.
+constexpr double settleSeconds = 0.25;
+constexpr double readPause = 0.02;
 
 // Returns true, or false with the sentence in `error`.
 bool ParseItems(const Options& options, std::vector<Item>* items, std::string* error) {
@@ -41,6 +47,30 @@ void PrintLine(const std::string& line) { std::printf("%s\n", line.c_str()); }
 double SecondsUntil(Clock::time_point time) { return Seconds(time - Clock::now()).count(); }
 
 Clock::duration Period(double seconds) { return std::chrono::duration_cast<Clock::duration>(Seconds(seconds)); }
+
+// Confirms a write by reading again, for a way that answers at once.
+bool WriteAndRead(const Transport& transport, const std::vector<Transfer>& transfers, double timeout,
+                  std::vector<WriteCheck>* checks, std::string* error) {
+  const Clock::time_point start = Clock::now(), deadline = start + Period(timeout);
+  const Clock::time_point settled = std::min(deadline, start + Period(settleSeconds));
+  if (!transport.writeOffsets(transfers, error)) return false;
+  std::vector<Transfer> reads;
+  for (WriteCheck& check : *checks) {
+    reads.push_back({check.wanted.offset, check.wanted.size, check.shown.data()});
+  }
+  for (;;) {
+    if (!transport.readOffsets(reads, error)) return false;
+    const WriteCheck* failed = nullptr;
+    for (const WriteCheck& check : *checks) {
+      if (!IsRequest(check) && !Follows(check, check.shown.data())) failed = &check;
+    }
+    if (failed == nullptr && Clock::now() >= settled) return true;
+    if (WaitForStop(readPause)) return false;
+    if (failed == nullptr || Clock::now() < deadline) continue;
+    *error = "written, but the simulator does not follow: " + ShownText(*failed, failed->shown.data());
+    return false;
+  }
+}
 
 }  // namespace
 
@@ -82,12 +112,28 @@ int RunWrite(const Options& options, const Transport& transport) {
   std::vector<Item> items;
   std::string error;
   if (!ParseItems(options, &items, &error)) return Report(exitUsage, error);
-  for (const Item& item : items) {
-    if (item.row != nullptr && !item.row->writable) {
-      Report(exitDone, item.shown + " only shows: the simulator does not follow this write");
+  std::vector<Item> before = items;
+  const bool isKnown = transport.readOffsets(TransfersOf(&before), &error);
+  if (!isKnown && (StopRequested() || options.confirm)) return ReportFailure(error);
+  if (!isKnown) Report(exitDone, "the old values are not known: " + error);
+  std::vector<WriteCheck> checks;
+  for (size_t i = 0; i < items.size(); ++i) {
+    checks.push_back(CheckOf(items[i], KnownOffsets(), before[i].bytes.data()));
+    if (items[i].row != nullptr && !items[i].row->writable) {
+      Report(exitDone, items[i].shown + " only shows: the simulator does not follow this write");
     }
   }
-  return transport.writeOffsets(TransfersOf(&items), &error) ? exitDone : ReportFailure(error);
+  const std::vector<Transfer> transfers = TransfersOf(&items);
+  const bool written = !options.confirm ? transport.writeOffsets(transfers, &error)
+                       : transport.writeConfirmed != nullptr
+                           ? transport.writeConfirmed(transfers, &checks, &error)
+                           : WriteAndRead(transport, transfers, options.timeout, &checks, &error);
+  if (!written) return ReportFailure(error);
+  for (size_t i = 0; i < items.size(); ++i) {
+    const std::vector<uint8_t>& after = options.confirm ? checks[i].shown : items[i].bytes;
+    PrintLine(ChangeLine(items[i], isKnown ? before[i].bytes.data() : nullptr, after.data()));
+  }
+  return exitDone;
 }
 
 int RunWatch(const Options& options, const Transport& transport) {
@@ -137,7 +183,9 @@ int RunList(const Options& options) {
   if (found.empty()) {
     std::string wanted;
     for (const std::string& word : options.items) wanted += (wanted.empty() ? "" : " ") + word;
-    return Report(exitUsage, "no offset's name, meaning, unit or subject holds \"" + wanted + "\"");
+    const std::string nearest = NearestText(KnownOffsets(), wanted);
+    return Report(exitUsage, "no offset's name, meaning, unit or subject holds \"" + wanted + "\"" +
+                                 (nearest.ends_with('?') ? nearest : ""));
   }
   size_t width = 0;
   for (const OffsetName* row : found) width = std::max(width, std::string(row->name).size());
@@ -152,8 +200,10 @@ int RunList(const Options& options) {
           i + 1 < found.size() ? ",\n" : "\n]\n");
       continue;
     }
+    std::string meaning = row.meaning;
+    if (!row.choices.empty()) meaning += ": " + WordsText(row);
     std::printf("%-*s  %-7s  %-8s %-10s %-8s %s\n", static_cast<int>(width), row.name,
-                HexText(row.offset, 4).c_str(), type.c_str(), access, row.unit, row.meaning);
+                HexText(row.offset, 4).c_str(), type.c_str(), access, row.unit, meaning.c_str());
   }
   return exitDone;
 }

@@ -23,7 +23,15 @@ int RunWrite(const Options& options, const Transport& transport);
 int RunWatch(const Options& options, const Transport& transport);
 int RunDump(const Options& options, const Transport& transport);
 int RunMonitor(const Options& options, const Transport& transport);
+int RunRecord(const Options& options, const Transport& transport);
+// Opens the transport itself, several times.
+int RunMap(const Options& options, const Transport& transport);
+// Commands without a server.
 int RunList(const Options& options);
+int RunCheck(const Options& options);
+int RunDoctor(const Options& options);
+int RunReplay(const Options& options);
+int RunConform(const Options& options);
 // Items and values without a server: exitDone when a read, watch or write may go on.
 int CheckItems(const Options& options);
 

@@ -1,12 +1,15 @@
-// The terminal: Ctrl-C, waiting, and drawing in place. Main thread, except as said.
+// The terminal: Ctrl-C, keys, waiting, and drawing in place. Main thread, except as said.
 #pragma once
 #include <cstddef>
 
 namespace ctl {
 
-// From here on Ctrl-C asks for a clean end instead of killing the program.
+// From here on Ctrl-C, and the terminal's being closed, ask for a clean end instead of killing the program.
 void WatchForStop();
-// Whether Ctrl-C was pressed. Any thread.
+// From here on the key q does, too, while WaitForStop waits; keys are not shown any more. RestoreTerminal ends
+// that. Does nothing when standard input is no terminal, or belongs to another program at the moment.
+void WatchKeys();
+// Whether a clean end was asked for. Any thread.
 bool StopRequested();
 // Waits that long, at most a million seconds, or until Ctrl-C; not at all when it is zero or less. Returns
 // StopRequested().
@@ -21,6 +24,8 @@ TerminalSize SizeOfTerminal();
 // Clears what is visible and hides the cursor; RestoreTerminal shows it again.
 void ClearTerminal();
 void CursorHome();
+// Whether the program was stopped and goes on since the last call: another one has used the terminal.
+bool TerminalWasAway();
 void RestoreTerminal();
 
 }  // namespace ctl

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,6 +24,9 @@ using Clock = std::chrono::steady_clock;
 constexpr double longestWait = 1e6;  // seconds; in milliseconds it fits an int
 
 volatile sig_atomic_t stopRequested;
+volatile sig_atomic_t wasAway;
+bool keysWatched;
+termios settingsBefore;      // of the terminal, while keys are watched
 int stopPipe[2] = {-1, -1};  // readable from the first signal on, so that none falls between test and wait
 
 void OnSignal(int) {
@@ -31,6 +35,43 @@ void OnSignal(int) {
   if (write(stopPipe[1], "", 1) < 0) {  // full: readable anyway
   }
   errno = saved;
+}
+
+void TakeKeys() {
+  termios settings = settingsBefore;
+  settings.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);  // signals stay
+  settings.c_cc[VMIN] = 1;
+  settings.c_cc[VTIME] = 0;
+  tcsetattr(STDIN_FILENO, TCSANOW, &settings);
+}
+
+// Ctrl-Z: the terminal is given back as it was, and taken again afterwards. Only calls that a handler may make.
+void OnSuspend(int) {
+  const int saved = errno;
+  constexpr char showCursor[] = "\x1b[?25h";
+  tcsetattr(STDIN_FILENO, TCSANOW, &settingsBefore);
+  if (write(STDOUT_FILENO, showCursor, sizeof showCursor - 1) < 0) {  // it has gone
+  }
+  raise(SIGSTOP);
+  TakeKeys();
+  wasAway = 1;
+  errno = saved;
+}
+
+// Whether the key was pressed, or the terminal has gone.
+bool IsEndPressed() {
+  char key = 0;
+  const ssize_t size = read(STDIN_FILENO, &key, 1);
+  if (size < 0 && (errno == EINTR || errno == EAGAIN)) return false;
+  return size <= 0 || key == 'q' || key == 'Q';
+}
+
+void Handle(int signal, void (*handler)(int)) {
+  struct sigaction action = {}, before = {};
+  action.sa_handler = handler;  // without SA_RESTART: waits end at once
+  sigaction(signal, &action, &before);
+  // Whoever started us wants us to go on without a terminal.
+  if (signal == SIGHUP && before.sa_handler == SIG_IGN) sigaction(signal, &before, nullptr);
 }
 
 }  // namespace
@@ -42,10 +83,15 @@ void WatchForStop() {
       fcntl(end, F_SETFL, O_NONBLOCK);
     }
   }
-  struct sigaction action = {};
-  action.sa_handler = OnSignal;  // without SA_RESTART: waits end at once
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) Handle(signal, OnSignal);
+}
+
+void WatchKeys() {
+  if (keysWatched || tcgetpgrp(STDIN_FILENO) != getpgrp() || tcgetattr(STDIN_FILENO, &settingsBefore) != 0)
+    return;
+  keysWatched = true;
+  TakeKeys();
+  Handle(SIGTSTP, OnSuspend);
 }
 
 bool StopRequested() { return stopRequested != 0; }
@@ -57,8 +103,9 @@ bool WaitForStop(double seconds) {
   while (!stopRequested) {
     const double left = std::chrono::duration<double>(end - Clock::now()).count();
     if (left <= 0) break;
-    pollfd stop = {stopPipe[0], POLLIN, 0};
-    poll(&stop, 1, static_cast<int>(std::ceil(left * 1000)));
+    pollfd watched[] = {{stopPipe[0], POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
+    poll(watched, keysWatched ? 2 : 1, static_cast<int>(std::ceil(left * 1000)));
+    if (watched[1].revents != 0 && IsEndPressed()) stopRequested = 1;
   }
   return StopRequested();
 }
@@ -74,9 +121,17 @@ TerminalSize SizeOfTerminal() {
 void ClearTerminal() { std::fputs("\x1b[2J\x1b[?25l\x1b[H", stdout); }
 void CursorHome() { std::fputs("\x1b[H", stdout); }
 
+bool TerminalWasAway() {
+  const bool away = wasAway != 0;
+  wasAway = 0;
+  return away;
+}
+
 void RestoreTerminal() {
   std::fputs("\x1b[?25h", stdout);
   std::fflush(stdout);
+  if (keysWatched) tcsetattr(STDIN_FILENO, TCSANOW, &settingsBefore);
+  keysWatched = false;
 }
 
 }  // namespace ctl

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 
@@ -12,15 +13,37 @@ namespace ctl {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr double longestWait = 1e6;  // seconds; in milliseconds it is far below INFINITE
 
+constexpr DWORD closingMs = 3000;  // the system ends the program when it takes longer than five seconds
+
 HANDLE stopEvent;
+bool keysWatched;
 SHORT homeRow;  // of the buffer, which may be higher than the window
 
 BOOL WINAPI OnConsoleEvent(DWORD event) {
-  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) return FALSE;
   SetEvent(stopEvent);
+  // The window is being closed: the program ends with this function, so the main thread gets its time here.
+  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(closingMs);
   return TRUE;
+}
+
+HANDLE Input() { return GetStdHandle(STD_INPUT_HANDLE); }
+
+// Takes what the console has; whether q was among it.
+bool IsEndPressed() {
+  bool pressed = false;
+  INPUT_RECORD record;
+  DWORD count = 0;
+  while (GetNumberOfConsoleInputEvents(Input(), &count) && count > 0 &&
+         ReadConsoleInputA(Input(), &record, 1, &count)) {
+    const char key = record.Event.KeyEvent.uChar.AsciiChar;
+    pressed = pressed ||
+              (record.EventType == KEY_EVENT && record.Event.KeyEvent.bKeyDown && (key == 'q' || key == 'Q'));
+  }
+  return pressed;
 }
 
 HANDLE Output() { return GetStdHandle(STD_OUTPUT_HANDLE); }
@@ -45,8 +68,23 @@ bool StopRequested() { return WaitForSingleObject(stopEvent, 0) == WAIT_OBJECT_0
 
 bool WaitForStop(double seconds) {
   if (!(seconds > 0)) return StopRequested();
-  const double milliseconds = std::ceil(std::min(seconds, longestWait) * 1000);
-  return WaitForSingleObject(stopEvent, static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
+  const auto length = std::chrono::duration<double>(std::min(seconds, longestWait));
+  const Clock::time_point end = Clock::now() + std::chrono::duration_cast<Clock::duration>(length);
+  const HANDLE watched[] = {stopEvent, Input()};
+  for (double left = length.count(); left > 0;) {
+    const auto milliseconds = static_cast<DWORD>(std::ceil(left * 1000));
+    const DWORD signalled = WaitForMultipleObjects(keysWatched ? 2 : 1, watched, FALSE, milliseconds);
+    if (signalled != WAIT_OBJECT_0 + 1) break;
+    if (IsEndPressed()) SetEvent(stopEvent);
+    if (StopRequested()) break;
+    left = std::chrono::duration<double>(end - Clock::now()).count();
+  }
+  return StopRequested();
+}
+
+void WatchKeys() {
+  DWORD mode = 0;
+  keysWatched = GetConsoleMode(Input(), &mode) != 0;
 }
 
 bool StdoutIsTerminal() {
@@ -82,7 +120,10 @@ void CursorHome() {
   SetConsoleCursorPosition(Output(), {0, homeRow});
 }
 
+bool TerminalWasAway() { return false; }
+
 void RestoreTerminal() {
+  keysWatched = false;
   std::fflush(stdout);
   ShowCursor(true);
 }

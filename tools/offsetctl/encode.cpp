@@ -5,6 +5,8 @@
 
 #include "base/bytes.h"
 #include "numbers.h"
+#include "units.h"
+#include "words.h"
 
 namespace ctl {
 
@@ -111,32 +113,48 @@ bool EncodeReal(std::string_view text, double value, Item* item, std::string* er
   return true;
 }
 
-bool ParseFraction(std::string_view text, double* value, std::string* error) {
-  if (text.find_first_of("xX") != std::string_view::npos) {
+// A number in the row's unit, or in one that converts to it. Keeps it as what was asked for.
+bool ParseInUnit(std::string_view text, Item* item, std::string* error) {
+  const OffsetName& row = *item->row;
+  double number = 0;
+  std::string_view unit;
+  if (!SplitQuantity(text, &number, &unit)) {
+    const std::string words = WordsText(row);
+    return Fail(error, Quote(text) + " is no number" + (words.empty() ? "" : " and none of " + words));
+  }
+  if (unit.starts_with('x') || unit.starts_with('X')) {
     return Fail(error, "values are in engineering units here; for the stored number give the type too");
   }
-  if (!ParseReal(text, value)) return Fail(error, Quote(text) + " is no number");
-  return true;
+  item->asked = number;
+  if (unit.empty() || ConvertUnit(number, unit, row.unit, &item->asked)) return true;
+  const std::string like = UnitsLike(row.unit);
+  return Fail(error, row.unit[0] == 0 ? "it has no unit, leave \"" + std::string(unit) + "\" out"
+                                      : "\"" + std::string(unit) + "\" does not convert to its unit, " +
+                                            row.unit + (like.empty() ? "" : " (known: " + like + ")"));
+}
+
+std::string WithUnit(const std::string& number, const OffsetName& row) {
+  return row.unit[0] != 0 ? number + " " + row.unit : number;
+}
+
+bool FailOutside(std::string_view text, double first, double last, const OffsetName& row, std::string* error) {
+  return Fail(error, std::string(text) + " is outside " + RealText(static_cast<float>(std::fmin(first, last))) +
+                         " to " + WithUnit(RealText(static_cast<float>(std::fmax(first, last))), row));
 }
 
 // Engineering units into the stored number, rounded to the nearest step.
 bool EncodeScaled(std::string_view text, Item* item, std::string* error) {
   const OffsetName& row = *item->row;
-  double value = 0;
-  if (!ParseFraction(text, &value, error)) return false;
-  const double stored = (value - row.unitBias) / row.unitScale;
+  if (!ParseInUnit(text, item, error)) return false;
+  const double stored = (item->asked - row.unitBias) / row.unitScale;
   if (!IsInteger(item->type)) return EncodeReal(text, stored, item, error);
   const double rounded = std::round(stored);
   const double high = std::ldexp(1.0, static_cast<int>(item->size) * 8 - (IsSigned(item->type) ? 1 : 0));
   const double low = IsSigned(item->type) ? -high : 0;
   // NaN fails both comparisons.
   if (!(rounded >= low && rounded < high)) {
-    const double first = low * row.unitScale + row.unitBias;
-    const double last = (high - 1) * row.unitScale + row.unitBias;
-    return Fail(error, std::string(text) + " is outside " +
-                           RealText(static_cast<float>(std::fmin(first, last))) + " to " +
-                           RealText(static_cast<float>(std::fmax(first, last))) +
-                           (row.unit[0] != 0 ? " " : "") + row.unit);
+    return FailOutside(text, low * row.unitScale + row.unitBias, (high - 1) * row.unitScale + row.unitBias, row,
+                       error);
   }
   PutBits(IsSigned(item->type) ? static_cast<uint64_t>(static_cast<int64_t>(rounded))
                                : static_cast<uint64_t>(rounded),
@@ -146,17 +164,17 @@ bool EncodeScaled(std::string_view text, Item* item, std::string* error) {
 
 bool IsMegahertz(const OffsetName& row) { return std::strcmp(row.unit, "MHz") == 0 && row.length == 2; }
 
-// Decimal digits, four bits each. Megahertz drop the leading 1 and what does not fit behind the point.
+// Decimal digits, four bits each. Megahertz drop the leading 1 and what does not fit behind the point: 118.705
+// is 118.70, as radios show it.
 bool EncodeBcd(std::string_view text, Item* item, std::string* error) {
-  double value = 0;
-  if (!ParseFraction(text, &value, error)) return false;
+  if (!ParseInUnit(text, item, error)) return false;
   const double first = IsMegahertz(*item->row) ? 100 : 0;
   const double scale = IsMegahertz(*item->row) ? 100 : 1;
-  const double count = std::floor((value - first) * scale + 1e-6);
+  const double count = std::floor((item->asked - first) * scale + 1e-6);
   const double limit = std::pow(10.0, 2 * item->size);
   if (!(count >= 0 && count < limit)) {
     return Fail(error, std::string(text) + " is outside " + RealText(first) + " to " +
-                           RealText((limit - 1) / scale + first));
+                           WithUnit(RealText((limit - 1) / scale + first), *item->row));
   }
   uint64_t rest = static_cast<uint64_t>(count);
   uint64_t bits = 0;
@@ -165,12 +183,29 @@ bool EncodeBcd(std::string_view text, Item* item, std::string* error) {
   return true;
 }
 
-bool EncodeFlag(std::string_view text, Item* item, std::string* error) {
-  if (text == "on" || text == "true") text = "1";
-  if (text == "off" || text == "false") text = "0";
-  if (IsInteger(item->type)) return EncodeWhole(text, item, error);
-  double value = 0;
-  return ParseFraction(text, &value, error) && EncodeReal(text, value, item, error);
+// A stored number that a word stands for. A hundred percent is "on" and "full" of a lever without words.
+bool EncodeWord(std::string_view text, Item* item) {
+  const OffsetName& row = *item->row;
+  int64_t number = 0;
+  if (!FindWord(row, text, &number)) {
+    const bool isFull = text == "on" || text == "full";
+    if (row.show != Form::Number || std::strcmp(row.unit, "%") != 0 || (!isFull && text != "off")) return false;
+    number = static_cast<int64_t>(std::round(((isFull ? 100.0 : 0.0) - row.unitBias) / row.unitScale));
+  }
+  if (IsInteger(item->type)) {
+    PutBits(static_cast<uint64_t>(number), item);
+  } else {
+    PutReal(static_cast<double>(number), item);
+  }
+  return true;
+}
+
+// What stands in its unit as it is stored. Whole numbers are taken to the last digit; others are rounded.
+bool EncodeUnscaled(std::string_view text, Item* item, std::string* error) {
+  WholeNumber whole;
+  if (IsInteger(item->type) && ParseWhole(text, &whole)) return EncodeWhole(text, item, error);
+  if (IsInteger(item->type) && item->row->show != Form::Number) return EncodeWhole(text, item, error);
+  return EncodeScaled(text, item, error);
 }
 
 bool EncodeText(std::string_view text, Item* item, std::string* error) {
@@ -217,9 +252,10 @@ bool EncodeValue(std::string_view text, Item* item, std::string* error) {
   if (item->type == ValueType::Text) return EncodeText(text, item, error);
   if (item->row != nullptr) {
     const OffsetName& row = *item->row;
-    if (row.show == Form::Flag) return EncodeFlag(text, item, error);
+    if (EncodeWord(text, item)) return true;
     if (row.show == Form::Bcd) return EncodeBcd(text, item, error);
     if (row.unitScale != 1 || row.unitBias != 0) return EncodeScaled(text, item, error);
+    return EncodeUnscaled(text, item, error);
   }
   if (IsInteger(item->type)) return EncodeWhole(text, item, error);
   double value = 0;

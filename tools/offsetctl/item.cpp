@@ -63,7 +63,7 @@ bool ParsePlace(std::string_view text, const NameTable& names, Item* item, std::
   }
   item->row = FindByName(names, text);
   if (item->row == nullptr) {
-    return Fail(error, "no offset is named " + Quote(text) + ": see offsetctl list");
+    return Fail(error, "no offset is named " + Quote(text) + NearestText(names, text));
   }
   item->offset = item->row->offset;
   return true;

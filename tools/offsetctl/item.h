@@ -4,6 +4,7 @@
 // An item without a type is a known offset and speaks in its engineering units (knots, degrees, MHz); with
 // a type it is the stored number.
 #pragma once
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,8 @@ struct Item {
   uint32_t size = 0;
   const OffsetName* row = nullptr;  // the known offset when no type was given, else null
   std::vector<uint8_t> bytes = {};  // the value in memory order, `size` of them
+  // What was asked for in the row's unit, before it was rounded to `bytes`; NaN when nothing was.
+  double asked = std::numeric_limits<double>::quiet_NaN();
 };
 
 // "u16", "hex:4" ...

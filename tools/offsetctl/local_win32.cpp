@@ -168,7 +168,8 @@ void CloseLocal() {
   lastAbandoned = false;
 }
 
-constexpr Transport localTransport = {"local window server", OpenLocal, ReadLocal, WriteLocal, CloseLocal};
+constexpr Transport localTransport = {
+    "local window server", OpenLocal, ReadLocal, WriteLocal, nullptr, CloseLocal};
 
 }  // namespace
 

@@ -1,9 +1,8 @@
 // offsetctl: reads, writes and watches the offsets of a running plug-in, as any client program does.
 #include <cmath>
 #include <cstdio>
-#include <string_view>
 
-#include "check.h"
+#include "base/version.h"
 #include "commands.h"
 #include "console.h"
 #include "net_client.h"
@@ -38,7 +37,13 @@ int RunFind(const Options& options) {
 
 // The way to the server that the options name. Null with a status when there is none.
 const Transport* ChooseTransport(const Options& options, int* status) {
-  const bool local = options.local || (LocalTransport() != nullptr && options.net.empty() && !options.find);
+  const bool onlyNet = options.command == Command::Record;
+  if (options.local && onlyNet) {
+    *status = Report(exitUsage, "record takes what the network server sends: leave --local out");
+    return nullptr;
+  }
+  const bool local =
+      options.local || (LocalTransport() != nullptr && options.net.empty() && !options.find && !onlyNet);
   if (local && LocalTransport() == nullptr) {
     *status = Report(exitUsage,
                      "the local window server is a Windows mechanism: run the Windows build of offsetctl, or "
@@ -57,7 +62,7 @@ const Transport* ChooseTransport(const Options& options, int* status) {
     host = found[0];
     std::fprintf(stderr, "offsetctl: server %s\n", host.c_str());
   }
-  return NetTransport({host, options.confirm, StopRequested});
+  return NetTransport({host, StopRequested, options.command == Command::Record});
 }
 
 int RunCommand(const Options& options, const Transport& transport) {
@@ -72,6 +77,8 @@ int RunCommand(const Options& options, const Transport& transport) {
       return RunDump(options, transport);
     case Command::Monitor:
       return RunMonitor(options, transport);
+    case Command::Record:
+      return RunRecord(options, transport);
     default:
       return exitUsage;
   }
@@ -83,6 +90,7 @@ int RunWithServer(const Options& options) {
   int status = exitUsage;
   const Transport* transport = ChooseTransport(options, &status);
   if (transport == nullptr) return status;
+  if (options.command == Command::Map) return RunMap(options, *transport);
   std::string error;
   if (!transport->open(Milliseconds(options.timeout), &error)) return ReportFailure(error);
   status = RunCommand(options, *transport);
@@ -93,7 +101,6 @@ int RunWithServer(const Options& options) {
 }  // namespace
 
 int main(int count, char** words) {
-  if (count > 1 && std::string_view(words[1]) == "check") return RunCheck(count - 2, words + 2);
   Options options;
   std::string error;
   if (!ParseOptions(std::vector<std::string>(words + 1, words + count), &options, &error)) {
@@ -104,10 +111,21 @@ int main(int count, char** words) {
     return exitDone;
   }
   switch (options.command) {
+    case Command::Version:
+      std::printf("offsetctl of %s, %s\n", pluginTitle, buildWord);
+      return exitDone;
     case Command::List:
       return RunList(options);
     case Command::Find:
       return RunFind(options);
+    case Command::Check:
+      return RunCheck(options);
+    case Command::Doctor:
+      return RunDoctor(options);
+    case Command::Replay:
+      return RunReplay(options);
+    case Command::Conform:
+      return RunConform(options);
     default:
       return RunWithServer(options);
   }

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <limits>
 
 #include "commands.h"
@@ -13,6 +12,7 @@
 #include "numbers.h"
 #include "show.h"
 #include "traffic_rows.h"
+#include "units.h"
 
 namespace ctl {
 
@@ -32,6 +32,9 @@ struct MonitorRow {
   const char* names[4];
   const char* between = "";            // between the values
   const char* const* words = nullptr;  // what the values 0 to 3 mean
+  const char* unit = "";               // a pilot's; "" for the offset's own
+  int decimals = 0;
+  bool reversed = false;  // the offset counts nose down, or left wing down, as positive
 };
 
 constexpr const char* pushbackWords[4] = {"straight", "nose right", "nose left", "off"};
@@ -39,20 +42,20 @@ constexpr const char* pushbackWords[4] = {"straight", "nose right", "nose left",
 constexpr MonitorRow leftRows[] = {
     {.label = "UTC", .names = {"zulu_hour", "zulu_minute", "second"}, .between = ":"},
     {.label = "Aircraft", .names = {"aircraft"}},
-    {.label = "Latitude", .names = {"latitude"}},
-    {.label = "Longitude", .names = {"longitude"}},
-    {.label = "Altimeter", .names = {"indicated_altitude"}},
-    {.label = "Above sea", .names = {"altitude"}},
-    {.label = "Above ground", .names = {"radio_altitude"}},
-    {.label = "Heading", .names = {"heading"}},
-    {.label = "Pitch", .names = {"pitch"}},
-    {.label = "Bank", .names = {"bank"}},
-    {.label = "IAS", .names = {"ias"}},
-    {.label = "TAS", .names = {"tas"}},
-    {.label = "Ground speed", .names = {"ground_speed"}},
-    {.label = "Vertical", .names = {"vertical_speed"}},
+    {.label = "Latitude", .names = {"latitude"}, .decimals = 5},
+    {.label = "Longitude", .names = {"longitude"}, .decimals = 5},
+    {.label = "Altimeter", .names = {"indicated_altitude"}, .unit = "ft"},
+    {.label = "Above sea", .names = {"altitude"}, .unit = "ft"},
+    {.label = "Above ground", .names = {"radio_altitude"}, .unit = "ft"},
+    {.label = "Heading true", .names = {"heading"}, .decimals = 1},
+    {.label = "Nose up", .names = {"pitch"}, .decimals = 1, .reversed = true},
+    {.label = "Bank right", .names = {"bank"}, .decimals = 1, .reversed = true},
+    {.label = "IAS", .names = {"ias"}, .unit = "kt"},
+    {.label = "TAS", .names = {"tas"}, .unit = "kt"},
+    {.label = "Ground speed", .names = {"ground_speed"}, .unit = "kt"},
+    {.label = "Vertical", .names = {"vertical_speed"}, .unit = "ft/min"},
     {.label = "Wind", .names = {"wind_from", "wind"}, .between = " / "},
-    {.label = "QNH", .names = {"qnh"}},
+    {.label = "QNH", .names = {"qnh"}, .unit = "hPa"},
     {.label = "Pushback", .names = {"pushback_state"}, .words = pushbackWords},
 };
 
@@ -64,10 +67,10 @@ constexpr MonitorRow rightRows[] = {
     {.label = "On ground", .names = {"on_ground"}},
     {.label = "Autopilot", .names = {"ap"}},
     {.label = "AP heading", .names = {"ap_heading_bug"}},
-    {.label = "AP altitude", .names = {"ap_altitude_set"}},
+    {.label = "AP altitude", .names = {"ap_altitude_set"}, .unit = "ft"},
     {.label = "Throttle", .names = {"throttle1", "throttle2"}, .between = "  "},
-    {.label = "N1", .names = {"n1_eng1", "n1_eng2"}, .between = "  "},
-    {.label = "Fuel", .names = {"fuel_total"}},
+    {.label = "N1", .names = {"n1_eng1", "n1_eng2"}, .between = "  ", .decimals = 1},
+    {.label = "Fuel", .names = {"fuel_total"}, .unit = "lb"},
     {.label = "COM", .names = {"com1", "com2"}, .between = "  "},
     {.label = "NAV", .names = {"nav1", "nav2"}, .between = "  "},
     {.label = "ADF", .names = {"adf1", "adf2"}, .between = "  "},
@@ -96,20 +99,16 @@ std::vector<ShownRow> Choose(const MonitorRow* rows, size_t count, std::vector<I
   return shown;
 }
 
-// Two decimals are enough here, five for a position; the parts of a time of day have two digits.
+// A number in the row's unit; the parts of a time of day have two digits.
 std::string Cell(const Item& item, const MonitorRow& row) {
-  std::string text = EngineeringText(item);
-  if (row.between[0] == ':' && text.size() == 1) text = "0" + text;
   double value = 0;
-  if (row.words != nullptr && EngineeringNumber(item, &value) && value >= 0 && value <= 3) {
+  const bool isNumber = EngineeringNumber(item, &value);
+  if (row.words != nullptr && isNumber && value >= 0 && value <= 3)
     return row.words[static_cast<size_t>(value)];
-  }
-  if (item.row->show != Form::Number || text.find('.') == std::string::npos ||
-      !EngineeringNumber(item, &value)) {
-    return text;
-  }
-  const bool isPlace = item.size == 8 && std::strcmp(item.row->unit, "deg") == 0;
-  text = FixedText(value, isPlace ? 5 : 2);
+  if (item.row->show != Form::Number || !isNumber) return EngineeringText(item);
+  if (row.unit[0] != 0) ConvertUnit(value, item.row->unit, row.unit, &value);
+  std::string text = FixedText(row.reversed ? -value : value, row.decimals);
+  if (row.between[0] == ':' && text.size() == 1) text = "0" + text;
   return text.find_first_not_of("-0.") == std::string::npos && text[0] == '-' ? text.substr(1) : text;
 }
 
@@ -122,10 +121,9 @@ std::string Column(const std::vector<ShownRow>& rows, size_t index, const std::v
     if (i != 0) line += shown.row->between;
     line += Cell(items[shown.first + i], *shown.row);
   }
-  const Item& last = items[shown.first + shown.count - 1];
-  if (shown.row->between[0] != ':' && last.row->unit[0] != 0) {
-    line += std::string(" ") + last.row->unit;
-  }
+  const char* own = items[shown.first + shown.count - 1].row->unit;
+  const std::string unit = shown.row->unit[0] != 0 ? shown.row->unit : own;
+  if (shown.row->between[0] != ':' && !unit.empty()) line += " " + unit;
   line.resize(columnWidth, ' ');
   return line;
 }
@@ -161,7 +159,7 @@ std::vector<std::string> TableLines(const std::string& head, const std::vector<S
 // trail of old tables. `drawn` is the size of the time before, 0 at first.
 void DrawInPlace(std::vector<std::string> lines, TerminalSize* drawn) {
   const TerminalSize size = SizeOfTerminal();
-  if (size.lines != drawn->lines || size.columns != drawn->columns) {
+  if (size.lines != drawn->lines || size.columns != drawn->columns || TerminalWasAway()) {
     ClearTerminal();
   } else {
     CursorHome();
@@ -194,6 +192,7 @@ int RunMonitor(const Options& options, const Transport& transport) {
   transfers.push_back({trafficOffset, trafficSize, traffic.data()});
 
   const bool inPlace = StdoutIsTerminal();
+  if (inPlace) WatchKeys();
   const double period = inPlace ? 1 / options.rate : 1;
   const double end = options.seconds > 0 ? options.seconds : std::numeric_limits<double>::infinity();
   const Clock::time_point start = Clock::now();
@@ -219,7 +218,7 @@ int RunMonitor(const Options& options, const Transport& transport) {
     if (std::fflush(stdout) != 0) break;  // the reader of our output has gone
     if (elapsed() >= end) break;
   }
-  if (drawn.lines > 0) RestoreTerminal();
+  if (inPlace) RestoreTerminal();
   return done ? exitDone : ReportFailure(error);
 }
 

@@ -19,6 +19,11 @@ const OffsetName* FindByName(const NameTable& names, std::string_view name);
 const OffsetName* FindByOffset(const NameTable& names, uint32_t offset);
 // The first read-only offset among `size` bytes from `offset`, or offsetMemorySize when there is none.
 uint32_t FirstReadOnly(const NameTable& names, uint32_t offset, uint32_t size);
+// Names of rows, at most `most`, that look like a name which is not known, the likeliest first; names that have
+// nothing to do with it are left out.
+std::vector<std::string> NearestNames(const NameTable& names, std::string_view wanted, size_t most);
+// The same with an ending for a message: ": did you mean ias, tas?" or ": see offsetctl list".
+std::string NearestText(const NameTable& names, std::string_view wanted);
 // Named rows, in order, for which every word is part of name, meaning, unit or subject (letters in either case)
 // or spells the offset where they start; all of them without a word.
 std::vector<const OffsetName*> Search(const NameTable& names, const std::vector<std::string>& words);

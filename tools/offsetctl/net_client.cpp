@@ -8,6 +8,7 @@
 #include <mutex>
 #include <thread>
 
+#include "confirm.h"
 #include "numbers.h"
 #include "picture.h"
 #include "sockets.h"
@@ -35,6 +36,8 @@ struct Session {
   std::condition_variable news;
   Picture picture;
   Echo echo;
+  std::vector<WriteCheck>* checks = nullptr;  // while a write waits for its confirmation
+  std::vector<RecordedFrame> frames;
   bool gone = false;  // the server has closed the connection
 };
 
@@ -46,6 +49,7 @@ SocketHandle stream = noSocket;     // main thread sends, receive thread receive
 SocketHandle datagrams = noSocket;  // receive thread
 std::thread receiver;
 std::atomic<bool> receiving;
+Clock::time_point opened;
 int timeoutMs;
 
 int MillisecondsLeft(Clock::time_point deadline) {
@@ -54,6 +58,25 @@ int MillisecondsLeft(Clock::time_point deadline) {
 }
 
 Clock::time_point In(int milliseconds) { return Clock::now() + std::chrono::milliseconds(milliseconds); }
+
+uint64_t MicrosecondsSince(Clock::time_point time) {
+  const auto length = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - time);
+  return static_cast<uint64_t>(length.count());
+}
+
+// What stands in the picture is only for a moment what was written: every frame is looked at. The session's
+// lock is held.
+void UpdateChecks() {
+  if (session.checks == nullptr) return;
+  for (WriteCheck& check : *session.checks) {
+    const Item& wanted = check.wanted;
+    const uint8_t* shown = session.picture.bytes.data() + wanted.offset;
+    check.shown.assign(shown, shown + wanted.size);
+    const auto missing = session.echo.lower_bound(wanted.offset);
+    const bool echoed = missing == session.echo.end() || missing->first >= wanted.offset + wanted.size;
+    check.done = check.done || echoed || Follows(check, shown);
+  }
+}
 
 void TakeDatagrams(std::vector<uint8_t>* buffer) {
   NetAddress from = {};
@@ -64,6 +87,10 @@ void TakeDatagrams(std::vector<uint8_t>* buffer) {
     const std::lock_guard<std::mutex> hold(session.lock);
     ApplyFrame(frame, &session.picture);
     TakeEcho(frame, &session.echo);
+    UpdateChecks();
+    if (net.keepsFrames && frame.kind != FrameKind::None) {
+      session.frames.push_back({MicrosecondsSince(opened), {buffer->begin(), buffer->begin() + size}});
+    }
     session.news.notify_all();
   }
 }
@@ -162,6 +189,7 @@ bool ConnectBoth(std::string* error) {
 
 bool OpenNet(int milliseconds, std::string* error) {
   timeoutMs = milliseconds;
+  opened = Clock::now();
   if (!StartSockets(error)) return false;
   server.port = requestPort;
   if (!ResolveHost(net.host, timeoutMs, &server.ip, error) || !ConnectBoth(error)) {
@@ -170,6 +198,7 @@ bool OpenNet(int milliseconds, std::string* error) {
   }
   session.picture = {};
   session.echo.clear();
+  session.frames.clear();
   session.gone = false;
   receiving = true;
   receiver = std::thread(ReceiveUntilClosed);
@@ -245,28 +274,63 @@ bool WaitUntilTaken(std::string* error) {
   return Explain("the server at " + net.host + " does not take the write" + Within(), error);
 }
 
-bool WriteConfirmed(const std::vector<Transfer>& transfers, std::string* error) {
+// A write that the simulator does not keep is set back with the next refresh, as a rule within this time.
+constexpr int settleMs = 250;
+
+bool AllDone(const std::vector<WriteCheck>& checks) {
+  return std::all_of(checks.begin(), checks.end(),
+                     [](const WriteCheck& check) { return check.done || IsRequest(check); });
+}
+
+// The first one that the simulator has not followed, or has set back; null when there is none.
+const WriteCheck* FindFailed(const std::vector<WriteCheck>& checks) {
+  for (const WriteCheck& check : checks) {
+    if (IsRequest(check)) continue;
+    if (!check.done || IsSetBack(check, check.shown.data())) return &check;
+  }
+  return nullptr;
+}
+
+// With the lock of the session held in `hold`.
+bool WaitForChecks(std::unique_lock<std::mutex>* hold, Clock::time_point deadline,
+                   const std::vector<WriteCheck>& checks) {
+  if (!WaitWithRepeats(hold, deadline, [&checks] { return AllDone(checks); })) return false;
+  const auto failed = [&checks] { return FindFailed(checks) != nullptr; };
+  // Set back: it may still come, as a lever does that takes its time.
+  return !WaitFor(hold, std::min(deadline, In(settleMs)), failed) ||
+         WaitWithRepeats(hold, deadline, [&failed] { return !failed(); });
+}
+
+bool ExplainNotFollowed(const std::vector<WriteCheck>& checks, std::string* error) {
+  const WriteCheck* check = FindFailed(checks);
+  const std::string what = check == nullptr ? "" : ": " + ShownText(*check, check->shown.data());
+  return Explain("sent, but the simulator does not follow" + Within() + what, error);
+}
+
+bool WriteConfirmed(const std::vector<Transfer>& transfers, std::vector<WriteCheck>* checks,
+                    std::string* error) {
   const Clock::time_point deadline = In(timeoutMs);
   std::unique_lock<std::mutex> hold(session.lock);
   if (!WaitForPicture(&hold, deadline, error)) return false;
   session.echo = ExpectEcho(transfers, session.picture);
+  session.checks = checks;
+  UpdateChecks();
   hold.unlock();
-  if (!SendFrames(true, transfers, error)) return false;
+  const bool sent = SendFrames(true, transfers, error);
   hold.lock();
-  if (WaitWithRepeats(&hold, deadline, [] { return session.echo.empty(); })) return true;
-  if (session.gone) return ExplainGone(error);
-  return Explain("sent, but the server does not show all written bytes" + Within() + ", first at " +
-                     HexText(session.echo.begin()->first, 4) +
-                     ": the simulator may have replaced the value at once; see it with read",
-                 error);
+  const bool followed = sent && WaitForChecks(&hold, deadline, *checks);
+  session.checks = nullptr;
+  if (!sent) return false;
+  if (!followed) return session.gone ? ExplainGone(error) : ExplainNotFollowed(*checks, error);
+  hold.unlock();
+  return WaitUntilTaken(error);
 }
 
 bool WriteNet(const std::vector<Transfer>& transfers, std::string* error) {
-  if (net.confirm) return WriteConfirmed(transfers, error);
   return SendFrames(true, transfers, error) && WaitUntilTaken(error);
 }
 
-Transport netTransport = {"", OpenNet, ReadNet, WriteNet, CloseNet};
+Transport netTransport = {"", OpenNet, ReadNet, WriteNet, WriteConfirmed, CloseNet};
 
 }  // namespace
 
@@ -275,6 +339,14 @@ const Transport* NetTransport(const NetSettings& settings) {
   title = "network, " + settings.host;
   netTransport.title = title.c_str();
   return &netTransport;
+}
+
+bool TakeFrames(int milliseconds, std::vector<RecordedFrame>* frames, std::string* error) {
+  std::unique_lock<std::mutex> hold(session.lock);
+  WaitFor(&hold, In(milliseconds), [] { return !session.frames.empty(); });
+  frames->clear();
+  frames->swap(session.frames);
+  return !session.gone || ExplainGone(error);
 }
 
 std::vector<std::string> FindServers(int settleMs, int timeout, bool (*stopRequested)(), std::string* error) {

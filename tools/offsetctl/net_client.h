@@ -4,19 +4,25 @@
 #include <string>
 #include <vector>
 
+#include "recording.h"
 #include "transport.h"
 
 namespace ctl {
 
 struct NetSettings {
   std::string host;         // name or dotted address
-  bool confirm;             // a write waits until the server shows the written bytes
   bool (*stopRequested)();  // true ends every wait
+  bool keepsFrames;         // for TakeFrames
 };
 
 // The transport to that server. Reads answer from the picture that the datagrams give, the first one waits
-// until all blocks of it have come. A write is the last thing that an open transport does.
+// until all blocks of it have come.
 const Transport* NetTransport(const NetSettings& settings);
+
+// Takes the frames that have come since the last call, each with its time since the transport was opened. Waits
+// up to `timeoutMs` for one. Returns true, or false with a line in `error` when the server has gone; frames
+// that came before are taken then, too.
+bool TakeFrames(int timeoutMs, std::vector<RecordedFrame>* frames, std::string* error);
 
 // Listens for servers that announce themselves: ends after `settleMs` of hearing no new one since the first, or
 // after `timeoutMs`. Returns their addresses in the order heard; none, with a line in `error`, on failure.

@@ -76,6 +76,15 @@ NetFrame ReadFrame(const uint8_t* datagram, size_t size) {
   return frame;
 }
 
+std::vector<ByteChange> ChangesOf(const NetFrame& frame) {
+  std::vector<ByteChange> changes;
+  if (frame.kind != FrameKind::Changes) return changes;
+  for (size_t at = 0; at < frame.size; at += entrySize) {
+    changes.push_back({EntryOffset(frame.payload + at), frame.payload[at + 4]});
+  }
+  return changes;
+}
+
 void ApplyFrame(const NetFrame& frame, Picture* picture) {
   if (frame.kind == FrameKind::Block) {
     std::memcpy(picture->bytes.data() + frame.block * pictureBlockSize, frame.payload, frame.size);

@@ -47,6 +47,14 @@ struct NetFrame {
 // Takes a datagram apart. Anything but exactly one whole frame, well-formed down to its entries, is None.
 NetFrame ReadFrame(const uint8_t* datagram, size_t size);
 
+struct ByteChange {
+  uint32_t offset;
+  uint8_t value;
+};
+
+// What a change frame tells, in its order; nothing of other kinds.
+std::vector<ByteChange> ChangesOf(const NetFrame& frame);
+
 struct Picture {
   std::array<uint8_t, offsetMemorySize> bytes = {};
   uint32_t arrived = 0;  // bit k: block k has come

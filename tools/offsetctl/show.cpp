@@ -6,6 +6,7 @@
 
 #include "encode.h"
 #include "numbers.h"
+#include "words.h"
 
 namespace ctl {
 
@@ -48,6 +49,32 @@ bool HasScale(const Item& item) {
 int Decimals(double step) {
   if (!(step > 0)) return 6;
   return std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1e-9)), 0, 6);
+}
+
+// How many decimals the value is shown with, and the step from one stored number to the next.
+int ShownDecimals(const Item& item, double* step) {
+  const OffsetName& row = *item.row;
+  *step = std::fabs(row.unitScale);
+  if (row.show == Form::Bcd) *step = std::strcmp(row.unit, "MHz") == 0 ? 0.01 : 1;
+  return IsInteger(item.type) ? Decimals(*step) : 6;
+}
+
+std::string WithUnit(const std::string& text, const Item& item) {
+  return item.row == nullptr || item.row->unit[0] == 0 ? text : text + " " + item.row->unit;
+}
+
+// " (118.705 MHz asked: steps of 0.01 MHz)" when what is shown is not what was asked for; "" else.
+std::string RoundingText(const Item& item) {
+  double stored = 0;
+  if (item.row == nullptr || !std::isfinite(item.asked) || !EngineeringNumber(item, &stored)) return "";
+  double step = 0;
+  const int decimals = ShownDecimals(item, &step);
+  const double unit = std::pow(10.0, -decimals);
+  const double shown = std::round(stored / unit) * unit;
+  const bool isSame = std::fabs(shown - item.asked) <= 1e-9 * std::fmax(1.0, std::fabs(item.asked));
+  if (isSame || std::fabs(stored - item.asked) < 0.05 * unit) return "";
+  const std::string asked = " (" + WithUnit(RealText(static_cast<float>(item.asked)), item) + " asked: ";
+  return asked + "steps of " + WithUnit(RealText(static_cast<float>(step)), item) + ")";
 }
 
 std::string ScaledText(const Item& item) {
@@ -128,6 +155,20 @@ std::string ItemLine(const Item& item) {
     }
   }
   return line + " (" + BytesText(item.bytes.data(), item.bytes.size()) + ")";
+}
+
+std::string ChangeLine(const Item& item, const uint8_t* before, const uint8_t* after) {
+  Item shown = item;
+  std::string old = "?";
+  if (before != nullptr) {
+    shown.bytes.assign(before, before + item.size);
+    old = EngineeringText(shown);
+  }
+  shown.bytes.assign(after, after + item.size);
+  const bool hasWords = item.row != nullptr && IsInteger(item.type);
+  const std::string word = hasWords ? WordFor(*item.row, static_cast<int64_t>(StoredBits(shown))) : "";
+  return item.shown + ": " + old + " -> " + WithUnit(EngineeringText(shown), item) +
+         (word.empty() ? "" : " (" + word + ")") + RoundingText(item);
 }
 
 std::string ItemJson(const Item& item) {

@@ -13,6 +13,10 @@ std::string StoredText(const Item& item);
 std::string EngineeringText(const Item& item);
 // "0x0330 = 16211 (53 3F)", "heading = 269.978 deg, 49148 (FC BF)"; without line end.
 std::string ItemLine(const Item& item);
+// "heading: 90.000 -> 270.000 deg", "gear: 0.000 -> 100.000 % (down)": what stood there before (null: not
+// known) and what stands there after, each `item.size` bytes; says what rounding did to the value that was
+// asked for.
+std::string ChangeLine(const Item& item, const uint8_t* before, const uint8_t* after);
 // {"name": ..., "offset": ..., "type": ..., "value": ..., "raw": ..., "unit": ...}. The value is a number in
 // engineering units for items with a row that has them, else the stored one; integers of 64 bits are
 // strings, what JSON has no number for is null.

@@ -31,7 +31,9 @@ namespace ctl {
 namespace {
 
 constexpr int receiveBufferSize = 4 * 1024 * 1024;  // bursts that come while the thread is not scheduled
+constexpr int sendBufferSize = 1 << 20;             // a round of blocks to all clients
 constexpr int keepAliveSeconds = 10;
+constexpr int listenBacklog = 6;
 
 // --- Where the systems differ --------------------------------------------------------------------------
 #if defined(_WIN32)
@@ -49,6 +51,11 @@ void CloseSystemSocket(SystemSocket socket) { closesocket(socket); }
 void SetBlocking(SystemSocket socket, bool blocking) {
   u_long flag = blocking ? 0 : 1;
   ioctlsocket(socket, static_cast<long>(FIONBIO), &flag);
+}
+
+// Programs that we start shall not hold our ports.
+void KeepPrivate(SystemSocket socket) {
+  SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
 }
 
 void KeepAlive(SystemSocket socket) {
@@ -70,6 +77,9 @@ std::vector<uint32_t> InterfaceAddresses(SystemSocket socket) {
   return addresses;
 }
 
+// SO_REUSEADDR would let us take a port that somebody listens on.
+constexpr int ownsPort = SO_EXCLUSIVEADDRUSE;
+
 // Windows filters a group by the membership: any address will do.
 uint32_t GroupBindAddress(uint32_t) { return 0; }
 
@@ -89,6 +99,8 @@ void SetBlocking(SystemSocket socket, bool blocking) {
   const int flags = fcntl(socket, F_GETFL);
   fcntl(socket, F_SETFL, blocking ? flags & ~O_NONBLOCK : flags | O_NONBLOCK);
 }
+
+void KeepPrivate(SystemSocket socket) { fcntl(socket, F_SETFD, FD_CLOEXEC); }
 
 void KeepAlive(SystemSocket socket) {
   const int on = 1, idle = keepAliveSeconds, interval = 5, probes = 4;
@@ -111,6 +123,8 @@ std::vector<uint32_t> InterfaceAddresses(SystemSocket) {
   freeifaddrs(list);
   return addresses;
 }
+
+constexpr int ownsPort = SO_REUSEADDR;
 
 // Bound to the group itself the socket hears nothing else, and a server on this computer keeps its port.
 uint32_t GroupBindAddress(uint32_t group) { return group; }
@@ -141,7 +155,11 @@ void SetOption(SocketHandle socket, int level, int option, int value) {
   setsockopt(Native(socket), level, option, reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-SocketHandle Open(int type) { return static_cast<SocketHandle>(socket(AF_INET, type, 0)); }
+SocketHandle Open(int type) {
+  const auto opened = static_cast<SocketHandle>(socket(AF_INET, type, 0));
+  if (opened != noSocket) KeepPrivate(Native(opened));
+  return opened;
+}
 
 timeval Duration(int milliseconds) {
   timeval time = {};
@@ -362,6 +380,85 @@ SocketHandle OpenGroupSocket(const NetAddress& group, std::string* error) {
       "server's address with --net";
   CloseSocket(socket);
   return noSocket;
+}
+
+SocketHandle OpenListener(const NetAddress& address, std::string* error) {
+  const SocketHandle socket = Open(SOCK_STREAM);
+  // A port whose last connections the system still remembers can be taken again, one that somebody listens on
+  // cannot.
+  if (socket != noSocket) SetOption(socket, SOL_SOCKET, ownsPort, 1);
+  if (socket != noSocket && Bind(socket, address) && listen(Native(socket), listenBacklog) == 0) {
+    SetBlocking(Native(socket), false);
+    return socket;
+  }
+  *error = ErrorText(LastError());
+  CloseSocket(socket);
+  return noSocket;
+}
+
+SocketHandle AcceptStream(SocketHandle listener, NetAddress* peer) {
+  sockaddr_in address = {};
+  Length size = sizeof address;
+  const auto accepted =
+      static_cast<SocketHandle>(accept(Native(listener), reinterpret_cast<sockaddr*>(&address), &size));
+  if (accepted == noSocket) return noSocket;
+  *peer = {ntohl(address.sin_addr.s_addr), ntohs(address.sin_port)};
+  KeepPrivate(Native(accepted));
+  SetBlocking(Native(accepted), false);
+  return accepted;
+}
+
+SocketHandle OpenSender(const NetAddress& address, std::string* error) {
+  const SocketHandle socket = Open(SOCK_DGRAM);
+  in_addr own = {};
+  own.s_addr = htonl(address.ip);
+  if (socket != noSocket && Bind(socket, address)) {
+    SetOption(socket, SOL_SOCKET, SO_SNDBUF, sendBufferSize);
+    setsockopt(Native(socket), IPPROTO_IP, IP_MULTICAST_IF, reinterpret_cast<const char*>(&own), sizeof own);
+    SetBlocking(Native(socket), false);
+    return socket;
+  }
+  *error = ErrorText(LastError());
+  CloseSocket(socket);
+  return noSocket;
+}
+
+void SendDatagram(SocketHandle socket, const NetAddress& peer, const void* data, size_t size) {
+  const sockaddr_in address = SystemAddress(peer);
+  sendto(Native(socket), static_cast<const char*>(data), static_cast<Length>(size), MSG_NOSIGNAL,
+         reinterpret_cast<const sockaddr*>(&address), sizeof address);
+}
+
+void WaitAnyReadable(const std::vector<SocketHandle>& sockets, int timeoutMs) {
+  fd_set readable;
+  FD_ZERO(&readable);
+  SocketHandle last = noSocket;
+  for (const SocketHandle socket : sockets) {
+    if (socket == noSocket) continue;
+    FD_SET(Native(socket), &readable);
+    last = std::max(last, socket);
+  }
+  timeval time = Duration(timeoutMs);
+  // Windows does not wait for nothing.
+  if (last == noSocket) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(timeoutMs));
+  } else {
+    select(static_cast<int>(last) + 1, &readable, nullptr, nullptr, &time);
+  }
+}
+
+void ResetStream(SocketHandle socket) {
+  linger atOnce = {};
+  atOnce.l_onoff = 1;
+  setsockopt(Native(socket), SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&atOnce), sizeof atOnce);
+  CloseSocket(socket);
+}
+
+std::vector<uint32_t> OwnAddresses() {
+  const SocketHandle socket = Open(SOCK_DGRAM);
+  const std::vector<uint32_t> addresses = InterfaceAddresses(Native(socket));
+  CloseSocket(socket);
+  return addresses;
 }
 
 }  // namespace ctl

@@ -53,4 +53,22 @@ int ReceiveStream(SocketHandle socket, void* buffer, size_t size);
 // in `error` on failure.
 SocketHandle OpenGroupSocket(const NetAddress& group, std::string* error);
 
+// --- The side of a server ------------------------------------------------------------------------------
+
+// Listens on a port of that address of this computer. noSocket with the system's reason in `error` on failure.
+SocketHandle OpenListener(const NetAddress& address, std::string* error);
+// A connection that has come, with who made it; it does not block. noSocket when there is none.
+SocketHandle AcceptStream(SocketHandle listener, NetAddress* peer);
+// A socket that sends datagrams from that port, and multicast through the interface of that address. noSocket
+// with the system's reason in `error` on failure.
+SocketHandle OpenSender(const NetAddress& address, std::string* error);
+// Sends one datagram; what the system has no room for is lost, as on any network.
+void SendDatagram(SocketHandle socket, const NetAddress& peer, const void* data, size_t size);
+// Waits until one of many sockets can be read or is closed. noSocket is passed over.
+void WaitAnyReadable(const std::vector<SocketHandle>& sockets, int timeoutMs);
+// Closes a connection so that the other side notices a failure, not an orderly end.
+void ResetStream(SocketHandle socket);
+// IPv4 addresses of this computer, in the order of its interfaces.
+std::vector<uint32_t> OwnAddresses();
+
 }  // namespace ctl

@@ -13,6 +13,8 @@ struct Transfer {
   uint8_t* bytes;
 };
 
+struct WriteCheck;
+
 struct Transport {
   const char* title;  // names the way, for the monitor
   // Finds the server, or connects to it. `timeoutMs` bounds every call from here on. Returns true, or false
@@ -23,6 +25,12 @@ struct Transport {
   // also ends, with false, soon after Ctrl-C.
   bool (*readOffsets)(const std::vector<Transfer>& transfers, std::string* error);
   bool (*writeOffsets)(const std::vector<Transfer>& transfers, std::string* error);
+  // Writes, and waits until every check (one a transfer) is done: until the server has shown the written bytes
+  // or what Follows() accepts. Returns true, or false with a line in `error`; `shown` of each check is filled
+  // in either case. Null when the way has nothing better than reading again. Both writes are the last thing
+  // that an open transport does.
+  bool (*writeConfirmed)(const std::vector<Transfer>& transfers, std::vector<WriteCheck>* checks,
+                         std::string* error);
   // Gives everything back. Does nothing when it is not open.
   void (*close)();
 };

@@ -27,11 +27,44 @@ struct Output {
   std::string text;
 };
 
+// What offsetctl knows of a row whose values do not come back exactly.
+std::string LossText(const OffsetRow& row) {
+  std::string text = row.lossy[0] != 0 ? ", .lossy = " + Quoted(row.lossy) : "";
+  if (row.tolerance.steps != 0) text += ", .lossSteps = " + Number(row.tolerance.steps);
+  if (row.tolerance.share != 0) text += ", .lossShare = " + Number(row.tolerance.share);
+  return text;
+}
+
+// A row's choices stand in a table of their own, before that of the rows; those of bits are none of its
+// numbers.
+bool HasChoices(const OffsetRow& row) { return row.show == Show::Number && !row.choices.empty(); }
+
+std::string ChoicesName(const OffsetRow& row) { return "choices_" + RowName(row); }
+
+std::string ChoicesText(const OffsetRow& row) {
+  return HasChoices(row) ? ", .choices = " + ChoicesName(row) : "";
+}
+
+std::string MakeChoices() {
+  std::string text;
+  for (const RowTable* table : ListedTables()) {
+    for (const OffsetRow& row : table->rows) {
+      if (!HasChoices(row)) continue;
+      std::string list;
+      for (const Choice& choice : row.choices) {
+        list += (list.empty() ? "{" : ", {") + std::to_string(choice.number) + ", " + Quoted(choice.name) + "}";
+      }
+      text += "constexpr NamedNumber " + ChoicesName(row) + "[] = {" + list + "};\n";
+    }
+  }
+  return text;
+}
+
 std::string MakeNameTable() {
   std::string text =
       "// Written by offset_reference from the plug-in's catalogue; do not edit.\n"
-      "// clang-format off\n"
-      "constexpr OffsetName offsetNames[] = {\n";
+      "// clang-format off\n" +
+      MakeChoices() + "constexpr OffsetName offsetNames[] = {\n";
   for (const RowTable* table : ListedTables()) {
     for (const OffsetRow& row : table->rows) {
       text += "    {.offset = " + Hex(row.offset) + ", .type = ValueType::" + TypeCode(row.type) +
@@ -39,7 +72,8 @@ std::string MakeNameTable() {
               ", .meaning = " + Quoted(FullMeaning(row)) + ", .unit = " + Quoted(row.unit) +
               ", .unitScale = " + Number(row.unitScale) + ", .unitBias = " + Number(row.unitBias) +
               ", .show = Form::" + FormName(row) + ", .readOnly = " + (row.readOnly ? "true" : "false") +
-              ", .writable = " + (IsForWriting(row) ? "true" : "false") + "},\n";
+              ", .writable = " + (IsForWriting(row) ? "true" : "false") + LossText(row) + ChoicesText(row) +
+              "},\n";
     }
   }
   text += "};\nconstexpr OffsetRange readOnlyOffsets[] = {\n";

@@ -1,0 +1,40 @@
+// Fuzz target: the client tool's reader of recordings. Whatever the file holds, reading stays inside it; what
+// it takes for frames are frames in the order of their times, and writing them again gives the same file.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+// The reader is the tool's own, compiled in: the fuzz targets link the product and the simulator only.
+#include "offsetctl/picture.cpp"
+#include "offsetctl/recording.cpp"
+#include "offsetctl/request_block.cpp"
+
+namespace {
+
+void Require(bool condition) {
+  if (!condition) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  // An allocation of its own, so that the sanitizer sees the smallest step outside.
+  const std::vector<uint8_t> file(data, data + size);
+  ctl::Recording recording;
+  std::string error;
+  const bool isWhole = ctl::ReadRecording(file.data(), file.size(), &recording, &error);
+  Require(isWhole == error.empty());
+  uint64_t last = 0;
+  size_t at = size >= ctl::recordingHeaderSize ? static_cast<size_t>(file[10] | file[11] << 8) : size;
+  for (const ctl::RecordedFrame& frame : recording.frames) {
+    Require(frame.microseconds >= last);
+    last = frame.microseconds;
+    Require(ctl::ReadFrame(frame.bytes.data(), frame.bytes.size()).kind != ctl::FrameKind::None);
+    const std::vector<uint8_t> bytes = ctl::RecordedFrameBytes(frame);
+    Require(at + bytes.size() <= size && std::memcmp(bytes.data(), file.data() + at, bytes.size()) == 0);
+    at += bytes.size();
+  }
+  Require(!isWhole || at == size);
+  return 0;
+}

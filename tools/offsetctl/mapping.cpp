@@ -1,0 +1,155 @@
+#include "mapping.h"
+
+#include <algorithm>
+#include <map>
+#include <vector>
+
+#include "custom/custom_parser.h"
+#include "numbers.h"
+
+namespace ctl {
+
+namespace {
+
+constexpr uint32_t firstFree = 0x66C0, lastFree = 0x66FF;  // for people's own
+constexpr uint32_t lastOffset = 0xFFFF;
+
+// How each kind is stored.
+struct KindLine {
+  const char* kind;
+  const char* word;  // of the file
+  ValueType type;
+  uint32_t size;
+  bool isArray;
+};
+constexpr KindLine kindLines[] = {
+    {"int", "SINT32", ValueType::S32, 4, false},     {"float", "FLOAT32", ValueType::F32, 4, false},
+    {"double", "FLOAT64", ValueType::F64, 8, false}, {"floatarray", "FLOAT32", ValueType::F32, 4, true},
+    {"intarray", "SINT32", ValueType::S32, 4, true}, {"data", "UINT8", ValueType::U8, 1, true},
+};
+
+struct Taken {
+  uint32_t offset, size, line;
+};
+
+// What the file has already.
+struct OwnFile {
+  std::map<std::string, std::string, std::less<>> datarefs;  // path and kind by alias
+  std::vector<Taken> taken;
+  std::map<uint32_t, std::string> shown;  // by offset, the alias that the line shows
+};
+
+bool Fail(const std::string& text, std::string* error) {
+  *error = text;
+  return false;
+}
+
+OwnFile ReadOwnFile(std::string_view text) {
+  OwnFile file;
+  CustomFileReader reader = {text, 0};
+  CustomLine line;
+  while (NextCustomLine(&reader, &line) == 1) {
+    const std::vector<CustomToken>& tokens = line.tokens;
+    if (line.kind == CustomLineKind::Dataref && tokens.size() >= 4) {
+      file.datarefs.emplace(tokens[1].text, std::string(tokens[2].text) + " " + std::string(tokens[3].text));
+    }
+    if ((line.kind != CustomLineKind::Offset && line.kind != CustomLineKind::Command) || tokens.size() < 3)
+      continue;
+    uint16_t offset = 0;
+    CustomType type = CustomType::U8;
+    uint8_t size = 0;
+    ParseCustomOffset(tokens[1].text, &offset);
+    if (!FindCustomType(tokens[2].text, &type, &size)) continue;
+    file.taken.push_back({offset, size, tokens[1].line});
+    const bool isPlain = line.kind == CustomLineKind::Offset && tokens.size() >= 6 &&
+                         tokens[5].text.starts_with('$') &&
+                         (tokens.size() == 6 || tokens[6].text.starts_with('>'));
+    if (isPlain) file.shown.emplace(offset, tokens[5].text.substr(1));
+  }
+  return file;
+}
+
+// Why an offset cannot be taken; "" when it can.
+std::string Objection(const OwnFile& file, const NameTable& names, uint32_t offset, uint32_t size) {
+  const std::string place = HexText(offset, 4);
+  if (offset + size > lastOffset + 1) return place + " leaves no room: offsets of your own end at 0xFFFF";
+  for (const Taken& other : file.taken) {
+    if (offset < other.offset + other.size && other.offset < offset + size) {
+      return place + " is taken by line " + WholeText(uint64_t{other.line}) + " of the file";
+    }
+  }
+  for (const OffsetName& row : names.rows) {
+    if (offset < row.offset + row.length && row.offset < offset + size) {
+      return place + " has a fixed meaning: " + row.meaning;
+    }
+  }
+  return FirstReadOnly(names, offset, size) != offsetMemorySize ? place + " is read-only" : "";
+}
+
+bool CheckDataref(const std::string& dataref, const KindLine& kind, std::string* error) {
+  const bool isOneWord = dataref.find_first_of(" \t\r\n") == std::string::npos && !dataref.starts_with('#') &&
+                         !dataref.ends_with('_') && dataref.size() <= maxCustomTokenLength;
+  if (!isOneWord || dataref.find('/') == std::string::npos) {
+    return Fail(Quote(dataref) + " is no dataref: they look like sim/flightmodel/position/psi", error);
+  }
+  if (dataref.ends_with(']') && !kind.isArray) {
+    return Fail(
+        std::string("an element of an array needs the kind floatarray, intarray or data, not ") + kind.kind,
+        error);
+  }
+  return true;
+}
+
+// Values of 4 and 8 bytes stand where clients in C can reach them as a record.
+bool ChooseOffset(const OwnFile& file, const NameTable& names, Mapping* mapping, std::string* error) {
+  for (uint32_t offset = firstFree; offset <= lastFree; offset += mapping->size) {
+    mapping->offset = offset;
+    if (offset + mapping->size <= lastFree + 1 && Objection(file, names, offset, mapping->size).empty())
+      return true;
+  }
+  return Fail("66C0 to 66FF are full: give an OFFSET that is free", error);
+}
+
+}  // namespace
+
+bool PlanMapping(std::string_view text, const NameTable& names, const MapRequest& request, Mapping* mapping,
+                 std::string* error) {
+  const auto* kind = std::find_if(std::begin(kindLines), std::end(kindLines),
+                                  [&request](const KindLine& line) { return request.kind == line.kind; });
+  if (kind == std::end(kindLines)) {
+    return Fail("no kind " + Quote(request.kind) + ": int, float, double, floatarray, intarray or data", error);
+  }
+  if (!CheckDataref(request.dataref, *kind, error)) return false;
+  *mapping = {.offset = 0, .type = kind->type, .size = kind->size, .exists = false, .lines = ""};
+  uint16_t wanted = 0;
+  if (!request.offset.empty() && ParseCustomOffset(request.offset, &wanted) != request.offset.size()) {
+    return Fail(Quote(request.offset) + " is no hexadecimal offset, like 66C0", error);
+  }
+  const OwnFile file = ReadOwnFile(text);
+  const std::string wantedDataref = request.dataref + " " + request.kind;
+  for (const auto& [offset, alias] : file.shown) {
+    const auto found = file.datarefs.find(alias);
+    if (found == file.datarefs.end() || found->second != wantedDataref) continue;
+    if (!request.offset.empty() && offset != wanted) continue;
+    mapping->offset = offset;
+    mapping->exists = true;
+    return true;
+  }
+  if (!request.offset.empty()) {
+    mapping->offset = wanted;
+    const std::string objection = Objection(file, names, wanted, kind->size);
+    if (!objection.empty()) return Fail(objection + ": choose another one, or none to have one chosen", error);
+  } else if (!ChooseOffset(file, names, mapping, error)) {
+    return false;
+  }
+  const std::string digits = HexText(mapping->offset, 4).substr(2);
+  std::string alias = "map" + digits;
+  while (file.datarefs.contains(alias)) alias += "x";
+  // A line that ends in "_" would go on in ours: the empty one ends it.
+  mapping->lines = std::string(text.empty() || text.ends_with('\n') ? "" : "\n") +
+                   "\n# added by offsetctl map\n" + "Dataref " + alias + " " + wantedDataref + "\nOffset " +
+                   digits + " " + kind->word + " 1 rw $" + alias + " >" + alias + " @\n";
+  return true;
+}
+
+}  // namespace ctl
