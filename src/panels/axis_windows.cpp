@@ -225,13 +225,13 @@ std::string Save(int) {
   if (calibrates) TurnCalibrates(0, false);
   const bool needsTarget = AxisControls()[chosen].role == AxisRole::Free;
   if (needsTarget && draft.target.size == 0) return "Enter the offset that the axis is to move";
-  return SaveAxisSettings(chosen, draft) ? Told("Saved") : notSaved;
+  return SaveAxisSettings(chosen, draft) ? Told("Saved") : NotSaved();
 }
 
 std::string ClearChosen(int) {
   const bool written = SaveAxisSettings(chosen, DefaultAxisSettings(chosen));
   Choose(chosen);
-  return written ? Told("Cleared") : notSaved;
+  return written ? Told("Cleared") : NotSaved();
 }
 
 std::string Exit(int combines) {

@@ -269,8 +269,11 @@ bool OpenServer(uint32_t ip, Server* server, std::string* error) {
     port = "UDP port 65100";
   }
   if (server->sender != noSocket) return true;
-  *error = std::string("cannot take ") + port + " of " + IpText(ip) + " (" + reason +
-           "): it must be an address of this computer, and no simulator or other replay may serve it";
+  *error = "cannot take ";
+  *error += port;
+  *error += " of " + IpText(ip);
+  *error += " (" + reason;
+  *error += "): it must be an address of this computer, and no simulator or other replay may serve it";
   CloseServer(server);
   return false;
 }
