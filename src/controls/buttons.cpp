@@ -161,6 +161,7 @@ bool CreateButtons() {
   std::fill_n(rawStates, maxButtons, 0);
   std::fill_n(heldStates, maxButtons, false);
   std::fill_n(assignments, maxButtons, noAssignment);
+  anyAssigned = false;
   lastPress.button = -1;
   askedFrames = 0;
   isPaused = false;

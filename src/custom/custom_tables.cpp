@@ -233,7 +233,8 @@ void LoadCustomOffsets() {
     Load();
   } catch (...) {
     PassForeignException();
-    if (customLoadFault.empty()) customLoadFault = "an error ended the reading";
+    // Short enough to need no memory of its own.
+    if (customLoadFault.empty()) customLoadFault = "out of memory";
     LogLine(errorLine);
     LogOwn("TAVRIX->Out of memory while reading TAVRIXOffsets.cfg\n");
   }
