@@ -59,19 +59,27 @@ setup_machine() {
   fi
 }
 
-# A display for Wine's windows, shared by everything the calling script starts. Sets DISPLAY and display_pid.
+# A display for Wine's windows, shared by everything the calling script starts. Sets DISPLAY and display_pid. The number
+# is chosen by the sockets' files: a server that chooses by itself takes the file of one in another network namespace.
 display_pid=""
 start_display() {
   [ -n "$display_pid" ] && return 0
-  local fifo line jobs=$-
+  local fifo line number jobs=$-
   fifo=$(mktemp -u) && mkfifo "$fifo"
-  set -m  # a process group of its own: Ctrl-C at the terminal does not take the display from programs that end
-  Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$fifo" >/dev/null 2>&1 &
-  display_pid=$!
-  [[ "$jobs" == *m* ]] || set +m
-  read -r -t 20 line <"$fifo"
+  for number in {90..190}; do
+    [ -e "/tmp/.X11-unix/X$number" ] && continue
+    set -m  # a process group of its own: Ctrl-C at the terminal does not take the display from programs that end
+    Xvfb ":$number" -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$fifo" >/dev/null 2>&1 &
+    display_pid=$!
+    [[ "$jobs" == *m* ]] || set +m
+    line=""
+    read -r -t 20 line <"$fifo"
+    [ -n "$line" ] && break
+    kill "$display_pid" 2>/dev/null && wait "$display_pid" 2>/dev/null  # another one was faster
+    display_pid=""
+  done
   rm -f "$fifo"
-  [ -n "$line" ] || { echo "Xvfb did not start: is the package xvfb complete?" >&2; return 1; }
+  [ -n "$display_pid" ] || { echo "Xvfb did not start: is the package xvfb complete?" >&2; return 1; }
   export DISPLAY=":$line"
 }
 
