@@ -700,8 +700,8 @@ static int is_full_turn(const struct tavrix_info* info) {
 static int fail_outside(tavrix* sim, const struct tavrix_info* info, double value) {
   if (!(info->flags & H_LOW) || !(info->flags & H_HIGH))
     return fail(sim, TAVRIX_BAD_VALUE, "%s: %g %s is beyond what it takes", info->name, value, info->unit);
-  return fail(sim, TAVRIX_BAD_VALUE, "%s: %g %s is not within %g to %g", info->name, value, info->unit, info->low,
-              info->high);
+  return fail(sim, TAVRIX_BAD_VALUE, "%s: %g %s is not within %g to %g", info->name, value, info->unit,
+              info->low, info->high);
 }
 
 static int encode(tavrix* sim, const struct tavrix_info* info, double value, uint8_t* at) {
@@ -711,7 +711,8 @@ static int encode(tavrix* sim, const struct tavrix_info* info, double value, uin
   int64_t whole;
   int i;
   if (info->form == F_TEXT) return fail(sim, TAVRIX_BAD_VALUE, "%s is a text: tavrix_set_text", info->name);
-  if (!isfinite(value)) return fail(sim, TAVRIX_BAD_VALUE, "%s: %g is no number that it can hold", info->name, value);
+  if (!isfinite(value))
+    return fail(sim, TAVRIX_BAD_VALUE, "%s: %g is no number that it can hold", info->name, value);
   if ((info->form == F_BITS || (info->flags & H_LISTED)) && value != floor(value))
     return fail(sim, TAVRIX_BAD_VALUE, "%s: takes whole numbers, not %g", info->name, value);
   if (info->form == F_FLAG) value = value != 0;
@@ -729,7 +730,8 @@ static int encode(tavrix* sim, const struct tavrix_info* info, double value, uin
   if (info->type == T_F32 || info->type == T_F64) {
     stored = info->form == F_FLAG ? value : (value - info->bias) * info->denominator / info->numerator;
     if (!(fabs(stored) <= (info->type == T_F32 ? FLT_MAX : DBL_MAX))) {
-      return fail(sim, TAVRIX_BAD_VALUE, "%s: %g does not fit %u bytes", info->name, value, (unsigned)info->size);
+      return fail(sim, TAVRIX_BAD_VALUE, "%s: %g does not fit %u bytes", info->name, value,
+                  (unsigned)info->size);
     }
     if (info->type == T_F32) {
       const float single = (float)stored;
@@ -783,7 +785,8 @@ static int is_shown(const struct tavrix_info* info, const uint8_t* wanted, const
 }
 
 /* In place of a number that is no offset: of a text, which nothing can read or write. */
-static const struct tavrix_info no_row = {"no offset", "", MEMORY, 0, T_TEXT, F_TEXT, H_UNSEEN, 1, 1, 0, 0, 0, 0, 0, 0};
+static const struct tavrix_info no_row = {"no offset", "", MEMORY, 0, T_TEXT, F_TEXT, H_UNSEEN, 1,
+                                          1,           0,  0,      0, 0,      0,      0};
 
 static int is_row(enum tavrix_offset offset) { return (unsigned)offset < TAVRIX_OFFSETS; }
 static const struct tavrix_info* row(enum tavrix_offset offset) {
@@ -793,7 +796,8 @@ static const struct tavrix_info* row(enum tavrix_offset offset) {
 /* 0 when the client can be used and all are offsets. */
 static int check(tavrix* sim, const enum tavrix_offset* offsets, int count) {
   int i;
-  if (count < 0 || count > WATCHES) return fail(sim, TAVRIX_FULL, "%d values at once: at most %d", count, WATCHES);
+  if (count < 0 || count > WATCHES)
+    return fail(sim, TAVRIX_FULL, "%d values at once: at most %d", count, WATCHES);
   for (i = 0; i < count; ++i) {
     if (is_row(offsets[i])) continue;
     return fail(sim, TAVRIX_NO_OFFSET, "%u is no offset: was a name wrong that tavrix_by_name should find?",

@@ -703,8 +703,8 @@ enum tavrix_situation_command {
  * NULL: the local window, else the first server that announces itself, else this computer. NULL when there is
  * none within `milliseconds`; tavrix_error(NULL) tells why. */
 tavrix* tavrix_connect(const char* host, int milliseconds);
-/* Inside a callback it ends the connection at once and no callback follows; the rest goes when tavrix_poll returns
- * TAVRIX_CLOSED: do not use the client after that. */
+/* Inside a callback it ends the connection at once and no callback follows; the rest goes when tavrix_poll
+ * returns TAVRIX_CLOSED: do not use the client after that. */
 void tavrix_close(tavrix* sim);
 /* Addresses of the servers that announce themselves, 16 bytes each. Returns how many were heard, `room` at
  * most. */
@@ -713,8 +713,8 @@ int tavrix_find(char (*addresses)[16], int room, int milliseconds);
 const char* tavrix_error(const tavrix* sim);
 
 /* Receives, waiting so long for something new, keeps the connection, and calls the callbacks of what has
- * changed, from the simulator's first frame on. Returns how many were called, TAVRIX_DISCONNECTED while there is no
- * connection, TAVRIX_CLOSED when one of the callbacks has closed the client. */
+ * changed, from the simulator's first frame on. Returns how many were called, TAVRIX_DISCONNECTED while there
+ * is no connection, TAVRIX_CLOSED when one of the callbacks has closed the client. */
 int tavrix_poll(tavrix* sim, int milliseconds);
 /* Whether there is a connection and a whole copy of the memory; whether the simulator's frames run as well. */
 int tavrix_connected(const tavrix* sim);
