@@ -698,10 +698,13 @@ static int is_full_turn(const struct tavrix_info* info) {
 }
 
 static int fail_outside(tavrix* sim, const struct tavrix_info* info, double value) {
-  if (!(info->flags & H_LOW) || !(info->flags & H_HIGH))
-    return fail(sim, TAVRIX_BAD_VALUE, "%s: %g %s is beyond what it takes", info->name, value, info->unit);
-  return fail(sim, TAVRIX_BAD_VALUE, "%s: %g %s is not within %g to %g", info->name, value, info->unit,
-              info->low, info->high);
+  const char* const space = info->unit[0] ? " " : "";
+  if (!(info->flags & H_LOW) || !(info->flags & H_HIGH)) {
+    return fail(sim, TAVRIX_BAD_VALUE, "%s: %g%s%s is beyond what it takes", info->name, value, space,
+                info->unit);
+  }
+  return fail(sim, TAVRIX_BAD_VALUE, "%s: %g%s%s is not within %g to %g%s", info->name, value, space,
+              info->unit, info->low, info->high, info->form == F_BCD ? ", digit by digit" : "");
 }
 
 static int encode(tavrix* sim, const struct tavrix_info* info, double value, uint8_t* at) {

@@ -90,9 +90,9 @@ class Offset(Generic[Value]):
             below = self.low is not None and number < self.low - slack
             above = self.high is not None and number > self.high + slack
             if self.choices is None and (below or above):
-                raise ValueError(f"{self.name}: {value} {self.unit} is not within {self.low:g} to {self.high:g}"
+                raise ValueError(f"{self._said(value)} is not within {self.low:g} to {self.high:g}"
                                  if self.low is not None and self.high is not None else
-                                 f"{self.name}: {value} {self.unit} is beyond what it takes")
+                                 f"{self._said(value)} is beyond what it takes")
             if self.type[0] == "f":
                 stored = (number - self.bias) * self.denominator / self.numerator
                 if math.isinf(stored):
@@ -108,12 +108,15 @@ class Offset(Generic[Value]):
         except (struct.error, OverflowError):
             raise ValueError(f"{self.name}: {value} does not fit {self.type}") from None
 
+    def _said(self, value):
+        return f"{self.name}: {value} {self.unit}".rstrip()
+
     def _digits(self, value, number):
         """Four bits a digit. What does not fit behind the point is dropped, as radios show it: 118.025 is 118.02."""
         shown = math.floor(((number - 100) * 100 if self.unit == "MHz" else number) + 1e-6)
         most = round((self.high - 100) * 100) if self.unit == "MHz" else self.high
         if not 0 <= shown <= 9999 or any(a > b for a, b in zip(f"{shown:04d}", f"{most:04d}")):  # 7777: octal digits
-            raise ValueError(f"{self.name}: {value} {self.unit} is not within {self.low:g} to {self.high:g}")
+            raise ValueError(f"{self._said(value)} is not within {self.low:g} to {self.high:g}, digit by digit")
         return int(f"{shown:04d}", 16)
 
     def is_shown(self, wanted: bytes, shown: bytes) -> Optional[bool]:
