@@ -5,6 +5,7 @@
 #endif
 #include "tavrix.h"
 
+#include <float.h>
 #include <math.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -58,7 +59,7 @@ static const struct tavrix_info table[] = {
   {"sim_rate", "", 0x0C1A, 2, T_U16, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH, 1.0, 256.0, 0.0, 0.0, 255.99609375, 0.00390625, 0.0, 0.0},
   {"show_message", "s", 0x32FA, 2, T_S16, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH | H_UNSEEN, 1.0, 1.0, 0.0, -32768.0, 32767.0, 1.0, 0.0, 0.0},
   {"reposition", "", 0x0558, 4, T_U32, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH, 1.0, 1.0, 0.0, 0.0, 4294967295.0, 1.0, 0.0, 0.0},
-  {"latitude", "deg", 0x0560, 8, T_S64, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH, 90.0, 4.2957189152768e+16, 0.0, -19323.971137051016, 19323.971137051016, 2.0951091487837895e-15, 1.0056523914162189e-07, 0.0},
+  {"latitude", "deg", 0x0560, 8, T_S64, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH, 90.0, 4.2957189152768e+16, 0.0, -90.0, 90.0, 2.0951091487837895e-15, 1.0056523914162189e-07, 0.0},
   {"longitude", "deg", 0x0568, 8, T_S64, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH, 360.0, 1.8446744073709552e+19, 0.0, -180.0, 180.0, 1.951563910473908e-17, 1.0148132334464322e-07, 0.0},
   {"altitude", "m", 0x0570, 8, T_S64, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH, 1.0, 4294967296.0, 0.0, -2147483648.0, 2147483648.0, 2.3283064365386963e-10, 0.010011717677116394, 0.0},
   {"altitude_m", "m", 0x0574, 4, T_S32, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH, 1.0, 1.0, 0.0, -2147483648.0, 2147483647.0, 1.0, 1.0, 0.0},
@@ -389,7 +390,7 @@ static const struct tavrix_info table[] = {
   {"nav2", "MHz", 0x0352, 2, T_U16, F_BCD, H_WRITABLE | H_LOW | H_HIGH, 1.0, 1.0, 0.0, 100.0, 199.99, 0.01, 0.0, 0.0},
   {"nav_standby2", "MHz", 0x3120, 2, T_U16, F_BCD, H_WRITABLE | H_LOW | H_HIGH, 1.0, 1.0, 0.0, 100.0, 199.99, 0.01, 0.0, 0.0},
   {"adf2", "kHz", 0x02D4, 2, T_U16, F_BCD, H_WRITABLE | H_LOW | H_HIGH, 1.0, 1.0, 0.0, 0.0, 9999.0, 1.0, 0.0, 0.0},
-  {"transponder", "", 0x0354, 2, T_U16, F_BCD, H_WRITABLE | H_LOW | H_HIGH, 1.0, 1.0, 0.0, 0.0, 9999.0, 1.0, 0.0, 0.0},
+  {"transponder", "", 0x0354, 2, T_U16, F_BCD, H_WRITABLE | H_LOW | H_HIGH, 1.0, 1.0, 0.0, 0.0, 7777.0, 1.0, 0.0, 0.0},
   {"transponder_mode", "", 0x6D8C, 1, T_U8, F_NUMBER, H_WRITABLE | H_LOW | H_HIGH | H_LISTED, 1.0, 1.0, 0.0, 0.0, 3.0, 1.0, 0.0, 0.0},
   {"radio_exchange", "", 0x3123, 1, T_U8, F_BITS, H_WRITABLE | H_UNSEEN, 1.0, 1.0, 0.0, 0, 0, 0, 0.0, 0.0},
   {"cdi1", "dots", 0x0C48, 1, T_S8, F_NUMBER, H_LOW | H_HIGH | H_UNSEEN, 10.0, 509.0, 0.0, -2.5147347740667976, 2.4950884086444005, 0.019646365422396856, 0.0, 0.0},
@@ -544,6 +545,7 @@ enum {
   BLOCK = 0x4000,
   BLOCKS = 8,
   PORT = 65000,
+  SENDER_PORT = 65100, /* of the datagrams */
   GROUP_PORT = 54942,
   TYPE_REQUESTS = 18,
   TYPE_BLOCK = 6,
@@ -586,11 +588,13 @@ struct tavrix {
   struct tavrix_counters counters;
   /* network */
   int is_local;
+  int calling, is_closed; /* calls of callbacks inside each other; tavrix_close has been called */
   Socket tcp, udp, asker; /* asker: a second connection, whose coming makes the server send all blocks */
   uint32_t address;       /* of the server, in network order */
   uint32_t missing;       /* a bit a block: never seen on this connection */
   uint32_t awaited;       /* asked for since */
   uint32_t asked, pause, last_datagram, lost_at;
+  int has_frames; /* until then the blocks are those of a server that has not filled them in yet */
   int suspected, has_change;
   uint32_t last_change;     /* when changes told of a frame */
   double interval, advance; /* what is usual between two of these, in ms and frames */
@@ -693,6 +697,16 @@ static int is_full_turn(const struct tavrix_info* info) {
          info->high < 360;
 }
 
+static int fail_outside(tavrix* sim, const struct tavrix_info* info, double value) {
+  const char* const space = info->unit[0] ? " " : "";
+  if (!(info->flags & H_LOW) || !(info->flags & H_HIGH)) {
+    return fail(sim, TAVRIX_BAD_VALUE, "%s: %g%s%s is beyond what it takes", info->name, value, space,
+                info->unit);
+  }
+  return fail(sim, TAVRIX_BAD_VALUE, "%s: %g%s%s is not within %g to %g%s", info->name, value, space,
+              info->unit, info->low, info->high, info->form == F_BCD ? ", digit by digit" : "");
+}
+
 static int encode(tavrix* sim, const struct tavrix_info* info, double value, uint8_t* at) {
   static const double lowest[] = {0, -128, 0, -32768, 0, -2147483648.0, -9223372036854775808.0};
   static const double highest[] = {255, 127, 65535, 32767, 4294967295.0, 2147483647.0, 9223372036854775807.0};
@@ -700,24 +714,30 @@ static int encode(tavrix* sim, const struct tavrix_info* info, double value, uin
   int64_t whole;
   int i;
   if (info->form == F_TEXT) return fail(sim, TAVRIX_BAD_VALUE, "%s is a text: tavrix_set_text", info->name);
+  if (!isfinite(value))
+    return fail(sim, TAVRIX_BAD_VALUE, "%s: %g is no number that it can hold", info->name, value);
+  if ((info->form == F_BITS || (info->flags & H_LISTED)) && value != floor(value))
+    return fail(sim, TAVRIX_BAD_VALUE, "%s: takes whole numbers, not %g", info->name, value);
   if (info->form == F_FLAG) value = value != 0;
-  if (info->form == F_NUMBER || info->form == F_BCD) {
+  if (info->form == F_NUMBER) {
     if (is_full_turn(info)) {
       value = fmod(value, 360);
       if (value < 0) value += 360;
       if (value > info->high) value = value > info->high + info->step / 2 ? 0 : info->high;
     }
-    if (value != value ||
-        (!(info->flags & H_LISTED) && (((info->flags & H_LOW) && value < info->low - info->step / 2) ||
-                                       ((info->flags & H_HIGH) && value > info->high + info->step / 2)))) {
-      return fail(sim, TAVRIX_BAD_VALUE, "%s: %g %s is not within %g to %g", info->name, value, info->unit,
-                  info->low, info->high);
+    if (!(info->flags & H_LISTED) && (((info->flags & H_LOW) && value < info->low - info->step / 2) ||
+                                      ((info->flags & H_HIGH) && value > info->high + info->step / 2))) {
+      return fail_outside(sim, info, value);
     }
   }
   if (info->type == T_F32 || info->type == T_F64) {
     stored = info->form == F_FLAG ? value : (value - info->bias) * info->denominator / info->numerator;
+    if (!(fabs(stored) <= (info->type == T_F32 ? FLT_MAX : DBL_MAX))) {
+      return fail(sim, TAVRIX_BAD_VALUE, "%s: %g does not fit %u bytes", info->name, value,
+                  (unsigned)info->size);
+    }
     if (info->type == T_F32) {
-      float single = (float)stored;
+      const float single = (float)stored;
       uint32_t bits;
       memcpy(&bits, &single, sizeof bits);
       put32(at, bits);
@@ -730,9 +750,16 @@ static int encode(tavrix* sim, const struct tavrix_info* info, double value, uin
     return 0;
   }
   if (info->form == F_BCD) {
-    uint32_t digits = (uint32_t)floor((strcmp(info->unit, "MHz") == 0 ? (value - 100) * 100 : value) + 0.5),
-             word = 0;
-    for (i = 0; i < 16; i += 4, digits /= 10) word |= digits % 10 << i;
+    /* What does not fit behind the point is dropped, as radios show it: 118.025 is 118.02. */
+    const int is_mhz = strcmp(info->unit, "MHz") == 0;
+    const double shown = floor((is_mhz ? (value - 100) * 100 : value) + 1e-6);
+    uint32_t digits, most = (uint32_t)floor((is_mhz ? (info->high - 100) * 100 : info->high) + 0.5), word = 0;
+    if (!(shown >= 0 && shown <= 9999)) return fail_outside(sim, info, value);
+    digits = (uint32_t)shown;
+    for (i = 0; i < 16; i += 4, digits /= 10, most /= 10) {
+      if (digits % 10 > most % 10) return fail_outside(sim, info, value); /* 7777: octal digits */
+      word |= digits % 10 << i;
+    }
     stored = word;
   } else {
     stored = info->form == F_NUMBER ? (value - info->bias) * info->denominator / info->numerator : value;
@@ -748,18 +775,38 @@ static int encode(tavrix* sim, const struct tavrix_info* info, double value, uin
 
 /* Whether the shown bytes are what a server makes of the written ones. */
 static int is_shown(const struct tavrix_info* info, const uint8_t* wanted, const uint8_t* shown) {
-  double written, present, off, allowed;
+  double written, present, off, rounding, allowed;
   if ((info->flags & H_UNSEEN) || memcmp(wanted, shown, info->size) == 0) return 1;
   if (info->form == F_TEXT) return strncmp((const char*)wanted, (const char*)shown, info->size) == 0;
   written = decode(info, wanted), present = decode(info, shown), off = fabs(written - present);
   if (info->form != F_NUMBER) return off == 0;
   if ((info->flags & H_WRAPS) || is_full_turn(info)) off = fmin(off, fabs(360 - off));
-  allowed = info->step * 1.01 > info->absolute ? info->step * 1.01 : info->absolute;
+  /* Whole numbers come back as they are. */
+  rounding = info->numerator != info->denominator || info->bias != 0 ? info->step * 1.01 : 0;
+  allowed = fmax(rounding, info->absolute);
   return off <= allowed + info->share * fabs(written);
 }
 
+/* In place of a number that is no offset: of a text, which nothing can read or write. */
+static const struct tavrix_info no_row = {"no offset", "", MEMORY, 0, T_TEXT, F_TEXT, H_UNSEEN, 1,
+                                          1,           0,  0,      0, 0,      0,      0};
+
+static int is_row(enum tavrix_offset offset) { return (unsigned)offset < TAVRIX_OFFSETS; }
 static const struct tavrix_info* row(enum tavrix_offset offset) {
-  return &table[(unsigned)offset < TAVRIX_OFFSETS ? (unsigned)offset : 0];
+  return is_row(offset) ? &table[(unsigned)offset] : &no_row;
+}
+
+/* 0 when the client can be used and all are offsets. */
+static int check(tavrix* sim, const enum tavrix_offset* offsets, int count) {
+  int i;
+  if (count < 0 || count > WATCHES)
+    return fail(sim, TAVRIX_FULL, "%d values at once: at most %d", count, WATCHES);
+  for (i = 0; i < count; ++i) {
+    if (is_row(offsets[i])) continue;
+    return fail(sim, TAVRIX_NO_OFFSET, "%u is no offset: was a name wrong that tavrix_by_name should find?",
+                (unsigned)offsets[i]);
+  }
+  return 0;
 }
 
 const struct tavrix_info* tavrix_info_of(enum tavrix_offset offset) { return row(offset); }
@@ -772,7 +819,7 @@ enum tavrix_offset tavrix_by_name(const char* name) {
 
 double tavrix_decode(enum tavrix_offset offset, const void* bytes) { return decode(row(offset), bytes); }
 int tavrix_encode(enum tavrix_offset offset, double value, void* bytes) {
-  return encode(NULL, row(offset), value, bytes);
+  return is_row(offset) ? encode(NULL, row(offset), value, bytes) : check(NULL, &offset, 1);
 }
 const char* tavrix_error(const tavrix* sim) { return sim != NULL ? sim->error : connect_error; }
 struct tavrix_counters tavrix_counters_of(const tavrix* sim) {
@@ -794,7 +841,7 @@ static void forget(tavrix* sim, uint32_t now) {
   sim->awaited = 0;
   sim->asked = sim->last_datagram = sim->last_activity_time = now;
   sim->pause = PATIENCE;
-  sim->suspected = sim->has_change = 0;
+  sim->suspected = sim->has_change = sim->has_frames = 0;
   sim->interval = 20, sim->advance = 1;
   memset(sim->unsettled, 0, sizeof sim->unsettled);
   memset(sim->is_unsettled, 0, sizeof sim->is_unsettled);
@@ -829,6 +876,7 @@ static void take_changes(tavrix* sim, const uint8_t* payload, uint32_t length, u
   }
   advance = (get16(sim->memory + ACTIVITY) - before) & 0xFFFF;
   if (advance == 0) return;
+  if (before != 0 && !(sim->missing & 1)) sim->has_frames = 1; /* the changes of a whole frame are there */
   sim->last_activity_time = now;
   if (sim->has_change && sim->missing == 0) judge(sim, now - sim->last_change, advance);
   sim->has_change = 1;
@@ -846,6 +894,7 @@ static void take_block(tavrix* sim, uint32_t block, const uint8_t* payload, uint
     }
     sim->unsettled_since[block] = now;
   }
+  if (block == 0 && get16(payload + ACTIVITY) != 0) sim->has_frames = 1;
   sim->missing &= ~(1u << block);
   sim->awaited &= ~(1u << block);
   memcpy(own, payload, BLOCK);
@@ -1016,7 +1065,7 @@ static int receive(tavrix* sim) {
     const int got = (int)recvfrom(sim->udp, (char*)sim->datagram, sizeof sim->datagram, 0,
                                   (struct sockaddr*)&sender, &size);
     if (got < 0) break;
-    if (sender.sin_addr.s_addr != sim->address) continue;
+    if (sender.sin_addr.s_addr != sim->address || sender.sin_port != htons(SENDER_PORT)) continue;
     take(sim, got, now);
     taken = 1;
   }
@@ -1148,6 +1197,7 @@ struct place {
 static int write_places(tavrix* sim, const struct place* places, int count) {
   uint8_t frame[LONGEST_LIST + 400];
   int i = 0;
+  if (sim->is_closed) return fail(sim, TAVRIX_CLOSED, "this client is closed");
   while (i < count) {
     uint32_t length = 0;
     int result;
@@ -1185,6 +1235,7 @@ static int read_places(tavrix* sim, const struct place* places, int count) {
   size_t size = 4;
   uint8_t *list, *at;
   int i, result;
+  if (sim->is_closed) return fail(sim, TAVRIX_CLOSED, "this client is closed");
   if (!sim->is_local) {
     if (sim->tcp != NO_SOCKET) receive(sim);
     for (i = 0; i < count; ++i) memcpy(places[i].bytes, sim->memory + places[i].offset, places[i].size);
@@ -1231,8 +1282,8 @@ int tavrix_write_bytes(tavrix* sim, uint32_t offset, uint32_t size, const void* 
 int tavrix_read(tavrix* sim, const enum tavrix_offset* offsets, double* values, int count) {
   struct place places[WATCHES] = {{0, 0, NULL}};
   uint8_t bytes[WATCHES][8] = {{0}};
-  int i, result;
-  if (count > WATCHES) return fail(sim, TAVRIX_FULL, "%d values at once: at most %d", count, WATCHES);
+  int i, result = check(sim, offsets, count);
+  if (result != 0) return result;
   for (i = 0; i < count; ++i) {
     const struct tavrix_info* const info = row(offsets[i]);
     places[i].offset = info->offset;
@@ -1252,7 +1303,7 @@ double tavrix_get(tavrix* sim, enum tavrix_offset offset) {
 
 const char* tavrix_get_text(tavrix* sim, enum tavrix_offset offset) {
   memset(sim->text, 0, sizeof sim->text);
-  if (row(offset)->form != F_TEXT ||
+  if (check(sim, &offset, 1) != 0 || row(offset)->form != F_TEXT ||
       tavrix_read_bytes(sim, row(offset)->offset, row(offset)->size, sim->text) != 0) {
     sim->text[0] = 0;
   }
@@ -1262,8 +1313,8 @@ const char* tavrix_get_text(tavrix* sim, enum tavrix_offset offset) {
 int tavrix_write(tavrix* sim, const enum tavrix_offset* offsets, const double* values, int count) {
   struct place places[WATCHES] = {{0, 0, NULL}};
   uint8_t bytes[WATCHES][8];
-  int i, result;
-  if (count > WATCHES) return fail(sim, TAVRIX_FULL, "%d values at once: at most %d", count, WATCHES);
+  int i, result = check(sim, offsets, count);
+  if (result != 0) return result;
   for (i = 0; i < count; ++i) {
     const struct tavrix_info* const info = row(offsets[i]);
     if (!(info->flags & H_WRITABLE)) {
@@ -1283,6 +1334,8 @@ int tavrix_set(tavrix* sim, enum tavrix_offset offset, double value) {
 int tavrix_set_text(tavrix* sim, enum tavrix_offset offset, const char* text) {
   const struct tavrix_info* const info = row(offset);
   uint8_t bytes[256] = {0};
+  const int result = check(sim, &offset, 1);
+  if (result != 0) return result;
   if (info->form != F_TEXT || !(info->flags & H_WRITABLE)) {
     return fail(sim, TAVRIX_NOT_WRITABLE, "%s is no text for writing", info->name);
   }
@@ -1325,6 +1378,8 @@ int tavrix_set_confirmed(tavrix* sim, enum tavrix_offset offset, double value, i
 
 int tavrix_on_change(tavrix* sim, enum tavrix_offset offset, tavrix_callback callback, void* own) {
   struct watch* const watch = &sim->watches[sim->watch_count];
+  const int result = check(sim, &offset, 1);
+  if (result != 0) return result;
   if (sim->watch_count == WATCHES) return fail(sim, TAVRIX_FULL, "at most %d callbacks", WATCHES);
   memset(watch, 0, sizeof *watch);
   watch->offset = offset, watch->callback = callback, watch->own = own;
@@ -1335,13 +1390,15 @@ int tavrix_on_change(tavrix* sim, enum tavrix_offset offset, tavrix_callback cal
 static int call_back(tavrix* sim) {
   struct place places[WATCHES] = {{0, 0, NULL}};
   uint8_t(*const bytes)[256] = sim->latest;
-  int i, called = 0;
+  int i, count, called = 0;
   for (i = 0; i < sim->watch_count; ++i) {
     const struct tavrix_info* const info = row(sim->watches[i].offset);
     places[i].offset = info->offset, places[i].size = info->size, places[i].bytes = bytes[i];
   }
   if (sim->watch_count == 0 || read_places(sim, places, sim->watch_count) != 0) return 0;
-  for (i = 0; i < sim->watch_count; ++i) {
+  count = sim->watch_count; /* a callback may add one */
+  ++sim->calling;
+  for (i = 0; i < count && !sim->is_closed; ++i) {
     struct watch* const watch = &sim->watches[i];
     if (watch->known && memcmp(watch->bytes, bytes[i], places[i].size) == 0) continue;
     watch->known = 1;
@@ -1349,6 +1406,7 @@ static int call_back(tavrix* sim) {
     watch->callback(sim, watch->offset, decode(row(watch->offset), watch->bytes), watch->own);
     ++called;
   }
+  --sim->calling;
   return called;
 }
 
@@ -1365,6 +1423,7 @@ static void sleep_ms(int milliseconds) {
 
 int tavrix_poll(tavrix* sim, int milliseconds) {
   const uint32_t started = now_ms();
+  if (sim->is_closed) return fail(sim, TAVRIX_CLOSED, "this client is closed");
   for (;;) {
     const uint32_t spent = now_ms() - started;
     const int left = spent >= (uint32_t)milliseconds ? 0 : milliseconds - (int)spent;
@@ -1373,9 +1432,13 @@ int tavrix_poll(tavrix* sim, int milliseconds) {
       if (tavrix_connected(sim)) called = call_back(sim);
     } else if (sim->tcp != NO_SOCKET) {
       receive(sim);
-      if (sim->tcp != NO_SOCKET && sim->missing == 0) called = call_back(sim);
+      if (sim->tcp != NO_SOCKET && sim->missing == 0 && sim->has_frames) called = call_back(sim);
     } else if (now_ms() - sim->lost_at >= RECONNECT && open_network(sim, left > 500 ? left : 500) != 0) {
       sim->lost_at = now_ms();
+    }
+    if (sim->is_closed) {
+      if (sim->calling == 0) tavrix_close(sim);
+      return TAVRIX_CLOSED;
     }
     if (called > 0) return called;
     if (left == 0) return sim->is_local || sim->tcp != NO_SOCKET ? 0 : TAVRIX_DISCONNECTED;
@@ -1388,6 +1451,7 @@ int tavrix_poll(tavrix* sim, int milliseconds) {
 }
 
 int tavrix_connected(const tavrix* sim) {
+  if (sim->is_closed) return 0;
 #ifdef _WIN32
   if (sim->is_local) return FindWindowA("KORLMAIN", "KORLMAIN") != NULL;
 #endif
@@ -1529,6 +1593,8 @@ tavrix* tavrix_connect(const char* host, int milliseconds) {
 void tavrix_close(tavrix* sim) {
   if (sim == NULL) return;
   drop(sim);
+  sim->is_closed = 1;
+  if (sim->calling > 0) return; /* by a callback: tavrix_poll ends it */
   end_block(sim);
   free(sim);
 }

@@ -23,7 +23,9 @@ enum tavrix_result {
   TAVRIX_NOT_WRITABLE = -4,  /* a write to this offset has no effect */
   TAVRIX_NOT_CONFIRMED = -5, /* the server does not show what was written within the time given */
   TAVRIX_BAD_VALUE = -6,     /* the offset cannot hold the value */
-  TAVRIX_FULL = -7           /* no memory, or too much at once */
+  TAVRIX_FULL = -7,          /* no memory, or too much at once */
+  TAVRIX_NO_OFFSET = -8,     /* the number is no offset: tavrix_by_name knows no such name */
+  TAVRIX_CLOSED = -9         /* a callback has called tavrix_close */
 };
 
 /* What is known of an offset. Numbers in its unit = stored x numerator / denominator + bias. */
@@ -701,6 +703,8 @@ enum tavrix_situation_command {
  * NULL: the local window, else the first server that announces itself, else this computer. NULL when there is
  * none within `milliseconds`; tavrix_error(NULL) tells why. */
 tavrix* tavrix_connect(const char* host, int milliseconds);
+/* Inside a callback it ends the connection at once and no callback follows; the rest goes when tavrix_poll
+ * returns TAVRIX_CLOSED: do not use the client after that. */
 void tavrix_close(tavrix* sim);
 /* Addresses of the servers that announce themselves, 16 bytes each. Returns how many were heard, `room` at
  * most. */
@@ -709,7 +713,8 @@ int tavrix_find(char (*addresses)[16], int room, int milliseconds);
 const char* tavrix_error(const tavrix* sim);
 
 /* Receives, waiting so long for something new, keeps the connection, and calls the callbacks of what has
- * changed. Returns how many were called, or TAVRIX_DISCONNECTED while there is no connection. */
+ * changed, from the simulator's first frame on. Returns how many were called, TAVRIX_DISCONNECTED while there
+ * is no connection, TAVRIX_CLOSED when one of the callbacks has closed the client. */
 int tavrix_poll(tavrix* sim, int milliseconds);
 /* Whether there is a connection and a whole copy of the memory; whether the simulator's frames run as well. */
 int tavrix_connected(const tavrix* sim);
@@ -734,8 +739,9 @@ int tavrix_write_bytes(tavrix* sim, uint32_t offset, uint32_t size, const void* 
 typedef void (*tavrix_callback)(tavrix* sim, enum tavrix_offset offset, double value, void* own);
 int tavrix_on_change(tavrix* sim, enum tavrix_offset offset, tavrix_callback callback, void* own);
 
-/* What is known of an offset; by its name (TAVRIX_OFFSETS when there is none); its bytes and values without a
- * connection. Encoding returns TAVRIX_BAD_VALUE for what the offset cannot hold. */
+/* What is known of an offset; by its name (TAVRIX_OFFSETS when there is none, which every function refuses with
+ * TAVRIX_NO_OFFSET, and whose row has no size); its bytes and values without a connection. Encoding returns
+ * TAVRIX_BAD_VALUE for what the offset cannot hold. Directions take any angle: 360 is 0, -10 is 350. */
 const struct tavrix_info* tavrix_info_of(enum tavrix_offset offset);
 enum tavrix_offset tavrix_by_name(const char* name);
 double tavrix_decode(enum tavrix_offset offset, const void* bytes);

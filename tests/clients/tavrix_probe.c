@@ -10,6 +10,12 @@ static void change(tavrix* sim, enum tavrix_offset offset, double value, void* o
   printf("changed %s %g, ", tavrix_info_of(offset)->name, value);
 }
 
+static void end(tavrix* sim, enum tavrix_offset offset, double value, void* own) {
+  (void)offset, (void)value, (void)own;
+  tavrix_close(sim);
+  printf("writes %d, ", tavrix_set(sim, TAVRIX_COM1, 118.7));
+}
+
 static void print_bytes(const uint8_t* bytes, unsigned size) {
   unsigned i;
   for (i = 0; i < size; ++i) printf("%02X", bytes[i]);
@@ -40,6 +46,13 @@ int main(int count, char** words) {
       result = sim == NULL;
     } else if (strcmp(verb, "code") == 0) {
       code(name, more);
+    } else if (strcmp(verb, "encode") == 0) {
+      uint8_t bytes[256];
+      if (tavrix_encode(offset, value, bytes) != 0) {
+        printf("%s", tavrix_error(NULL));
+      } else {
+        print_bytes(bytes, tavrix_info_of(offset)->size);
+      }
     } else if (sim == NULL) {
       printf("not connected");
     } else if (strcmp(verb, "get") == 0) {
@@ -54,8 +67,12 @@ int main(int count, char** words) {
       result = tavrix_set_confirmed(sim, offset, value, 3000);
     } else if (strcmp(verb, "watch") == 0) {
       result = tavrix_on_change(sim, offset, change, NULL);
+    } else if (strcmp(verb, "end") == 0) {
+      result = tavrix_on_change(sim, offset, end, NULL);
     } else if (strcmp(verb, "poll") == 0) {
-      printf("%d", tavrix_poll(sim, atoi(name)));
+      const int polled = tavrix_poll(sim, atoi(name));
+      if (polled == TAVRIX_CLOSED) sim = NULL;
+      printf("%d", polled);
     } else if (strcmp(verb, "bytes") == 0) {
       uint8_t bytes[64];
       result = tavrix_read_bytes(sim, (uint32_t)strtoul(name, NULL, 0), sizeof bytes, bytes);

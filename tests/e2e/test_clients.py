@@ -5,6 +5,8 @@ import json
 import os
 import re
 import shutil
+import signal
+import socket
 import struct
 import subprocess
 import sys
@@ -145,6 +147,27 @@ def test_values():
     assert bug.is_shown(bug.encode(359.99), bug.encode(0.05)), "a full turn is no distance"
     assert names.ap.is_shown(b"\5\0\0\0", b"\1\0\0\0") and not names.ap.is_shown(b"\0\0\0\0", b"\1\0\0\0")
     assert names.radio_exchange.is_shown(b"\1", b"\0") is None
+    for whole, wanted, shown in ((names.autobrake, 2, 3), (names.zulu_hour, 12, 11), (names.obs1, 90, 91)):
+        assert not whole.is_shown(whole.encode(wanted), whole.encode(shown)), "a step away is another number"
+    assert names.altitude_m.is_shown(names.altitude_m.encode(100), names.altitude_m.encode(101))
+
+
+CODED = {("com1", 118.025): "0218", ("com1", 118.775): "7718", ("com1", 199.995): "9999", ("transponder", 7777): "7777",
+         ("ap_heading_bug", 360): "0000", ("transponder_mode", 5): "05", ("latitude", 90): "00000000569D9800"}
+REFUSED = [("com1", 99.995), ("com1", 200), ("transponder", 8000), ("transponder", 1680), ("latitude", 90.1), ("longitude", -181),
+           ("heading", "inf"), ("jettison", 1e40), ("jettison", "inf"), ("n2_eng1", "inf"), ("pause", "nan"), ("lights", "nan"),
+           ("lights", 2.5), ("autobrake", 2.5), ("autobrake", 300), ("typo", 1)]
+
+
+def test_values_alike_in_both_languages(run, probe):
+    program = run(probe)
+    for (name, value), stored in CODED.items():
+        assert program.ask(f"encode {name} {value}") == stored == names.ALL[name].encode(value).hex().upper(), (name, value)
+    for name, value in REFUSED:
+        assert ("no offset" if name == "typo" else f"{name}: ") in program.ask(f"encode {name} {value}"), (name, value)
+        if name != "typo":
+            with pytest.raises(ValueError, match=name):
+                names.ALL[name].encode(float(value))
 
 
 # --- The page ------------------------------------------------------------------------------------------------------------
@@ -183,6 +206,8 @@ def lamps(program, standin):
 def radios(program, standin):
     wait_for("the first lines", lambda: len(program.lines) >= 4)
     program.lines.clear()
+    for nonsense in ("", "ADF", "COM x", "NAV 110.3 1"):  # neither ends the program nor exchanges
+        program.say(nonsense)
     program.say("COM 124.30")
     program.sees("COM standby 124.30")
     program.say("COM")
@@ -200,7 +225,11 @@ def test_task(task, language, world, run, tmp_path):
     source.write_text(TASKS[source.name])
     command = [sys.executable, source] if language == "py" else [compile_c("gcc", tmp_path / task, source)]
     standin = world()
-    CHECKS[task](run(*command, "127.0.0.1"), standin)
+    program = run(*command, "127.0.0.1")
+    CHECKS[task](program, standin)
+    if "sim.run()" in TASKS[source.name]:
+        program.process.send_signal(signal.SIGINT)
+        assert program.process.wait(timeout=DEADLINE) == 0
 
 
 @pytest.mark.wine
@@ -404,7 +433,11 @@ def test_restart_of_the_simulator(language, world, run, probe):
     standin = world()
     if language == "python":
         told_of = []
-        client = tavrix.NetworkClient("127.0.0.1", on_connection=told_of.append)
+
+        def tell(is_there):
+            told_of.append(is_there)
+            raise RuntimeError("ends no thread")
+        client = tavrix.NetworkClient("127.0.0.1", on_connection=tell)
         gears = []
         client.on_change(names.gear, gears.append)
         alive, pump = lambda: client.alive, lambda: client.poll(0.05)
@@ -438,6 +471,55 @@ def test_restart_of_the_simulator(language, world, run, probe):
     standin.quit()
 
 
+@pytest.mark.parametrize("language", ["python", "c"])
+def test_datagrams_of_others_and_of_a_server_without_frames(language, run, probe):
+    server = ScriptedServer("127.0.0.3")
+    blocks = [block_frame(bytearray(0x20000), block) for block in range(8)]
+
+    def fill():
+        wait_for("the client", lambda: server.accepted)
+        server.send(*blocks)
+    sender = threading.Thread(target=fill)
+    sender.start()
+    if language == "python":
+        sim, got = tavrix.connect("127.0.0.3"), []
+        sim.on_change(names.autobrake, got.append)
+        call_back = lambda: sim.poll(0.05) and got  # noqa: E731
+        read = lambda: sim.read_bytes((0x12340, 1))[0]  # noqa: E731
+    else:
+        program = run(probe)
+        assert program.ask("connect 127.0.0.3") == program.ask("watch autobrake") == ""
+        call_back = lambda: "changed" in program.ask("poll 50")  # noqa: E731
+        read = lambda: bytes.fromhex(program.ask("bytes 0x12340"))[:1]  # noqa: E731
+    sender.join()
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as other:
+        other.bind(("127.0.0.3", 0))
+        other.sendto(change_frame((0x12340, 66)), server.accepted[0][1])
+    server.send(change_frame((0x12341, 1), (0x337E, 1)))  # of the first frame: more of them may follow
+    wait_for("a datagram", lambda: read() is not None and (sim.read_bytes((0x12341, 1))[0] if language == "python" else
+                                                           bytes.fromhex(program.ask("bytes 0x12341"))[:1]) == b"\1")
+    assert read() == b"\0" and not call_back(), "of another port; before the second frame"
+    server.send(change_frame((0x337E, 2)))
+    wait_for("the callback", call_back)
+    if language == "python":
+        sim.close()
+    server.close()
+
+
+def test_c_client_closed_by_its_callback(world, run, probe):
+    standin = world()
+    program = run(probe)
+    assert program.ask("connect 127.0.0.1") == ""
+    for line, answer in (("get typo", "nan"), ("set typo 1", "no offset"), ("watch typo", "no offset"),
+                         ("confirm typo 1", "no offset"), ("settext typo x", "no offset"), ("text typo", "")):
+        assert answer in program.ask(line) and program.ask("get pause") == "0", line
+    assert program.ask("end com1") == program.ask("watch com1") == ""
+    answers = []
+    wait_for("the end", lambda: answers.append(program.ask("poll 100")) or "-9" in answers[-1])
+    assert answers[-1] == "writes -9, -9" and program.ask("get com1") == "not connected"
+    standin.quit()
+
+
 def test_errors_say_what_to_do(world, run, probe):
     program = run(probe)
     assert "does the simulator run there" in program.ask("connect 127.0.0.1")
@@ -455,6 +537,8 @@ def test_errors_say_what_to_do(world, run, probe):
     standin.quit()
     standin = world("Network writes = No")
     assert program.ask("connect 127.0.0.1") == "" and "Network writes" in program.ask("confirm com1 121.5")
+    brake = int(program.ask("get autobrake"))
+    assert "Network writes" in program.ask(f"confirm autobrake {brake + 1}"), "one step is not the same"
     for line, answer in (("set heading 90", ""), ("set tas 90", "not for writing"), ("set zulu_hour 25", "not within 0 to 23"),
                          ("set aircraft 1", "not for writing"), ("settext heading x", "no text")):
         assert answer in program.ask(line), line
@@ -472,6 +556,9 @@ def test_batches_and_texts(world, run, probe):
         assert sim.write({names.com1: 118.7, names.ap_heading_bug: 90, names.ap: True}, confirm=True) is True
         assert sim.read(names.com1, names.ap) == (118.7, True)
         assert sim.write(names.radio_exchange, names.RadioExchange.COM1, confirm=True) is None
+        sim.write_bytes((0x12340, bytes(range(250)) * 40))  # more than a packet holds
+        sim.write(names.com1, 119.1, confirm=True)
+        wait_for("all of it", lambda: sim.read_bytes((0x12340, 10000))[0] == bytes(range(250)) * 40)
         everything = {offset: offset.decode(bytes(offset.size)) for offset in names.ALL.values() if offset.write == "yes"
                       and offset.name.startswith(("fail_", "wind_", "cloud_", "fuel_", "throttle", "nav_", "deice", "igniti"))}
         assert len(everything) > 40 and sim.write(everything) is None  # more than one packet holds
@@ -580,3 +667,36 @@ def test_local_client():
     assert sorted(windows.closed) == ["atom", "handle", "view"]
     with pytest.raises(tavrix.NoServer):
         tavrix.LocalClient(calls=(windows, windows))
+
+
+def test_callbacks_and_bounds():
+    windows, got = PlayedWindows(), []
+
+    def failing(_):
+        got.append("failing")
+        raise KeyError("own")
+    with tavrix.LocalClient(calls=(windows, windows)) as sim:
+        sim.on_change(names.com1, failing)
+        end = sim.on_change(names.com1, lambda value: got.append("second"))
+        sim.on_change(names.nav1, lambda value: got.append("third"))
+        with pytest.raises(KeyError, match="own"):
+            sim.poll()
+        assert got == ["failing", "second", "third"] and sim.poll() == 0
+        end()
+        end()
+        sim.on_change(names.com1, lambda value: got.append("fourth"))
+        assert sim.poll() == 1 and got[3:] == ["fourth"]
+        for place in ((0x1FFFF, 2), (-2, 2), (0x20000, 1), (5, -1)):
+            with pytest.raises(ValueError, match="the memory ends"):
+                sim.read_bytes(place)
+        with pytest.raises(ValueError, match="the memory ends"):
+            sim.write_bytes((0x1FFFF, b"12"))
+        for wrong in (float("nan"), -1):
+            with pytest.raises(ValueError, match="confirm"):
+                sim.write(names.com1, 118.7, confirm=wrong)
+        sim.on_change(names.nav2, lambda value: sim.close())
+        sim.on_change(names.adf1, lambda value: got.append("after close"))
+        sim.run(DEADLINE)
+        assert got[4:] == [] and sim.poll() == 0
+        with pytest.raises(tavrix.Disconnected, match="closed"):
+            sim.write(names.com1, 118.7)

@@ -209,7 +209,8 @@ std::optional<UnitRange> RangeOf(const OffsetRow& row) {
   if (row.type == Stored::Text || row.show == Show::Bits) return std::nullopt;
   if (row.show == Show::Flag) return UnitRange{0, 1, 1};
   if (row.show == Show::Bcd) {
-    return UnitRange{BcdNumber(row, 0), BcdNumber(row, 0x9999), std::strcmp(row.unit, "MHz") == 0 ? 0.01 : 1};
+    const auto most = static_cast<uint32_t>(std::fmin(row.limits.high, 0x9999));
+    return UnitRange{BcdNumber(row, 0), BcdNumber(row, most), std::strcmp(row.unit, "MHz") == 0 ? 0.01 : 1};
   }
   if (!row.choices.empty()) {
     const auto [least, most] =

@@ -1,4 +1,5 @@
 """What both kinds of client can do: read and write by name, alone or many at once, and call back on changes."""
+import logging
 import time
 from typing import Any, Callable, Dict, List, Optional, Tuple, Union, overload
 
@@ -6,13 +7,19 @@ from .errors import Disconnected, NotConfirmed, NotWritable
 from .offset import Offset, Value
 
 DEFAULT_CONFIRMATION = 2.0  # seconds
+_log = logging.getLogger("tavrix")
+
+
+class _Watch:
+    def __init__(self, offset, callback):
+        self.offset, self.callback, self.last, self.is_on = offset, callback, None, True
 
 
 class Client:
     """Use `tavrix.connect`. All methods may be called from any thread; callbacks run inside `poll` and `run`."""
 
     def __init__(self):
-        self._watches = {}  # Offset -> [last bytes, callbacks]
+        self._watches = []
         self.closed = False
 
     # --- Of each kind -----------------------------------------------------------------------------------
@@ -59,6 +66,9 @@ class Client:
 
         `confirm` (True or seconds): waits until the server shows the values. Returns True then, None when one of
         them never shows (a request that goes back to 0); raises NotConfirmed when the time is over."""
+        seconds = DEFAULT_CONFIRMATION if confirm is True else None if confirm is False else confirm
+        if seconds is not None and not seconds >= 0:
+            raise ValueError(f"confirm={confirm}: a number of seconds or True")
         values = offset if isinstance(offset, dict) else {offset: value}
         places = []
         for each, wanted in values.items():
@@ -66,9 +76,7 @@ class Client:
                 raise NotWritable(f"{each.name} ({each.offset:#06x}) is not for writing: {each.meaning}")
             places.append((each, each.encode(wanted)))
         self.write_bytes(*((each.offset, data) for each, data in places))
-        if confirm is None or confirm is False:
-            return None
-        return self._confirm(places, DEFAULT_CONFIRMATION if confirm is True else confirm)
+        return None if seconds is None else self._confirm(places, seconds)
 
     def _confirm(self, places, seconds):
         end = time.monotonic() + seconds
@@ -99,15 +107,16 @@ class Client:
 
     # --- Changes -------------------------------------------------------------------------------------------------
     def on_change(self, offset: Offset[Value], callback: Callable[[Value], Any]) -> Callable[[], None]:
-        """Calls `callback(value)` from `poll` and `run`, first with the present value. Returns a function that ends it."""
-        watch = self._watches.setdefault(offset, [None, []])
-        watch[0] = None
-        watch[1].append(callback)
+        """Calls `callback(value)` from `poll` and `run`, first with the present value. Returns a function that ends it.
+
+        What a callback raises comes out of `poll` and `run` once the others have been called."""
+        watch = _Watch(offset, callback)
+        self._watches.append(watch)
 
         def end():
-            watch[1].remove(callback)
-            if not watch[1]:
-                self._watches.pop(offset, None)
+            if watch.is_on:
+                watch.is_on = False
+                self._watches.remove(watch)
         return end
 
     def poll(self, timeout: float = 0.0) -> int:
@@ -119,28 +128,42 @@ class Client:
             called = self._call_back()
         return called
 
+    @property
+    def _can_call_back(self):
+        return self.ready
+
     def _call_back(self):
-        called = 0
-        watched = list(self._watches.items())
-        if not watched or not self.ready:
+        called, failure = 0, None
+        watched = list(self._watches)
+        if not watched or self.closed or not self._can_call_back:
             return 0
         try:
-            found = self.read_bytes(*((each.offset, each.size) for each, _ in watched))
+            found = self.read_bytes(*((watch.offset.offset, watch.offset.size) for watch in watched))
         except Disconnected:  # since the look
             return 0
-        for (offset, watch), data in zip(watched, found):
-            if data != watch[0]:
-                watch[0] = data
-                for callback in list(watch[1]):
-                    callback(offset.decode(data))
-                    called += 1
+        for watch, data in zip(watched, found):
+            if data == watch.last or not watch.is_on or self.closed:
+                continue
+            watch.last = data
+            called += 1
+            try:
+                watch.callback(watch.offset.decode(data))
+            except Exception as error:  # the others are called all the same
+                if failure is not None:
+                    _log.exception("a callback of %s has failed, too", watch.offset.name)
+                failure = failure or error
+        if failure is not None:
+            raise failure
         return called
 
     def run(self, seconds: Optional[float] = None) -> None:
-        """Calls the callbacks until the time is over, `close` is called or Ctrl-C comes."""
+        """Calls the callbacks until the time is over, `close` is called or Ctrl-C comes, which ends it without a word."""
         end = None if seconds is None else time.monotonic() + seconds
-        while not self.closed and (end is None or time.monotonic() < end):
-            self.poll(0.25 if end is None else max(0.0, min(0.25, end - time.monotonic())))
+        try:
+            while not self.closed and (end is None or time.monotonic() < end):
+                self.poll(0.25 if end is None else max(0.0, min(0.25, end - time.monotonic())))
+        except KeyboardInterrupt:
+            pass
 
     def __enter__(self):
         return self

@@ -2,14 +2,29 @@
 import struct
 
 MEMORY_SIZE, BLOCK_SIZE, BLOCKS = 0x20000, 0x4000, 8
-PORT = 65000
+PORT, SENDER_PORT = 65000, 65100  # of requests; that the datagrams come from
 REQUESTS, FIRST_BLOCK, SPARE_BLOCK, ANNOUNCEMENT, CHANGES = 18, 6, 14, 20, 103
 _ENDS = {REQUESTS: 0xAFFE, ANNOUNCEMENT: 0xDEFA, CHANGES: 0xFADE, **{kind: 0x1A2B for kind in range(6, 15)}}
 LONGEST_LIST = 1200  # of a request that fits one packet
+LONGEST_WRITE = 1024  # of one record
+
+
+def check(places):
+    """Raises ValueError for an (offset, size) that leaves the memory."""
+    for offset, size in places:
+        if not (0 <= size and 0 <= offset <= MEMORY_SIZE - size):
+            raise ValueError(f"{size} bytes at {offset:#x}: the memory ends at {MEMORY_SIZE - 1:#x}")
 
 
 def write_record(offset, data):
     return struct.pack("<III", 2, offset, len(data)) + data
+
+
+def write_records(places):
+    """Records that write (offset, bytes) in order, long ones piece by piece."""
+    check((offset, len(data)) for offset, data in places)
+    return [write_record(offset + at, data[at:at + LONGEST_WRITE])
+            for offset, data in places for at in range(0, len(data), LONGEST_WRITE)]
 
 
 def read_record(offset, size):

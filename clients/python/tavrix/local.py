@@ -128,6 +128,7 @@ class LocalClient(Client):
             return False
 
     def read_bytes(self, *places):
+        frames.check(places)
         answer, at, found = self._request([frames.read_record(*place) for place in places]), 0, []
         for _, size in places:
             found.append(answer[at + 16:at + 16 + size])
@@ -135,7 +136,7 @@ class LocalClient(Client):
         return found
 
     def write_bytes(self, *places):
-        self._request([frames.write_record(at, data) for at, data in places])
+        self._request(frames.write_records(places))
 
     def _wait_for_change(self, timeout, mark):
         time.sleep(min(timeout, POLL_PAUSE))

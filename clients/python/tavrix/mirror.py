@@ -25,6 +25,7 @@ class Mirror:
     def restart(self, now):
         """A new connection: nothing is known, all blocks are on their way."""
         self.missing = set(range(frames.BLOCKS))  # never seen on this connection
+        self.has_frames = False  # until then the blocks are those of a server that has not filled them in yet
         self._awaited = set()  # asked for since
         self.last_datagram = self.last_activity = self.asked = now
         self._suspected, self._pause, self._unsettled = False, PATIENCE, {}
@@ -61,6 +62,8 @@ class Mirror:
                 unsettled.pop(at, None)
         advance = ((memory[ACTIVITY] | memory[ACTIVITY + 1] << 8) - before) & 0xFFFF
         if advance:
+            if before and 0 not in self.missing:  # the changes of a whole frame are there
+                self.has_frames = True
             self.last_activity = now
             if self._last_change is not None and self.complete:
                 self._judge(now - self._last_change, advance)
@@ -82,6 +85,8 @@ class Mirror:
     def _take_block(self, block, payload, now):
         first = block * frames.BLOCK_SIZE
         self._awaited.discard(block)
+        if block == 0 and payload[ACTIVITY] | payload[ACTIVITY + 1]:
+            self.has_frames = True
         old = self.memory[first:first + frames.BLOCK_SIZE]
         if old == payload and block not in self.missing:
             return ()

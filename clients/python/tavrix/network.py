@@ -1,4 +1,5 @@
 """The client for other computers, and for this one on Linux: a mirror kept by UDP, writes by TCP."""
+import logging
 import select
 import socket
 import struct
@@ -15,6 +16,7 @@ from .mirror import Mirror
 GROUP, GROUP_PORT = "239.192.0.10", 54942
 SILENCE = 5.0  # without a datagram: blocks are asked for; twice that: the connection is given up
 RECONNECT = 2.0
+_log = logging.getLogger("tavrix")
 
 
 def find(seconds: float = 2.5, at_least: int = 1) -> List[str]:
@@ -50,7 +52,8 @@ class NetworkClient(Client):
     """Keeps its copy of the memory by a thread of its own, which also repairs it and connects again when it must."""
 
     def __init__(self, host: str, timeout: float = 10.0, on_connection: Optional[Callable[[bool], None]] = None):
-        """`on_connection(True or False)` is called from the client's thread when the connection is there and gone."""
+        """`on_connection(True or False)` is called from the client's thread when the connection is there and gone; what
+        it raises goes to the log "tavrix"."""
         super().__init__()
         self.host, self._on_connection = host, on_connection
         self.mirror = Mirror()
@@ -80,17 +83,20 @@ class NetworkClient(Client):
     def _open(self, timeout):
         """Both sockets with one port number, the datagrams' first: no block is missed."""
         for attempt in range(20):
-            tcp, udp = socket.socket(), socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+            tcp = udp = None
             try:
+                tcp, udp = socket.socket(), socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
                 tcp.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
                 udp.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 20)
                 tcp.bind(("", 0))
                 udp.bind(("", tcp.getsockname()[1]))
                 break
-            except OSError:  # somebody else has the number for UDP
-                tcp.close(), udp.close()
+            except OSError as error:  # somebody else has the number for UDP
+                for each in (tcp, udp):
+                    if each is not None:
+                        each.close()
                 if attempt == 19:
-                    raise
+                    raise NoServer(f"{self.host}: the system gives no sockets: {error}") from None
         try:
             tcp.settimeout(timeout)
             tcp.connect((self._address, frames.PORT))
@@ -121,7 +127,7 @@ class NetworkClient(Client):
                 try:
                     if not self.closed:
                         self._open(3.0)
-                except NoServer:
+                except (NoServer, OSError):
                     continue
                 if self.closed:
                     self._drop()
@@ -132,10 +138,16 @@ class NetworkClient(Client):
                 self._receive()
             except (OSError, ValueError):  # closed meanwhile, or reset
                 self._drop()
+            except Exception:  # a system that has no more threads, say
+                _log.exception("%s: the connection is given up and tried again", self.host)
+                self._drop()
 
     def _tell(self, connected, told):
         if connected != told and self._on_connection is not None:
-            self._on_connection(connected)
+            try:
+                self._on_connection(connected)
+            except Exception:
+                _log.exception("on_connection(%s) has failed", connected)
         return connected
 
     def _receive(self):
@@ -150,7 +162,7 @@ class NetworkClient(Client):
                 try:
                     for _ in range(64):
                         datagram, sender = udp.recvfrom(65536)
-                        if sender[0] == self._address:
+                        if sender == (self._address, frames.SENDER_PORT):
                             changed |= self.mirror.take(datagram, now) != ()
                 except BlockingIOError:
                     pass
@@ -195,6 +207,10 @@ class NetworkClient(Client):
         return self._tcp is not None and self.mirror.complete
 
     @property
+    def _can_call_back(self):
+        return self.ready and self.mirror.has_frames
+
+    @property
     def age(self):
         """Seconds since the simulator's last frame was seen; above 1 what is read is old."""
         return self.mirror.age(time.monotonic())
@@ -220,17 +236,20 @@ class NetworkClient(Client):
         self._wait(lambda: self._changes != mark, timeout)
 
     def read_bytes(self, *places):
+        frames.check(places)
         with self._lock:
             return [bytes(self.mirror.memory[at:at + size]) for at, size in places]
 
     def write_bytes(self, *places):
-        self._send([frames.write_record(at, data) for at, data in places])
+        self._send(frames.write_records(places))
 
     def ask(self, offset):
         """Makes the server fill in what it fills in for who asks (`simulator_folder`); it comes with the changes."""
         self._send([frames.read_record(offset.offset, offset.size)])
 
     def _send(self, records):
+        if self.closed:
+            raise Disconnected("this client is closed")
         tcp = self._tcp
         if tcp is None:
             raise Disconnected(f"{self.host}: the connection is gone; it is tried again every {RECONNECT:g} s")

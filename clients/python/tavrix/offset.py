@@ -1,5 +1,6 @@
 """One named offset: where it stands, and how its bytes become a value and a value its bytes."""
 import enum
+import math
 import struct
 from typing import Generic, Optional, TypeVar
 
@@ -67,27 +68,35 @@ class Offset(Generic[Value]):
             if len(data) >= self.size:
                 raise ValueError(f"{self.name}: {value!r} is longer than {self.size - 1} bytes")
             return data.ljust(self.size, b"\0")
+        try:
+            number = float(value)
+        except (TypeError, ValueError, OverflowError):
+            number = math.nan
+        if not math.isfinite(number):
+            raise ValueError(f"{self.name}: {value!r} is no number that it can hold")
+        if (self.form == "Bits" or self.choices is not None) and not number.is_integer():
+            raise ValueError(f"{self.name}: takes whole numbers, not {value}")
         if self.form == "Bits":
             stored = int(value)
         elif self.form == "Flag":
             stored = 1 if value else 0
+        elif self.form == "Bcd":
+            stored = self._digits(value, number)
         else:
-            number = float(value)
             if self._full_turn:
                 number %= 360
                 number = number if number <= self.high else 0.0 if number > self.high + self.step / 2 else self.high
             slack = (self.step or 0) / 2
             below = self.low is not None and number < self.low - slack
             above = self.high is not None and number > self.high + slack
-            if number != number or (self.choices is None and (below or above)):
-                raise ValueError(f"{self.name}: {value} {self.unit} is not within {self.low:g} to {self.high:g}"
+            if self.choices is None and (below or above):
+                raise ValueError(f"{self._said(value)} is not within {self.low:g} to {self.high:g}"
                                  if self.low is not None and self.high is not None else
-                                 f"{self.name}: {value} {self.unit} is beyond what it takes")
-            if self.form == "Bcd":
-                digits = round((number - 100) * 100) if self.unit == "MHz" else round(number)
-                stored = int(f"{digits:04d}", 16)
-            elif self.type[0] == "f":
+                                 f"{self._said(value)} is beyond what it takes")
+            if self.type[0] == "f":
                 stored = (number - self.bias) * self.denominator / self.numerator
+                if math.isinf(stored):
+                    raise ValueError(f"{self.name}: {value} does not fit {self.type}")
             elif self.numerator == self.denominator == 1 and not self.bias:
                 stored = round(value)
             else:
@@ -96,8 +105,19 @@ class Offset(Generic[Value]):
                     stored = min(stored, 2 ** 63 - 1)
         try:
             return struct.pack(self._code, stored)
-        except struct.error:
+        except (struct.error, OverflowError):
             raise ValueError(f"{self.name}: {value} does not fit {self.type}") from None
+
+    def _said(self, value):
+        return f"{self.name}: {value} {self.unit}".rstrip()
+
+    def _digits(self, value, number):
+        """Four bits a digit. What does not fit behind the point is dropped, as radios show it: 118.025 is 118.02."""
+        shown = math.floor(((number - 100) * 100 if self.unit == "MHz" else number) + 1e-6)
+        most = round((self.high - 100) * 100) if self.unit == "MHz" else self.high
+        if not 0 <= shown <= 9999 or any(a > b for a, b in zip(f"{shown:04d}", f"{most:04d}")):  # 7777: octal digits
+            raise ValueError(f"{self._said(value)} is not within {self.low:g} to {self.high:g}, digit by digit")
+        return int(f"{shown:04d}", 16)
 
     def is_shown(self, wanted: bytes, shown: bytes) -> Optional[bool]:
         """Whether the bytes `shown` are what a server makes of the written bytes `wanted`; None when they never tell."""
@@ -113,4 +133,6 @@ class Offset(Generic[Value]):
         off = abs(present - written)
         if self.wraps or self._full_turn:
             off = min(off, abs(360 - off))
-        return off <= max(self.absolute, (self.step or 0) * 1.01) + self.share * abs(written)
+        is_scaled = self.numerator != self.denominator or self.bias
+        rounding = self.step * 1.01 if self.step and is_scaled else 0  # whole numbers come back as they are
+        return off <= max(self.absolute, rounding) + self.share * abs(written)

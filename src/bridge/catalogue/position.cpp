@@ -64,6 +64,7 @@ constexpr OffsetRow rows[] = {
      .source = Double<"sim/flightmodel/position/latitude">,
      .convert = LatitudeWord,
      .write = {.group = ApplyPosition},
+     .limits = {-quarterMeridian * twoTo32, quarterMeridian* twoTo32},
      .tolerance = {.steps = 48e6},
      .lossy = inLocalAxes,
      .note = "degrees x 10001750 x 2^32 / 90; moves the aircraft, with what else of the position is written"},

@@ -233,6 +233,7 @@ constexpr OffsetRow rows[] = {
      .source = Int<"sim/cockpit/radios/transponder_code">,
      .convert = ToBcd,
      .write = {.target = Int<"sim/cockpit/radios/transponder_code">, .convert = FromBcd},
+     .limits = {0, 0x7777},
      .lossy = digitLoss},
     {.offset = 0x6D8C,
      .type = Stored::U8,
