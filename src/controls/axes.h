@@ -56,6 +56,15 @@ struct AxisMove {
   uint32_t count = 0;
 };
 AxisMove LastAxisMove();
+// The same, and from now on moves count from where the axes stand.
+AxisMove WatchForAxisMove();
+// From now on the least and the largest of all readings of an axis are kept; of one that is not assigned
+// nothing is. NaN before the first reading.
+void FollowAxisEnds(const AxisInput& input);
+struct AxisEnds {
+  double low, high;
+};
+AxisEnds FollowedAxisEnds();
 
 // --- The joystick thread -------------------------------------------------------------------------------
 // One round, if a frame has asked for one since the last.
