@@ -28,7 +28,8 @@ std::string Took() {
 std::string TurnActive(int, bool on) {
   if (!WriteSetting(section, "Flap Settings", on ? "Active" : "Inactive")) return NotSaved();
   settings.flapsActive = on;
-  return Took();
+  const std::string took = Took();
+  return on ? took : saved;
 }
 
 std::string Detents(int) { return std::to_string(settings.flapDetents); }
