@@ -71,7 +71,7 @@ bool FinishCalibrating() {
   }
   // To three places, inwards: the axis must come to its ends.
   constexpr double noise = 0.01;
-  ends.low = std::ceil(ends.low * places - noise) / places;
+  ends.low = std::ceil(ends.low * places - noise) / places + 0.0;  // not "-0"
   ends.high = std::floor(ends.high * places + noise) / places;
   ends.centre = Placed((ends.low + ends.high) / 2);
   return true;
