@@ -106,9 +106,9 @@ void KeepInputs(const ControlState& before, const AxisAssignment& old, const Axi
       InputState& state = after->inputs[which];
       state = kept;
       state.waits = state.known = true;
-      state.acts = kept.acts && kept.gone;
+      state.acts = kept.acts && kept.waits;  // a device that was gone: the control glides when it is moved
       state.catches = false;
-      state.reference = kept.reading;
+      if (!kept.waits) state.reference = kept.reading;
       state.value = Deflect(next.tunes[which], next.travel, kept.reading);
       break;
     }
@@ -128,7 +128,9 @@ void TakePlan() {
     ControlState state;
     KeepInputs(states[i], inForce.controls[i], next.controls[i], &state);
     states[i] = state;
-    outputs[i] = {};
+    // What waits for its turn at the same place goes on.
+    const AxisAssignment &one = inForce.controls[i], &other = next.controls[i];
+    if (!std::equal(std::begin(one.targets), std::end(one.targets), other.targets)) outputs[i] = {};
   }
   inForce = next;
 }

@@ -11,7 +11,7 @@
 // when it is moved, and catches up, from rest to full within a second. With the first value of a control the
 // simulator's own joystick is taken off it by the bits of offset 0x310A; a bit that a client clears later stays
 // clear until the next enable. Bits that were off before are given back when the last axis that needs them is
-// no longer assigned, and at disable.
+// no longer assigned (but for one that a client has cleared meanwhile), and at disable.
 //
 // The room's own lock for axes is never held together with another one.
 #pragma once
