@@ -70,6 +70,7 @@ struct Staged {
   int64_t integer;       // the same for integer types
   const uint8_t* bytes;  // staged bytes, width of them
   uint32_t width;
+  bool own = false;  // no client's, but one of our own (DispatchOwnWrite)
 };
 
 // What a client's write does. Three forms: a target with a conversion, an `apply` function for this row

@@ -3,6 +3,7 @@
 // While slew or freeze is on, the simulator's own flight path is switched off (its path override). The
 // freeze holds the place over ground only: height and attitude stay free. Simulator's thread, no lock held.
 #pragma once
+#include <atomic>
 #include <cstdint>
 
 // What the rows of pushback ask of the room that tows, which stands above this one.
@@ -23,3 +24,6 @@ void ClearSlew();
 // Switches off those joystick and throttle overrides that a client's write at 0x310A switched on, and
 // stores 0 there. At disable, while the locks still exist.
 void ReleaseOverrides();
+// Bits that clients' writes to 0x310A have left off since whoever took them here last (the joystick axes, which
+// must not give back what is no longer theirs). Any thread.
+extern std::atomic<unsigned> overridesCleared;

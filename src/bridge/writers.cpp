@@ -31,11 +31,11 @@ bool IsUsable(Stored type, double number) {
   return (type != Stored::F32 && type != Stored::F64) || std::isfinite(number);
 }
 
-void Apply(const OffsetRow& row, const uint8_t* bytes, uint32_t width) {
+void Apply(const OffsetRow& row, const uint8_t* bytes, uint32_t width, bool own) {
   const double number = DecodeNumber(row.type, bytes);
   if (!IsUsable(row.type, number)) return;
   const WriteRule& write = row.write;
-  const Staged staged = {number, DecodeInteger(row.type, bytes), bytes, width};
+  const Staged staged = {number, DecodeInteger(row.type, bytes), bytes, width, own};
   if (ActsOn(ActingVariant(row))) {
     ApplyVariant(row, staged);
   } else if (write.apply != nullptr) {
@@ -51,17 +51,19 @@ void RunWriter(const Writer& writer) {
     return;
   }
   uint8_t bytes[256] = {};
+  bool own = false;
   {
     const SimulatorTurn turn;
     const LockScope lock(&offsetLock);
     if (pendingFlags.flags[writer.row->offset] == 0) return;
+    own = pendingFlags.flags[writer.row->offset] == byOwnWrite;
     pendingFlags.flags[writer.row->offset] = 0;
     std::memcpy(bytes, pendingValues.bytes + writer.row->offset, writer.width);
     // A refresh may have put the simulator's former value back meanwhile. A client that writes that very value
     // next must not find it there, as it is not the simulator's any more.
     if (writer.shows) std::memcpy(offsetMemory.bytes + writer.row->offset, bytes, writer.width);
   }
-  Apply(*writer.row, bytes, writer.width);
+  Apply(*writer.row, bytes, writer.width, own);
 }
 
 void ApplyStaged() {

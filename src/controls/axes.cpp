@@ -5,15 +5,15 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
+#include "base/locks.h"
 #include "base/log.h"
-#include "offsets/dispatcher.h"
-#include "offsets/memory.h"
+#include "controls/axis_writes.h"
 #include "platform/clock.h"
 
 namespace {
 
-constexpr uint32_t overrideOffset = 0x310A;
 constexpr int framesPerAsking = 120;
 constexpr float absent = std::numeric_limits<float>::quiet_NaN();
 
@@ -37,17 +37,17 @@ Plan plan;
 float told[maxAxes];   // readings: from the simulator, or, for windows, from the devices
 size_t toldCount;      // of them by the simulator
 unsigned overridesOn;  // the simulator's, as the last frame that was asked told them
+uint32_t toldPlan;     // the plan that was there then
 AxisMove lastMove;
+float baselines[maxAxes];  // of choosing by moving
+AxisInput followed;        // axis whose ends are wanted
+AxisEnds ends;
 
 std::atomic<uint32_t> roundDue;     // by a frame
 std::atomic<uint32_t> roundWanted;  // by the last round: something goes on though no reading changes
 std::atomic<uint32_t> isAskedFor;   // by a window
-std::atomic<unsigned> untried;      // overrides that a control may yet need, and askAnew
-constexpr unsigned askAnew = 0x100;
-
-// Under the offset lock.
-bool mayWrite;
-unsigned held;  // overrides that we have switched on
+std::atomic<unsigned> untried;      // overrides that a control may yet need
+std::atomic<uint32_t> newPlan;      // not in force yet
 
 // Simulator's thread.
 AllAxisSettings inFile;
@@ -63,13 +63,13 @@ struct InputState {
   bool gone = false;     // has given no reading for a while
   bool catches = false;  // is on its way from the value in force
   bool acts = false;     // has a value in force
+  bool known = false;    // had one before its control was assigned anew: it counts beside the other axis's
   int64_t silentSince = 0;
-  double reference = 0, value = 0;
+  double reference = 0, reading = 0, value = 0;
 };
 struct ControlState {
   InputState inputs[2];
   bool written = false;
-  double last = 0;  // what was written
   int detent = 0;
 };
 struct Device {
@@ -79,39 +79,69 @@ struct Device {
 
 Plan inForce;
 ControlState states[axisControlCount];
+AxisOutput outputs[axisControlCount];
 Device devices[axisJoysticks];
 float readings[maxAxes];
-float baselines[maxAxes];  // of choosing by moving
 bool wasAskedFor;
 int64_t lastRound;
 unsigned tried;  // overrides that have been asked for
 
-struct Write {
-  size_t control;
-  double number;
-};
 struct Round {
   int64_t now;
   double elapsed;  // seconds
   bool goesOn = false;
   std::string gone[axisJoysticks], back[axisJoysticks];  // names of controls
-  Write writes[axisControlCount];
-  size_t writeCount = 0;
-  unsigned overrides = 0;  // that the controls need from now on
+  unsigned overrides = 0;                                // that the controls need from now on
 };
 
+// An axis that a control keeps when it is assigned anew: where it stands is known, in the new terms; it takes
+// over when it is moved.
+void KeepInputs(const ControlState& before, const AxisAssignment& old, const AxisAssignment& next,
+                ControlState* after) {
+  after->detent = before.detent;
+  for (size_t which = 0; which < 2; ++which) {
+    for (size_t former = 0; former < 2; ++former) {
+      const InputState& kept = before.inputs[former];
+      if (next.inputs[which] != old.inputs[former] || !(kept.acts || kept.known)) continue;
+      InputState& state = after->inputs[which];
+      state = kept;
+      state.waits = state.known = true;
+      state.acts = kept.acts && kept.waits;  // a device that was gone: the control glides when it is moved
+      state.catches = false;
+      if (!kept.waits) state.reference = kept.reading;
+      state.value = Deflect(next.tunes[which], next.travel, kept.reading);
+      break;
+    }
+  }
+}
+
+// Once the overrides have been told that are on since it was made.
 void TakePlan() {
   Plan next;
   {
     const LockScope lock(&axisLock);
-    if (plan.number == inForce.number) return;
+    if (plan.number == inForce.number || toldPlan != plan.number) return;
     next = plan;
   }
   for (size_t i = 0; i < axisControlCount; ++i) {
     if (next.controls[i] == inForce.controls[i]) continue;
-    states[i] = {};
+    ControlState state;
+    KeepInputs(states[i], inForce.controls[i], next.controls[i], &state);
+    states[i] = state;
+    // What waits for its turn at the same place goes on.
+    const AxisAssignment &one = inForce.controls[i], &other = next.controls[i];
+    if (!std::equal(std::begin(one.targets), std::end(one.targets), other.targets)) outputs[i] = {};
   }
   inForce = next;
+}
+
+// After each reading, under the lock.
+void FollowEnds() {
+  if (!IsAssigned(followed)) return;
+  const double reading = static_cast<double>(told[PlaceOf(followed)]);
+  if (!IsReading(reading)) return;
+  ends.low = std::fmin(ends.low, reading);
+  ends.high = std::fmax(ends.high, reading);
 }
 
 void ReadDevices(Round* round) {
@@ -137,6 +167,7 @@ void ReadDevices(Round* round) {
     }
     const LockScope lock(&axisLock);
     std::copy(std::begin(readings), std::end(readings), told);
+    FollowEnds();
   } else {
     const LockScope lock(&axisLock);
     std::copy(std::begin(told), std::end(told), readings);
@@ -145,18 +176,18 @@ void ReadDevices(Round* round) {
 
 // Which axis a person moves, for windows.
 void WatchMoves() {
-  const bool isAsked = isAskedFor.load() != 0;
-  if (isAsked && !wasAskedFor) std::fill(std::begin(baselines), std::end(baselines), absent);
+  const bool isAsked = isAskedFor.load() != 0, isNew = isAsked && !wasAskedFor;
   wasAskedFor = isAsked;
   if (!isAsked) return;
+  const LockScope lock(&axisLock);
+  if (isNew) std::fill(std::begin(baselines), std::end(baselines), absent);
   for (int place = 0; place < maxAxes; ++place) {
-    const float reading = readings[place];
+    const float reading = told[place];
     float& baseline = baselines[place];
     if (!IsReading(static_cast<double>(reading))) continue;
     if (std::isnan(baseline)) baseline = reading;
     if (std::fabs(static_cast<double>(reading - baseline)) < choosingMove) continue;
     baseline = reading;
-    const LockScope lock(&axisLock);
     lastMove = {{place / axesOfJoystick, place % axesOfJoystick}, lastMove.count + 1};
   }
 }
@@ -184,7 +215,7 @@ bool Follow(size_t control, size_t which, Round* round) {
     AddName(&round->gone[input.joystick], control);
     return false;
   }
-  state.silentSince = 0;
+  const bool wasSilent = std::exchange(state.silentSince, 0) != 0;
   if (state.gone) AddName(&round->back[input.joystick], control);
   state.gone = false;
   if (!state.seen) state.reference = reading;
@@ -194,13 +225,17 @@ bool Follow(size_t control, size_t which, Round* round) {
     const double way = tune.calibration.high - tune.calibration.low;
     if (std::fabs(reading - state.reference) < takeOverMove * way) return false;
     state.waits = false;
+    state.reading = reading;
     if (state.acts) {  // from what it has left in force, beginning with the next round
       state.catches = round->goesOn = true;
       return true;
     }
     state.acts = true;
+    state.value = Deflect(tune, assignment.travel, reading);
   }
+  state.reading = reading;
   const double deflection = Deflect(tune, assignment.travel, reading);
+  if (wasSilent) state.catches = true;  // nobody knows what it did meanwhile
   if (state.catches) {
     const double step = catchUpRate * round->elapsed;
     state.value += std::clamp(deflection - state.value, -step, step);
@@ -214,8 +249,8 @@ bool Follow(size_t control, size_t which, Round* round) {
 
 double ValueInForce(const ControlState& state, Travel travel) {
   const InputState &own = state.inputs[0], &combined = state.inputs[1];
-  if (!combined.acts) return own.value;
-  return Combine(travel, own.acts ? own.value : 0, combined.value);
+  if (!combined.acts && !combined.known) return own.value;
+  return Combine(travel, own.acts || own.known ? own.value : 0, combined.value);
 }
 
 void FollowControl(size_t control, Round* round) {
@@ -232,60 +267,28 @@ void FollowControl(size_t control, Round* round) {
   }
   const AxisTarget& target = assignment.targets[0];
   const double number = NumberOf(target, assignment.travel, deflection);
-  if (state.written && !IsNews(target, state.last, number)) return;
+  AxisOutput& output = outputs[control];
+  if (state.written && !IsNews(target, output.number, number)) return;
   state.written = true;
-  state.last = Rounded(target, number);
-  round->writes[round->writeCount++] = {control, state.last};
+  output.number = Rounded(target, number);
+  output.due = (1u << assignment.targetCount) - 1;
   round->overrides |= assignment.overrides & ~tried;
 }
 
-// As a client's request does it; the offset lock is held.
-void WriteBytes(uint32_t offset, uint32_t size, const uint8_t* bytes, RequestMarks* marks) {
-  DispatchWrite(offset, size, bytes, marks);
-  std::memcpy(offsetMemory.bytes + offset, bytes, size);
-}
-
-// Switches overrides on and off at their offset. A write there sets all four: those that are on by somebody
-// else's doing stay on.
-void WriteOverrides(unsigned on, unsigned off, unsigned foreign, RequestMarks* marks) {
-  uint8_t present = 0;
-  CopyLatest(overrideOffset, 1, &present);
-  const unsigned before = present | (foreign & ~off);
-  held |= on & ~before;
-  const auto byte = static_cast<uint8_t>((before | on) & ~off);
-  if (byte != present) WriteBytes(overrideOffset, 1, &byte, marks);
-}
-
-void WriteAll(const Round& round) {
-  unsigned needed = 0, foreign = 0;
+void WriteAll(Round* round) {
+  OverrideChange change;
   for (const AxisAssignment& control : inForce.controls) {
-    if (control.targetCount > 0) needed |= control.overrides;
+    if (control.targetCount > 0) change.needed |= control.overrides;
   }
-  const bool returns = (tried & ~needed) != 0;
-  tried = (tried & needed) | round.overrides;
-  untried = needed & ~tried;
-  if (round.writeCount == 0 && !returns) return;
-  {
+  change.taken = round->overrides;
+  change.isDue = round->overrides != 0 || (tried & ~change.needed) != 0;
+  tried = (tried & change.needed) | round->overrides;
+  untried = change.needed & ~tried;
+  if (change.isDue) {
     const LockScope lock(&axisLock);
-    foreign = overridesOn;
+    change.present = overridesOn;
   }
-  RequestMarks marks = {};
-  {
-    const ServerLockScope lock;
-    if (!mayWrite) return;
-    const unsigned returned = held & ~needed;
-    held &= needed;
-    if (returned != 0 || round.overrides != 0) WriteOverrides(round.overrides, returned, foreign, &marks);
-    for (size_t i = 0; i < round.writeCount; ++i) {
-      const AxisAssignment& control = inForce.controls[round.writes[i].control];
-      uint8_t bytes[8];
-      EncodeNumber(control.targets[0], round.writes[i].number, bytes);
-      for (int k = 0; k < control.targetCount; ++k) {
-        WriteBytes(control.targets[k].offset, control.targets[k].size, bytes, &marks);
-      }
-    }
-  }
-  FinishRequest(marks);
+  if (WriteAxes(inForce.controls, outputs, change)) round->goesOn = true;
 }
 
 void TellGone(const Round& round) {
@@ -302,6 +305,7 @@ void TellGone(const Round& round) {
 void ForgetThreadState() {
   inForce = {};
   std::fill(std::begin(states), std::end(states), ControlState{});
+  std::fill(std::begin(outputs), std::end(outputs), AxisOutput{});
   std::fill(std::begin(devices), std::end(devices), Device{});
   std::fill(std::begin(readings), std::end(readings), absent);
   wasAskedFor = false;
@@ -320,11 +324,12 @@ void TellShared(const Plan& made) {
     for (size_t k = 0; k < i; ++k) {
       const AxisAssignment &one = made.controls[k], &other = made.controls[i];
       const bool shared = std::any_of(one.targets, one.targets + one.targetCount, [&](const AxisTarget& a) {
-        return std::any_of(other.targets, other.targets + other.targetCount,
-                           [&](const AxisTarget& b) { return a.offset == b.offset; });
+        return std::any_of(other.targets, other.targets + other.targetCount, [&](const AxisTarget& b) {
+          return a.offset < b.offset + b.size && b.offset < a.offset + a.size;
+        });
       });
       if (shared)
-        LogOwn("TAVRIX->The axes %s and %s move the same offset: the one that is moved last counts\n",
+        LogOwn("TAVRIX->The axes %s and %s move the same bytes: the one that is moved last counts\n",
                NameOfControl(k).c_str(), NameOfControl(i).c_str());
     }
   }
@@ -338,14 +343,13 @@ bool CreateAxes() {
   std::fill(std::begin(told), std::end(told), absent);
   toldCount = 0;
   overridesOn = 0;
+  toldPlan = 0;
   lastMove.input = {};
+  std::fill(std::begin(baselines), std::end(baselines), absent);
+  followed = {};
   roundDue = roundWanted = isAskedFor = 0;
-  untried = 0;
-  {
-    const LockScope lock(&offsetLock);
-    mayWrite = true;
-    held = 0;
-  }
+  untried = newPlan = 0;
+  BeginAxisWrites();
   for (size_t control = 0; control < axisControlCount; ++control)
     inFile[control] = DefaultAxisSettings(control);
   anyAssigned = false;
@@ -360,32 +364,21 @@ void DeleteAxes() {
   askedFrames = 0;
 }
 
-void StopAxisWrites() {
-  const LockScope lock(&offsetLock);
-  mayWrite = false;
-  // What still waits must not take them at the next enable.
-  if (pendingFlags.flags[overrideOffset] != 0)
-    pendingValues.bytes[overrideOffset] &= static_cast<uint8_t>(~held);
-}
-
 void LoadAxisAssignments() {
   ReadAxisSettings(inFile);
   Plan made;
-  unsigned overrides = askAnew;
   const bool anyBefore = anyAssigned;
   anyAssigned = false;
   for (size_t control = 0; control < axisControlCount; ++control) {
     made.controls[control] = MakeAssignment(control, inFile[control]);
-    if (made.controls[control].targetCount == 0) continue;
-    anyAssigned = true;
-    overrides |= made.controls[control].overrides;
+    if (made.controls[control].targetCount > 0) anyAssigned = true;
   }
   TellShared(made);
   if (!anyAssigned && !anyBefore) return;
-  untried = overrides;
   const LockScope lock(&axisLock);
   made.number = plan.number + 1;
   plan = made;
+  newPlan = 1;
   roundWanted = 1;  // a control may have gone
 }
 
@@ -402,13 +395,18 @@ bool WantsAxes() {
   return anyAssigned || askedFrames > 0 || roundWanted.load(std::memory_order_relaxed) != 0;
 }
 
-bool WantsAxisOverrides() { return untried.load(std::memory_order_relaxed) != 0; }
+bool WantsAxisOverrides() {
+  return untried.load(std::memory_order_relaxed) != 0 || newPlan.load(std::memory_order_relaxed) != 0;
+}
 
 bool WatchAxes(std::span<const float> given, int overrides) {
   bool changed = roundWanted.exchange(0) != 0 || systemHasJoysticks;
   {
     const LockScope lock(&axisLock);
-    if (overrides != overridesNotTold) overridesOn = static_cast<unsigned>(overrides);
+    if (overrides != overridesNotTold) {
+      overridesOn = static_cast<unsigned>(overrides);
+      toldPlan = plan.number;
+    }
     if constexpr (!systemHasJoysticks) {
       const size_t count = std::min(given.size(), static_cast<size_t>(maxAxes));
       // Bytes, as a reading that is no number counts as the same as before, too.
@@ -421,6 +419,7 @@ bool WatchAxes(std::span<const float> given, int overrides) {
         toldCount = count;
         changed = true;
       }
+      FollowEnds();
     }
   }
   if (changed) roundDue = 1;
@@ -440,6 +439,24 @@ AxisMove LastAxisMove() {
   return lastMove;
 }
 
+AxisMove WatchForAxisMove() {
+  AskForAxes();
+  const LockScope lock(&axisLock);
+  std::copy(std::begin(told), std::end(told), baselines);
+  return lastMove;
+}
+
+void FollowAxisEnds(const AxisInput& input) {
+  const LockScope lock(&axisLock);
+  followed = input;
+  ends = {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};
+}
+
+AxisEnds FollowedAxisEnds() {
+  const LockScope lock(&axisLock);
+  return ends;
+}
+
 void RunAxisRound() {
   if (roundDue.exchange(0) == 0) return;
   Round round;
@@ -451,7 +468,9 @@ void RunAxisRound() {
   ReadDevices(&round);
   WatchMoves();
   for (size_t control = 0; control < axisControlCount; ++control) FollowControl(control, &round);
-  WriteAll(round);
+  WriteAll(&round);
   TellGone(round);
   if (round.goesOn) roundWanted = 1;
+  const LockScope lock(&axisLock);
+  if (plan.number == inForce.number) newPlan = 0;
 }

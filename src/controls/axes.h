@@ -11,7 +11,7 @@
 // when it is moved, and catches up, from rest to full within a second. With the first value of a control the
 // simulator's own joystick is taken off it by the bits of offset 0x310A; a bit that a client clears later stays
 // clear until the next enable. Bits that were off before are given back when the last axis that needs them is
-// no longer assigned, and at disable.
+// no longer assigned (but for one that a client has cleared meanwhile), and at disable.
 //
 // The room's own lock for axes is never held together with another one.
 #pragma once
@@ -56,6 +56,15 @@ struct AxisMove {
   uint32_t count = 0;
 };
 AxisMove LastAxisMove();
+// The same, and from now on moves count from where the axes stand.
+AxisMove WatchForAxisMove();
+// From now on the least and the largest of all readings of an axis are kept; of one that is not assigned
+// nothing is. NaN before the first reading.
+void FollowAxisEnds(const AxisInput& input);
+struct AxisEnds {
+  double low, high;
+};
+AxisEnds FollowedAxisEnds();
 
 // --- The joystick thread -------------------------------------------------------------------------------
 // One round, if a frame has asked for one since the last.

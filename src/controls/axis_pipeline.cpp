@@ -9,7 +9,10 @@
 namespace {
 
 constexpr double floatSteps = 32768;
-constexpr double detentReach = 0.4;  // of the way to the neighbour
+constexpr double newsDistance = 0.6;  // steps
+constexpr double detentReach = 0.4;   // of the way to the neighbour
+// Decimal fractions are not exact: 0.12 lies less than 0.02 above 0.1.
+constexpr double inexact = 1e-9;
 
 // Without a step at the zone's edge, and full at the end.
 double Beyond(double deflection, double nullZone) {
@@ -61,8 +64,12 @@ double NumberOf(const AxisTarget& target, Travel travel, double deflection) {
 }
 
 bool IsNews(const AxisTarget& target, double last, double number) {
-  const double step = target.type == NumberType::Float ? std::fabs(target.high - target.low) / floatSteps : 1;
-  if (std::fabs(number - last) >= step) return true;
+  const double distance = std::fabs(number - last);
+  if (target.type == NumberType::Float) {
+    if (distance >= std::fabs(target.high - target.low) / floatSteps) return true;
+  } else if (distance > newsDistance) {
+    return true;
+  }
   return (number == target.low || number == target.high || number == 0) && number != last;
 }
 
@@ -91,22 +98,26 @@ const char* PlaceDetents(std::span<const FlapDetent> detents, DetentBounds (&bou
     SpaceEvenly(count, bounds);
     return why;
   };
+  const auto given = [](const FlapDetent& detent, int which) {
+    return detent.count > which && !std::isnan(detent.values[which]);
+  };
+  const auto reach = [](double way) { return std::min(detentReach * way, (way - leastDetentGap) / 2); };
   for (int i = 0; i < count; ++i) {
     const FlapDetent& detent = detents[static_cast<size_t>(i)];
-    positions[i] = detent.count > 0 ? detent.values[0] : static_cast<double>(i) / (count - 1);
+    positions[i] = given(detent, 0) ? detent.values[0] : static_cast<double>(i) / (count - 1);
     if (!(positions[i] >= 0 && positions[i] <= 1)) return fail("a detent's position is from 0 to 1");
-    if (i > 0 && positions[i] - positions[i - 1] < 2 * leastDetentGap)
+    if (i > 0 && positions[i] - positions[i - 1] < 2 * leastDetentGap - inexact)
       return fail("each detent lies at least 0.02 above the one before");
   }
   for (int i = 0; i < count; ++i) {
     const FlapDetent& detent = detents[static_cast<size_t>(i)];
     const double below = i > 0 ? positions[i] - positions[i - 1] : 1;
     const double above = i + 1 < count ? positions[i + 1] - positions[i] : 1;
-    bounds[i] = {detent.count > 1 ? detent.values[1] : positions[i] - detentReach * below,
-                 detent.count > 2 ? detent.values[2] : positions[i] + detentReach * above};
+    bounds[i] = {given(detent, 1) ? detent.values[1] : positions[i] - reach(below),
+                 given(detent, 2) ? detent.values[2] : positions[i] + reach(above)};
     if (!(bounds[i].lower <= positions[i] && bounds[i].upper >= positions[i]))
       return fail("a detent's bounds enclose its position");
-    if (i > 0 && bounds[i].lower - bounds[i - 1].upper < leastDetentGap)
+    if (i > 0 && bounds[i].lower - bounds[i - 1].upper < leastDetentGap - inexact)
       return fail("between the bounds of two detents a gap of 0.01 is needed");
   }
   return nullptr;

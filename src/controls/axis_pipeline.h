@@ -55,8 +55,9 @@ struct AxisTarget {
 
 // The target's number for a deflection, not rounded yet.
 double NumberOf(const AxisTarget& target, Travel travel, double deflection);
-// Whether the number is news after `last`, the one that was written: a whole step of the encoding away (for a
-// float 1/32768 of its way), or at an end. So jitter of less than half a step to either side is silent.
+// Whether the number is news after `last`, the one that was written: for an integer more than 0.6 away, which
+// is a tenth behind the place where rounding changes, so that trembling there is silent and a lever that comes
+// close to an end reaches it; for a float a 32768th of its way; or at an end or at rest.
 bool IsNews(const AxisTarget& target, double last, double number);
 // As it is stored: integers rounded to the nearest. Of what EncodeNumber stores and IsNews compares with.
 double Rounded(const AxisTarget& target, double number);
@@ -70,9 +71,10 @@ struct DetentBounds {
   bool operator==(const DetentBounds&) const = default;
 };
 constexpr double leastDetentGap = 0.01;
-// The bounds of `count` detents from the settings: each has its position, and perhaps lower and upper bound; an
-// empty one lies where even spacing puts it. Without bounds a detent reaches two fifths of the way to its
-// neighbour. Returns null, or in words that follow a colon why they cannot be used; `bounds` are even then.
+// The bounds of `count` detents from the settings: each has its position, and perhaps lower and upper bound;
+// what is missing (NaN) lies where it does by default: a position where even spacing puts it, a bound two
+// fifths of the way to the neighbour, or less where the gap needs it. Returns null, or in words that follow a
+// colon why they cannot be used; `bounds` are even then.
 const char* PlaceDetents(std::span<const FlapDetent> detents, DetentBounds (&bounds)[maxFlapDetents]);
 // The detent (from 0) that the lever is in, coming from `present`.
 int NextDetent(std::span<const DetentBounds> bounds, int present, double lever);

@@ -144,7 +144,9 @@ std::string InputText(const AxisSettings& from) {
 
 template <size_t which>
 std::string TakeInversion(std::string_view text, AxisSettings* into) {
-  into->inverted[which] = ParseYesNo(text);
+  const bool isYes = ParseYesNo(text);
+  if (!isYes && !text.empty() && text != "No" && text != "NO" && text != "no") return "it is Yes or No";
+  into->inverted[which] = isYes;
   return "";
 }
 template <size_t which>
@@ -370,14 +372,32 @@ void ReadAxisSettings(AllAxisSettings& all) {
            settings.toeBrakeNullZone);
 }
 
+std::string FaultOfAxisSettings(size_t control, const AxisSettings& given) {
+  for (const KeyRow& row : keyRows) {
+    if ((row.roles & RoleBit(controls[control].role)) == 0) continue;
+    AxisSettings read = given;
+    const std::string fault = row.take(row.text(given), &read);
+    if (!fault.empty()) return NameOfKey(control, row) + ": " + fault;
+  }
+  return "";
+}
+
 bool WriteAxisSettings(size_t control, const AxisSettings& before, const AxisSettings& now) {
   const int64_t time = MonotonicNanoseconds();
+  const AxisSettings byDefault = DefaultAxisSettings(control);
   bool written = true;
   for (size_t key = 0; key < keyCount; ++key) {
+    if (!HasKey(control, static_cast<AxisKey>(key))) continue;
     const KeyRow& row = keyRows[key];
-    const std::string value = row.text(now);
-    if (!HasKey(control, static_cast<AxisKey>(key)) || value == row.text(before)) continue;
-    written = KeepSetting(section, NameOfKey(control, row).c_str(), value.c_str(), time) && written;
+    const std::string value = row.text(now), name = NameOfKey(control, row);
+    char inFile[maxSettingValue + 1];
+    if (ReadSetting(section, name.c_str(), inFile, sizeof inFile) >= 0) {
+      AxisSettings read = byDefault;
+      if (row.take(Trim(inFile), &read).empty() && row.text(read) == value) continue;
+    } else if (value == row.text(byDefault) && value == row.text(before)) {
+      continue;
+    }
+    written = KeepSetting(section, name.c_str(), value.c_str(), time) && written;
   }
   return SaveWaitingSettings() && written;
 }

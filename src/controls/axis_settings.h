@@ -82,7 +82,11 @@ AxisSettings DefaultAxisSettings(size_t control);
 using AllAxisSettings = AxisSettings[axisControlCount];
 // Reads the keys of all controls; a text that cannot be used gets a log line, and the key its default.
 void ReadAxisSettings(AllAxisSettings& all);
-// Writes the keys that differ, in one rewrite of the file. Returns true, or false (a log line tells why).
+// Why settings would not be read back as they stand, in words for the user; "" when they would.
+std::string FaultOfAxisSettings(size_t control, const AxisSettings& given);
+// Makes the file hold what stands in `now`, in one rewrite, whatever it held; keys that say so already, or that
+// are missing and at their default (and were so `before`, when the file was read), stay as they are. Returns
+// true, or false (a log line tells why).
 bool WriteAxisSettings(size_t control, const AxisSettings& before, const AxisSettings& now);
 
 // What settings make of a reading: how the control moves, and the tune of each of its axes.

@@ -105,6 +105,7 @@ struct CustomCommandEnd {
 struct CustomCommandWrite {
   const CustomCommandEntry* entry;
   double value;
+  uint32_t ticket = 0;  // of an own write
 };
 
 // A refreshed entry and the bytes of its value in this run.

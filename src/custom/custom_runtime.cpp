@@ -114,20 +114,29 @@ size_t Find(const std::vector<Key>& keys, Key key) {
   return found != keys.end() && *found == key ? static_cast<size_t>(found - keys.begin()) : keys.size();
 }
 
+// Clients' writes have no ticket.
+void NoteLost(uint32_t* lost, uint32_t ticket) {
+  if (ticket != 0) *lost = ticket;
+}
+
 // A client writes `data`, as many bytes as the entry is wide, before they are copied into the memory. Offset
 // lock held.
-void WriteOffset(const CustomOffsetEntry& entry, const uint8_t* data) {
-  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
+void WriteOffset(const CustomOffsetEntry& entry, const uint8_t* data, uint32_t ticket) {
+  if (ticket == 0 && std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
   if (entry.access == CustomAccess::Read || entry.writeTarget == nullptr) return;
-  pendingWrite = {entry.writeTarget, entry.write, DecodeCustomValue(entry.type, data)};
+  if (pendingWrite.offset != entry.offset) NoteLost(&lostWriteTicket, pendingWrite.ticket);
+  pendingWrite = {entry.writeTarget, entry.write, DecodeCustomValue(entry.type, data), entry.offset, ticket};
   customPending.store(1, std::memory_order_relaxed);
 }
 
-void WriteCommand(const CustomCommandEntry& entry, const uint8_t* data) {
-  if (std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
+void WriteCommand(const CustomCommandEntry& entry, const uint8_t* data, uint32_t ticket) {
+  if (ticket == 0 && std::memcmp(data, offsetMemory.bytes + entry.offset, entry.size) == 0) return;
   const CustomTables& tables = *publishedTables.load(std::memory_order_relaxed);
-  if (pendingCommand.entry != nullptr && pendingCommand.entry != &entry) KeepEnds(tables, pendingCommand);
-  pendingCommand = {&entry, DecodeCustomValue(entry.type, data)};
+  if (pendingCommand.entry != nullptr && pendingCommand.entry != &entry) {
+    KeepEnds(tables, pendingCommand);
+    NoteLost(&lostCommandTicket, pendingCommand.ticket);
+  }
+  pendingCommand = {&entry, DecodeCustomValue(entry.type, data), ticket};
   tables.ends[PlaceOf(tables, entry)].waiting = false;  // the newer write of the same offset decides
   customPending.store(1, std::memory_order_relaxed);
 }
@@ -270,7 +279,7 @@ const CustomCommandEntry* FindCustomCommand(uint32_t offset) {
   return found < tables->commands.size() ? &tables->commands[found] : nullptr;
 }
 
-CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t supplied) {
+CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t supplied, uint32_t ticket) {
   assert(HoldsLock(&offsetLock));
   if (publishedTables.load(std::memory_order_relaxed) == nullptr) return {};
   uint8_t value[8];
@@ -282,14 +291,32 @@ CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t su
   };
   CustomOutcome outcome = {};
   if (const CustomCommandEntry* command = FindCustomCommand(offset)) {
-    WriteCommand(*command, take(command->offset, command->size));
+    WriteCommand(*command, take(command->offset, command->size), ticket);
     outcome.commandSize = command->size;
   }
   const CustomOffsetEntry* entry = FindCustomOffset(offset);
   if (entry == nullptr || entry->size == 0) return outcome;
-  WriteOffset(*entry, take(entry->offset, entry->size));
+  WriteOffset(*entry, take(entry->offset, entry->size), ticket);
   outcome.offsetSize = entry->size;
   return outcome;
+}
+
+bool IsCustomTurnTaken(uint32_t offset, uint32_t size) {
+  assert(HoldsLock(&offsetLock));
+  if (pendingWrite.target == nullptr && pendingCommand.entry == nullptr) return false;
+  for (uint32_t at = offset; at < offset + size; ++at) {
+    const CustomCommandEntry* command = FindCustomCommand(at);
+    if (command != nullptr && pendingCommand.entry != nullptr && pendingCommand.entry != command) return true;
+    const CustomOffsetEntry* entry = FindCustomOffset(at);
+    if (entry != nullptr && pendingWrite.target != nullptr && pendingWrite.offset != entry->offset) return true;
+  }
+  return false;
+}
+
+TicketState LookAfterCustomTicket(uint32_t ticket) {
+  assert(HoldsLock(&offsetLock));
+  if (pendingWrite.ticket == ticket || pendingCommand.ticket == ticket) return TicketState::Waits;
+  return lostWriteTicket == ticket || lostCommandTicket == ticket ? TicketState::Replaced : TicketState::Done;
 }
 
 void ApplyPendingCustomWrites() {

@@ -13,6 +13,8 @@ struct PendingCustomWrite {
   const CustomDatarefEntry* target;  // null: nothing pending
   Expression expression;
   double input;  // the written value
+  uint32_t offset;
+  uint32_t ticket;  // of an own write, else 0
 };
 
 // Owned by the simulator's thread; null before the first load and while there is nothing.
@@ -25,6 +27,9 @@ extern std::atomic<const CustomTables*> publishedTables;
 // Under the offset lock.
 extern PendingCustomWrite pendingWrite;
 extern CustomCommandWrite pendingCommand;  // entry null: nothing pending
+// Of the own writes that lost their turn last: to another offset's write, to another command's, or with the
+// tables.
+extern uint32_t lostWriteTicket, lostCommandTicket;
 // Raised under the offset lock with either pending slot, so that frames without any pass without the lock.
 extern std::atomic<uint32_t> customPending;
 // How much of the published tables' `endList` is in use. Under the offset lock.
@@ -33,8 +38,11 @@ extern uint32_t customEndCount;
 // For the dispatcher (CustomHooks). Any thread, offset lock held.
 // A client writes at an offset. Bytes that are already there do nothing; else the write or the command waits
 // for ApplyPendingCustomWrites, replacing one that waits already. A command that is replaced by that of another
-// offset still ends what it would have ended.
-CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t supplied);
+// offset still ends what it would have ended. An own write (`ticket` not 0) counts also when the bytes are
+// there.
+CustomOutcome OfferCustomWrite(uint32_t offset, const uint8_t* data, uint32_t supplied, uint32_t ticket);
+bool IsCustomTurnTaken(uint32_t offset, uint32_t size);
+TicketState LookAfterCustomTicket(uint32_t ticket);
 // A client asks for the file to be read again: the tables are withdrawn at once, the simulator's thread
 // loads them in the next frame. Within a second after a client's last load the tables stay in use until the
 // second is over: then one load serves all who asked. Writes at customClearOffset have a log line of their own,

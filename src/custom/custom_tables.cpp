@@ -27,6 +27,7 @@ size_t customFaultyLines;
 std::atomic<const CustomTables*> publishedTables;
 PendingCustomWrite pendingWrite;
 CustomCommandWrite pendingCommand;
+uint32_t lostWriteTicket, lostCommandTicket;
 std::atomic<uint32_t> customPending;
 uint32_t customEndCount;
 
@@ -187,6 +188,8 @@ void LookUpActions(CustomTables* tables) {
 // Makes the tables unreachable and forgets what points into them. Offset lock held.
 void Withdraw() {
   publishedTables = nullptr;
+  if (pendingWrite.ticket != 0) lostWriteTicket = pendingWrite.ticket;
+  if (pendingCommand.ticket != 0) lostCommandTicket = pendingCommand.ticket;
   pendingWrite = {};
   pendingCommand = {};
   customEndCount = 0;
@@ -298,5 +301,8 @@ void TakeCustomReload() {
 }
 
 void ConnectCustomOffsets() {
-  ConnectDispatcher({.offer = OfferCustomWrite, .requestReload = RequestCustomReload});
+  ConnectDispatcher({.offer = OfferCustomWrite,
+                     .isTaken = IsCustomTurnTaken,
+                     .lookAfter = LookAfterCustomTicket,
+                     .requestReload = RequestCustomReload});
 }

@@ -21,9 +21,9 @@ struct DispatchEntry {
 };
 DispatchEntry table[offsetMemorySize];  // one entry an offset: no search
 
-void Raise(uint32_t offset, const uint8_t* bytes, uint32_t width) {
+void Raise(uint32_t offset, const uint8_t* bytes, uint32_t width, uint32_t by) {
   std::memcpy(pendingValues.bytes + offset, bytes, width);
-  pendingFlags.flags[offset] = 1;
+  pendingFlags.flags[offset] = by;
   anythingPending.store(1, std::memory_order_relaxed);
 }
 
@@ -43,36 +43,22 @@ void ForEntriesWithin(uint32_t offset, uint32_t size, See see) {
   }
 }
 
-CustomHooks customHooks = {[](uint32_t, const uint8_t*, uint32_t) { return CustomOutcome{}; }, [](uint32_t) {}};
+CustomHooks customHooks = {
+    .offer = [](uint32_t, const uint8_t*, uint32_t, uint32_t) { return CustomOutcome{}; },
+    .isTaken = [](uint32_t, uint32_t) { return false; },
+    .lookAfter = [](uint32_t) { return TicketState::Done; },
+    .requestReload = [](uint32_t) {},
+};
 
-}  // namespace
+uint32_t lastTicket;  // under the offset lock
 
-void ConnectDispatcher(const CustomHooks& hooks) { customHooks = hooks; }
-
-void ClearRequestMarks() {
-  weatherBlockReady = 0;
-  relayRecordStore.waiting = 0;
-  clientEntryWritten = 0;
-  atcTexts.changed = 0;
-}
-
-void ResetDispatchTable() {
-  ClearRequestMarks();
-  for (DispatchEntry& entry : table) entry = {DispatchAction::None, 0, false};
-}
-
-void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action) {
-  table[offset] = {action, static_cast<uint8_t>(std::min(width, maxWidth)), false};
-  ForEntriesWithin(offset, table[offset].width, [offset](uint32_t other) {
-    if (other != offset) table[other].overlapped = table[offset].overlapped = true;
-  });
-}
-
-bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks) {
+// A ticket other than 0: a write of our own.
+bool Walk(uint32_t offset, uint32_t size, const uint8_t* data, uint32_t ticket, RequestMarks* marks) {
+  const uint32_t by = ticket != 0 ? byOwnWrite : byClient;
   uint32_t done = 0;
   while (done < size) {
     const uint32_t at = offset + done;
-    const CustomOutcome custom = customHooks.offer(at, data + done, size - done);
+    const CustomOutcome custom = customHooks.offer(at, data + done, size - done, ticket);
     if (custom.offsetSize != 0) {
       done += custom.offsetSize;
       continue;
@@ -110,7 +96,7 @@ bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestM
 
     switch (entry.action) {
       case DispatchAction::StageAlways:
-        Raise(at, value, width);
+        Raise(at, value, width, by);
         break;
       case DispatchAction::AtcNumber:
         if (differs) KeepAtcText(1, atcTexts.number, value);
@@ -132,13 +118,51 @@ bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestM
         if (differs && value[0] == 1) customHooks.requestReload(at);
         break;
       default:
-        if (differs) Raise(at, value, width);
+        if (differs || ticket != 0) Raise(at, value, width, by);
         break;
     }
     done += entry.action == DispatchAction::StageText ? given : width;
   }
   return true;
 }
+
+}  // namespace
+
+void ConnectDispatcher(const CustomHooks& hooks) { customHooks = hooks; }
+
+void ClearRequestMarks() {
+  weatherBlockReady = 0;
+  relayRecordStore.waiting = 0;
+  clientEntryWritten = 0;
+  atcTexts.changed = 0;
+}
+
+void ResetDispatchTable() {
+  ClearRequestMarks();
+  for (DispatchEntry& entry : table) entry = {DispatchAction::None, 0, false};
+}
+
+void AddDispatchEntry(uint32_t offset, uint32_t width, DispatchAction action) {
+  table[offset] = {action, static_cast<uint8_t>(std::min(width, maxWidth)), false};
+  ForEntriesWithin(offset, table[offset].width, [offset](uint32_t other) {
+    if (other != offset) table[other].overlapped = table[offset].overlapped = true;
+  });
+}
+
+bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks) {
+  return Walk(offset, size, data, 0, marks);
+}
+
+bool DispatchOwnWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks,
+                      uint32_t* ticket) {
+  if (customHooks.isTaken(offset, size)) return false;
+  if (++lastTicket == 0) ++lastTicket;
+  Walk(offset, size, data, lastTicket, marks);
+  *ticket = customHooks.lookAfter(lastTicket) == TicketState::Waits ? lastTicket : 0;
+  return true;
+}
+
+TicketState StateOfOwnWrite(uint32_t ticket) { return customHooks.lookAfter(ticket); }
 
 void CopyLatest(uint32_t offset, uint32_t size, void* bytes) {
   std::memcpy(bytes, offsetMemory.bytes + offset, size);

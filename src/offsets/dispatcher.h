@@ -70,12 +70,22 @@ struct CustomOutcome {
   uint32_t offsetSize;   // bytes of the custom offset, which ends the look-ups; 0 for none
   uint32_t commandSize;  // bytes of the command, which lets the fixed offset have the value too; 0 for none
 };
+// What became of an own write's ticket.
+enum class TicketState : uint8_t {
+  Waits,
+  Done,      // taken by the write cycle, or a newer write of the same place took its turn
+  Replaced,  // another one took its turn: the simulator never saw it
+};
 // Functions of the user's own entries, whose room stands above this one. Called on any thread, with the offset
 // lock held.
 struct CustomHooks {
   // Offers a client's write; `data` holds `supplied` bytes, not yet copied into the memory. The bytes that an
-  // entry has beyond them are taken from the memory.
-  CustomOutcome (*offer)(uint32_t offset, const uint8_t* data, uint32_t supplied);
+  // entry has beyond them are taken from the memory. A ticket other than 0 marks an own write
+  // (DispatchOwnWrite).
+  CustomOutcome (*offer)(uint32_t offset, const uint8_t* data, uint32_t supplied, uint32_t ticket);
+  // Whether a write to that range would take the turn of one that waits for another place.
+  bool (*isTaken)(uint32_t offset, uint32_t size);
+  TicketState (*lookAfter)(uint32_t ticket);
   // A client asks for the file to be read again, at one of the two offsets above.
   void (*requestReload)(uint32_t offset);
 };
@@ -99,6 +109,18 @@ void ClearRequestMarks();
 // `marks` are the request's own. Returns true when every byte was recognised, false when the walk stopped at an
 // offset without a meaning for writes (the bytes behind it are not examined).
 bool DispatchWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks);
+// How a pending flag is raised.
+constexpr uint32_t byClient = 1, byOwnWrite = 2;
+// The same for a write of our own that must arrive, as that of a joystick axis: it is staged also when the same
+// bytes stand there already, as what a refresh shows need not be what the simulator goes by (a toe brake while
+// the parking brake is set, a lever while the engine is in reverse). Returns false, with nothing done, while
+// among the user's own entries a write for another place waits, as only one can: to be tried again in a later
+// frame. `ticket` gets 0, or the number by which StateOfOwnWrite tells what becomes of a write that waits
+// there.
+bool DispatchOwnWrite(uint32_t offset, uint32_t size, const uint8_t* data, RequestMarks* marks,
+                      uint32_t* ticket);
+// Any thread, offset lock held. Of the last ticket alone that was given for each place.
+TicketState StateOfOwnWrite(uint32_t ticket);
 // What clients have last left in a range: the offset memory, with the staged values that still wait on top of
 // it. Any thread, offset lock held.
 void CopyLatest(uint32_t offset, uint32_t size, void* bytes);

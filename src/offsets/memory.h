@@ -30,7 +30,8 @@ struct OffsetMemory {
 struct PendingValues {
   uint8_t bytes[offsetMemorySize];
 };
-// 1: a client's value at this offset (its first byte) waits for the write cycle.
+// Not 0: a client's value at this offset (its first byte) waits for the write cycle, or one of our own
+// (dispatcher.h tells them apart).
 struct PendingFlags {
   uint32_t flags[offsetMemorySize];
 };

@@ -1,6 +1,7 @@
 // "Joystick Calibration Assignments" and "Joystick Axis Combining Assignments": which axis moves a control, and
 // how. A control is chosen by stepping through them, an axis by moving it, its ends by moving it to and fro.
-// What is edited is a draft, which takes effect when it is saved; both windows edit the same one.
+// What is edited is a draft, which takes effect when it is saved; both windows edit the same one, and it lasts
+// until another control is chosen or both are closed.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -24,7 +25,8 @@ enum class Choosing { Nothing, Assigned, Combined };
 Choosing choosing = Choosing::Nothing;
 uint32_t seenMoves;
 
-bool calibrates;  // minimum and maximum follow the axis
+bool calibrates;       // minimum and maximum follow the axis
+Calibration formerly;  // before that
 
 extern const WindowPlan calibration, combining;
 
@@ -33,6 +35,46 @@ void Choose(size_t control) {
   draft = AxisSettingsOf(control);
   choosing = Choosing::Nothing;
   calibrates = false;
+  FollowAxisEnds({});
+}
+
+// The axis whose calibration is edited.
+size_t Edited() { return editsCombined ? 1 : 0; }
+AxisInput EditedInput() { return editsCombined ? draft.inputs[1] : InputsOf(draft).inputs[0]; }
+
+// As many places as the bars show.
+constexpr double places = 1000;
+double Placed(double reading) { return std::round(reading * places) / places; }
+
+// The ends that the axis has been moved to so far.
+void TakeEnds() {
+  const AxisEnds seen = FollowedAxisEnds();
+  if (!calibrates || std::isnan(seen.low)) return;
+  Calibration& ends = draft.calibrations[Edited()];
+  ends.low = std::min(ends.low, std::clamp(seen.low, 0.0, 1.0));
+  ends.high = std::max(ends.high, std::clamp(seen.high, 0.0, 1.0));
+  ends.centre = (ends.low + ends.high) / 2;
+}
+
+// Calibrating by moving comes to its end, by whatever the user does next. Returns whether the axis was moved
+// far enough; else the old ends are back.
+bool FinishCalibrating() {
+  constexpr double leastWay = 0.05;
+  if (!calibrates) return true;
+  TakeEnds();
+  calibrates = false;
+  FollowAxisEnds({});
+  Calibration& ends = draft.calibrations[Edited()];
+  if (ends.high - ends.low < leastWay) {
+    ends = formerly;
+    return false;
+  }
+  // To three places, inwards: the axis must come to its ends.
+  constexpr double noise = 0.01;
+  ends.low = std::ceil(ends.low * places - noise) / places + 0.0;  // not "-0"
+  ends.high = std::floor(ends.high * places + noise) / places;
+  ends.centre = Placed((ends.low + ends.high) / 2);
+  return true;
 }
 
 std::string Step(int by) {
@@ -49,6 +91,7 @@ std::string Prompt(int) {
   seenMoves = move.count;
   if (choosing == Choosing::Nothing) return "";
   if (!isNew || !IsAssigned(move.input)) return "Move the axis from one end to the other";
+  FinishCalibrating();
   draft.inputs[choosing == Choosing::Combined ? 1 : 0] = move.input;
   choosing = Choosing::Nothing;
   return "Taken, not saved yet";
@@ -75,18 +118,9 @@ std::string Bar(double number, double low, double high) {
   return text + std::string(static_cast<size_t>(std::lround(share * barLength)), '|');
 }
 
-// The axis whose calibration is edited.
-size_t Edited() { return editsCombined ? 1 : 0; }
-AxisInput EditedInput() { return editsCombined ? draft.inputs[1] : InputsOf(draft).inputs[0]; }
-
 std::string Reading(int) {
-  const double reading = AxisReading(EditedInput());
-  Calibration& ends = draft.calibrations[Edited()];
-  if (calibrates && IsReading(reading)) {
-    ends.low = std::min(ends.low, std::clamp(reading, 0.0, 1.0));
-    ends.high = std::max(ends.high, std::clamp(reading, 0.0, 1.0));
-  }
-  return Bar(reading, 0, 1);
+  TakeEnds();
+  return Bar(AxisReading(EditedInput()), 0, 1);
 }
 
 // What the draft makes of it.
@@ -124,8 +158,8 @@ std::string CheckField(int index, const std::string& text) {
 }
 
 std::string AcceptField(int index, const std::string& text) {
+  FinishCalibrating();
   TakeAxisKey(KeyOf(index), text, &draft);
-  calibrates = false;
   return unsaved;
 }
 
@@ -149,15 +183,16 @@ std::string TurnInverted(int which, bool on) {
 
 bool EditsCombined(int) { return editsCombined; }
 std::string TurnCombined(int, bool on) {
+  FinishCalibrating();
   editsCombined = on;
-  calibrates = false;
   return "";
 }
 
 bool IsChoosing(int which) { return choosing == static_cast<Choosing>(which); }
 std::string TurnChoosing(int which, bool on) {
   choosing = on ? static_cast<Choosing>(which) : Choosing::Nothing;
-  seenMoves = LastAxisMove().count;  // only from here on
+  if (on) FinishCalibrating();
+  seenMoves = WatchForAxisMove().count;  // only from here on
   return "";
 }
 
@@ -172,43 +207,33 @@ constexpr Cell ChooseBox(const char* label, Choosing which) {
 // --- Calibration
 // ----------------------------------------------------------------------------------------------
 
-// As many as the bars show.
-constexpr double places = 1000;
-double Placed(double reading) { return std::round(reading * places) / places; }
-
 bool Calibrates(int) { return calibrates; }
 
 // The ends begin where the axis stands, and follow it as it is moved.
 std::string TurnCalibrates(int, bool on) {
-  constexpr double leastWay = 0.05;
+  if (!on) {
+    return FinishCalibrating() ? "Let the axis go and press CENTRE, or save"
+                               : "The axis was hardly moved: the old ends stay";
+  }
+  const double reading = AxisReading(EditedInput());
+  if (!IsReading(reading)) return "The axis gives no reading";
+  const double at = std::clamp(reading, 0.0, 1.0);
   Calibration& ends = draft.calibrations[Edited()];
-  if (on) {
-    const double reading = AxisReading(EditedInput());
-    if (!IsReading(reading)) return "The axis gives no reading";
-    const double at = std::clamp(reading, 0.0, 1.0);
-    ends = {at, at, at};
-    calibrates = true;
-    return "Move the axis to both ends, then switch this off";
-  }
-  calibrates = false;
-  if (ends.high - ends.low < leastWay) {
-    ends = AxisSettingsOf(chosen).calibrations[Edited()];
-    return "The axis was hardly moved: the old ends stay";
-  }
-  // To three places, inwards: the axis must come to its ends.
-  constexpr double noise = 0.01;
-  ends.low = std::ceil(ends.low * places - noise) / places;
-  ends.high = std::floor(ends.high * places + noise) / places;
-  ends.centre = Placed((ends.low + ends.high) / 2);
-  return "Let the axis go and press CENTRE, or save";
+  formerly = ends;
+  ends = {at, at, at};
+  calibrates = true;
+  FollowAxisEnds(EditedInput());
+  return "Move the axis to both ends, then switch this off";
 }
 
 std::string Centre(int) {
   const double reading = AxisReading(EditedInput());
   Calibration& ends = draft.calibrations[Edited()];
   if (!IsReading(reading)) return "The axis gives no reading";
+  TakeEnds();
   if (!(reading - ends.low >= 0.01 && ends.high - reading >= 0.01))
     return "The axis stands at an end, or the ends are not known yet";
+  FinishCalibrating();
   ends.centre = Placed(reading);
   return unsaved;
 }
@@ -222,9 +247,11 @@ std::string Told(const char* deed) {
 }
 
 std::string Save(int) {
-  if (calibrates) TurnCalibrates(0, false);
+  FinishCalibrating();
   const bool needsTarget = AxisControls()[chosen].role == AxisRole::Free;
   if (needsTarget && draft.target.size == 0) return "Enter the offset that the axis is to move";
+  const std::string fault = FaultOfAxisSettings(chosen, draft);
+  if (!fault.empty()) return "Not saved: " + fault;
   return SaveAxisSettings(chosen, draft) ? Told("Saved") : NotSaved();
 }
 
@@ -242,6 +269,8 @@ std::string Exit(int combines) {
 // In client mode nobody has read the assignments yet.
 void Opened() {
   if (settings.clientMode) LoadAxisAssignments();
+  // The other window shows the draft: it stays. Neither is open yet when it is the first of them.
+  if (IsWindowOpen(calibration) || IsWindowOpen(combining)) return;
   seenMoves = LastAxisMove().count;
   editsCombined = false;
   Choose(chosen);
@@ -291,7 +320,8 @@ constexpr Row calibrationRows[] = {
     SaveRow(0),
     ThreadRow(),
 };
-const WindowPlan calibration = {.title = calibrationWindowTitle, .rows = calibrationRows, .opened = Opened};
+const WindowPlan calibration = {
+    .title = calibrationWindowTitle, .rows = calibrationRows, .opened = Opened, .isLively = true};
 
 constexpr Row combiningRows[] = {
     ControlRow(),
@@ -310,7 +340,8 @@ constexpr Row combiningRows[] = {
     SaveRow(1),
     ThreadRow(),
 };
-const WindowPlan combining = {.title = combiningWindowTitle, .rows = combiningRows, .opened = Opened};
+const WindowPlan combining = {
+    .title = combiningWindowTitle, .rows = combiningRows, .opened = Opened, .isLively = true};
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 // "Flaps settings": the detents of a flap lever on a joystick axis, which the calibration window assigns.
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "controls/axes.h"
@@ -15,11 +16,20 @@ constexpr char section[] = "TAVRIX FLAPS SETTINGS";
 
 bool IsActive(int) { return settings.flapsActive; }
 
+// Detents that cannot be used are written as they are, as the user may be in the midst of several; the reason
+// is told, and the lever has even spacing until then.
+std::string Took() {
+  LoadAxisAssignments();
+  DetentBounds bounds[maxFlapDetents];
+  const char* fault = PlaceDetents({settings.flapDetent, static_cast<size_t>(settings.flapDetents)}, bounds);
+  return fault == nullptr ? saved : std::string("Written, but spaced evenly: ") + fault;
+}
+
 std::string TurnActive(int, bool on) {
   if (!WriteSetting(section, "Flap Settings", on ? "Active" : "Inactive")) return NotSaved();
   settings.flapsActive = on;
-  LoadAxisAssignments();
-  return saved;
+  const std::string took = Took();
+  return on ? took : saved;
 }
 
 std::string Detents(int) { return std::to_string(settings.flapDetents); }
@@ -37,15 +47,17 @@ std::string AcceptDetents(int, const std::string& text) {
   std::snprintf(value, sizeof value, "%02d", count);
   if (!WriteSetting(section, "Number of Detends", value)) return NotSaved();
   settings.flapDetents = count;
-  LoadAxisAssignments();
-  return saved;
+  return Took();
 }
 
 bool IsUsed(int detent) { return detent < settings.flapDetents; }
 
 std::string DetentText(const FlapDetent& detent) {
   std::string text;
-  for (int i = 0; i < detent.count; ++i) text += (i > 0 ? "," : "") + NumberText(detent.values[i]);
+  for (int i = 0; i < detent.count; ++i) {
+    if (i > 0) text += ',';
+    if (!std::isnan(detent.values[i])) text += NumberText(detent.values[i]);
+  }
   return text;
 }
 
@@ -58,7 +70,8 @@ std::string CheckDetent(int, const std::string& text) {
     double value = 0;
     std::string_view number = rest.substr(0, comma);
     number.remove_prefix(std::min(number.find_first_not_of(' '), number.size()));
-    if (count > 3 || !ReadNumberText(number, &value))
+    const bool isLeftOut = number.empty() && comma != std::string_view::npos;
+    if (count > 3 || !(isLeftOut || ReadNumberText(number, &value)))
       return "A detent is up to three numbers, with a point: 0.25,1,2";
     if (comma == std::string_view::npos) break;
     rest.remove_prefix(comma + 1);
@@ -71,8 +84,7 @@ std::string AcceptDetent(int detent, const std::string& text) {
   const std::string key = "Flap detend " + std::to_string(detent + 1);
   if (!WriteSetting(section, key.c_str(), DetentText(taken).c_str())) return NotSaved();
   settings.flapDetent[detent] = taken;
-  LoadAxisAssignments();
-  return saved;
+  return Took();
 }
 
 constexpr Cell DetentField(const char* label, int detent) {

@@ -16,8 +16,8 @@ bool windowsEnabled;
 
 namespace {
 
-constexpr int64_t refreshPeriod = 250'000'000;  // ns
-constexpr int messageCharacters = 48;           // a line; longer reasons take a second one
+constexpr int64_t refreshPeriod = 250'000'000, livelyPeriod = 50'000'000;  // ns
+constexpr int messageCharacters = 48;  // a line; longer reasons take a second one
 
 constexpr char disabledText[] = "disabled";  // in the place of values
 constexpr char disabledMessage[] = "TAVRIX is disabled: nothing can be changed";
@@ -304,6 +304,11 @@ void CloseWindow(const WindowPlan& plan) {
   if (Window* window = FindWindow(plan)) HideWindow(window);
 }
 
+bool IsWindowOpen(const WindowPlan& plan) {
+  const Window* window = FindWindow(plan);
+  return window != nullptr && IsOpen(*window);
+}
+
 void RefreshWindow(const WindowPlan& plan) {
   Window* window = FindWindow(plan);
   if (window != nullptr && windowsEnabled && IsOpen(*window)) RefreshNow(window);
@@ -325,7 +330,7 @@ void FollowWindows(int64_t now) {
   for (const auto& window : madeWindows) {
     if (!IsOpen(*window)) continue;
     FollowScreen(window.get(), size);
-    if (now - window->refreshedAt < refreshPeriod) continue;
+    if (now - window->refreshedAt < (window->plan->isLively ? livelyPeriod : refreshPeriod)) continue;
     window->refreshedAt = now;
     RefreshNow(window.get());
   }

@@ -4,8 +4,8 @@
 //
 // Cells that stand below each other in a group form columns; a group begins with a heading or an empty row. A
 // row of a single cell reaches across the columns, and a value without label and text takes no room. What
-// changes is asked again four times a second while its window is open, and only texts that differ are given to
-// the simulator; while no window is open nothing is asked at all.
+// changes is asked again four times a second (of lively windows twenty times) while its window is open, and
+// only texts that differ are given to the simulator; while no window is open nothing is asked at all.
 //
 // A field's text is checked at every key; the reason why it is refused stands in the window's last line. Enter
 // accepts the text and presses the default button if there is one, else the keyboard goes back to the
@@ -72,6 +72,7 @@ struct WindowPlan {
   std::span<const Row> rows;
   // Before the window is shown: takes up what its cells tell from then on. May be null.
   void (*opened)() = nullptr;
+  bool isLively = false;  // shows what moves: asked again twenty times a second
 };
 
 // From now on windows may be opened and act (at enable), or do neither (at disable): open ones say so in their
@@ -83,6 +84,7 @@ void DisableWindows();
 // its last line is gone. A simulator that refuses a widget gets a log line, and nothing is shown.
 void OpenWindow(const WindowPlan& plan);
 void CloseWindow(const WindowPlan& plan);
+bool IsWindowOpen(const WindowPlan& plan);
 // Asks an open window's texts, boxes and what is enabled now instead of within a quarter of a second. Texts
 // that the user has begun to change stay.
 void RefreshWindow(const WindowPlan& plan);

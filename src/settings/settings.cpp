@@ -208,6 +208,12 @@ void CopyText(char* buffer, size_t size, std::string_view text) {
   buffer[length] = '\0';
 }
 
+// A value that has no meaning is told, with what holds instead.
+void TellUnusable(const Row& row, std::string_view value, const char* is, const char* instead) {
+  LogOwn("TAVRIX->\"%s\" in TAVRIX.ini is %s, not %s: %s\n", row.key, is, EscapedForLog(value).c_str(),
+         instead);
+}
+
 // A word that is none of the three shows the page to nobody: the user wanted to restrict it.
 void TakePageAccess(const Row& row, std::string_view value) {
   PageAccess access = PageAccess::Off;
@@ -216,8 +222,7 @@ void TakePageAccess(const Row& row, std::string_view value) {
   } else if (value == "Local") {
     access = PageAccess::Local;
   } else if (value != "Off") {
-    LogOwn("TAVRIX->\"%s\" in TAVRIX.ini is All, Local or Off, not %s: it counts as Off\n", row.key,
-           EscapedForLog(value).c_str());
+    TellUnusable(row, value, "All, Local or Off", "it counts as Off");
   }
   *static_cast<PageAccess*>(row.target) = access;
 }
@@ -243,10 +248,16 @@ void Take(const Row& row, std::string_view value) {
       break;
     case Kind::active:
       *static_cast<bool*>(row.target) = value == "Active";
+      if (value != "Active" && value != "Inactive")
+        TellUnusable(row, value, "Active or Inactive", "it counts as Inactive");
       break;
     case Kind::detents: {
       const int count = ParseInteger(value);
-      if (count >= 2 && count <= maxFlapDetents) *static_cast<int*>(row.target) = count;
+      if (count >= 2 && count <= maxFlapDetents) {
+        *static_cast<int*>(row.target) = count;
+      } else {
+        TellUnusable(row, value, "2 to 10", "what was in force stays");
+      }
       break;
     }
     case Kind::list:
@@ -255,9 +266,12 @@ void Take(const Row& row, std::string_view value) {
     case Kind::pageAccess:
       TakePageAccess(row, value);
       break;
-    case Kind::flapDetent:
-      *static_cast<FlapDetent*>(row.target) = ParseFlapDetent(value);
+    case Kind::flapDetent: {
+      bool isGood = false;
+      *static_cast<FlapDetent*>(row.target) = ParseFlapDetent(value, &isGood);
+      if (!isGood) TellUnusable(row, value, "up to three numbers", "it counts as empty");
       break;
+    }
   }
 }
 

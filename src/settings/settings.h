@@ -18,8 +18,8 @@ constexpr int maxSettingValue = 130;  // characters; longer values are cut when 
 constexpr int maxFlapDetents = 10;
 
 struct FlapDetent {
-  double values[3];
-  int count;  // numbers given, 0 for an empty value (values[0] is 0 then)
+  double values[3];  // NaN: left out, as in "0.5,,0.6"
+  int count;         // numbers given, 0 for an empty value (values[0] is 0 then)
 };
 
 // Who may see the status page.

@@ -286,13 +286,21 @@ double ParseNumber(std::string_view text) {
 
 bool ParseYesNo(std::string_view text) { return text == "Yes" || text == "YES"; }
 
-FlapDetent ParseFlapDetent(std::string_view text) {
+FlapDetent ParseFlapDetent(std::string_view text, bool* isGood) {
   FlapDetent detent{};
+  bool good = true;
   text = Trim(text);
   while (!text.empty() && detent.count < 3) {
     const size_t comma = text.find(',');
-    detent.values[detent.count++] = ParseNumber(text.substr(0, comma));
+    const std::string_view number = TrimNumber(text.substr(0, comma));
+    double value = std::numeric_limits<double>::quiet_NaN();
+    if (!number.empty()) {
+      const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+      good = good && error == std::errc() && end == number.data() + number.size() && std::isfinite(value);
+    }
+    detent.values[detent.count++] = value;
     text = comma == std::string_view::npos ? "" : text.substr(comma + 1);
   }
-  return detent;
+  if (isGood != nullptr) *isGood = good;
+  return good ? detent : FlapDetent{};
 }

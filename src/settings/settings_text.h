@@ -63,5 +63,6 @@ int ParseInteger(std::string_view text);
 double ParseNumber(std::string_view text);
 // Whether it is "Yes" or "YES".
 bool ParseYesNo(std::string_view text);
-// Up to three numbers separated by commas; what follows the third is ignored.
-FlapDetent ParseFlapDetent(std::string_view text);
+// Up to three numbers separated by commas; what follows the third is ignored. One that is left out is NaN.
+// Empty when one of the three is no number; `isGood` (may be null) gets whether they all are.
+FlapDetent ParseFlapDetent(std::string_view text, bool* isGood = nullptr);

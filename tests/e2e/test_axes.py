@@ -128,7 +128,13 @@ def test_axis_is_chosen_and_calibrated_by_moving(start, build, tmp_path):
     shows("Throttle 1")
     standin.ask('press "Choose by moving an axis"')
     shows("Move the axis from one end to the other")
-    sticks.put(2, 1, 0.9, "the choice", lambda: f'textfield "{sticks.name(2, 1)}"' in standin.ask("widgets"))
+
+    def chosen():  # through its way until it is seen: devices may be read for the first time only now
+        sticks.move(2, 1, 0.2)
+        sticks.move(2, 1, 0.9)
+        standin.ask("frames 1")
+        return f'textfield "{sticks.name(2, 1)}"' in standin.ask("widgets")
+    wait_for("the choice", chosen)
 
     def bar_shows(value):
         shows(f"{value:.3f} " + "|" * round(value * 40))

@@ -134,6 +134,78 @@ TEST_F(Axes, EachKindOfControl) {
   EXPECT_FLOAT_EQ(rows::Read<float>(0x66F0), -1);
 }
 
+// What a refresh shows may be the very value of an axis: a parked brake shows full pedals.
+TEST_F(Axes, AValueThatStandsThereAlreadyArrives) {
+  Assign("Assign Right Toebrake Axis = 0,2\nAssign Throttle 1 Axis = 0,3\n");
+  for (const float reading : {0.4F, 0.7F}) Move(2, reading), Move(3, reading);
+  rows::Set("sim/flightmodel/controls/parkbrake", 1);
+  rows::Refresh(Cycle::C3);
+  EXPECT_EQ(rows::Read<int16_t>(0x0BC6), 16383);
+  {
+    const LockScope lock(&offsetLock);
+    Store<int16_t>(0x088C, 16384);
+  }
+  readings[2] = 1;
+  Move(3, 1);
+  EXPECT_EQ(rows::Get("sim/flightmodel/controls/r_brake_add"), 1);
+  EXPECT_EQ(rows::Get("sim/cockpit2/engine/actuators/throttle_ratio[0]"), 1);
+  EXPECT_EQ(tools::CountText(custom::Log(), "tavrixWriteValue"), 0);
+  EXPECT_TRUE(rows::Write<int16_t>(0x0BC6, 100));
+  Frame();
+  EXPECT_EQ(tools::CountText(custom::Log(), "tavrixWriteValue"), 1) << "a client's write has its line";
+}
+
+// The user's own offsets take one write a frame: axes wait for it in turn, and a client's write that took the
+// turn of an axis does not swallow its value.
+TEST_F(Axes, OwnOffsetsGetEveryLastValue) {
+  custom::Load(
+      "Dataref a sim/flightmodel/controls/parkbrake float\nDataref b sim/flightmodel/controls/flaprqst float\n"
+      "Dataref c sim/flightmodel/controls/rud_trim float\nOffset 66C0 FLOAT32 0 w >a @\n"
+      "Offset 66C4 FLOAT32 0 w >b @\nOffset 66C8 FLOAT32 0 w >c @\n");
+  Assign(
+      "Assign Free 1 Axis = 0,1\nTarget Free 1 Axis = 66C0,4,F,0,1\nAssign Free 2 Axis = 0,2\n"
+      "Target Free 2 Axis = 66C4,4,F,0,1\n");
+  const auto controls = [](const char* name) {
+    return rows::Get(std::string("sim/flightmodel/controls/") + name);
+  };
+  for (const float reading : {0.25F, 1.0F, 0.5F}) {
+    readings[1] = readings[2] = reading;
+    for (int frame = 0; frame < 4; ++frame) Frame();
+    EXPECT_EQ(controls("parkbrake"), reading);
+    EXPECT_EQ(controls("flaprqst"), reading);
+  }
+  // Both move all the time: neither has to wait until the other rests.
+  for (int frame = 0; frame < 8; ++frame) {
+    readings[1] = readings[2] = 0.6F + static_cast<float>(frame) / 32;
+    Frame();
+  }
+  EXPECT_GT(controls("parkbrake"), 0.7);
+  EXPECT_GT(controls("flaprqst"), 0.7);
+  readings[1] = 0.125F;
+  for (int frame = 0; frame < 4; ++frame) Frame();
+  readings[1] = 0.75F;
+  WatchAxes(readings, overridesNotTold);
+  RunAxisRound();
+  EXPECT_TRUE(rows::Write<float>(0x66C8, 0.5F));
+  for (int frame = 0; frame < 4; ++frame) Frame();
+  EXPECT_EQ(controls("rud_trim"), 0.5);
+  EXPECT_EQ(controls("parkbrake"), 0.75);
+}
+
+// The second lever of a pair counts as where it stands, not as at rest, after another key was changed.
+TEST_F(Axes, ASaveKeepsWhereTheOtherAxisStands) {
+  const std::string pair = "Assign Left Toebrake Axis = 0,1\nCombine Left Toebrake Axis = 0,2\n";
+  Assign(pair + "Nullzone Left Toebrake Axis = 0\n");
+  Move(1, 1);
+  Move(2, 0.3F);
+  Assign(pair + "Nullzone Left Toebrake Axis = 0\nCurve Left Toebrake Axis = 0.5\n");
+  Frame();
+  Move(2, 0.4F);
+  EXPECT_EQ(rows::Read<int16_t>(0x0BC4), 16383) << "the first pedal is still down";
+  Move(1, 0);
+  EXPECT_LT(rows::Read<int16_t>(0x0BC4), 8000);
+}
+
 // What is no reading is passed over; a device that is gone for half a second is told once, its last value
 // stays, and when it is back it takes over without a jump.
 TEST_F(Axes, UnpluggedAndPluggedInAgain) {
@@ -149,6 +221,11 @@ TEST_F(Axes, UnpluggedAndPluggedInAgain) {
   }
   Move(2, 0.9F);
   EXPECT_EQ(custom::Log(), "") << "a moment without readings is nothing";
+  Move(2, absent);
+  Move(2, 0.1F);
+  EXPECT_GT(aileron(), frozen - 3300) << "no jump after it either";
+  Move(2, 0.9F);
+  EXPECT_TRUE(tools::WaitUntil([&] { return Frame(), aileron() == frozen; }));
   const auto gone = [&] {
     return custom::Log().find("Joystick 0 gives no readings (Aileron)") != std::string::npos;
   };
@@ -198,6 +275,23 @@ TEST_F(Axes, OverridesAreTakenAndGivenBack) {
   Frame();
   Move(1, 0.9F);
   EXPECT_EQ(rows::Get(throttleOverride), 1);
+  // What another plug-in has switched off does not come back, and what a program has set itself stays.
+  rows::Set(rollOverride, 0);
+  for (const uint8_t byte : {uint8_t{0}, uint8_t{8}}) {
+    EXPECT_TRUE(rows::Write<uint8_t>(0x310A, byte));
+    Frame();
+  }
+  Assign("Assign Elevator Axis = 0,0\n");
+  Frame();
+  EXPECT_EQ(rows::Get(throttleOverride), 1) << "the program's own";
+  Move(0, 0.2F);
+  EXPECT_EQ(rows::Get(pitchOverride) + 2 * rows::Get(rollOverride) + 4 * rows::Get(throttleOverride), 5);
+  rows::Set(rollOverride, 1);
+  Assign("Assign Throttle 1 Axis = 0,1\n");
+  Frame();
+  Move(1, 0.5F);
+  EXPECT_EQ(rows::Get(pitchOverride) + 2 * rows::Get(rollOverride) + 4 * rows::Get(throttleOverride), 6);
+  Move(1, 0.9F);
   StopAxisWrites();
   ReleaseOverrides();
   Move(1, 0.1F);

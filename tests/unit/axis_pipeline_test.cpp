@@ -2,6 +2,8 @@
 #include "controls/axis_pipeline.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <random>
 
 namespace {
@@ -129,7 +131,8 @@ AxisTarget RandomTarget(Dice* dice, Travel travel) {
   return target;
 }
 
-// An axis that rests and trembles by less than half a step is told once; one that moves reaches every end.
+// An axis that rests and trembles by a tenth of a step (a float: half a step) is told once; one that moves
+// reaches every end.
 TEST(AxisPipeline, TremblingIsSilentAndEndsAreReached) {
   Dice dice;
   for (int round = 0; round < 500; ++round) {
@@ -138,12 +141,18 @@ TEST(AxisPipeline, TremblingIsSilentAndEndsAreReached) {
     const double step = target.type == NumberType::Float ? std::fabs(target.high - target.low) / 32768 : 1;
     const double rest = NumberOf(target, travel, dice.Between(Least(travel), 1));
     double last = Rounded(target, rest);
+    const double tremble = target.type == NumberType::Float ? 0.49 : 0.099;
     const double low = std::min(target.low, target.high), high = std::max(target.low, target.high);
     for (int i = 0; i < 200; ++i) {
-      const double number = std::clamp(rest + step * dice.Between(-0.49, 0.49), low, high);
+      const double number = std::clamp(rest + step * dice.Between(-tremble, tremble), low, high);
       // At an end it is told the end, once.
       if (number == low || number == high) break;
       ASSERT_FALSE(IsNews(target, last, number)) << rest << ' ' << number;
+    }
+    // Close to an end is at it, also for a switch.
+    for (const double share : {0.99, 0.01}) {
+      const AxisTarget lamp = {0x66F0, 1, NumberType::Unsigned, 0, 1};
+      ASSERT_TRUE(IsNews(lamp, std::round(1 - share), NumberOf(lamp, Travel::OneSided, share)));
     }
     for (const double deflection : {1.0, 0.0, Least(travel)}) {
       const double number = NumberOf(target, travel, deflection);
@@ -234,6 +243,7 @@ TEST(AxisPipeline, DetentsOfTheSettings) {
     std::vector<DetentBounds> bounds;
   };
   const FlapDetent empty = {};
+  const double absent = std::numeric_limits<double>::quiet_NaN();
   const std::vector<DetentBounds> even = {{-0.4, 0.4}, {0.6, 1.4}},
                                   three = {{-0.2, 0.2}, {0.3, 0.7}, {0.8, 1.2}};
   const Case cases[] = {
@@ -242,6 +252,8 @@ TEST(AxisPipeline, DetentsOfTheSettings) {
       {{{{0, 0, 0.1}, 3}, {{0.5, 0.45, 0.55}, 3}, {{1, 0.9, 1}, 3}},
        nullptr,
        {{0, 0.1}, {0.45, 0.55}, {0.9, 1}}},
+      {{empty, {{0.5, absent, 0.6}, 3}, empty}, nullptr, {{-0.4, 0.2}, {0.3, 0.6}, {0.8, 1.4}}},
+      {{{{0.1, 0, 0}, 1}, {{0.12, 0, 0}, 1}}, nullptr, {{-0.3, 0.105}, {0.115, 0.52}}},
       {{{{0.5, 40, 0}, 2}, {{1, 0, 0}, 1}}, "a detent's bounds enclose its position", even},
       {{{{0, 0, 0}, 1}, {{2, 0, 0}, 1}}, "a detent's position is from 0 to 1", even},
       {{empty, {{0, 0, 0}, 1}, empty}, "each detent lies at least 0.02 above the one before", three},

@@ -54,6 +54,7 @@ TEST_F(AxisFile, EveryKindOfKey) {
                         {Combine, "0,4", "0,4"},
                         {Invert, "Yes", "Yes"},
                         {InvertCombined, "no", "No"},
+                        {Invert, "yes", nullptr},
                         {Calibrate, "0.1,0.5,0.9", "0.1,0.5,0.9"},
                         {CalibrateCombined, "0,0.25,1", "0,0.25,1"},
                         {Calibrate, "0.9,0.5,0.1", nullptr},
@@ -105,7 +106,8 @@ TEST_F(AxisFile, AssignmentsOfAFile) {
       "Combine Rudder Axis = 0,3\ninvert rudder axis = Yes\nAssign Left Toebrake Axis = 0,4\n"
       "Assign Right Toebrake Axis = 0,5\nNullzone Right Toebrake Axis = 0.02\nAssign Tiller Axis = 0,0\n"
       "Assign Free 8 Axis = 0,1\nTarget Free 8 Axis = 66F0,2,-100,100\nCurve Aileron Axis = 9\n"
-      "Assign Throttle 4 Axis = 0,2\nEngines Throttle 4 Axis = 2\n");
+      "Assign Throttle 4 Axis = 0,2\nEngines Throttle 4 Axis = 2\nAssign Free 1 Axis = 0,9\n"
+      "Target Free 1 Axis = 66EF,2,0,1\n");
   const auto made = [](const char* name) {
     return MakeAssignment(Control(name), AxisSettingsOf(Control(name)));
   };
@@ -125,7 +127,8 @@ TEST_F(AxisFile, AssignmentsOfAFile) {
   const std::string log = custom::Log();
   for (const char* told : {"\"Curve Aileron Axis\" in TAVRIX.ini is not used, it holds 9: it is from -0.5 to 1",
                            "The axis Tiller moves nothing: \"Target Tiller Axis\"",
-                           "The axes Throttle 1 and Throttle 4 move the same offset"}) {
+                           "The axes Throttle 1 and Throttle 4 move the same bytes",
+                           "The axes Free 1 and Free 8 move the same bytes"}) {
     EXPECT_NE(log.find(told), std::string::npos) << told << '\n' << log;
   }
 }
@@ -145,6 +148,16 @@ TEST_F(AxisFile, SavingWritesWhatDiffers) {
                                        "Assign Elevator Axis = 0,1\nCalibrate Elevator Axis = 0.1,0.4,0.9\n");
   EXPECT_EQ(AxisSettingsOf(Control("Elevator")), changed);
   EXPECT_TRUE(WantsAxes());
+  // Lines that were edited by hand meanwhile, and such as are no good.
+  tools::WriteFile(path, "[TAVRIX AXIS SETTINGS]\nAssign Elevator Axis = 0,7\nCurve Elevator Axis = garbage\n");
+  EXPECT_TRUE(SaveAxisSettings(Control("Elevator"), changed));
+  EXPECT_EQ(tools::ReadFile(path),
+            "[TAVRIX AXIS SETTINGS]\nAssign Elevator Axis = 0,1\nCurve Elevator Axis = 0\n"
+            "Calibrate Elevator Axis = 0.1,0.4,0.9\nNullzone Elevator Axis = 0.1\n");
+  changed.calibrations[0] = {0, 0, 1};
+  EXPECT_EQ(
+      FaultOfAxisSettings(Control("Elevator"), changed),
+      "Calibrate Elevator Axis: it is minimum,centre,maximum, each larger than the one before, from 0 to 1");
   SetSettingsPath("");
   EXPECT_FALSE(SaveAxisSettings(Control("Aileron"), changed));
 }

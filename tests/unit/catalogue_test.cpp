@@ -213,11 +213,13 @@ uint32_t DispatchedWidth(uint32_t offset) {
   static std::vector<uint32_t> asked;
   asked.clear();
   ConnectDispatcher({.offer =
-                         [](uint32_t at, const uint8_t*, uint32_t supplied) {
+                         [](uint32_t at, const uint8_t*, uint32_t supplied, uint32_t) {
                            asked.push_back(at);
                            return CustomOutcome{.offsetSize = asked.size() > 1 ? supplied : 0,
                                                 .commandSize = 0};
                          },
+                     .isTaken = [](uint32_t, uint32_t) { return false; },
+                     .lookAfter = [](uint32_t) { return TicketState::Done; },
                      .requestReload = [](uint32_t) {}});
   const std::vector<uint8_t> bytes(std::min<uint32_t>(300, offsetMemorySize - offset), 1);
   const bool known = rows::WriteBytes(offset, bytes.data(), static_cast<uint32_t>(bytes.size()));

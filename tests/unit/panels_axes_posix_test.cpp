@@ -80,6 +80,34 @@ TEST_F(AxisPanels, CalibratesALeverThread) {
   EXPECT_EQ(Find(title), nullptr);
 }
 
+// A calibration is finished by whatever comes next, and knows the ends that were touched between two looks.
+TEST_F(AxisPanels, CalibrationEndsProperlyThread) {
+  Open(title);
+  ChooseControl("Throttle 1");
+  Do(assigned, "0,5", "Not saved yet");
+  const auto sweep = [&] {
+    Stick(5, 0.5, "Axis stands at", "0.500 |");
+    Do("Calibrate by moving", nullptr, "Move the axis to both ends, then switch this off");
+    for (const char* at : {"0", "0.875", "0.5"}) {
+      SimCommand(std::string("axis 5 ") + at);
+      sim::SimFrames(1);
+    }
+  };
+  sweep();
+  Do(nullZone, "0.03", "Not saved yet");
+  EXPECT_EQ(Shown(title, ends), "0,0.438,0.875");
+  sweep();
+  Do("Both of the combined axis", nullptr, "");
+  Do("Both of the combined axis", nullptr, "");
+  EXPECT_EQ(Shown(title, ends), "0,0.438,0.875");
+  // The draft stays while the other window is opened beside it.
+  Open(combiningWindowTitle);
+  EXPECT_EQ(Shown(combiningWindowTitle, "Control"), "Throttle 1");
+  EXPECT_EQ(Shown(title, nullZone), "0.03");
+  Do("SAVE", nullptr, "Saved Throttle 1, in force now");
+  EXPECT_EQ(Key("Calibrate Throttle 1 Axis") + ' ' + Key("Nullzone Throttle 1 Axis"), "0,0.438,0.875 0.03");
+}
+
 TEST_F(AxisPanels, CombinesByMovingThread) {
   title = combiningWindowTitle;
   Open(title);

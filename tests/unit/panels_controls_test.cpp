@@ -98,28 +98,30 @@ TEST_F(Panels, Flaps) {
                  numbers[] = "A detent is up to three numbers, with a point: 0.25,1,2";
   Open(flapsWindowTitle);
   EXPECT_EQ(SimCommand("type \"Detent 3\" \"1\"").substr(0, 5), "error") << "two detents only";
-  DoAll(flapsWindowTitle, {{"Flap detents active", nullptr, "Saved"},
-                           {"Number of detents", "1", count},
-                           {"Number of detents", "11", count},
-                           {"Number of detents", "4x", count},
-                           {"Number of detents", "9", "Saved"},
-                           {"Detent 1", "0, 5,-10.25", "Saved"},
-                           {"Detent 2", "1,", numbers},
-                           {"Detent 2", "1,2,3,4", numbers},
-                           {"Detent 2", ",1", numbers},
-                           {"Detent 9", "0.5", "Saved"},
-                           {"Detent 9", "", "Saved"},
-                           {"Detent 8", "40", "Saved"}});
+  DoAll(flapsWindowTitle,
+        {{"Flap detents active", nullptr, "Saved"},
+         {"Number of detents", "1", count},
+         {"Number of detents", "11", count},
+         {"Number of detents", "4x", count},
+         {"Number of detents", "9", "Saved"},
+         {"Detent 1", "0, 5,-10.25", "Written, but spaced evenly: a detent's bounds enclose its position"},
+         {"Detent 2", "1,", numbers},
+         {"Detent 2", "1,2,3,4", numbers},
+         {"Detent 2", ",", numbers},
+         {"Detent 1", "0,,0.05", "Saved"},
+         {"Detent 9", "0.5", "Written, but spaced evenly: each detent lies at least 0.02 above the one before"},
+         {"Detent 9", "", "Saved"},
+         {"Detent 8", "40", "Written, but spaced evenly: a detent's position is from 0 to 1"}});
   EXPECT_EQ(setting("Flap Settings") + ' ' + setting("Number of Detends"), "Active 09");
   EXPECT_EQ(setting("Flap detend 1") + ' ' + setting("Flap detend 2") + ' ' + setting("Flap detend 9"),
-            "0,5,-10.25  ");
+            "0,,0.05  ");
   EXPECT_EQ(FaultsOf(1024, 768), "");
   Stop();
   Begin();
   EXPECT_TRUE(settings.flapsActive);
   Open(flapsWindowTitle);
   const auto shown = [](const char* label) { return Shown(flapsWindowTitle, label); };
-  EXPECT_EQ(shown("Number of detents") + ' ' + shown("Detent 1") + ' ' + shown("Detent 8"), "9 0,5,-10.25 40");
+  EXPECT_EQ(shown("Number of detents") + ' ' + shown("Detent 1") + ' ' + shown("Detent 8"), "9 0,,0.05 40");
   EXPECT_NE(SimCommand("widgets").find("checkbox \"Flap detents active\" on"), std::string::npos);
 }
 

@@ -118,6 +118,8 @@ TEST(SettingsText, ParsesValues) {
                    none = ParseFlapDetent("");
   EXPECT_TRUE(full.count == 3 && full.values[0] == 0.25 && full.values[1] == 1 && full.values[2] == -2);
   EXPECT_TRUE(one.count == 1 && one.values[0] == 5 && none.count == 0 && none.values[0] == 0);
+  EXPECT_TRUE(std::isnan(ParseFlapDetent("0.5,,0.6").values[1]));
+  for (const char* faulty : {"abc", "1.0x", "0.5,nan", "1e999"}) EXPECT_EQ(ParseFlapDetent(faulty).count, 0);
 }
 
 struct SettingsFile : testing::Test {

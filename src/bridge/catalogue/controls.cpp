@@ -1,5 +1,6 @@
 // Flight controls, trim, brakes, gear, flaps, speed brake, nose wheel.
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <numbers>
@@ -64,6 +65,7 @@ void ApplyRightBrake(const OffsetRow&, const Staged& staged) {
   CopyFromMemory(0x0BC4, sizeof(left), &left);
   const float ratio = static_cast<float>(staged.number * (1 / full));
   SetSource(rightBrake, ratio);
+  if (staged.own) return;  // a pedal on an axis would fill the log
   // Formatted here: the line's decimal point must not follow the computer's locale.
   char number[32];
   *std::to_chars(number, number + sizeof(number) - 1, ratio, std::chars_format::fixed, 6).ptr = '\0';
@@ -191,6 +193,7 @@ constexpr Source overrides[4] = {
 unsigned overridesTaken = 0;  // bits that were off before a client's write switched them on
 
 void ApplyOverrides(const OffsetRow&, const Staged& staged) {
+  if (!staged.own) overridesCleared.fetch_or(~static_cast<unsigned>(staged.integer));
   for (unsigned bit = 0; bit < 4; ++bit) {
     const unsigned mask = 1u << bit;
     const bool wanted = (static_cast<unsigned>(staged.integer) & mask) != 0;
@@ -693,6 +696,8 @@ constexpr OffsetRow rows[] = {
 };
 
 }  // namespace
+
+std::atomic<unsigned> overridesCleared;
 
 const RowTable controlRows = {"Flight controls", rows};
 
