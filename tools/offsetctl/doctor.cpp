@@ -160,6 +160,7 @@ std::vector<Diagnosis> DiagnoseLog(std::string_view log) {
       {"cannot be read", ""},
       {"cannot be written", "Make the plug-in's folder writable for your user."},
       {"is left out", ""},
+      {": it reads 0", "Correct the kind or the element in TAVRIXOffsets.cfg."},
       {" not found.", "Correct the name in TAVRIXOffsets.cfg, unless it belongs to another aircraft."},
   };
   if (log.empty()) {
