@@ -68,7 +68,7 @@ TEST(OffsetctlConfirm, FollowsWithinTheRowsOwnStep) {
       {"scaled", 8000, 0, 7999, true},
       {"scaled", 8000, 0, 7998, false},
       {"setting", 16211, 16000, 16208, true},
-      {"setting", 16211, 16208, 16208, true},  // as near as it gets, and there before
+      {"setting", 16211, 16208, 16208, true},   // as near as it gets, and there before
       {"setting", 16211, 16100, 16200, false},  // nearer to the new value than to the old one is not enough
       {"place", 1000, 100, 1090, true},         // which goes on moving
       {"place", 1000, 100, 1094, false},
@@ -95,7 +95,8 @@ TEST(OffsetctlConfirm, FollowsWithinTheRowsOwnStep) {
 }
 
 TEST(OffsetctlConfirm, SettlesWithTheSlowestRefresh) {
-  const WriteCheck quick = CheckFor("place", 1, 0), slow = CheckFor("plain", 1, 0), asked = CheckFor("asked", 1, 0);
+  const WriteCheck quick = CheckFor("place", 1, 0), slow = CheckFor("plain", 1, 0),
+                   asked = CheckFor("asked", 1, 0);
   Settling settling = BeginSettling({quick, asked, slow}, 65530, 10);
   EXPECT_FALSE(Settle(&settling, 65535, 10.5)) << "5 frames";
   EXPECT_EQ(SecondsWithoutFrames(settling, 12.5), 2);

@@ -46,7 +46,8 @@ TEST(OffsetctlRecording, TellsWhatIsWrong) {
   std::string error;
   size_t whole = 0;
   for (size_t size = 0; size < good.size(); size += size < 64 || size > good.size() - 64 ? 1 : 97) {
-    EXPECT_EQ(ReadRecording(good.data(), size, &recording, &error), size >= recordingHeaderSize) << size << error;
+    EXPECT_EQ(ReadRecording(good.data(), size, &recording, &error), size >= recordingHeaderSize)
+        << size << error;
     whole += size >= recordingHeaderSize && recording.cutOff.empty();
     EXPECT_LE(recording.frames.size(), 1u) << size;
   }
@@ -133,7 +134,8 @@ TEST(OffsetctlMapping, FindsAPlaceThatTheCheckLikes) {
 TEST(OffsetctlMapping, KnowsWhatTheLoadSaidAndTakesItsLinesOut) {
   const std::string old = "Dataref sim/a not found.\n12:00 Reload TAVRIXOffsets.cfg\r\n";
   const std::string misfit =
-      "12:00 TAVRIX->Dataref sim/a of the alias \"map66C0\" in TAVRIXOffsets.cfg is kept as int, not as float: it "
+      "12:00 TAVRIX->Dataref sim/a of the alias \"map66C0\" in TAVRIXOffsets.cfg is kept as int, not as float: "
+      "it "
       "reads 0\r\n";
   EXPECT_EQ(LoadFault(old, "sim/a", "map66C0"), "");
   EXPECT_NE(LoadFault(old + "Dataref sim/a not found.\n", "sim/a[2]", "x").find("no dataref sim/a:"),

@@ -144,8 +144,9 @@ int RunWrite(const Options& options, const Transport& transport) {
                            ? transport.writeConfirmed(transfers, &checks, &error)
                            : WriteAndRead(transport, transfers, options.timeout, &checks, &error);
   if (!written && StopRequested()) {
-    return Report(exitNoAnswer, options.confirm ? "stopped before the simulator had followed: the values were sent"
-                                                : "stopped before the server had taken the values");
+    return Report(exitNoAnswer, options.confirm
+                                    ? "stopped before the simulator had followed: the values were sent"
+                                    : "stopped before the server had taken the values");
   }
   if (!written) return Report(exitNoAnswer, error);
   for (size_t i = 0; i < items.size(); ++i) {

@@ -18,8 +18,8 @@ int Report(int status, const std::string& text);
 int ReportFailure(const std::string& error);
 // The same for what goes on until it is stopped, and has begun: 0 then.
 int ReportEnd(const std::string& error);
-// The line when nothing has come from the server for longer than the time-out; "" before. Never for a way without
-// `silence`.
+// The line when nothing has come from the server for longer than the time-out; "" before. Never for a way
+// without `silence`.
 std::string SilenceText(const Options& options, const Transport& transport);
 
 // Commands with a server take an open transport.

@@ -22,15 +22,15 @@ struct WriteCheck {
 // The check of an item that is about to be written over `before` (`size` bytes).
 WriteCheck CheckOf(const Item& wanted, const NameTable& names, const uint8_t* before);
 // Whether the bytes are what was written, or what a refresh of the row makes of it: for switches anything that
-// is on or off alike, for texts the same up to the first zero, for scaled numbers a step aside. Where the row is
-// lossy, what it is known to be off by; where it also moves on by itself with every frame, a tenth of the way
-// more.
+// is on or off alike, for texts the same up to the first zero, for scaled numbers a step aside. Where the row
+// is lossy, what it is known to be off by; where it also moves on by itself with every frame, a tenth of the
+// way more.
 bool Follows(const WriteCheck& check, const uint8_t* shown);
 // Whether the row is a request, which goes back once it is taken: what it shows then tells nothing.
 bool IsRequest(const WriteCheck& check);
 // Whether what stands there shows that the simulator has not followed: another value than the written one, or
-// one that nothing in the simulator looks at. Of bytes that the plug-in knows in part or not at all, only the old
-// ones tell that.
+// one that nothing in the simulator looks at. Of bytes that the plug-in knows in part or not at all, only the
+// old ones tell that.
 bool IsRefused(const WriteCheck& check, const uint8_t* shown);
 // The first check that is not done, or refused; null when there is none. Requests are passed over.
 const WriteCheck* FindFailed(const std::vector<WriteCheck>& checks);

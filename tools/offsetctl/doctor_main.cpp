@@ -112,9 +112,10 @@ std::vector<Diagnosis> LookAtPorts(const NetworkSettings& settings) {
   CloseSocket(stream);
   std::vector<Diagnosis> told;
   if (result == Connecting::Done && !IsServer(settings.address)) {
-    told.push_back({Health::Bad, "Something accepts connections at " + place + ", but no values come from it." + by,
-                    "If that is not X-Plane, close it and reload the plug-in; if it is, a firewall keeps UDP away or "
-                    "the simulator stands still."});
+    told.push_back(
+        {Health::Bad, "Something accepts connections at " + place + ", but no values come from it." + by,
+         "If that is not X-Plane, close it and reload the plug-in; if it is, a firewall keeps UDP away or "
+         "the simulator stands still."});
   } else if (result == Connecting::Done) {
     told.push_back({Health::Good, "A server answers at " + place + "." + by, ""});
   } else if (!owner.empty()) {

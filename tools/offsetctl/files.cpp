@@ -63,7 +63,8 @@ bool IsWholeElf(const std::vector<uint8_t>& bytes) {
   const uint64_t segments = LoadFrom<uint64_t>(head + 32), sections = LoadFrom<uint64_t>(head + 40);
   const uint32_t count = LoadFrom<uint16_t>(head + 56);
   const uint64_t tableSize = uint64_t{LoadFrom<uint16_t>(head + 58)} * LoadFrom<uint16_t>(head + 60);
-  if (!IsInside(bytes, segments, uint64_t{count} * segmentSize) || !IsInside(bytes, sections, tableSize)) return false;
+  if (!IsInside(bytes, segments, uint64_t{count} * segmentSize) || !IsInside(bytes, sections, tableSize))
+    return false;
   for (uint32_t i = 0; i < count; ++i) {
     const uint8_t* segment = bytes.data() + segments + i * segmentSize;
     if (!IsInside(bytes, LoadFrom<uint64_t>(segment + 8), LoadFrom<uint64_t>(segment + 32))) return false;
@@ -112,7 +113,8 @@ bool WriteTextFile(const std::string& path, const std::string& text) {
 
 bool TakeLock(const std::string& path, double staleSeconds) {
   struct stat status = {};
-  if (StatusOf(path, &status) && std::difftime(std::time(nullptr), status.st_mtime) > staleSeconds) GiveLock(path);
+  if (StatusOf(path, &status) && std::difftime(std::time(nullptr), status.st_mtime) > staleSeconds)
+    GiveLock(path);
   const int file = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY, S_IRUSR | S_IWUSR);
   if (file < 0) return false;
   close(file);

@@ -12,16 +12,16 @@ bool IsFile(const std::string& path);
 std::string Joined(const std::string& folder, const std::string& name);
 // The plug-in's folder, when `folder` is that one or X-Plane's; "" when it is neither.
 std::string PluginFolderIn(const std::string& folder);
-// Replaces a file's text at one stroke, through a file beside it. Returns true, or false when it cannot be written:
-// the file is as before then.
+// Replaces a file's text at one stroke, through a file beside it. Returns true, or false when it cannot be
+// written: the file is as before then.
 bool WriteTextFile(const std::string& path, const std::string& text);
 // Puts a file into the place of another. Returns true, or false when nothing was moved.
 bool MoveOver(const std::string& from, const std::string& to);
 // What lies in a folder, hidden names left out; nothing when it cannot be looked into.
 std::vector<std::string> NamesIn(const std::string& folder);
 
-// Takes a file as a lock that other processes respect, one that was left behind longer than `staleSeconds` ago, too.
-// Returns true, or false when somebody else has it or the file cannot be made.
+// Takes a file as a lock that other processes respect, one that was left behind longer than `staleSeconds` ago,
+// too. Returns true, or false when somebody else has it or the file cannot be made.
 bool TakeLock(const std::string& path, double staleSeconds);
 void GiveLock(const std::string& path);
 

@@ -109,7 +109,8 @@ Item ItemOf(const Mapping& mapping) {
   return item;
 }
 
-// Takes our lines out again, whatever else was added meanwhile, and has the file read. Ctrl-C waits until it is done.
+// Takes our lines out again, whatever else was added meanwhile, and has the file read. Ctrl-C waits until it is
+// done.
 bool PutBack(const Options& options, const Transport& transport, const Mapping& mapping, const Log& log,
              const std::string& path) {
   HoldStop(true);
@@ -122,8 +123,8 @@ bool PutBack(const Options& options, const Transport& transport, const Mapping& 
   return done;
 }
 
-// Adds the lines and has them read. When the simulator has no such dataref, or keeps it otherwise, or Ctrl-C comes,
-// the file is put back.
+// Adds the lines and has them read. When the simulator has no such dataref, or keeps it otherwise, or Ctrl-C
+// comes, the file is put back.
 int AddLines(const Options& options, const Transport& transport, const Mapping& mapping,
              const std::string& folder, const std::string& before) {
   const std::string path = Joined(folder, "TAVRIXOffsets.cfg");
@@ -138,7 +139,8 @@ int AddLines(const Options& options, const Transport& transport, const Mapping& 
   if (isRead) fault = LoadFault(NewsIn(log), options.items[0], mapping.alias);
   if (isRead && fault.empty()) return exitDone;
   const bool isBack = PutBack(options, transport, mapping, log, path);
-  const std::string end = isBack ? "; nothing was added" : "; the lines in " + path + " could not be taken out again";
+  const std::string end =
+      isBack ? "; nothing was added" : "; the lines in " + path + " could not be taken out again";
   return isRead ? Report(exitUsage, fault + end) : Report(exitNoAnswer, "stopped" + end);
 }
 
@@ -181,7 +183,8 @@ int RunMap(const Options& options, const Transport& transport) {
   }
   if (!isFound) return Report(status, error);
   if (!isLocked) {
-    return Report(exitNoAnswer, "cannot make " + lock + ": another offsetctl map is at work (delete the file when " +
+    return Report(exitNoAnswer, "cannot make " + lock +
+                                    ": another offsetctl map is at work (delete the file when " +
                                     "there is none), or the folder is protected");
   }
   status = MapInFile(options, transport, request, folder, &mapping);

@@ -103,8 +103,8 @@ bool CheckDataref(const std::string& dataref, const KindLine& kind, std::string*
   const size_t bracket = dataref.find('[');
   if (bracket == std::string::npos && dataref.find(']') == std::string::npos) return true;
   const std::string element = bracket == std::string::npos ? "" : dataref.substr(bracket + 1);
-  const bool isNumber = element.size() >= 2 && element.size() <= mostElementDigits + 1 && element.back() == ']' &&
-                        element.find_first_not_of("0123456789") == element.size() - 1;
+  const bool isNumber = element.size() >= 2 && element.size() <= mostElementDigits + 1 &&
+                        element.back() == ']' && element.find_first_not_of("0123456789") == element.size() - 1;
   if (!isNumber) {
     return Fail(Quote(dataref) + ": an element is a number from 0 in brackets at the end, like [3]", error);
   }

@@ -39,7 +39,7 @@ struct Session {
   Echo echo;
   std::vector<WriteCheck>* checks = nullptr;  // while a write waits for its confirmation
   std::vector<RecordedFrame> frames;
-  bool gone = false;  // the server has closed the connection
+  bool gone = false;          // the server has closed the connection
   Clock::time_point heardAt;  // when its last datagram came
 };
 
@@ -325,7 +325,8 @@ bool WriteConfirmed(const std::vector<Transfer>& transfers, std::vector<WriteChe
   session.checks = nullptr;
   if (!sent) return false;
   if (!followed && session.gone) return ExplainGone(error);
-  if (!followed) return standstill.empty() ? ExplainNotFollowed(*checks, error) : Explain(standstill, error);
+  const bool isUnknown = !standstill.empty() && FindFailed(*checks) == nullptr;
+  if (!followed) return !isUnknown ? ExplainNotFollowed(*checks, error) : Explain(standstill, error);
   hold.unlock();
   return WaitUntilTaken(error);
 }

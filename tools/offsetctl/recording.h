@@ -26,7 +26,8 @@ std::vector<uint8_t> RecordingHeader(uint64_t startedAt);
 // One frame as it stands in a file. The frame has at most 65,535 bytes.
 std::vector<uint8_t> RecordedFrameBytes(const RecordedFrame& frame);
 // Reads a whole file. One that was cut off, as by a full disk or a loss of power, gives the frames before that
-// place and says so in `cutOff`. Returns true, or false with a sentence in `error` that says where what is wrong.
+// place and says so in `cutOff`. Returns true, or false with a sentence in `error` that says where what is
+// wrong.
 bool ReadRecording(const uint8_t* bytes, size_t size, Recording* recording, std::string* error);
 // How long it takes, in microseconds.
 uint64_t RecordingLength(const Recording& recording);

@@ -48,7 +48,12 @@ bool ReadUtf8(const std::string& bytes, std::u32string* text) {
   text->clear();
   for (size_t at = 0; at < bytes.size();) {
     const auto first = static_cast<uint8_t>(bytes[at++]);
-    const size_t more = first < 0x80 ? 0 : first < 0xC0 ? 4 : first < 0xE0 ? 1 : first < 0xF0 ? 2 : first < 0xF8 ? 3 : 4;
+    const size_t more = first < 0x80   ? 0
+                        : first < 0xC0 ? 4
+                        : first < 0xE0 ? 1
+                        : first < 0xF0 ? 2
+                        : first < 0xF8 ? 3
+                                       : 4;
     if (more > 3 || more > bytes.size() - at) return false;
     uint32_t code = more == 0 ? first : first & (0x3Fu >> more);
     for (size_t i = 0; i < more; ++i, ++at) {
@@ -96,8 +101,8 @@ std::string WithUnit(const std::string& text, const Item& item) {
   return item.row == nullptr || item.row->unit[0] == 0 ? text : text + " " + item.row->unit;
 }
 
-// "118.705 MHz asked: steps of 0.01 MHz", "400 deg asked, the same as 40 deg", when what is written is not what was
-// asked for; "" else.
+// "118.705 MHz asked: steps of 0.01 MHz", "400 deg asked, the same as 40 deg", when what is written is not what
+// was asked for; "" else.
 std::string RoundingText(const Item& item) {
   double stored = 0;
   if (item.row == nullptr || !std::isfinite(item.asked) || !EngineeringNumber(item, &stored)) return "";
@@ -112,7 +117,8 @@ std::string RoundingText(const Item& item) {
                       std::fabs(stored - wanted) < 0.05 * unit;
   if (isSame && turns == 0) return "";
   const auto withUnit = [&item](double value) { return WithUnit(RealText(static_cast<float>(value)), item); };
-  const std::string asked = withUnit(item.asked) + " asked" + (turns == 0 ? "" : ", the same as " + withUnit(wanted));
+  const std::string asked =
+      withUnit(item.asked) + " asked" + (turns == 0 ? "" : ", the same as " + withUnit(wanted));
   return isSame ? asked : asked + ": steps of " + withUnit(step);
 }
 
@@ -214,7 +220,8 @@ std::string ChangeLine(const Item& item, const uint8_t* before, const uint8_t* a
   shown.bytes.assign(after, after + item.size);
   const bool hasWords = item.row != nullptr && IsInteger(item.type);
   const std::string word = hasWords ? WordFor(*item.row, static_cast<int64_t>(StoredBits(shown))) : "";
-  const std::string now = EngineeringText(shown), rounded = RoundingText(item), made = DifferenceText(item, now);
+  const std::string now = EngineeringText(shown), rounded = RoundingText(item),
+                    made = DifferenceText(item, now);
   const std::string why = rounded + (rounded.empty() || made.empty() ? "" : "; ") + made;
   return item.shown + ": " + old + " -> " + WithUnit(now, item) + (word.empty() ? "" : " (" + word + ")") +
          (why.empty() ? "" : " (" + why + ")");

@@ -81,8 +81,7 @@ std::string MakeNameTable() {
               ", .unitScale = " + Number(row.unitScale) + ", .unitBias = " + Number(row.unitBias) +
               ", .show = Form::" + FormName(row) + ", .readOnly = " + (row.readOnly ? "true" : "false") +
               ", .writable = " + (IsForWriting(row) ? "true" : "false") + FramesText(row) + LossText(row) +
-              ChoicesText(row) +
-              "},\n";
+              ChoicesText(row) + "},\n";
     }
   }
   text += "};\nconstexpr OffsetRange readOnlyOffsets[] = {\n";
