@@ -114,12 +114,6 @@ def test_confirms_nothing_where_no_frames_run(serve, linux):
     standin = serve(linux, "--flight", "none", "--rate", "0")
     standin.ask("frames 70")
     assert "no frames have run" in offsetctl(linux, "write", "com1=118.30", "--confirm", "--timeout", "1", expect=1)
-    client = subprocess.Popen(linux.command("offsetctl", "write", "com1=119.30", "--confirm"), stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, text=True)
-    wait_for("the write", lambda: linux.run("offsetctl", "read", "com1").stdout.startswith("com1 = 119.30"))
-    client.send_signal(signal.SIGINT)
-    shown, errors = client.communicate(timeout=10)
-    assert client.returncode == 1 and not shown and "stopped before the simulator had followed" in errors
     standin.quit()
 
 
