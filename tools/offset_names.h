@@ -18,10 +18,11 @@ enum class Form : uint8_t {
   Text,
 };
 
-// A stored number that means something of its own.
+// A stored number that means something of its own; of Form::Bits, a group of `width` bits from bit `number` on.
 struct NamedNumber {
   int64_t number;
   const char* name;
+  int width = 1;
 };
 
 struct OffsetName {
@@ -36,6 +37,7 @@ struct OffsetName {
   Form show;
   bool readOnly;           // the server drops writes to it
   bool writable;           // a write reaches the simulator
+  uint16_t frames = 0;     // from one refresh to the next; 0: never refreshed
   const char* lossy = "";  // why a written value does not read back within one step; "" when it does
   // How far off it reads back then, at most: stored numbers, and a share of what was written. Both 0: not
   // known, or the reason is another one.
@@ -45,6 +47,12 @@ struct OffsetName {
 
 // A stretch of offsets, both ends included.
 struct OffsetRange {
+  uint32_t first, last;
+};
+
+// A stretch with a layout of its own, which the plug-in or its clients fill as a whole; both ends included.
+struct OffsetArea {
+  const char* name;
   uint32_t first, last;
 };
 
@@ -60,6 +68,7 @@ struct NameTable {
   std::span<const OffsetName> rows;
   std::span<const OffsetRange> readOnly;
   std::span<const OffsetSubject> subjects = {};
+  std::span<const OffsetArea> areas = {};
 };
 
 }  // namespace ctl

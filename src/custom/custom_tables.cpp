@@ -128,9 +128,53 @@ void TellFaults(std::string_view text) {
   }
 }
 
+// The words of the file, the simulator's bits for them, and how many elements a dataref has.
+struct KindFacts {
+  Accessor kind;
+  const char* word;
+  XPLMDataTypeID type;
+  int (*elements)(XPLMDataRef);  // null for scalars
+};
+constexpr KindFacts kindFacts[] = {
+    {Accessor::Int, "int", xplmType_Int, nullptr},
+    {Accessor::Float, "float", xplmType_Float, nullptr},
+    {Accessor::Double, "double", xplmType_Double, nullptr},
+    {Accessor::FloatArray, "floatarray", xplmType_FloatArray,
+     [](XPLMDataRef ref) { return XPLMGetDatavf(ref, nullptr, 0, 0); }},
+    {Accessor::IntArray, "intarray", xplmType_IntArray,
+     [](XPLMDataRef ref) { return XPLMGetDatavi(ref, nullptr, 0, 0); }},
+    {Accessor::Bytes, "data", xplmType_Data, [](XPLMDataRef ref) { return XPLMGetDatab(ref, nullptr, 0, 0); }},
+};
+
+// A line for a dataref that reads 0 because it is kept in another way than its line says. Its owner may have
+// gone, or may not have filled it yet: nothing is known then.
+void TellMisfit(const CustomDatarefEntry& entry) {
+  const XPLMDataTypeID types = XPLMGetDataRefTypes(entry.handle);
+  std::string kept;
+  const KindFacts* stated = nullptr;
+  for (const KindFacts& facts : kindFacts) {
+    if ((types & facts.type) != 0) kept += (kept.empty() ? "" : ", ") + std::string(facts.word);
+    if (facts.kind == entry.kind) stated = &facts;
+  }
+  if (stated == nullptr || kept.empty()) return;
+  std::string fault;
+  if ((types & stated->type) == 0) {
+    fault = "is kept as " + kept + ", not as " + stated->word;
+  } else if (stated->elements != nullptr) {
+    const int elements = stated->elements(entry.handle);
+    if (elements <= 0 || (entry.index >= 0 && entry.index < elements)) return;
+    fault = "has " + std::to_string(elements) + " elements, counted from 0, and none of number " +
+            std::to_string(entry.index);
+  }
+  if (fault.empty()) return;
+  LogOwn("TAVRIX->Dataref %s of the alias \"%s\" in TAVRIXOffsets.cfg %s: it reads 0\n",
+         EscapedControls(entry.path).c_str(), EscapedControls(entry.alias).c_str(), fault.c_str());
+}
+
 void LookUpDatarefs(CustomTables* tables) {
   for (CustomDatarefEntry& entry : tables->datarefs) {
     entry.handle = XPLMFindDataRef(entry.path);
+    if (entry.handle != nullptr) TellMisfit(entry);
     if (entry.handle != nullptr) continue;
     LogLine("Dataref %s not found.\n", EscapedControls(entry.path).c_str());
     if (*entry.path != '\0') continue;

@@ -1,5 +1,7 @@
 """What people do with offsetctl: words and units, confirmed writes, offsets of their own, a look at an installation."""
+import resource
 import shutil
+import signal
 import socket
 import subprocess
 import time
@@ -58,6 +60,8 @@ def test_help_and_version_need_no_server(linux):
     (["list", "nothing", "like", "this"], "no offset's name"),
     (["map", "psi", "float"], "no dataref"),
     (["map", "sim/a/b", "float", "0580"], "fixed meaning"),
+    (["map", "sim/a/b", "float", "D850"], "area flight_records"),
+    (["write", "lights=taxi+fog"], "none of navigation + beacon"),
     (["record", "/nowhere/x", "--local"], ""),
     (["conform", "luck", "--", "true"], "no situation \"luck\": there are plain"),
     (["doctor", "/nowhere"], "offsetctl doctor FOLDER"),
@@ -94,6 +98,25 @@ def test_confirms_what_a_refresh_makes_of_it(serve, linux):
     standin.quit()
 
 
+def test_confirms_only_what_a_refresh_leaves(serve, linux):
+    standin = serve(linux, "--flight", "none")
+    for words, status, told in (
+            ("zulu_hour=25", 1, "zulu_hour shows 23 h (above 23"), ("zulu_hour=14", 0, ""),
+            ("autobrake=77", 1, "shows 5 (above"), ("aircraft=hello", 1, "nothing in the simulator follows it"),
+            ("message_text=hello", 0, ""), ("heading=45", 1, "heading shows "), ("ap_heading_bug=-10", 0, ""),
+            ("lights=taxi+beacon", 0, ""), ("lights=off", 0, "")):
+        result = linux.run("offsetctl", "write", words, "--confirm", "--timeout", "1.5")
+        assert result.returncode == status and told in result.stderr, (words, result.stderr)
+    standin.quit()
+
+
+def test_confirms_nothing_where_no_frames_run(serve, linux):
+    standin = serve(linux, "--flight", "none", "--rate", "0")
+    standin.ask("frames 70")
+    assert "no frames have run" in offsetctl(linux, "write", "com1=118.30", "--confirm", "--timeout", "1", expect=1)
+    standin.quit()
+
+
 def test_tells_when_the_simulator_does_not_follow(linux):
     server = ScriptedServer("127.0.0.2")
     memory = bytearray(0x20000)
@@ -124,8 +147,42 @@ def test_maps_datarefs_to_offsets(serve, build):
     text = (standin.folder / "TAVRIXOffsets.cfg").read_text()
     assert "has no dataref sim/none/such" in offsetctl(build, "map", "sim/none/such", "float", expect=2)
     assert (standin.folder / "TAVRIXOffsets.cfg").read_text() == text
+    for wrong, told in ((["sim/cockpit/radios/nav1_freq_hz", "float"], "is kept as int, not as float"),
+                        (["sim/flightmodel/engine/ENGN_N1_[99]", "floatarray"], "none of number 99")):
+        assert told in offsetctl(build, "map", *wrong, expect=2)
+        assert (standin.folder / "TAVRIXOffsets.cfg").read_text() == text
     assert "taken by line" in offsetctl(build, *words[:2], "float", "66C2", expect=2)
     offsetctl(build, "check", build.path(standin.folder / "TAVRIXOffsets.cfg"))
+    standin.quit()
+
+
+def test_maps_at_once_and_stopped(serve, linux):
+    standin = serve(linux, "--flight", "none")
+    path = standin.folder / "TAVRIXOffsets.cfg"
+    path.write_text("# mine\n")
+    begun = [subprocess.Popen(linux.command("offsetctl", "map", f"sim/cockpit/radios/com{i}_freq_hz", "int"))
+             for i in (1, 2)]
+    assert [one.wait(timeout=20) for one in begun] == [0, 0]
+    text = path.read_text()
+    assert text.startswith("# mine\n") and "com1_freq_hz int" in text and "com2_freq_hz int" in text
+    stopped = subprocess.Popen(linux.command("offsetctl", "map", "sim/none/such", "int"), stderr=subprocess.PIPE, text=True)
+    wait_for("the lines", lambda: "sim/none/such" in path.read_text())
+    stopped.send_signal(signal.SIGINT)
+    _, errors = stopped.communicate(timeout=20)
+    assert stopped.returncode in (1, 2) and "nothing was added" in errors and path.read_text() == text, errors
+
+    def fill_disk():
+        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        resource.setrlimit(resource.RLIMIT_FSIZE, (200, 200))
+    full = subprocess.run(linux.command("offsetctl", "map", "sim/flightmodel/position/psi", "float"), text=True,
+                          stderr=subprocess.PIPE, preexec_fn=fill_disk)
+    assert full.returncode == 2 and "It is as before" in full.stderr and path.read_text() == text
+    assert not list(standin.folder.glob("TAVRIXOffsets.cfg.*"))
+    path.write_text("Dataref a sim/none/such int\nOffset 66C0 SINT32 1 r $a\n")
+    before = len(standin.log())
+    offsetctl(linux, "write", "0x6F0E:u8=1")
+    wait_for("the load", lambda: "sim/none/such not found" in standin.log()[before:])
+    assert "no dataref sim/none/such" in offsetctl(linux, "map", "sim/none/such", "int", expect=1)
     standin.quit()
 
 
@@ -142,9 +199,13 @@ def test_doctor_finds_what_is_wrong(serve, build, tmp_path):
     (folder / "TAVRIXOffsets.cfg").write_text("Offset 66C0 UINT99 1 r 1\n")
     (folder / "64" / "win.xpl").write_bytes(b"no program" * 100)
     (folder / "TAVRIX").mkdir()
+    binary = folder / ("win.xpl" if build.wine else "64/lin.xpl")
+    (folder.parent / "Copy.xpl").write_bytes(binary.read_bytes())
+    binary.write_bytes(binary.read_bytes()[:-1000])
     result = build.run("offsetctl", "doctor", build.path(folder))
     assert result.returncode == 1
-    for problem in ("64/win.xpl is no plug-in", "folder TAVRIX within", "192.0.2.7, which this computer does not have",
+    for problem in ("64/win.xpl is no plug-in", "lin.xpl is damaged" if not build.wine else "win.xpl is damaged",
+                    "second copy of the plug-in", "folder TAVRIX within", "192.0.2.7, which this computer does not have",
                     "TAVRIXOffsets.cfg has 1 problem(s)"):
         assert "PROBLEM  " in result.stdout and problem in result.stdout, result.stdout
     # A port that somebody else has.
@@ -154,6 +215,8 @@ def test_doctor_finds_what_is_wrong(serve, build, tmp_path):
         assert "Nobody answers at TCP port 65000 of 127.0.0.1" in told
         if not build.wine:
             assert "the port is taken. It is held by " in told
+    with socket.create_server(("127.0.0.1", PORT)):
+        assert "but no values come from it" in build.run("offsetctl", "doctor", build.path(folder)).stdout
 
 
 def test_never_hangs_on_a_silent_server(linux, tmp_path):

@@ -128,13 +128,21 @@ def test_replay_ends_when_told(replay, linux):
 
 def test_broken_recordings_are_refused(recording, linux, tmp_path):
     whole = recording.read_bytes()
-    for name, data, told in (("cut", whole[:-1], "cut off"), ("other", b"Hello" * 20, "no recording"),
+    damaged = whole[:32 + 12 + 16394 + 11] + b"\x7F" + whole[32 + 12 + 16394 + 12:]
+    for name, data, told in (("damaged", damaged, "damaged at frame 2"), ("other", b"Hello" * 20, "no recording"),
                              ("short", whole[:32 + 12 + 16394], "1 of 8 blocks"), ("none", None, "cannot be read")):
         path = tmp_path / name
         if data is not None:
             path.write_bytes(data)
         result = linux.run("offsetctl", "replay", path)
         assert result.returncode == 2 and told in result.stderr, result.stderr
+
+
+def test_a_cut_recording_plays_its_whole_frames(recording, linux, tmp_path):
+    path = tmp_path / "cut"
+    path.write_bytes(recording.read_bytes()[:-1])
+    result = linux.run("offsetctl", "replay", path, "--seconds", "0.3")
+    assert result.returncode == 0 and "cut off: it ends within frame" in result.stderr, result.stderr
 
 
 def test_sample_conforms_where_it_is_quick(linux):
@@ -167,6 +175,8 @@ def test_conform_on_windows(win32):
 
 BAD_CLIENTS = {
     "silent": ("plain", "import sys; sys.stdin.read()", "no line of it"),
+    "never stops": ("plain", "while True: print('y' * 1000)", 'it printed "yyy'),
+    "no line ends": ("plain", "while True: print('y' * 1000, end='')", "no line of it"),
     "gives up": ("plain", "import sys; sys.exit('no idea')", "status 1: no idea"),
     "gives up in silence": ("ninth", "raise SystemExit(0)", "without a line on standard error"),
     "knocks": ("refused", "import os, socket, time\nwhile True:\n  try: socket.create_connection((os.environ['TAVRIX_HOST'], "

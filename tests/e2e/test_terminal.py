@@ -1,10 +1,12 @@
 """The live table in a terminal, as a person sees it."""
 import os
 import signal
+import subprocess
 import time
 
 import pytest
 
+from conftest import wait_for
 from terminal import CLEAR, HIDE, HOME, SHOW, Terminal, check_fits
 
 SETTINGS = "[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n"
@@ -129,6 +131,37 @@ def test_server_goes_away(server, linux, open_terminal):
     terminal.check_restored()
     last = terminal.text.split(HOME)[-1]
     assert "the server at 127.0.0.1 has closed the connection" in last.splitlines()[-1]
+
+
+def test_tells_of_a_silent_server(server, linux, open_terminal):
+    running = {words: linux.command("offsetctl", *words) for words in (
+        ("watch", "activity", "--timeout", "2"), ("record", server.root / "x", "--seconds", "4", "--timeout", "2"))}
+    running = {words[0]: subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+               for words, command in running.items()}
+    terminal = open_terminal(linux.command("offsetctl", "monitor", "--timeout", "2"))
+    terminal.wait_text(HOME, 2)
+    wait_for("the recording", lambda: (server.root / "x").exists())
+    assert running["watch"].stdout.readline().startswith("activity = ")
+    server.process.send_signal(signal.SIGSTOP)
+    for words, told in (("watch", "nothing has come from the server"), ("record", "nothing came from the server")):
+        _, errors = running[words].communicate(timeout=10)
+        assert running[words].returncode == 1 and told in errors and errors.count("\n") == 1, errors
+    terminal.wait_text("no news for ")
+    server.process.send_signal(signal.SIGCONT)
+    terminal.type("q")
+    assert terminal.wait(deadline=10) == 0
+
+
+def test_ends_when_nobody_reads(server, linux):
+    started = time.monotonic()
+    pipe = subprocess.Popen(linux.command("offsetctl", "watch", "com1"), stdout=subprocess.PIPE)
+    assert pipe.stdout.readline().startswith(b"com1 = ")
+    pipe.stdout.close()
+    assert pipe.wait(timeout=10) == 0 and time.monotonic() - started < 10
+    with open("/dev/full", "w") as full:
+        for words in (["list"], ["read", "com1"], ["watch", "com1", "--count", "1"]):
+            result = subprocess.run(linux.command("offsetctl", *words), stdout=full, stderr=subprocess.PIPE, text=True)
+            assert result.returncode == 1 and "cannot be written" in result.stderr, words
 
 
 @pytest.fixture

@@ -135,16 +135,23 @@ TEST_F(CustomLoad, LogsWhatIsNotFound) {
   EXPECT_EQ(custom::Log(), "");
   custom::Load(
       "Dataref p sim/time/paused int\nDataref no no/such[2] intarray\n"
+      "Dataref q sim/time/paused floatarray\nDataref r sim/flightmodel/engine/ENGN_N1_[7] floatarray\n"
+      "Dataref s sim/flightmodel/engine/ENGN_N1_[8] floatarray\n"
       "Command 10 UINT8 0 1 no/command 1 2 sim/flight_controls/rudder_ctr\n"
       "Offset 1 UINT8 1 r $p\nOffset 2 UINT8 1 r " +
       std::string(256, '1') + "\n");
-  EXPECT_EQ(Unstamped(custom::Log()),
-            "TAVRIX->TAVRIXOffsets.cfg line 5: the word has more than 255 characters, the line is left out: "
-            "shorten it\n"
-            "Dataref no/such not found.\n"
-            "Command no/command not found.\nCommand  not found.\nCommand  not found.\n"
-            "TAVRIX->Commands without a name are the blanks between the groups of a Command line, which is "
-            "normal; here of offset 0x0010\n");
+  EXPECT_EQ(
+      Unstamped(custom::Log()),
+      "TAVRIX->TAVRIXOffsets.cfg line 8: the word has more than 255 characters, the line is left out: "
+      "shorten it\n"
+      "Dataref no/such not found.\n"
+      "TAVRIX->Dataref sim/time/paused of the alias \"q\" in TAVRIXOffsets.cfg is kept as int, not as "
+      "floatarray: it reads 0\n"
+      "TAVRIX->Dataref sim/flightmodel/engine/ENGN_N1_ of the alias \"s\" in TAVRIXOffsets.cfg has 8 elements, "
+      "counted from 0, and none of number 8: it reads 0\n"
+      "Command no/command not found.\nCommand  not found.\nCommand  not found.\n"
+      "TAVRIX->Commands without a name are the blanks between the groups of a Command line, which is "
+      "normal; here of offset 0x0010\n");
   ASSERT_NE(loadedTables, nullptr);
   EXPECT_NE(loadedTables->datarefs[1].handle, nullptr);
   custom::Load("Offset 1 UINT8 1 r 1\n" + std::string(4096, 'x'));

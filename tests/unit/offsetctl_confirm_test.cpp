@@ -22,7 +22,8 @@ OffsetName Row(const char* name, uint32_t offset, ValueType type, const char* un
           .unitBias = 0,
           .show = show,
           .readOnly = false,
-          .writable = true,
+          .writable = offset != 0x20,
+          .frames = static_cast<uint16_t>(offset == 0x22 ? 1 : 31),
           .lossy = lossy,
           .lossSteps = steps,
           .lossShare = share,
@@ -38,13 +39,17 @@ const OffsetName rows[] = {
     Row("limited", 0x1A, ValueType::U16, "", 1, Form::Number, "above 23 counts as 23"),
     Row("asked", 0x1C, ValueType::U16, "", 1, Form::Number, "a request: back at 0 once taken"),
     Row("radio", 0x1E, ValueType::U16, "MHz", 1, Form::Bcd),
+    Row("shown", 0x20, ValueType::U16, "", 1, Form::Number),
+    Row("place", 0x22, ValueType::U16, "m", 1.0 / 16, Form::Number, "in axes of its own", 3),
+    Row("text", 0x24, ValueType::Text, "", 1, Form::Text),
 };
 
 WriteCheck CheckFor(const char* name, uint16_t wanted, uint16_t before) {
   const NameTable table = {rows, {}};
   Item item;
   std::string error;
-  EXPECT_TRUE(ParseItem(std::string(name) + ":u16", table, &item, &error)) << error;
+  const std::string type = std::string(name) == "text" ? "" : ":u16";
+  EXPECT_TRUE(ParseItem(name + type, table, &item, &error)) << error;
   std::memcpy(item.bytes.data(), &wanted, 2);
   uint8_t bytes[2];
   std::memcpy(bytes, &before, 2);
@@ -63,16 +68,19 @@ TEST(OffsetctlConfirm, FollowsWithinTheRowsOwnStep) {
       {"scaled", 8000, 0, 7999, true},
       {"scaled", 8000, 0, 7998, false},
       {"setting", 16211, 16000, 16208, true},
-      {"setting", 16211, 16208, 16208, true},  // as near as it gets, and there before
-      {"setting", 16211, 16100, 16200, true},  // nearer to the new value than to the old one
-      {"setting", 16211, 16100, 16120, false},
+      {"setting", 16211, 16208, 16208, true},   // as near as it gets, and there before
+      {"setting", 16211, 16100, 16200, false},  // nearer to the new value than to the old one is not enough
+      {"place", 1000, 100, 1090, true},         // which goes on moving
+      {"place", 1000, 100, 1094, false},
+      {"text", 0x0041, 0x4242, 0x0041, true},
+      {"text", 0x4100, 0x4242, 0x4200, true},  // behind the end of the text
+      {"text", 0x0041, 0x4242, 0x0042, false},
       {"bug", 65530, 100, 10, true},  // a full turn is no distance
       {"bug", 65530, 100, 90, false},
       {"switch", 255, 0, 1, true},
       {"switch", 255, 0, 0, false},
       {"switch", 0, 1, 0, true},
-      {"limited", 60, 0, 23, false},  // as near to the old value as to the new one
-      {"limited", 30, 0, 23, true},
+      {"limited", 30, 0, 23, false},
       {"radio", 0x1870, 0x1850, 0x1871, false},
   };
   for (const auto& row : cases) {
@@ -80,8 +88,24 @@ TEST(OffsetctlConfirm, FollowsWithinTheRowsOwnStep) {
     uint8_t shown[2];
     std::memcpy(shown, &row.shown, 2);
     EXPECT_EQ(Follows(check, shown), row.follows) << row.name << " " << row.wanted << " " << row.shown;
-    EXPECT_EQ(IsSetBack(check, shown), row.shown == row.before && !row.follows) << row.name << " " << row.shown;
+    EXPECT_EQ(IsRefused(check, shown), !row.follows) << row.name << " " << row.shown;
   }
+  const uint8_t kept[] = {7, 0};
+  EXPECT_TRUE(IsRefused(CheckFor("shown", 7, 0), kept)) << "nothing follows it";
+}
+
+TEST(OffsetctlConfirm, SettlesWithTheSlowestRefresh) {
+  const WriteCheck quick = CheckFor("place", 1, 0), slow = CheckFor("plain", 1, 0),
+                   asked = CheckFor("asked", 1, 0);
+  Settling settling = BeginSettling({quick, asked, slow}, 65530, 10);
+  EXPECT_FALSE(Settle(&settling, 65535, 10.5)) << "5 frames";
+  EXPECT_EQ(SecondsWithoutFrames(settling, 12.5), 2);
+  EXPECT_FALSE(Settle(&settling, 25, 13)) << "31 frames, the first of which may have been under way";
+  EXPECT_TRUE(Settle(&settling, 26, 13));
+  settling = BeginSettling({asked}, 0, 10);
+  EXPECT_FALSE(Settle(&settling, 0, 10.2));
+  EXPECT_EQ(SecondsWithoutFrames(settling, 20), 0) << "none are waited for";
+  EXPECT_TRUE(Settle(&settling, 0, 10.3));
 }
 
 TEST(OffsetctlConfirm, KnowsRowsBehindTypes) {

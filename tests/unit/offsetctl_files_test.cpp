@@ -6,6 +6,7 @@
 
 #include "offsetctl/check.h"
 #include "offsetctl/doctor.h"
+#include "offsetctl/files.h"
 #include "offsetctl/mapping.h"
 #include "offsetctl/picture.h"
 #include "offsetctl/recording.h"
@@ -45,14 +46,17 @@ TEST(OffsetctlRecording, TellsWhatIsWrong) {
   std::string error;
   size_t whole = 0;
   for (size_t size = 0; size < good.size(); size += size < 64 || size > good.size() - 64 ? 1 : 97) {
-    if (ReadRecording(good.data(), size, &recording, &error)) {
-      ++whole;
-    } else {
-      EXPECT_TRUE(error.find("cut off") != std::string::npos || error.find("no recording") != std::string::npos)
-          << size << ": " << error;
-    }
+    EXPECT_EQ(ReadRecording(good.data(), size, &recording, &error), size >= recordingHeaderSize)
+        << size << error;
+    whole += size >= recordingHeaderSize && recording.cutOff.empty();
+    EXPECT_LE(recording.frames.size(), 1u) << size;
   }
   EXPECT_LE(whole, 2u) << "only an end between two frames is none";
+  Bytes filled = good;
+  filled.resize(good.size() + 100);
+  EXPECT_TRUE(ReadRecording(filled.data(), filled.size(), &recording, &error)) << error;
+  EXPECT_EQ(recording.frames.size(), 2u);
+  EXPECT_NE(recording.cutOff.find("within frame 3"), std::string::npos) << recording.cutOff;
   const struct {
     size_t at;
     uint8_t value;
@@ -96,6 +100,15 @@ TEST(OffsetctlMapping, FindsAPlaceThatTheCheckLikes) {
       {"", {"sim/a/b", "float", "FFFD"}, 0, false},
       {"", {"sim/a/b", "float", "0580"}, 0, false},
       {"", {"sim/a/b", "float", "66G0"}, 0, false},
+      {"", {"sim/a/b", "float", "166E8"}, 0, false},
+      {"", {"sim/a/b", "float", "C87F"}, 0, false},
+      {"", {"sim/a/b", "float", "1F7D"}, 0, false},
+      {"", {"sim/a/b", "float", "F100"}, 0, false},
+      {"", {"sim/a/b", "float", "DFBF"}, 0, false},
+      {"", {"sim/a/b[x]", "floatarray", ""}, 0, false},
+      {"", {"sim/a/b[", "floatarray", ""}, 0, false},
+      {"", {"sim/a/b[-1]", "floatarray", ""}, 0, false},
+      {"", {"sim/a/b[1]c", "floatarray", ""}, 0, false},
       {"", {"sim/a/b", "float32", ""}, 0, false},
       {"", {"sim/a/b[3]", "float", ""}, 0, false},
       {"", {"psi", "float", ""}, 0, false},
@@ -116,6 +129,44 @@ TEST(OffsetctlMapping, FindsAPlaceThatTheCheckLikes) {
     const std::vector<Finding> after = CheckOffsetsFile(row.file + mapping.lines, "", KnownOffsets());
     EXPECT_LE(after.size(), before) << row.file << mapping.lines << (after.empty() ? "" : after.back().text);
   }
+}
+
+TEST(OffsetctlMapping, KnowsWhatTheLoadSaidAndTakesItsLinesOut) {
+  const std::string old = "Dataref sim/a not found.\n12:00 Reload TAVRIXOffsets.cfg\r\n";
+  const std::string misfit =
+      "12:00 TAVRIX->Dataref sim/a of the alias \"map66C0\" in TAVRIXOffsets.cfg is kept as int, not as float: "
+      "it "
+      "reads 0\r\n";
+  EXPECT_EQ(LoadFault(old, "sim/a", "map66C0"), "");
+  EXPECT_NE(LoadFault(old + "Dataref sim/a not found.\n", "sim/a[2]", "x").find("no dataref sim/a:"),
+            std::string::npos);
+  EXPECT_EQ(LoadFault(old + misfit, "sim/a", "map66C0"), "sim/a is kept as int, not as float: it reads 0");
+  EXPECT_EQ(LoadFault(old + misfit, "sim/a", "map66C4"), "");
+  std::string text = "# mine\n\n# ours\n# somebody else's\n";
+  EXPECT_TRUE(TakeOut("\n# ours\n", &text));
+  EXPECT_EQ(text, "# mine\n# somebody else's\n");
+  EXPECT_FALSE(TakeOut("\n# ours\n", &text));
+}
+
+TEST(OffsetctlFiles, SeeWhatIsMissingFromAProgram) {
+  // Headers with one part of 100 bytes behind them.
+  Bytes portable(300);
+  portable[0] = 'M', portable[1] = 'Z', portable[0x3C] = 0x40;
+  portable[0x44] = 0x64, portable[0x45] = 0x86, portable[0x46] = 1;  // 64 bits, one section
+  portable[0x58 + 16] = 100, portable[0x58 + 20] = 200;
+  Bytes elf(300);
+  elf[0] = 0x7F, elf[1] = 'E', elf[2] = 'L', elf[3] = 'F', elf[4] = 2, elf[18] = 62;
+  elf[32] = 64, elf[56] = 1;  // one segment
+  elf[64 + 8] = 200, elf[64 + 32] = 100;
+  EXPECT_EQ(KindOfBytes(portable), BinaryKind::Windows64);
+  EXPECT_EQ(KindOfBytes(elf), BinaryKind::Linux64);
+  for (size_t size = 64; size < 300; ++size) {
+    EXPECT_EQ(KindOfBytes(Bytes(portable.begin(), portable.begin() + static_cast<std::ptrdiff_t>(size))),
+              BinaryKind::Damaged);
+    EXPECT_EQ(KindOfBytes(Bytes(elf.begin(), elf.begin() + static_cast<std::ptrdiff_t>(size))),
+              BinaryKind::Damaged);
+  }
+  EXPECT_EQ(KindOfBytes(Bytes(300, 'x')), BinaryKind::Other);
 }
 
 size_t Count(const std::vector<Diagnosis>& told, Health health, const char* text) {
@@ -154,6 +205,9 @@ TEST(OffsetctlDoctor, TellsOfFilesAndLog) {
   binaries[3].found = BinaryKind::Linux64;
   EXPECT_EQ(Count(DiagnoseLayout(binaries), Health::Bad, "64/win.xpl is the Windows build of 32 bits"), 1u);
   EXPECT_EQ(Count(DiagnoseLayout(binaries), Health::Good, "64/lin.xpl"), 1u);
+  binaries[3].found = BinaryKind::Damaged;
+  EXPECT_EQ(Count(DiagnoseLayout(binaries), Health::Bad, "64/lin.xpl is damaged"), 1u);
+  EXPECT_EQ(Count(DiagnoseCopies({"a/win.xpl", "b.xpl"}), Health::Bad, "second copy"), 2u);
   EXPECT_EQ(Count(DiagnoseLog(""), Health::Bad, "has not loaded the plug-in"), 1u);
   const std::vector<Diagnosis> told = DiagnoseLog(
       "12:00:00 TAVFARNET->Tried address 10.0.0.1, TCP port 65000: the port is taken; close it\r\n"

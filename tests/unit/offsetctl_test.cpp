@@ -15,9 +15,22 @@ namespace {
 using namespace ctl;
 
 constexpr NamedNumber places[] = {{0, "rejected take-off"}, {1, "off"}, {2, "landing 1"}, {3, "landing 2"}};
+constexpr NamedNumber bits[] = {{0, "navigation"}, {1, "beacon"}, {3, "taxi"}, {8, "rate", 8}};
 constexpr OffsetName rows[] = {
     {0x0580, ValueType::U16, 2, "heading", "true heading", "deg", 360.0 / 65536, 0, Form::Number, false, true},
-    {0x0D0C, ValueType::U16, 2, "lights", "light switches", "", 1, 0, Form::Bits, false, true},
+    {.offset = 0x0D0C,
+     .type = ValueType::U16,
+     .length = 2,
+     .name = "lights",
+     .meaning = "light switches",
+     .unit = "",
+     .unitScale = 1,
+     .unitBias = 0,
+     .show = Form::Bits,
+     .readOnly = false,
+     .writable = true,
+     .lossy = "bit 1 is read-only there",
+     .choices = bits},
     {0x0BC8, ValueType::U16, 2, "brake", "parking brake", "", 1, 0, Form::Flag, false, true},
     {0x034E, ValueType::U16, 2, "com1", "COM1", "MHz", 1, 0, Form::Bcd, false, true},
     {0x0354, ValueType::U16, 2, "squawk", "transponder", "", 1, 0, Form::Bcd, false, true},
@@ -117,6 +130,14 @@ TEST(OffsetctlWrite, EncodesValues) {
       {"brake=on", "01 00"},
       {"brake=no", "00 00"},
       {"lights=0x8001", "01 80"},
+      {"lights=TAXI", "08 00"},
+      {"lights=nav+beacon", "03 00"},
+      {"lights=on", "0B 00"},
+      {"lights=off", "00 00"},
+      {"heading=360", "00 00"},
+      {"heading=359.9999", "00 00"},
+      {"heading=-90", "00 C0"},
+      {"heading=1000000090", "1C 07"},
       {"heading=4.71238898038469rad", "00 C0"},
       {"heading=270 DEG", "00 C0"},
       {"com1=118705kHz", "70 18"},
@@ -161,9 +182,11 @@ TEST(OffsetctlWrite, RefusesWhatDoesNotFit) {
                          "0x0330:hex:2=0102 03",
                          "0x0330=hex:",
                          "0x0330=5",
-                         "heading=360",
-                         "heading=-0.1",
+                         "heading=inf",
                          "heading=nan",
+                         "lights=taxi+",
+                         "lights=rate",
+                         "lights=",
                          "heading=0xC000",
                          "com1=99.99",
                          "com1=200",
@@ -210,6 +233,11 @@ TEST(OffsetctlShow, PrintsLinesAndJson) {
       {"0x0330:f32", "0000C07F", "0x0330 = nan (00 00 C0 7F)", "null"},
       {"0x0330:hex:2", "0A0B", "0x0330 = 0A 0B", "\"0A 0B\""},
       {"0x0330:text:4", "412200FF", "0x0330 = \"A\\\"\" (41 22 00 FF)", "\"A\\\"\""},
+      {"0x0330:text:9", "C3A9E282ACF09F9880",
+       "0x0330 = \"\\xC3\\xA9\\xE2\\x82\\xAC\\xF0\\x9F\\x98\\x80\" (C3 A9 E2 82 AC F0 9F 98 80)",
+       "\"\\u00E9\\u20AC\\uD83D\\uDE00\""},
+      {"0x0330:text:3", "EDA080", "0x0330 = \"\\xED\\xA0\\x80\" (ED A0 80)", "\"\\u00ED\\u00A0\\u0080\""},
+      {"0x0330:text:2", "C080", "0x0330 = \"\\xC0\\x80\" (C0 80)", "\"\\u00C0\\u0080\""},
       {"0x0330:text:1", "E9", "0x0330 = \"\\xE9\" (E9)", "\"\\u00E9\""},
       {"heading", "FCBF", "heading = 269.978 deg, 49148 (FC BF)", "269.97802734375"},
       {"heading:u16", "FCBF", "heading = 49148 (FC BF)", "49148"},
@@ -236,8 +264,19 @@ TEST(OffsetctlShow, TellsOldNewAndRounding) {
     const char* assignment;
     const char* before;
     const char* line;
+    const char* after = "";  // "": what was written
   } cases[] = {
       {"heading=270", "0000", "heading: 0.000 -> 270.000 deg"},
+      {"heading=360", "0040", "heading: 90.000 -> 0.000 deg (360 deg asked, the same as 0 deg)"},
+      {"heading=-89.9", "0000",
+       "heading: 0.000 -> 270.099 deg (-89.9 deg asked, the same as 270.1 deg: steps of 0.005493164 deg)"},
+      {"lights=on", "0000",
+       "lights: 0x0000 -> 0x0009 (navigation + taxi) (0x000B written, which the simulator changes: bit 1 is "
+       "read-only there)",
+       "0900"},
+      {"speed=100.4", "0000",
+       "speed: 0 -> 98 kt (100.4 kt asked: steps of 1 kt; 100 kt written, which the simulator changes)",
+       "6200"},
       {"com1=118.705MHz", "7018", "com1: 118.70 -> 118.70 MHz (118.705 MHz asked: steps of 0.01 MHz)"},
       {"speed=100.4", "0000", "speed: 0 -> 100 kt (100.4 kt asked: steps of 1 kt)"},
       {"speed=185.2km/h", "0000", "speed: 0 -> 100 kt"},
@@ -254,7 +293,11 @@ TEST(OffsetctlShow, TellsOldNewAndRounding) {
     ASSERT_TRUE(ParseAssignment(row.assignment, names, &item, &error)) << error;
     std::vector<uint8_t> before;
     ASSERT_TRUE(ParseBytes(std::string("hex:") + row.before, &before));
-    EXPECT_EQ(ChangeLine(item, before.empty() ? nullptr : before.data(), item.bytes.data()), row.line);
+    std::vector<uint8_t> after = item.bytes;
+    if (row.after[0] != 0) {
+      ASSERT_TRUE(ParseBytes(std::string("hex:") + row.after, &after));
+    }
+    EXPECT_EQ(ChangeLine(item, before.empty() ? nullptr : before.data(), after.data()), row.line);
   }
 }
 

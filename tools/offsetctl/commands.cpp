@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 
+#include "base/bytes.h"
 #include "confirm.h"
 #include "console.h"
 #include "item.h"
@@ -19,8 +20,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-// A value that the simulator does not keep is set back with its next refresh, as a rule within this time.
-constexpr double settleSeconds = 0.25;
 constexpr double readPause = 0.02;
 
 // Returns true, or false with the sentence in `error`.
@@ -52,21 +51,26 @@ Clock::duration Period(double seconds) { return std::chrono::duration_cast<Clock
 bool WriteAndRead(const Transport& transport, const std::vector<Transfer>& transfers, double timeout,
                   std::vector<WriteCheck>* checks, std::string* error) {
   const Clock::time_point start = Clock::now(), deadline = start + Period(timeout);
-  const Clock::time_point settled = std::min(deadline, start + Period(settleSeconds));
-  if (!transport.writeOffsets(transfers, error)) return false;
-  std::vector<Transfer> reads;
+  const auto elapsed = [start] { return Seconds(Clock::now() - start).count(); };
+  uint8_t activity[2] = {};
+  std::vector<Transfer> reads = {{activityOffset, sizeof activity, activity}};
+  if (!transport.readOffsets(reads, error) || !transport.writeOffsets(transfers, error)) return false;
+  Settling settling = BeginSettling(*checks, LoadFrom<uint16_t>(activity), elapsed());
   for (WriteCheck& check : *checks) {
     reads.push_back({check.wanted.offset, check.wanted.size, check.shown.data()});
   }
   for (;;) {
     if (!transport.readOffsets(reads, error)) return false;
-    const WriteCheck* failed = nullptr;
-    for (const WriteCheck& check : *checks) {
-      if (!IsRequest(check) && !Follows(check, check.shown.data())) failed = &check;
-    }
-    if (failed == nullptr && Clock::now() >= settled) return true;
+    for (WriteCheck& check : *checks) check.done = true;  // the answer is what stands there
+    const WriteCheck* failed = FindFailed(*checks);
+    const bool settled = Settle(&settling, LoadFrom<uint16_t>(activity), elapsed());
+    if (failed == nullptr && settled) return true;
     if (WaitForStop(readPause)) return false;
-    if (failed == nullptr || Clock::now() < deadline) continue;
+    if (SecondsWithoutFrames(settling, elapsed()) > timeout) {
+      *error = StandstillText(timeout);
+      return false;
+    }
+    if (failed == nullptr || !settled || Clock::now() < deadline) continue;
     *error = "written, but the simulator does not follow: " + ShownText(*failed, failed->shown.data());
     return false;
   }
@@ -80,7 +84,17 @@ int Report(int status, const std::string& text) {
   return status;
 }
 
-int ReportFailure(const std::string& error) { return StopRequested() ? exitDone : Report(exitNoAnswer, error); }
+int ReportFailure(const std::string& error) {
+  return Report(exitNoAnswer, StopRequested() ? "stopped before it was done" : error);
+}
+
+int ReportEnd(const std::string& error) { return StopRequested() ? exitDone : Report(exitNoAnswer, error); }
+
+std::string SilenceText(const Options& options, const Transport& transport) {
+  if (transport.silence == nullptr || transport.silence() <= options.timeout) return "";
+  return "nothing has come from the server for " + FixedText(transport.silence(), 1) +
+         " s: the simulator stands still, or the network is cut (--timeout waits longer)";
+}
 
 int CheckItems(const Options& options) {
   if (options.command != Command::Read && options.command != Command::Write &&
@@ -114,7 +128,8 @@ int RunWrite(const Options& options, const Transport& transport) {
   if (!ParseItems(options, &items, &error)) return Report(exitUsage, error);
   std::vector<Item> before = items;
   const bool isKnown = transport.readOffsets(TransfersOf(&before), &error);
-  if (!isKnown && (StopRequested() || options.confirm)) return ReportFailure(error);
+  if (!isKnown && StopRequested()) return Report(exitNoAnswer, "stopped before anything was written");
+  if (!isKnown && options.confirm) return Report(exitNoAnswer, error);
   if (!isKnown) Report(exitDone, "the old values are not known: " + error);
   std::vector<WriteCheck> checks;
   for (size_t i = 0; i < items.size(); ++i) {
@@ -128,7 +143,12 @@ int RunWrite(const Options& options, const Transport& transport) {
                        : transport.writeConfirmed != nullptr
                            ? transport.writeConfirmed(transfers, &checks, &error)
                            : WriteAndRead(transport, transfers, options.timeout, &checks, &error);
-  if (!written) return ReportFailure(error);
+  if (!written && StopRequested()) {
+    return Report(exitNoAnswer, options.confirm
+                                    ? "stopped before the simulator had followed: the values were sent"
+                                    : "stopped before the server had taken the values");
+  }
+  if (!written) return Report(exitNoAnswer, error);
   for (size_t i = 0; i < items.size(); ++i) {
     const std::vector<uint8_t>& after = options.confirm ? checks[i].shown : items[i].bytes;
     PrintLine(ChangeLine(items[i], isKnown ? before[i].bytes.data() : nullptr, after.data()));
@@ -145,8 +165,13 @@ int RunWatch(const Options& options, const Transport& transport) {
   const Clock::time_point end = start + Period(options.seconds);
   std::vector<Item> before;
   uint32_t printed = 0;
+  WatchOutput();
   for (Clock::time_point next = start; !StopRequested();) {
-    if (!transport.readOffsets(transfers, &error)) return ReportFailure(error);
+    if (!transport.readOffsets(transfers, &error)) {
+      return printed == 0 ? ReportFailure(error) : ReportEnd(error);
+    }
+    error = SilenceText(options, transport);
+    if (!error.empty()) return Report(exitNoAnswer, error);
     for (size_t i = 0; i < items.size(); ++i) {
       if (!before.empty() && items[i].bytes == before[i].bytes) continue;
       PrintLine(options.json ? ItemJson(items[i]) : ItemLine(items[i]));
@@ -200,10 +225,8 @@ int RunList(const Options& options) {
           i + 1 < found.size() ? ",\n" : "\n]\n");
       continue;
     }
-    std::string meaning = row.meaning;
-    if (!row.choices.empty()) meaning += ": " + WordsText(row);
     std::printf("%-*s  %-7s  %-8s %-10s %-8s %s\n", static_cast<int>(width), row.name,
-                HexText(row.offset, 4).c_str(), type.c_str(), access, row.unit, meaning.c_str());
+                HexText(row.offset, 4).c_str(), type.c_str(), access, row.unit, row.meaning);
   }
   return exitDone;
 }

@@ -14,8 +14,13 @@ constexpr int exitUsage = 2;
 
 // One line on standard error; returns the status.
 int Report(int status, const std::string& text);
-// What a failed read or write means: 0 when the user has stopped it, else exitNoAnswer.
+// exitNoAnswer, with that line or one that says that the user has stopped it before it was done.
 int ReportFailure(const std::string& error);
+// The same for what goes on until it is stopped, and has begun: 0 then.
+int ReportEnd(const std::string& error);
+// The line when nothing has come from the server for longer than the time-out; "" before. Never for a way
+// without `silence`.
+std::string SilenceText(const Options& options, const Transport& transport);
 
 // Commands with a server take an open transport.
 int RunRead(const Options& options, const Transport& transport);

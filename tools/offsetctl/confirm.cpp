@@ -7,6 +7,7 @@
 
 #include "encode.h"
 #include "names.h"
+#include "numbers.h"
 #include "show.h"
 
 namespace ctl {
@@ -16,6 +17,8 @@ namespace {
 // Where the catalogue gives no figures for a lossy row.
 constexpr double unknownSteps = 4;
 constexpr double singlePrecision = 1e-6;
+constexpr double settleSeconds = 0.25;
+constexpr double movingShare = 0.1;
 
 double NumberIn(const WriteCheck& check, const uint8_t* bytes) {
   Item item = check.wanted;
@@ -42,12 +45,19 @@ double SlackOf(const OffsetName& row, const Item& wanted, double number) {
 }
 
 // Directions begin again behind a full turn.
-double DistanceBetween(const OffsetName& row, const Item& item, double a, double b) {
+double DistanceBetween(const WriteCheck& check, double a, double b) {
   const double distance = std::fabs(a - b);
+  Item item = check.wanted;
+  item.row = check.row;
   const double turn = std::ldexp(1.0, static_cast<int>(8 * item.size));
-  const bool isTurn = IsInteger(item.type) && std::strcmp(row.unit, "deg") == 0 &&
-                      std::fabs(std::fabs(row.unitScale) * turn - 360) < 1e-9;
-  return isTurn ? std::min(distance, turn - distance) : distance;
+  return IsDirection(item) ? std::min(distance, turn - distance) : distance;
+}
+
+bool IsSameText(const WriteCheck& check, const uint8_t* shown) {
+  const auto text = [&check](const uint8_t* bytes) {
+    return std::string(bytes, std::find(bytes, bytes + check.wanted.size, uint8_t{0}));
+  };
+  return text(check.wanted.bytes.data()) == text(shown);
 }
 
 bool IsNumber(const WriteCheck& check) {
@@ -58,7 +68,11 @@ bool IsNumber(const WriteCheck& check) {
 
 WriteCheck CheckOf(const Item& wanted, const NameTable& names, const uint8_t* before) {
   const std::vector<uint8_t> bytes(before, before + wanted.size);
-  WriteCheck check = {wanted, wanted.row, bytes, bytes, false};
+  WriteCheck check = {wanted, wanted.row, bytes, bytes, false, 0};
+  for (const OffsetName& row : names.rows) {
+    if (row.offset >= wanted.offset + wanted.size || wanted.offset >= row.offset + row.length) continue;
+    check.frames = std::max<uint32_t>(check.frames, row.frames);
+  }
   if (check.row == nullptr) {
     const OffsetName* row = FindByOffset(names, wanted.offset);
     if (row != nullptr && row->type == wanted.type && row->length == wanted.size) check.row = row;
@@ -72,11 +86,14 @@ bool Follows(const WriteCheck& check, const uint8_t* shown) {
   if (check.row == nullptr) return false;
   const double number = StoredNumber(wanted), now = NumberIn(check, shown);
   if (check.row->show == Form::Flag) return (number != 0) == (now != 0);
+  if (check.row->show == Form::Text) return IsSameText(check, shown);
   if (!IsNumber(check)) return false;
-  const double distance = DistanceBetween(*check.row, wanted, number, now);
-  if (distance <= SlackOf(*check.row, wanted, number)) return true;
-  const double moved = DistanceBetween(*check.row, wanted, now, NumberIn(check, check.before.data()));
-  return IsLossy(*check.row) && distance < moved;
+  const double distance = DistanceBetween(check, number, now);
+  const double slack = SlackOf(*check.row, wanted, number);
+  if (distance <= slack) return true;
+  const bool moves = check.row->frames == 1 && check.row->lossSteps > 0;
+  return moves &&
+         distance <= slack + movingShare * DistanceBetween(check, number, NumberIn(check, check.before.data()));
 }
 
 bool IsRequest(const WriteCheck& check) {
@@ -85,9 +102,45 @@ bool IsRequest(const WriteCheck& check) {
   return lossy.starts_with("a request") || lossy.starts_with("goes back to 0");
 }
 
-bool IsSetBack(const WriteCheck& check, const uint8_t* shown) {
-  if (check.row == nullptr) return false;
-  return std::memcmp(shown, check.before.data(), check.before.size()) == 0 && !Follows(check, shown);
+bool IsRefused(const WriteCheck& check, const uint8_t* shown) {
+  if (check.row != nullptr) return !check.row->writable || !Follows(check, shown);
+  return check.frames > 0 && std::memcmp(shown, check.before.data(), check.before.size()) == 0 &&
+         std::memcmp(shown, check.wanted.bytes.data(), check.wanted.size) != 0;
+}
+
+const WriteCheck* FindFailed(const std::vector<WriteCheck>& checks) {
+  for (const WriteCheck& check : checks) {
+    if (IsRequest(check)) continue;
+    if (!check.done || IsRefused(check, check.shown.data())) return &check;
+  }
+  return nullptr;
+}
+
+Settling BeginSettling(const std::vector<WriteCheck>& checks, uint16_t activity, double now) {
+  Settling settling = {.wanted = 0, .activity = activity, .lastFrameAt = now, .startedAt = now};
+  for (const WriteCheck& check : checks) {
+    // The frame that is under way may have passed the row already.
+    if (check.frames > 0 && !IsRequest(check)) settling.wanted = std::max(settling.wanted, check.frames + 1);
+  }
+  return settling;
+}
+
+bool Settle(Settling* settling, uint16_t activity, double now) {
+  if (activity != settling->activity) {
+    settling->seen += static_cast<uint16_t>(activity - settling->activity);
+    settling->activity = activity;
+    settling->lastFrameAt = now;
+  }
+  return settling->seen >= settling->wanted && now - settling->startedAt >= settleSeconds;
+}
+
+double SecondsWithoutFrames(const Settling& settling, double now) {
+  return settling.seen < settling.wanted ? now - settling.lastFrameAt : 0;
+}
+
+std::string StandstillText(double seconds) {
+  return "sent, but no frames have run for " + RealText(seconds) +
+         " s: whether the simulator follows shows when it goes on";
 }
 
 std::string ShownText(const WriteCheck& check, const uint8_t* shown) {

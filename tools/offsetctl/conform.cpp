@@ -86,8 +86,11 @@ int TryAll(const std::vector<const Situation*>& chosen, const Options& options, 
 
 void Run(Bench* bench, int milliseconds) {
   constexpr int sliceMs = 10;
-  for (int left = milliseconds; left > 0 && !StopRequested(); left -= sliceMs) {
-    Serve(&bench->server, std::min(left, sliceMs));
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
+  for (auto now = Clock::now(); now < end && !StopRequested(); now = Clock::now()) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - now).count();
+    Serve(&bench->server, std::min(static_cast<int>(left) + 1, sliceMs));
     // First whether it has ended: what it printed before is there then.
     bench->ended = bench->ended || HasEnded(&bench->client, &bench->status);
     for (const std::string& line : TakeLines(&bench->client)) TakeLine(bench, line);

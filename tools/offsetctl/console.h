@@ -9,6 +9,10 @@ void WatchForStop();
 // From here on the key q does, too, while WaitForStop waits; keys are not shown any more. RestoreTerminal ends
 // that. Does nothing when standard input is no terminal, or belongs to another program at the moment.
 void WatchKeys();
+// From here on the end of whatever reads our standard output through a pipe does, too.
+void WatchOutput();
+// While true, nothing counts as asked for, until it is false again: for what must not be left half done.
+void HoldStop(bool isHeld);
 // Whether a clean end was asked for. Any thread.
 bool StopRequested();
 // Waits that long, at most a million seconds, or until Ctrl-C; not at all when it is zero or less. Returns

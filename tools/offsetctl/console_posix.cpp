@@ -8,10 +8,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
+#include <thread>
 
 #include "console.h"
 
@@ -25,7 +28,8 @@ constexpr double longestWait = 1e6;  // seconds; in milliseconds it fits an int
 
 volatile sig_atomic_t stopRequested;
 volatile sig_atomic_t wasAway;
-bool keysWatched;
+bool keysWatched, outputWatched;
+std::atomic<bool> stopHeld;
 termios settingsBefore;      // of the terminal, while keys are watched
 int stopPipe[2] = {-1, -1};  // readable from the first signal on, so that none falls between test and wait
 
@@ -94,18 +98,30 @@ void WatchKeys() {
   Handle(SIGTSTP, OnSuspend);
 }
 
-bool StopRequested() { return stopRequested != 0; }
+void WatchOutput() { outputWatched = true; }
+
+void HoldStop(bool isHeld) { stopHeld = isHeld; }
+
+bool StopRequested() { return stopRequested != 0 && !stopHeld; }
 
 bool WaitForStop(double seconds) {
   if (!(seconds > 0)) return StopRequested();
   const auto length = std::chrono::duration<double>(std::min(seconds, longestWait));
+  if (stopHeld) {
+    std::this_thread::sleep_for(length);
+    return false;
+  }
   const Clock::time_point end = Clock::now() + std::chrono::duration_cast<Clock::duration>(length);
   while (!stopRequested) {
     const double left = std::chrono::duration<double>(end - Clock::now()).count();
     if (left <= 0) break;
-    pollfd watched[] = {{stopPipe[0], POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
-    poll(watched, keysWatched ? 2 : 1, static_cast<int>(std::ceil(left * 1000)));
+    // A negative descriptor is passed over; errors are told without being asked for.
+    pollfd watched[] = {{stopPipe[0], POLLIN, 0},
+                        {keysWatched ? STDIN_FILENO : -1, POLLIN, 0},
+                        {outputWatched ? STDOUT_FILENO : -1, 0, 0}};
+    poll(watched, std::size(watched), static_cast<int>(std::ceil(left * 1000)));
     if (watched[1].revents != 0 && IsEndPressed()) stopRequested = 1;
+    if (watched[2].revents != 0) stopRequested = 1;
   }
   return StopRequested();
 }

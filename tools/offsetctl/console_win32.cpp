@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -20,6 +21,7 @@ constexpr double longestWait = 1e6;  // seconds; in milliseconds it is far below
 constexpr DWORD closingMs = 3000;  // the system ends the program when it takes longer than five seconds
 
 HANDLE stopEvent;
+std::atomic<bool> stopHeld;
 bool keysWatched;
 SHORT homeRow;  // of the buffer, which may be higher than the window
 
@@ -64,11 +66,19 @@ void WatchForStop() {
   SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 }
 
-bool StopRequested() { return WaitForSingleObject(stopEvent, 0) == WAIT_OBJECT_0; }
+void WatchOutput() {}  // the next line that is printed tells of it
+
+void HoldStop(bool isHeld) { stopHeld = isHeld; }
+
+bool StopRequested() { return !stopHeld && WaitForSingleObject(stopEvent, 0) == WAIT_OBJECT_0; }
 
 bool WaitForStop(double seconds) {
   if (!(seconds > 0)) return StopRequested();
   const auto length = std::chrono::duration<double>(std::min(seconds, longestWait));
+  if (stopHeld) {
+    Sleep(static_cast<DWORD>(std::ceil(length.count() * 1000)));
+    return false;
+  }
   const Clock::time_point end = Clock::now() + std::chrono::duration_cast<Clock::duration>(length);
   const HANDLE watched[] = {stopEvent, Input()};
   for (double left = length.count(); left > 0;) {

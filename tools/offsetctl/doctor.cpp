@@ -57,6 +57,11 @@ std::vector<Diagnosis> DiagnoseLayout(const std::vector<PlacedBinary>& binaries)
       good += (good.empty() ? "" : ", ") + std::string(binary.path);
       continue;
     }
+    if (binary.found == BinaryKind::Damaged) {
+      told.push_back({Health::Bad, std::string(binary.path) + " is damaged: a part of it is missing.",
+                      "Copy it again, from a download that is whole: X-Plane cannot load it."});
+      continue;
+    }
     told.push_back(
         {Health::Bad, std::string(binary.path) + " is " + NameOf(binary.found) + ".",
          std::string("Put ") + NameOf(binary.wanted) + " there, or nothing: X-Plane does not load it."});
@@ -68,6 +73,15 @@ std::vector<Diagnosis> DiagnoseLayout(const std::vector<PlacedBinary>& binaries)
         {Health::Bad, "There is no plug-in in the folder.",
          "Copy 64/win.xpl (Windows, 64 bits), 64/lin.xpl (Linux) or 32/win.xpl and win.xpl (Windows, 32 "
          "bits) into it."});
+  }
+  return told;
+}
+
+std::vector<Diagnosis> DiagnoseCopies(const std::vector<std::string>& copies) {
+  std::vector<Diagnosis> told;
+  for (const std::string& path : copies) {
+    told.push_back({Health::Bad, "There is a second copy of the plug-in: " + path + ".",
+                    "Remove it: X-Plane loads both, and they take each other's ports and window."});
   }
   return told;
 }
@@ -146,6 +160,7 @@ std::vector<Diagnosis> DiagnoseLog(std::string_view log) {
       {"cannot be read", ""},
       {"cannot be written", "Make the plug-in's folder writable for your user."},
       {"is left out", ""},
+      {": it reads 0", "Correct the kind or the element in TAVRIXOffsets.cfg."},
       {" not found.", "Correct the name in TAVRIXOffsets.cfg, unless it belongs to another aircraft."},
   };
   if (log.empty()) {

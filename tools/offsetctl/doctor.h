@@ -35,6 +35,8 @@ struct PlacedBinary {
 // Where program files belong.
 std::vector<PlacedBinary> BinaryPlaces();
 std::vector<Diagnosis> DiagnoseLayout(const std::vector<PlacedBinary>& binaries);
+// `copies` are program files of the plug-in outside its folder.
+std::vector<Diagnosis> DiagnoseCopies(const std::vector<std::string>& copies);
 NetworkSettings ReadNetworkSettings(std::string_view ini);
 // `own` are the addresses of this computer.
 std::vector<Diagnosis> DiagnoseSettings(const NetworkSettings& settings, const std::vector<uint32_t>& own);

@@ -58,6 +58,25 @@ std::vector<Diagnosis> LookAtBinaries(const std::string& folder) {
   return told;
 }
 
+// Program files of the plug-in in the other folders beside its own, where X-Plane loads them, too.
+std::vector<std::string> FindCopies(const std::string& folder) {
+  constexpr const char* programs[] = {"win.xpl", "lin.xpl", "32/win.xpl", "64/win.xpl", "64/lin.xpl"};
+  std::vector<std::string> copies;
+  const std::string plain = folder.substr(0, folder.find_last_not_of("/\\") + 1);
+  const size_t separator = plain.find_last_of("/\\");
+  if (separator == std::string::npos) return copies;
+  const std::string above = plain.substr(0, separator), own = plain.substr(separator + 1);
+  for (const std::string& name : NamesIn(above)) {
+    if (name == own) continue;
+    const std::string path = Joined(above, name);
+    if (name.ends_with(".xpl") && IsThisPlugin(path)) copies.push_back(path);
+    for (const char* program : programs) {
+      if (IsThisPlugin(Joined(path, program))) copies.push_back(Joined(path, program));
+    }
+  }
+  return copies;
+}
+
 std::vector<Diagnosis> LookAtOffsetsFile(const std::string& folder, const std::string& log) {
   const std::string path = Joined(folder, "TAVRIXOffsets.cfg");
   if (!IsFile(path)) return {{Health::Good, "There is no TAVRIXOffsets.cfg: no offsets of your own.", ""}};
@@ -72,6 +91,15 @@ std::vector<Diagnosis> LookAtOffsetsFile(const std::string& folder, const std::s
            "offsetctl check " + path + " --log " + Joined(folder, "TAVRIX.txt") + " tells each of them."}};
 }
 
+// Whether it sends the offset memory, as no other program does.
+bool IsServer(const std::string& address) {
+  const Transport* transport = NetTransport({address, StopRequested, false});
+  std::string unused;
+  const bool answers = transport->open(patienceMs, &unused) && transport->readOffsets({}, &unused);
+  transport->close();
+  return answers;
+}
+
 // Whether the server can be reached at the address that the settings name, and who has its ports.
 std::vector<Diagnosis> LookAtPorts(const NetworkSettings& settings) {
   if (settings.ip == 0) return {};
@@ -83,7 +111,12 @@ std::vector<Diagnosis> LookAtPorts(const NetworkSettings& settings) {
   const Connecting result = ConnectStream(0, {settings.ip, requestPort}, patienceMs, &stream, &reason);
   CloseSocket(stream);
   std::vector<Diagnosis> told;
-  if (result == Connecting::Done) {
+  if (result == Connecting::Done && !IsServer(settings.address)) {
+    told.push_back(
+        {Health::Bad, "Something accepts connections at " + place + ", but no values come from it." + by,
+         "If that is not X-Plane, close it and reload the plug-in; if it is, a firewall keeps UDP away or "
+         "the simulator stands still."});
+  } else if (result == Connecting::Done) {
     told.push_back({Health::Good, "A server answers at " + place + "." + by, ""});
   } else if (!owner.empty()) {
     told.push_back({Health::Bad, "Nobody answers at " + place + ", but the port is taken." + by,
@@ -115,7 +148,7 @@ int RunDoctor(const Options& options) {
   std::printf("Looking at %s\n", folder.c_str());
   std::string ini, log, error;
   ReadTextFile(Joined(folder, "TAVRIX.txt"), &log);
-  size_t bad = Tell(LookAtBinaries(folder));
+  size_t bad = Tell(LookAtBinaries(folder)) + Tell(DiagnoseCopies(FindCopies(folder)));
   if (ReadTextFile(Joined(folder, "TAVRIX.ini"), &ini)) {
     const NetworkSettings settings = ReadNetworkSettings(ini);
     if (!StartSockets(&error)) return Report(exitNoAnswer, error);

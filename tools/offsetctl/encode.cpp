@@ -142,11 +142,20 @@ bool FailOutside(std::string_view text, double first, double last, const OffsetN
                          " to " + WithUnit(RealText(static_cast<float>(std::fmax(first, last))), row));
 }
 
+// Within a full turn. What rounds up to the whole turn is its beginning.
+double WithinTurn(double degrees, const OffsetName& row) {
+  constexpr double turn = 360;
+  double within = std::fmod(degrees, turn);
+  if (within < 0) within += turn;
+  return std::round(within / row.unitScale) * row.unitScale >= turn ? 0 : within;
+}
+
 // Engineering units into the stored number, rounded to the nearest step.
 bool EncodeScaled(std::string_view text, Item* item, std::string* error) {
   const OffsetName& row = *item->row;
   if (!ParseInUnit(text, item, error)) return false;
-  const double stored = (item->asked - row.unitBias) / row.unitScale;
+  const double wanted = IsDirection(*item) ? WithinTurn(item->asked, row) : item->asked;
+  const double stored = (wanted - row.unitBias) / row.unitScale;
   if (!IsInteger(item->type)) return EncodeReal(text, stored, item, error);
   const double rounded = std::round(stored);
   const double high = std::ldexp(1.0, static_cast<int>(item->size) * 8 - (IsSigned(item->type) ? 1 : 0));
@@ -204,7 +213,12 @@ bool EncodeWord(std::string_view text, Item* item) {
 bool EncodeUnscaled(std::string_view text, Item* item, std::string* error) {
   WholeNumber whole;
   if (IsInteger(item->type) && ParseWhole(text, &whole)) return EncodeWhole(text, item, error);
-  if (IsInteger(item->type) && item->row->show != Form::Number) return EncodeWhole(text, item, error);
+  if (IsInteger(item->type) && item->row->show != Form::Number) {
+    if (EncodeWhole(text, item, error)) return true;
+    const std::string words = WordsText(*item->row);
+    if (!words.empty() && !ParseWhole(text, &whole)) *error += " and none of " + words;
+    return false;
+  }
   return EncodeScaled(text, item, error);
 }
 
@@ -233,6 +247,12 @@ bool EncodeHex(std::string_view digits, Item* item, std::string* error) {
 }
 
 }  // namespace
+
+bool IsDirection(const Item& item) {
+  if (item.row == nullptr || !IsInteger(item.type) || IsSigned(item.type)) return false;
+  const double turn = std::fabs(item.row->unitScale) * std::ldexp(1.0, static_cast<int>(8 * item.size));
+  return std::strcmp(item.row->unit, "deg") == 0 && std::fabs(turn - 360) < 1e-9;
+}
 
 bool IsSigned(ValueType type) {
   return type == ValueType::S8 || type == ValueType::S16 || type == ValueType::S32 || type == ValueType::S64;

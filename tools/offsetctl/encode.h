@@ -23,6 +23,8 @@ uint64_t StoredBits(const Item& item);
 // digits).
 bool EngineeringNumber(const Item& item, double* value);
 
+// Whether the item is a direction from 0 up to a full turn, which begins again behind it.
+bool IsDirection(const Item& item);
 bool IsSigned(ValueType type);
 bool IsInteger(ValueType type);
 

@@ -169,7 +169,7 @@ void CloseLocal() {
 }
 
 constexpr Transport localTransport = {
-    "local window server", OpenLocal, ReadLocal, WriteLocal, nullptr, CloseLocal};
+    "local window server", OpenLocal, ReadLocal, WriteLocal, nullptr, nullptr, CloseLocal};
 
 }  // namespace
 

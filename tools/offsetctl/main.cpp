@@ -98,9 +98,7 @@ int RunWithServer(const Options& options) {
   return status;
 }
 
-}  // namespace
-
-int main(int count, char** words) {
+int RunWords(int count, char** words) {
   Options options;
   std::string error;
   if (!ParseOptions(std::vector<std::string>(words + 1, words + count), &options, &error)) {
@@ -129,4 +127,13 @@ int main(int count, char** words) {
     default:
       return RunWithServer(options);
   }
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  const int status = RunWords(count, words);
+  const bool isPrinted = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  if (isPrinted || status != exitDone) return status;
+  return Report(exitNoAnswer, "the output cannot be written: is the disk full?");
 }

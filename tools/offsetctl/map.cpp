@@ -1,6 +1,8 @@
 // offsetctl map: an offset for any dataref, through the offsets file of the running plug-in.
+#include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 
 #include "check.h"
 #include "commands.h"
@@ -64,6 +66,11 @@ std::string NewsIn(const Log& log) {
   return text.substr(log.before);
 }
 
+size_t SizeOfLog(const Log& log) {
+  std::string text;
+  return ReadTextFile(log.path, &text) ? text.size() : 0;
+}
+
 // Has the plug-in read its file again. Returns true when its log says so, or when there is no log to look into.
 bool Reload(const Options& options, const Transport& transport, const Log& log, std::string* error) {
   uint8_t one = 1;
@@ -102,26 +109,59 @@ Item ItemOf(const Mapping& mapping) {
   return item;
 }
 
-// Adds the lines and has them read. When the simulator has no such dataref the file is put back.
+// Takes our lines out again, whatever else was added meanwhile, and has the file read. Ctrl-C waits until it is
+// done.
+bool PutBack(const Options& options, const Transport& transport, const Mapping& mapping, const Log& log,
+             const std::string& path) {
+  HoldStop(true);
+  std::string text, unused;
+  bool done = ReadTextFile(path, &text) && TakeOut(mapping.lines, &text);
+  // An empty file would be told as one that is missing.
+  done = done && WriteTextFile(path, text.empty() ? "# offsets of your own\n" : text);
+  if (done) Reload(options, transport, {log.path, SizeOfLog(log)}, &unused);
+  HoldStop(false);
+  return done;
+}
+
+// Adds the lines and has them read. When the simulator has no such dataref, or keeps it otherwise, or Ctrl-C
+// comes, the file is put back.
 int AddLines(const Options& options, const Transport& transport, const Mapping& mapping,
-             const std::string& folder, const std::string& before, bool existed) {
+             const std::string& folder, const std::string& before) {
   const std::string path = Joined(folder, "TAVRIXOffsets.cfg");
   Log log = {Joined(folder, "TAVRIX.txt"), 0};
-  std::string text, error;
-  if (ReadTextFile(log.path, &text)) log.before = text.size();
-  if (!AppendToFile(path, mapping.lines)) return Report(exitUsage, "cannot write " + path);
-  if (!Reload(options, transport, log, &error)) {
-    return StopRequested() ? exitDone : Report(exitNoAnswer, "added to " + path + ", but " + error);
+  log.before = SizeOfLog(log);
+  if (!WriteTextFile(path, before + mapping.lines)) {
+    return Report(exitUsage, "cannot write " + path + ": is it protected, or the disk full? It is as before");
   }
-  const std::string& dataref = options.items[0];
-  const std::string plain = dataref.substr(0, dataref.find('['));
-  WaitForStop(pollSeconds);
-  if (NewsIn(log).find("Dataref " + plain + " not found.") == std::string::npos) return exitDone;
-  // An empty file would be told as one that is missing: only what was there is put back.
-  WriteTextFile(path, existed ? before : "# offsets of your own\n");
-  Reload(options, transport, log, &error);
-  return Report(exitUsage, "the simulator has no dataref " + plain +
-                               ": check its name, or load the aircraft that it belongs to; nothing was added");
+  std::string error, fault;
+  const bool isRead = Reload(options, transport, log, &error) && !WaitForStop(pollSeconds);
+  if (!isRead && !StopRequested()) return Report(exitNoAnswer, "added to " + path + ", but " + error);
+  if (isRead) fault = LoadFault(NewsIn(log), options.items[0], mapping.alias);
+  if (isRead && fault.empty()) return exitDone;
+  const bool isBack = PutBack(options, transport, mapping, log, path);
+  const std::string end =
+      isBack ? "; nothing was added" : "; the lines in " + path + " could not be taken out again";
+  return isRead ? Report(exitUsage, fault + end) : Report(exitNoAnswer, "stopped" + end);
+}
+
+// With the lock on the file: reads it, and adds to it what is missing. Returns the exit status.
+int MapInFile(const Options& options, const Transport& transport, const MapRequest& request,
+              const std::string& folder, Mapping* mapping) {
+  const std::string path = Joined(folder, "TAVRIXOffsets.cfg");
+  std::string text, error;
+  if (IsFile(path) && !ReadTextFile(path, &text)) return Report(exitUsage, "cannot read " + path);
+  if (!PlanMapping(text, KnownOffsets(), request, mapping, &error)) return Report(exitUsage, error);
+  return mapping->exists ? exitDone : AddLines(options, transport, *mapping, folder, text);
+}
+
+// One after the other: two at once would take the same place, or tell of each other's reload.
+bool WaitForLock(const Options& options, const std::string& path) {
+  constexpr double staleSeconds = 60;
+  const Clock::time_point end = Clock::now() + std::chrono::milliseconds(Milliseconds(options.timeout));
+  while (!TakeLock(path, std::max(staleSeconds, 4 * options.timeout))) {
+    if (Clock::now() >= end || WaitForStop(pollSeconds)) return false;
+  }
+  return true;
 }
 
 }  // namespace
@@ -130,24 +170,36 @@ int RunMap(const Options& options, const Transport& transport) {
   const MapRequest request = {options.items[0], options.items[1],
                               options.items.size() > 2 ? options.items[2] : ""};
   Mapping mapping;
-  std::string error, folder, text;
+  std::string error, folder, log;
   // First without the file: a wrong word needs no server.
   if (!PlanMapping("", KnownOffsets(), request, &mapping, &error)) return Report(exitUsage, error);
   int status = exitDone;
-  if (!FindFolder(options, transport, &folder, &error, &status)) {
-    return StopRequested() ? exitDone : Report(status, error);
+  const bool isFound = FindFolder(options, transport, &folder, &error, &status);
+  const std::string lock = Joined(folder, "TAVRIXOffsets.cfg.lock");
+  const bool isLocked = isFound && !StopRequested() && WaitForLock(options, lock);
+  if (StopRequested()) {
+    if (isLocked) GiveLock(lock);
+    return Report(exitNoAnswer, "stopped before anything was added");
   }
-  const std::string path = Joined(folder, "TAVRIXOffsets.cfg");
-  const bool exists = IsFile(path);
-  if (exists && !ReadTextFile(path, &text)) return Report(exitUsage, "cannot read " + path);
-  if (!PlanMapping(text, KnownOffsets(), request, &mapping, &error)) return Report(exitUsage, error);
-  if (!mapping.exists) status = AddLines(options, transport, mapping, folder, text, exists);
-  if (status != exitDone || StopRequested()) return status;
+  if (!isFound) return Report(status, error);
+  if (!isLocked) {
+    return Report(exitNoAnswer, "cannot make " + lock +
+                                    ": another offsetctl map is at work (delete the file when " +
+                                    "there is none), or the folder is protected");
+  }
+  status = MapInFile(options, transport, request, folder, &mapping);
+  GiveLock(lock);
+  if (status != exitDone) return status;
   Item item = ItemOf(mapping);
-  if (!ReadValue(options, transport, &item, &error)) return ReportFailure(error);
-  std::printf("%s %s: %s\n", request.dataref.c_str(), mapping.exists ? "is there already" : "is added",
-              ItemLine(item).c_str());
-  return exitDone;
+  const std::string place = request.dataref + (mapping.exists ? " is there already: " : " is added: ");
+  if (!ReadValue(options, transport, &item, &error) || StopRequested()) {
+    return Report(exitNoAnswer, place + item.shown + ", but " +
+                                    (StopRequested() ? "stopped before its value was read" : error));
+  }
+  std::printf("%s%s\n", place.c_str(), ItemLine(item).c_str());
+  if (!mapping.exists || !ReadTextFile(Joined(folder, "TAVRIX.txt"), &log)) return exitDone;
+  const std::string fault = LoadFault(log, request.dataref, mapping.alias);
+  return fault.empty() ? exitDone : Report(exitNoAnswer, fault);
 }
 
 }  // namespace ctl

@@ -1,6 +1,7 @@
 #include "mapping.h"
 
 #include <algorithm>
+#include <charconv>
 #include <map>
 #include <vector>
 
@@ -13,6 +14,7 @@ namespace {
 
 constexpr uint32_t firstFree = 0x66C0, lastFree = 0x66FF;  // for people's own
 constexpr uint32_t lastOffset = 0xFFFF;
+constexpr size_t mostElementDigits = 6;
 
 // How each kind is stored.
 struct KindLine {
@@ -83,6 +85,12 @@ std::string Objection(const OwnFile& file, const NameTable& names, uint32_t offs
       return place + " has a fixed meaning: " + row.meaning;
     }
   }
+  for (const OffsetArea& area : names.areas) {
+    if (offset <= area.last && area.first < offset + size) {
+      return place + " is part of the plug-in's area " + area.name + ", " + HexText(area.first, 4) + " to " +
+             HexText(area.last, 4);
+    }
+  }
   return FirstReadOnly(names, offset, size) != offsetMemorySize ? place + " is read-only" : "";
 }
 
@@ -92,11 +100,34 @@ bool CheckDataref(const std::string& dataref, const KindLine& kind, std::string*
   if (!isOneWord || dataref.find('/') == std::string::npos) {
     return Fail(Quote(dataref) + " is no dataref: they look like sim/flightmodel/position/psi", error);
   }
-  if (dataref.ends_with(']') && !kind.isArray) {
+  const size_t bracket = dataref.find('[');
+  if (bracket == std::string::npos && dataref.find(']') == std::string::npos) return true;
+  const std::string element = bracket == std::string::npos ? "" : dataref.substr(bracket + 1);
+  const bool isNumber = element.size() >= 2 && element.size() <= mostElementDigits + 1 &&
+                        element.back() == ']' && element.find_first_not_of("0123456789") == element.size() - 1;
+  if (!isNumber) {
+    return Fail(Quote(dataref) + ": an element is a number from 0 in brackets at the end, like [3]", error);
+  }
+  if (!kind.isArray) {
     return Fail(
         std::string("an element of an array needs the kind floatarray, intarray or data, not ") + kind.kind,
         error);
   }
+  return true;
+}
+
+bool ParseOwnOffset(const std::string& text, uint32_t* offset, std::string* error) {
+  const std::string digits = text.starts_with("0x") || text.starts_with("0X") ? text.substr(2) : text;
+  uint32_t value = 0;
+  const char* end = digits.data() + digits.size();
+  const auto parsed = std::from_chars(digits.data(), end, value, 16);
+  if (digits.empty() || parsed.ptr != end) {
+    return Fail(Quote(text) + " is no hexadecimal offset, like 66C0", error);
+  }
+  if (parsed.ec != std::errc() || value > lastOffset) {
+    return Fail(Quote(text) + " is too high: offsets of your own end at FFFF", error);
+  }
+  *offset = value;
   return true;
 }
 
@@ -120,11 +151,9 @@ bool PlanMapping(std::string_view text, const NameTable& names, const MapRequest
     return Fail("no kind " + Quote(request.kind) + ": int, float, double, floatarray, intarray or data", error);
   }
   if (!CheckDataref(request.dataref, *kind, error)) return false;
-  *mapping = {.offset = 0, .type = kind->type, .size = kind->size, .exists = false, .lines = ""};
-  uint16_t wanted = 0;
-  if (!request.offset.empty() && ParseCustomOffset(request.offset, &wanted) != request.offset.size()) {
-    return Fail(Quote(request.offset) + " is no hexadecimal offset, like 66C0", error);
-  }
+  *mapping = {.offset = 0, .type = kind->type, .size = kind->size, .exists = false, .alias = "", .lines = ""};
+  uint32_t wanted = 0;
+  if (!request.offset.empty() && !ParseOwnOffset(request.offset, &wanted, error)) return false;
   const OwnFile file = ReadOwnFile(text);
   const std::string wantedDataref = request.dataref + " " + request.kind;
   for (const auto& [offset, alias] : file.shown) {
@@ -133,6 +162,7 @@ bool PlanMapping(std::string_view text, const NameTable& names, const MapRequest
     if (!request.offset.empty() && offset != wanted) continue;
     mapping->offset = offset;
     mapping->exists = true;
+    mapping->alias = alias;
     return true;
   }
   if (!request.offset.empty()) {
@@ -145,10 +175,37 @@ bool PlanMapping(std::string_view text, const NameTable& names, const MapRequest
   const std::string digits = HexText(mapping->offset, 4).substr(2);
   std::string alias = "map" + digits;
   while (file.datarefs.contains(alias)) alias += "x";
+  mapping->alias = alias;
   // A line that ends in "_" would go on in ours: the empty one ends it.
   mapping->lines = std::string(text.empty() || text.ends_with('\n') ? "" : "\n") +
                    "\n# added by offsetctl map\n" + "Dataref " + alias + " " + wantedDataref + "\nOffset " +
                    digits + " " + kind->word + " 1 rw $" + alias + " >" + alias + " @\n";
+  return true;
+}
+
+std::string LoadFault(std::string_view log, std::string_view dataref, std::string_view alias) {
+  for (const std::string_view begin : {"Reading TAVRIXOffsets.cfg", "Reload TAVRIXOffsets.cfg"}) {
+    const size_t at = log.rfind(begin);
+    if (at != std::string_view::npos) log.remove_prefix(at);
+  }
+  const std::string plain(dataref.substr(0, dataref.find('[')));
+  if (log.find("Dataref " + plain + " not found.") != std::string_view::npos) {
+    return "the simulator has no dataref " + plain +
+           ": check its name, or load the aircraft that it belongs to";
+  }
+  const std::string misfit = "Dataref " + plain + " of the alias \"" + std::string(alias) + "\" in ";
+  const size_t at = log.find(misfit);
+  if (at == std::string_view::npos) return "";
+  std::string_view rest = log.substr(at + misfit.size());
+  rest = rest.substr(0, rest.find_first_of("\r\n"));
+  const size_t blank = rest.find(' ');  // behind the file's name
+  return plain + (blank == std::string_view::npos ? "" : std::string(rest.substr(blank)));
+}
+
+bool TakeOut(const std::string& lines, std::string* text) {
+  const size_t at = text->rfind(lines);
+  if (at == std::string::npos) return false;
+  text->erase(at, lines.size());
   return true;
 }
 

@@ -19,6 +19,7 @@ struct Mapping {
   ValueType type;
   uint32_t size;
   bool exists;        // a line of the file shows the dataref already
+  std::string alias;  // of the Dataref line, that one or ours
   std::string lines;  // what to put at the end of the file else
 };
 
@@ -26,5 +27,11 @@ struct Mapping {
 // that is wrong, an offset that is taken, or when no place is left.
 bool PlanMapping(std::string_view file, const NameTable& names, const MapRequest& request, Mapping* mapping,
                  std::string* error);
+// What the plug-in's log says of its last load about a dataref under that alias: "" when it reads it, else what
+// is wrong. `dataref` as in the request.
+std::string LoadFault(std::string_view log, std::string_view dataref, std::string_view alias);
+// The text without these lines, which `offsetctl map` has added. Returns true, or false when they are not in
+// it.
+bool TakeOut(const std::string& lines, std::string* text);
 
 }  // namespace ctl

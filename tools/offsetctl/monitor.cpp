@@ -1,6 +1,7 @@
 // The live cockpit table: a few rows of named offsets, read in one request per sample and drawn in place.
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 
@@ -24,6 +25,7 @@ using Seconds = std::chrono::duration<double>;
 constexpr size_t lineWidth = 78;
 constexpr size_t columnWidth = 38;
 constexpr size_t labelWidth = 12;
+constexpr double quietSeconds = 2;  // longer than any pause between two frames but a loading simulator's
 constexpr size_t trafficLines = 3;  // all of it fits a terminal of 24 lines
 
 // One line of a column. Names that the plug-in does not know are left out.
@@ -193,6 +195,7 @@ int RunMonitor(const Options& options, const Transport& transport) {
 
   const bool inPlace = StdoutIsTerminal();
   if (inPlace) WatchKeys();
+  WatchOutput();
   const double period = inPlace ? 1 / options.rate : 1;
   const double end = options.seconds > 0 ? options.seconds : std::numeric_limits<double>::infinity();
   const Clock::time_point start = Clock::now();
@@ -208,7 +211,9 @@ int RunMonitor(const Options& options, const Transport& transport) {
     if (WaitForStop(wanted - elapsed())) break;
     done = transport.readOffsets(transfers, &error);
     if (!done) break;
-    const std::string head = std::string("TAVRIX  ") + transport.title + "   " + FixedText(elapsed(), 1) + " s";
+    std::string head = std::string("TAVRIX  ") + transport.title + "   " + FixedText(elapsed(), 1) + " s";
+    const double silence = transport.silence == nullptr ? 0 : transport.silence();
+    if (silence > quietSeconds) head += "   no news for " + FixedText(std::floor(silence), 0) + " s";
     const std::vector<std::string> lines = TableLines(head, left, right, items, traffic);
     if (inPlace) {
       DrawInPlace(lines, &drawn);
@@ -219,7 +224,7 @@ int RunMonitor(const Options& options, const Transport& transport) {
     if (elapsed() >= end) break;
   }
   if (inPlace) RestoreTerminal();
-  return done ? exitDone : ReportFailure(error);
+  return done ? exitDone : ReportEnd(error);
 }
 
 }  // namespace ctl

@@ -69,7 +69,7 @@ size_t Farness(const std::string& wanted, const std::vector<std::string>& parts,
 
 }  // namespace
 
-NameTable KnownOffsets() { return {offsetNames, readOnlyOffsets, offsetSubjects}; }
+NameTable KnownOffsets() { return {offsetNames, readOnlyOffsets, offsetSubjects, offsetAreas}; }
 
 const OffsetName* FindByName(const NameTable& names, std::string_view name) {
   const std::string wanted = LowerCase(name);

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <thread>
 
+#include "base/bytes.h"
 #include "confirm.h"
 #include "numbers.h"
 #include "picture.h"
@@ -38,7 +39,8 @@ struct Session {
   Echo echo;
   std::vector<WriteCheck>* checks = nullptr;  // while a write waits for its confirmation
   std::vector<RecordedFrame> frames;
-  bool gone = false;  // the server has closed the connection
+  bool gone = false;          // the server has closed the connection
+  Clock::time_point heardAt;  // when its last datagram came
 };
 
 NetSettings net;
@@ -86,6 +88,7 @@ void TakeDatagrams(std::vector<uint8_t>* buffer) {
     const NetFrame frame = ReadFrame(buffer->data(), static_cast<size_t>(size));
     const std::lock_guard<std::mutex> hold(session.lock);
     ApplyFrame(frame, &session.picture);
+    session.heardAt = Clock::now();
     TakeEcho(frame, &session.echo);
     UpdateChecks();
     if (net.keepsFrames && frame.kind != FrameKind::None) {
@@ -200,6 +203,7 @@ bool OpenNet(int milliseconds, std::string* error) {
   session.echo.clear();
   session.frames.clear();
   session.gone = false;
+  session.heardAt = opened;
   receiving = true;
   receiver = std::thread(ReceiveUntilClosed);
   return true;
@@ -274,31 +278,29 @@ bool WaitUntilTaken(std::string* error) {
   return Explain("the server at " + net.host + " does not take the write" + Within(), error);
 }
 
-// A write that the simulator does not keep is set back with the next refresh, as a rule within this time.
-constexpr int settleMs = 250;
-
 bool AllDone(const std::vector<WriteCheck>& checks) {
   return std::all_of(checks.begin(), checks.end(),
                      [](const WriteCheck& check) { return check.done || IsRequest(check); });
 }
 
-// The first one that the simulator has not followed, or has set back; null when there is none.
-const WriteCheck* FindFailed(const std::vector<WriteCheck>& checks) {
-  for (const WriteCheck& check : checks) {
-    if (IsRequest(check)) continue;
-    if (!check.done || IsSetBack(check, check.shown.data())) return &check;
-  }
-  return nullptr;
-}
+uint16_t ShownActivity() { return LoadFrom<uint16_t>(session.picture.bytes.data() + activityOffset); }
 
-// With the lock of the session held in `hold`.
+// Whether the checks are done and stay so when every refresh has come around. With the lock of the session held
+// in `hold`; `error` is filled when frames do not run.
 bool WaitForChecks(std::unique_lock<std::mutex>* hold, Clock::time_point deadline,
-                   const std::vector<WriteCheck>& checks) {
+                   const std::vector<WriteCheck>& checks, std::string* error) {
   if (!WaitWithRepeats(hold, deadline, [&checks] { return AllDone(checks); })) return false;
-  const auto failed = [&checks] { return FindFailed(checks) != nullptr; };
-  // Set back: it may still come, as a lever does that takes its time.
-  return !WaitFor(hold, std::min(deadline, In(settleMs)), failed) ||
-         WaitWithRepeats(hold, deadline, [&failed] { return !failed(); });
+  const auto now = [] { return static_cast<double>(MicrosecondsSince(opened)) / 1e6; };
+  const double patience = timeoutMs / 1000.0;
+  Settling settling = BeginSettling(checks, ShownActivity(), now());
+  bool settled = false;
+  // Lost datagrams need no repeating: the counter is told with every frame.
+  while (!settled && !session.gone && !net.stopRequested()) {
+    if (SecondsWithoutFrames(settling, now()) > patience) return Explain(StandstillText(patience), error);
+    settled = WaitFor(hold, In(sliceMs), [&] { return Settle(&settling, ShownActivity(), now()); });
+  }
+  // It may still come, as a lever does that takes its time.
+  return settled && WaitWithRepeats(hold, deadline, [&checks] { return FindFailed(checks) == nullptr; });
 }
 
 bool ExplainNotFollowed(const std::vector<WriteCheck>& checks, std::string* error) {
@@ -318,10 +320,13 @@ bool WriteConfirmed(const std::vector<Transfer>& transfers, std::vector<WriteChe
   hold.unlock();
   const bool sent = SendFrames(true, transfers, error);
   hold.lock();
-  const bool followed = sent && WaitForChecks(&hold, deadline, *checks);
+  std::string standstill;
+  const bool followed = sent && WaitForChecks(&hold, deadline, *checks, &standstill);
   session.checks = nullptr;
   if (!sent) return false;
-  if (!followed) return session.gone ? ExplainGone(error) : ExplainNotFollowed(*checks, error);
+  if (!followed && session.gone) return ExplainGone(error);
+  const bool isUnknown = !standstill.empty() && FindFailed(*checks) == nullptr;
+  if (!followed) return !isUnknown ? ExplainNotFollowed(*checks, error) : Explain(standstill, error);
   hold.unlock();
   return WaitUntilTaken(error);
 }
@@ -330,7 +335,12 @@ bool WriteNet(const std::vector<Transfer>& transfers, std::string* error) {
   return SendFrames(true, transfers, error) && WaitUntilTaken(error);
 }
 
-Transport netTransport = {"", OpenNet, ReadNet, WriteNet, WriteConfirmed, CloseNet};
+double SilenceOfNet() {
+  const std::lock_guard<std::mutex> hold(session.lock);
+  return static_cast<double>(MicrosecondsSince(session.heardAt)) / 1e6;
+}
+
+Transport netTransport = {"", OpenNet, ReadNet, WriteNet, WriteConfirmed, SilenceOfNet, CloseNet};
 
 }  // namespace
 

@@ -28,6 +28,10 @@ void CloseInput(Process* process);
 std::vector<std::string> TakeLines(Process* process);
 // Takes whole lines off the text, without their ends. Pure.
 std::vector<std::string> CutLines(std::string* text);
+// How much of its output is taken at once, so that a program that never stops printing does not keep us.
+constexpr size_t mostAtOnce = size_t{1} << 16;
+// Leaves the beginning of a text that has grown beyond all use, as a line without an end does. Pure.
+void LimitText(std::string* text);
 // Whether it has ended, with its exit status. Does not wait.
 bool HasEnded(Process* process, int* status);
 // Ends it, with what it has started, and gives everything back.

@@ -56,9 +56,11 @@ void Become(const std::vector<std::string>& words, const Environment& environmen
 void ReadWhatIsThere(intptr_t end, std::string* text) {
   char part[4096];
   ssize_t size = 0;
-  while (end >= 0 && (size = read(static_cast<int>(end), part, sizeof part)) > 0) {
+  const size_t most = text->size() + mostAtOnce;
+  while (end >= 0 && text->size() < most && (size = read(static_cast<int>(end), part, sizeof part)) > 0) {
     text->append(part, static_cast<size_t>(size));
   }
+  LimitText(text);
 }
 
 }  // namespace

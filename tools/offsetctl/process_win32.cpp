@@ -43,12 +43,15 @@ std::string Quoted(const std::string& word) {
 
 void ReadWhatIsThere(intptr_t handle, std::string* text) {
   DWORD there = 0;
-  while (handle != -1 && PeekNamedPipe(Native(handle), nullptr, 0, nullptr, &there, nullptr) && there > 0) {
+  const size_t most = text->size() + mostAtOnce;
+  while (handle != -1 && text->size() < most &&
+         PeekNamedPipe(Native(handle), nullptr, 0, nullptr, &there, nullptr) && there > 0) {
     char part[4096];
     DWORD size = 0;
     if (!ReadFile(Native(handle), part, sizeof part, &size, nullptr) || size == 0) return;
     text->append(part, size);
   }
+  LimitText(text);
 }
 
 }  // namespace

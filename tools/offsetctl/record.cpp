@@ -27,6 +27,12 @@ struct Tally {
   uint64_t microseconds = 0;
 };
 
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point time) {
+  return std::chrono::duration<double>(Clock::now() - time).count();
+}
+
 // Returns false when the disk is full.
 bool AppendFrames(FILE* file, const std::vector<RecordedFrame>& frames, Tally* tally) {
   for (const RecordedFrame& frame : frames) {
@@ -43,7 +49,7 @@ bool AppendFrames(FILE* file, const std::vector<RecordedFrame>& frames, Tally* t
 
 int RunRecord(const Options& options, const Transport& transport) {
   const std::string& path = options.items[0];
-  const uint64_t length = static_cast<uint64_t>(options.seconds * 1e6);
+  const Clock::time_point began = Clock::now();
   const uint64_t startedAt = MicrosecondsNow();
   std::string error;
   // All blocks first: without the whole memory nothing can be replayed, and an older file stays. What comes
@@ -58,7 +64,7 @@ int RunRecord(const Options& options, const Transport& transport) {
   while (isServed && isWritten) {
     isServed = TakeFrames(sliceMs, &frames, &error);
     isWritten = AppendFrames(file, frames, &tally);
-    if (StopRequested() || (length != 0 && tally.microseconds >= length)) break;
+    if (StopRequested() || (options.seconds > 0 && SecondsSince(began) >= options.seconds)) break;
   }
   isWritten = std::fclose(file) == 0 && isWritten;
   if (!isWritten) return Report(exitUsage, "cannot write all of " + path + ": is the disk full?");
@@ -66,7 +72,13 @@ int RunRecord(const Options& options, const Transport& transport) {
     std::printf("%s: %s s, %zu frames, %zu bytes\n", path.c_str(),
                 FixedText(static_cast<double>(tally.microseconds) / 1e6, 1).c_str(), tally.frames, tally.bytes);
   }
-  return isServed ? exitDone : ReportFailure(error);
+  const double quiet = transport.silence();
+  if (isServed && quiet > options.timeout) {
+    error = "nothing came from the server in the last " + FixedText(quiet, 1) +
+            " s: the simulator stands still, or the network is cut";
+    return Report(exitNoAnswer, error);
+  }
+  return isServed ? exitDone : ReportEnd(error);
 }
 
 }  // namespace ctl

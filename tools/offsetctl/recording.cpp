@@ -43,6 +43,11 @@ bool ReadHeader(const uint8_t* bytes, size_t size, Recording* recording, size_t*
   return true;
 }
 
+// A file system may fill what was not written any more with zeros.
+bool IsZero(const uint8_t* bytes, size_t size) {
+  return std::all_of(bytes, bytes + size, [](uint8_t byte) { return byte == 0; });
+}
+
 std::string Place(const Recording& recording, size_t at) {
   return "frame " + std::to_string(recording.frames.size() + 1) + " (byte " + std::to_string(at) + ")";
 }
@@ -74,12 +79,19 @@ bool ReadRecording(const uint8_t* bytes, size_t size, Recording* recording, std:
   uint64_t last = 0;
   while (at < size) {
     const std::string place = Place(*recording, at);
-    if (size - at < prefixSize) return Fail("it was cut off: it ends within " + place, error);
+    const std::string cutOff = "it was cut off: it ends within " + place;
+    if (size - at < prefixSize || IsZero(bytes + at, size - at)) {
+      recording->cutOff = cutOff;
+      return true;
+    }
     const uint64_t time = LoadFrom<uint64_t>(bytes + at);
     const uint32_t length = LoadFrom<uint32_t>(bytes + at + timeSize);
     if (length > mostFrameBytes || time < last) return Fail("it is damaged at " + place, error);
     at += prefixSize;
-    if (length > size - at) return Fail("it was cut off: it ends within " + place, error);
+    if (length > size - at) {
+      recording->cutOff = cutOff;
+      return true;
+    }
     const FrameKind kind = ReadFrame(bytes + at, length).kind;
     if (kind == FrameKind::None || kind == FrameKind::Announce) {
       return Fail("it is damaged at " + place + ", which is nothing that a server sends", error);

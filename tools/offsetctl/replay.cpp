@@ -120,6 +120,10 @@ int RunReplay(const Options& options) {
   if (!ReadRecording(bytes.data(), bytes.size(), &replay.recording, &error)) {
     return Report(exitUsage, path + ": " + error);
   }
+  if (!replay.recording.cutOff.empty()) {
+    Report(exitDone, path + ": " + replay.recording.cutOff + "; the " +
+                         std::to_string(replay.recording.frames.size()) + " whole frames before are replayed");
+  }
   if (!FindBeginning(&replay)) {
     return Report(exitUsage, path + ": only " + std::to_string(ArrivedBlocks(replay.first)) + " of " +
                                  std::to_string(pictureBlocks) +

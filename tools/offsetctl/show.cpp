@@ -19,26 +19,64 @@ std::string PlainText(const Item& item) {
 }
 
 // In double quotes; characters that are not printable ASCII as `escape` and that many hexadecimal digits.
-std::string Quoted(const std::string& text, const char* escape, int digits) {
+std::string Quoted(const std::u32string& text, const char* escape, int digits) {
   std::string quoted = "\"";
-  for (const char letter : text) {
-    const uint8_t code = static_cast<uint8_t>(letter);
-    if (letter == '"' || letter == '\\') {
-      quoted += '\\';
-      quoted += letter;
-    } else if (code < 0x20 || code >= 0x7F) {
+  for (const char32_t code : text) {
+    if (code == '"' || code == '\\') quoted += '\\';
+    if (code < 0x20 || code >= 0x7F) {
       quoted += escape + HexText(code, digits).substr(2);
     } else {
-      quoted += letter;
+      quoted += static_cast<char>(code);
     }
   }
   return quoted + "\"";
 }
 
-std::string ShownText(const std::string& text) { return Quoted(text, "\\x", 2); }
+// A character for each byte: Latin-1.
+std::u32string CharactersOf(const std::string& bytes) {
+  std::u32string text;
+  for (const char letter : bytes) text += static_cast<uint8_t>(letter);
+  return text;
+}
 
-// Bytes above 0x7E are taken for their Latin-1 characters.
-std::string JsonString(const std::string& text) { return Quoted(text, "\\u", 4); }
+std::string ShownText(const std::string& text) { return Quoted(CharactersOf(text), "\\x", 2); }
+
+// UTF-8 as UTF-16, as JSON escapes it. Returns false when the bytes are none.
+bool ReadUtf8(const std::string& bytes, std::u32string* text) {
+  constexpr uint32_t least[] = {0, 0x80, 0x800, 0x10000};  // with that many more bytes
+  constexpr uint32_t surrogates = 0xD800, behindSurrogates = 0xE000, beyond = 0x110000;
+  text->clear();
+  for (size_t at = 0; at < bytes.size();) {
+    const auto first = static_cast<uint8_t>(bytes[at++]);
+    const size_t more = first < 0x80   ? 0
+                        : first < 0xC0 ? 4
+                        : first < 0xE0 ? 1
+                        : first < 0xF0 ? 2
+                        : first < 0xF8 ? 3
+                                       : 4;
+    if (more > 3 || more > bytes.size() - at) return false;
+    uint32_t code = more == 0 ? first : first & (0x3Fu >> more);
+    for (size_t i = 0; i < more; ++i, ++at) {
+      const auto next = static_cast<uint8_t>(bytes[at]);
+      if ((next & 0xC0) != 0x80) return false;
+      code = code << 6 | (next & 0x3Fu);
+    }
+    if (code < least[more] || code >= beyond || (code >= surrogates && code < behindSurrogates)) return false;
+    if (code >= 0x10000) {
+      *text += static_cast<char32_t>(surrogates + ((code - 0x10000) >> 10));
+      code = 0xDC00 + ((code - 0x10000) & 0x3FF);
+    }
+    *text += static_cast<char32_t>(code);
+  }
+  return true;
+}
+
+// UTF-8, as the client libraries read texts; other bytes are taken for their Latin-1 characters.
+std::string JsonString(const std::string& bytes) {
+  std::u32string text;
+  if (!ReadUtf8(bytes, &text)) text = CharactersOf(bytes);
+  return Quoted(text, "\\u", 4);
+}
 
 bool HasScale(const Item& item) {
   return item.row != nullptr && item.row->show == Form::Number &&
@@ -63,7 +101,8 @@ std::string WithUnit(const std::string& text, const Item& item) {
   return item.row == nullptr || item.row->unit[0] == 0 ? text : text + " " + item.row->unit;
 }
 
-// " (118.705 MHz asked: steps of 0.01 MHz)" when what is shown is not what was asked for; "" else.
+// "118.705 MHz asked: steps of 0.01 MHz", "400 deg asked, the same as 40 deg", when what is written is not what
+// was asked for; "" else.
 std::string RoundingText(const Item& item) {
   double stored = 0;
   if (item.row == nullptr || !std::isfinite(item.asked) || !EngineeringNumber(item, &stored)) return "";
@@ -71,10 +110,24 @@ std::string RoundingText(const Item& item) {
   const int decimals = ShownDecimals(item, &step);
   const double unit = std::pow(10.0, -decimals);
   const double shown = std::round(stored / unit) * unit;
-  const bool isSame = std::fabs(shown - item.asked) <= 1e-9 * std::fmax(1.0, std::fabs(item.asked));
-  if (isSame || std::fabs(stored - item.asked) < 0.05 * unit) return "";
-  const std::string asked = " (" + WithUnit(RealText(static_cast<float>(item.asked)), item) + " asked: ";
-  return asked + "steps of " + WithUnit(RealText(static_cast<float>(step)), item) + ")";
+  constexpr double turn = 360;
+  const double turns = IsDirection(item) ? std::round((item.asked - stored) / turn) * turn : 0;
+  const double wanted = item.asked - turns;
+  const bool isSame = std::fabs(shown - wanted) <= 1e-9 * std::fmax(1.0, std::fabs(wanted)) ||
+                      std::fabs(stored - wanted) < 0.05 * unit;
+  if (isSame && turns == 0) return "";
+  const auto withUnit = [&item](double value) { return WithUnit(RealText(static_cast<float>(value)), item); };
+  const std::string asked =
+      withUnit(item.asked) + " asked" + (turns == 0 ? "" : ", the same as " + withUnit(wanted));
+  return isSame ? asked : asked + ": steps of " + withUnit(step);
+}
+
+// What the simulator has made of the bytes that were written; "" when it shows them.
+std::string DifferenceText(const Item& written, const std::string& shown) {
+  if (EngineeringText(written) == shown) return "";
+  const bool isKnown = written.row != nullptr && written.row->lossy[0] != 0;
+  return WithUnit(EngineeringText(written), written) + " written, which the simulator changes" +
+         (isKnown ? std::string(": ") + written.row->lossy : "");
 }
 
 std::string ScaledText(const Item& item) {
@@ -167,8 +220,11 @@ std::string ChangeLine(const Item& item, const uint8_t* before, const uint8_t* a
   shown.bytes.assign(after, after + item.size);
   const bool hasWords = item.row != nullptr && IsInteger(item.type);
   const std::string word = hasWords ? WordFor(*item.row, static_cast<int64_t>(StoredBits(shown))) : "";
-  return item.shown + ": " + old + " -> " + WithUnit(EngineeringText(shown), item) +
-         (word.empty() ? "" : " (" + word + ")") + RoundingText(item);
+  const std::string now = EngineeringText(shown), rounded = RoundingText(item),
+                    made = DifferenceText(item, now);
+  const std::string why = rounded + (rounded.empty() || made.empty() ? "" : "; ") + made;
+  return item.shown + ": " + old + " -> " + WithUnit(now, item) + (word.empty() ? "" : " (" + word + ")") +
+         (why.empty() ? "" : " (" + why + ")");
 }
 
 std::string ItemJson(const Item& item) {

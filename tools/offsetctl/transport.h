@@ -31,6 +31,9 @@ struct Transport {
   // that an open transport does.
   bool (*writeConfirmed)(const std::vector<Transfer>& transfers, std::vector<WriteCheck>* checks,
                          std::string* error);
+  // Seconds since anything came from the server, which sends with every frame of the simulator, a paused one,
+  // too. Null when the way has an answer to every read.
+  double (*silence)();
   // Gives everything back. Does nothing when it is not open.
   void (*close)();
 };

@@ -23,6 +23,8 @@ bool BeginsLike(std::string_view text, std::string_view beginning) {
   return true;
 }
 
+bool IsSameWord(std::string_view a, std::string_view b) { return a.size() == b.size() && BeginsLike(a, b); }
+
 // "0 up" of a meaning; ranges ("0 to 255") name nothing.
 void AddWord(std::string_view part, std::vector<Word>* words) {
   while (part.starts_with(' ')) part.remove_prefix(1);
@@ -51,15 +53,19 @@ std::vector<Word> WordsOf(const OffsetName& row) {
   return words;
 }
 
-}  // namespace
-
-bool FindWord(const OffsetName& row, std::string_view word, int64_t* number) {
-  if (row.show == Form::Flag) {
-    if (BeginsLike("true", word) || BeginsLike("yes", word)) word = "on";
-    if (BeginsLike("false", word) || BeginsLike("no", word)) word = "off";
+// Single bits only: a wider group holds a number.
+std::vector<Word> BitsOf(const OffsetName& row) {
+  std::vector<Word> bits;
+  for (const NamedNumber& choice : row.choices) {
+    if (choice.width == 1) bits.push_back({int64_t{1} << choice.number, choice.name});
   }
+  return bits;
+}
+
+// The number behind the one word that is it or alone begins so.
+bool FindAmong(const std::vector<Word>& words, std::string_view word, int64_t* number) {
   size_t found = 0;
-  for (const Word& known : WordsOf(row)) {
+  for (const Word& known : words) {
     if (word.empty() || !BeginsLike(known.text, word)) continue;
     *number = known.number;
     if (word.size() == known.text.size()) return true;
@@ -68,8 +74,46 @@ bool FindWord(const OffsetName& row, std::string_view word, int64_t* number) {
   return found == 1;
 }
 
+// "navigation+beacon", "on" for all that have a name, "off".
+bool FindBits(const OffsetName& row, std::string_view text, int64_t* number) {
+  const std::vector<Word> bits = BitsOf(row);
+  if (bits.empty()) return false;
+  int64_t sum = 0;
+  if (IsSameWord(text, "on") || IsSameWord(text, "all")) {
+    for (const Word& bit : bits) sum |= bit.number;
+  } else if (!IsSameWord(text, "off") && !IsSameWord(text, "none")) {
+    for (size_t plus = 0; plus != std::string_view::npos;) {
+      plus = text.find('+');
+      int64_t one = 0;
+      if (!FindAmong(bits, text.substr(0, plus), &one)) return false;
+      sum |= one;
+      if (plus != std::string_view::npos) text.remove_prefix(plus + 1);
+    }
+  }
+  *number = sum;
+  return true;
+}
+
+}  // namespace
+
+bool FindWord(const OffsetName& row, std::string_view word, int64_t* number) {
+  if (row.show == Form::Bits) return FindBits(row, word, number);
+  if (row.show == Form::Flag) {
+    if (BeginsLike("true", word) || BeginsLike("yes", word)) word = "on";
+    if (BeginsLike("false", word) || BeginsLike("no", word)) word = "off";
+  }
+  return FindAmong(WordsOf(row), word, number);
+}
+
 std::string WordFor(const OffsetName& row, int64_t number) {
   if (row.show == Form::Flag) return "";
+  if (row.show == Form::Bits) {
+    std::string text;
+    for (const Word& bit : BitsOf(row)) {
+      if ((number & bit.number) != 0) text += (text.empty() ? "" : " + ") + bit.text;
+    }
+    return text;
+  }
   for (const Word& word : WordsOf(row)) {
     if (word.number == number) return word.text;
   }
@@ -78,6 +122,10 @@ std::string WordFor(const OffsetName& row, int64_t number) {
 
 std::string WordsText(const OffsetName& row) {
   std::string text;
+  if (row.show == Form::Bits) {
+    for (const Word& bit : BitsOf(row)) text += (text.empty() ? "" : " + ") + bit.text;
+    return text.empty() ? "" : text + ", on, off";
+  }
   for (const Word& word : WordsOf(row)) {
     text += (text.empty() ? "" : ", ") + std::to_string(word.number) + " " + word.text;
   }

@@ -15,6 +15,7 @@
 #include "bridge/catalogue.h"
 #include "platform/system.h"
 #include "reference/aircraft_page.h"
+#include "reference/areas.h"
 #include "reference/facts.h"
 #include "reference/offsets_json.h"
 #include "reference/offsets_page.h"
@@ -35,9 +36,15 @@ std::string LossText(const OffsetRow& row) {
   return text;
 }
 
-// A row's choices stand in a table of their own, before that of the rows; those of bits are none of its
-// numbers.
-bool HasChoices(const OffsetRow& row) { return row.show == Show::Number && !row.choices.empty(); }
+// A row's choices stand in a table of their own, before that of the rows.
+bool HasChoices(const OffsetRow& row) {
+  return (row.show == Show::Number || row.show == Show::Bits) && !row.choices.empty();
+}
+
+std::string FramesText(const OffsetRow& row) {
+  const int frames = CycleFrames(row.cycle);
+  return frames == 0 ? "" : ", .frames = " + std::to_string(frames);
+}
 
 std::string ChoicesName(const OffsetRow& row) { return "choices_" + RowName(row); }
 
@@ -52,7 +59,8 @@ std::string MakeChoices() {
       if (!HasChoices(row)) continue;
       std::string list;
       for (const Choice& choice : row.choices) {
-        list += (list.empty() ? "{" : ", {") + std::to_string(choice.number) + ", " + Quoted(choice.name) + "}";
+        list += (list.empty() ? "{" : ", {") + std::to_string(choice.number) + ", " + Quoted(choice.name) +
+                (choice.width != 1 ? ", " + std::to_string(choice.width) : "") + "}";
       }
       text += "constexpr NamedNumber " + ChoicesName(row) + "[] = {" + list + "};\n";
     }
@@ -72,13 +80,19 @@ std::string MakeNameTable() {
               ", .meaning = " + Quoted(FullMeaning(row)) + ", .unit = " + Quoted(row.unit) +
               ", .unitScale = " + Number(row.unitScale) + ", .unitBias = " + Number(row.unitBias) +
               ", .show = Form::" + FormName(row) + ", .readOnly = " + (row.readOnly ? "true" : "false") +
-              ", .writable = " + (IsForWriting(row) ? "true" : "false") + LossText(row) + ChoicesText(row) +
-              "},\n";
+              ", .writable = " + (IsForWriting(row) ? "true" : "false") + FramesText(row) + LossText(row) +
+              ChoicesText(row) + "},\n";
     }
   }
   text += "};\nconstexpr OffsetRange readOnlyOffsets[] = {\n";
   for (const OffsetRange& range : ReadOnlyRanges()) {
     text += "    {.first = " + Hex(range.first) + ", .last = " + Hex(range.last) + "},\n";
+  }
+  text += "};\nconstexpr OffsetArea offsetAreas[] = {\n";
+  for (const Area& area : Areas()) {
+    const uint32_t last = area.offset + (area.count - 1) * area.step + area.size - 1;
+    text += "    {.name = " + Quoted(area.name) + ", .first = " + Hex(area.offset) + ", .last = " + Hex(last) +
+            "},\n";
   }
   text += "};\nconstexpr OffsetSubject offsetSubjects[] = {\n";
   for (const RowTable* table : ListedTables()) {

@@ -1,0 +1,27 @@
+#if !defined(_WIN32)
+
+#include <dirent.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "files.h"
+
+namespace ctl {
+
+bool MoveOver(const std::string& from, const std::string& to) {
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+std::vector<std::string> NamesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(folder.c_str()), closedir);
+  for (const dirent* entry = nullptr; opened && (entry = readdir(opened.get())) != nullptr;) {
+    if (entry->d_name[0] != '.') names.push_back(entry->d_name);
+  }
+  return names;
+}
+
+}  // namespace ctl
+
+#endif
