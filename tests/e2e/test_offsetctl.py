@@ -29,6 +29,8 @@ def serve(start, tmp_path):
         (folder / "TAVRIX.ini").write_text(SETTINGS)
         shutil.copy(build.plugin, folder / ("win.xpl" if build.wine else "64"))
         standin = start(build, *options, root=root)
+        if "--rate" in options:  # no frames by themselves
+            standin.ask("frames 70")
         standin.wait_log("TAVFARNET->Waiting for clients.....0")
         return standin
     return begin
@@ -112,7 +114,6 @@ def test_confirms_only_what_a_refresh_leaves(serve, linux):
 
 def test_confirms_nothing_where_no_frames_run(serve, linux):
     standin = serve(linux, "--flight", "none", "--rate", "0")
-    standin.ask("frames 70")
     assert "no frames have run" in offsetctl(linux, "write", "com1=118.30", "--confirm", "--timeout", "1", expect=1)
     standin.quit()
 

@@ -105,7 +105,7 @@ def test_what_clients_write_stays_until_the_recording_changes_it(replay, linux):
 
 
 def test_replay_serves_eight_and_begins_again(replay, linux):
-    replay(linux, "--speed", "10", "--loop")
+    replay(linux, "--speed", "2", "--loop")
     clients = [Client().complete() for _ in range(8)]
     with pytest.raises(OSError):
         Client()
