@@ -144,7 +144,7 @@ TEST_F(NetServerThreads, StopEndsEverythingInTimeAndLeavesNothing) {
   int handles = 0;
   const int threads = tools::CountThreads();
   Client browser;
-  for (int round = 0; round < 2; ++round) {  // the second finds the ports free, and what the system opens once is open
+  for (int round = 0; round < 2; ++round) {  // the second finds the ports free
     Start();
     ASSERT_TRUE(StartStatusPage(Folder().c_str()));
     ConnectAll();
@@ -165,7 +165,7 @@ TEST_F(NetServerThreads, StopEndsEverythingInTimeAndLeavesNothing) {
     EXPECT_EQ(CountProcessThreads(), threads);
     for (Client& client : clients) net::Disconnect(&client);
     net::Disconnect(&browser);
-    if (round == 0) handles = CountProcessHandles();
+    if (round == 0) handles = CountProcessHandles();  // what the system opens once is open now
     EXPECT_EQ(CountProcessHandles(), handles);
   }
   const std::string log = Log();
