@@ -182,13 +182,17 @@ def test_page_is_short_and_complete():
 
 
 def knob(program, standin):
+    def settles():
+        """Until the clients' copies of the memory have followed the simulator."""
+        running = standin.number("sim/time/total_running_time_sec")
+        wait_for("frames", lambda: standin.number("sim/time/total_running_time_sec") > running + 0.5)
+
     standin.ask("set sim/cockpit/autopilot/heading_mag 0")
-    running = standin.number("sim/time/total_running_time_sec")
-    wait_for("the bug at 0", lambda: standin.number("sim/time/total_running_time_sec") > running + 0.5)
     for clicks, heading in (("+", "001"), ("---", "358"), ("+" * 92, "090")):
+        settles()
         program.say(clicks)
         program.sees(heading)
-    wait_for("the bug", lambda: abs(standin.number("sim/cockpit/autopilot/heading_mag") - 90) < 0.2)
+        wait_for("the bug", lambda degrees=int(heading): abs(standin.number("sim/cockpit/autopilot/heading_mag") - degrees) < 0.2)
 
 
 def fuel(program, standin):
