@@ -111,7 +111,8 @@ std::vector<Diagnosis> LookAtPorts(const NetworkSettings& settings) {
   const Connecting result = ConnectStream(0, {settings.ip, requestPort}, patienceMs, &stream, &reason);
   CloseSocket(stream);
   std::vector<Diagnosis> told;
-  if (result == Connecting::Done && !IsServer(settings.address)) {
+  const bool serves = result == Connecting::Done && IsServer(settings.address);
+  if (result == Connecting::Done && !serves) {
     told.push_back(
         {Health::Bad, "Something accepts connections at " + place + ", but no values come from it." + by,
          "If that is not X-Plane, close it and reload the plug-in; if it is, a firewall keeps UDP away or "
@@ -127,7 +128,9 @@ std::vector<Diagnosis> LookAtPorts(const NetworkSettings& settings) {
                     "Start X-Plane and run this again; what follows tells of its last start."});
   }
   const std::string sender = OwnerOfPort(PortKind::Udp, burstPort);
-  if (!sender.empty() && sender != owner) {
+  // Where values come from the port it is the plug-in's, even if the system does not tell who has the other
+  // one.
+  if (!serves && !sender.empty() && sender != owner) {
     told.push_back({Health::Bad, "UDP port 65100 is held by " + sender + ": clients get no values.",
                     "Close that program and reload the plug-in."});
   }
