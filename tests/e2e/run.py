@@ -45,11 +45,10 @@ def copy_prefix(source, target):
         shutil.copy2(source / file.name, file)
 
 
-def work(network, waiting, failed, folder, worker, options, arguments, lock):
+def work(network, waiting, failed, folder, prefix, options, arguments, lock):
     inside = ["nsenter", f"--net=/proc/{network.pid}/ns/net"]
     environment = dict(os.environ)
     if options.wine:
-        prefix = folder / f"wine{worker}"
         copy_prefix(Path(os.environ["WINEPREFIX"]), prefix)
         environment["WINEPREFIX"] = str(prefix)
     while True:
@@ -57,18 +56,20 @@ def work(network, waiting, failed, folder, worker, options, arguments, lock):
             if not waiting:
                 break
             file = waiting.pop(0)
+            failed.append(file.name)  # until it has passed
         started = time.monotonic()
         ended = subprocess.run(
             [*inside, sys.executable, "-m", "pytest", "-q", str(file), f"--basetemp={folder / file.stem}",
              "-p", "no:cacheprovider", *arguments],
             env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
             errors="replace")
-        if ended.returncode == NO_TESTS:
-            continue
         with lock:
-            if ended.returncode != 0:
-                failed.append(file.name)
+            if ended.returncode in (0, NO_TESTS):
+                failed.remove(file.name)
+            else:
                 print(ended.stdout)
+            if ended.returncode == NO_TESTS:
+                continue
             last = (ended.stdout.strip().splitlines() or ["no output"])[-1]
             print(f"  {file.name}: {last} [{time.monotonic() - started:.0f} s]", flush=True)
     if options.wine:
@@ -87,9 +88,13 @@ def main():
                                *arguments]).returncode
     files = sorted(HERE.glob("test_*.py"), key=lambda file: (LONG + [file.name]).index(file.name))
     failed, lock = [], threading.Lock()
-    with tempfile.TemporaryDirectory(prefix="tavrix-e2e-") as folder:
+    with (tempfile.TemporaryDirectory(prefix="tavrix-e2e-") as folder,
+          # Beside the prefix that is copied: links do not leave a file system.
+          tempfile.TemporaryDirectory(prefix="e2e-", dir=Path(os.environ["WINEPREFIX"]).parent if options.wine else None)
+          as prefixes):
         workers = [
-            threading.Thread(target=work, args=(network, files, failed, Path(folder), i, options, arguments, lock))
+            threading.Thread(target=work, args=(network, files, failed, Path(folder), Path(prefixes) / f"wine{i}", options, arguments,
+                                                lock))
             for i, network in enumerate(networks)]
         for worker in workers:
             worker.start()
@@ -97,6 +102,7 @@ def main():
             worker.join()
     for network in networks:
         close_network(network)
+    failed += [file.name + " (not run)" for file in files]  # when every worker has ended by an error
     if failed:
         print("failed: " + ", ".join(failed))
     return 1 if failed else 0
