@@ -2,6 +2,7 @@
 device that is unplugged. Linux has the simulator's list of axes; under Wine a winmm.dll plays the devices."""
 import os
 import shutil
+import time
 
 import pytest
 from conftest import DEADLINE, Build, wait_for
@@ -10,6 +11,15 @@ CALIBRATION = "Joystick Calibration Assignments"
 THROTTLES = "sim/cockpit2/engine/actuators/throttle_ratio"
 OVERRIDE = "sim/operation/override/override_throttles"
 LEFT_BRAKE = "sim/flightmodel/controls/l_brake_add"
+
+
+def holds_within(seconds, condition):
+    end = time.monotonic() + seconds
+    while not condition():
+        if time.monotonic() > end:
+            return False
+        time.sleep(0.01)
+    return True
 
 
 class Sticks:
@@ -42,12 +52,12 @@ class Sticks:
         self.standin.ask("frames 1")
 
     def put(self, device, axis, value, what, condition):
-        """Moves the axis there, to and fro, until the condition holds."""
+        """Moves the axis there, to and fro, until the condition holds. Between the moves stands a while: a
+        reading on the way, applied after the condition held, would undo it."""
         def look():
             self.move(device, axis, value + (0.05 if value < 0.5 else -0.05))
             self.move(device, axis, value)
-            self.standin.ask("frames 1")
-            return condition()
+            return holds_within(1, lambda: self.standin.ask("frames 1") == "" and condition())
         wait_for(what, look)
 
 
