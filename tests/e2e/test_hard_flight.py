@@ -1,0 +1,201 @@
+"""Flights under everything at once: clients at full rate with every write accounted for, and the plug-in, the stand-in
+and the client tool with sanitizers under clients, rounds of disable and enable, buttons, traffic and browsers."""
+import json
+import os
+import re
+import select
+import subprocess
+import sys
+import threading
+import time
+import urllib.request
+from pathlib import Path
+
+import pytest
+
+from conftest import DEADLINE, TOP, Build, wait_for
+from network import Client
+from writers import PLACE, STEERED
+
+WRITERS = Path(__file__).with_name("writers.py")
+# Ten minutes once, by hand: TAVRIX_HARD_FLIGHT_SECONDS=600 with pytest and this file.
+SECONDS = float(os.environ.get("TAVRIX_HARD_FLIGHT_SECONDS", 0))
+# The dataref that follows each steered offset, and what the simulator has for the value 1 in the offset.
+FOLLOWS = {0x2EA0: "sim/flightmodel/controls/elv_trim", 0x2EB0: "sim/flightmodel/controls/ail_trim",
+           0x2EC0: "sim/flightmodel/controls/rud_trim", 0x1400: "sim/flightmodel/weight/m_fixed",
+           0x2EF8: "sim/flightmodel/misc/cgz_ref_to_default", 0x16024: "sim/flightmodel/weight/m_jettison"}
+LOCAL_PLACE = 0x19000
+
+
+@pytest.fixture
+def others():
+    """others(words...) -> a process of a test, with a pipe to and from it; ended with the test."""
+    running = []
+
+    def begin(words):
+        process = subprocess.Popen(words, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        running.append(process)
+        return process
+
+    yield begin
+    for process in running:
+        if process.poll() is None:
+            process.kill()
+        process.communicate(timeout=DEADLINE)
+
+
+def wait_readable(process, seconds=0):
+    return bool(select.select([process.stdout], [], [], seconds)[0])
+
+
+def begin(start, build, root, *options, more=""):
+    folder = root / "Resources" / "plugins" / "TAVRIX"
+    folder.mkdir(parents=True, exist_ok=True)
+    (folder / "TAVRIX.ini").write_text(f"[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n{more}")
+    standin = start(build, *options, root=root)
+    standin.wait_log("TAVFARNET->Waiting for clients.....0")
+    return standin
+
+
+def served(standin):
+    """Requests, and bytes that they wrote, as the plug-in counts them."""
+    standin.ask('menu "Performance settings"')
+    found = re.search(r"Requests: (\d+), bytes read: \d+, written: (\d+)", standin.ask("widgets"))
+    standin.ask('close "Performance settings"')
+    return [int(found[1]), int(found[2])]
+
+
+def free_place():
+    try:
+        return Client()
+    except OSError:
+        return None
+
+
+def sets_of(standin, seen):
+    """Adds what plug-ins have set since the last look."""
+    for entry in standin.ask("writes").split("; "):
+        name, _, value = entry.partition("=")
+        if name in seen:
+            seen[name].append(float(value.split()[0]))
+
+
+@pytest.mark.slow
+@pytest.mark.parametrize("preset", ["linux", pytest.param("win32", marks=pytest.mark.wine)])
+def test_every_write_is_accounted_for(start, others, request, tmp_path, preset):
+    """Eight network clients, under Wine eight local ones as well, none of which ever pauses."""
+    build = request.getfixturevalue(preset)
+    standin = begin(start, build, tmp_path / "X-Plane", "--flight", "none")
+    seconds = SECONDS or (60 if build.wine else 15)
+    standin.ask("frames 30")
+    standin.ask("writes")
+    before = served(standin)
+    standin.ask("perf")
+    started = time.monotonic()
+    local = [others(build.command("steady_writer_win32", hex(LOCAL_PLACE + 0x100 * i), seconds)) for i in range(8)] \
+        if build.wine else []
+    network = others([sys.executable, str(WRITERS), str(seconds), "steady"])
+    seen = {name: [] for name in FOLLOWS.values()}
+    while time.monotonic() < started + seconds:
+        standin.ask("frames 30")
+        sets_of(standin, seen)
+    clients = json.loads(network.stdout.readline())
+    assert [client["error"] for client in clients] == [""] * 8
+    assert all(client["echoes"] > 0 and client["connections"] == 1 for client in clients), clients
+    counts = [re.match(r"(\d+) requests, last (\d+), wrong 0", process.stdout.readline()) for process in local]
+    assert all(counts), counts
+    wanted = [sum(client["number"] + client["extra"] for client in clients) + sum(int(count[1]) for count in counts),
+              sum(client["written"] for client in clients) + sum(4 * int(count[1]) for count in counts)]
+    # Every record that was sent has been served ...
+    wait_for(f"{wanted} served, {before} before",
+             lambda: [now - then for now, then in zip(served(standin), before)] == wanted)
+    standin.ask("frames 5")
+    sets_of(standin, seen)
+    cost = dict(zip(*[iter(standin.ask("perf").split())] * 2))
+    # ... what was sent last stands there ...
+    network.stdin.write("\n")
+    network.stdin.flush()
+    network.wait(timeout=DEADLINE)
+    client = wait_for("a free place", free_place).complete()
+    for places, lasts in ((PLACE, [client["number"] for client in clients]), (LOCAL_PLACE, [int(count[2]) for count in counts])):
+        for index, last in enumerate(lasts):
+            assert int.from_bytes(client.read(places + 0x100 * index, 4), "little") == last, (hex(places), index)
+    client.close()
+    # ... and the simulator got the last one, each after the ones before it.
+    for index, (offset, _) in enumerate(STEERED):
+        values = seen[FOLLOWS[offset]]
+        factor = values[-1] / (clients[index]["number"] / 1e6)
+        rising = [value / factor for value in values]
+        assert rising == sorted(rising) and len(set(rising)) > 10, (hex(offset), rising[:10])
+        assert standin.number(FOLLOWS[offset]) == values[-1]
+    assert int(cost["frames"]) > 20 * seconds, cost
+    standin.quit()
+
+
+class Trouble:
+    """What a pilot's whole computer does besides, until it is ended: browsers at the status page, clients of the tool,
+    the web cockpit's streams."""
+
+    def __init__(self, build, environment):
+        self.build, self.environment, self.running, self.pages, self.reads = build, environment, True, 0, 0
+        self.faults = []
+        self.threads = [threading.Thread(target=work) for work in (self.browse, self.browse, self.ask)]
+        for thread in self.threads:
+            thread.start()
+
+    def browse(self):
+        while self.running:
+            try:
+                with urllib.request.urlopen("http://127.0.0.1:4321/", timeout=5) as answer:
+                    self.pages += b"TAVRIX" in answer.read()
+            except OSError:
+                time.sleep(0.05)  # disabled for the moment
+
+    def ask(self):
+        while self.running:
+            result = subprocess.run(self.build.command("offsetctl", "read", "heading", "--net", "127.0.0.1", "--timeout", "3"),
+                                    capture_output=True, text=True, timeout=DEADLINE, env=self.environment)
+            self.reads += result.returncode == 0
+            if result.returncode not in (0, 1):  # 1: all places are taken, or disabled for the moment
+                self.faults.append(result.stderr)
+
+    def end(self):
+        self.running = False
+        for thread in self.threads:
+            thread.join(timeout=DEADLINE)
+
+
+ROUND = [  # what the pilot does; frames run by themselves
+    "planes 20", "set sim/joystick/joystick_button_values[12] 1", "aircraft prop", "planes 3",
+    "set sim/joystick/joystick_button_values[12] 0", 'menu "Performance settings"', "message 108 0", "frames 20",
+    'close "Performance settings"', "axis 3 0.7", "aircraft b738", "planes 90", 'menu "Push Back Settings"', "frames 40",
+    'close "Push Back Settings"', "aircraft jet", "planes 1", "axis 3 0.1"]
+BUTTONS = ("[JOYSTICK BUTTON SETTINGS]\n12 = 0BC8,2,32767,0,0,0,0,0,0,0,0,0\n"
+           "[TAVRIX AXIS SETTINGS]\nAssign Throttle 1 Axis = 0,3\n")
+REPORTS = ("Sanitizer", "runtime error:", "standin: breach", "Assertion")
+
+
+@pytest.mark.slow
+@pytest.mark.parametrize("preset", ["linux-asan", "linux-tsan"])
+def test_sanitizers_find_nothing_in_flight(start, others, tmp_path, monkeypatch, preset):
+    monkeypatch.setenv("TSAN_OPTIONS", f"halt_on_error=1 suppressions={TOP}/tests/tsan.supp")
+    monkeypatch.setenv("ASAN_OPTIONS", "detect_leaks=1:detect_odr_violation=0")
+    monkeypatch.setenv("UBSAN_OPTIONS", "print_stacktrace=1")
+    build, root = Build(preset), tmp_path / "X-Plane"
+    (root / "Resources" / "plugins" / "TAVRIX").mkdir(parents=True)
+    (root / "Resources" / "plugins" / "TAVRIX" / "TAVRIXOffsets.cfg").write_text(
+        (TOP / "docs" / "TAVRIXOffsets.example.cfg").read_text())
+    standin = begin(start, build, root, more=BUTTONS)
+    network = others([sys.executable, str(WRITERS), str(SECONDS or 12), "rounds"])
+    trouble = Trouble(build, dict(os.environ))
+    rounds = 0
+    while network.poll() is None and rounds < 1000 and not wait_readable(network):
+        for line in ROUND + ([], ["disable", "enable", "reload"])[rounds % 2]:
+            standin.ask(line)
+        rounds += 1
+    clients = json.loads(network.stdout.readline())
+    trouble.end()
+    assert standin.quit(expect=None) < DEADLINE
+    found = [line for line in standin.errors if any(word in line for word in REPORTS)]
+    assert not found and standin.process.returncode == 0 and not trouble.faults, (standin.errors[-60:], trouble.faults)
+    assert rounds >= 3 and trouble.pages > 0 and all(client["connections"] > 1 for client in clients), (rounds, clients)
