@@ -36,11 +36,11 @@ BINARIES = {
 # What others wrote: what it is, and where its terms stand (@ is GCC's first number). Those of the compilers are their
 # packages' own.
 LICENCES = {
-    "gcc": ("the C++ run time of GCC: GPL 3 with the GCC Runtime Library Exception 3.1",
+    "gcc": ("the run time of GCC and its C++ library: GPL 3 with the GCC Runtime Library Exception 3.1",
             Path("/usr/share/doc/gcc-@-base/copyright")),
     "mingw-w64": ("the Windows run time of MinGW-w64 and winpthreads: ZPL 2.1, MIT, BSD and public domain",
                   Path("/usr/share/doc/mingw-w64-common/copyright")),
-    "zlib": ("zlib: the zlib licence", Path("/usr/share/doc/zlib1g-dev/copyright")),
+    "zlib": ("compression of pictures: the zlib licence", Path("/usr/share/doc/zlib1g-dev/copyright")),
     "web": ("what the web pages of offsetctl are built with", TOP / "web" / "licences.txt"),
 }
 # A program that writes other files of the tree is of no use there.
@@ -63,12 +63,13 @@ def version():
     return found[1] if found else fail("src/base/version.h does not tell the version")
 
 
-def stripped(build, file, folder):
-    """The built file's bytes without symbols."""
+def stripped(build, file, folder, moment):
+    """The built file's bytes without symbols; of Windows files this sets the time, too."""
     source, target = TOP / "build" / build / file, folder / f"{build}-{Path(file).name}"
     if not source.exists():
         fail(f"{source} is not built: run ./package")
-    subprocess.run([STRIP[build], "--strip-all", "-o", str(target), str(source)], check=True)
+    subprocess.run([STRIP[build], "--strip-all", "-o", str(target), str(source)], check=True,
+                   env={**os.environ, "SOURCE_DATE_EPOCH": str(moment)})
     data = target.read_bytes()
     target.unlink()
     if f"{TOP}/".encode() in data:
@@ -76,24 +77,25 @@ def stripped(build, file, folder):
     return data
 
 
-def compiler(build):
-    return subprocess.run([COMPILER[build], "--version"], capture_output=True, text=True, check=True).stdout.splitlines()[0]
+def compiler(build, question="--version"):
+    """The first line of the compiler's answer."""
+    return subprocess.run([COMPILER[build], question], capture_output=True, text=True, check=True).stdout.splitlines()[0]
 
 
-def collect(folder):
+def collect(folder, moment):
     """Name in the archive -> its bytes, and -> what it contains beside our own."""
     files, parts = {}, {}
     present = {name for name, (_, terms) in LICENCES.items() if name != "web" or terms.exists()}
     for build, rows in BINARIES.items():
         for file, places, contained in rows:
-            data = stripped(build, file, folder)
+            data = stripped(build, file, folder, moment)
             for place in places:
                 files[place], parts[place] = data, [name for name in contained if name in present]
     for name in git("ls-files", "-z", "docs", "clients", "CHANGELOG.md").split("\0"):
         if name and name not in LEFT_OUT:
             files[name] = (TOP / name).read_bytes()
     files["TAVRIX/TAVRIXOffsets.example.cfg"] = files["docs/TAVRIXOffsets.example.cfg"]
-    gcc = subprocess.run([COMPILER["linux"], "-dumpversion"], capture_output=True, text=True, check=True).stdout.split(".")[0].strip()
+    gcc = compiler("linux", "-dumpversion").split(".")[0]
     for name in sorted(present):
         terms = Path(str(LICENCES[name][1]).replace("@", gcc))
         if not terms.exists():
@@ -106,7 +108,8 @@ def collect(folder):
 def contents(files, parts):
     """CONTENTS.txt: every file with its size and whose it is."""
     changed = ", with changes that are not committed" if git("status", "--porcelain", "--untracked-files=no") else ""
-    lines = [f"TAVRIX {version()}: list of contents", "", f"Made from commit {git('rev-parse', 'HEAD').strip()}{changed}", "Built with"]
+    lines = [f"TAVRIX {version()}: list of contents", "", f"Made from commit {git('rev-parse', 'HEAD').strip()}{changed}",
+             "Built with"]
     lines += [f"  {build}: {compiler(build)}" for build in BINARIES]
     lines += ["", "Whose it is", "  own: TAVRIX. All rights reserved by its authors."]
     used = {name for each in parts.values() for name in each}
@@ -135,12 +138,12 @@ def main():
     parser.add_argument("folder", type=Path)
     folder = parser.parse_args().folder
     folder.mkdir(parents=True, exist_ok=True)
-    files, parts = collect(folder)
+    moment = int(os.environ.get("SOURCE_DATE_EPOCH") or git("log", "-1", "--format=%ct"))
+    files, parts = collect(folder, moment)
     files["INSTALL.txt"] = (TOP / "cmake/INSTALL.txt").read_bytes().replace(b"@VERSION@", version().encode())
     files["CONTENTS.txt"] = contents(files, parts)
     files["SHA256SUMS"] = "".join(f"{hashlib.sha256(files[name]).hexdigest()}  {name}\n" for name in sorted(files)).encode()
     top = f"TAVRIX-{version()}"
-    moment = int(os.environ.get("SOURCE_DATE_EPOCH") or git("log", "-1", "--format=%ct"))
     path = folder / f"{top}.zip"
     write_zip(path, top, files, moment)
     checksum = hashlib.sha256(path.read_bytes()).hexdigest()

@@ -2,9 +2,13 @@
 
 Nearly all of their time is waiting, and the servers' ports are fixed: so each worker has a network of its own, under
 Wine also a prefix of its own, whose server stays in that network. Where the system allows no networks of our own, one
-pytest runs all files, one after another."""
+pytest runs all files, one after another.
+
+A display that dies under Wine takes every window with it: that is said once, another one is started under its number,
+and the files that failed meanwhile run again."""
 import argparse
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -21,6 +25,39 @@ NO_TESTS = 5  # pytest's answer where the marks leave nothing of a file
 # They take longest, and go first.
 LONG = ["test_flight.py", "test_recordings.py", "test_hosts.py", "test_clients.py", "test_network.py", "test_traffic.py",
         "test_lifecycle.py", "test_run.py", "test_ages.py", "test_window_server.py"]
+DISPLAYS = 3  # when that many have died it is no accident
+
+
+def display_lives(number):
+    """Whether the X server of that number runs; its lock file has its process."""
+    try:
+        process = int(Path(f"/tmp/.X{number}-lock").read_text())
+        return Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0] != "Z"
+    except (OSError, ValueError):
+        return False
+
+
+def look_at_display(display):
+    """When the display has died: says so, counts it, and starts another one under its number, but after the last."""
+    with display["lock"]:
+        if display["died"] == DISPLAYS or display_lives(display["number"]):
+            return
+        display["died"] += 1
+        print(f"The display :{display['number']} (Xvfb) has died: what fails by that says nothing"
+              + (" and is run again" if display["died"] < DISPLAYS else f"; it is the {DISPLAYS}rd time: the run ends"), flush=True)
+        if display["died"] < DISPLAYS:
+            display["servers"].append(subprocess.Popen(
+                ["Xvfb", f":{display['number']}", "-screen", "0", "1024x768x24", "-nolisten", "tcp"],
+                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True))
+            deadline = time.monotonic() + 20
+            while not display_lives(display["number"]) and time.monotonic() < deadline:
+                time.sleep(0.1)
+
+
+def keep_display(display, over):
+    """A thread: looks at the display until `over`."""
+    while not over.wait(0.5):
+        look_at_display(display)
 
 
 def open_network():
@@ -45,7 +82,7 @@ def copy_prefix(source, target):
         shutil.copy2(source / file.name, file)
 
 
-def work(network, waiting, failed, folder, prefix, options, arguments, lock):
+def work(network, waiting, failed, folder, prefix, options, arguments, lock, display):
     inside = ["nsenter", f"--net=/proc/{network.pid}/ns/net"]
     environment = dict(os.environ)
     if options.wine:
@@ -53,16 +90,25 @@ def work(network, waiting, failed, folder, prefix, options, arguments, lock):
         environment["WINEPREFIX"] = str(prefix)
     while True:
         with lock:
-            if not waiting:
+            if not waiting or (display and display["died"] == DISPLAYS):
                 break
             file = waiting.pop(0)
             failed.append(file.name)  # until it has passed
-        started = time.monotonic()
+        started, deaths = time.monotonic(), display and display["died"]
         ended = subprocess.run(
             [*inside, sys.executable, "-m", "pytest", "-q", str(file), f"--basetemp={folder / file.stem}",
              "-p", "no:cacheprovider", *arguments],
             env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
             errors="replace")
+        if display:
+            look_at_display(display)
+        if ended.returncode not in (0, NO_TESTS) and display and display["died"] != deaths:
+            subprocess.run([*inside, "wineserver", "-k"], env=environment, capture_output=True)
+            shutil.rmtree(folder / file.stem, ignore_errors=True)
+            with lock:
+                failed.remove(file.name)
+                waiting.insert(0, file)
+            continue
         with lock:
             if ended.returncode in (0, NO_TESTS):
                 failed.remove(file.name)
@@ -88,13 +134,19 @@ def main():
                                *arguments]).returncode
     files = sorted(HERE.glob("test_*.py"), key=lambda file: (LONG + [file.name]).index(file.name))
     failed, lock = [], threading.Lock()
+    number = re.fullmatch(r":(\d+)(\.\d+)?", os.environ.get("DISPLAY", "")) if options.wine else None
+    display = {"number": number[1], "died": 0, "servers": [], "lock": threading.Lock()} if number and display_lives(number[1]) else None
+    over = threading.Event()
+    keeper = threading.Thread(target=keep_display, args=(display, over), daemon=True)
+    if display:
+        keeper.start()
     with (tempfile.TemporaryDirectory(prefix="tavrix-e2e-") as folder,
           # Beside the prefix that is copied: links do not leave a file system.
           tempfile.TemporaryDirectory(prefix="e2e-", dir=Path(os.environ["WINEPREFIX"]).parent if options.wine else None)
           as prefixes):
         workers = [
             threading.Thread(target=work, args=(network, files, failed, Path(folder), Path(prefixes) / f"wine{i}", options, arguments,
-                                                lock))
+                                                lock, display))
             for i, network in enumerate(networks)]
         for worker in workers:
             worker.start()
@@ -102,6 +154,12 @@ def main():
             worker.join()
     for network in networks:
         close_network(network)
+    if display:
+        over.set()
+        keeper.join()
+        for server in display["servers"]:
+            server.terminate()
+            server.wait()
     failed += [file.name + " (not run)" for file in files]  # when every worker has ended by an error
     if failed:
         print("failed: " + ", ".join(failed))
