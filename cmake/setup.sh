@@ -83,6 +83,21 @@ start_display() {
   export DISPLAY=":$line"
 }
 
+# Whether the display answers; one that was ended leaves its socket's file behind.
+display_lives() {
+  local number=${DISPLAY#:}
+  [ -n "$display_pid" ] && kill -0 "$display_pid" 2>/dev/null && [ -e "/tmp/.X11-unix/X${number%%.*}" ]
+}
+
+# Says that the display has gone, if so, and starts another one. Fails when it lived: then nothing is to be done again.
+replace_dead_display() {
+  [ -n "$display_pid" ] && ! display_lives || return 1
+  echo "The display $DISPLAY has died (Xvfb, process $display_pid); what failed meanwhile says nothing. Another one is started." >&2
+  wait "$display_pid" 2>/dev/null
+  display_pid=""
+  start_display
+}
+
 # Wine with a prefix of our own in the build folder.
 prepare_wine() {
   export WINEPREFIX="${WINEPREFIX:-$PWD/build/wine}" WINEDEBUG="${WINEDEBUG:--all}" WINEDLLOVERRIDES="mscoree,mshtml="

@@ -1,5 +1,5 @@
-// A local client that writes as fast as the window server answers: a number that counts up, to a place of its own,
-// read back within the same request. Windows only.
+// A local client that writes as fast as the window server answers: a number that counts up, to a place of its
+// own, read back within the same request. Windows only.
 //
 //   steady_writer_win32 OFFSET SECONDS
 //
