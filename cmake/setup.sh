@@ -49,6 +49,15 @@ setup_browser() {
   DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends chromium >>/tmp/tavrix-setup.log 2>&1
 }
 
+# What looks at the code without running it, and the fuzz targets' compiler; ./run does without them.
+setup_checkers() {
+  command -v clang-format >/dev/null 2>&1 && command -v clang-tidy >/dev/null 2>&1 && command -v clang++ >/dev/null 2>&1 && return 0
+  local as_root=""
+  [ "$(id -u)" = 0 ] || as_root="sudo"
+  $as_root apt-get update -qq >/dev/null 2>&1 || true
+  DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends clang clang-format clang-tidy >>/tmp/tavrix-setup.log 2>&1
+}
+
 setup_machine() {
   have_everything && return 0
   install_everything

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets with clang and runs each for N seconds (default 10) on its corpus; new inputs are
-# kept in the build folder only. Exit status 1 when one finds a fault.
+# Builds the fuzz targets with clang and runs each for N seconds (default 10) on its corpus, two at a time; new inputs
+# are kept in the build folder only. Exit status 1 when one finds a fault.
+#   fuzz/run.sh [N | --build]
 cd "$(dirname "$0")/.." || exit 1
 seconds=${1:-10}
 command -v clang++ >/dev/null || { echo "clang++ is not installed: fuzz targets are not run"; exit 0; }
@@ -14,15 +15,24 @@ if ! { cmake -S . -B "$build" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMP
   tail -n 30 "$build.log" >&2
   exit 1
 fi
-status=0
-for source in fuzz/*_fuzz.cpp; do
-  name=$(basename "$source" .cpp)
+[ "$seconds" = --build ] && exit 0
+
+fuzz_one() {  # fuzz_one NAME: says so when it finds a fault
+  local name=$1
   mkdir -p "$build/corpus/$name"
-  if ! "$build/bin/$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -artifact_prefix="$build/" -verbosity=0 \
-    -print_final_stats=0 "$build/corpus/$name" "fuzz/corpus/${name%_fuzz}" >"$build/$name.log" 2>&1; then
-    echo "$name found a fault:"
-    tail -n 30 "$build/$name.log"
-    status=1
-  fi
+  "$build/bin/$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -artifact_prefix="$build/" -verbosity=0 \
+    -print_final_stats=0 "$build/corpus/$name" "fuzz/corpus/${name%_fuzz}" >"$build/$name.log" 2>&1 && return
+  echo "$name found a fault:"
+  tail -n 30 "$build/$name.log"
+  return 1
+}
+status=0 running=()
+for source in fuzz/*_fuzz.cpp; do
+  fuzz_one "$(basename "$source" .cpp)" &
+  running+=($!)
+  [ "${#running[@]}" -lt 2 ] && continue
+  wait "${running[0]}" || status=1
+  running=("${running[@]:1}")
 done
+for pid in "${running[@]}"; do wait "$pid" || status=1; done
 exit $status

@@ -52,7 +52,7 @@ void ReadLines() {
       line.clear();
     }
     if (got == 0) {
-      if (!line.empty()) input->lines.push_back(std::move(line));
+      if (!line.empty()) input->lines.push_back(line);
       input->ended = true;
     }
     input->arrived.notify_one();
@@ -221,7 +221,7 @@ std::string ParseOptions(int argc, char** argv, Options* options) {
       if (i + 1 < argc) value = argv[++i];
       if (value.empty()) return name + " needs a value";
     }
-    const std::string why = row->take(value, options);
+    std::string why = row->take(value, options);
     if (!why.empty()) return why;
   }
   if (options->plugins.empty()) return "--plugin is missing";

@@ -60,7 +60,7 @@ constexpr ArrayRow arrayRows[] = {
 
 // Text of place n, at most 7 characters.
 void PutText(DataRef* ref, int n, const char* text) {
-  const size_t from = static_cast<size_t>(n * textSize);
+  const size_t from = static_cast<size_t>(n) * textSize;
   if (from + textSize > ref->bytes.size()) return;  // the console has redefined it
   char all[textSize] = "";
   std::snprintf(all, sizeof all, "%s", text);

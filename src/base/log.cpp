@@ -317,7 +317,7 @@ void TraceRecord(bool isWrite, uint32_t request, uint32_t offset, uint32_t size,
 std::string SwitchTrace(bool isWrite, bool on) {
   const LockScope scope(&traceLock);
   if (!readTrace.load(std::memory_order_relaxed) && !writeTrace.load(std::memory_order_relaxed)) {
-    const std::string reason = Reopen(&traceLog);
+    std::string reason = Reopen(&traceLog);
     if (on && !reason.empty()) return reason;
   }
   TraceLine("%s %s %f sec\n", on ? "Start" : "Stop", isWrite ? "Writelogging" : "Readlogging",

@@ -122,7 +122,9 @@ bool IsLampOn(const Source& light) {
 // Off presses only what is known to be on: a button may not be pressed for another one's lamp. One that stands
 // alone is on when the row is.
 void PressButtons(const Variant& variant, uint32_t offset, bool shown, bool wanted) {
-  const auto press = [&](const Button& button) { Fire(variant, offset, *button.press, variant.held); };
+  const auto press = [&](const Button& button) {
+    if (button.press != nullptr) Fire(variant, offset, *button.press, variant.held);
+  };
   if (variant.momentary) {
     // What is lit may be lit for another reason: the button is pressed unless it is being held.
     if (wanted && HeldCommand(variant.buttons[0].press) == nullptr) press(variant.buttons[0]);

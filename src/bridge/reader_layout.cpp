@@ -157,6 +157,7 @@ void AddOnce(std::vector<Known>* known, const Known& one) {
 
 std::vector<XPLMDataRef> HandlesOf(const std::vector<DataRef*>& refs) {
   std::vector<XPLMDataRef> handles;
+  handles.reserve(refs.size());
   for (const DataRef* ref : refs) handles.push_back(ref->handle);
   return handles;
 }

@@ -358,6 +358,7 @@ void ReadAxisSettings(AllAxisSettings& all) {
   std::string text;
   if (ReadSettingsText(&text) <= 0) return;
   std::vector<SettingQuery> queries;
+  queries.reserve(wanted.size());
   for (const Wanted& each : wanted) queries.push_back({section, each.key, {}, false});
   FindSettings(text, queries);
   for (size_t i = 0; i < wanted.size(); ++i) {

@@ -79,6 +79,7 @@ std::vector<Diagnosis> DiagnoseLayout(const std::vector<PlacedBinary>& binaries)
 
 std::vector<Diagnosis> DiagnoseCopies(const std::vector<std::string>& copies) {
   std::vector<Diagnosis> told;
+  told.reserve(copies.size());
   for (const std::string& path : copies) {
     told.push_back({Health::Bad, "There is a second copy of the plug-in: " + path + ".",
                     "Remove it: X-Plane loads both, and they take each other's ports and window."});
