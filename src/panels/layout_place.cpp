@@ -95,6 +95,7 @@ Measure MeasureWindow(const Window& window) {
   Measure measure;
   const int rows = static_cast<int>(window.plan->rows.size()) + (window.hasMessageLine ? 1 : 0);
   std::vector<int> firstOfGroup;
+  firstOfGroup.reserve(static_cast<size_t>(rows));
   for (int row = 0; row < rows; ++row) {
     firstOfGroup.push_back(row == 0 || BeginsGroup(window, row) ? row : firstOfGroup.back());
   }

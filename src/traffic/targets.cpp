@@ -148,7 +148,7 @@ uint32_t ReadTargets(PlaneSource (&planes)[targetPlanes]) {
   const uint32_t others = CountOthers(targets);
   int placeOf[targetPlanes] = {};  // by slot, 0 none
   Occupant newcomers[targetPlanes];
-  int newPlaces[targetPlanes];
+  int newPlaces[targetPlanes] = {};
   uint32_t newcomerCount = 0, shown = 0;
   // Those who have a slot keep it. Those whose slot goes, and those who have come, take what is free.
   for (int place = 1; place < places && shown < others; place++) {

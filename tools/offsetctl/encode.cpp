@@ -287,7 +287,7 @@ uint64_t StoredBits(const Item& item) {
   if (!IsInteger(item.type)) return 0;
   uint64_t bits = 0;
   for (uint32_t i = 0; i < item.size; ++i) bits |= uint64_t{item.bytes[i]} << (8 * i);
-  if (IsSigned(item.type) && item.size < 8 && (bits >> (8 * item.size - 1)) != 0) {
+  if (IsSigned(item.type) && item.size > 0 && item.size < 8 && (bits >> (8 * item.size - 1)) != 0) {
     bits |= ~uint64_t{0} << (8 * item.size);
   }
   return bits;

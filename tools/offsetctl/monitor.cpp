@@ -189,6 +189,7 @@ int RunMonitor(const Options& options, const Transport& transport) {
   const std::vector<ShownRow> left = Choose(leftRows, std::size(leftRows), &items);
   const std::vector<ShownRow> right = Choose(rightRows, std::size(rightRows), &items);
   std::vector<Transfer> transfers;
+  transfers.reserve(items.size() + 1);
   for (Item& item : items) transfers.push_back({item.offset, item.size, item.bytes.data()});
   std::vector<uint8_t> traffic(trafficSize);
   transfers.push_back({trafficOffset, trafficSize, traffic.data()});

@@ -48,6 +48,7 @@ void Become(const std::vector<std::string>& words, const Environment& environmen
   dup2(pipes[2].write, STDERR_FILENO);
   for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   execvp(arguments[0], arguments.data());

@@ -193,7 +193,8 @@ Scale ScaleOf(double scale, const char* unit) {
     if (const double whole = DenominatorFor(100, size); whole > 0)
       return made(100, whole, DenominatorText(whole));
   }
-  for (double numerator = 1; numerator <= 5000; ++numerator) {
+  for (int count = 1; count <= 5000; ++count) {
+    const double numerator = count;
     if (const double below = DenominatorFor(numerator, size); below > 0) {
       return made(numerator, below, DenominatorText(below));
     }
