@@ -91,7 +91,7 @@ def collect(folder, moment):
             data = stripped(build, file, folder, moment)
             for place in places:
                 files[place], parts[place] = data, [name for name in contained if name in present]
-    for name in git("ls-files", "-z", "docs", "clients", "CHANGELOG.md").split("\0"):
+    for name in git("ls-files", "-z", "docs", "clients", "CHANGELOG.md", "web/openapi.json").split("\0"):
         if name and name not in LEFT_OUT:
             files[name] = (TOP / name).read_bytes()
     files["TAVRIX/TAVRIXOffsets.example.cfg"] = files["docs/TAVRIXOffsets.example.cfg"]

@@ -10,6 +10,7 @@ import argparse
 import os
 import re
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -29,12 +30,13 @@ DISPLAYS = 3  # when that many have died it is no accident
 
 
 def display_lives(number):
-    """Whether the X server of that number runs; its lock file has its process."""
-    try:
-        process = int(Path(f"/tmp/.X{number}-lock").read_text())
-        return Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0] != "Z"
-    except (OSError, ValueError):
-        return False
+    """Whether an X server of that number takes connections."""
+    with socket.socket(socket.AF_UNIX) as connection:
+        try:
+            connection.connect(f"/tmp/.X11-unix/X{number}")
+        except (FileNotFoundError, ConnectionRefusedError):
+            return False
+    return True
 
 
 def look_at_display(display):
@@ -45,6 +47,8 @@ def look_at_display(display):
         display["died"] += 1
         print(f"The display :{display['number']} (Xvfb) has died: what fails by that says nothing"
               + (" and is run again" if display["died"] < DISPLAYS else f"; it is the {DISPLAYS}rd time: the run ends"), flush=True)
+        for server in display["servers"]:
+            server.poll()  # else the next one takes the dead process for a living server
         if display["died"] < DISPLAYS:
             display["servers"].append(subprocess.Popen(
                 ["Xvfb", f":{display['number']}", "-screen", "0", "1024x768x24", "-nolisten", "tcp"],
@@ -135,7 +139,9 @@ def main():
     files = sorted(HERE.glob("test_*.py"), key=lambda file: (LONG + [file.name]).index(file.name))
     failed, lock = [], threading.Lock()
     number = re.fullmatch(r":(\d+)(\.\d+)?", os.environ.get("DISPLAY", "")) if options.wine else None
-    display = {"number": number[1], "died": 0, "servers": [], "lock": threading.Lock()} if number and display_lives(number[1]) else None
+    display = None
+    if number and display_lives(number[1]):
+        display = {"number": number[1], "died": 0, "servers": [], "lock": threading.Lock()}
     over = threading.Event()
     keeper = threading.Thread(target=keep_display, args=(display, over), daemon=True)
     if display:
