@@ -45,8 +45,8 @@ def look_at_display(display):
         if display["died"] == DISPLAYS or display_lives(display["number"]):
             return
         display["died"] += 1
-        print(f"The display :{display['number']} (Xvfb) has died: what fails by that says nothing"
-              + (" and is run again" if display["died"] < DISPLAYS else f"; it is the {DISPLAYS}rd time: the run ends"), flush=True)
+        end = "and is run again" if display["died"] < DISPLAYS else f"(the {DISPLAYS}rd time: the run ends)"
+        print(f"The display :{display['number']} (Xvfb) has died: what fails by that says nothing {end}", flush=True)
         for server in display["servers"]:
             server.poll()  # else the next one takes the dead process for a living server
         if display["died"] < DISPLAYS:
@@ -151,8 +151,8 @@ def main():
           tempfile.TemporaryDirectory(prefix="e2e-", dir=Path(os.environ["WINEPREFIX"]).parent if options.wine else None)
           as prefixes):
         workers = [
-            threading.Thread(target=work, args=(network, files, failed, Path(folder), Path(prefixes) / f"wine{i}", options, arguments,
-                                                lock, display))
+            threading.Thread(target=work, args=(network, files, failed, Path(folder), Path(prefixes) / f"wine{i}",
+                                                options, arguments, lock, display))
             for i, network in enumerate(networks)]
         for worker in workers:
             worker.start()
