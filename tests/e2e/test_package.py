@@ -104,6 +104,14 @@ def test_pages_lead_to_what_is_there(unpacked):
             assert (page.parent / target).exists(), f"{page.name}: {target}"
 
 
+def test_folder_is_what_the_guide_says(unpacked):
+    table = re.search(r"^\| File in .*?\n\n", (unpacked / "docs" / "user-guide.md").read_text(), re.M | re.S)[0]
+    told = [name for row in table.splitlines()[2:] for name in re.findall(r"`(.*?)`", row.split(" | ")[0])]
+    assert sorted(told) == names_in(unpacked / "TAVRIX")
+    plugin = unpacked / "TAVRIX"
+    assert (plugin / "win.xpl").read_bytes() == (plugin / "32" / "win.xpl").read_bytes()
+
+
 # --- INSTALL.txt -------------------------------------------------------------------------------------------------
 class Installed(Build):
     """The programs of the archive, and the plug-in where it was copied to."""
