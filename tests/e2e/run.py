@@ -25,7 +25,7 @@ NETWORK = ["unshare", "--net", "sh", "-c", "ip link set lo up && ip link set lo 
 NO_TESTS = 5  # pytest's answer where the marks leave nothing of a file
 # They take longest, and go first.
 LONG = ["test_flight.py", "test_recordings.py", "test_hosts.py", "test_clients.py", "test_network.py", "test_traffic.py",
-        "test_lifecycle.py", "test_run.py", "test_ages.py", "test_window_server.py"]
+        "test_lifecycle.py", "test_run.py", "test_ages.py", "test_window_server.py", "test_package.py"]
 DISPLAYS = 3  # when that many have died it is no accident
 
 
