@@ -91,7 +91,7 @@ def collect(folder, moment):
             data = stripped(build, file, folder, moment)
             for place in places:
                 files[place], parts[place] = data, [name for name in contained if name in present]
-    for name in git("ls-files", "-z", "docs", "clients", "CHANGELOG.md").split("\0"):
+    for name in git("ls-files", "-z", "docs", "clients", "CHANGELOG.md", "web/openapi.json").split("\0"):
         if name and name not in LEFT_OUT:
             files[name] = (TOP / name).read_bytes()
     files["TAVRIX/TAVRIXOffsets.example.cfg"] = files["docs/TAVRIXOffsets.example.cfg"]
@@ -122,6 +122,11 @@ def contents(files, parts):
     return "\n".join(lines).encode()
 
 
+def with_crlf(data):
+    """As the editor of older Windows versions needs it, which else shows one long line."""
+    return data.replace(b"\n", b"\r\n")
+
+
 def write_zip(path, top, files, moment):
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
         for name in sorted(files):
@@ -140,8 +145,8 @@ def main():
     folder.mkdir(parents=True, exist_ok=True)
     moment = int(os.environ.get("SOURCE_DATE_EPOCH") or git("log", "-1", "--format=%ct"))
     files, parts = collect(folder, moment)
-    files["INSTALL.txt"] = (TOP / "cmake/INSTALL.txt").read_bytes().replace(b"@VERSION@", version().encode())
-    files["CONTENTS.txt"] = contents(files, parts)
+    files["INSTALL.txt"] = with_crlf((TOP / "cmake/INSTALL.txt").read_bytes().replace(b"@VERSION@", version().encode()))
+    files["CONTENTS.txt"] = with_crlf(contents(files, parts))
     files["SHA256SUMS"] = "".join(f"{hashlib.sha256(files[name]).hexdigest()}  {name}\n" for name in sorted(files)).encode()
     top = f"TAVRIX-{version()}"
     path = folder / f"{top}.zip"

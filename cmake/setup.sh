@@ -92,10 +92,10 @@ start_display() {
   export DISPLAY=":$line"
 }
 
-# Whether the display answers; one that was ended leaves its socket's file behind.
+# Whether the display's server runs; one that has just ended may still have its number.
 display_lives() {
-  local number=${DISPLAY#:}
-  [ -n "$display_pid" ] && kill -0 "$display_pid" 2>/dev/null && [ -e "/tmp/.X11-unix/X${number%%.*}" ]
+  local state
+  [ -n "$display_pid" ] && read -r state 2>/dev/null <"/proc/$display_pid/stat" && [[ "$state" != *") Z "* ]]
 }
 
 # Says that the display has gone, if so, and starts another one. Fails when it lived: then nothing is to be done again.

@@ -14,6 +14,7 @@ import os
 import re
 import shlex
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -29,17 +30,19 @@ NETWORK = ["unshare", "--net", "sh", "-c", "ip link set lo up && ip link set lo 
 NO_TESTS = 5  # pytest's answer where the marks leave nothing of a file
 # They take longest, and go first.
 LONG = ["test_flight.py", "test_recordings.py", "test_hosts.py", "test_clients.py", "test_network.py", "test_traffic.py",
-        "test_lifecycle.py", "test_hard_flight.py", "test_run.py", "test_ages.py", "test_window_server.py"]
+        "test_lifecycle.py", "test_hard_flight.py", "test_package.py", "test_cockpit.py", "test_page.py", "test_run.py",
+        "test_ages.py", "test_window_server.py"]
 DISPLAYS = 3  # when that many have died it is no accident
 
 
 def display_lives(number):
-    """Whether the X server of that number runs; its lock file has its process."""
-    try:
-        process = int(Path(f"/tmp/.X{number}-lock").read_text())
-        return Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0] != "Z"
-    except (OSError, ValueError):
-        return False
+    """Whether an X server of that number takes connections."""
+    with socket.socket(socket.AF_UNIX) as connection:
+        try:
+            connection.connect(f"/tmp/.X11-unix/X{number}")
+        except (FileNotFoundError, ConnectionRefusedError):
+            return False
+    return True
 
 
 def look_at_display(display):
@@ -48,8 +51,10 @@ def look_at_display(display):
         if display["died"] == DISPLAYS or display_lives(display["number"]):
             return
         display["died"] += 1
-        print(f"The display :{display['number']} (Xvfb) has died: what fails by that says nothing"
-              + (" and is run again" if display["died"] < DISPLAYS else f"; it is the {DISPLAYS}rd time: the run ends"), flush=True)
+        end = "and is run again" if display["died"] < DISPLAYS else f"(the {DISPLAYS}rd time: the run ends)"
+        print(f"The display :{display['number']} (Xvfb) has died: what fails by that says nothing {end}", flush=True)
+        for server in display["servers"]:
+            server.poll()  # else the next one takes the dead process for a living server
         if display["died"] < DISPLAYS:
             display["servers"].append(subprocess.Popen(
                 ["Xvfb", f":{display['number']}", "-screen", "0", "1024x768x24", "-nolisten", "tcp"],
@@ -107,7 +112,6 @@ def unit_jobs(text, folder):
     jobs = []
     for part in range(int(parts)):
         own = folder / f"{name} {part}"
-        own.mkdir()
         jobs.append(Job(f"{name}, part {part + 1}", shlex.split(command), folder=own,
                         environment={"TEST_TMPDIR": str(own), "GTEST_TOTAL_SHARDS": parts, "GTEST_SHARD_INDEX": str(part)}))
     return jobs
@@ -125,6 +129,8 @@ def work(network, waiting, failed, prefix, options, lock, display):
                 break
             job = waiting.pop(0)
             failed.append(job.name)  # until it has passed
+        if "TEST_TMPDIR" in job.environment:
+            job.folder.mkdir(exist_ok=True)
         started, deaths = time.monotonic(), display and display["died"]
         ended = subprocess.run([*inside, *job.words], env=environment | job.environment, stdin=subprocess.DEVNULL,
                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace")
@@ -169,7 +175,9 @@ def main():
         return run_alone(options, arguments)
     failed, lock = [], threading.Lock()
     number = re.fullmatch(r":(\d+)(\.\d+)?", os.environ.get("DISPLAY", "")) if options.wine else None
-    display = {"number": number[1], "died": 0, "servers": [], "lock": threading.Lock()} if number and display_lives(number[1]) else None
+    display = None
+    if number and display_lives(number[1]):
+        display = {"number": number[1], "died": 0, "servers": [], "lock": threading.Lock()}
     over = threading.Event()
     keeper = threading.Thread(target=keep_display, args=(display, over), daemon=True)
     if display:

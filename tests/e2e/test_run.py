@@ -4,6 +4,7 @@ import shutil
 import signal
 import socket
 import subprocess
+import sys
 
 import pytest
 
@@ -163,3 +164,29 @@ def test_build_folder_of_another_place_is_made_anew(checkout, home, kept):
 def test_folder_without_cache_is_left_alone(checkout):
     subprocess.run(["bash", "-c", ". cmake/setup.sh; renew_moved_build build/linux"], cwd=checkout, check=True)
     assert (checkout / "build" / "linux" / "bin" / "offsetctl").exists()
+
+
+@pytest.mark.parametrize("deaths", [1, 3])
+def test_a_display_that_dies_is_named_and_replaced(tmp_path, deaths):
+    """What the display's end has let fail runs again on another one of its number; after the third the run ends."""
+    shutil.copy(TOP / "tests" / "e2e" / "run.py", tmp_path)
+    (tmp_path / "wine").mkdir()
+    (tmp_path / "test_window.py").write_text(
+        "import os, pathlib, signal, socket, struct\n"
+        "def test_window():\n"
+        "    runs = pathlib.Path(__file__).with_name('runs')\n"
+        "    runs.write_text((runs.read_text() if runs.exists() else '') + 'x')\n"
+        f"    if len(runs.read_text()) <= {deaths}:\n"
+        "        server = socket.socket(socket.AF_UNIX)\n"
+        "        server.connect('/tmp/.X11-unix/X' + os.environ['DISPLAY'][1:])\n"
+        "        peer = server.getsockopt(socket.SOL_SOCKET, socket.SO_PEERCRED, 12)\n"
+        "        os.kill(struct.unpack('3i', peer)[0], signal.SIGKILL)\n"
+        "        assert False, 'no window'\n")
+    script = (f". {TOP}/cmake/setup.sh; start_display && {sys.executable} run.py --wine --workers 1; stop_wine_and_display;"
+              ' rm -f "/tmp/.X11-unix/X${DISPLAY#:}" "/tmp/.X${DISPLAY#:}-lock"')
+    environment = {**os.environ, "WINEPREFIX": str(tmp_path / "wine")}
+    result = subprocess.run(["bash", "-c", script], cwd=tmp_path, env=environment, capture_output=True, text=True, timeout=60)
+    assert (tmp_path / "runs").read_text() == "x" * min(deaths + 1, 3), result.stdout + result.stderr
+    assert result.stdout.count("(Xvfb) has died") == deaths
+    assert ("test_window.py: 1 passed" in result.stdout) == (deaths < 3) and "no window" not in result.stdout
+    assert ("failed: test_window.py (not run)" in result.stdout) == (deaths == 3)
