@@ -227,6 +227,14 @@ export function createPlot(root) {
     }
   }
 
+  // What happened while the view was hidden or the connection lost is a gap, not a line.
+  function gap() {
+    const last = times.length - 1;
+    if (last < 0 || columns.every((column) => column[last] === null)) return;
+    times.push(seconds());
+    columns.forEach((column) => column.push(null));
+  }
+
   function listen() {
     stop?.();
     stop = null;
@@ -294,14 +302,15 @@ export function createPlot(root) {
           now = chosen.map(() => null);
         }
       }
-      if (times.length) {  // what happened while the view was hidden is a gap, not a line
-        times.push(seconds());
-        columns.forEach((column) => column.push(null));
-      }
+      gap();
       changed();
       clearInterval(ticker);
       ticker = setInterval(() => {
-        if (document.hidden || document.documentElement.classList.contains("offline")) return;
+        if (document.hidden) return;
+        if (document.documentElement.classList.contains("offline")) {
+          gap();
+          return;
+        }
         append(seconds());
         if (!isPaused) draw();
       }, 500);
