@@ -129,7 +129,7 @@ export function createPlot(root) {
     const names = [...new Set(chosen.map(scaleOf))];
     const room = place.clientWidth < 600 ? 1 : place.clientWidth < 1000 ? 2 : 4;
     const stepped = (one) => { const { row } = parseItem(one.name); return row && (row.form === "Flag" || row.values); };
-    const axis = { stroke: ink, font, grid: { stroke: line, width: 1 }, ticks: { stroke: line, width: 1 } };
+    const axis = { stroke: ink, font, space: size * 2.6, grid: { stroke: line, width: 1 }, ticks: { stroke: line, width: 1 } };
     plot = new uPlot({
       width: place.clientWidth, height: place.clientHeight, legend: { show: false }, pxAlign: 0,
       cursor: { drag: { setScale: false }, points: { size: 7 } },
