@@ -410,6 +410,7 @@ bool StartSource(const SourceSettings& settings, Source* source, std::string* er
     work->isNew = work->isDirty = true;
     work->playedAt = Now(*work);
   }
+  Deliver(work.get());  // whoever asks first knows the source already
   source->thread = std::thread([work] { Run(work.get()); });
   return true;
 }
