@@ -21,6 +21,8 @@ enum : unsigned {
   takesListen = 512,
   takesSpeed = 1024,
   takesLoop = 2048,
+  takesWay = 4096,  // the ways to a server alone
+  takesWeb = 8192,
 };
 
 struct CommandLine {
