@@ -20,7 +20,7 @@ exceptions=(
 )
 
 # Of files that are still there: what an earlier build left behind does not count.
-objects=$(find "$build"/CMakeFiles/{tavrix_objects,tavrix,offsetctl}.dir -name '*.o' 2>/dev/null |
+objects=$(find "$build"/CMakeFiles/{tavrix_objects,tavrix,offsetctl,offsetctl_parts}.dir -name '*.o' 2>/dev/null |
   grep -v '/offsetctl\.dir/src/' |  # the plug-in's own
   while read -r object; do
     source=${object#*.dir/}
