@@ -21,6 +21,7 @@ enum : unsigned {
   takesListen = 512,
   takesSpeed = 1024,
   takesLoop = 2048,
+  takesNote = 65536,
 };
 
 struct CommandLine {

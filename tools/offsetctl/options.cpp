@@ -35,6 +35,7 @@ constexpr Option knownOptions[] = {
      .commands = takesListen,
      .text = &Options::listen,
      .about = "an address of this computer"},
+    {.name = "--note", .commands = takesNote, .text = &Options::note, .about = "a line of text"},
     {.name = "--timeout",
      .commands = takesServer | takesTimeout,
      .number = &Options::timeout,

@@ -39,6 +39,7 @@ struct Options {
   std::string log = {};     // check: the plug-in's log
   std::string folder = {};  // map: where the plug-in lies
   std::string listen = {};  // replay, conform: the server's own address
+  std::string note = {};    // monitor: a line below its head
   double timeout = 5;       // seconds for every answer
   double rate = 10;         // samples a second
   double seconds = 0;       // 0: without end
