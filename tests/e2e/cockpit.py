@@ -4,13 +4,12 @@ import http.client
 import json
 import re
 import subprocess
-import threading
 import time
 from urllib.parse import quote, urlsplit
 
 import jsonschema
 
-from conftest import DEADLINE, TOP, wait_for
+from conftest import DEADLINE, TOP, Standin, wait_for
 
 DESCRIPTION = json.loads((TOP / "web" / "openapi.json").read_text())
 METHODS = ("get", "put", "post", "delete", "patch", "head", "options")
@@ -128,6 +127,16 @@ class Cockpit:
                     event = data = ""
         finally:
             connection.close()
+
+
+def begin_simulator(build, root, *options):
+    """A stand-in whose network server serves this computer."""
+    folder = root / "Resources" / "plugins" / "TAVRIX"
+    folder.mkdir(parents=True, exist_ok=True)
+    (folder / "TAVRIX.ini").write_text("[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n")
+    standin = Standin(build, root, *options)
+    standin.wait_log("TAVFARNET->Waiting for clients.....0")
+    return standin
 
 
 def open_browser(folder, width=1280, height=800):

@@ -6,7 +6,7 @@ import subprocess
 import jsonschema
 import pytest
 
-from cockpit import DESCRIPTION, METHODS, Cockpit, check_value, resolved
+from cockpit import DESCRIPTION, METHODS, Cockpit, begin_simulator, check_value, resolved
 from conftest import TOP, wait_for
 
 
@@ -104,12 +104,8 @@ def test_every_file_of_the_page_is_described():
 
 
 @pytest.fixture
-def cockpit(start, linux, tmp_path):
-    folder = tmp_path / "X-Plane" / "Resources" / "plugins" / "TAVRIX"
-    folder.mkdir(parents=True)
-    (folder / "TAVRIX.ini").write_text("[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n")
-    standin = start(linux, root=tmp_path / "X-Plane")
-    standin.wait_log("TAVFARNET->Waiting for clients.....0")
+def cockpit(linux, tmp_path):
+    standin = begin_simulator(linux, tmp_path / "X-Plane")
     running = Cockpit(linux, folder=tmp_path)
     running.wait_connected()
     yield running
