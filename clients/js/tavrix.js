@@ -15,7 +15,7 @@ const idleName = "activity";  // what is watched when only the connection is of 
 
 const watches = new Set();      // {names, rate, callback, onStatus}
 const listeners = new Set();    // of connection()
-const newest = new Map();       // name -> entry, of the names in the stream
+const newest = new Map();       // name -> {entry, at: when it came, in ms}, of the names in the stream
 const unknown = new Map();      // name -> entry with an error: names that the server refused
 let byName = new Map();         // name -> watches
 let stream = null, streamKey = "", openTimer = 0, watchdog = 0, retryTimer = 0, retries = 0, lastWord = 0;
@@ -229,8 +229,8 @@ async function findUnknown(names, json) {
 function deliver({ values }) {
   const parts = new Map();
   for (const entry of values) {
-    const before = newest.get(entry.name);
-    newest.set(entry.name, entry);
+    const before = newest.get(entry.name)?.entry;
+    newest.set(entry.name, { entry, at: lastWord });
     // A stream that was opened again for more names begins with all of them.
     if (before && before.raw === entry.raw && before.value === entry.value) continue;
     const own = byName.get(entry.name);
@@ -253,9 +253,10 @@ function deliver({ values }) {
 function deliverAll(one) {
   const part = {};
   for (const name of one.names) {
-    const entry = newest.get(name) ?? unknown.get(name);
-    if (!entry) return;
-    part[name] = entry;
+    const known = newest.get(name);
+    if (!known && !unknown.has(name)) return;
+    part[name] = known ? { ...known.entry, age: known.entry.age + (performance.now() - known.at) / 1000 }
+      : unknown.get(name);
   }
   one.hasAll = true;
   if (one.names.length) call(one.callback, part);

@@ -7,6 +7,7 @@ import sys
 
 import pytest
 from conftest import TOP, wait_for
+from make_cockpit_pictures import PICTURES as COCKPIT_PICTURES
 from make_pictures import ALERT, COMMAND, CROWDED, PICTURES, WINDOWS, can_be_alone, read_svg
 
 GUIDE = (TOP / "docs" / "user-guide.md").read_text()
@@ -88,7 +89,7 @@ def section(title):
 
 def test_guide_shows_every_window():
     assert sorted(re.findall(r"\(pictures/(\w+)\.svg\)", GUIDE)) == SHOWN
-    assert sorted(path.name for path in PICTURES.iterdir()) == [f"{name}.svg" for name in SHOWN]
+    assert sorted(path.name for path in PICTURES.glob("*.svg")) == [f"{name}.svg" for name in SHOWN]
     for name, place in WINDOWS.items():
         steps = place.split(" > ")
         text = section(steps[-1])
@@ -99,6 +100,17 @@ def test_guide_shows_every_window():
         for label in re.findall(r"\*\*(.+?)\*\*", text):
             for part in label.split(", "):
                 assert any(part in each for each in texts), f'"{part}" is not in the window "{steps[-1]}"'
+
+
+def test_pictures_of_the_web_cockpit():
+    """Each is there, as a small PNG, is shown somewhere and tells in words what it shows; none is left over."""
+    shown = [found for page in ("user-guide.md", "web-cockpit.md") for found in re.findall(
+        r"!\[(.+)\]\(pictures/(cockpit-\w+)\.png\)", (TOP / "docs" / page).read_text())]
+    assert sorted(name for _, name in shown) == sorted(COCKPIT_PICTURES)
+    assert sorted(path.name for path in PICTURES.glob("*.png")) == sorted(f"{name}.png" for name in COCKPIT_PICTURES)
+    for text, name in shown:
+        data = (PICTURES / f"{name}.png").read_bytes()
+        assert data.startswith(b"\x89PNG") and 5000 < len(data) < 400_000 and len(text) > 15, name
 
 
 # --- Text ----------------------------------------------------------------------------------------------------
