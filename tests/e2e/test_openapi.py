@@ -115,7 +115,7 @@ def cockpit(linux, tmp_path):
 
 def test_answers_are_as_described(cockpit, tmp_path):
     """Each request's answer is held against the description by Cockpit.ask; here is what it must be, too."""
-    (tmp_path / "panels" / "one.html").write_text("<title>One &amp; only</title>")
+    (tmp_path / "panels" / "one.html").write_text("<title>One and only</title>")
     wide = ",".join(["ias"] * 1001)
     put = lambda *values, **more: ("PUT", "/api/values", {"values": list(values), **more})
     for status, method, path, *body in [
@@ -131,8 +131,8 @@ def test_answers_are_as_described(cockpit, tmp_path):
             (403, *put({"name": "local_hour", "value": 1})), (400, "PUT", "/api/values", "{"),
             (413, "PUT", "/api/values", " " * 70000), (200, "GET", "/api/status"), (200, "GET", "/api/panels"),
             (200, "GET", "/panels/one.html"), (404, "GET", "/panels/two.html"), (409, "POST", "/api/replay", {"position": 1}),
-            (404, "POST", "/api/replay", {"file": "none.tavrec"}), (200, "POST", "/api/recording", {"file": "one"}),
-            (409, "POST", "/api/recording", {"file": "two"}), (200, "POST", "/api/recording", {"file": None}),
+            (404, "POST", "/api/replay", {"file": "none.tavrec"}), (200, "POST", "/api/recording", {"file": "one.tavrec"}),
+            (409, "POST", "/api/recording", {"file": "two.tavrec"}), (200, "POST", "/api/recording", {"file": None}),
             (400, "POST", "/api/recording", {"file": "../one"}), (200, "GET", "/api/recordings"),
             (200, "GET", "/"), (200, "GET", "/tavrix.js"), (200, "GET", "/licences.txt")]:
         got, answer = cockpit.ask(method, path, *body)
@@ -140,7 +140,7 @@ def test_answers_are_as_described(cockpit, tmp_path):
         if status >= 400:
             assert answer["remedy"] and answer["where"], answer
     assert cockpit.get("/api") == DESCRIPTION
-    assert cockpit.get("/api/panels")["panels"] == [{"file": "one.html", "title": "One & only"}]
+    assert cockpit.get("/api/panels")["panels"] == [{"file": "one.html", "title": "One and only"}]
     rows = json.loads((TOP / "docs/offsets.json").read_text())["offsets"]
     assert cockpit.get("/api/offsets")["offsets"] == rows
     name, = [each["file"] for each in cockpit.get("/api/recordings")["recordings"]]
