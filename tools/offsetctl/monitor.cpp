@@ -144,9 +144,9 @@ std::string Padded(std::string line, size_t width) {
   return line;
 }
 
-std::vector<std::string> TableLines(const std::string& head, const std::string& note, const std::vector<ShownRow>& left,
-                                    const std::vector<ShownRow>& right, const std::vector<Item>& items,
-                                    const std::vector<uint8_t>& traffic) {
+std::vector<std::string> TableLines(const std::string& head, const std::string& note,
+                                    const std::vector<ShownRow>& left, const std::vector<ShownRow>& right,
+                                    const std::vector<Item>& items, const std::vector<uint8_t>& traffic) {
   std::vector<std::string> lines = {head, note};
   for (size_t i = 0; i < std::max(left.size(), right.size()); ++i) {
     lines.push_back(Column(left, i, items) + "  " + Column(right, i, items));
