@@ -1,0 +1,432 @@
+// Watch: search over all offsets, named lists, a live table that can be written into.
+import { read, watch } from "/tavrix.js";
+import { announce, attempt, errorText, h, painter, recall, remember, setText } from "./dom.js";
+import { catalogue, hexOffset, parseItem, plainTypes, searchRows, unitText, unitsLike, valueText, whyReadOnly }
+  from "./catalogue.js";
+import { makeForm, makeSwitch } from "./editor.js";
+
+const four = (pattern) => [1, 2].map((n) => pattern.replace("#", n));
+const readyMade = {
+  Flight: ["ias", "indicated_altitude:ft", "vertical_speed:ft/min", "heading", "pitch", "bank", "ground_speed:kt", "mach",
+    "radio_altitude:ft", "on_ground", "latitude", "longitude", "altimeter_setting", "load_factor", "pause"],
+  Radios: ["com1", "com_standby1", "com2", "com_standby2", "nav1", "nav_standby1", "nav2", "nav_standby2", "adf1", "adf2",
+    "transponder", "transponder_mode", "audio_panel", "obs1", "obs2", "nav_ident1", "dme1"],
+  Engines: ["engine_type", ...["running_eng#", "throttle#", "n1_eng#", "n2_eng#", "egt_eng#", "fuel_flow_eng#",
+    "oil_pressure_eng#", "oil_temp_eng#", "mixture#"].flatMap(four)],
+  Autopilot: ["ap", "fd", "autothrottle", "ap_heading", "ap_heading_bug", "ap_nav", "ap_approach", "ap_altitude",
+    "ap_altitude_set:ft", "ap_vertical_speed", "ap_vertical_speed_set", "ap_speed", "ap_ias_set", "yaw_damper"],
+  Controls: ["gear", "nose_gear", "left_gear", "right_gear", "flaps", "left_flap_position", "speed_brake",
+    "parking_brake", "elevator", "aileron", "rudder", "elevator_trim", "autobrake"],
+  "Electrics and lights": ["battery", "avionics", "generators", "apu_switch", "apu_speed", "lights", "landing_lights",
+    "beacon_strobe", "pitot_heat", "fuel_pumps"],
+  "Fuel and weight": ["fuel_total", "fuel_left", "fuel_centre", "fuel_right", "fuel_left_capacity", "gross_weight",
+    "zero_fuel_weight", "fuel_flow_eng1", "fuel_flow_eng2"],
+  Weather: ["qnh:hPa", "oat", "wind", "wind_from", "visibility", "dew_point", "cloud_base1:ft", "cloud_type1", "wind_speed1",
+    "wind_direction1", "turbulence1"],
+  "Aircraft and clock": ["aircraft", "atc_tail_number", "version", "local_time", "zulu_hour", "zulu_minute", "day_of_year",
+    "frame_time", "sim_rate"],
+};
+function fresh(names) {
+  return names.map((text) => {
+    const [name, unit] = text.split(":");
+    return { name, unit };
+  }).filter(({ name }) => catalogue.byName.has(name));
+}
+
+/** The lists as the browser remembers them: name -> [{name, unit?}]; what is broken in there is left out. */
+export function loadLists() {
+  const stored = recall("lists", null);
+  const lists = new Map();
+  if (stored && Array.isArray(stored)) {
+    for (const [name, items] of stored) {
+      if (typeof name === "string" && Array.isArray(items)) {
+        lists.set(name, items.filter((item) => item && typeof item.name === "string" && parseItem(item.name)));
+      }
+    }
+  }
+  if (!lists.size) for (const [name, names] of Object.entries(readyMade)) lists.set(name, fresh(names));
+  return lists;
+}
+const saveLists = (lists) => remember("lists", [...lists]);
+
+/** Adds an item to the list that is open in the watch view; the table follows when it is shown. */
+export function addToWatch(name) {
+  const lists = loadLists();
+  let list = recall("list", "Flight");
+  if (!lists.has(list)) [list] = lists.keys();
+  if (!lists.get(list).some((item) => item.name === name)) lists.get(list).push({ name });
+  saveLists(lists);
+  announce(`${name} added to ${list}`);
+  return list;
+}
+
+export function ageText(seconds) {
+  if (!(seconds >= 1)) return "now";
+  if (seconds < 60) return `${Math.floor(seconds)} s`;
+  if (seconds < 3600) return `${Math.floor(seconds / 60)} min`;
+  return `${Math.floor(seconds / 3600)} h`;
+}
+
+function rawText(raw) {
+  return raw.length <= 23 ? raw : `${raw.slice(0, 17)} … ${(raw.length + 1) / 3} bytes`;
+}
+
+export function createWatch(root) {
+  let lists = loadLists(), list = "";
+  let rows = new Map();  // name -> row of the table
+  let stop = null, ager = 0, isShown = false;
+  const visible = new Set(), dirty = new Set();
+
+  // ---- the table ----
+  const body = h("div", { role: "rowgroup" });
+  const table = h("div", { role: "table", class: "table", "aria-label": "Watched values" },
+    h("div", { role: "rowgroup", class: "head" }, h("div", { role: "row", class: "row" },
+      ["Offset", "Value", "Raw bytes", "Changed", "Change or remove"].map((text, i) =>
+        h("span", { role: "columnheader", class: ["name", "value", "raw", "age", "tools"][i] },
+          i === 4 ? h("span", { class: "sr" }, text) : text)))), body);
+  const empty = h("p", { class: "empty" }, "This list is empty. Search for what you need and add it.");
+
+  const observer = new IntersectionObserver((entries) => {
+    for (const { target, isIntersecting } of entries) {
+      const row = rows.get(target.dataset.name);
+      if (!row) continue;
+      if (isIntersecting) {
+        visible.add(row);
+        dirty.add(row);
+      } else {
+        visible.delete(row);
+      }
+    }
+    draw();
+  }, { rootMargin: "60px" });
+
+  const draw = painter(() => {
+    for (const row of dirty) {
+      if (visible.has(row)) row.draw();
+    }
+    dirty.clear();
+  }, 70);
+
+  function makeRow(entry0) {
+    const item = parseItem(entry0.name);
+    const why = whyReadOnly(item);
+    const isSwitch = item.row?.form === "Flag" && !why;
+    const value = h("span", { class: "number" }, "–"), unit = h("span", { class: "unit" });
+    const raw = h("span", { role: "cell", class: "raw" }), age = h("span", { role: "cell", class: "age" });
+    const outcome = h("p", { class: "outcome" });
+    const below = h("div", { class: "below" }, outcome);
+    const row = { node: null, entry: null, at: 0, freshUntil: 0, isFresh: false, draw: null, item };
+    const toggle = isSwitch ? makeSwitch(item, item.name, outcome) : null;
+    const display = () => { setText(unit, unitText(item, entry0.unit)); };
+    let form = null;
+    const edit = isSwitch ? toggle.node : why
+      ? h("button", { type: "button", class: "icon flat lock", title: why, "aria-label": `${item.name} is read-only: why?`,
+        onclick: () => {
+          outcome.className = "outcome";
+          setText(outcome, outcome.textContent ? "" : why);
+          if (outcome.textContent) announce(why);
+        } }, icon("M7 11V8a5 5 0 0 1 10 0v3M5 11h14v9H5z"))
+      : h("button", { type: "button", class: "icon flat", "aria-label": `Change ${item.name}`, title: "Change", onclick: () => {
+        if (form) {
+          closeForm(entry0.unit);
+          return;
+        }
+        setText(outcome, "");
+        form = makeForm(item, row.entry?.value, entry0.unit, outcome, closeForm);
+        below.prepend(form.form);
+        row.node.classList.add("open");
+        form.focus();
+      } }, icon("M4 20h4L19 9l-4-4L4 16zM13 7l4 4"));
+    function closeForm(newUnit) {
+      form?.form.remove();
+      form = null;
+      row.node.classList.remove("open");
+      edit.focus();
+      if (newUnit && newUnit !== entry0.unit && item.row?.unit !== undefined) {
+        entry0.unit = newUnit === item.row.unit ? undefined : newUnit;
+        saveLists(lists);
+        display();
+        row.draw();
+      }
+    }
+    const units = item.row && !item.row.values ? unitsLike(item.row.unit) : [];
+    row.node = h("div", { role: "row", class: "row", "data-name": item.name },
+      h("span", { role: "cell", class: "name" }, h("b", {}, item.name), " ",
+        h("code", {}, item.row ? item.row.hex : hexOffset(item.offset)),
+        h("small", {}, item.row ? item.row.meaning + (item.row.positive ? `, positive: ${item.row.positive}` : "")
+          : `${item.type} as stored`)),
+      h("span", { role: "cell", class: "value" }, value, " ",
+        units.length > 1 ? h("button", { type: "button", class: "unit", title: "Next unit", "aria-label": `Unit of ${item.name}`,
+          onclick: () => {
+            const at = units.indexOf(entry0.unit || item.row.unit);
+            entry0.unit = units[(at + 1) % units.length];
+            if (entry0.unit === item.row.unit) entry0.unit = undefined;
+            saveLists(lists);
+            display();
+            row.draw();
+          } }, unit) : unit),
+      raw, age,
+      h("span", { role: "cell", class: "tools" }, edit,
+        h("button", { type: "button", class: "icon flat", "aria-label": `Remove ${item.name}`, title: "Remove",
+          onclick: () => remove(item.name) }, icon("M6 6l12 12M18 6L6 18"))),
+      h("span", { role: "cell", class: "belowCell" }, below));
+    display();
+    row.drawAge = () => setText(age, row.entry && !row.entry.error
+      ? ageText((performance.now() - row.at) / 1000) : "");
+    row.draw = () => {
+      const entry = row.entry;
+      if (!entry) return;
+      if (entry.error) {
+        setText(value, "–");
+        outcome.className = "outcome bad";
+        setText(outcome, errorText(entry.error));
+        return;
+      }
+      setText(value, valueText(item, entry.value, entry0.unit));
+      setText(raw, rawText(entry.raw));
+      toggle?.show(entry.value);
+      row.drawAge();
+      const isFresh = performance.now() < row.freshUntil;
+      if (isFresh !== row.isFresh) {
+        row.isFresh = isFresh;
+        row.node.classList.toggle("fresh", isFresh);
+      }
+    };
+    return row;
+  }
+
+  function rebuild() {
+    observer.disconnect();
+    visible.clear();
+    dirty.clear();
+    rows = new Map();
+    for (const entry0 of lists.get(list)) rows.set(entry0.name, makeRow(entry0));
+    body.replaceChildren(...[...rows.values()].map((row) => row.node));
+    for (const row of rows.values()) observer.observe(row.node);
+    empty.hidden = rows.size > 0;
+    table.hidden = rows.size === 0;
+    listen();
+  }
+
+  // A list that grows or shrinks keeps the rows that stay.
+  function listen() {
+    stop?.();
+    stop = null;
+    if (!isShown || !rows.size) return;
+    stop = watch([...rows.keys()], (changed) => {
+      const now = performance.now();
+      for (const name in changed) {
+        const row = rows.get(name);
+        if (!row) continue;
+        const entry = changed[name];
+        if (row.entry && row.entry.raw !== entry.raw) row.freshUntil = now + 700;
+        row.entry = entry;
+        row.at = now - entry.age * 1000;
+        dirty.add(row);
+      }
+      draw();
+    });
+  }
+
+  function remove(name) {
+    const row = rows.get(name);
+    const next = row.node.nextElementSibling ?? row.node.previousElementSibling;
+    lists.set(list, lists.get(list).filter((item) => item.name !== name));
+    saveLists(lists);
+    observer.unobserve(row.node);
+    visible.delete(row);
+    row.node.remove();
+    rows.delete(name);
+    empty.hidden = rows.size > 0;
+    table.hidden = rows.size === 0;
+    (next?.querySelector(".tools button:last-child") ?? query).focus();
+    listen();
+    showResults();
+    announce(`${name} removed`);
+  }
+
+  function add(name) {
+    const entry0 = { name };
+    lists.get(list).push(entry0);
+    saveLists(lists);
+    const row = makeRow(entry0);
+    rows.set(name, row);
+    body.append(row.node);
+    observer.observe(row.node);
+    empty.hidden = true;
+    table.hidden = false;
+    listen();
+    announce(`${name} added to ${list}`);
+  }
+
+  // ---- search ----
+  const results = h("div", { class: "results" }), found = h("p", { class: "found", role: "status" });
+  const searchError = h("p", { class: "bad" });
+  const query = h("input", { type: "search", id: "query", placeholder: "heading, com1, engine, 0x0330 …", spellcheck: "false",
+    autocomplete: "off", oninput: () => showResults() });
+
+  function resultButton(name, label, detail) {
+    const isThere = rows.has(name);
+    return h("li", {}, h("button", { type: "button", class: "result", "aria-pressed": String(isThere), onclick: (event) => {
+      if (rows.has(name)) remove(name);
+      else add(name);
+      const isNow = rows.has(name);
+      event.currentTarget.setAttribute("aria-pressed", String(isNow));
+      event.currentTarget.focus();
+    } }, h("span", { class: "mark", "aria-hidden": "true" }), h("span", { class: "what" }, h("b", {}, label), " ",
+      h("small", {}, detail))));
+  }
+
+  function showResults() {
+    const text = query.value.trim();
+    const matches = searchRows(text);
+    const groups = new Map();
+    for (const row of matches) {
+      if (!groups.has(row.subject)) groups.set(row.subject, []);
+      groups.get(row.subject).push(row);
+    }
+    const openOnes = new Set([...results.querySelectorAll("details[open]")].map((node) => node.dataset.subject));
+    const parts = [];
+    const free = freeItems(text);
+    if (free.length) {
+      parts.push(h("div", { class: "free" }, h("h3", {}, "As stored, without a meaning"),
+        h("ul", {}, free.map((name) => resultButton(name, name, "")))));
+    }
+    for (const [subject, group] of groups) {
+      const open = text ? groups.size <= 6 || matches.length <= 40 : openOnes.has(subject);
+      parts.push(h("details", { open, "data-subject": subject }, h("summary", {}, subject, " ",
+        h("span", { class: "count" }, String(group.length))),
+      h("ul", {}, group.map((row) => resultButton(row.name, row.name, `${row.meaning} · ${row.hex}`
+        + (row.unit ? ` · ${row.unit}` : "") + (row.write === "yes" ? " · can be set" : ""))))));
+    }
+    results.replaceChildren(...parts);
+    setText(found, text ? `${matches.length} of ${catalogue.rows.length} offsets` : `${catalogue.rows.length} offsets by subject`);
+  }
+
+  function freeItems(text) {
+    if (parseItem(text) && !catalogue.byName.has(text)) return [text];
+    if (/^0x[0-9a-f]{1,5}$/i.test(text) && Number(text) < 131072) return plainTypes.map((type) => `${text}:${type}`)
+      .filter(parseItem);
+    return [];
+  }
+
+  // ---- lists ----
+  const chooser = h("select", { id: "lists", onchange: () => { location.hash = "watch/" + encodeURIComponent(chooser.value); } });
+  const nameField = h("input", { type: "text", maxlength: "40", id: "listName", "aria-label": "Name of the list" });
+  const nameError = h("span", { class: "bad" });
+  let naming = null;  // what happens with the name
+  const nameForm = h("form", { class: "naming", hidden: true, onsubmit: (event) => {
+    event.preventDefault();
+    const name = nameField.value.trim();
+    if (!name || lists.has(name)) {
+      setText(nameError, name ? "There is a list of that name." : "Type a name.");
+      nameField.focus();
+      return;
+    }
+    nameForm.hidden = true;
+    naming(name);
+  }, onkeydown: (event) => { if (event.key === "Escape") nameForm.hidden = true; } },
+  nameField, h("button", { class: "primary" }, "Save"),
+  h("button", { type: "button", onclick: () => { nameForm.hidden = true; } }, "Cancel"), nameError);
+
+  function ask(text, then) {
+    setText(nameError, "");
+    nameField.value = text;
+    naming = then;
+    nameForm.hidden = false;
+    nameField.focus();
+    nameField.select();
+  }
+  const openList = (name) => { location.hash = "watch/" + encodeURIComponent(name); };
+
+  const listBar = h("div", { class: "bar" }, h("label", { for: "lists" }, "List"), chooser,
+    h("button", { type: "button", onclick: () => ask("", (name) => {
+      lists.set(name, []);
+      saveLists(lists);
+      openList(name);
+      query.focus();
+    }) }, "New"),
+    h("button", { type: "button", onclick: () => ask(list, (name) => {
+      lists = new Map([...lists].map(([key, items]) => [key === list ? name : key, items]));
+      saveLists(lists);
+      openList(name);
+    }) }, "Rename"),
+    h("button", { type: "button", onclick: () => {
+      const gone = list, items = lists.get(list);
+      lists.delete(list);
+      if (!lists.size) lists = new Map(Object.entries(readyMade).map(([name, names]) => [name, fresh(names)]));
+      saveLists(lists);
+      undo.hidden = false;
+      setText(undo, `Bring ${gone} back`);
+      undo.onclick = () => {
+        undo.hidden = true;
+        lists.set(gone, items);
+        saveLists(lists);
+        openList(gone);
+      };
+      openList([...lists.keys()][0]);
+    } }, "Delete"),
+    h("button", { type: "button", title: "The lists that come with the program, as they were", onclick: () => {
+      for (const [name, names] of Object.entries(readyMade)) lists.set(name, fresh(names));
+      saveLists(lists);
+      showLists();
+      rebuild();
+      announce("Ready-made lists restored");
+    } }, "Restore ready-made"));
+  const undo = h("button", { type: "button", class: "undo", hidden: true });
+  listBar.append(undo);
+
+  function showLists() {
+    chooser.replaceChildren(...[...lists].map(([name, items]) => h("option", { value: name }, `${name} (${items.length})`)));
+    chooser.value = list;
+  }
+
+  const searchPane = h("section", { class: "card search", "aria-labelledby": "searchTitle" },
+    h("h2", { id: "searchTitle" }, "Offsets"),
+    h("label", { for: "query", class: "sr" }, "Search offsets by name, meaning, subject, unit or number"), query, found,
+    searchError, results);
+  root.append(h("div", { class: "watchGrid" },
+    h("section", { class: "card lists", "aria-labelledby": "listTitle" }, h("h2", { id: "listTitle" }, "Watch"), listBar,
+      nameForm, table, empty), searchPane));
+  query.addEventListener("keydown", async (event) => {
+    if (event.key !== "Enter") return;
+    const item = parseItem(query.value);
+    if (!item || rows.has(item.name)) return;
+    if (await attempt(searchError, () => read([item.name]))) add(item.name);
+    showResults();
+  });
+
+  return {
+    show(rest) {
+      lists = loadLists();
+      const wanted = rest || recall("list", "Flight");
+      const before = list;
+      list = lists.has(wanted) ? wanted : [...lists.keys()][0];
+      remember("list", list);
+      showLists();
+      isShown = true;
+      const names = lists.get(list).map((item) => item.name).join();
+      if (before !== list || names !== [...rows.keys()].join()) {
+        rebuild();
+        showResults();
+      } else {
+        listen();
+      }
+      clearInterval(ager);
+      ager = setInterval(() => {
+        if (document.hidden) return;
+        for (const row of visible) row.draw();
+      }, 400);
+    },
+    hide() {
+      isShown = false;
+      clearInterval(ager);
+      stop?.();
+      stop = null;
+    },
+  };
+}
+
+export function icon(path) {
+  return h("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, h("path", { d: path }));
+}
