@@ -51,6 +51,31 @@ setup_browser() {
     chromium-driver python3-selenium >>/tmp/tavrix-setup.log 2>&1
 }
 
+# The web cockpit's parts: Boost.Beast and the JSON library from Debian, the plotting library in web/node_modules as
+# the lock file says, without running anybody's scripts. Quick when everything is there; without them offsetctl is
+# built without `serve`. From the top of the checkout.
+have_web() {
+  [ -e /usr/include/boost/beast.hpp ] && [ -e /usr/include/nlohmann/json.hpp ] &&
+    [ -d web/node_modules/uplot ] && [ ! web/package-lock.json -nt web/node_modules/.package-lock.json ]
+}
+setup_web() {
+  have_web && return 0
+  local as_root="" packages=() log=/tmp/tavrix-setup-web.log
+  [ "$(id -u)" = 0 ] || as_root="sudo"
+  [ -e /usr/include/boost/beast.hpp ] || packages+=(libboost-dev)
+  [ -e /usr/include/nlohmann/json.hpp ] || packages+=(nlohmann-json3-dev)
+  command -v npm >/dev/null 2>&1 || packages+=(npm)
+  if [ ${#packages[@]} -gt 0 ]; then
+    echo "Installing the web cockpit's parts: ${packages[*]} (once) ..."
+    $as_root apt-get update -qq >/dev/null 2>&1 || true
+    DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends "${packages[@]}" >"$log" 2>&1
+  fi
+  (cd web && npm ci --ignore-scripts --no-audit --no-fund && touch node_modules/.package-lock.json) >>"$log" 2>&1
+  have_web && return 0
+  echo "The web cockpit's parts are not all there, offsetctl is built without \`serve\`; the reason is in $log" >&2
+  return 1
+}
+
 setup_machine() {
   have_everything && return 0
   install_everything

@@ -27,7 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const bool isWhole = ctl::ReadRecording(file.data(), file.size(), &recording, &error);
   Require(isWhole == error.empty());
   uint64_t last = 0;
-  size_t at = size >= ctl::recordingHeaderSize ? static_cast<size_t>(file[10] | file[11] << 8) : size;
+  size_t at = isWhole ? ctl::recordingStartSize : 0;
+  if (!isWhole) return 0;
   for (const ctl::RecordedFrame& frame : recording.frames) {
     Require(frame.microseconds >= last);
     last = frame.microseconds;
@@ -36,6 +37,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Require(at + bytes.size() <= size && std::memcmp(bytes.data(), file.data() + at, bytes.size()) == 0);
     at += bytes.size();
   }
-  Require(!isWhole || (at == size) == recording.cutOff.empty());
+  Require((at == size) == recording.cutOff.empty());
   return 0;
 }

@@ -12,7 +12,7 @@ from pathlib import Path
 
 from selenium.webdriver.common.by import By
 
-from cockpit import Cockpit, begin_simulator, open_browser
+from web_cockpit import CheckedCockpit, begin_simulator, open_browser
 from conftest import TOP, Build, wait_for
 from make_pictures import ALONE, can_be_alone
 
@@ -24,7 +24,7 @@ SIZE, PHONE = (1280, 800), (390, 844)
 def make_pictures(target, scratch):
     build = Build("linux")
     standin = begin_simulator(build, scratch / "X-Plane", "--planes", "8")
-    cockpit = Cockpit(build, folder=scratch)
+    cockpit = CheckedCockpit(build, folder=scratch)
     shutil.copy(TOP / "docs" / "example-panel.html", scratch / "panels")
     browser = open_browser(scratch / "profile", *SIZE)
     script, find = browser.execute_script, lambda selector: browser.find_element(By.CSS_SELECTOR, selector)
@@ -49,18 +49,17 @@ def make_pictures(target, scratch):
     def draw(name):
         (target / f"{name}.png").write_bytes(browser.get_screenshot_as_png())
 
-    cockpit.wait_connected()
-    cockpit.change("PUT", "/api/values", {"values": [{"name": "com1", "value": 118.7}, {"name": "com_standby1", "value": 121.5}]})
-    cockpit.change("POST", "/api/recording", {"file": "evening circuit.tavrec"})
+    cockpit.connected()
+    cockpit.put({"name": "com1", "value": 118.7}, {"name": "com_standby1", "value": 121.5})
+    cockpit.post("/api/recording", file="evening circuit.tavrec")
     view("watch/Flight")
     find("#query").send_keys("radio standby")
     wait_for("values", lambda: script("return [...document.querySelectorAll('.row .number')].every((one) => one.textContent !== '–')"))
     draw("cockpit-watch")
 
     view("plot/altitude,ias")
-    cockpit.change("PUT", "/api/values", {"values": [
-        {"name": "ap", "value": True}, {"name": "ap_altitude", "value": True},
-        {"name": "ap_altitude_set", "value": cockpit.value("altitude") + 200}]})
+    cockpit.put({"name": "ap", "value": True}, {"name": "ap_altitude", "value": True},
+                {"name": "ap_altitude_set", "value": cockpit.value("altitude") + 200})
     script("plotWindow.value = 30; plotWindow.dispatchEvent(new Event('change'))")
     wait_for("half a minute", lambda: script("return tavrixPlot.times.at(-1) - tavrixPlot.times[0] > 29"))
     draw("cockpit-plot")
@@ -84,13 +83,13 @@ def make_pictures(target, scratch):
     draw("cockpit-phone")
     size(*SIZE)
 
-    cockpit.change("POST", "/api/recording", {"file": None})
-    cockpit.change("POST", "/api/replay", {"file": "evening circuit.tavrec", "position": 12, "playing": False})
+    cockpit.post("/api/recording", file=None)
+    cockpit.post("/api/replay", file="evening circuit.tavrec", position=12, playing=False)
     view("recordings")
     wait_for("the player", lambda: script("return document.querySelector('.player')?.checkVisibility()"))
     draw("cockpit-record")
-    cockpit.change("POST", "/api/replay", {"file": None})
-    cockpit.wait_connected()
+    cockpit.post("/api/replay", file=None)
+    cockpit.connected()
     view("own")
     wait_for("the list", lambda: script("return document.querySelector('.panels li') !== null"))
     draw("cockpit-pages")

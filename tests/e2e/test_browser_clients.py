@@ -5,7 +5,7 @@ import pytest
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
-from cockpit import Cockpit, begin_simulator, open_browser
+from web_cockpit import CheckedCockpit, begin_simulator, open_browser
 from conftest import TOP, Build, wait_for
 
 # What a test sees of its watches: {key: [{name: value or error}, ...]}.
@@ -29,11 +29,11 @@ def world(tmp_path_factory):
     """A resting simulator, the web cockpit and a browser."""
     folder, build = tmp_path_factory.mktemp("panels"), Build("linux")
     standin = begin_simulator(build, folder / "X-Plane", "--flight", "none")
-    cockpit = Cockpit(build, folder=folder)
+    cockpit = CheckedCockpit(build, folder=folder)
     (folder / "panels" / "test.html").write_text(PANEL)
     shutil.copy(TOP / "docs" / "example-panel.html", folder / "panels")
     browser = open_browser(folder / "profile")
-    cockpit.wait_connected()
+    cockpit.connected()
     yield standin, cockpit, browser
     browser.quit()
     cockpit.end()
@@ -117,7 +117,7 @@ def test_the_program_goes_and_comes_back(world, page):
     set_radios(standin, nav1_freq_hz=10890)
     assert page.execute_async_script("tavrix.read(['com1']).catch((e) => e.status).then(arguments[0])") == 0
     cockpit.begin()
-    cockpit.wait_connected()
+    cockpit.connected()
     wait_for("the return", lambda: states()[-1] == [True, True], 10)
     wait_for("all values anew", lambda: calls(page, "one")[-1].get("nav1") == 108.9, 10)
     assert {"com1": 118.7, "nav1": 108.9} in calls(page, "one")

@@ -6,7 +6,7 @@ import pytest
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
-from cockpit import Cockpit, begin_simulator, open_browser
+from web_cockpit import CheckedCockpit, begin_simulator, open_browser
 from conftest import TOP, Build, wait_for
 
 pytestmark = pytest.mark.slow
@@ -21,7 +21,7 @@ class World:
 
     def __init__(self, folder):
         self.build, self.folder, self.kind, self.standin = Build("linux"), folder, None, None
-        self.cockpit = Cockpit(self.build, folder=folder)
+        self.cockpit = CheckedCockpit(self.build, folder=folder)
         self.browser = open_browser(folder / "profile")
 
     def simulator(self, kind):
@@ -30,7 +30,7 @@ class World:
             options = ["--flight", "none"] if kind == "rest" else []
             self.standin = begin_simulator(self.build, self.folder / "X-Plane", "--planes", "5", *options)
             self.kind = kind
-        self.cockpit.wait_connected()
+        self.cockpit.connected()
         return self.standin
 
     def stop(self):
@@ -178,7 +178,7 @@ def test_a_recording_replays_to_the_same_picture(world):
         return {entry["name"]: entry["raw"] for entry in world.cockpit.get("/api/values?names=" + ",".join(names))["values"]}
 
     def steer(**how):
-        world.cockpit.change("POST", "/api/replay", how)
+        world.cockpit.post("/api/replay", **how)
         position = how.get("position", 0)
         wait_for("the place", lambda: world.cockpit.status()["replay"]["position"] == pytest.approx(position, abs=0.2))
         world.find("#tab-panel").click()
@@ -206,7 +206,7 @@ def test_a_recording_replays_to_the_same_picture(world):
         got = steer(position=position, playing=False)
         assert got[0] == wanted[0], position
         assert got[1] == wanted[1], f"the picture at {position} s is another one"
-    world.cockpit.change("POST", "/api/replay", {"file": None})
+    world.cockpit.post("/api/replay", file=None)
 
 
 def test_a_cut_connection_shows_and_heals(world):

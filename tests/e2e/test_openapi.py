@@ -6,7 +6,7 @@ import subprocess
 import jsonschema
 import pytest
 
-from cockpit import DESCRIPTION, METHODS, Cockpit, begin_simulator, check_value, resolved
+from web_cockpit import DESCRIPTION, METHODS, CheckedCockpit, begin_simulator, check_value, resolved
 from conftest import TOP, wait_for
 
 
@@ -106,8 +106,8 @@ def test_every_file_of_the_page_is_described():
 @pytest.fixture
 def cockpit(linux, tmp_path):
     standin = begin_simulator(linux, tmp_path / "X-Plane")
-    running = Cockpit(linux, folder=tmp_path)
-    running.wait_connected()
+    running = CheckedCockpit(linux, folder=tmp_path)
+    running.connected()
     yield running
     running.end()
     standin.quit()
@@ -135,7 +135,7 @@ def test_answers_are_as_described(cockpit, tmp_path):
             (409, "POST", "/api/recording", {"file": "two.tavrec"}), (200, "POST", "/api/recording", {"file": None}),
             (400, "POST", "/api/recording", {"file": "../one"}), (200, "GET", "/api/recordings"),
             (200, "GET", "/"), (200, "GET", "/tavrix.js"), (200, "GET", "/licences.txt")]:
-        got, answer = cockpit.ask(method, path, *body)
+        got, _, answer = cockpit.ask(method, path, *body)
         assert got == status, f"{method} {path[:80]}: {got} {answer}"
         if status >= 400:
             assert answer["remedy"] and answer["where"], answer
@@ -144,9 +144,9 @@ def test_answers_are_as_described(cockpit, tmp_path):
     rows = json.loads((TOP / "docs/offsets.json").read_text())["offsets"]
     assert cockpit.get("/api/offsets")["offsets"] == rows
     name, = [each["file"] for each in cockpit.get("/api/recordings")["recordings"]]
-    assert cockpit.change("POST", "/api/replay", {"file": name, "playing": False})["replay"]["file"] == name
+    assert cockpit.post("/api/replay", file=name, playing=False)["replay"]["file"] == name
     assert cockpit.ask(*put({"name": "com1", "value": 119.3}))[0] == 409
-    assert cockpit.change("POST", "/api/replay", {"file": None})["replay"] is None
+    assert cockpit.post("/api/replay", file=None)["replay"] is None
 
 
 def test_streams_are_as_described(cockpit):
@@ -177,7 +177,7 @@ def test_curl_examples(cockpit):
         for line in re.sub(r"\\\n\s*", "", commands).splitlines():
             lines += 1
             streams = " -N " in line
-            line = line.replace("127.0.0.1:8440", f"{cockpit.host}:{cockpit.port}").replace("curl ", "curl -sS ", 1)
+            line = line.replace("127.0.0.1:8440", f"127.0.0.1:{cockpit.port}").replace("curl ", "curl -sS ", 1)
             done = subprocess.run(line if not streams else line.replace("-N", "-N -m 0.6"), shell=True, text=True,
                                   capture_output=True, timeout=20)
             assert done.returncode == (28 if streams else 0), f"{line}: {done.stderr}"

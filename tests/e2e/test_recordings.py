@@ -1,6 +1,7 @@
 """Recording a flight, showing it again without a simulator, and trying clients."""
 import os
 import signal
+import struct
 import subprocess
 import sys
 import time
@@ -76,6 +77,18 @@ def values_of(client, last):
     return seen
 
 
+def test_file_begins_with_the_whole_memory(recording):
+    data, at, times, kinds = recording.read_bytes(), 8, [], []
+    assert data[:8] == b"TAVRIXR1"
+    while at < len(data):
+        time_, size = struct.unpack_from("<QI", data, at)
+        times.append(time_)
+        kinds.append(data[at + 12])
+        at += 12 + size
+    assert kinds[:8] == list(range(6, 14)) and set(times[:8]) == {0} and at == len(data)
+    assert times == sorted(times) and 1e6 < times[-1] < 20e6 and kinds.count(103) > 20
+
+
 def test_replay_shows_what_was_recorded(replay, build):
     process = replay(build)
     started = time.monotonic()
@@ -128,9 +141,9 @@ def test_replay_ends_when_told(replay, linux):
 
 def test_broken_recordings_are_refused(recording, linux, tmp_path):
     whole = recording.read_bytes()
-    damaged = whole[:32 + 12 + 16394 + 11] + b"\x7F" + whole[32 + 12 + 16394 + 12:]
+    damaged = whole[:8 + 12 + 16394 + 11] + b"\x7F" + whole[8 + 12 + 16394 + 12:]
     for name, data, told in (("damaged", damaged, "damaged at frame 2"), ("other", b"Hello" * 20, "no recording"),
-                             ("short", whole[:32 + 12 + 16394], "1 of 8 blocks"), ("none", None, "cannot be read")):
+                             ("short", whole[:8 + 12 + 16394], "1 of 8 blocks"), ("none", None, "cannot be read")):
         path = tmp_path / name
         if data is not None:
             path.write_bytes(data)

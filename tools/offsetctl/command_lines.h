@@ -21,7 +21,9 @@ enum : unsigned {
   takesListen = 512,
   takesSpeed = 1024,
   takesLoop = 2048,
-  takesNote = 65536,
+  takesWay = 4096,  // the ways to a server alone
+  takesWeb = 8192,
+  takesNote = 16384,
 };
 
 struct CommandLine {

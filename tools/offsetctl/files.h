@@ -19,6 +19,8 @@ bool WriteTextFile(const std::string& path, const std::string& text);
 bool MoveOver(const std::string& from, const std::string& to);
 // What lies in a folder, hidden names left out; nothing when it cannot be looked into.
 std::vector<std::string> NamesIn(const std::string& folder);
+// Where the running program lies; "." when the system does not tell.
+std::string ProgramFolder();
 
 // Takes a file as a lock that other processes respect, one that was left behind longer than `staleSeconds` ago,
 // too. Returns true, or false when somebody else has it or the file cannot be made.

@@ -1,6 +1,7 @@
 #if !defined(_WIN32)
 
 #include <dirent.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <memory>
@@ -20,6 +21,14 @@ std::vector<std::string> NamesIn(const std::string& folder) {
     if (entry->d_name[0] != '.') names.push_back(entry->d_name);
   }
   return names;
+}
+
+std::string ProgramFolder() {
+  char path[4096];
+  const ssize_t size = readlink("/proc/self/exe", path, sizeof path);
+  const std::string program(path, size > 0 ? static_cast<size_t>(size) : 0);
+  const size_t slash = program.rfind('/');
+  return slash == std::string::npos ? "." : program.substr(0, slash + 1);
 }
 
 }  // namespace ctl

@@ -22,6 +22,14 @@ std::vector<std::string> NamesIn(const std::string& folder) {
   return names;
 }
 
+std::string ProgramFolder() {
+  char path[MAX_PATH] = "";
+  const DWORD size = GetModuleFileNameA(nullptr, path, MAX_PATH);
+  const std::string program(path, size < MAX_PATH ? size : 0);
+  const size_t slash = program.rfind('\\');
+  return slash == std::string::npos ? "." : program.substr(0, slash + 1);
+}
+
 }  // namespace ctl
 
 #endif

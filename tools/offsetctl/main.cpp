@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "base/version.h"
+#include "cockpit/serve.h"
 #include "commands.h"
 #include "console.h"
 #include "net_client.h"
@@ -124,6 +125,8 @@ int RunWords(int count, char** words) {
       return RunReplay(options);
     case Command::Conform:
       return RunConform(options);
+    case Command::Serve:
+      return RunServe(options);
     default:
       return RunWithServer(options);
   }

@@ -359,6 +359,10 @@ bool TakeFrames(int milliseconds, std::vector<RecordedFrame>* frames, std::strin
   return !session.gone || ExplainGone(error);
 }
 
+bool SendWrites(const std::vector<Transfer>& transfers, std::string* error) {
+  return SendFrames(true, transfers, error);
+}
+
 std::vector<std::string> FindServers(int settleMs, int timeout, bool (*stopRequested)(), std::string* error) {
   std::vector<std::string> found;
   if (!StartSockets(error)) return found;

@@ -1,5 +1,5 @@
 // The network way: a TCP connection takes requests to the server, datagrams bring the offset memory back.
-// Main thread; a thread of its own receives between open and close.
+// One thread, the same from open to close; a thread of its own receives between open and close.
 #pragma once
 #include <string>
 #include <vector>
@@ -23,6 +23,10 @@ const Transport* NetTransport(const NetSettings& settings);
 // up to `timeoutMs` for one. Returns true, or false with a line in `error` when the server has gone; frames
 // that came before are taken then, too.
 bool TakeFrames(int timeoutMs, std::vector<RecordedFrame>* frames, std::string* error);
+
+// Sends writes and goes on: unlike the transport's own, for a connection that stays. Nothing tells when the server
+// has taken them but that they show. Returns true, or false with a line in `error` when the server has gone.
+bool SendWrites(const std::vector<Transfer>& transfers, std::string* error);
 
 // Listens for servers that announce themselves: ends after `settleMs` of hearing no new one since the first, or
 // after `timeoutMs`. Returns their addresses in the order heard; none, with a line in `error`, on failure.

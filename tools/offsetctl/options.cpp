@@ -20,15 +20,19 @@ struct Option {
   std::string Options::*text = nullptr;
   const char* about = "";  // of a text: what it takes
   double Options::*number = nullptr;
+  uint32_t Options::*whole = nullptr;
   double least = 0, most = 0;
 };
 constexpr Option knownOptions[] = {
     {.name = "--json", .commands = takesJson, .flag = &Options::json},
-    {.name = "--local", .commands = takesServer, .flag = &Options::local},
-    {.name = "--find", .commands = takesServer, .flag = &Options::find},
+    {.name = "--local", .commands = takesServer | takesWay, .flag = &Options::local},
+    {.name = "--find", .commands = takesServer | takesWay, .flag = &Options::find},
     {.name = "--confirm", .commands = takesConfirm, .flag = &Options::confirm},
     {.name = "--loop", .commands = takesLoop, .flag = &Options::loop},
-    {.name = "--net", .commands = takesServer, .text = &Options::net, .about = "a computer's name or address"},
+    {.name = "--net",
+     .commands = takesServer | takesWay,
+     .text = &Options::net,
+     .about = "a computer's name or address"},
     {.name = "--log", .commands = takesLog, .text = &Options::log, .about = "the plug-in's log file"},
     {.name = "--folder", .commands = takesFolder, .text = &Options::folder, .about = "the plug-in's folder"},
     {.name = "--listen",
@@ -36,6 +40,10 @@ constexpr Option knownOptions[] = {
      .text = &Options::listen,
      .about = "an address of this computer"},
     {.name = "--note", .commands = takesNote, .text = &Options::note, .about = "a line of text"},
+    {.name = "--token", .commands = takesWeb, .text = &Options::token, .about = "8 to 128 characters"},
+    {.name = "--panels", .commands = takesWeb, .text = &Options::panels, .about = "a folder of HTML files"},
+    {.name = "--recordings", .commands = takesWeb, .text = &Options::recordings, .about = "a folder"},
+    {.name = "--port", .commands = takesWeb, .whole = &Options::port, .least = 0, .most = 65535},
     {.name = "--timeout",
      .commands = takesServer | takesTimeout,
      .number = &Options::timeout,
@@ -44,7 +52,7 @@ constexpr Option knownOptions[] = {
     {.name = "--rate", .commands = takesRate, .number = &Options::rate, .least = 0.01, .most = 1000},
     {.name = "--seconds", .commands = takesSeconds, .number = &Options::seconds, .least = 0.01, .most = 1e6},
     {.name = "--speed", .commands = takesSpeed, .number = &Options::speed, .least = 0.01, .most = 1000},
-    {.name = "--count", .commands = takesCount},
+    {.name = "--count", .commands = takesCount, .whole = &Options::count, .least = 1, .most = UINT32_MAX},
 };
 
 const Option* FindOption(const std::string& name) {
@@ -70,8 +78,11 @@ bool TakeValue(const Option& option, const std::string& value, Options* options,
     return Fail(error, name + " takes a number from " + RealText(option.least) + " to " +
                            RealText(option.most) + ", not \"" + value + "\"");
   }
-  return (ParseUnsigned(value, UINT32_MAX, &options->count) && options->count > 0) ||
-         Fail(error, name + " takes a whole number from 1, not \"" + value + "\"");
+  uint32_t& whole = options->*option.whole;
+  return (ParseUnsigned(value, static_cast<uint32_t>(option.most), &whole) && whole >= option.least) ||
+         Fail(error, name + " takes a whole number from " + RealText(option.least) +
+                         (option.most < UINT32_MAX ? " to " + RealText(option.most) : "") + ", not \"" + value +
+                         "\"");
 }
 
 // What stands on the command line, before it is known whether the command takes it.

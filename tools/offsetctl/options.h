@@ -21,6 +21,7 @@ enum class Command {
   Record,
   Replay,
   Conform,
+  Serve,
   Help,
   Version
 };
@@ -38,12 +39,16 @@ struct Options {
   std::string net = {};     // the computer that runs the server; "" when none was named
   std::string log = {};     // check: the plug-in's log
   std::string folder = {};  // map: where the plug-in lies
-  std::string listen = {};  // replay, conform: the server's own address
+  std::string listen = {};  // replay, conform, serve: the server's own address
+  std::string token = {};   // serve: what other computers have to know
+  std::string panels = {};  // serve: folders
+  std::string recordings = {};
   std::string note = {};    // monitor: a line below its head
   double timeout = 5;       // seconds for every answer
   double rate = 10;         // samples a second
   double seconds = 0;       // 0: without end
   double speed = 1;         // of a replay
+  uint32_t port = 8440;     // serve: 0 is any free one
   uint32_t count = 0;       // printed values, 0: without end
 };
 

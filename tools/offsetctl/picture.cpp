@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "base/bytes.h"
+#include "net/frame.h"
 #include "request_block.h"
 
 namespace ctl {
@@ -121,6 +122,29 @@ void TakeEcho(const NetFrame& frame, Echo* echo) {
       if (byte != echo->end() && byte->second == frame.payload[at + 4]) echo->erase(byte);
     }
   }
+}
+
+std::vector<uint8_t> MakeFrame(uint8_t type, const uint8_t* payload, size_t size, uint16_t endMarker) {
+  std::vector<uint8_t> frame(size + frameOverhead);
+  if (size != 0) std::memcpy(frame.data() + frameHeader, payload, size);
+  FinishFrame(frame.data(), type, size, endMarker);
+  return frame;
+}
+
+std::vector<uint8_t> BlockFrame(const std::vector<uint8_t>& memory, uint32_t block) {
+  return MakeFrame(static_cast<uint8_t>(typeFirstBlock + block), memory.data() + block * pictureBlockSize,
+                   pictureBlockSize, endBlock);
+}
+
+std::vector<uint8_t> ChangeFrame(const std::vector<ByteChange>& changes) {
+  std::vector<uint8_t> payload(changes.size() * entrySize);
+  for (size_t i = 0; i < changes.size(); ++i) {
+    uint8_t* entry = payload.data() + i * entrySize;
+    entry[0] = static_cast<uint8_t>(changes[i].offset >> 16);
+    StoreTo(entry + 2, static_cast<uint16_t>(changes[i].offset));
+    entry[4] = changes[i].value;
+  }
+  return MakeFrame(typeChanges, payload.data(), payload.size(), endChanges);
 }
 
 std::vector<std::vector<uint8_t>> BuildRequestFrames(bool writing, const std::vector<Transfer>& transfers) {

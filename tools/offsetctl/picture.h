@@ -73,6 +73,12 @@ Echo ExpectEcho(const std::vector<Transfer>& writes, const Picture& picture);
 // Takes out what the frame shows.
 void TakeEcho(const NetFrame& frame, Echo* echo);
 
+// Frames as the server sends them; a change frame tells mostChanges at most.
+constexpr size_t mostChanges = 10900;
+std::vector<uint8_t> MakeFrame(uint8_t type, const uint8_t* payload, size_t size, uint16_t endMarker);
+std::vector<uint8_t> BlockFrame(const std::vector<uint8_t>& memory, uint32_t block);
+std::vector<uint8_t> ChangeFrame(const std::vector<ByteChange>& changes);
+
 // The request list frames for these transfers, in order. Each fits into one TCP segment, because the server
 // drops a frame that it receives in two parts: long transfers are cut at multiples of 16.
 std::vector<std::vector<uint8_t>> BuildRequestFrames(bool writing, const std::vector<Transfer>& transfers);

@@ -6,6 +6,7 @@
 #include "console.h"
 #include "net_client.h"
 #include "numbers.h"
+#include "picture.h"
 
 namespace ctl {
 
@@ -13,17 +14,13 @@ namespace {
 
 constexpr int sliceMs = 50;
 
-uint64_t MicrosecondsNow() {
-  const auto since = std::chrono::system_clock::now().time_since_epoch();
-  return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(since).count());
-}
-
 bool Append(FILE* file, const std::vector<uint8_t>& bytes) {
   return std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
 }
 
 struct Tally {
-  size_t frames = 0, bytes = recordingHeaderSize;
+  size_t frames = 0, bytes = 0;
+  uint64_t beganAt = 0;  // since the connection was opened
   uint64_t microseconds = 0;
 };
 
@@ -33,14 +30,28 @@ double SecondsSince(Clock::time_point time) {
   return std::chrono::duration<double>(Clock::now() - time).count();
 }
 
+// The eight blocks as they stand after the frames that have come so far, at time 0. Returns false when the disk is
+// full.
+bool AppendStart(FILE* file, const std::vector<RecordedFrame>& frames, Tally* tally) {
+  Picture picture;
+  for (const RecordedFrame& frame : frames) {
+    ApplyFrame(ReadFrame(frame.bytes.data(), frame.bytes.size()), &picture);
+    tally->beganAt = frame.microseconds;
+  }
+  const std::vector<uint8_t> start = RecordingStart({picture.bytes.begin(), picture.bytes.end()});
+  tally->frames = pictureBlocks;
+  tally->bytes = start.size();
+  return Append(file, start);
+}
+
 // Returns false when the disk is full.
 bool AppendFrames(FILE* file, const std::vector<RecordedFrame>& frames, Tally* tally) {
   for (const RecordedFrame& frame : frames) {
-    const std::vector<uint8_t> bytes = RecordedFrameBytes(frame);
+    tally->microseconds = frame.microseconds - tally->beganAt;
+    const std::vector<uint8_t> bytes = RecordedFrameBytes({tally->microseconds, frame.bytes});
     if (!Append(file, bytes)) return false;
     ++tally->frames;
     tally->bytes += bytes.size();
-    tally->microseconds = frame.microseconds;
   }
   return std::fflush(file) == 0;
 }
@@ -50,17 +61,16 @@ bool AppendFrames(FILE* file, const std::vector<RecordedFrame>& frames, Tally* t
 int RunRecord(const Options& options, const Transport& transport) {
   const std::string& path = options.items[0];
   const Clock::time_point began = Clock::now();
-  const uint64_t startedAt = MicrosecondsNow();
   std::string error;
-  // All blocks first: without the whole memory nothing can be replayed, and an older file stays. What comes
-  // meanwhile is kept.
+  // All blocks first: without the whole memory nothing can be replayed, and an older file stays.
   bool isServed = transport.readOffsets({}, &error);
   if (!isServed) return ReportFailure(error);
+  std::vector<RecordedFrame> frames;
+  isServed = TakeFrames(0, &frames, &error);
   FILE* file = std::fopen(path.c_str(), "wb");
   if (file == nullptr) return Report(exitUsage, "cannot write " + path);
-  bool isWritten = Append(file, RecordingHeader(startedAt));
   Tally tally;
-  std::vector<RecordedFrame> frames;
+  bool isWritten = AppendStart(file, frames, &tally);
   while (isServed && isWritten) {
     isServed = TakeFrames(sliceMs, &frames, &error);
     isWritten = AppendFrames(file, frames, &tally);
@@ -68,10 +78,8 @@ int RunRecord(const Options& options, const Transport& transport) {
   }
   isWritten = std::fclose(file) == 0 && isWritten;
   if (!isWritten) return Report(exitUsage, "cannot write all of " + path + ": is the disk full?");
-  if (tally.frames > 0) {
-    std::printf("%s: %s s, %zu frames, %zu bytes\n", path.c_str(),
-                FixedText(static_cast<double>(tally.microseconds) / 1e6, 1).c_str(), tally.frames, tally.bytes);
-  }
+  std::printf("%s: %s s, %zu frames, %zu bytes\n", path.c_str(),
+              FixedText(static_cast<double>(tally.microseconds) / 1e6, 1).c_str(), tally.frames, tally.bytes);
   const double quiet = transport.silence();
   if (isServed && quiet > options.timeout) {
     error = "nothing came from the server in the last " + FixedText(quiet, 1) +

@@ -18,8 +18,6 @@ constexpr NetAddress announceGroup = {0xEFC0000A, 54942};  // 239.192.0.10
 constexpr int scanPauseMs = 20;
 constexpr int announcePauseMs = 1000;
 constexpr uint32_t rollingCycles = 1000;
-constexpr size_t mostChanges = 10900;  // in a datagram
-constexpr size_t changeSize = 6;
 constexpr size_t receiveSize = 65535;
 constexpr int splitFrameMs = 50, patientMs = 500;  // how long the rest of a frame may take
 constexpr size_t segmentSize = 1400;
@@ -43,13 +41,6 @@ void Send(Server* server, const std::vector<uint8_t>& frame) {
   for (const ServedClient& client : server->clients) {
     if (!IsLost(server)) SendDatagram(server->sender, client.peer, frame.data(), frame.size());
   }
-}
-
-std::vector<uint8_t> MakeFrame(uint8_t type, const uint8_t* payload, size_t size, uint16_t endMarker) {
-  std::vector<uint8_t> frame(size + frameOverhead);
-  if (size != 0) std::memcpy(frame.data() + frameHeader, payload, size);
-  FinishFrame(frame.data(), type, size, endMarker);
-  return frame;
 }
 
 void SendSpareBlock(Server* server) {
@@ -234,22 +225,6 @@ void RunTimers(Server* server) {
 }
 
 }  // namespace
-
-std::vector<uint8_t> BlockFrame(const std::vector<uint8_t>& memory, uint32_t block) {
-  return MakeFrame(static_cast<uint8_t>(frameFirstBlock + block), memory.data() + block * pictureBlockSize,
-                   pictureBlockSize, endBlock);
-}
-
-std::vector<uint8_t> ChangeFrame(const std::vector<ByteChange>& changes) {
-  std::vector<uint8_t> payload(changes.size() * changeSize);
-  for (size_t i = 0; i < changes.size(); ++i) {
-    uint8_t* entry = payload.data() + i * changeSize;
-    entry[0] = static_cast<uint8_t>(changes[i].offset >> 16);
-    StoreTo(entry + 2, static_cast<uint16_t>(changes[i].offset));
-    entry[4] = changes[i].value;
-  }
-  return MakeFrame(frameChanges, payload.data(), payload.size(), endChanges);
-}
 
 void SetWord(Server* server, uint32_t offset, uint16_t value) {
   StoreTo(server->memory.data() + offset, value);

@@ -76,9 +76,6 @@ void DropClients(Server* server);
 void SendToClients(Server* server, SocketHandle from, const std::vector<uint8_t>& frame);
 void CloseServer(Server* server);
 
-// Frames as the server sends them.
-std::vector<uint8_t> BlockFrame(const std::vector<uint8_t>& memory, uint32_t block);
-std::vector<uint8_t> ChangeFrame(const std::vector<ByteChange>& changes);
 // Stores a value of 16 bits, as the simulator would.
 void SetWord(Server* server, uint32_t offset, uint16_t value);
 uint16_t WordOf(const Server& server, uint32_t offset);

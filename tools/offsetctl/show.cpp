@@ -71,13 +71,6 @@ bool ReadUtf8(const std::string& bytes, std::u32string* text) {
   return true;
 }
 
-// UTF-8, as the client libraries read texts; other bytes are taken for their Latin-1 characters.
-std::string JsonString(const std::string& bytes) {
-  std::u32string text;
-  if (!ReadUtf8(bytes, &text)) text = CharactersOf(bytes);
-  return Quoted(text, "\\u", 4);
-}
-
 bool HasScale(const Item& item) {
   return item.row != nullptr && item.row->show == Form::Number &&
          (item.row->unitScale != 1 || item.row->unitBias != 0);
@@ -149,17 +142,6 @@ std::string BcdText(const Item& item) {
 
 std::string JsonNumber(double value) { return std::isfinite(value) ? RealText(value) : "null"; }
 
-std::string JsonValue(const Item& item) {
-  if (item.type == ValueType::Hex) return JsonString(StoredText(item));
-  if (item.type == ValueType::Text) return JsonString(PlainText(item));
-  double value = 0;
-  if (!EngineeringNumber(item, &value)) return "null";
-  if (HasScale(item)) return JsonNumber(value);
-  if (item.row != nullptr && item.row->show == Form::Bcd) return JsonNumber(value);
-  if (item.type == ValueType::U64 || item.type == ValueType::S64) return JsonString(StoredText(item));
-  return std::isfinite(value) ? StoredText(item) : "null";
-}
-
 }  // namespace
 
 std::string StoredText(const Item& item) {
@@ -225,6 +207,23 @@ std::string ChangeLine(const Item& item, const uint8_t* before, const uint8_t* a
   const std::string why = rounded + (rounded.empty() || made.empty() ? "" : "; ") + made;
   return item.shown + ": " + old + " -> " + WithUnit(now, item) + (word.empty() ? "" : " (" + word + ")") +
          (why.empty() ? "" : " (" + why + ")");
+}
+
+std::string JsonString(const std::string& bytes) {
+  std::u32string text;
+  if (!ReadUtf8(bytes, &text)) text = CharactersOf(bytes);
+  return Quoted(text, "\\u", 4);
+}
+
+std::string JsonValue(const Item& item) {
+  if (item.type == ValueType::Hex) return JsonString(StoredText(item));
+  if (item.type == ValueType::Text) return JsonString(PlainText(item));
+  double value = 0;
+  if (!EngineeringNumber(item, &value)) return "null";
+  if (HasScale(item)) return JsonNumber(value);
+  if (item.row != nullptr && item.row->show == Form::Bcd) return JsonNumber(value);
+  if (item.type == ValueType::U64 || item.type == ValueType::S64) return JsonString(StoredText(item));
+  return std::isfinite(value) ? StoredText(item) : "null";
 }
 
 std::string ItemJson(const Item& item) {

@@ -1,4 +1,4 @@
-// How the tool reaches the offset memory of a running plug-in. One way at a time, main thread only.
+// How the tool reaches the offset memory of a running plug-in. One way at a time, on one thread.
 #pragma once
 #include <cstdint>
 #include <string>
