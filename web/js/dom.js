@@ -14,7 +14,7 @@ export function h(tag, attributes = {}, ...children) {
     else if (name === "value" || name === "checked" || name === "disabled") node[name] = value;
     else node.setAttribute(name, value === true ? "" : value);
   }
-  node.append(...children.flat().filter((child) => child !== null && child !== undefined && child !== false));
+  node.append(...children.flat(Infinity).filter((child) => child !== null && child !== undefined && child !== false));
   return node;
 }
 

@@ -52,7 +52,7 @@ export function airspeed() {
     for (let knots = 0; knots <= top; knots += minor) {
       const isMajor = knots % major === 0, isHalf = knots % (major / 2) === 0;
       marks.push(tick(angle(knots), 86, isMajor ? 72 : isHalf ? 76 : 80, isMajor ? "tick major" : "tick"));
-      if (isMajor) marks.push(label(angle(knots), 58, knots));
+      if (isMajor) marks.push(label(angle(knots), 55, knots));
     }
     if (vne) marks.push(arc(83, 25, angle(vne), "arc good"), tick(angle(vne), 88, 70, "tick red"));
     scale.replaceChildren(...marks, label(180, 34, "KNOTS", "tiny"));

@@ -104,10 +104,9 @@ export function createPanel(root) {
   }
   const stepper = (config) => {
     const field = quick(config);
-    return h("div", { class: "stepper" }, h("span", { class: "stepLabel" }, config.label),
+    return h("div", { class: "stepper" }, h("span", { class: "stepLabel" }, config.label, " ", h("small", {}, config.unit === "mb" ? "hPa" : config.unit === "deg" ? "°" : config.unit)),
       h("button", { type: "button", "aria-label": `${config.label} down`, onclick: () => field.stepBy(-1) }, "−"), field.node,
-      h("button", { type: "button", "aria-label": `${config.label} up`, onclick: () => field.stepBy(1) }, "+"),
-      h("small", {}, config.unit === "mb" ? "hPa" : config.unit === "deg" ? "°" : config.unit));
+      h("button", { type: "button", "aria-label": `${config.label} up`, onclick: () => field.stepBy(1) }, "+"));
   };
   const lamp = (name, label, title = "") => {
     const item = parseItem(name);
@@ -173,6 +172,7 @@ export function createPanel(root) {
     if (key === engineKey || !at.has("engine_count")) return;
     engineKey = key;
     fills = [];
+    engineBox.style.setProperty("--group", count > 2 ? "11rem" : "4.9rem");
     engineBox.replaceChildren(...(enginesOf[type] ?? enginesOf[1]).map((kind) => {
       const bar = { ...bars[kind] };
       const names = Array.from({ length: count }, (_, i) => bar.names.replace("#", i + 1)).filter((name) => catalogue.byName.has(name));

@@ -33,7 +33,7 @@ export function createPlot(root) {
   } }, windows.map((one) => h("option", { value: one }, one < 60 ? `${one} s` : `${one / 60} min`)));
   windowField.value = String(length);
   const options = h("datalist", { id: "plotNames" });
-  const field = h("input", { id: "plotAdd", type: "text", list: "plotNames", placeholder: "heading, n1_eng1, 0x0330:u16 …",
+  const field = h("input", { id: "plotAdd", type: "text", list: "plotNames", placeholder: "heading, com1 …",
     autocomplete: "off", spellcheck: "false" });
   field.addEventListener("focus", () => {
     if (options.children.length) return;
@@ -42,7 +42,7 @@ export function createPlot(root) {
       .sort((a, b) => first.has(b.name) - first.has(a.name));
     options.append(...rows.map((row) => h("option", { value: row.name }, row.meaning)));
   });
-  const addForm = h("form", { class: "bar", onsubmit: (event) => {
+  const addForm = h("form", { class: "bar addForm", onsubmit: (event) => {
     event.preventDefault();
     const text = field.value.trim();
     const item = parseItem(text) ?? parseItem(searchRows(text).find((row) => row.form !== "Text")?.name ?? "");
@@ -65,7 +65,7 @@ export function createPlot(root) {
   const lines = h("tbody", {});
   const summary = h("table", { class: "summary" },
     h("caption", { class: "sr" }, "Plotted values in the window that is shown"),
-    h("thead", {}, h("tr", {}, ["Value", "Unit", "Now", "At cursor", "Lowest", "Highest", ""].map((text) =>
+    h("thead", {}, h("tr", {}, ["Value", "Now", "At cursor", "Lowest", "Highest", "Unit", ""].map((text) =>
       text ? h("th", { scope: "col" }, text) : h("td", {})))), lines);
   root.append(h("section", { class: "card plotCard", "aria-labelledby": "plotTitle" },
     h("div", { class: "bar plotBar" }, h("h2", { id: "plotTitle" }, "Plot"), addForm, h("label", { for: "plotWindow" }, "Window"),
@@ -100,7 +100,7 @@ export function createPlot(root) {
       } }, units.map((name) => h("option", { value: name }, name))) : unitText(item) || "–";
       if (units.length > 1) unit.value = unitOf(one);
       return { current, at, low, high, node: h("tr", {}, h("th", { scope: "row" }, swatch, " ", one.name,
-        h("small", {}, item.row?.meaning ?? item.type)), h("td", {}, unit), current, at, low, high,
+        h("small", {}, item.row?.meaning ?? item.type)), current, at, low, high, h("td", {}, unit),
       h("td", {}, h("button", { type: "button", class: "icon flat", "aria-label": `Remove ${one.name}`, title: "Remove", onclick: () => {
         const k = chosen.indexOf(one);
         chosen.splice(k, 1);
@@ -141,7 +141,7 @@ export function createPlot(root) {
         } }])) },
       series: [{}, ...chosen.map((one, i) => ({ label: one.name, scale: scaleOf(one), stroke: palette[theme()][i],
         width: Math.max(1.5, size / 9), points: { show: false }, paths: stepped(one) ? uPlot.paths.stepped({ align: 1 }) : undefined }))],
-      axes: [{ ...axis, values: (_, ticks) => ticks.map(agoText), size: size * 2.2 },
+      axes: [{ ...axis, values: (_, ticks) => ticks.map(agoText), splits: () => timeTicks(), size: size * 2.2 },
         ...names.slice(0, room).map((name, i) => ({ ...axis, scale: name, side: i ? 1 : 3, label: name, labelFont: font,
           labelSize: size * 1.3, size: size * 4, grid: { ...axis.grid, show: i === 0 },
           values: (_, ticks) => ticks.map((tick) => String(Number(tick.toPrecision(7))).replace("-", "−")),
@@ -153,6 +153,10 @@ export function createPlot(root) {
     }, [[], ...chosen.map(() => [])], place);
   }
   const end = () => isPaused ? pausedAt : seconds();
+  const timeTicks = () => {
+    const step = [5, 10, 15, 20, 30, 60, 120].find((one) => length / one <= place.clientWidth / 90) ?? 300;
+    return Array.from({ length: Math.floor(length / step) + 1 }, (_, i) => end() - i * step).reverse();
+  };
   const agoText = (tick) => {
     const ago = Math.round(end() - tick);
     return ago <= 0 ? "now" : ago < 120 ? `−${ago} s` : `−${Number((ago / 60).toFixed(1))} min`;

@@ -261,6 +261,12 @@ export function createWatch(root) {
 
   // ---- search ----
   const results = h("div", { class: "results" }), found = h("p", { class: "found", role: "status" });
+  let isBrowsing = false;  // narrow screens show subjects on demand only
+  const browse = h("button", { type: "button", class: "browse", "aria-expanded": "false", onclick: () => {
+    isBrowsing = !isBrowsing;
+    browse.setAttribute("aria-expanded", String(isBrowsing));
+    showResults();
+  } }, "Browse by subject");
   const searchError = h("p", { class: "bad" });
   const query = h("input", { type: "search", id: "query", placeholder: "heading, com1, engine, 0x0330 …", spellcheck: "false",
     autocomplete: "off", oninput: () => showResults() });
@@ -300,6 +306,8 @@ export function createWatch(root) {
         + (row.unit ? ` · ${row.unit}` : "") + (row.write === "yes" ? " · can be set" : ""))))));
     }
     results.replaceChildren(...parts);
+    results.classList.toggle("idle", !text && !isBrowsing);
+    browse.hidden = Boolean(text);
     setText(found, text ? `${matches.length} of ${catalogue.rows.length} offsets` : `${catalogue.rows.length} offsets by subject`);
   }
 
@@ -384,7 +392,7 @@ export function createWatch(root) {
   const searchPane = h("section", { class: "card search", "aria-labelledby": "searchTitle" },
     h("h2", { id: "searchTitle" }, "Offsets"),
     h("label", { for: "query", class: "sr" }, "Search offsets by name, meaning, subject, unit or number"), query, found,
-    searchError, results);
+    browse, searchError, results);
   root.append(h("div", { class: "watchGrid" },
     h("section", { class: "card lists", "aria-labelledby": "listTitle" }, h("h2", { id: "listTitle" }, "Watch"), listBar,
       nameForm, table, empty), searchPane));
