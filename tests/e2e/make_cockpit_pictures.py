@@ -54,7 +54,7 @@ def make_pictures(target, scratch):
     cockpit.post("/api/recording", file="evening circuit.tavrec")
     view("watch/Flight")
     find("#query").send_keys("radio standby")
-    wait_for("values", lambda: script("return [...document.querySelectorAll('.row .number')].every((one) => one.textContent !== '–')"))
+    wait_for("values", lambda: script("return [...document.querySelectorAll('.row .number')].slice(0, 6).every((one) => one.textContent !== '–')"))
     draw("cockpit-watch")
 
     view("plot/altitude,ias")
@@ -71,6 +71,8 @@ def make_pictures(target, scratch):
     lever = "sim/cockpit/switches/gear_handle_status"
     standin.ask(f"set {lever} {1 - standin.number(lever):.0f}")
     wait_for("the gear", lambda: script("return [...document.querySelectorAll('.findings b')].map((one) => one.textContent).includes('nose_gear')"))
+    wait_for("the gear at rest", lambda: script("return [...document.querySelectorAll('.finding')].filter((one) => "
+                                                "/came to rest|moved once/.test(one.textContent)).length >= 4"))
     press("Done moving")
     draw("cockpit-find")
 
@@ -96,7 +98,7 @@ def make_pictures(target, scratch):
 
     size(1040, 300)
     browser.get(cockpit.address + "panels/example-panel.html")
-    wait_for("its values", lambda: find("#com1").text == "118.70")
+    wait_for("its values", lambda: find("#com1").text == "118.70" and find("#nose_gear").get_attribute("class") == "lamp down")
     draw("cockpit-example")
     browser.quit()
     cockpit.end()

@@ -235,7 +235,7 @@ export function createFind(root) {
     const values = h("p", { class: "beforeAfter" });
     const addButton = h("button", { type: "button", "aria-label": `Add ${first.label} to the watch list`, onclick: () => {
       setText(addButton, `✓ In ${addToWatch(first.item.name)}`);
-    } }, "＋ Watch");
+    } }, "+ Watch");
     const node = h("li", { class: "finding" },
       h("div", { class: "title" }, h("b", {}, first.label), " ", h("code", {}, hexOffset(first.item.offset)),
         h("small", {}, [first.meaning, first.detail].filter(Boolean).join(" · "))),
