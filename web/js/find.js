@@ -117,6 +117,7 @@ export function createFind(root) {
     ["Look", "The offsets that changed, the clearest evidence first. Add them to a watch list, or move again."],
   ].map(([title, text], i) => h("li", { class: "step" }, h("span", { class: "big", "aria-hidden": "true" }, String(i + 1)),
     h("div", {}, h("h3", {}, title), h("p", {}, text))));
+  const stepList = h("ol", { class: "steps" }, steps);
   const state = h("p", { class: "findState" }, "Ready when you are.");
   const meter = h("i", {}), meterBox = h("div", { class: "meter", "aria-hidden": "true" }, meter);
   const primary = h("button", { type: "button", class: "primary large", onclick: () => next() }, "Start: hold still");
@@ -126,7 +127,7 @@ export function createFind(root) {
   const weak = h("details", { class: "weak", hidden: true }, h("summary", {}, ""), h("ol", { class: "findings" }));
   root.append(h("div", { class: "findGrid" },
     h("section", { class: "card", "aria-labelledby": "findTitle" }, h("h2", { id: "findTitle" }, "What changes when I move this?"),
-      h("ol", { class: "steps" }, steps), h("div", { class: "action" }, state, meterBox, h("div", { class: "bar" }, primary, again, reset)),
+      stepList, h("div", { class: "action" }, state, meterBox, h("div", { class: "bar" }, primary, again, reset)),
       error),
     h("section", { class: "card", "aria-labelledby": "foundTitle" }, h("h2", { id: "foundTitle" }, "What changed"),
       list, weak)));
@@ -155,7 +156,8 @@ export function createFind(root) {
     results = finder.results(performance.now(), areas);
     show();
     announce(`${results.filter((one) => one.kind !== "further").length} places changed`);
-    primary.focus();
+    primary.focus({ preventScroll: true });
+    if (innerWidth <= 1000) list.parentElement.scrollIntoView({ block: "nearest" });
     if (results.length) {
       const entries = await attempt(error, () => read(results.slice(0, 200).map((one) => one.item.name)));
       entries?.forEach((entry, i) => { results[i].entry = entry; });
@@ -191,6 +193,7 @@ export function createFind(root) {
   function show() {
     const seconds = (performance.now() - since) / 1000;
     const at = { idle: 0, still: 0, moving: 1, done: 2 }[phase];
+    stepList.classList.toggle("begun", phase !== "idle");
     steps.forEach((step, i) => {
       step.className = "step" + (phase !== "idle" && i === at ? " now" : phase !== "idle" && i < at ? " past" : "");
       if (i === at && phase !== "idle") step.setAttribute("aria-current", "step");

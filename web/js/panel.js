@@ -65,8 +65,10 @@ export function createPanel(root) {
     function edit() {
       const field = h("input", { type: "text", inputmode: "decimal", class: "digits", "aria-label": `${label}, new value`,
         value: text().replace("−", "-"), autocomplete: "off" });
+      let isOpen = true;  // taking the field away makes it lose the focus, which would take it away again
       const leave = (focus) => {
-        if (!field.isConnected) return;
+        if (!isOpen) return;
+        isOpen = false;
         field.replaceWith(button);
         if (focus) button.focus();
       };
@@ -80,6 +82,7 @@ export function createPanel(root) {
           field.value = item.name === "transponder" ? String(next).padStart(4, "0") : next.toFixed(item.row.unit === "MHz" ? 2 : digits());
         }
         if (event.key !== "Enter") return;
+        event.preventDefault();
         const problem = problemWith(item, field.value, unit);
         if (problem) {
           outcome.className = "outcome bad";

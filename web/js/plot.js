@@ -129,7 +129,7 @@ export function createPlot(root) {
     const names = [...new Set(chosen.map(scaleOf))];
     const room = place.clientWidth < 600 ? 1 : place.clientWidth < 1000 ? 2 : 4;
     const stepped = (one) => { const { row } = parseItem(one.name); return row && (row.form === "Flag" || row.values); };
-    const axis = { stroke: ink, font, grid: { stroke: line, width: 1 }, ticks: { stroke: line, width: 1 } };
+    const axis = { stroke: ink, font, space: size * 2.6, grid: { stroke: line, width: 1 }, ticks: { stroke: line, width: 1 } };
     plot = new uPlot({
       width: place.clientWidth, height: place.clientHeight, legend: { show: false }, pxAlign: 0,
       cursor: { drag: { setScale: false }, points: { size: 7 } },
@@ -227,6 +227,14 @@ export function createPlot(root) {
     }
   }
 
+  // What happened while the view was hidden or the connection lost is a gap, not a line.
+  function gap() {
+    const last = times.length - 1;
+    if (last < 0 || columns.every((column) => column[last] === null)) return;
+    times.push(seconds());
+    columns.forEach((column) => column.push(null));
+  }
+
   function listen() {
     stop?.();
     stop = null;
@@ -294,14 +302,15 @@ export function createPlot(root) {
           now = chosen.map(() => null);
         }
       }
-      if (times.length) {  // what happened while the view was hidden is a gap, not a line
-        times.push(seconds());
-        columns.forEach((column) => column.push(null));
-      }
+      gap();
       changed();
       clearInterval(ticker);
       ticker = setInterval(() => {
-        if (document.hidden || document.documentElement.classList.contains("offline")) return;
+        if (document.hidden) return;
+        if (document.documentElement.classList.contains("offline")) {
+          gap();
+          return;
+        }
         append(seconds());
         if (!isPaused) draw();
       }, 500);

@@ -13,7 +13,8 @@ function suggestion() {
 }
 
 export function createRecordings(root) {
-  let status = null, isShown = false, stop = null, scrubbing = false, listed = "", since = 0;
+  let status = null, isShown = false, stop = null, scrubbedUntil = 0, listed = "", since = 0;
+  let at = 0, atTime = 0, ticking = 0;  // the position at a time of this page
   const error = h("p", { class: "bad", role: "alert" });
   const send = (path, body) => attempt(error, async () => {
     update(await request(path, "POST", body));
@@ -36,7 +37,7 @@ export function createRecordings(root) {
   const playIcon = h("span", {}), playButton = h("button", { type: "button", class: "primary large play", onclick: () =>
     send("/api/replay", atEnd() ? { position: 0, playing: true } : { playing: !status.replay.playing }) }, playIcon);
   const atEnd = () => !status.replay.playing && status.replay.position >= status.replay.length - 0.05;
-  const scrub = h("input", { type: "range", min: "0", max: "1", step: "0.1", "aria-label": "Position in the recording" });
+  const scrub = h("input", { type: "range", min: "0", max: "1", step: "0.5", "aria-label": "Position in the recording" });
   const position = h("output", { class: "time" }), length = h("span", { class: "time" });
   const title = h("h3", {});
   const speed = h("select", { id: "speed", onchange: () => send("/api/replay", { speed: Number(speed.value) }) },
@@ -51,11 +52,12 @@ export function createRecordings(root) {
     + "that flight, without any simulator.");
   const sendPosition = painter(() => send("/api/replay", { position: Number(scrub.value) }), 120);
   scrub.addEventListener("input", () => {
-    scrubbing = true;
-    showPosition(Number(scrub.value));
+    scrubbedUntil = performance.now() + 800;  // answers on the way do not pull the slider back
+    at = Number(scrub.value);
+    atTime = performance.now();
+    showPosition(at);
     sendPosition();
   });
-  scrub.addEventListener("change", () => { scrubbing = false; });
 
   const files = h("ul", { class: "files" });
   const none = h("p", { class: "empty", hidden: true }, "No recording yet.");
@@ -87,9 +89,8 @@ export function createRecordings(root) {
   }
 
   // Between the status events of each second the position goes on by itself.
-  let at = 0, atTime = 0, ticking = 0;
   function tick() {
-    if (!status?.replay || scrubbing) return;
+    if (!status?.replay) return;
     const { playing, speed: times, length: end } = status.replay;
     const now = Math.min(end, at + (playing ? (performance.now() - atTime) / 1000 * times : 0));
     scrub.value = String(now);
@@ -126,8 +127,10 @@ export function createRecordings(root) {
         }
         speed.value = String(replay.speed);
       }
-      at = replay.position;
-      atTime = performance.now();
+      if (performance.now() > scrubbedUntil) {
+        at = replay.position;
+        atTime = performance.now();
+      }
       tick();
     }
     if ((replay?.file ?? "") !== listed || (before?.recording ?? null) !== recording) list();

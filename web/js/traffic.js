@@ -57,7 +57,7 @@ export function createTraffic(number, magnetic) {
   const list = h("details", { class: "trafficList", ontoggle: () => drawList() }, h("summary", {}, "As a list: ", count),
     h("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": "Aircraft around as a list" },
       h("table", { class: "summary" }, h("thead", {}, h("tr", {},
-        ["Aircraft", "Distance", "Bearing", "Altitude", "Above or below", "Speed"].map((text) => h("th", { scope: "col" }, text)))), rows)));
+        ["Aircraft", "Distance", "Bearing", "Height to us", "Speed"].map((text) => h("th", { scope: "col" }, text)))), rows)));
   const node = h("section", { class: "card traffic", "aria-label": "Traffic" }, h("div", { class: "bar" }, h("h2", {}, "Traffic"),
     h("button", { type: "button", "aria-label": "Smaller range", onclick: () => setRange(-1) }, "−"), rangeText,
     h("button", { type: "button", "aria-label": "Larger range", onclick: () => setRange(1) }, "+"), north), svg, list);
@@ -133,11 +133,11 @@ export function createTraffic(number, magnetic) {
     if (!list.open || !isShown) return;
     const near = others.map((one) => ({ ...one, ...place(one) })).sort((a, b) => a.distance - b.distance).slice(0, 30);
     while (rows.children.length > near.length) rows.lastChild.remove();
-    while (rows.children.length < near.length) rows.append(h("tr", {}, h("th", { scope: "row" }), Array.from({ length: 5 }, () => h("td", { class: "n" }))));
+    while (rows.children.length < near.length) rows.append(h("tr", {}, h("th", { scope: "row" }), Array.from({ length: 4 }, () => h("td", { class: "n" }))));
     near.forEach((one, i) => {
       const cells = rows.children[i].children;
       [one.label || `id ${one.id}`, `${one.distance.toFixed(1)} nm`, `${String(Math.round(one.bearing) % 360).padStart(3, "0")}°`,
-        `${Math.round(one.altitude / 10) * 10} ft`, one.onGround ? "on the ground" : `${Math.abs(Math.round(one.above / 100) * 100)} ft ${one.above >= 0 ? "above" : "below"}`,
+        one.onGround ? "on the ground" : `${Math.abs(Math.round(one.above / 100) * 100)} ft ${one.above >= 0 ? "above" : "below"}`,
         `${one.speed} kt`].forEach((text, k) => setText(cells[k], text));
     });
   }, 1000);

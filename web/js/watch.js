@@ -256,6 +256,7 @@ export function createWatch(root) {
     empty.hidden = true;
     table.hidden = false;
     listen();
+    if (innerWidth > 1000) row.node.scrollIntoView({ block: "nearest" });
     announce(`${name} added to ${list}`);
   }
 
