@@ -1,4 +1,5 @@
 """Own panels in a real browser: the module clients/js, and the example panel of docs/web-cockpit.md."""
+import re
 import shutil
 
 import pytest
@@ -175,3 +176,13 @@ def test_example_panel(world, page):
     element("up").click()
     wait_for("the gear lever", lambda: standin.number("sim/cockpit/switches/gear_handle_status") == 0, 10)
     assert element("panel").get_attribute("class") == ""
+
+
+def test_types_are_those_of_the_module():
+    """tavrix.d.ts declares what tavrix.js exports, with as many parameters."""
+    def exports(text):
+        return sorted((kind, what, len(re.sub(r"[{(<][^{}()<>]*[})>]", "", given).split(",")) if given else 0)
+                      for kind, what, given in re.findall(r"^export (?:async )?(function|class) (\w+)(?:\(((?:[^()]|\([^()]*\))*)\))?",
+                                                          text, re.M))
+    module, types = (exports((TOP / "clients" / "js" / name).read_text()) for name in ("tavrix.js", "tavrix.d.ts"))
+    assert module == types and len(module) == 6

@@ -114,9 +114,10 @@ def test_pictures_of_the_web_cockpit():
 
 
 # --- Text ----------------------------------------------------------------------------------------------------
-def test_links_lead_somewhere():
-    for target, anchor in re.findall(r"\]\(([\w./-]*)(?:#([\w-]+))?\)", GUIDE):
-        path = TOP / "docs" / target if target else TOP / "docs" / "user-guide.md"
+@pytest.mark.parametrize("page", ["user-guide.md", "web-cockpit.md"])
+def test_links_lead_somewhere(page):
+    for target, anchor in re.findall(r"\]\(([\w./-]*)(?:#([\w-]+))?\)", (TOP / "docs" / page).read_text()):
+        path = TOP / "docs" / (target or page)
         assert path.exists(), target
         titles = re.findall(r"^#+ (.*)", path.read_text(), re.M) if anchor else []
         assert not anchor or anchor in [re.sub(r"[^\w -]", "", t).lower().replace(" ", "-") for t in titles], anchor
