@@ -14,7 +14,7 @@ namespace ctl {
 struct PlayerMark {
   uint64_t at = 0;  // byte
   uint64_t time = 0;  // of the frame before, microseconds
-  uint64_t frames = 0;  // before it
+  size_t frames = 0;  // before it
   Picture picture;
 };
 
