@@ -184,7 +184,7 @@ def test_writing_says_what_became_of_it(page, server):
     page.keys(Keys.ESCAPE)
     write("ap_heading_bug", "north")  # a word is the server's to judge
     wait_for("refused", lambda: "Refused: 'north' is no number" in page.text(outcome.format("ap_heading_bug"))
-             and "write a number" in page.text(outcome.format("ap_heading_bug")))
+             and "Write a number" in page.text(outcome.format("ap_heading_bug")))
     page.keys(Keys.ESCAPE)
     page.button("Change ap_altitude_set").click()
     page.js("const s = document.querySelector('[data-name=ap_altitude_set] .editor select'); s.value = 'ft';"
