@@ -347,10 +347,16 @@ class Handler(BaseHTTPRequestHandler):
             time.sleep(max(0.0, due - time.monotonic()))
 
 
+class Server(ThreadingHTTPServer):
+    daemon_threads = True
+
+    def handle_error(self, *_):
+        """A browser that goes away in the middle of an answer is nothing to tell of."""
+
+
 def serve(port=0, every=None):
     """Starts a fake web cockpit in a thread; returns it, with its address as `url`."""
-    server = ThreadingHTTPServer(("127.0.0.1", port), Handler)
-    server.daemon_threads = True
+    server = Server(("127.0.0.1", port), Handler)
     server.fake = Fake(every)
     server.url = f"http://127.0.0.1:{server.server_address[1]}/"
     threading.Thread(target=server.serve_forever, daemon=True).start()

@@ -35,7 +35,9 @@ class Page:
                  mobile=width < 700)
 
     def theme(self, name):
-        self.cdp("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": name}])
+        """Colours, without transitions: what axe looks at is how it stays."""
+        self.cdp("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": name},
+                                                         {"name": "prefers-reduced-motion", "value": "reduce"}])
 
     def cdp(self, command, **parameters):
         return self.driver.execute_cdp_cmd(command, parameters)
@@ -66,6 +68,10 @@ class Page:
 
     def keys(self, *keys):
         ActionChains(self.driver).send_keys(*keys).perform()
+
+    def shows_values(self):
+        return self.js("const one = document.querySelector('main > :not([hidden]) :is(.number, .readout, td.n)');"
+                       "return document.querySelector('main > :not([hidden]) h2') && one?.textContent !== '–'")
 
     def value(self, name):
         """What a row of the watch list shows; only rows in sight are drawn."""
@@ -109,7 +115,7 @@ def test_accessible_and_clean_in_every_view(page, server, theme):
         if view == "recordings":
             page.button("Replay ILS 26L.tavrec").click()
             page.one(".player:not([hidden])")
-        time.sleep(0.7)  # colours change over half a second, and are then as they stay
+        wait_for("values", lambda: page.shows_values())
         page.js(AXE.read_text())
         found = page.driver.execute_async_script(
             "axe.run(document, {resultTypes: ['violations']}).then(r => arguments[0](r.violations))")
@@ -118,7 +124,7 @@ def test_accessible_and_clean_in_every_view(page, server, theme):
         assert page.js("return document.documentElement.dataset.theme") == theme
         if view == "recordings":
             page.button("Back to live", "body").click()
-    wrong = [one["message"] for one in page.driver.get_log("browser") if one["level"] == "SEVERE"]
+    wrong = [one["message"] for one in page.driver.get_log("browser") if one["level"] == "SEVERE" and "favicon.ico" not in one["message"]]
     assert not wrong
 
 
@@ -127,8 +133,7 @@ def test_nothing_scrolls_sideways_or_is_cut(page, server, width, height):
     page.size(width, height)
     for view in VIEWS:
         page.open(server, view)
-        wait_for("values", lambda: page.js("return document.fonts.ready.then(() => true)"))
-        time.sleep(0.3)
+        wait_for("values", lambda: page.shows_values())
         assert page.js("return document.documentElement.scrollWidth") <= width, view
         cut = page.js("return [...document.querySelectorAll('main *, header *, .status *')].filter(one =>"
                       " one.checkVisibility() && one.scrollWidth > one.clientWidth + 1 && one.clientWidth > 1"
@@ -179,7 +184,7 @@ def test_writing_says_what_became_of_it(page, server):
     page.keys(Keys.ESCAPE)
     write("ap_heading_bug", "north")  # a word is the server's to judge
     wait_for("refused", lambda: "Refused: 'north' is no number" in page.text(outcome.format("ap_heading_bug"))
-             and "write a number" in page.text(outcome.format("ap_heading_bug")))
+             and "Write a number" in page.text(outcome.format("ap_heading_bug")))
     page.keys(Keys.ESCAPE)
     page.button("Change ap_altitude_set").click()
     page.js("const s = document.querySelector('[data-name=ap_altitude_set] .editor select'); s.value = 'ft';"
@@ -229,7 +234,7 @@ def test_finding_by_moving(page, server):
     page.button("Now I move it").click()
     ask(server, set={"gear": 0})
     wait_for("the lever", lambda: "gear" in page.text(".findings"))
-    time.sleep(1)  # the wheels begin to move
+    wait_for("the wheels", lambda: "nose_gear" in page.text(".findings"))
     page.button("Done moving").click()
     wait_for("values", lambda: "100.0 → 0.0 %" in page.text(".finding .beforeAfter"))
     names = page.js("return [...document.querySelectorAll('.findGrid > section:last-child > ol b')].map(b => b.textContent)")
@@ -242,13 +247,12 @@ def test_finding_by_moving(page, server):
 
 def test_plot_has_the_data(page, server):
     page.open(server, "plot/altitude,ias")
-    started = fake_cockpit.time.monotonic()
-    wait_for("six seconds of data", lambda: page.js("return tavrixPlot.times.length > 60") and time.monotonic() - started > 6)
+    wait_for("six seconds of data", lambda: page.js("const t = tavrixPlot.times; return t.length > 60 && t.at(-1) - t[0] > 6"))
     times, altitude = page.js("return [tavrixPlot.times, tavrixPlot.columns[0]]")
     pairs = [(at, value) for at, value in zip(times, altitude) if value is not None]
     with server.fake.lock:
         now = server.fake.entry("altitude")["value"]
-    assert abs(pairs[-1][1] - now) < 25 and pairs[-1][0] - pairs[0][0] > 4
+    assert abs(pairs[-1][1] - now) < 25
     slopes = [(b[1] - a[1]) / (b[0] - a[0]) for a, b in zip(pairs[::20], pairs[20::20])]
     assert all(abs(slope) < 16 for slope in slopes), "as fast as the flight climbs, 15 m/s at most"
     drawn = page.js("const c = document.querySelector('.plotArea canvas'), d = c.getContext('2d')"

@@ -83,10 +83,11 @@ export function clock(seconds) {
     : `${Math.floor(whole / 60)}:${two(whole % 60)}`;
 }
 
-/** A line that tells of an error with the server's remedy. */
+/** A line that tells of an error with the server's remedy; where it is, the line's place on the page shows. */
 export function errorText(error) {
-  const place = error.where ? ` (${error.where})` : "";
-  return `${error.message ?? error.error}${place}${error.remedy ? ". " + error.remedy : ""}`;
+  const text = String(error.message ?? error.error);
+  const remedy = error.remedy ? ". " + error.remedy[0].toUpperCase() + error.remedy.slice(1) : "";
+  return text[0].toUpperCase() + text.slice(1) + remedy;
 }
 
 /** A busy line for requests: shows the error of `work` in `place`, else empties it. */

@@ -80,8 +80,13 @@ export function makeFinder() {
     const isNoisy = offsets.some((offset) => noise.has(offset)) || neighbours(item).some((offset) => noise.has(offset));
     const kind = isNoisy ? "further" : now - last < settled && events > 2 ? "running" : !isDifferent ? "back"
       : events === 1 ? "once" : "stays";
-    const bonus = item.row ? (item.row.write === "yes" ? 6 : 3) : 0;
-    return { kind, events, first, last, score: kinds[kind].score + bonus - Math.min(12, Math.log2(events)) };
+    // A reading that trembles by its smallest step is no lever; one click of a knob may be, so it stays in the list.
+    const { row } = item, isWhole = /^[us]/.test(item.type) && item.size > 1 && row && row.form === "Number" && !row.values;
+    const steps = offsets.reduce((sum, offset, i) => sum + (bytes[i].after - bytes[i].before) * 256 ** (offset - item.offset), 0);
+    const isTiny = isWhole && isDifferent && Math.abs(steps) <= 2;
+    const bonus = row ? (row.write === "yes" ? 6 : 3) : 0;
+    return { kind, events, first, last, isTiny,
+             score: kinds[kind].score + bonus - Math.min(12, Math.log2(events)) - (isTiny ? 20 : 0) };
   }
   function neighbours(item) {
     return Array.from({ length: Math.min(item.size, 16) }, (_, i) => item.offset + i);
@@ -245,8 +250,8 @@ export function createFind(root) {
       values, h("p", { class: "evidence" }, h("span", { class: "dots", "aria-hidden": "true" }, dots), evidence), addButton);
     return { node, update(one) {
       const kind = kinds[one.kind];
-      dots.forEach((dot, i) => dot.classList.toggle("on", i < kind.dots));
-      setText(evidence, `${kind.text}${one.events > 1 ? `, ${one.events} changes` : ""}`);
+      dots.forEach((dot, i) => dot.classList.toggle("on", i < kind.dots - (one.isTiny ? 1 : 0)));
+      setText(evidence, kind.text + (one.events > 1 ? `, ${one.events} changes` : "") + (one.isTiny ? ", by the smallest step" : ""));
       setText(values, beforeAfter(one));
     } };
   }

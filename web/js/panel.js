@@ -300,6 +300,7 @@ export function createPanel(root) {
   return {
     show() {
       if (!stop) listen();
+      draw();
       stopState ??= connection(() => drawTexts());
       traffic.show();
     },

@@ -150,6 +150,9 @@ export function createTraffic(number, magnetic) {
       drawList();
     },
     move: draw,
-    show() { isShown = true; },
+    show() {
+      isShown = true;
+      drawList();
+    },
     hide() { isShown = false; } };
 }
