@@ -297,6 +297,27 @@ def test_find_by_moving_names_the_gear_lever(world):
     assert "0x0BE8" in line and "gear lever" in line and ("100" in line and "0" in line.split("→")[1])
 
 
+def test_a_token_opens_the_page_once(world):
+    world.simulator("rest")
+    guarded = CheckedCockpit(world.build, "--token", "FourWordsFromABook", folder=world.folder)
+    try:
+        said = lambda: world.script("return document.body.textContent")
+        plain, given = guarded.address.split("?")
+        world.browser.get(plain)
+        assert "token" in said() and world.script("return document.querySelector('main')") is None
+        world.browser.get(f"{plain}?{given[:-1]}")
+        assert "token" in said() and world.script("return document.querySelector('main')") is None
+        world.browser.get(guarded.address)
+        wait_for("values", lambda: world.number("heading") is not None)  # streams carry it, too
+        assert world.browser.current_url.split("#")[0] == plain
+        assert world.script("return document.cookie") == ""
+        world.browser.get(plain + "#watch")
+        wait_for("values", lambda: world.number("heading") is not None)
+    finally:
+        world.browser.delete_all_cookies()
+        guarded.end()
+
+
 def test_no_accessibility_fault(world):
     world.simulator("flight")
     world.open("watch/Flight")

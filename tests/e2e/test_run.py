@@ -154,7 +154,7 @@ def test_standin_ends_early(run, checkout):
 
 
 @pytest.mark.parametrize("trouble, note", [("", "Web cockpit: http://127.0.0.1:8440/"),
-                                           ("the parts are not there", "No web cockpit: offsetctl: the parts are not there")])
+                                           ("this build has no web cockpit: Boost is missing", "No web cockpit: Boost is missing")])
 def test_table_shows_with_and_without_cockpit(run, checkout, trouble, note):
     """No browser here, as on a server: it is said, and the table shows."""
     (checkout / "docs").mkdir()

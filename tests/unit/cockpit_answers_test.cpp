@@ -1,16 +1,16 @@
 // What the web cockpit answers, without sockets.
-#include "cockpit_harness.h"
-
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "cockpit/web_files.h"
+#include "cockpit_harness.h"
 
 namespace ctl {
 
 // The page is no part of the tests.
 std::span<const WebFile> WebFiles() {
-  static constexpr WebFile files[] = {{"/", "text/html; charset=utf-8", "<p>", 3}, {"/api", "application/json", "{}", 2}};
+  static constexpr WebFile files[] = {{"/", "text/html; charset=utf-8", "<p>", 3},
+                                      {"/api", "application/json", "{}", 2}};
   return files;
 }
 std::string_view OffsetsFile() { return ""; }
@@ -81,15 +81,21 @@ TEST(CockpitAnswers, RefuseWhatIsWrong) {
       {"PUT", "/api/values", R"({"values":[{"name":7,"value":1}]})", connected, 400, "values[0].name"},
       {"PUT", "/api/values", R"({"values":[{"name":"gear"}]})", connected, 400, "values[0].value"},
       {"PUT", "/api/values", R"({"values":[{"name":"gear","value":[1]}]})", connected, 400, "values[0].value"},
-      {"PUT", "/api/values", R"({"values":[{"name":"gear","value":"sideways"}]})", connected, 400, "values[0].value"},
+      {"PUT", "/api/values", R"({"values":[{"name":"gear","value":"sideways"}]})", connected, 400,
+       "values[0].value"},
       {"PUT", "/api/values", R"({"values":[{"name":"com1","value":18.7}]})", connected, 400, "values[0].value"},
-      {"PUT", "/api/values", R"({"values":[{"name":"0x0330:u16","value":65536}]})", connected, 400, "values[0].value"},
-      {"PUT", "/api/values", R"({"values":[{"name":"heading","value":1,"unit":"kt"}]})", connected, 400, "values[0].value"},
-      {"PUT", "/api/values", R"({"values":[{"name":"0x0330:u16","value":1,"unit":"kt"}]})", connected, 400, "values[0].unit"},
-      {"PUT", "/api/values", R"({"values":[{"name":"gear=1","value":1}]})", connected, 400, "values[0].name"},
-      {"PUT", "/api/values", R"({"values":[{"name":"gear","value":0},{"name":"gaer","value":0}]})", connected, 404, "values[1].name"},
+      {"PUT", "/api/values", R"({"values":[{"name":"0x0330:u16","value":65536}]})", connected, 400,
+       "values[0].value"},
+      {"PUT", "/api/values", R"({"values":[{"name":"heading","value":1,"unit":"kt"}]})", connected, 400,
+       "values[0].value"},
+      {"PUT", "/api/values", R"({"values":[{"name":"0x0330:u16","value":1,"unit":"kt"}]})", connected, 400,
+       "values[0].unit"},
+      {"PUT", "/api/values", R"({"values":[{"name":"gear=1","value":1}]})", connected, 404, "values[0].name"},
+      {"PUT", "/api/values", R"({"values":[{"name":"gear","value":0},{"name":"gaer","value":0}]})", connected,
+       404, "values[1].name"},
       {"PUT", "/api/values", R"({"values":[{"name":"paused","value":1}]})", connected, 403, "values[0].name"},
-      {"PUT", "/api/values", R"({"values":[{"name":"0x0263:u16","value":1}]})", connected, 403, "values[0].name"},
+      {"PUT", "/api/values", R"({"values":[{"name":"0x0263:u16","value":1}]})", connected, 403,
+       "values[0].name"},
       {"PUT", "/api/values", R"({"values":[{"name":"gear","value":1}]})", away, 503, "source"},
       {"PUT", "/api/values", R"({"values":[{"name":"gear","value":1}]})", replaying, 409, "source"},
       {"POST", "/api/recording", R"({"file":"a/b"})", connected, 400, "file"},
@@ -118,7 +124,8 @@ TEST(CockpitAnswers, RefuseWhatIsWrong) {
 TEST(CockpitAnswers, ValuesInTheOrderAsked) {
   Mirror mirror = MirrorOf(WordAt(0x034E, 0x1870));
   ApplyBatch(BatchOf(WordAt(0x0330, 16211)), 12, &mirror);
-  const Outcome outcome = Answer(RequestOf("GET", "/api/values?names=0x0330:u16,com1,COM1"), SiteOf(), mirror, 0, 12.5);
+  const Outcome outcome =
+      Answer(RequestOf("GET", "/api/values?names=0x0330:u16,com1,COM1"), SiteOf(), mirror, 0, 12.5);
   const Json values = Json::parse(outcome.answer.body)["values"];
   const Json expected = Json::parse(R"([
     {"name":"0x0330:u16","offset":816,"value":16211,"unit":"","raw":"53 3F","age":0.5},
@@ -174,7 +181,9 @@ TEST(CockpitAnswers, PanelsAreFilesOfTheFolderAndNothingElse) {
   const fs::path top = fs::path(testing::TempDir()) / "cockpit_panels";
   fs::remove_all(top);
   fs::create_directories(top / "panels" / "inner.html");
-  const auto put = [&top](const std::string& name, const std::string& text) { std::ofstream(top / name) << text; };
+  const auto put = [&top](const std::string& name, const std::string& text) {
+    std::ofstream(top / name) << text;
+  };
   put("secret.html", "secret");
   put("panels/b.html", "<TITLE>\n Two   <&\"words\"\xE9 </title>");
   put("panels/a.HTML", "no title");
@@ -191,8 +200,9 @@ TEST(CockpitAnswers, PanelsAreFilesOfTheFolderAndNothingElse) {
             "{\"panels\":[{\"file\":\"a.HTML\",\"title\":\"a.HTML\"},{\"file\":\"b.html\",\"title\":\"Two "
             "<&\\\"words\\\"\\u00E9\"}]}");
   EXPECT_EQ(ask("/panels/b.html").type, "text/html; charset=utf-8");
-  for (const char* name : {"../secret.html", "..%2fsecret.html", "%2e%2e/secret.html", "..\\secret.html", "link.html",
-                           ".hidden.html", "run.exe", "inner.html", "none.html", "", ".", "b.html/", "b.html."}) {
+  for (const char* name :
+       {"../secret.html", "..%2fsecret.html", "%2e%2e/secret.html", "..\\secret.html", "link.html",
+        ".hidden.html", "run.exe", "inner.html", "none.html", "", ".", "b.html/", "b.html."}) {
     EXPECT_EQ(ask(std::string("/panels/") + name).status, 404u) << name;
   }
   fs::remove_all(top);

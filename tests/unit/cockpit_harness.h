@@ -24,7 +24,8 @@ inline ctl::Site SiteOf(const std::string& token = "") {
   return site;
 }
 
-inline ctl::WebRequest RequestOf(const std::string& method, const std::string& target, const std::string& body = "") {
+inline ctl::WebRequest RequestOf(const std::string& method, const std::string& target,
+                                 const std::string& body = "") {
   ctl::WebRequest request = {method, target, {{"Host", "127.0.0.1:8440"}}, body};
   if (!body.empty()) request.headers.push_back({"Content-Type", "application/json; charset=utf-8"});
   return request;

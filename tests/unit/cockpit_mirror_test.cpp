@@ -1,11 +1,11 @@
-// What the web cockpit knows of the memory: changes and their times, streams, writes that wait, losses, replays.
-#include "cockpit_harness.h"
-
+// What the web cockpit knows of the memory: changes and their times, streams, writes that wait, losses,
+// replays.
 #include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
 
 #include "cockpit/player.h"
+#include "cockpit_harness.h"
 #include "offsetctl/recording.h"
 
 namespace {
@@ -78,7 +78,8 @@ TEST(CockpitMirror, StatusIsJson) {
   mirror.replay = ReplayState{"y", 1.25, 2, 0.5, true};
   status = Json::parse(StatusJson(mirror, 0, 1.5));
   EXPECT_EQ(status["age"], 0.5);
-  EXPECT_EQ(status["replay"], Json::parse(R"({"file":"y","position":1.25,"length":2,"speed":0.5,"playing":true})"));
+  EXPECT_EQ(status["replay"],
+            Json::parse(R"({"file":"y","position":1.25,"length":2,"speed":0.5,"playing":true})"));
 }
 
 TEST(CockpitMirror, WritesAreConfirmedByWhatShows) {
@@ -98,7 +99,11 @@ TEST(CockpitMirror, WritesAreConfirmedByWhatShows) {
       {"follows", R"({"name":"pause","value":1})", {{20.05, {{0x0262, 1}}}}, 20.3, "true"},
       {"follows late", R"({"name":"pause","value":1})", {{20.6, {{0x0262, 1}}}}, 20.6, "true"},
       {"never follows", R"({"name":"pause","value":1})", {}, 21, "false"},
-      {"snaps back", R"({"name":"pause","value":1})", {{20.05, {{0x0262, 1}}, true}, {20.1, {{0x0262, 0}}}}, 21, "false"},
+      {"snaps back",
+       R"({"name":"pause","value":1})",
+       {{20.05, {{0x0262, 1}}, true}, {20.1, {{0x0262, 0}}}},
+       21,
+       "false"},
       {"own memory", R"({"name":"0x66C0:u8","value":5})", {{20.05, {{0x66C0, 5}}, true}}, 20.3, "true"},
       {"own memory, lost", R"({"name":"0x66C0:u8","value":5})", {}, 21, "false"},
       {"only shows", R"({"name":"ground_altitude","value":5})", {{20.05, {{0x0020, 5}}, true}}, 20.3, "null"},
@@ -173,8 +178,8 @@ TEST(CockpitPlayer, ShowsTheSameWhereverItComesFrom) {
     std::vector<uint8_t> memory(offsetMemorySize);
     for (uint32_t i = 1; i <= 400; ++i) {
       memory[0x4000 + i] = static_cast<uint8_t>(i);
-      add(RecordedFrameBytes({i * 10000, ChangeFrame({{0x100, static_cast<uint8_t>(i)},
-                                                      {0x101, static_cast<uint8_t>(i >> 8)}})}));
+      add(RecordedFrameBytes(
+          {i * 10000, ChangeFrame({{0x100, static_cast<uint8_t>(i)}, {0x101, static_cast<uint8_t>(i >> 8)}})}));
       add(RecordedFrameBytes({i * 10000, BlockFrame(memory, 1)}));
     }
   }
@@ -207,7 +212,8 @@ TEST(CockpitPlayer, ShowsTheSameWhereverItComesFrom) {
   EXPECT_EQ(count(), 100);
   std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);
   auto cut = std::make_unique<Player>();
-  EXPECT_TRUE(OpenPlayer(path, "x", cut.get(), &error) && cut->cutOff.find("frame 808") != std::string::npos) << cut->cutOff;
+  EXPECT_TRUE(OpenPlayer(path, "x", cut.get(), &error) && cut->cutOff.find("frame 808") != std::string::npos)
+      << cut->cutOff;
   std::filesystem::resize_file(path, 8 + 7 * (12 + 16394));
   auto part = std::make_unique<Player>();
   EXPECT_FALSE(OpenPlayer(path, "x", part.get(), &error));

@@ -58,12 +58,14 @@ TEST(CockpitRules, RefusesForeignHostsAndOrigins) {
       {{{"Host", "127.0.0.1:8440"}, {"Origin", "https://127.0.0.1:8440"}}, 403},
       {{{"Host", "127.0.0.1:8440"}, {"Origin", "http://127.0.0.1:9000"}}, 403},
       {{{"Host", "127.0.0.1:8440"}, {"Origin", "null"}}, 403},
-      {{{"Host", "127.0.0.1:8440"}, {"Origin", "http://127.0.0.1:8440"}, {"Origin", "http://evil.example"}}, 403},
+      {{{"Host", "127.0.0.1:8440"}, {"Origin", "http://127.0.0.1:8440"}, {"Origin", "http://evil.example"}},
+       403},
   };
   for (const auto& row : cases) {
     Refusal refusal = {};
     const WebRequest request = {"GET", "/", row.headers, ""};
-    const std::string shown = row.headers.empty() ? "none" : row.headers[0].second + " " + row.headers.back().second;
+    const std::string shown =
+        row.headers.empty() ? "none" : row.headers[0].second + " " + row.headers.back().second;
     EXPECT_EQ(IsFromHere(request, site.access, &refusal), row.status == 0) << shown;
     EXPECT_EQ(refusal.status, row.status) << shown;
     const Outcome outcome = Answer(request, site, MirrorOf(), 0, 11);
@@ -97,7 +99,8 @@ TEST(CockpitRules, AsksForTheToken) {
     for (const char* target : {"/api/status", "/", "/panels/x.html", "/tavrix.js"}) {
       WebRequest request = RequestOf("GET", target);
       request.headers.push_back({row.name, row.value});
-      EXPECT_EQ(Answer(request, site, MirrorOf(), 0, 11).answer.status != 403, row.isLetIn) << row.value << target;
+      EXPECT_EQ(Answer(request, site, MirrorOf(), 0, 11).answer.status != 403, row.isLetIn)
+          << row.value << target;
     }
   }
   const WebAnswer entry = Answer(RequestOf("GET", "/?token=" + token), site, MirrorOf(), 0, 11).answer;
@@ -106,16 +109,18 @@ TEST(CockpitRules, AsksForTheToken) {
                           {"Set-Cookie", "tavrix_token=" + token + "; SameSite=Strict; HttpOnly; Path=/"}};
   EXPECT_EQ(entry.headers, expected);
   EXPECT_EQ(Answer(RequestOf("GET", "/?token=wrong-token"), site, MirrorOf(), 0, 11).answer.status, 403u);
-  EXPECT_EQ(Answer(RequestOf("GET", "/api/status?token=" + token), site, MirrorOf(), 0, 11).answer.status, 403u);
+  EXPECT_EQ(Answer(RequestOf("GET", "/api/status?token=" + token), site, MirrorOf(), 0, 11).answer.status,
+            403u);
   for (const char* text : {"1234567", "12345678 ", "12345678;", "äöüäöü"}) EXPECT_FALSE(IsToken(text)) << text;
   EXPECT_TRUE(IsToken("aZ0._~-8") && IsToken(std::string(128, 'a')) && !IsToken(std::string(129, 'a')));
 }
 
 TEST(CockpitRules, KnowsFileNames) {
-  for (const char* name : {"a", "flight 1.tavrec", "A-b_c.2", "com0x", "console.txt"}) EXPECT_TRUE(IsFileName(name)) << name;
-  for (const char* name :
-       {"", ".", "..", ".hidden", "a/b", "a\\b", "../a", "c:a", "a:stream", "con", "NUL.txt", "Com1.tavrec", "lpt9",
-        "aux .x", "a.", "a ", " a", "ä", "a\n", "a%2e", "~", "$I30"}) {
+  for (const char* name : {"a", "flight 1.tavrec", "A-b_c.2", "com0x", "console.txt"})
+    EXPECT_TRUE(IsFileName(name)) << name;
+  for (const char* name : {"",         ".",   "..",      ".hidden",     "a/b",  "a\\b",   "../a", "c:a",
+                           "a:stream", "con", "NUL.txt", "Com1.tavrec", "lpt9", "aux .x", "a.",   "a ",
+                           " a",       "ä",   "a\n",     "a%2e",        "~",    "$I30"}) {
     EXPECT_FALSE(IsFileName(name)) << name;
   }
   EXPECT_FALSE(IsFileName(std::string(101, 'a')));
