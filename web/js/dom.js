@@ -6,10 +6,10 @@ const svgSpace = "http://www.w3.org/2000/svg";
 
 /** An element: attributes by name, listeners as onclick and so on, children as nodes or plain text. */
 export function h(tag, attributes = {}, ...children) {
-  const node = svgNames.has(tag) && attributes.html !== true ? document.createElementNS(svgSpace, tag)
+  const node = svgNames.has(tag) ? document.createElementNS(svgSpace, tag)
     : document.createElement(tag);
   for (const [name, value] of Object.entries(attributes)) {
-    if (name === "html" || value === undefined || value === null || value === false) continue;
+    if (value === undefined || value === null || value === false) continue;
     if (name.startsWith("on")) node.addEventListener(name.slice(2), value);
     else if (name === "value" || name === "checked" || name === "disabled") node[name] = value;
     else node.setAttribute(name, value === true ? "" : value);

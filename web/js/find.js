@@ -126,13 +126,12 @@ export function createFind(root) {
   const state = h("p", { class: "findState" }, "Ready when you are.");
   const meter = h("i", {}), meterBox = h("div", { class: "meter", "aria-hidden": "true" }, meter);
   const primary = h("button", { type: "button", class: "primary large", onclick: () => next() }, "Start: hold still");
-  const again = h("button", { type: "button", class: "large", hidden: true, onclick: () => begin("moving") }, "Move again");
   const reset = h("button", { type: "button", class: "large", hidden: true, onclick: () => begin("still") }, "Start over");
   const list = h("ol", { class: "findings", "aria-label": "What changed" });
   const weak = h("details", { class: "weak", hidden: true }, h("summary", {}, ""), h("ol", { class: "findings" }));
   root.append(h("div", { class: "findGrid" },
     h("section", { class: "card", "aria-labelledby": "findTitle" }, h("h2", { id: "findTitle" }, "What changes when I move this?"),
-      stepList, h("div", { class: "action" }, state, meterBox, h("div", { class: "bar" }, primary, again, reset)),
+      stepList, h("div", { class: "action" }, state, meterBox, h("div", { class: "bar" }, primary, reset)),
       error),
     h("section", { class: "card", "aria-labelledby": "foundTitle" }, h("h2", { id: "foundTitle" }, "What changed"),
       list, weak)));

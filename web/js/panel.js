@@ -252,7 +252,9 @@ export function createPanel(root) {
   texts.push(() => setText(aircraft, at.get("aircraft") || ""));
 
   const card = (title, kind, ...parts) => h("section", { class: `card ${kind}`, "aria-label": title }, h("h2", {}, title), parts);
-  root.append(h("div", { class: "panelTop" }, h("h2", { class: "sr" }, "Instrument panel"), aircraft, station, outcome),
+  root.append(h("div", { class: "panelTop" }, h("h2", { class: "sr" }, "Instrument panel"), aircraft, station, outcome,
+    h("button", { type: "button", class: "fullScreen", onclick: () => setBare(!document.documentElement.classList.contains("bare")) },
+      "Full screen")),
     h("div", { class: "panelGrid live" },
       h("section", { class: "gauges", "aria-label": "Flight instruments" }, Object.values(gauges).map((gauge) => gauge.node)),
       traffic.node,
@@ -297,8 +299,18 @@ export function createPanel(root) {
     }, { rate: 50 });
     before?.();
   }
+  // Nothing but the instruments, for a screen in a cockpit; the address #panel/bare begins that way.
+  function setBare(isBare) {
+    document.documentElement.classList.toggle("bare", isBare);
+    if (isBare) document.documentElement.requestFullscreen?.().catch(() => {});  // some browsers have none: bare it is
+    else if (document.fullscreenElement) document.exitFullscreen();
+  }
+  document.addEventListener("fullscreenchange", () => {
+    if (!document.fullscreenElement) setBare(false);
+  });
   return {
-    show() {
+    show(rest) {
+      if (rest === "bare") document.documentElement.classList.add("bare");
       if (!stop) listen();
       draw();
       stopState ??= connection(() => drawTexts());
@@ -309,6 +321,7 @@ export function createPanel(root) {
       stop = null;
       stopState?.();
       stopState = null;
+      document.documentElement.classList.remove("bare");
       traffic.hide();
     },
   };

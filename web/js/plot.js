@@ -259,6 +259,7 @@ export function createPlot(root) {
 
   function changed() {
     remember("plot", chosen);
+    history.replaceState(null, "", "#plot/" + chosen.map((one) => one.name).join());
     showLines();
     build();
     listen();

@@ -5,14 +5,14 @@ import { catalogue, hexOffset, parseItem, plainTypes, searchRows, unitText, unit
   from "./catalogue.js";
 import { makeForm, makeSwitch } from "./editor.js";
 
-const four = (pattern) => [1, 2].map((n) => pattern.replace("#", n));
+const both = (pattern) => [1, 2].map((n) => pattern.replace("#", n));
 const readyMade = {
   Flight: ["ias", "indicated_altitude:ft", "vertical_speed:ft/min", "heading", "pitch", "bank", "ground_speed:kt", "mach",
     "radio_altitude:ft", "on_ground", "latitude", "longitude", "altimeter_setting", "load_factor", "pause"],
   Radios: ["com1", "com_standby1", "com2", "com_standby2", "nav1", "nav_standby1", "nav2", "nav_standby2", "adf1", "adf2",
     "transponder", "transponder_mode", "audio_panel", "obs1", "obs2", "nav_ident1", "dme1"],
   Engines: ["engine_type", ...["running_eng#", "throttle#", "n1_eng#", "n2_eng#", "egt_eng#", "fuel_flow_eng#",
-    "oil_pressure_eng#", "oil_temp_eng#", "mixture#"].flatMap(four)],
+    "oil_pressure_eng#", "oil_temp_eng#", "mixture#"].flatMap(both)],
   Autopilot: ["ap", "fd", "autothrottle", "ap_heading", "ap_heading_bug", "ap_nav", "ap_approach", "ap_altitude",
     "ap_altitude_set:ft", "ap_vertical_speed", "ap_vertical_speed_set", "ap_speed", "ap_ias_set", "yaw_damper"],
   Controls: ["gear", "nose_gear", "left_gear", "right_gear", "flaps", "left_flap_position", "speed_brake",
@@ -365,25 +365,34 @@ export function createWatch(root) {
       lists.delete(list);
       if (!lists.size) lists = new Map(Object.entries(readyMade).map(([name, names]) => [name, fresh(names)]));
       saveLists(lists);
-      undo.hidden = false;
-      setText(undo, `Bring ${gone} back`);
-      undo.onclick = () => {
-        undo.hidden = true;
-        lists.set(gone, items);
-        saveLists(lists);
-        openList(gone);
-      };
+      offerUndo(`Bring ${gone} back`, () => { lists.set(gone, items); }, gone);
       openList([...lists.keys()][0]);
     } }, "Delete"),
     h("button", { type: "button", title: "The lists that come with the program, as they were", onclick: () => {
+      const before = lists;
+      lists = new Map(lists);
+      offerUndo("Undo restoring", () => { lists = before; });
       for (const [name, names] of Object.entries(readyMade)) lists.set(name, fresh(names));
       saveLists(lists);
       showLists();
       rebuild();
       announce("Ready-made lists restored");
     } }, "Restore ready-made"));
-  const undo = h("button", { type: "button", class: "undo", hidden: true });
+  const undo = h("button", { type: "button", hidden: true });
   listBar.append(undo);
+  function offerUndo(text, restore, open) {
+    undo.hidden = false;
+    setText(undo, text);
+    undo.onclick = () => {
+      undo.hidden = true;
+      restore();
+      saveLists(lists);
+      if (open) openList(open);
+      showLists();
+      rebuild();
+      chooser.focus();
+    };
+  }
 
   function showLists() {
     chooser.replaceChildren(...[...lists].map(([name, items]) => h("option", { value: name }, `${name} (${items.length})`)));
