@@ -27,8 +27,6 @@ Bytes SmallRecording() {
   return file;
 }
 
-}  // namespace
-
 TEST(OffsetctlRecording, ComesBack) {
   const Bytes file = SmallRecording();
   Recording recording;
@@ -51,7 +49,8 @@ TEST(OffsetctlRecording, TellsWhatIsWrong) {
   std::string error;
   size_t whole = 0;
   for (size_t size = 0; size < good.size(); size += size < 64 || size > good.size() - 64 ? 1 : 97) {
-    EXPECT_EQ(ReadRecording(good.data(), size, &recording, &error), size >= recordingStartSize) << size << error;
+    EXPECT_EQ(ReadRecording(good.data(), size, &recording, &error), size >= recordingStartSize)
+        << size << error;
     whole += size >= recordingStartSize && recording.cutOff.empty();
     EXPECT_LE(recording.frames.size(), 8u) << size;
   }

@@ -89,7 +89,8 @@ Outcome AnswerValues(const Call& call) {
 Outcome AnswerPut(const Call& call) {
   Outcome outcome = {.deed = Deed::Write};
   Refusal refusal = {};
-  if (!ReadPut(call.request.body, call.site.names, &outcome.put, &refusal)) return {.answer = AnswerOf(refusal)};
+  if (!ReadPut(call.request.body, call.site.names, &outcome.put, &refusal))
+    return {.answer = AnswerOf(refusal)};
   if (call.mirror.replay) {
     return Refuse(409, "a recording is replayed: nothing takes a write", "source",
                   "go back to the simulator: POST /api/replay {\"file\": null}");
@@ -102,7 +103,8 @@ bool TakeRate(const Call& call, double usual, Outcome* outcome) {
   outcome->rate = usual;
   const std::string* rate = Parameter(call.target, "rate");
   if (rate == nullptr) return true;
-  const bool isGood = ParseReal(*rate, &outcome->rate) && outcome->rate >= leastRate && outcome->rate <= mostRate;
+  const bool isGood =
+      ParseReal(*rate, &outcome->rate) && outcome->rate >= leastRate && outcome->rate <= mostRate;
   if (!isGood) *outcome = Refuse(400, "the rate is no number from 1 to 50", "rate", "leave it out");
   return isGood;
 }
@@ -129,7 +131,8 @@ bool TakeObject(const Call& call, std::initializer_list<const char*> keys, Json*
     return false;
   }
   for (const auto& [key, value] : object->items()) {
-    if (std::any_of(keys.begin(), keys.end(), [&key = key](const char* known) { return key == known; })) continue;
+    if (std::any_of(keys.begin(), keys.end(), [&key = key](const char* known) { return key == known; }))
+      continue;
     *refused = Refuse(400, "the body has no " + Quote(key), "body", "leave it out");
     return false;
   }
@@ -167,8 +170,8 @@ bool TakeNumber(const Json& body, const char* key, double least, double most, st
   if (!body.contains(key)) return true;
   if (body[key].is_number()) *number = body[key].get<double>();
   if (number->has_value() && **number >= least && **number <= most) return true;
-  *refused = Refuse(400, std::string(key) + " is no number from " + RealText(least) + " to " + RealText(most), key,
-                    "leave it out");
+  *refused = Refuse(400, std::string(key) + " is no number from " + RealText(least) + " to " + RealText(most),
+                    key, "leave it out");
   return false;
 }
 
@@ -236,7 +239,8 @@ Outcome AnswerApiPath(const Call& call, std::string_view method) {
       continue;
     }
     if (method != "GET" && !IsJson(call.request)) {
-      return Refuse(400, "the body is not announced as JSON", "Content-Type", "send Content-Type: application/json");
+      return Refuse(400, "the body is not announced as JSON", "Content-Type",
+                    "send Content-Type: application/json");
     }
     return route.answer(call);
   }

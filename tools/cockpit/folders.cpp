@@ -20,7 +20,8 @@ namespace fs = std::filesystem;
 constexpr std::uintmax_t mostFileBytes = 32 << 20;
 constexpr std::size_t titleWithin = 65536;  // bytes of a page
 
-// Plain files of the folder with names that the server knows, by name. Links are left out: they may lead outside.
+// Plain files of the folder with names that the server knows, by name. Links are left out: they may lead
+// outside.
 std::vector<fs::path> FilesIn(const std::string& folder) {
   std::vector<fs::path> files;
   std::error_code fault;
@@ -116,7 +117,8 @@ std::string RecordingsJson(const std::string& folder) {
 }
 
 WebAnswer PanelFile(const std::string& folder, const std::string& name) {
-  const Refusal missing = {404, "no such panel", "path", "see /api/panels, and put files into the panels' folder"};
+  const Refusal missing = {404, "no such panel", "path",
+                           "see /api/panels, and put files into the panels' folder"};
   const std::string type = TypeOfFile(name);
   if (!IsFileName(name) || type.empty()) return AnswerOf(missing);
   const fs::path path = fs::path(folder) / name;

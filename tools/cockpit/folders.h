@@ -10,8 +10,8 @@ namespace ctl {
 std::string PanelsJson(const std::string& folder);
 // {"recordings": [{"file", "bytes", "modified"}]}, the newest first; files that are no recording are left out.
 std::string RecordingsJson(const std::string& folder);
-// A file of the panels' folder. `name` comes from the request: one that is not a plain file of a known type within
-// the folder gives 404.
+// A file of the panels' folder. `name` comes from the request: one that is not a plain file of a known type
+// within the folder gives 404.
 WebAnswer PanelFile(const std::string& folder, const std::string& name);
 
 }  // namespace ctl

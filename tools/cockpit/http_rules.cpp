@@ -11,7 +11,8 @@ namespace {
 constexpr char cookieName[] = "tavrix_token";
 
 bool IsLetterOrDigit(char letter) {
-  return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9');
+  return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+         (letter >= '0' && letter <= '9');
 }
 
 int HexDigit(char letter) {
@@ -70,7 +71,8 @@ bool IsDevice(std::string_view name) {
   std::string stem = LowerText(name.substr(0, name.find('.')));
   while (stem.ends_with(' ')) stem.pop_back();
   if (std::find(std::begin(deviceNames), std::end(deviceNames), stem) != std::end(deviceNames)) return true;
-  return stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt")) && stem[3] >= '0' && stem[3] <= '9';
+  return stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt")) && stem[3] >= '0' &&
+         stem[3] <= '9';
 }
 
 }  // namespace
@@ -156,7 +158,8 @@ bool IsFromHere(const WebRequest& request, const Access& access, Refusal* refusa
   if (hasPort) name.resize(name.size() - port.size());
   const bool isOurs = std::find(access.hosts.begin(), access.hosts.end(), name) != access.hosts.end();
   if (!isOurs || (!hasPort && access.port != 80)) {
-    *refusal = {403, "this server does not go by that name", "Host", "use the address that the program has printed"};
+    *refusal = {403, "this server does not go by that name", "Host",
+                "use the address that the program has printed"};
     return false;
   }
   const std::string* origin = Header(request, "origin", &isOnce);

@@ -37,13 +37,13 @@ struct Target {
   Pairs query;
 };
 
-// Takes a target apart: "/api/values?names=a%2Cb&x=1". Returns true, or false when it is no absolute path, has a
-// broken %XX, or holds a zero byte.
+// Takes a target apart: "/api/values?names=a%2Cb&x=1". Returns true, or false when it is no absolute path, has
+// a broken %XX, or holds a zero byte.
 bool ReadTarget(std::string_view text, Target* target);
 // The value of a query's parameter, or null. Of several the first.
 const std::string* Parameter(const Target& target, std::string_view name);
-// The only header of that name, letters in either case; null when there is none, or `isOnce` false and null when
-// there are several.
+// The only header of that name, letters in either case; null when there is none, or `isOnce` false and null
+// when there are several.
 const std::string* Header(const WebRequest& request, std::string_view name, bool* isOnce);
 
 // How the server is reached, and by whom.
@@ -57,8 +57,8 @@ struct Access {
 bool IsToken(std::string_view text);
 // Takes as long whatever the first difference is.
 bool IsSameSecret(std::string_view a, std::string_view b);
-// Host and Origin: a page of another server in the user's browser must not reach this one. Returns true, or false
-// with the refusal.
+// Host and Origin: a page of another server in the user's browser must not reach this one. Returns true, or
+// false with the refusal.
 bool IsFromHere(const WebRequest& request, const Access& access, Refusal* refusal);
 // Whether the request carries the token, when one is needed, in `Authorization: Bearer` or its cookie.
 bool HasToken(const WebRequest& request, const Access& access);

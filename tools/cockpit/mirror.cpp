@@ -64,8 +64,8 @@ std::string StatusJson(const Mirror& mirror, size_t clients, double now) {
          ",\"age\":" + (mirror.heardAt < 0 ? "null" : SecondsJson(now - mirror.heardAt)) +
          ",\"clients\":" + std::to_string(clients) +
          ",\"recording\":" + (mirror.recording.empty() ? "null" : JsonString(mirror.recording)) +
-         ",\"replay\":" + (mirror.replay ? ReplayJson(*mirror.replay) : "null") + ",\"time\":" + SecondsJson(now) +
-         ",\"version\":" + JsonString(pluginVersion) + "}";
+         ",\"replay\":" + (mirror.replay ? ReplayJson(*mirror.replay) : "null") +
+         ",\"time\":" + SecondsJson(now) + ",\"version\":" + JsonString(pluginVersion) + "}";
 }
 
 void WatchFrame(const NetFrame& frame, const Picture& picture, double now, LossWatch* watch) {

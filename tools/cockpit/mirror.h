@@ -1,5 +1,6 @@
-// The offset memory as the web cockpit shows it: what the thread that owns the source hands over, and what the HTTP
-// thread knows from it. The records are plain; ApplyBatch is pure. The mirror belongs to the HTTP thread alone.
+// The offset memory as the web cockpit shows it: what the thread that owns the source hands over, and what the
+// HTTP thread knows from it. The records are plain; ApplyBatch is pure. The mirror belongs to the HTTP thread
+// alone.
 #pragma once
 #include <cstdint>
 #include <optional>
@@ -57,9 +58,10 @@ struct Batch {
 
 struct Mirror {
   std::vector<uint8_t> memory = std::vector<uint8_t>(offsetMemorySize);
-  std::vector<uint32_t> changedIn = std::vector<uint32_t>(offsetMemorySize);  // the batch's number, for each byte
-  std::vector<double> changedAt = std::vector<double>(offsetMemorySize);      // seconds since the program's start
-  uint32_t serial = 0;    // of the last batch with changes
+  std::vector<uint32_t> changedIn =
+      std::vector<uint32_t>(offsetMemorySize);                            // the batch's number, for each byte
+  std::vector<double> changedAt = std::vector<double>(offsetMemorySize);  // seconds since the program's start
+  uint32_t serial = 0;                                                    // of the last batch with changes
   uint32_t pictures = 0;  // how often the source was another one
   bool isKnown = false;   // a whole picture has come
   bool connected = false;
@@ -77,9 +79,10 @@ std::string StatusJson(const Mirror& mirror, size_t clients, double now);
 // Seconds with three digits after the point.
 std::string SecondsJson(double seconds);
 
-// Counts datagrams that are known to be lost: nothing numbers them. A block that comes around by itself shows bytes
-// that no change list has told; when none tells them within half a second either (a list may be under way), one was
-// lost. A block within 0.3 s of another one belongs to the burst for a new client and counts for nothing.
+// Counts datagrams that are known to be lost: nothing numbers them. A block that comes around by itself shows
+// bytes that no change list has told; when none tells them within half a second either (a list may be under
+// way), one was lost. A block within 0.3 s of another one belongs to the burst for a new client and counts for
+// nothing.
 struct LossWatch {
   Echo untold;  // of the last block
   double blockAt = -1000;

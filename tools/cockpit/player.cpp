@@ -122,7 +122,8 @@ void SeekPlayer(double position, Player* player) {
   const auto isLater = [](uint64_t wanted, const PlayerMark& mark) { return wanted < mark.time; };
   auto mark = std::upper_bound(player->marks.begin(), player->marks.end(), time, isLater);
   if (mark != player->marks.begin()) --mark;
-  const bool isBehind = player->now.time <= time && player->now.at >= mark->at && IsComplete(player->now.picture);
+  const bool isBehind =
+      player->now.time <= time && player->now.at >= mark->at && IsComplete(player->now.picture);
   if (!isBehind) player->now = *mark;
   ShowUntil(time, player);
 }

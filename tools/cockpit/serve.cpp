@@ -23,7 +23,8 @@ bool ReadAccess(const Options& options, Access* access, std::string* shownHost, 
   const std::string address = options.listen.empty() ? loopback : options.listen;
   bool isLoopback = false, isAny = false;
   if (!ReadAddress(address, &isLoopback, &isAny)) {
-    *error = "--listen takes an address of this computer in digits, like 192.168.1.20, or 0.0.0.0 for all of them";
+    *error =
+        "--listen takes an address of this computer in digits, like 192.168.1.20, or 0.0.0.0 for all of them";
     return false;
   }
   if (!options.token.empty() && !IsToken(options.token)) {
@@ -57,27 +58,32 @@ int RunServe(const Options& options) {
   std::string error, host;
   Site site;
   if (options.local && LocalTransport() == nullptr) {
-    return Report(exitUsage,
-                  "the local window server is a Windows mechanism: run the Windows build of offsetctl, or use --net");
+    return Report(
+        exitUsage,
+        "the local window server is a Windows mechanism: run the Windows build of offsetctl, or use --net");
   }
   if (!StartSockets(&error)) return Report(exitNoAnswer, error);
   if (!ReadAccess(options, &site.access, &host, &error)) return Report(exitUsage, error);
   site.panels = options.panels.empty() ? Joined(ProgramFolder(), "panels") : options.panels;
   site.recordings = options.recordings.empty() ? Joined(ProgramFolder(), "recordings") : options.recordings;
   site.names = KnownOffsets();
-  if (!ReadOffsetsFile(OffsetsFile(), &site.offsets)) return Report(exitNoAnswer, "its table of offsets is damaged");
-  const auto web = OpenWeb(options.listen.empty() ? loopback : options.listen, static_cast<unsigned>(options.port),
-                           &error);
+  if (!ReadOffsetsFile(OffsetsFile(), &site.offsets))
+    return Report(exitNoAnswer, "its table of offsets is damaged");
+  const auto web =
+      OpenWeb(options.listen.empty() ? loopback : options.listen, static_cast<unsigned>(options.port), &error);
   if (web == nullptr) return Report(exitNoAnswer, error);
   site.access.port = PortOf(*web);
   WatchForStop();
-  SourceSettings settings = {.local = options.local || (LocalTransport() != nullptr && options.net.empty() && !options.find),
-                             .find = options.find,
-                             .host = options.find ? "" : options.net.empty() ? loopback : options.net,
-                             .replay = options.items.empty() ? "" : options.items[0],
-                             .recordings = site.recordings,
-                             .start = start,
-                             .deliver = [server = web.get()](Batch batch) { TakeBatch(server, std::move(batch)); }};
+  SourceSettings settings = {
+      .local = options.local || (LocalTransport() != nullptr && options.net.empty() && !options.find),
+      .find = options.find,
+      .host = options.find          ? ""
+              : options.net.empty() ? loopback
+                                    : options.net,
+      .replay = options.items.empty() ? "" : options.items[0],
+      .recordings = site.recordings,
+      .start = start,
+      .deliver = [server = web.get()](Batch batch) { TakeBatch(server, std::move(batch)); }};
   Source source;
   if (!StartSource(settings, &source, &error)) return Report(exitUsage, error);
   std::printf("Web cockpit: http://%s:%u/%s%s\n", host.c_str(), site.access.port,

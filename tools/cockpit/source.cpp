@@ -48,9 +48,9 @@ struct Work {
   double playedAt = 0;
   FILE* recording = nullptr;
   std::string recordingName;
-  double recordingAt = 0;      // when it began
+  double recordingAt = 0;     // when it began
   uint64_t recordedTime = 0;  // of its last frame
-  bool isDirty = false;        // the picture may differ from `shown`
+  bool isDirty = false;       // the picture may differ from `shown`
   bool isNew = false;
   double heardAt = -1, deliveredAt = -1;
   uint64_t frames = 0;
@@ -101,7 +101,8 @@ OrderResult StartRecording(const SourceOrder& order, Work* work) {
   if (work->recording != nullptr) {
     return {order.id, 409, "a recording runs already: " + work->recordingName, "file", "stop it first"};
   }
-  if (work->player) return {order.id, 409, "a recording is replayed", "source", "go back to the simulator first"};
+  if (work->player)
+    return {order.id, 409, "a recording is replayed", "source", "go back to the simulator first"};
   if (!work->isComplete) return {order.id, 503, "not connected", "source", "start the simulator"};
   const std::string folder = work->source->settings.recordings, path = Joined(folder, name);
   std::error_code fault;
@@ -117,7 +118,8 @@ OrderResult StartRecording(const SourceOrder& order, Work* work) {
   work->recordingName = name;
   work->recordingAt = Now(*work);
   work->recordedTime = 0;
-  if (AppendRecording(RecordingStart({work->picture.bytes.begin(), work->picture.bytes.end()}), work)) return done;
+  if (AppendRecording(RecordingStart({work->picture.bytes.begin(), work->picture.bytes.end()}), work))
+    return done;
   return {order.id, 409, "the file cannot be written: " + path, "file", "is the disk full?"};
 }
 
@@ -212,7 +214,8 @@ void RunLocal(Work* work) {
   work->nextRead = now + localPause;
   const auto read = std::make_unique<Picture>();
   std::string error;
-  if (!work->way->readOffsets({{0, offsetMemorySize, read->bytes.data()}}, &error)) return Disconnect(error, work);
+  if (!work->way->readOffsets({{0, offsetMemorySize, read->bytes.data()}}, &error))
+    return Disconnect(error, work);
   read->arrived = (1u << pictureBlocks) - 1;
   ++work->frames;
   work->heardAt = Now(*work);
@@ -232,7 +235,8 @@ void RunSimulator(Work* work) {
 }
 
 OrderResult Write(const SourceOrder& order, Work* work) {
-  if (work->player) return {order.id, 409, "a recording is replayed", "source", "go back to the simulator first"};
+  if (work->player)
+    return {order.id, 409, "a recording is replayed", "source", "go back to the simulator first"};
   if (!work->isComplete) return {order.id, 503, "not connected", "source", "start the simulator"};
   std::vector<OrderedWrite> writes = order.writes;
   std::vector<Transfer> transfers;

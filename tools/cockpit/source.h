@@ -1,5 +1,5 @@
-// Where the web cockpit's values come from: a server, or a recording. A thread of its own owns it, connects again
-// each second, and hands over what has changed.
+// Where the web cockpit's values come from: a server, or a recording. A thread of its own owns it, connects
+// again each second, and hands over what has changed.
 #pragma once
 #include <atomic>
 #include <chrono>
@@ -15,11 +15,11 @@
 namespace ctl {
 
 struct SourceSettings {
-  bool local = false;      // the window server
-  bool find = false;       // the first network server that announces itself
-  std::string host;        // else this one
-  std::string replay;      // a recording that is shown from the beginning on; "" for none
-  std::string recordings;  // folder
+  bool local = false;                           // the window server
+  bool find = false;                            // the first network server that announces itself
+  std::string host;                             // else this one
+  std::string replay;                           // a recording that is shown from the beginning on; "" for none
+  std::string recordings;                       // folder
   std::chrono::steady_clock::time_point start;  // of the program: all times count from it
   // Takes a batch, on the source's thread. The next one comes after BatchTaken only; what changes meanwhile is
   // merged.

@@ -31,8 +31,8 @@ bool IsUnknownName(std::string_view text, const NameTable& names) {
 }
 
 // What is wrong with a name that ParseItem does not take.
-bool RefuseName(std::string_view text, const std::string& error, const std::string& where, const NameTable& names,
-                Refusal* refusal) {
+bool RefuseName(std::string_view text, const std::string& error, const std::string& where,
+                const NameTable& names, Refusal* refusal) {
   if (!IsUnknownName(text, names)) {
     return Refuse(400, error, where, "write a name of /api/offsets, or OFFSET:TYPE like 0x0330:u16", refusal);
   }
@@ -48,7 +48,8 @@ bool HasRoom(const std::vector<Item>& items, const std::string& where, Refusal* 
   size_t asked = 0;
   for (const Item& item : items) asked += item.size;
   if (items.size() <= mostNames && asked <= mostAsked) return true;
-  return Refuse(413, items.size() > mostNames ? "more than 1000 names" : "the values have more than 131072 bytes",
+  return Refuse(413,
+                items.size() > mostNames ? "more than 1000 names" : "the values have more than 131072 bytes",
                 where, "ask in several requests", refusal);
 }
 
@@ -71,7 +72,8 @@ bool ValueText(const Json& value, std::string* text) {
 }
 
 // One entry of a PUT. `where` is "values[0]".
-bool ReadEntry(const Json& entry, const std::string& where, const NameTable& names, Item* item, Refusal* refusal) {
+bool ReadEntry(const Json& entry, const std::string& where, const NameTable& names, Item* item,
+               Refusal* refusal) {
   if (!entry.is_object()) {
     return Refuse(400, "an entry is no object", where, "write {\"name\": ..., \"value\": ...}", refusal);
   }
@@ -161,8 +163,8 @@ bool ReadPut(const std::string& body, const NameTable& names, PutRequest* put, R
   *put = {};
   const Json root = Json::parse(body, nullptr, false);
   if (root.is_discarded() || !root.is_object()) {
-    return Refuse(400, "the body is no JSON object", "body", "write {\"values\": [{\"name\": ..., \"value\": ...}]}",
-                  refusal);
+    return Refuse(400, "the body is no JSON object", "body",
+                  "write {\"values\": [{\"name\": ..., \"value\": ...}]}", refusal);
   }
   for (const auto& [key, value] : root.items()) {
     if (IsKnownKey(key, {"values", "wait"})) continue;
@@ -171,12 +173,14 @@ bool ReadPut(const std::string& body, const NameTable& names, PutRequest* put, R
   if (root.contains("wait")) {
     const Json& wait = root["wait"];
     if (!wait.is_number() || !(wait.get<double>() >= 0 && wait.get<double>() <= mostWait)) {
-      return Refuse(400, "wait is no number of seconds from 0 to 10", "wait", "leave it out for 1 second", refusal);
+      return Refuse(400, "wait is no number of seconds from 0 to 10", "wait", "leave it out for 1 second",
+                    refusal);
     }
     put->wait = wait.get<double>();
   }
   if (!root.contains("values") || !root["values"].is_array() || root["values"].empty()) {
-    return Refuse(400, "values is no list with an entry", "values", "write [{\"name\": ..., \"value\": ...}]", refusal);
+    return Refuse(400, "values is no list with an entry", "values", "write [{\"name\": ..., \"value\": ...}]",
+                  refusal);
   }
   if (root["values"].size() > mostNames) {
     return Refuse(413, "more than 1000 values", "values", "write in several requests", refusal);
@@ -195,7 +199,8 @@ std::string EntryHead(const Item& item, const uint8_t* memory) {
   Item shown = item;
   shown.bytes.assign(memory + item.offset, memory + item.offset + item.size);
   return "{\"name\":" + JsonString(item.shown) + ",\"offset\":" + std::to_string(item.offset) +
-         ",\"value\":" + JsonValue(shown) + ",\"unit\":" + JsonString(item.row != nullptr ? item.row->unit : "") +
+         ",\"value\":" + JsonValue(shown) +
+         ",\"unit\":" + JsonString(item.row != nullptr ? item.row->unit : "") +
          ",\"raw\":" + JsonString(BytesText(shown.bytes.data(), shown.bytes.size())) + ",\"age\":";
 }
 
@@ -268,7 +273,9 @@ std::string WriteJson(const PendingWrite& write, const Mirror& mirror, double no
   const bool hasSettled = HasSettled(write, now);
   for (const WriteCheck& check : write.checks) {
     if (text.back() == '}') text += ',';
-    const char* confirmed = NeverReadsBack(check) ? "null" : hasSettled && IsConfirmed(check) ? "true" : "false";
+    const char* confirmed = NeverReadsBack(check)              ? "null"
+                            : hasSettled && IsConfirmed(check) ? "true"
+                                                               : "false";
     text += EntryHead(check.wanted, mirror.memory.data()) + SecondsJson(AgeOf(check.wanted, mirror, now)) +
             ",\"written\":" + (write.isWritten ? "true" : "false") + ",\"confirmed\":" + confirmed + "}";
   }
@@ -318,7 +325,8 @@ std::string ValuesEvent(const Mirror& mirror, double now, ValueStream* stream) {
 }
 
 bool HasNews(const ChangeStream& stream, const Mirror& mirror) {
-  return mirror.isKnown && (stream.told.empty() || stream.serial != mirror.serial || stream.pictures != mirror.pictures);
+  return mirror.isKnown &&
+         (stream.told.empty() || stream.serial != mirror.serial || stream.pictures != mirror.pictures);
 }
 
 std::string ChangesEvent(const Mirror& mirror, double now, ChangeStream* stream) {

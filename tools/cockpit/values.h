@@ -39,22 +39,23 @@ struct PendingWrite {
   uint64_t id = 0;
   std::vector<WriteCheck> checks;  // one an item
   Settling settling = {};
-  double until = 0;       // seconds since the program's start
+  double until = 0;        // seconds since the program's start
   bool isWritten = false;  // the source has sent it
 };
 PendingWrite BeginWrite(const PutRequest& put, const NameTable& names, const Mirror& mirror, double now);
 // The source has sent it: it settles from here on.
 void WriteSent(const Mirror& mirror, double now, PendingWrite* write);
-// Takes note of the mirror as it is now. `isEchoed`: every written byte has been shown since. Returns whether the
-// write can be answered: everything has settled and follows, or the time is over, or the source has gone.
+// Takes note of the mirror as it is now. `isEchoed`: every written byte has been shown since. Returns whether
+// the write can be answered: everything has settled and follows, or the time is over, or the source has gone.
 bool UpdateWrite(const Mirror& mirror, double now, bool isEchoed, PendingWrite* write);
-// The answer of PUT /api/values. Confirmed is null for rows that never read back: requests, and what only shows.
+// The answer of PUT /api/values. Confirmed is null for rows that never read back: requests, and what only
+// shows.
 std::string WriteJson(const PendingWrite& write, const Mirror& mirror, double now);
 
 // --- Streams -----------------------------------------------------------------------------------------------
 
-// A value that streams show; all streams that ask for it by the same name share it, so that each of its changes is
-// made into text once.
+// A value that streams show; all streams that ask for it by the same name share it, so that each of its changes
+// is made into text once.
 struct Watched {
   Item item;
   uint32_t seenSerial = 0;  // of the mirror, when it was last looked at
@@ -69,8 +70,8 @@ struct ValueStream {
 };
 // Whether an event is due, whatever the rate says.
 bool HasNews(const ValueStream& stream, const Mirror& mirror);
-// The event with what has changed since the last one, "" when that is nothing. Nothing is told before a picture is
-// known.
+// The event with what has changed since the last one, "" when that is nothing. Nothing is told before a picture
+// is known.
 std::string ValuesEvent(const Mirror& mirror, double now, ValueStream* stream);
 
 struct ChangeStream {

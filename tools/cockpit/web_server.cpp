@@ -1,16 +1,15 @@
 #include "cockpit/web_server.h"
 
 // Asio needs it first with this compiler.
-#include <utility>
-
+#include <algorithm>
 #include <boost/asio.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
-#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 #include "offsetctl/show.h"
 
@@ -60,10 +59,10 @@ struct Connection {
   beast::flat_buffer buffer;
   std::optional<http::request_parser<http::string_body>> parser;
   http::response<http::string_body> response;
-  std::string target;         // of the request that is answered
-  bool isKept = false;        // the connection goes on behind the answer
+  std::string target;   // of the request that is answered
+  bool isKept = false;  // the connection goes on behind the answer
   bool isHead = false;
-  bool isRefused = false;     // one beyond the limit
+  bool isRefused = false;  // one beyond the limit
   size_t lingered = 0;
   std::optional<Stream> events;
   asio::steady_timer timer;  // of the stream's next event
@@ -97,8 +96,7 @@ struct Web {
   Clock::time_point start;
 };
 
-Connection::Connection(Web* owner, tcp::socket socket)
-    : web(owner), stream(std::move(socket)), timer(web->io) {
+Connection::Connection(Web* owner, tcp::socket socket) : web(owner), stream(std::move(socket)), timer(web->io) {
   isRefused = web->served >= mostConnections;
   ++(isRefused ? web->refused : web->served);
 }
@@ -392,7 +390,8 @@ void Pump(const Peer& peer) {
     if (!event.empty()) events.lastAt = now;
     text += event;
   }
-  const double next = hasNews && events.lastAt + events.pause > now ? events.lastAt + events.pause : now + statusPause;
+  const double next =
+      hasNews && events.lastAt + events.pause > now ? events.lastAt + events.pause : now + statusPause;
   if (!text.empty()) return WriteChunk(peer, "", text);
   PumpAt(peer, std::min(next, events.statusAt + statusPause));
 }
@@ -415,8 +414,9 @@ void BeginStream(const Peer& peer, Outcome outcome) {
   } else {
     events.changes.emplace();
   }
-  std::string head = "HTTP/1.1 200 OK\r\nServer: TAVRIX\r\nContent-Type: text/event-stream\r\n"
-                     "Transfer-Encoding: chunked\r\nConnection: close\r\n";
+  std::string head =
+      "HTTP/1.1 200 OK\r\nServer: TAVRIX\r\nContent-Type: text/event-stream\r\n"
+      "Transfer-Encoding: chunked\r\nConnection: close\r\n";
   for (const auto& [name, value] : CommonHeaders(peer->target)) head += name + ": " + value + "\r\n";
   beast::error_code ignored;
   peer->stream.socket().set_option(tcp::no_delay(true), ignored);
@@ -520,8 +520,7 @@ void TakeBatch(Web* web, Batch batch) {
   asio::post(web->io, [web, held = std::make_shared<Batch>(std::move(batch))] { TakeBatchHere(web, *held); });
 }
 
-void RunWeb(Web* web, const Site& site, Source* source, Clock::time_point start,
-            bool (*stopRequested)()) {
+void RunWeb(Web* web, const Site& site, Source* source, Clock::time_point start, bool (*stopRequested)()) {
   web->site = site;
   web->source = source;
   web->start = start;

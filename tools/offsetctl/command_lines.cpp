@@ -149,14 +149,17 @@ constexpr CommandLine commandLines[] = {
      .fewest = 0,
      .most = 1,
      .usage = "serve [--port N] [--listen ADDRESS --token TEXT] [--panels DIR] [--recordings DIR] [RECORDING]",
-     .about =
-         "The web cockpit: serves a page and an interface for browsers and scripts, until Ctrl-C, and prints its\n"
-         "address. --port N is 8440 by default, 0 any free one. Only this computer reaches it; other ones need\n"
-         "--listen with an address of this computer (0.0.0.0: all of them) and --token, 8 to 128 of the\n"
-         "characters A-Z a-z 0-9 . _ ~ -, which they have to give. It takes --local, --net HOST and --find, starts\n"
-         "without a simulator and connects by itself. RECORDING is shown in place of a simulator.\n"
-         "--panels is a folder of your own HTML files, --recordings the one of recordings; without them they are\n"
-         "the folders panels and recordings beside the program.\n"},
+     .about = "The web cockpit: serves a page and an interface for browsers and scripts, until Ctrl-C, and "
+              "prints its\n"
+              "address. --port N is 8440 by default, 0 any free one. Only this computer reaches it; other ones "
+              "need\n"
+              "--listen with an address of this computer (0.0.0.0: all of them) and --token, 8 to 128 of the\n"
+              "characters A-Z a-z 0-9 . _ ~ -, which they have to give. It takes --local, --net HOST and "
+              "--find, starts\n"
+              "without a simulator and connects by itself. RECORDING is shown in place of a simulator.\n"
+              "--panels is a folder of your own HTML files, --recordings the one of recordings; without them "
+              "they are\n"
+              "the folders panels and recordings beside the program.\n"},
     {.word = "--find",
      .command = Command::Find,
      .options = takesJson | takesTimeout,

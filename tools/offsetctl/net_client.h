@@ -24,8 +24,9 @@ const Transport* NetTransport(const NetSettings& settings);
 // that came before are taken then, too.
 bool TakeFrames(int timeoutMs, std::vector<RecordedFrame>* frames, std::string* error);
 
-// Sends writes and goes on: unlike the transport's own, for a connection that stays. Nothing tells when the server
-// has taken them but that they show. Returns true, or false with a line in `error` when the server has gone.
+// Sends writes and goes on: unlike the transport's own, for a connection that stays. Nothing tells when the
+// server has taken them but that they show. Returns true, or false with a line in `error` when the server has
+// gone.
 bool SendWrites(const std::vector<Transfer>& transfers, std::string* error);
 
 // Listens for servers that announce themselves: ends after `settleMs` of hearing no new one since the first, or

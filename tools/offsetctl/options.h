@@ -43,12 +43,12 @@ struct Options {
   std::string token = {};   // serve: what other computers have to know
   std::string panels = {};  // serve: folders
   std::string recordings = {};
-  double timeout = 5;       // seconds for every answer
-  double rate = 10;         // samples a second
-  double seconds = 0;       // 0: without end
-  double speed = 1;         // of a replay
-  uint32_t port = 8440;     // serve: 0 is any free one
-  uint32_t count = 0;       // printed values, 0: without end
+  double timeout = 5;    // seconds for every answer
+  double rate = 10;      // samples a second
+  double seconds = 0;    // 0: without end
+  double speed = 1;      // of a replay
+  uint32_t port = 8440;  // serve: 0 is any free one
+  uint32_t count = 0;    // printed values, 0: without end
 };
 
 // Reads the words behind the program's name; options may stand anywhere among them. Returns true, or false with

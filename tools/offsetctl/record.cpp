@@ -30,8 +30,8 @@ double SecondsSince(Clock::time_point time) {
   return std::chrono::duration<double>(Clock::now() - time).count();
 }
 
-// The eight blocks as they stand after the frames that have come so far, at time 0. Returns false when the disk is
-// full.
+// The eight blocks as they stand after the frames that have come so far, at time 0. Returns false when the disk
+// is full.
 bool AppendStart(FILE* file, const std::vector<RecordedFrame>& frames, Tally* tally) {
   Picture picture;
   for (const RecordedFrame& frame : frames) {

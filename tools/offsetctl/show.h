@@ -17,11 +17,11 @@ std::string ItemLine(const Item& item);
 // known) and what stands there after, each `item.size` bytes; says what rounding did to the value that was
 // asked for.
 std::string ChangeLine(const Item& item, const uint8_t* before, const uint8_t* after);
-// A text as JSON writes it, in quotes and in ASCII alone: UTF-8 as the client libraries read it, other bytes taken
-// for their Latin-1 characters.
+// A text as JSON writes it, in quotes and in ASCII alone: UTF-8 as the client libraries read it, other bytes
+// taken for their Latin-1 characters.
 std::string JsonString(const std::string& bytes);
-// The item's value in JSON: a number in engineering units for items with a row that has them, else the stored one;
-// integers of 64 bits and bytes are strings, what JSON has no number for is null.
+// The item's value in JSON: a number in engineering units for items with a row that has them, else the stored
+// one; integers of 64 bits and bytes are strings, what JSON has no number for is null.
 std::string JsonValue(const Item& item);
 // {"name": ..., "offset": ..., "type": ..., "value": ..., "raw": ..., "unit": ...}.
 std::string ItemJson(const Item& item);
