@@ -100,3 +100,8 @@ export async function attempt(place, work) {
     return undefined;
   }
 }
+
+/** A line drawing of 24 x 24. */
+export function icon(path) {
+  return h("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, h("path", { d: path }));
+}
