@@ -6,10 +6,10 @@ const svgSpace = "http://www.w3.org/2000/svg";
 
 /** An element: attributes by name, listeners as onclick and so on, children as nodes or plain text. */
 export function h(tag, attributes = {}, ...children) {
-  const node = svgNames.has(tag) && attributes.html !== true ? document.createElementNS(svgSpace, tag)
+  const node = svgNames.has(tag) ? document.createElementNS(svgSpace, tag)
     : document.createElement(tag);
   for (const [name, value] of Object.entries(attributes)) {
-    if (name === "html" || value === undefined || value === null || value === false) continue;
+    if (value === undefined || value === null || value === false) continue;
     if (name.startsWith("on")) node.addEventListener(name.slice(2), value);
     else if (name === "value" || name === "checked" || name === "disabled") node[name] = value;
     else node.setAttribute(name, value === true ? "" : value);
@@ -99,4 +99,9 @@ export async function attempt(place, work) {
     setText(place, errorText(error));
     return undefined;
   }
+}
+
+/** A line drawing of 24 x 24. */
+export function icon(path) {
+  return h("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, h("path", { d: path }));
 }

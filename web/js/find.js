@@ -2,7 +2,7 @@
 import { read } from "/tavrix.js";
 import { announce, attempt, h, painter, setText } from "./dom.js";
 import { catalogue, decodeBytes, hexOffset, loadAreas, parseItem, unitText, valueText } from "./catalogue.js";
-import { addToWatch } from "./watch.js";
+import { addToWatch } from "./lists.js";
 
 const enough = 6;        // seconds of holding still that catch most of what changes by itself
 const settled = 700;     // ms without a change after which a byte has come to rest
@@ -83,7 +83,8 @@ export function makeFinder() {
     // A reading that trembles by its smallest step is no lever; one click of a knob may be, so it stays in the list.
     const { row } = item, isWhole = /^[us]/.test(item.type) && item.size > 1 && row && row.form === "Number" && !row.values;
     const steps = offsets.reduce((sum, offset, i) => sum + (bytes[i].after - bytes[i].before) * 256 ** (offset - item.offset), 0);
-    const isTiny = isWhole && isDifferent && Math.abs(steps) <= 2;
+    const size = Math.min(Math.abs(steps), 256 ** item.size - Math.abs(steps));  // from 0 to −1 is a small step too
+    const isTiny = isWhole && isDifferent && size <= 2;
     const bonus = row ? (row.write === "yes" ? 6 : 3) : 0;
     return { kind, events, first, last, isTiny,
              score: kinds[kind].score + bonus - Math.min(12, Math.log2(events)) - (isTiny ? 20 : 0) };
@@ -126,13 +127,12 @@ export function createFind(root) {
   const state = h("p", { class: "findState" }, "Ready when you are.");
   const meter = h("i", {}), meterBox = h("div", { class: "meter", "aria-hidden": "true" }, meter);
   const primary = h("button", { type: "button", class: "primary large", onclick: () => next() }, "Start: hold still");
-  const again = h("button", { type: "button", class: "large", hidden: true, onclick: () => begin("moving") }, "Move again");
   const reset = h("button", { type: "button", class: "large", hidden: true, onclick: () => begin("still") }, "Start over");
   const list = h("ol", { class: "findings", "aria-label": "What changed" });
   const weak = h("details", { class: "weak", hidden: true }, h("summary", {}, ""), h("ol", { class: "findings" }));
   root.append(h("div", { class: "findGrid" },
     h("section", { class: "card", "aria-labelledby": "findTitle" }, h("h2", { id: "findTitle" }, "What changes when I move this?"),
-      stepList, h("div", { class: "action" }, state, meterBox, h("div", { class: "bar" }, primary, again, reset)),
+      stepList, h("div", { class: "action" }, state, meterBox, h("div", { class: "bar" }, primary, reset)),
       error),
     h("section", { class: "card", "aria-labelledby": "foundTitle" }, h("h2", { id: "foundTitle" }, "What changed"),
       list, weak)));

@@ -21,7 +21,7 @@ const turn = (node, angle) => setAttribute(node, "transform", `rotate(${angle.to
 let lastId = 0;
 
 // The case: screws of the bezel, glass, then the instrument's own parts. The readout is text for everybody.
-function instrument(name, parts, over = []) {
+function instrument(name, parts) {
   const readout = h("output", { class: "readout", "aria-live": "off" }, "–");
   const note = h("span", { class: "note" });
   const node = h("figure", { class: "instrument" },
@@ -29,7 +29,7 @@ function instrument(name, parts, over = []) {
       h("rect", { x: 2, y: 2, width: 196, height: 196, rx: 26, class: "bezel" }),
       [[18, 18], [182, 18], [18, 182], [182, 182]].map(([cx, cy]) => h("circle", { cx, cy, r: 4.5, class: "screw" })),
       h("circle", { cx: 100, cy: 100, r: 94, class: "rim" }), h("circle", { cx: 100, cy: 100, r: 90, class: "face" }),
-      parts, over),
+      parts),
     h("figcaption", {}, h("span", { class: "gaugeName" }, name), readout, note));
   return { node, readout, note };
 }

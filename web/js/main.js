@@ -121,7 +121,7 @@ function setUpStatus() {
     }
     showLoss(state, isGood);
     showReplay(state);
-    if (before !== null && before !== isGood) announce(isGood ? "Connected again" : "Connection lost");
+    if (before === false && isGood) announce("Connected");  // its loss is told by the banner
     before = isGood;
     hadData ||= isGood;
     lostSince = isGood ? 0 : lostSince || performance.now();

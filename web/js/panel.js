@@ -1,8 +1,9 @@
 // The instrument panel, drawn from offsets alone. Instruments move with every update, texts fifteen times a second.
 import { connection, watch } from "/tavrix.js";
 import { h, painter, setAttribute, setText } from "./dom.js";
-import { catalogue, convert, digitsOf, parseItem, unitText, valueText } from "./catalogue.js";
-import { problemWith, writeAndTell } from "./editor.js";
+import { catalogue, parseItem } from "./catalogue.js";
+import { makeControls } from "./controls.js";
+import { writeAndTell } from "./editor.js";
 import { airspeed, altimeter, attitude, headingIndicator, turnAndSlip, verticalSpeed } from "./gauges.js";
 import { createTraffic } from "./traffic.js";
 
@@ -44,80 +45,7 @@ export function createPanel(root) {
   const outcome = h("p", { class: "outcome" });
   const texts = [];                           // functions that refresh texts
 
-  // A value that becomes a field by a click or Enter: Enter writes, Escape leaves, arrows step.
-  function quick({ name, label, unit, step, wraps, pad }) {
-    const item = parseItem(name);
-    const shown = h("span", { class: "digits" }, "–");
-    const button = h("button", { type: "button", class: "quick", onclick: () => edit() }, shown);
-    const node = h("span", { class: "quickBox" }, button);
-    const current = () => convert(Number(number(name)), item.row.unit, unit);
-    const text = () => at.has(name) ? item.name === "transponder" ? valueText(item, number(name))
-      : pad ? String(Math.round(current())).padStart(3, "0") : current().toFixed(digits()).replace("-", "−") : "–";
-    const digits = () => unit === "deg" || unit === "kt" || unit === "mb" ? 0 : digitsOf(item.row, unit);
-    let shownText = "";
-    texts.push(() => {
-      const now = text();
-      if (now === shownText) return;
-      shownText = now;
-      setText(shown, now);
-      button.setAttribute("aria-label", `${label}: ${now} ${unit ?? unitText(item)}. Change`);
-    });
-    function edit() {
-      const field = h("input", { type: "text", inputmode: "decimal", class: "digits", "aria-label": `${label}, new value`,
-        value: text().replace("−", "-"), autocomplete: "off" });
-      let isOpen = true;  // taking the field away makes it lose the focus, which would take it away again
-      const leave = (focus) => {
-        if (!isOpen) return;
-        isOpen = false;
-        field.replaceWith(button);
-        if (focus) button.focus();
-      };
-      field.addEventListener("keydown", async (event) => {
-        const way = { ArrowUp: 1, ArrowDown: -1 }[event.key];
-        if (event.key === "Escape") leave(true);
-        if (way) {
-          event.preventDefault();
-          let next = Number(field.value) + way * step * (event.shiftKey ? 10 : 1);
-          if (wraps) next = (next + wraps) % wraps;
-          field.value = item.name === "transponder" ? String(next).padStart(4, "0") : next.toFixed(item.row.unit === "MHz" ? 2 : digits());
-        }
-        if (event.key !== "Enter") return;
-        event.preventDefault();
-        const problem = problemWith(item, field.value, unit);
-        if (problem) {
-          outcome.className = "outcome bad";
-          setText(outcome, `${label}: ${problem}`);
-          field.setAttribute("aria-invalid", "true");
-          return;
-        }
-        leave(true);
-        await writeAndTell(item, Number(field.value.replace(",", ".")), unit && unit !== item.row.unit ? unit : undefined, outcome);
-      });
-      field.addEventListener("blur", () => leave(false));
-      button.replaceWith(field);
-      field.focus();
-      field.select();
-    }
-    const stepBy = (way) => {
-      let next = Math.round(current() / step) * step + way * step;
-      if (wraps) next = (next + wraps) % wraps;
-      return writeAndTell(item, next, unit && unit !== item.row.unit ? unit : undefined, outcome);
-    };
-    return { node, stepBy };
-  }
-  const stepper = (config) => {
-    const field = quick(config);
-    return h("div", { class: "stepper" }, h("span", { class: "stepLabel" }, config.label, " ", h("small", {}, config.unit === "mb" ? "hPa" : config.unit === "deg" ? "°" : config.unit)),
-      h("button", { type: "button", "aria-label": `${config.label} down`, onclick: () => field.stepBy(-1) }, "−"), field.node,
-      h("button", { type: "button", "aria-label": `${config.label} up`, onclick: () => field.stepBy(1) }, "+"));
-  };
-  const lamp = (name, label, title = "") => {
-    const item = parseItem(name);
-    const node = h("button", { type: "button", class: "lamp", "aria-pressed": "false", title: title || item.row.meaning,
-      onclick: () => writeAndTell(item, !number(name), undefined, outcome) }, label);
-    texts.push(() => setAttribute(node, "aria-pressed", String(Boolean(number(name)))));
-    return node;
-  };
+  const { quick, stepper, lamp } = makeControls(at, texts, outcome);
 
   // ---- the six ----
   const gauges = { speed: airspeed(), attitude: attitude(), altitude: altimeter(), turn: turnAndSlip(), heading: headingIndicator(),
@@ -252,7 +180,9 @@ export function createPanel(root) {
   texts.push(() => setText(aircraft, at.get("aircraft") || ""));
 
   const card = (title, kind, ...parts) => h("section", { class: `card ${kind}`, "aria-label": title }, h("h2", {}, title), parts);
-  root.append(h("div", { class: "panelTop" }, h("h2", { class: "sr" }, "Instrument panel"), aircraft, station, outcome),
+  root.append(h("div", { class: "panelTop" }, h("h2", { class: "sr" }, "Instrument panel"), aircraft, station, outcome,
+    h("button", { type: "button", class: "fullScreen", onclick: () => setBare(!document.documentElement.classList.contains("bare")) },
+      "Full screen")),
     h("div", { class: "panelGrid live" },
       h("section", { class: "gauges", "aria-label": "Flight instruments" }, Object.values(gauges).map((gauge) => gauge.node)),
       traffic.node,
@@ -297,8 +227,18 @@ export function createPanel(root) {
     }, { rate: 50 });
     before?.();
   }
+  // Nothing but the instruments, for a screen in a cockpit; the address #panel/bare begins that way.
+  function setBare(isBare) {
+    document.documentElement.classList.toggle("bare", isBare);
+    if (isBare) document.documentElement.requestFullscreen?.().catch(() => {});  // some browsers have none: bare it is
+    else if (document.fullscreenElement) document.exitFullscreen();
+  }
+  document.addEventListener("fullscreenchange", () => {
+    if (!document.fullscreenElement) setBare(false);
+  });
   return {
-    show() {
+    show(rest) {
+      if (rest === "bare") document.documentElement.classList.add("bare");
       if (!stop) listen();
       draw();
       stopState ??= connection(() => drawTexts());
@@ -309,6 +249,7 @@ export function createPanel(root) {
       stop = null;
       stopState?.();
       stopState = null;
+      document.documentElement.classList.remove("bare");
       traffic.hide();
     },
   };

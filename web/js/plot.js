@@ -3,7 +3,7 @@ import uPlot from "/vendor/uPlot.esm.js";
 import { watch } from "/tavrix.js";
 import { h, painter, recall, remember, setText } from "./dom.js";
 import { catalogue, convert, digitsOf, isNumeric, parseItem, searchRows, unitText, unitsLike } from "./catalogue.js";
-import { loadLists } from "./watch.js";
+import { loadLists } from "./lists.js";
 
 const windows = [30, 60, 120, 300, 600];  // s
 const most = 8;
@@ -259,6 +259,7 @@ export function createPlot(root) {
 
   function changed() {
     remember("plot", chosen);
+    history.replaceState(null, "", "#plot/" + chosen.map((one) => one.name).join());
     showLines();
     build();
     listen();

@@ -1,7 +1,6 @@
 // Recordings: making them, the list, replay with play, pause, speed and scrubbing.
 import { connection, request } from "/tavrix.js";
-import { attempt, clock, h, painter, setAttribute, setText } from "./dom.js";
-import { icon } from "./watch.js";
+import { attempt, clock, h, icon, painter, setAttribute, setText } from "./dom.js";
 
 const speeds = [0.25, 0.5, 1, 2, 4, 8, 16];
 

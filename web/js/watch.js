@@ -1,64 +1,10 @@
 // Watch: search over all offsets, named lists, a live table that can be written into.
 import { read, watch } from "/tavrix.js";
-import { announce, attempt, errorText, h, painter, recall, remember, setText } from "./dom.js";
+import { announce, attempt, errorText, h, icon, painter, recall, remember, setText } from "./dom.js";
 import { catalogue, hexOffset, parseItem, plainTypes, searchRows, unitText, unitsLike, valueText, whyReadOnly }
   from "./catalogue.js";
 import { makeForm, makeSwitch } from "./editor.js";
-
-const four = (pattern) => [1, 2].map((n) => pattern.replace("#", n));
-const readyMade = {
-  Flight: ["ias", "indicated_altitude:ft", "vertical_speed:ft/min", "heading", "pitch", "bank", "ground_speed:kt", "mach",
-    "radio_altitude:ft", "on_ground", "latitude", "longitude", "altimeter_setting", "load_factor", "pause"],
-  Radios: ["com1", "com_standby1", "com2", "com_standby2", "nav1", "nav_standby1", "nav2", "nav_standby2", "adf1", "adf2",
-    "transponder", "transponder_mode", "audio_panel", "obs1", "obs2", "nav_ident1", "dme1"],
-  Engines: ["engine_type", ...["running_eng#", "throttle#", "n1_eng#", "n2_eng#", "egt_eng#", "fuel_flow_eng#",
-    "oil_pressure_eng#", "oil_temp_eng#", "mixture#"].flatMap(four)],
-  Autopilot: ["ap", "fd", "autothrottle", "ap_heading", "ap_heading_bug", "ap_nav", "ap_approach", "ap_altitude",
-    "ap_altitude_set:ft", "ap_vertical_speed", "ap_vertical_speed_set", "ap_speed", "ap_ias_set", "yaw_damper"],
-  Controls: ["gear", "nose_gear", "left_gear", "right_gear", "flaps", "left_flap_position", "speed_brake",
-    "parking_brake", "elevator", "aileron", "rudder", "elevator_trim", "autobrake"],
-  "Electrics and lights": ["battery", "avionics", "generators", "apu_switch", "apu_speed", "lights", "landing_lights",
-    "beacon_strobe", "pitot_heat", "fuel_pumps"],
-  "Fuel and weight": ["fuel_total", "fuel_left", "fuel_centre", "fuel_right", "fuel_left_capacity", "gross_weight",
-    "zero_fuel_weight", "fuel_flow_eng1", "fuel_flow_eng2"],
-  Weather: ["qnh:hPa", "oat", "wind", "wind_from", "visibility", "dew_point", "cloud_base1:ft", "cloud_type1", "wind_speed1",
-    "wind_direction1", "turbulence1"],
-  "Aircraft and clock": ["aircraft", "atc_tail_number", "version", "local_time", "zulu_hour", "zulu_minute", "day_of_year",
-    "frame_time", "sim_rate"],
-};
-function fresh(names) {
-  return names.map((text) => {
-    const [name, unit] = text.split(":");
-    return { name, unit };
-  }).filter(({ name }) => catalogue.byName.has(name));
-}
-
-/** The lists as the browser remembers them: name -> [{name, unit?}]; what is broken in there is left out. */
-export function loadLists() {
-  const stored = recall("lists", null);
-  const lists = new Map();
-  if (stored && Array.isArray(stored)) {
-    for (const [name, items] of stored) {
-      if (typeof name === "string" && Array.isArray(items)) {
-        lists.set(name, items.filter((item) => item && typeof item.name === "string" && parseItem(item.name)));
-      }
-    }
-  }
-  if (!lists.size) for (const [name, names] of Object.entries(readyMade)) lists.set(name, fresh(names));
-  return lists;
-}
-const saveLists = (lists) => remember("lists", [...lists]);
-
-/** Adds an item to the list that is open in the watch view; the table follows when it is shown. */
-export function addToWatch(name) {
-  const lists = loadLists();
-  let list = recall("list", "Flight");
-  if (!lists.has(list)) [list] = lists.keys();
-  if (!lists.get(list).some((item) => item.name === name)) lists.get(list).push({ name });
-  saveLists(lists);
-  announce(`${name} added to ${list}`);
-  return list;
-}
+import { loadLists, readyLists, saveLists } from "./lists.js";
 
 export function ageText(seconds) {
   if (!(seconds >= 1)) return "now";
@@ -363,27 +309,36 @@ export function createWatch(root) {
     h("button", { type: "button", onclick: () => {
       const gone = list, items = lists.get(list);
       lists.delete(list);
-      if (!lists.size) lists = new Map(Object.entries(readyMade).map(([name, names]) => [name, fresh(names)]));
+      if (!lists.size) lists = readyLists();
       saveLists(lists);
-      undo.hidden = false;
-      setText(undo, `Bring ${gone} back`);
-      undo.onclick = () => {
-        undo.hidden = true;
-        lists.set(gone, items);
-        saveLists(lists);
-        openList(gone);
-      };
+      offerUndo(`Bring ${gone} back`, () => { lists.set(gone, items); }, gone);
       openList([...lists.keys()][0]);
     } }, "Delete"),
     h("button", { type: "button", title: "The lists that come with the program, as they were", onclick: () => {
-      for (const [name, names] of Object.entries(readyMade)) lists.set(name, fresh(names));
+      const before = lists;
+      lists = new Map(lists);
+      offerUndo("Undo restoring", () => { lists = before; });
+      for (const [name, items] of readyLists()) lists.set(name, items);
       saveLists(lists);
       showLists();
       rebuild();
       announce("Ready-made lists restored");
     } }, "Restore ready-made"));
-  const undo = h("button", { type: "button", class: "undo", hidden: true });
+  const undo = h("button", { type: "button", hidden: true });
   listBar.append(undo);
+  function offerUndo(text, restore, open) {
+    undo.hidden = false;
+    setText(undo, text);
+    undo.onclick = () => {
+      undo.hidden = true;
+      restore();
+      saveLists(lists);
+      if (open) openList(open);
+      showLists();
+      rebuild();
+      chooser.focus();
+    };
+  }
 
   function showLists() {
     chooser.replaceChildren(...[...lists].map(([name, items]) => h("option", { value: name }, `${name} (${items.length})`)));
@@ -434,8 +389,4 @@ export function createWatch(root) {
       stop = null;
     },
   };
-}
-
-export function icon(path) {
-  return h("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, h("path", { d: path }));
 }
