@@ -178,6 +178,20 @@ def test_example_panel(world, page):
     assert element("panel").get_attribute("class") == ""
 
 
+def test_manual(world, page):
+    """What docs/clients.md shows runs as it stands there."""
+    _, cockpit, _ = world
+    text = re.search(r"^```js\n(.*?)^```", (TOP / "docs" / "clients.md").read_text(), re.M | re.S)[1]
+    (cockpit.panels / "manual.html").write_text(
+        f"<!doctype html><script type='module'>{text}; window.result = [com1.value, raw.value, value, confirmed];"
+        "function show(...given) { window.shown = given; } function lamp(...given) { window.lit = given; }</script>")
+    page.get(cockpit.address + "panels/manual.html")
+    wait_for("its end", lambda: page.execute_script("return window.result && window.shown"), 10)
+    assert page.execute_script("return result") == [118.7, 0x1870, pytest.approx(1524, abs=0.1), True]
+    shown, lit = page.execute_script("return [shown, lit]")
+    assert shown[1] == "kt" and isinstance(shown[0], (int, float)) and lit == ["NO SIMULATOR", False]
+
+
 def test_types_are_those_of_the_module():
     """tavrix.d.ts declares what tavrix.js exports, with as many parameters."""
     def exports(text):

@@ -54,6 +54,7 @@ class CheckedCockpit(Cockpit):
 
     def __init__(self, build, *options, folder):
         self.words = build, "--panels", build.path(folder / "panels"), "--recordings", build.path(folder / "recordings"), *options
+        self.panels = folder / "panels"
         for name in ("panels", "recordings"):
             (folder / name).mkdir(parents=True, exist_ok=True)
         super().__init__(*self.words)
