@@ -180,7 +180,6 @@ async function lost(reason) {
   const path = streamKey;
   close();
   newest.clear();
-  for (const one of watches) one.hasAll = false;
   tell({ online: false, connected: false, reason });
   const answer = await probe(path);
   if (answer.status === 0) unknown.clear();  // another version may come back

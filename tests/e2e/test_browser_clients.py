@@ -101,7 +101,7 @@ def test_unknown_names_are_named_and_the_others_served(world, page):
     wait_for("the first values", lambda: calls(page, "one"), 10)
     first, = calls(page, "one")
     assert first["com1"] == 118.7 and "heding" in first["heding"]["error"] and "heading" in first["heding"]["remedy"]
-    assert any("heding" in line for line in errors_of(page))
+    assert any("heding" in line and "is not watched" in line for line in errors_of(page))
     set_radios(standin, nav1_freq_hz=10890)
     wait_calls(page, "two", [{"nav1": 110.3}, {"nav1": 108.9}])
     assert calls(page, "one")[1:] == [{"nav1": 108.9}]
