@@ -20,8 +20,7 @@ foreach(line ${cockpit_lines})
   set(source ${CMAKE_SOURCE_DIR}/${CMAKE_MATCH_2})
   list(APPEND cockpit_files ${source})
   if(NOT EXISTS ${source} AND NOT source MATCHES "/web/node_modules/")
-    message(WARNING "web/files.txt names ${source}, which does not exist")
-    list(REMOVE_ITEM cockpit_files ${source})
+    message(FATAL_ERROR "web/files.txt names ${source}, which does not exist")
   elseif(NOT EXISTS ${source} AND cockpit_missing STREQUAL "")
     set(cockpit_missing "uPlot is missing: npm ci --ignore-scripts in the folder web, and build again")
   endif()
@@ -42,12 +41,12 @@ if(cockpit_missing STREQUAL "")
     COMMAND ${CMAKE_COMMAND} -DTOP=${CMAKE_SOURCE_DIR} -DTABLE=${cockpit_table} -P ${CMAKE_SOURCE_DIR}/cmake/embed_web.cmake
     DEPENDS ${CMAKE_SOURCE_DIR}/cmake/embed_web.cmake ${CMAKE_SOURCE_DIR}/docs/offsets.json ${cockpit_list} ${cockpit_files} VERBATIM)
   set(cockpit_threads ${CMAKE_SOURCE_DIR}/tools/cockpit/serve.cpp ${CMAKE_SOURCE_DIR}/tools/cockpit/source.cpp
-                      ${CMAKE_SOURCE_DIR}/tools/cockpit/web_server.cpp)
+                      ${CMAKE_SOURCE_DIR}/tools/cockpit/web_server.cpp ${CMAKE_SOURCE_DIR}/tools/cockpit/web_streams.cpp)
   target_sources(offsetctl PRIVATE ${cockpit_pure} ${cockpit_threads} ${cockpit_table})
   target_include_directories(offsetctl SYSTEM PRIVATE ${cockpit_headers})
   if(WIN32)
     # Asio asks for Windows 7's sockets.
-    set_source_files_properties(${CMAKE_SOURCE_DIR}/tools/cockpit/web_server.cpp PROPERTIES COMPILE_OPTIONS
+    set_source_files_properties(${CMAKE_SOURCE_DIR}/tools/cockpit/web_server.cpp ${CMAKE_SOURCE_DIR}/tools/cockpit/web_streams.cpp PROPERTIES COMPILE_OPTIONS
                                 "-UWINVER;-DWINVER=0x0601;-U_WIN32_WINNT;-D_WIN32_WINNT=0x0601;-Wa,-mbig-obj")
     target_link_libraries(offsetctl PRIVATE mswsock)
   endif()
