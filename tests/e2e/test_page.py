@@ -102,7 +102,7 @@ def ask(server, **body):
 def test_accessible_and_clean_in_every_view(page, server, theme):
     page.theme(theme)
     ask(server, set={"gear": 100})
-    for view in VIEWS:
+    for view in (*VIEWS, "panel/bare"):
         page.open(server, view)
         if view == "watch":
             page.button("Change ias").click()
