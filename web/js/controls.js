@@ -29,7 +29,8 @@ export function makeControls(at, texts, outcome) {
       button.setAttribute("aria-label", `${label}: ${now} ${unit ?? unitText(item)}. Change`);
     });
     function edit() {
-      const field = h("input", { type: "text", inputmode: "decimal", class: "digits", "aria-label": `${label}, new value`,
+      const field = h("input", { type: "text", inputmode: "decimal", class: "digits",
+        "aria-label": `${label}, new value`,
         value: text().replace("−", "-"), autocomplete: "off" });
       let isOpen = true;  // taking the field away makes it lose the focus, which would take it away again
       const leave = (focus) => {
@@ -45,7 +46,8 @@ export function makeControls(at, texts, outcome) {
           event.preventDefault();
           let next = Number(field.value) + way * step * (event.shiftKey ? 10 : 1);
           if (wraps) next = (next + wraps) % wraps;
-          field.value = item.name === "transponder" ? String(next).padStart(4, "0") : next.toFixed(item.row.unit === "MHz" ? 2 : digits());
+          field.value = item.name === "transponder" ? String(next).padStart(4, "0")
+            : next.toFixed(item.row.unit === "MHz" ? 2 : digits());
         }
         if (event.key !== "Enter") return;
         event.preventDefault();
@@ -57,7 +59,8 @@ export function makeControls(at, texts, outcome) {
           return;
         }
         leave(true);
-        await writeAndTell(item, Number(field.value.replace(",", ".")), unit && unit !== item.row.unit ? unit : undefined, outcome);
+        await writeAndTell(item, Number(field.value.replace(",", ".")),
+          unit && unit !== item.row.unit ? unit : undefined, outcome);
       });
       field.addEventListener("blur", () => leave(false));
       button.replaceWith(field);
@@ -73,8 +76,10 @@ export function makeControls(at, texts, outcome) {
   }
   const stepper = (config) => {
     const field = quick(config);
-    return h("div", { class: "stepper" }, h("span", { class: "stepLabel" }, config.label, " ", h("small", {}, config.unit === "mb" ? "hPa" : config.unit === "deg" ? "°" : config.unit)),
-      h("button", { type: "button", "aria-label": `${config.label} down`, onclick: () => field.stepBy(-1) }, "−"), field.node,
+    return h("div", { class: "stepper" }, h("span", { class: "stepLabel" }, config.label, " ",
+      h("small", {}, config.unit === "mb" ? "hPa" : config.unit === "deg" ? "°" : config.unit)),
+      h("button", { type: "button", "aria-label": `${config.label} down`, onclick: () => field.stepBy(-1) }, "−"),
+        field.node,
       h("button", { type: "button", "aria-label": `${config.label} up`, onclick: () => field.stepBy(1) }, "+"));
   };
   const lamp = (name, label, title = "") => {

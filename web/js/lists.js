@@ -4,9 +4,11 @@ import { catalogue, parseItem } from "./catalogue.js";
 
 const both = (pattern) => [1, 2].map((n) => pattern.replace("#", n));
 const readyMade = {
-  Flight: ["ias", "indicated_altitude:ft", "vertical_speed:ft/min", "heading", "pitch", "bank", "ground_speed:kt", "mach",
+  Flight: ["ias", "indicated_altitude:ft", "vertical_speed:ft/min", "heading", "pitch", "bank", "ground_speed:kt",
+    "mach",
     "radio_altitude:ft", "on_ground", "latitude", "longitude", "altimeter_setting", "load_factor", "pause"],
-  Radios: ["com1", "com_standby1", "com2", "com_standby2", "nav1", "nav_standby1", "nav2", "nav_standby2", "adf1", "adf2",
+  Radios: ["com1", "com_standby1", "com2", "com_standby2", "nav1", "nav_standby1", "nav2", "nav_standby2", "adf1",
+    "adf2",
     "transponder", "transponder_mode", "audio_panel", "obs1", "obs2", "nav_ident1", "dme1"],
   Engines: ["engine_type", ...["running_eng#", "throttle#", "n1_eng#", "n2_eng#", "egt_eng#", "fuel_flow_eng#",
     "oil_pressure_eng#", "oil_temp_eng#", "mixture#"].flatMap(both)],
@@ -18,9 +20,11 @@ const readyMade = {
     "beacon_strobe", "pitot_heat", "fuel_pumps"],
   "Fuel and weight": ["fuel_total", "fuel_left", "fuel_centre", "fuel_right", "fuel_left_capacity", "gross_weight",
     "zero_fuel_weight", "fuel_flow_eng1", "fuel_flow_eng2"],
-  Weather: ["qnh:hPa", "oat", "wind", "wind_from", "visibility", "dew_point", "cloud_base1:ft", "cloud_type1", "wind_speed1",
+  Weather: ["qnh:hPa", "oat", "wind", "wind_from", "visibility", "dew_point", "cloud_base1:ft", "cloud_type1",
+    "wind_speed1",
     "wind_direction1", "turbulence1"],
-  "Aircraft and clock": ["aircraft", "atc_tail_number", "version", "local_time", "zulu_hour", "zulu_minute", "day_of_year",
+  "Aircraft and clock": ["aircraft", "atc_tail_number", "version", "local_time", "zulu_hour", "zulu_minute",
+    "day_of_year",
     "frame_time", "sim_rate"],
 };
 function fresh(names) {

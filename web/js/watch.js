@@ -66,13 +66,15 @@ export function createWatch(root) {
     const display = () => { setText(unit, unitText(item, entry0.unit)); };
     let form = null;
     const edit = isSwitch ? toggle.node : why
-      ? h("button", { type: "button", class: "icon flat lock", title: why, "aria-label": `${item.name} is read-only: why?`,
+      ? h("button", { type: "button", class: "icon flat lock", title: why,
+        "aria-label": `${item.name} is read-only: why?`,
         onclick: () => {
           outcome.className = "outcome";
           setText(outcome, outcome.textContent ? "" : why);
           if (outcome.textContent) announce(why);
         } }, icon("M7 11V8a5 5 0 0 1 10 0v3M5 11h14v9H5z"))
-      : h("button", { type: "button", class: "icon flat", "aria-label": `Change ${item.name}`, title: "Change", onclick: () => {
+      : h("button", { type: "button", class: "icon flat", "aria-label": `Change ${item.name}`, title: "Change",
+        onclick: () => {
         if (form) {
           closeForm(entry0.unit);
           return;
@@ -102,7 +104,8 @@ export function createWatch(root) {
         h("small", {}, item.row ? item.row.meaning + (item.row.positive ? `, positive: ${item.row.positive}` : "")
           : `${item.type} as stored`)),
       h("span", { role: "cell", class: "value" }, value, " ",
-        units.length > 1 ? h("button", { type: "button", class: "unit", title: "Next unit", "aria-label": `Unit of ${item.name}`,
+        units.length > 1 ? h("button", { type: "button", class: "unit", title: "Next unit",
+          "aria-label": `Unit of ${item.name}`,
           onclick: () => {
             const at = units.indexOf(entry0.unit || item.row.unit);
             entry0.unit = units[(at + 1) % units.length];
@@ -215,12 +218,14 @@ export function createWatch(root) {
     showResults();
   } }, "Browse by subject");
   const searchError = h("p", { class: "bad" });
-  const query = h("input", { type: "search", id: "query", placeholder: "heading, com1, engine, 0x0330 …", spellcheck: "false",
+  const query = h("input", { type: "search", id: "query", placeholder: "heading, com1, engine, 0x0330 …",
+    spellcheck: "false",
     autocomplete: "off", oninput: () => showResults() });
 
   function resultButton(name, label, detail) {
     const isThere = rows.has(name);
-    return h("li", {}, h("button", { type: "button", class: "result", "aria-pressed": String(isThere), onclick: (event) => {
+    return h("li", {}, h("button", { type: "button", class: "result", "aria-pressed": String(isThere),
+      onclick: (event) => {
       if (rows.has(name)) remove(name);
       else add(name);
       const isNow = rows.has(name);
@@ -255,7 +260,8 @@ export function createWatch(root) {
     results.replaceChildren(...parts);
     results.classList.toggle("idle", !text && !isBrowsing);
     browse.hidden = Boolean(text);
-    setText(found, text ? `${matches.length} of ${catalogue.rows.length} offsets` : `${catalogue.rows.length} offsets by subject`);
+    setText(found, text ? `${matches.length} of ${catalogue.rows.length} offsets`
+      : `${catalogue.rows.length} offsets by subject`);
   }
 
   function freeItems(text) {
@@ -266,7 +272,8 @@ export function createWatch(root) {
   }
 
   // ---- lists ----
-  const chooser = h("select", { id: "lists", onchange: () => { location.hash = "watch/" + encodeURIComponent(chooser.value); } });
+  const chooser = h("select", { id: "lists",
+    onchange: () => { location.hash = "watch/" + encodeURIComponent(chooser.value); } });
   const nameField = h("input", { type: "text", maxlength: "40", id: "listName", "aria-label": "Name of the list" });
   const nameError = h("span", { class: "bad" });
   let naming = null;  // what happens with the name
@@ -341,7 +348,8 @@ export function createWatch(root) {
   }
 
   function showLists() {
-    chooser.replaceChildren(...[...lists].map(([name, items]) => h("option", { value: name }, `${name} (${items.length})`)));
+    chooser.replaceChildren(...[...lists].map(([name, items]) => h("option", { value: name },
+      `${name} (${items.length})`)));
     chooser.value = list;
   }
 
@@ -350,7 +358,8 @@ export function createWatch(root) {
     h("label", { for: "query", class: "sr" }, "Search offsets by name, meaning, subject, unit or number"), query, found,
     browse, searchError, results);
   root.append(h("div", { class: "watchGrid" },
-    h("section", { class: "card lists", "aria-labelledby": "listTitle" }, h("h2", { id: "listTitle" }, "Watch"), listBar,
+    h("section", { class: "card lists", "aria-labelledby": "listTitle" }, h("h2", { id: "listTitle" }, "Watch"),
+      listBar,
       nameForm, table, empty), searchPane));
   query.addEventListener("keydown", async (event) => {
     if (event.key !== "Enter") return;
