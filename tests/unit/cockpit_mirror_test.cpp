@@ -178,21 +178,21 @@ TEST(CockpitPlayer, ShowsTheSameWhereverItComesFrom) {
     std::vector<uint8_t> memory(offsetMemorySize);
     for (uint32_t i = 1; i <= 400; ++i) {
       memory[0x4000 + i] = static_cast<uint8_t>(i);
-      add(RecordedFrameBytes(
-          {i * 10000, ChangeFrame({{0x100, static_cast<uint8_t>(i)}, {0x101, static_cast<uint8_t>(i >> 8)}})}));
-      add(RecordedFrameBytes({i * 10000, BlockFrame(memory, 1)}));
+      add(RecordedFrameBytes({i * 10000 + 300, ChangeFrame({{0x100, static_cast<uint8_t>(i)},
+                                                            {0x101, static_cast<uint8_t>(i >> 8)}})}));
+      add(RecordedFrameBytes({i * 10000 + 300, BlockFrame(memory, 1)}));
     }
   }
   auto player = std::make_unique<Player>();
   std::string error;
   ASSERT_TRUE(OpenPlayer(path, "x", player.get(), &error)) << error;
-  EXPECT_EQ(player->state.length, 4);
+  EXPECT_EQ(player->state.length, 4.001);
   EXPECT_GT(player->marks.size(), 3u);
   const auto count = [&player] { return LoadFrom<uint16_t>(player->now.picture.bytes.data() + 0x100); };
   EXPECT_EQ(count(), 0);
   AdvancePlayer(0.055, player.get());
   EXPECT_EQ(count(), 5);
-  for (const double position : {3.005, 0.505, 2.505, 2.405, 0.0, 3.995, 1e9, 1.005}) {
+  for (const double position : {3.005, 0.505, 2.505, 2.405, 0.0, 3.995, 4.001, 1e9, 1.005}) {
     SeekPlayer(position, player.get());
     const auto expected = static_cast<uint16_t>(std::min(position, 4.0) * 100);
     EXPECT_EQ(count(), expected) << position;
@@ -207,7 +207,7 @@ TEST(CockpitPlayer, ShowsTheSameWhereverItComesFrom) {
   EXPECT_EQ(count(), 400);
   SteerPlayer({.playing = true}, player.get());
   EXPECT_TRUE(player->state.playing && player->state.position == 0) << "and again";
-  SteerPlayer({.position = 1.0, .playing = false}, player.get());
+  SteerPlayer({.position = 1.001, .playing = false}, player.get());
   AdvancePlayer(1, player.get());
   EXPECT_EQ(count(), 100);
   std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);

@@ -100,7 +100,8 @@ bool OpenPlayer(const std::string& path, const std::string& name, Player* player
     return false;
   }
   player->shown = 0;
-  player->state.length = static_cast<double>(player->now.time) / 1e6;
+  // Up to whole milliseconds, as it is told: who goes there sees the last frame.
+  player->state.length = static_cast<double>((player->now.time + 999) / 1000) / 1000;
   player->state.playing = true;
   SeekPlayer(0, player);
   return true;

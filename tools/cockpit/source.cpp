@@ -300,6 +300,20 @@ void RunPlayer(Work* work) {
 
 // --- Batches -----------------------------------------------------------------------------------------------
 
+OrderResult Follow(const SourceOrder& order, Work* work) {
+  switch (order.kind) {
+    case OrderKind::Write:
+      return Write(order, work);
+    case OrderKind::StartRecording:
+      return StartRecording(order, work);
+    case OrderKind::StopRecording:
+      CloseRecording(work);
+      return {order.id, 200, "", "", ""};
+    default:
+      return Replay(order, work);
+  }
+}
+
 void FollowOrders(Work* work) {
   std::vector<SourceOrder> orders;
   {
@@ -307,11 +321,12 @@ void FollowOrders(Work* work) {
     orders.swap(work->source->orders);
   }
   for (const SourceOrder& order : orders) {
-    OrderResult result = {order.id, 200, "", "", ""};
-    if (order.kind == OrderKind::Write) result = Write(order, work);
-    if (order.kind == OrderKind::StartRecording) result = StartRecording(order, work);
-    if (order.kind == OrderKind::StopRecording) CloseRecording(work);
-    if (order.kind == OrderKind::Replay) result = Replay(order, work);
+    OrderResult result = {order.id, 503, "the computer has no memory left for that", "source",
+                          "close other programs"};
+    try {
+      result = Follow(order, work);
+    } catch (...) {  // whoever asked waits for an answer
+    }
     work->batch.results.push_back(result);
   }
 }
@@ -395,6 +410,7 @@ bool StartSource(const SourceSettings& settings, Source* source, std::string* er
     work->isNew = work->isDirty = true;
     work->playedAt = Now(*work);
   }
+  Deliver(work.get());  // whoever asks first knows the source already
   source->thread = std::thread([work] { Run(work.get()); });
   return true;
 }

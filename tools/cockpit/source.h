@@ -21,8 +21,8 @@ struct SourceSettings {
   std::string replay;                           // a recording that is shown from the beginning on; "" for none
   std::string recordings;                       // folder
   std::chrono::steady_clock::time_point start;  // of the program: all times count from it
-  // Takes a batch, on the source's thread. The next one comes after BatchTaken only; what changes meanwhile is
-  // merged.
+  // Takes a batch, on the source's thread; the first one comes within StartSource. The next one comes after
+  // BatchTaken only; what changes meanwhile is merged.
   std::function<void(Batch batch)> deliver;
 };
 

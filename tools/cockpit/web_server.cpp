@@ -113,8 +113,18 @@ WebRequest RequestOf(http::request<http::string_body>* message) {
   return request;
 }
 
+// The address by which the client came in is one of our own: the computer may have got it since the start.
+void LearnAddress(const Peer& peer) {
+  beast::error_code fault;
+  const asio::ip::address address = peer->stream.socket().local_endpoint(fault).address();
+  std::vector<std::string>& hosts = peer->web->site.access.hosts;
+  const std::string name = address.is_v6() ? "[" + address.to_string() + "]" : address.to_string();
+  if (!fault && std::find(hosts.begin(), hosts.end(), name) == hosts.end()) hosts.push_back(name);
+}
+
 void Handle(const Peer& peer) {
   Web* web = peer->web;
+  LearnAddress(peer);
   auto message = peer->parser->release();
   peer->parser.reset();
   peer->isKept = message.keep_alive() && !peer->isRefused;
