@@ -139,7 +139,6 @@ export function createTraffic(number, magnetic) {
   }, 90);
 
   const drawList = painter(() => {
-    setText(count, others.length ? `${others.length} aircraft` : "no other aircraft");
     if (!list.open || !isShown) return;
     const near = others.map((one) => ({ ...one, ...place(one) })).sort((a, b) => a.distance - b.distance).slice(0, 30);
     while (rows.children.length > near.length) rows.lastChild.remove();
@@ -159,6 +158,7 @@ export function createTraffic(number, magnetic) {
       for (let i = 0, at = 0; i < bytes.length && at < raw.length; i++, at += 3) bytes[i] = parseInt(raw.substr(at, 2),
         16);
       others = readTable(bytes);
+      setText(count, others.length ? `${others.length} aircraft` : "no other aircraft");
       draw();
       drawList();
     },
