@@ -40,13 +40,15 @@ install_everything() {
     $as_root apt-get install -y -qq --no-install-recommends "${need_packages[@]}" "${need_wine[@]}" >>/tmp/tavrix-setup.log 2>&1
 }
 
-# The browser that one test uses; ./run does without it.
+# The browser of the tests and what drives it; ./run does without them.
 setup_browser() {
-  command -v chromium >/dev/null 2>&1 && return 0
+  command -v chromium >/dev/null 2>&1 && command -v chromedriver >/dev/null 2>&1 &&
+    /usr/bin/python3 -c 'import selenium' 2>/dev/null && return 0
   local as_root=""
   [ "$(id -u)" = 0 ] || as_root="sudo"
   $as_root apt-get update -qq >/dev/null 2>&1 || true
-  DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends chromium >>/tmp/tavrix-setup.log 2>&1
+  DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends chromium \
+    chromium-driver python3-selenium >>/tmp/tavrix-setup.log 2>&1
 }
 
 # What looks at the code without running it, and the fuzz targets' compiler; ./run does without them.

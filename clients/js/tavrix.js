@@ -15,7 +15,7 @@ const idleName = "activity";  // what is watched when only the connection is of 
 
 const watches = new Set();      // {names, rate, callback, onStatus}
 const listeners = new Set();    // of connection()
-const newest = new Map();       // name -> entry, of the names in the stream
+const newest = new Map();       // name -> {entry, at: when it came, in ms}, of the names in the stream
 const unknown = new Map();      // name -> entry with an error: names that the server refused
 let byName = new Map();         // name -> watches
 let stream = null, streamKey = "", openTimer = 0, watchdog = 0, retryTimer = 0, retries = 0, lastWord = 0;
@@ -50,7 +50,7 @@ export async function request(path, method = "GET", body = undefined) {
 
 /** Resolves to the entries {name, offset, value, unit, raw, age} of `names`, in their order. */
 export async function read(names) {
-  return (await request("/api/values?names=" + names.map(encodeURIComponent).join(","))).values;
+  return (await request("/api/values?names=" + [names].flat().map(encodeURIComponent).join(","))).values;
 }
 
 /** Writes one value; resolves to its entry with `written` and `confirmed`, rejects with a CockpitError. */
@@ -61,15 +61,17 @@ export async function write(name, value, { unit, wait } = {}) {
 }
 
 /**
- * Calls `callback` with an object name -> entry of what changed; the first time all. Names that the server does
- * not know come as {name, value: null, error: {error, where, remedy}}. `rate`: updates a second, 1 to 50.
- * Returns a function that ends it.
+ * Calls `callback` with an object name -> entry of what changed; the first time all, and again all when the
+ * connection was gone. Names that the server does not know come as {name, value: null, error: {error, where,
+ * remedy}} and are told on the console. `rate`: updates a second, 1 to 50; the fastest watch of the page counts for
+ * all. What a callback throws is reported as any uncaught error, and holds up no other. Returns a function that ends
+ * it.
  */
 export function watch(names, callback, { rate = 20, onStatus } = {}) {
-  const one = { names: [...new Set(names)], callback, rate, onStatus, hasAll: false };
+  const one = { names: listOf(names), callback, rate, onStatus, hasAll: false };
   watches.add(one);
   plan();
-  if (onStatus && state.status) onStatus(state.status);
+  if (onStatus && state.status) call(onStatus, state.status);
   return () => {
     if (watches.delete(one)) plan();
   };
@@ -81,7 +83,7 @@ export function watch(names, callback, { rate = 20, onStatus } = {}) {
  */
 export function connection(callback) {
   listeners.add(callback);
-  callback(state);
+  call(callback, state);
   plan();
   return () => {
     if (listeners.delete(callback)) plan();
@@ -90,8 +92,18 @@ export function connection(callback) {
 
 function tell(change) {
   state = { ...state, ...change };
-  for (const listener of [...listeners]) listener(state);
+  for (const listener of [...listeners]) call(listener, state);
 }
+
+function call(callback, given) {
+  try {
+    callback(given);
+  } catch (error) {
+    reportError(error);
+  }
+}
+
+const listOf = (names) => (typeof names === "string" ? [names] : [...new Set(names)]);
 
 function plan() {
   byName = new Map();
@@ -116,7 +128,7 @@ function open() {
   const isWanted = !document.hidden && (watches.size > 0 || listeners.size > 0);
   const key = isWanted ? wanted() : "";
   if (key === streamKey && (stream || !isWanted)) {
-    for (const one of watches) {
+    for (const one of [...watches]) {
       if (!one.hasAll) deliverAll(one);
     }
     return;
@@ -127,7 +139,6 @@ function open() {
   for (const name of newest.keys()) {
     if (!byName.has(name)) newest.delete(name);
   }
-  for (const one of watches) one.hasAll = false;
   const source = new EventSource(key);
   stream = source;
   lastWord = performance.now();
@@ -139,7 +150,9 @@ function open() {
     heard();
     const status = JSON.parse(event.data);
     tell({ online: true, connected: status.connected, status, error: null, reason: "" });
-    for (const one of watches) one.onStatus?.(status);
+    for (const one of [...watches]) {
+      if (one.onStatus) call(one.onStatus, status);
+    }
   });
   source.onerror = () => {
     if (source === stream) lost("the web cockpit does not answer");
@@ -166,8 +179,10 @@ function heard() {
 async function lost(reason) {
   const path = streamKey;
   close();
+  newest.clear();
   tell({ online: false, connected: false, reason });
   const answer = await probe(path);
+  if (answer.status === 0) unknown.clear();  // another version may come back
   if (answer.status === 404 || answer.status === 400) {
     await findUnknown([...byName.keys()].filter((name) => !unknown.has(name)), answer.json);
   } else if (answer.status !== 200 && answer.status !== 0) {
@@ -198,7 +213,10 @@ async function findUnknown(names, json) {
   if (names.length === 1) {
     const entry = { name: names[0], offset: null, value: null, unit: "", raw: "", age: 0, error: json };
     unknown.set(names[0], entry);
-    for (const one of byName.get(names[0]) ?? []) one.callback({ [names[0]]: entry });
+    console.error(`TAVRIX: "${names[0]}" is not watched: ${json.error}: ${json.remedy}`);
+    for (const one of byName.get(names[0]) ?? []) {
+      if (one.hasAll) call(one.callback, { [names[0]]: entry });
+    }
     return;
   }
   for (const half of [names.slice(0, names.length >> 1), names.slice(names.length >> 1)]) {
@@ -210,7 +228,10 @@ async function findUnknown(names, json) {
 function deliver({ values }) {
   const parts = new Map();
   for (const entry of values) {
-    newest.set(entry.name, entry);
+    const before = newest.get(entry.name)?.entry;
+    newest.set(entry.name, { entry, at: lastWord });
+    // A stream that was opened again for more names begins with all of them.
+    if (before && before.raw === entry.raw && before.value === entry.value) continue;
     const own = byName.get(entry.name);
     if (!own) continue;
     for (const one of own) {
@@ -220,9 +241,9 @@ function deliver({ values }) {
     }
   }
   for (const [one, part] of parts) {
-    if (one.hasAll) one.callback(part);
+    if (one.hasAll && watches.has(one)) call(one.callback, part);
   }
-  for (const one of watches) {
+  for (const one of [...watches]) {
     if (!one.hasAll) deliverAll(one);
   }
 }
@@ -231,12 +252,13 @@ function deliver({ values }) {
 function deliverAll(one) {
   const part = {};
   for (const name of one.names) {
-    const entry = newest.get(name) ?? unknown.get(name);
-    if (!entry) return;
-    part[name] = entry;
+    const known = newest.get(name);
+    if (!known && !unknown.has(name)) return;
+    part[name] = known ? { ...known.entry, age: known.entry.age + (performance.now() - known.at) / 1000 }
+      : unknown.get(name);
   }
   one.hasAll = true;
-  if (one.names.length) one.callback(part);
+  if (one.names.length) call(one.callback, part);
 }
 
 document.addEventListener("visibilitychange", () => {

@@ -102,7 +102,7 @@ def ask(server, **body):
 def test_accessible_and_clean_in_every_view(page, server, theme):
     page.theme(theme)
     ask(server, set={"gear": 100})
-    for view in VIEWS:
+    for view in (*VIEWS, "panel/bare"):
         page.open(server, view)
         if view == "watch":
             page.button("Change ias").click()
@@ -124,7 +124,8 @@ def test_accessible_and_clean_in_every_view(page, server, theme):
         assert page.js("return document.documentElement.dataset.theme") == theme
         if view == "recordings":
             page.button("Back to live", "body").click()
-    wrong = [one["message"] for one in page.driver.get_log("browser") if one["level"] == "SEVERE" and "favicon.ico" not in one["message"]]
+    wrong = [one["message"] for one in page.driver.get_log("browser")
+             if one["level"] == "SEVERE" and "favicon.ico" not in one["message"]]
     assert not wrong
 
 
@@ -184,7 +185,7 @@ def test_writing_says_what_became_of_it(page, server):
     page.keys(Keys.ESCAPE)
     write("ap_heading_bug", "north")  # a word is the server's to judge
     wait_for("refused", lambda: "Refused: 'north' is no number" in page.text(outcome.format("ap_heading_bug"))
-             and "write a number" in page.text(outcome.format("ap_heading_bug")))
+             and "Write a number" in page.text(outcome.format("ap_heading_bug")))
     page.keys(Keys.ESCAPE)
     page.button("Change ap_altitude_set").click()
     page.js("const s = document.querySelector('[data-name=ap_altitude_set] .editor select'); s.value = 'ft';"
@@ -221,7 +222,8 @@ def test_searching_and_lists(page, server):
     page.keys("Night", Keys.ENTER)
     wait_for("an empty list", lambda: page.js("return location.hash") == "#watch/Night" and page.text(".empty"))
     # An offset that the server does not know must not take the others along.
-    page.js("import('/tavrix.js').then(m => { window.got = {}; m.watch(['ias', 'nowhere', 'com9'], part => Object.assign(got, part)); })")
+    page.js("import('/tavrix.js').then(m => { window.got = {};"
+            " m.watch(['ias', 'nowhere', 'com9'], part => Object.assign(got, part)); })")
     got = wait_for("answers", lambda: page.js("return window.got?.ias && window.got.nowhere && window.got.com9 && window.got"))
     assert got["ias"]["value"] > 0 and "did you mean com" in got["com9"]["error"]["remedy"]
 
@@ -256,7 +258,8 @@ def test_plot_has_the_data(page, server):
     slopes = [(b[1] - a[1]) / (b[0] - a[0]) for a, b in zip(pairs[::20], pairs[20::20])]
     assert all(abs(slope) < 16 for slope in slopes), "as fast as the flight climbs, 15 m/s at most"
     drawn = page.js("const c = document.querySelector('.plotArea canvas'), d = c.getContext('2d')"
-                    ".getImageData(0, 0, c.width, c.height).data; let n = 0; for (let i = 3; i < d.length; i += 4) n += d[i] > 0; return n")
+                    ".getImageData(0, 0, c.width, c.height).data; let n = 0;"
+                    "for (let i = 3; i < d.length; i += 4) n += d[i] > 0; return n")
     assert drawn > 3000
     assert "altitude" in page.one(".plotArea").get_attribute("aria-label")
 

@@ -1,10 +1,13 @@
 """./run from a terminal, as somebody does who has just got the source; and what of the scripts can be tested by itself."""
+import json
 import os
+import re
 import shutil
 import signal
 import socket
 import subprocess
 import sys
+import urllib.request
 
 import pytest
 
@@ -35,13 +38,31 @@ def check_over(terminal):
     terminal.check_nothing_left()
 
 
+COCKPIT = re.compile(r"Web cockpit: (http://127\.0\.0\.1:\d+/)")
+
+
+def browser(top):
+    """A browser that notes what it is told to open, {environment}, and the path of the note."""
+    write_script(top / "browser", f'echo "$@" >"{top}/opened.tmp"; mv "{top}/opened.tmp" "{top}/opened"')
+    return {"BROWSER": str(top / "browser")}, top / "opened"
+
+
 @pytest.mark.parametrize("words", BUILDS)
-def test_ends_by_itself(run, words):
-    terminal = run("--seconds", "5", *words)
+def test_ends_by_itself(run, words, tmp_path):
+    environment, opened = browser(tmp_path)
+    terminal = run("--seconds", "8", "--web", *words, env=environment)
+    terminal.wait_text("Standin Twin Jet")
+    address = COCKPIT.search(terminal.plain)[1]
+    # Connected to the same simulator, while the table shows.
+    wait_for("the cockpit's simulator", lambda: json.load(urllib.request.urlopen(address + "api/status"))["connected"])
+    aircraft = json.load(urllib.request.urlopen(address + "api/values?names=aircraft"))["values"][0]["value"]
     assert terminal.wait() == 0, terminal.plain[-3000:]
     check_over(terminal)
     title = "network, 127.0.0.1" if words else "local window server"
     assert f"TAVRIX  {title}" in terminal.plain and "Standin Twin Jet" in terminal.plain
+    assert aircraft.startswith("Standin Twin Jet") and opened.read_text() == address + "\n"
+    # In the head of each table, too.
+    assert terminal.plain.count(f"Web cockpit: {address}") > 5
 
 
 @pytest.mark.parametrize("words", BUILDS)
@@ -71,6 +92,14 @@ def test_another_simulator_runs(run):
     assert "does another simulator run?" in terminal.text and "port 65000: the port is taken" in terminal.text
 
 
+def test_port_of_the_cockpit_is_taken(run):
+    with socket.create_server(("127.0.0.1", 8440)):
+        terminal = run("--native", "--seconds", "1")
+        assert terminal.wait() == 0, terminal.plain[-3000:]
+    check_over(terminal)
+    assert COCKPIT.search(terminal.plain) and ":8440/" not in terminal.plain
+
+
 def test_no_place_for_temporary_files(run, tmp_path):
     terminal = run("--native", "--seconds", "1", env={"TMPDIR": str(tmp_path / "missing")})
     assert terminal.wait() == 1
@@ -78,7 +107,7 @@ def test_no_place_for_temporary_files(run, tmp_path):
 
 
 @pytest.mark.parametrize("words", [("--seconds",), ("--seconds", "0"), ("--seconds", "1e9"), ("--seconds", "1000000"),
-                                   ("--seconds", "-5"), ("--fast",)])
+                                   ("--seconds", "-5"), ("--fast",), ("--web=yes",)])
 def test_wrong_words(run, words):
     terminal = run(*words)
     assert terminal.wait(deadline=10) == 2
@@ -95,8 +124,17 @@ def checkout(tmp_path):
     shutil.copy(TOP / "run", top)
     shutil.copy(TOP / "cmake" / "setup.sh", top / "cmake")
     write_script(top / "path" / "cmake", "exit 0")
-    write_script(top / "build" / "linux" / "bin" / "offsetctl", "echo TAVRIX; sleep 1000")
+    write_script(top / "build" / "linux" / "bin" / "offsetctl", OFFSETCTL)
     return top
+
+
+# Their words stand in the files serve and monitor of the checkout.
+OFFSETCTL = """echo "${@:2}" >"$1"
+[ "$1" != serve ] || [ -z "${NO_COCKPIT:-}" ] || { echo "offsetctl: $NO_COCKPIT" >&2; exit 2; }
+[ "$1" != serve ] || echo "Web cockpit: http://127.0.0.1:8440/"
+[ "$1" != monitor ] || echo TAVRIX
+exec sleep 1000"""
+STANDIN = """trap '' INT; echo "TAVFARNET->Waiting for clients" >"$4/Resources/plugins/TAVRIX/TAVRIX.txt"; read -r end"""
 
 
 def write_script(path, text):
@@ -114,6 +152,22 @@ def test_standin_ends_early(run, checkout):
     assert terminal.wait(deadline=20) == 1
     check_over(terminal)
     assert "ended early" in terminal.text and "no such plug-in" in terminal.text
+
+
+@pytest.mark.parametrize("trouble, note", [("", "Web cockpit: http://127.0.0.1:8440/"),
+                                           ("this build has no web cockpit: Boost is missing", "No web cockpit: Boost is missing")])
+def test_table_shows_with_and_without_cockpit(run, checkout, trouble, note):
+    """No browser here, as on a server: it is said, and the table shows."""
+    (checkout / "docs").mkdir()
+    write_script(checkout / "build" / "linux" / "bin" / "standin", STANDIN)
+    terminal = run("--native", "--web", top=checkout, env={
+        **first_in_path(checkout), "NO_COCKPIT": trouble, "BROWSER": "", "DISPLAY": "", "WAYLAND_DISPLAY": ""})
+    terminal.wait_text("TAVRIX")
+    assert note in terminal.text and ("no browser here" in terminal.text) == (not trouble)
+    assert (checkout / "monitor").read_text().startswith(f"--note {note}")
+    terminal.type("\x03")
+    assert terminal.wait(deadline=20) == 0
+    check_over(terminal)
 
 
 @pytest.mark.parametrize("way", ["key", "signal"])

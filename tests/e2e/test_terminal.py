@@ -38,13 +38,15 @@ def server(start, linux, tmp_path):
 @pytest.mark.parametrize("columns, rows, seconds", [(80, 24, 1.5), (100, 10, 0.3), (40, 24, 0.3), (200, 60, 0.05),
                                                     (5, 2, 0.3)])
 def test_ends_by_itself_and_fits(server, linux, open_terminal, columns, rows, seconds):
-    terminal = open_terminal(linux.command("offsetctl", "monitor", "--seconds", seconds), columns, rows)
+    terminal = open_terminal(linux.command("offsetctl", "monitor", "--seconds", seconds, "--note", "At\33[2J 8440"), columns,
+                             rows)
     assert terminal.wait(deadline=20) == 0
     terminal.check_restored()
     tables = check_fits(terminal.text, columns, rows)
     assert len(tables) >= (5 if seconds > 1 else 1)
     if columns >= 80:
         assert tables[-1].startswith("TAVRIX  network, 127.0.0.1")
+        assert tables[-1].split("\n")[1].rstrip() == "At [2J 8440"
         assert ("Traffic" in tables[-1]) == (rows >= 24)
         assert ("(15 more lines in a higher window)" in tables[-1]) == (rows == 10)
     server.quit()

@@ -7,6 +7,7 @@ import sys
 
 import pytest
 from conftest import TOP, wait_for
+from make_cockpit_pictures import PICTURES as COCKPIT_PICTURES
 from make_pictures import ALERT, COMMAND, CROWDED, PICTURES, WINDOWS, can_be_alone, read_svg
 
 GUIDE = (TOP / "docs" / "user-guide.md").read_text()
@@ -88,7 +89,7 @@ def section(title):
 
 def test_guide_shows_every_window():
     assert sorted(re.findall(r"\(pictures/(\w+)\.svg\)", GUIDE)) == SHOWN
-    assert sorted(path.name for path in PICTURES.iterdir()) == [f"{name}.svg" for name in SHOWN]
+    assert sorted(path.name for path in PICTURES.glob("*.svg")) == [f"{name}.svg" for name in SHOWN]
     for name, place in WINDOWS.items():
         steps = place.split(" > ")
         text = section(steps[-1])
@@ -101,10 +102,22 @@ def test_guide_shows_every_window():
                 assert any(part in each for each in texts), f'"{part}" is not in the window "{steps[-1]}"'
 
 
+def test_pictures_of_the_web_cockpit():
+    """Each is there, as a small PNG, is shown somewhere and tells in words what it shows; none is left over."""
+    shown = [found for page in ("user-guide.md", "web-cockpit.md") for found in re.findall(
+        r"!\[(.+)\]\(pictures/(cockpit-\w+)\.png\)", (TOP / "docs" / page).read_text())]
+    assert sorted(name for _, name in shown) == sorted(COCKPIT_PICTURES)
+    assert sorted(path.name for path in PICTURES.glob("*.png")) == sorted(f"{name}.png" for name in COCKPIT_PICTURES)
+    for text, name in shown:
+        data = (PICTURES / f"{name}.png").read_bytes()
+        assert data.startswith(b"\x89PNG") and 5000 < len(data) < 400_000 and len(text) > 15, name
+
+
 # --- Text ----------------------------------------------------------------------------------------------------
-def test_links_lead_somewhere():
-    for target, anchor in re.findall(r"\]\(([\w./-]*)(?:#([\w-]+))?\)", GUIDE):
-        path = TOP / "docs" / target if target else TOP / "docs" / "user-guide.md"
+@pytest.mark.parametrize("page", ["user-guide.md", "web-cockpit.md"])
+def test_links_lead_somewhere(page):
+    for target, anchor in re.findall(r"\]\(([\w./-]*)(?:#([\w-]+))?\)", (TOP / "docs" / page).read_text()):
+        path = TOP / "docs" / (target or page)
         assert path.exists(), target
         titles = re.findall(r"^#+ (.*)", path.read_text(), re.M) if anchor else []
         assert not anchor or anchor in [re.sub(r"[^\w -]", "", t).lower().replace(" ", "-") for t in titles], anchor

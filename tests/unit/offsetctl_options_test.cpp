@@ -34,6 +34,7 @@ TEST(OffsetctlOptions, ReadsTheCommandLine) {
       "replay f --speed 0.5 --listen 1.2.3.4 --loop",
       "serve --port 0 --token 12345678 --listen 0.0.0.0 --panels p --recordings r flight",
       "serve --find",
+      "monitor --note text --seconds 2",
       "conform -- client --json -x",
       "conform loss late --listen 1.2.3.4 -- client",
       "--find",

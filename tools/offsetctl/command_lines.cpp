@@ -61,14 +61,14 @@ constexpr CommandLine commandLines[] = {
      .about = "Writes the 131,072 bytes of the offset memory, as they are at one moment, into FILE.\n"},
     {.word = "monitor",
      .command = Command::Monitor,
-     .options = takesServer | takesRate | takesSeconds,
+     .options = takesServer | takesRate | takesSeconds | takesNote,
      .fewest = 0,
      .most = 0,
-     .usage = "monitor [--seconds N] [--rate N]",
+     .usage = "monitor [--seconds N] [--rate N] [--note TEXT]",
      .about =
          "A live table of the cockpit in a pilot's units (feet, knots, feet a minute; nose up and right wing\n"
          "down are positive), until q, Ctrl-C or N seconds. Into a file or pipe it prints one table a "
-         "second.\n"},
+         "second. TEXT stands below its head.\n"},
     {.word = "list",
      .command = Command::List,
      .options = takesJson,

@@ -23,6 +23,7 @@ enum : unsigned {
   takesLoop = 2048,
   takesWay = 4096,  // the ways to a server alone
   takesWeb = 8192,
+  takesNote = 16384,
 };
 
 struct CommandLine {

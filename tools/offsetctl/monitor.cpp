@@ -144,10 +144,10 @@ std::string Padded(std::string line, size_t width) {
   return line;
 }
 
-std::vector<std::string> TableLines(const std::string& head, const std::vector<ShownRow>& left,
-                                    const std::vector<ShownRow>& right, const std::vector<Item>& items,
-                                    const std::vector<uint8_t>& traffic) {
-  std::vector<std::string> lines = {head, ""};
+std::vector<std::string> TableLines(const std::string& head, const std::string& note,
+                                    const std::vector<ShownRow>& left, const std::vector<ShownRow>& right,
+                                    const std::vector<Item>& items, const std::vector<uint8_t>& traffic) {
+  std::vector<std::string> lines = {head, note};
   for (size_t i = 0; i < std::max(left.size(), right.size()); ++i) {
     lines.push_back(Column(left, i, items) + "  " + Column(right, i, items));
   }
@@ -201,6 +201,9 @@ int RunMonitor(const Options& options, const Transport& transport) {
   const double end = options.seconds > 0 ? options.seconds : std::numeric_limits<double>::infinity();
   const Clock::time_point start = Clock::now();
   const auto elapsed = [start] { return Seconds(Clock::now() - start).count(); };
+  std::string note = options.note;
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; };
+  std::replace_if(note.begin(), note.end(), isControl, ' ');  // they would spoil the table
   TerminalSize drawn = {};
   std::string error;
   bool done = true;
@@ -215,7 +218,7 @@ int RunMonitor(const Options& options, const Transport& transport) {
     std::string head = std::string("TAVRIX  ") + transport.title + "   " + FixedText(elapsed(), 1) + " s";
     const double silence = transport.silence == nullptr ? 0 : transport.silence();
     if (silence > quietSeconds) head += "   no news for " + FixedText(std::floor(silence), 0) + " s";
-    const std::vector<std::string> lines = TableLines(head, left, right, items, traffic);
+    const std::vector<std::string> lines = TableLines(head, note, left, right, items, traffic);
     if (inPlace) {
       DrawInPlace(lines, &drawn);
     } else {

@@ -39,6 +39,7 @@ constexpr Option knownOptions[] = {
      .commands = takesListen,
      .text = &Options::listen,
      .about = "an address of this computer"},
+    {.name = "--note", .commands = takesNote, .text = &Options::note, .about = "a line of text"},
     {.name = "--token", .commands = takesWeb, .text = &Options::token, .about = "8 to 128 characters"},
     {.name = "--panels", .commands = takesWeb, .text = &Options::panels, .about = "a folder of HTML files"},
     {.name = "--recordings", .commands = takesWeb, .text = &Options::recordings, .about = "a folder"},

@@ -40,6 +40,7 @@ struct Options {
   std::string log = {};     // check: the plug-in's log
   std::string folder = {};  // map: where the plug-in lies
   std::string listen = {};  // replay, conform, serve: the server's own address
+  std::string note = {};    // monitor: a line below its head
   std::string token = {};   // serve: what other computers have to know
   std::string panels = {};  // serve: folders
   std::string recordings = {};

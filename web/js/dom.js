@@ -6,10 +6,10 @@ const svgSpace = "http://www.w3.org/2000/svg";
 
 /** An element: attributes by name, listeners as onclick and so on, children as nodes or plain text. */
 export function h(tag, attributes = {}, ...children) {
-  const node = svgNames.has(tag) && attributes.html !== true ? document.createElementNS(svgSpace, tag)
+  const node = svgNames.has(tag) ? document.createElementNS(svgSpace, tag)
     : document.createElement(tag);
   for (const [name, value] of Object.entries(attributes)) {
-    if (name === "html" || value === undefined || value === null || value === false) continue;
+    if (value === undefined || value === null || value === false) continue;
     if (name.startsWith("on")) node.addEventListener(name.slice(2), value);
     else if (name === "value" || name === "checked" || name === "disabled") node[name] = value;
     else node.setAttribute(name, value === true ? "" : value);
@@ -83,10 +83,11 @@ export function clock(seconds) {
     : `${Math.floor(whole / 60)}:${two(whole % 60)}`;
 }
 
-/** A line that tells of an error with the server's remedy. */
+/** A line that tells of an error with the server's remedy; where it is, the line's place on the page shows. */
 export function errorText(error) {
-  const place = error.where ? ` (${error.where})` : "";
-  return `${error.message ?? error.error}${place}${error.remedy ? ". " + error.remedy : ""}`;
+  const text = String(error.message ?? error.error);
+  const remedy = error.remedy ? ". " + error.remedy[0].toUpperCase() + error.remedy.slice(1) : "";
+  return text[0].toUpperCase() + text.slice(1) + remedy;
 }
 
 /** A busy line for requests: shows the error of `work` in `place`, else empties it. */
@@ -98,4 +99,9 @@ export async function attempt(place, work) {
     setText(place, errorText(error));
     return undefined;
   }
+}
+
+/** A line drawing of 24 x 24. */
+export function icon(path) {
+  return h("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, h("path", { d: path }));
 }

@@ -27,7 +27,8 @@ export async function writeAndTell(item, value, unit, place) {
 /** A switch for a Flag row: {node, show(value)}. */
 export function makeSwitch(item, label, place) {
   let isOn = false;
-  const node = h("button", { type: "button", role: "switch", class: "switch", "aria-checked": "false", "aria-label": label,
+  const node = h("button", { type: "button", role: "switch", class: "switch", "aria-checked": "false",
+    "aria-label": label,
     onclick: () => writeAndTell(item, !isOn, undefined, place) }, h("span", { class: "knob" }));
   return { node, show(value) {
     isOn = Number(value) !== 0;
@@ -40,7 +41,8 @@ const limits = { u8: [0, 255], s8: [-128, 127], u16: [0, 65535], s16: [-32768, 3
 
 /** "0 to 360 deg, in steps of 0.0055", in the unit that is chosen. */
 function rangeOf(item, unit) {
-  const range = item.row ? item.row.range : limits[item.type] && { low: limits[item.type][0], high: limits[item.type][1], step: 1 };
+  const range = item.row ? item.row.range : limits[item.type]
+    && { low: limits[item.type][0], high: limits[item.type][1], step: 1 };
   if (!range) return null;
   const own = item.row?.unit ?? "";
   const ends = [convert(range.low, own, unit), convert(range.high, own, unit)];

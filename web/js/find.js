@@ -2,7 +2,7 @@
 import { read } from "/tavrix.js";
 import { announce, attempt, h, painter, setText } from "./dom.js";
 import { catalogue, decodeBytes, hexOffset, loadAreas, parseItem, unitText, valueText } from "./catalogue.js";
-import { addToWatch } from "./watch.js";
+import { addToWatch } from "./lists.js";
 
 const enough = 6;        // seconds of holding still that catch most of what changes by itself
 const settled = 700;     // ms without a change after which a byte has come to rest
@@ -51,7 +51,8 @@ export function makeFinder() {
       for (const offset of [...moved.keys()].sort((a, b) => a - b)) {
         const rows = rowsAt(offset);
         for (const row of rows) {
-          put(row.name, () => ({ item: parseItem(row.name), label: row.name, meaning: row.meaning, detail: row.subject }), offset);
+          put(row.name, () => ({ item: parseItem(row.name), label: row.name, meaning: row.meaning,
+            detail: row.subject }), offset);
         }
         if (rows.length) continue;
         const field = fieldAt(areas, offset);
@@ -64,7 +65,8 @@ export function makeFinder() {
         const size = end - i, type = { 1: "u8", 2: "u16", 4: "u32" }[size] ?? `hex:${size}`;
         const name = `${hexOffset(bare[i])}:${type}`;
         for (let k = i; k < end; k++) {
-          put(name, () => ({ item: parseItem(name), label: name, meaning: "bytes without a name", detail: "" }), bare[k]);
+          put(name, () => ({ item: parseItem(name), label: name, meaning: "bytes without a name", detail: "" }),
+            bare[k]);
         }
         i = end;
       }
@@ -80,8 +82,16 @@ export function makeFinder() {
     const isNoisy = offsets.some((offset) => noise.has(offset)) || neighbours(item).some((offset) => noise.has(offset));
     const kind = isNoisy ? "further" : now - last < settled && events > 2 ? "running" : !isDifferent ? "back"
       : events === 1 ? "once" : "stays";
-    const bonus = item.row ? (item.row.write === "yes" ? 6 : 3) : 0;
-    return { kind, events, first, last, score: kinds[kind].score + bonus - Math.min(12, Math.log2(events)) };
+    // A reading that trembles by its smallest step is no lever; one click of a knob may be, so it stays in the list.
+    const { row } = item, isWhole = /^[us]/.test(item.type) && item.size > 1 && row && row.form === "Number"
+      && !row.values;
+    const steps = offsets.reduce((sum, offset, i) => sum
+      + (bytes[i].after - bytes[i].before) * 256 ** (offset - item.offset), 0);
+    const size = Math.min(Math.abs(steps), 256 ** item.size - Math.abs(steps));  // from 0 to −1 is a small step too
+    const isTiny = isWhole && isDifferent && size <= 2;
+    const bonus = row ? (row.write === "yes" ? 6 : 3) : 0;
+    return { kind, events, first, last, isTiny,
+             score: kinds[kind].score + bonus - Math.min(12, Math.log2(events)) - (isTiny ? 20 : 0) };
   }
   function neighbours(item) {
     return Array.from({ length: Math.min(item.size, 16) }, (_, i) => item.offset + i);
@@ -101,7 +111,8 @@ function fieldAt(areas, offset) {
     const field = area.fields.find((one) => inside >= one.at && inside < one.at + one.size);
     if (!field) continue;
     const place = area.offset + index * step + field.at;
-    return { name: `${area.name}[${index}].${field.name}`, label: area.name + (area.count > 1 ? `[${index}]` : "") + "." + field.name,
+    return { name: `${area.name}[${index}].${field.name}`,
+      label: area.name + (area.count > 1 ? `[${index}]` : "") + "." + field.name,
       item: parseItem(`${hexOffset(place)}:${field.type}`), meaning: field.meaning, detail: area.meaning };
   }
   return null;
@@ -115,19 +126,21 @@ export function createFind(root) {
     ["Hold still", "Take your hands off. The page learns what changes by itself: clocks, the moving aircraft, engines."],
     ["Move it", "Move the one switch, lever or knob you want to know, once, slowly, and leave it in its new place."],
     ["Look", "The offsets that changed, the clearest evidence first. Add them to a watch list, or move again."],
-  ].map(([title, text], i) => h("li", { class: "step" }, h("span", { class: "big", "aria-hidden": "true" }, String(i + 1)),
+  ].map(([title, text], i) => h("li", { class: "step" },
+    h("span", { class: "big", "aria-hidden": "true" }, String(i + 1)),
     h("div", {}, h("h3", {}, title), h("p", {}, text))));
   const stepList = h("ol", { class: "steps" }, steps);
   const state = h("p", { class: "findState" }, "Ready when you are.");
   const meter = h("i", {}), meterBox = h("div", { class: "meter", "aria-hidden": "true" }, meter);
   const primary = h("button", { type: "button", class: "primary large", onclick: () => next() }, "Start: hold still");
-  const again = h("button", { type: "button", class: "large", hidden: true, onclick: () => begin("moving") }, "Move again");
-  const reset = h("button", { type: "button", class: "large", hidden: true, onclick: () => begin("still") }, "Start over");
+  const reset = h("button", { type: "button", class: "large", hidden: true, onclick: () => begin("still") },
+    "Start over");
   const list = h("ol", { class: "findings", "aria-label": "What changed" });
   const weak = h("details", { class: "weak", hidden: true }, h("summary", {}, ""), h("ol", { class: "findings" }));
   root.append(h("div", { class: "findGrid" },
-    h("section", { class: "card", "aria-labelledby": "findTitle" }, h("h2", { id: "findTitle" }, "What changes when I move this?"),
-      stepList, h("div", { class: "action" }, state, meterBox, h("div", { class: "bar" }, primary, again, reset)),
+    h("section", { class: "card", "aria-labelledby": "findTitle" },
+      h("h2", { id: "findTitle" }, "What changes when I move this?"),
+      stepList, h("div", { class: "action" }, state, meterBox, h("div", { class: "bar" }, primary, reset)),
       error),
     h("section", { class: "card", "aria-labelledby": "foundTitle" }, h("h2", { id: "foundTitle" }, "What changed"),
       list, weak)));
@@ -199,16 +212,19 @@ export function createFind(root) {
       if (i === at && phase !== "idle") step.setAttribute("aria-current", "step");
       else step.removeAttribute("aria-current");
     });
-    meter.style.width = phase === "still" ? `${Math.min(100, 100 * seconds / enough)}%` : phase === "idle" ? "0" : "100%";
+    meter.style.width = phase === "still" ? `${Math.min(100, 100 * seconds / enough)}%` : phase === "idle" ? "0"
+      : "100%";
     meterBox.classList.toggle("ready", phase !== "still" || seconds >= enough);
     const clean = results.filter((one) => one.kind !== "further");
+    const places = `${clean.length} ${clean.length === 1 ? "place" : "places"}`;
     setText(state, phase === "idle" ? "Ready when you are."
       : phase === "still" ? `${Math.floor(seconds)} s: ${finder.noise.size} bytes change by themselves`
         + (seconds < enough ? ". A little longer …" : ". That is enough; longer is better still.")
-      : phase === "moving" ? (clean.length ? `${clean.length} ${clean.length === 1 ? "place has" : "places have"} changed` : "Move it now …")
-      : clean.length ? `${clean.length} ${clean.length === 1 ? "place" : "places"} changed; ${finder.noise.size} bytes that change by themselves are left out`
+      : phase === "moving" ? (clean.length ? `${places} changed so far` : "Move it now …")
+      : clean.length ? `${places} changed; ${finder.noise.size} bytes that change by themselves are left out`
       : "Nothing changed but what changes by itself. Does the simulator follow this switch? Move again, or start over.");
-    setText(primary, { idle: "Start: hold still", still: "Now I move it", moving: "Done moving", done: "Move again" }[phase]);
+    setText(primary, { idle: "Start: hold still", still: "Now I move it", moving: "Done moving",
+      done: "Move again" }[phase]);
     primary.disabled = phase === "still" && seconds < 1.5;
     reset.hidden = phase === "idle";
     fill(list, clean.slice(0, 60));
@@ -236,17 +252,20 @@ export function createFind(root) {
   function makeLine(first) {
     const dots = Array.from({ length: 5 }, () => h("i", {})), evidence = h("span", {});
     const values = h("p", { class: "beforeAfter" });
-    const addButton = h("button", { type: "button", "aria-label": `Add ${first.label} to the watch list`, onclick: () => {
+    const addButton = h("button", { type: "button", "aria-label": `Add ${first.label} to the watch list`,
+      onclick: () => {
       setText(addButton, `✓ In ${addToWatch(first.item.name)}`);
     } }, "+ Watch");
     const node = h("li", { class: "finding" },
       h("div", { class: "title" }, h("b", {}, first.label), " ", h("code", {}, hexOffset(first.item.offset)),
         h("small", {}, [first.meaning, first.detail].filter(Boolean).join(" · "))),
-      values, h("p", { class: "evidence" }, h("span", { class: "dots", "aria-hidden": "true" }, dots), evidence), addButton);
+      values, h("p", { class: "evidence" }, h("span", { class: "dots", "aria-hidden": "true" }, dots), evidence),
+        addButton);
     return { node, update(one) {
       const kind = kinds[one.kind];
-      dots.forEach((dot, i) => dot.classList.toggle("on", i < kind.dots));
-      setText(evidence, `${kind.text}${one.events > 1 ? `, ${one.events} changes` : ""}`);
+      dots.forEach((dot, i) => dot.classList.toggle("on", i < kind.dots - (one.isTiny ? 1 : 0)));
+      setText(evidence, kind.text + (one.events > 1 ? `, ${one.events} changes` : "")
+        + (one.isTiny ? ", by the smallest step" : ""));
       setText(values, beforeAfter(one));
     } };
   }

@@ -21,7 +21,7 @@ const turn = (node, angle) => setAttribute(node, "transform", `rotate(${angle.to
 let lastId = 0;
 
 // The case: screws of the bezel, glass, then the instrument's own parts. The readout is text for everybody.
-function instrument(name, parts, over = []) {
+function instrument(name, parts) {
   const readout = h("output", { class: "readout", "aria-live": "off" }, "–");
   const note = h("span", { class: "note" });
   const node = h("figure", { class: "instrument" },
@@ -29,13 +29,14 @@ function instrument(name, parts, over = []) {
       h("rect", { x: 2, y: 2, width: 196, height: 196, rx: 26, class: "bezel" }),
       [[18, 18], [182, 18], [18, 182], [182, 182]].map(([cx, cy]) => h("circle", { cx, cy, r: 4.5, class: "screw" })),
       h("circle", { cx: 100, cy: 100, r: 94, class: "rim" }), h("circle", { cx: 100, cy: 100, r: 90, class: "face" }),
-      parts, over),
+      parts),
     h("figcaption", {}, h("span", { class: "gaugeName" }, name), readout, note));
   return { node, readout, note };
 }
 
 const needle = (length, kind = "needle") => h("g", {},
-  h("path", { d: `M100 ${100 - length}L103.500 ${112 - length}L102.800 118H97.200L96.500 ${112 - length}Z`, class: kind }));
+  h("path", { d: `M100 ${100 - length}L103.500 ${112 - length}L102.800 118H97.200L96.500 ${112 - length}Z`,
+    class: kind }));
 const hub = () => h("circle", { cx: 100, cy: 100, r: 7, class: "hub" });
 
 /** Airspeed: the scale follows the aircraft's never-exceed speed. */
@@ -90,7 +91,8 @@ export function attitude() {
     h("defs", {}, h("clipPath", { id }, h("circle", { cx: 100, cy: 100, r: 88 }))),
     h("g", { "clip-path": `url(#${id})` }, bankGroup), pointer,
     h("g", {}, [-60, -45, -30, -20, -10, 10, 20, 30, 45, 60].map((angle) =>
-      tick(angle, 88, Math.abs(angle) % 30 ? 81 : 76, "tick major")), h("path", { d: "M100 22L94 12H106Z", class: "index" })),
+      tick(angle, 88, Math.abs(angle) % 30 ? 81 : 76, "tick major")),
+        h("path", { d: "M100 22L94 12H106Z", class: "index" })),
     h("path", { d: "M52 100H84L92 108L100 100L108 108L116 100H148", class: "aircraftShade" }),
     h("path", { d: "M52 100H84L92 108L100 100L108 108L116 100H148", class: "aircraft" }),
     h("circle", { cx: 100, cy: 100, r: 2.6, class: "dot" })]);
@@ -109,10 +111,13 @@ export function altimeter() {
   const marks = [];
   for (let i = 0; i < 50; i++) marks.push(tick(i * 7.2, 86, i % 5 ? 80 : 73, i % 5 ? "tick" : "tick major"));
   for (let i = 0; i < 10; i++) marks.push(label(i * 36, 62, i, "mark large"));
-  const hundreds = needle(78), thousands = h("g", {}, h("path", { d: "M100 54L106 70L103.500 112H96.500L94 70Z", class: "needle" }));
-  const tenThousands = h("g", {}, h("path", { d: "M100 14L94.500 4H105.500Z", class: "needle", transform: "translate(0 9)" }),
+  const hundreds = needle(78), thousands = h("g", {},
+    h("path", { d: "M100 54L106 70L103.500 112H96.500L94 70Z", class: "needle" }));
+  const tenThousands = h("g", {}, h("path",
+    { d: "M100 14L94.500 4H105.500Z", class: "needle", transform: "translate(0 9)" }),
     h("line", { x1: 100, x2: 100, y1: 22, y2: 100, class: "thin" }));
-  const setting = h("text", { x: 146, y: 100, class: "window", "text-anchor": "middle", "dominant-baseline": "central" }, "–");
+  const setting = h("text", { x: 146, y: 100, class: "window", "text-anchor": "middle",
+    "dominant-baseline": "central" }, "–");
   const made = instrument("Altimeter", [marks,
     h("rect", { x: 124, y: 90, width: 44, height: 20, rx: 3, class: "windowBox" }), setting,
     label(0, 36, "FEET", "tiny"), tenThousands, thousands, hundreds, hub()]);
@@ -151,7 +156,8 @@ export function turnAndSlip() {
 /** Heading with course needle, deviation, glide slope and heading bug; all degrees magnetic. */
 export function headingIndicator() {
   const marks = [];
-  for (let angle = 0; angle < 360; angle += 5) marks.push(tick(angle, 78, angle % 10 ? 73 : 69, angle % 30 ? "tick" : "tick major"));
+  for (let angle = 0; angle < 360; angle += 5) marks.push(tick(angle, 78, angle % 10 ? 73 : 69,
+    angle % 30 ? "tick" : "tick major"));
   ["N", 3, 6, "E", 12, 15, "S", 21, 24, "W", 30, 33].forEach((text, i) => {
     const one = label(i * 30, 58, text, i % 3 ? "mark small" : "mark cardinal");
     one.setAttribute("transform", `rotate(${i * 30} ${one.getAttribute("x")} ${one.getAttribute("y")})`);
@@ -160,8 +166,10 @@ export function headingIndicator() {
   const bug = h("g", {}, h("path", { d: "M91 20H96L100 26L104 20H109V30H91Z", class: "bug" }));
   const deviation = h("g", {}, h("line", { x1: 100, x2: 100, y1: 74, y2: 126, class: "course" }));
   const toFrom = h("path", { d: "M100 80L93 92H107Z", class: "toFrom" });
-  const course = h("g", {}, h("path", { d: "M100 34L93 47H98.200V71H101.800V47H107ZM98.200 129H101.800V164H98.200Z", class: "courseArrow" }),
-    [-2, -1, 1, 2].map((dot) => h("circle", { cx: 100 + dot * 13, cy: 100, r: 2, class: "deviationDot" })), toFrom, deviation);
+  const course = h("g", {}, h("path", { d: "M100 34L93 47H98.200V71H101.800V47H107ZM98.200 129H101.800V164H98.200Z",
+    class: "courseArrow" }),
+    [-2, -1, 1, 2].map((dot) => h("circle", { cx: 100 + dot * 13, cy: 100, r: 2, class: "deviationDot" })), toFrom,
+      deviation);
   const rose = h("g", {}, h("circle", { cx: 100, cy: 100, r: 79, class: "rose" }), marks, course, bug);
   const slope = h("path", { d: "M184 100L174 94V106Z", class: "bug slope" });
   const made = instrument("Heading", [rose, h("path", { d: "M100 10L94.500 20.500H105.500Z", class: "index" }),

@@ -96,7 +96,7 @@ function setUpStatus() {
   record.hidden = true;
   byId("status").append(h("span", { class: "part source" }, dot, parts.source = h("b", {}, "Connecting …")),
     part("frames", "frames"), part("lost", "lost"), part("age", "data"), part("clients", "browsers"), record);
-  let before = null, recordingSince = 0, lostSince = 0;
+  let before = null, recordingSince = 0, lostSince = 0, hadData = false;
   const count = (number) => Number(number).toLocaleString("en-US").replaceAll(",", " ");
 
   connection((state) => {
@@ -110,7 +110,7 @@ function setUpStatus() {
     if (status) {
       setText(parts.frames, count(status.frames));
       setText(parts.lost, count(status.lost));
-      setText(parts.age, status.age < 1 ? "live" : `${Math.round(status.age)} s old`);
+      setText(parts.age, status.age === null ? "none" : status.age < 1 ? "live" : `${Math.round(status.age)} s old`);
       setText(parts.clients, count(status.clients));
       setText(byId("version"), `TAVRIX ${status.version}`);
       if (!status.recording) recordingSince = 0;
@@ -121,12 +121,15 @@ function setUpStatus() {
     }
     showLoss(state, isGood);
     showReplay(state);
-    if (before !== null && before !== isGood) announce(isGood ? "Connected again" : "Connection lost");
+    if (before === false && isGood) announce("Connected");  // its loss is told by the banner
     before = isGood;
+    hadData ||= isGood;
     lostSince = isGood ? 0 : lostSince || performance.now();
   });
   setInterval(() => {
-    if (lostSince && !document.hidden) setText(parts.age, `lost ${clock((performance.now() - lostSince) / 1000)} ago`);
+    if (lostSince && !document.hidden) {
+      setText(parts.age, `${hadData ? "lost" : "none for"} ${clock((performance.now() - lostSince) / 1000)}`);
+    }
   }, 1000);
 }
 

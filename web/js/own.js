@@ -18,10 +18,12 @@ export function createOwn(root) {
   const none = h("p", { class: "empty", hidden: true }, "No file yet. Save the example below as panels/altitude.html.");
   root.append(h("div", { class: "twoColumns" },
     h("section", { class: "card", "aria-labelledby": "ownTitle" }, h("h2", { id: "ownTitle" }, "My panels"),
-      h("p", {}, "HTML files from the folder ", h("code", {}, "panels"), " beside the program. Made for your own screens: a "
+      h("p", {}, "HTML files from the folder ", h("code", {}, "panels"),
+        " beside the program. Made for your own screens: a "
         + "radio stack on a tablet, an engine page on a third monitor."), list, none, error,
       h("button", { type: "button", onclick: () => load() }, "Look again")),
-    h("section", { class: "card", "aria-labelledby": "howTitle" }, h("h2", { id: "howTitle" }, "Ten lines to begin with"),
+    h("section", { class: "card", "aria-labelledby": "howTitle" },
+      h("h2", { id: "howTitle" }, "Ten lines to begin with"),
       h("pre", { tabindex: "0", "aria-label": "Example of a panel" }, h("code", {}, example)),
       h("div", { class: "bar" }, h("button", { type: "button", onclick: async () => {
         try {
@@ -32,8 +34,10 @@ export function createOwn(root) {
         }
       } }, "Copy"), copied),
       h("dl", { class: "calls" },
-        h("dt", {}, h("code", {}, "watch(names, callback)")), h("dd", {}, "calls back with what changed, by name; the first time with all"),
-        h("dt", {}, h("code", {}, "write(name, value, {unit})")), h("dd", {}, "writes and resolves to the value as the simulator took it"),
+        h("dt", {}, h("code", {}, "watch(names, callback)")),
+          h("dd", {}, "calls back with what changed, by name; the first time with all"),
+        h("dt", {}, h("code", {}, "write(name, value, {unit})")),
+          h("dd", {}, "writes and resolves to the value as the simulator took it"),
         h("dt", {}, h("code", {}, "read(names)")), h("dd", {}, "the values now"),
         h("dt", {}, h("code", {}, "connection(callback)")), h("dd", {}, "tells of loss and return")))));
 

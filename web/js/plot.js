@@ -3,7 +3,7 @@ import uPlot from "/vendor/uPlot.esm.js";
 import { watch } from "/tavrix.js";
 import { h, painter, recall, remember, setText } from "./dom.js";
 import { catalogue, convert, digitsOf, isNumeric, parseItem, searchRows, unitText, unitsLike } from "./catalogue.js";
-import { loadLists } from "./watch.js";
+import { loadLists } from "./lists.js";
 
 const windows = [30, 60, 120, 300, 600];  // s
 const most = 8;
@@ -11,7 +11,8 @@ const palette = { light: ["#0a66b0", "#b3261e", "#12713b", "#8b3fb0", "#a15c00",
                   dark: ["#5cc8ff", "#ff8a80", "#6fe09a", "#d29bff", "#ffc53d", "#4fe0e0", "#ff8fc7", "#b9c6d3"] };
 
 export function createPlot(root) {
-  let chosen = recall("plot", [{ name: "indicated_altitude" }, { name: "ias" }, { name: "vertical_speed", unit: "ft/min" }])
+  let chosen = recall("plot", [{ name: "indicated_altitude" }, { name: "ias" },
+    { name: "vertical_speed", unit: "ft/min" }])
     .filter((one) => one && parseItem(one.name) && isNumeric(parseItem(one.name))).slice(0, most);
   let length = windows.includes(recall("plotWindow", 60)) ? recall("plotWindow", 60) : 60;
   let stop = null, ticker = 0, plot = null, isPaused = false, pausedAt = 0, cursor = null;
@@ -68,14 +69,17 @@ export function createPlot(root) {
     h("thead", {}, h("tr", {}, ["Value", "Now", "At cursor", "Lowest", "Highest", "Unit", ""].map((text) =>
       text ? h("th", { scope: "col" }, text) : h("td", {})))), lines);
   root.append(h("section", { class: "card plotCard", "aria-labelledby": "plotTitle" },
-    h("div", { class: "bar plotBar" }, h("h2", { id: "plotTitle" }, "Plot"), addForm, h("label", { for: "plotWindow" }, "Window"),
+    h("div", { class: "bar plotBar" }, h("h2", { id: "plotTitle" }, "Plot"), addForm,
+      h("label", { for: "plotWindow" }, "Window"),
       windowField, pauseButton, h("button", { type: "button", onclick: () => {
         times = [];
         columns = chosen.map(() => []);
         draw();
       } }, "Clear"), h("button", { type: "button", onclick: () => exportCsv() }, "Export CSV")),
-    error, place, h("p", { class: "hint" }, "Point at the plot, or focus it and use the arrow keys, to read values; Escape ends it."),
-    h("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": "Table of the plotted values" }, summary)));
+    error, place, h("p", { class: "hint" },
+      "Point at the plot, or focus it and use the arrow keys, to read values; Escape ends it."),
+    h("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": "Table of the plotted values" },
+      summary)));
 
   const unitOf = (one) => one.unit ?? parseItem(one.name).row?.unit ?? "";
   const theme = () => document.documentElement.dataset.theme === "dark" ? "dark" : "light";
@@ -101,7 +105,8 @@ export function createPlot(root) {
       if (units.length > 1) unit.value = unitOf(one);
       return { current, at, low, high, node: h("tr", {}, h("th", { scope: "row" }, swatch, " ", one.name,
         h("small", {}, item.row?.meaning ?? item.type)), current, at, low, high, h("td", {}, unit),
-      h("td", {}, h("button", { type: "button", class: "icon flat", "aria-label": `Remove ${one.name}`, title: "Remove", onclick: () => {
+      h("td", {}, h("button", { type: "button", class: "icon flat", "aria-label": `Remove ${one.name}`,
+        title: "Remove", onclick: () => {
         const k = chosen.indexOf(one);
         chosen.splice(k, 1);
         columns.splice(k, 1);
@@ -128,8 +133,10 @@ export function createPlot(root) {
     const scaleOf = (one) => unitOf(one) || one.name;
     const names = [...new Set(chosen.map(scaleOf))];
     const room = place.clientWidth < 600 ? 1 : place.clientWidth < 1000 ? 2 : 4;
-    const stepped = (one) => { const { row } = parseItem(one.name); return row && (row.form === "Flag" || row.values); };
-    const axis = { stroke: ink, font, space: size * 2.6, grid: { stroke: line, width: 1 }, ticks: { stroke: line, width: 1 } };
+    const stepped = (one) => { const { row } = parseItem(one.name); return row
+      && (row.form === "Flag" || row.values); };
+    const axis = { stroke: ink, font, space: size * 2.6, grid: { stroke: line, width: 1 },
+      ticks: { stroke: line, width: 1 } };
     plot = new uPlot({
       width: place.clientWidth, height: place.clientHeight, legend: { show: false }, pxAlign: 0,
       cursor: { drag: { setScale: false }, points: { size: 7 } },
@@ -140,7 +147,8 @@ export function createPlot(root) {
           return [low - pad, high + pad];
         } }])) },
       series: [{}, ...chosen.map((one, i) => ({ label: one.name, scale: scaleOf(one), stroke: palette[theme()][i],
-        width: Math.max(1.5, size / 9), points: { show: false }, paths: stepped(one) ? uPlot.paths.stepped({ align: 1 }) : undefined }))],
+        width: Math.max(1.5, size / 9), points: { show: false },
+          paths: stepped(one) ? uPlot.paths.stepped({ align: 1 }) : undefined }))],
       axes: [{ ...axis, values: (_, ticks) => ticks.map(agoText), splits: () => timeTicks(), size: size * 2.2 },
         ...names.slice(0, room).map((name, i) => ({ ...axis, scale: name, side: i ? 1 : 3, label: name, labelFont: font,
           labelSize: size * 1.3, size: size * 4, grid: { ...axis.grid, show: i === 0 },
@@ -195,7 +203,8 @@ export function createPlot(root) {
       texts.push(`${one.name} ${show(low)} to ${show(high)} ${unitOf(one)}`);
     });
     if (document.activeElement !== place) {
-      place.setAttribute("aria-label", texts.length ? `Plot of the last ${length} seconds: ${texts.join("; ")}` : "Empty plot");
+      place.setAttribute("aria-label", texts.length ? `Plot of the last ${length} seconds: ${texts.join("; ")}`
+        : "Empty plot");
     }
   }, 250);
 
@@ -259,6 +268,7 @@ export function createPlot(root) {
 
   function changed() {
     remember("plot", chosen);
+    history.replaceState(null, "", "#plot/" + chosen.map((one) => one.name).join());
     showLines();
     build();
     listen();
@@ -268,7 +278,8 @@ export function createPlot(root) {
   function exportCsv() {
     const first = lowerBound(times, end() - length), last = lowerBound(times, end());
     const quote = (text) => /[",\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text;
-    const text = [["seconds", ...chosen.map((one) => quote(one.name + (unitOf(one) ? ` (${unitOf(one)})` : "")))].join(",")];
+    const text = [["seconds", ...chosen.map((one) => quote(one.name
+      + (unitOf(one) ? ` (${unitOf(one)})` : "")))].join(",")];
     for (let k = first; k < last; k++) {
       text.push([(times[k] - times[first]).toFixed(3), ...columns.map((column) => column[k] ?? "")].join(","));
     }
@@ -315,7 +326,8 @@ export function createPlot(root) {
         if (!isPaused) draw();
       }, 500);
       if (globalThis.tavrixPlot === undefined) {
-        Object.defineProperty(globalThis, "tavrixPlot", { get: () => ({ names: chosen.map((one) => one.name), times, columns }) });
+        Object.defineProperty(globalThis, "tavrixPlot",
+          { get: () => ({ names: chosen.map((one) => one.name), times, columns }) });
       }
     },
     hide() {

@@ -1,15 +1,18 @@
 // Recordings: making them, the list, replay with play, pause, speed and scrubbing.
 import { connection, request } from "/tavrix.js";
-import { attempt, clock, h, painter, setAttribute, setText } from "./dom.js";
-import { icon } from "./watch.js";
+import { attempt, clock, h, icon, painter, setAttribute, setText } from "./dom.js";
 
 const speeds = [0.25, 0.5, 1, 2, 4, 8, 16];
 
-const bytesText = (bytes) => bytes < 1e6 ? `${Math.max(1, Math.round(bytes / 1e3))} kB` : `${(bytes / 1e6).toFixed(1)} MB`;
+const bytesText = (bytes) => bytes < 1e6 ? `${Math.max(1, Math.round(bytes / 1e3))} kB`
+  : `${(bytes / 1e6).toFixed(1)} MB`;
+
+const dateText = (text) => new Date(text).toLocaleString([], { dateStyle: "medium", timeStyle: "short" });
 
 function suggestion() {
   const now = new Date(), two = (number) => String(number).padStart(2, "0");
-  return `flight ${now.getFullYear()}-${two(now.getMonth() + 1)}-${two(now.getDate())} ${two(now.getHours())}.${two(now.getMinutes())}`;
+  const day = [now.getFullYear(), two(now.getMonth() + 1), two(now.getDate())].join("-");
+  return `flight ${day} ${two(now.getHours())}.${two(now.getMinutes())}`;
 }
 
 export function createRecordings(root) {
@@ -21,7 +24,8 @@ export function createRecordings(root) {
   });
 
   // ---- record ----
-  const name = h("input", { type: "text", id: "recordName", maxlength: "80", value: suggestion(), spellcheck: "false" });
+  const name = h("input", { type: "text", id: "recordName", maxlength: "80", value: suggestion(),
+    spellcheck: "false" });
   const recordButton = h("button", { class: "primary large record" }, "Record");
   const running = h("p", { class: "running" });
   const recordForm = h("form", { class: "recordForm", onsubmit: async (event) => {
@@ -37,7 +41,8 @@ export function createRecordings(root) {
   const playIcon = h("span", {}), playButton = h("button", { type: "button", class: "primary large play", onclick: () =>
     send("/api/replay", atEnd() ? { position: 0, playing: true } : { playing: !status.replay.playing }) }, playIcon);
   const atEnd = () => !status.replay.playing && status.replay.position >= status.replay.length - 0.05;
-  const scrub = h("input", { type: "range", min: "0", max: "1", step: "0.5", "aria-label": "Position in the recording" });
+  const scrub = h("input", { type: "range", min: "0", max: "1", step: "0.5",
+    "aria-label": "Position in the recording" });
   const position = h("output", { class: "time" }), length = h("span", { class: "time" });
   const title = h("h3", {});
   const speed = h("select", { id: "speed", onchange: () => send("/api/replay", { speed: Number(speed.value) }) },
@@ -48,7 +53,8 @@ export function createRecordings(root) {
     h("div", { class: "bar" }, h("button", { type: "button", onclick: () => jump(-10) }, "−10 s"), playButton,
       h("button", { type: "button", onclick: () => jump(10) }, "+10 s"), h("label", { for: "speed" }, "Speed"), speed,
       h("button", { type: "button", onclick: () => send("/api/replay", { file: null }) }, "Back to live")));
-  const nothing = h("p", { class: "empty" }, "Choose a recording below: every view, the instrument panel too, then shows "
+  const nothing = h("p", { class: "empty" },
+    "Choose a recording below: every view, the instrument panel too, then shows "
     + "that flight, without any simulator.");
   const sendPosition = painter(() => send("/api/replay", { position: Number(scrub.value) }), 120);
   scrub.addEventListener("input", () => {
@@ -64,8 +70,10 @@ export function createRecordings(root) {
   root.append(h("div", { class: "twoColumns" },
     h("section", { class: "card", "aria-labelledby": "recordTitle" }, h("h2", { id: "recordTitle" }, "Record"),
       h("p", {}, "Records all offsets as they change, to play them again without the simulator."), recordForm, error),
-    h("section", { class: "card", "aria-labelledby": "playTitle" }, h("h2", { id: "playTitle" }, "Replay"), nothing, player),
-    h("section", { class: "card wide", "aria-labelledby": "filesTitle" }, h("h2", { id: "filesTitle" }, "Recordings"), files, none)));
+    h("section", { class: "card", "aria-labelledby": "playTitle" }, h("h2", { id: "playTitle" }, "Replay"), nothing,
+      player),
+    h("section", { class: "card wide", "aria-labelledby": "filesTitle" }, h("h2", { id: "filesTitle" }, "Recordings"),
+      files, none)));
 
   async function list() {
     const answer = await attempt(error, () => request("/api/recordings"));
@@ -75,7 +83,7 @@ export function createRecordings(root) {
     files.replaceChildren(...answer.recordings.map(({ file, bytes, modified }) => {
       const isOn = listed === file;
       return h("li", { class: isOn ? "on" : "" }, h("span", { class: "file" }, h("b", {}, file),
-        h("small", {}, `${new Date(modified).toLocaleString([], { dateStyle: "medium", timeStyle: "short" })} · ${bytesText(bytes)}`)),
+        h("small", {}, `${dateText(modified)} · ${bytesText(bytes)}`)),
       h("button", { type: "button", "aria-label": `Replay ${file}`, onclick: async () => {
         await send("/api/replay", { file });
         if (status?.replay) playButton.focus();

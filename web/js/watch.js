@@ -1,64 +1,10 @@
 // Watch: search over all offsets, named lists, a live table that can be written into.
 import { read, watch } from "/tavrix.js";
-import { announce, attempt, errorText, h, painter, recall, remember, setText } from "./dom.js";
+import { announce, attempt, errorText, h, icon, painter, recall, remember, setText } from "./dom.js";
 import { catalogue, hexOffset, parseItem, plainTypes, searchRows, unitText, unitsLike, valueText, whyReadOnly }
   from "./catalogue.js";
 import { makeForm, makeSwitch } from "./editor.js";
-
-const four = (pattern) => [1, 2].map((n) => pattern.replace("#", n));
-const readyMade = {
-  Flight: ["ias", "indicated_altitude:ft", "vertical_speed:ft/min", "heading", "pitch", "bank", "ground_speed:kt", "mach",
-    "radio_altitude:ft", "on_ground", "latitude", "longitude", "altimeter_setting", "load_factor", "pause"],
-  Radios: ["com1", "com_standby1", "com2", "com_standby2", "nav1", "nav_standby1", "nav2", "nav_standby2", "adf1", "adf2",
-    "transponder", "transponder_mode", "audio_panel", "obs1", "obs2", "nav_ident1", "dme1"],
-  Engines: ["engine_type", ...["running_eng#", "throttle#", "n1_eng#", "n2_eng#", "egt_eng#", "fuel_flow_eng#",
-    "oil_pressure_eng#", "oil_temp_eng#", "mixture#"].flatMap(four)],
-  Autopilot: ["ap", "fd", "autothrottle", "ap_heading", "ap_heading_bug", "ap_nav", "ap_approach", "ap_altitude",
-    "ap_altitude_set:ft", "ap_vertical_speed", "ap_vertical_speed_set", "ap_speed", "ap_ias_set", "yaw_damper"],
-  Controls: ["gear", "nose_gear", "left_gear", "right_gear", "flaps", "left_flap_position", "speed_brake",
-    "parking_brake", "elevator", "aileron", "rudder", "elevator_trim", "autobrake"],
-  "Electrics and lights": ["battery", "avionics", "generators", "apu_switch", "apu_speed", "lights", "landing_lights",
-    "beacon_strobe", "pitot_heat", "fuel_pumps"],
-  "Fuel and weight": ["fuel_total", "fuel_left", "fuel_centre", "fuel_right", "fuel_left_capacity", "gross_weight",
-    "zero_fuel_weight", "fuel_flow_eng1", "fuel_flow_eng2"],
-  Weather: ["qnh:hPa", "oat", "wind", "wind_from", "visibility", "dew_point", "cloud_base1:ft", "cloud_type1", "wind_speed1",
-    "wind_direction1", "turbulence1"],
-  "Aircraft and clock": ["aircraft", "atc_tail_number", "version", "local_time", "zulu_hour", "zulu_minute", "day_of_year",
-    "frame_time", "sim_rate"],
-};
-function fresh(names) {
-  return names.map((text) => {
-    const [name, unit] = text.split(":");
-    return { name, unit };
-  }).filter(({ name }) => catalogue.byName.has(name));
-}
-
-/** The lists as the browser remembers them: name -> [{name, unit?}]; what is broken in there is left out. */
-export function loadLists() {
-  const stored = recall("lists", null);
-  const lists = new Map();
-  if (stored && Array.isArray(stored)) {
-    for (const [name, items] of stored) {
-      if (typeof name === "string" && Array.isArray(items)) {
-        lists.set(name, items.filter((item) => item && typeof item.name === "string" && parseItem(item.name)));
-      }
-    }
-  }
-  if (!lists.size) for (const [name, names] of Object.entries(readyMade)) lists.set(name, fresh(names));
-  return lists;
-}
-const saveLists = (lists) => remember("lists", [...lists]);
-
-/** Adds an item to the list that is open in the watch view; the table follows when it is shown. */
-export function addToWatch(name) {
-  const lists = loadLists();
-  let list = recall("list", "Flight");
-  if (!lists.has(list)) [list] = lists.keys();
-  if (!lists.get(list).some((item) => item.name === name)) lists.get(list).push({ name });
-  saveLists(lists);
-  announce(`${name} added to ${list}`);
-  return list;
-}
+import { loadLists, readyLists, saveLists } from "./lists.js";
 
 export function ageText(seconds) {
   if (!(seconds >= 1)) return "now";
@@ -120,13 +66,15 @@ export function createWatch(root) {
     const display = () => { setText(unit, unitText(item, entry0.unit)); };
     let form = null;
     const edit = isSwitch ? toggle.node : why
-      ? h("button", { type: "button", class: "icon flat lock", title: why, "aria-label": `${item.name} is read-only: why?`,
+      ? h("button", { type: "button", class: "icon flat lock", title: why,
+        "aria-label": `${item.name} is read-only: why?`,
         onclick: () => {
           outcome.className = "outcome";
           setText(outcome, outcome.textContent ? "" : why);
           if (outcome.textContent) announce(why);
         } }, icon("M7 11V8a5 5 0 0 1 10 0v3M5 11h14v9H5z"))
-      : h("button", { type: "button", class: "icon flat", "aria-label": `Change ${item.name}`, title: "Change", onclick: () => {
+      : h("button", { type: "button", class: "icon flat", "aria-label": `Change ${item.name}`, title: "Change",
+        onclick: () => {
         if (form) {
           closeForm(entry0.unit);
           return;
@@ -156,7 +104,8 @@ export function createWatch(root) {
         h("small", {}, item.row ? item.row.meaning + (item.row.positive ? `, positive: ${item.row.positive}` : "")
           : `${item.type} as stored`)),
       h("span", { role: "cell", class: "value" }, value, " ",
-        units.length > 1 ? h("button", { type: "button", class: "unit", title: "Next unit", "aria-label": `Unit of ${item.name}`,
+        units.length > 1 ? h("button", { type: "button", class: "unit", title: "Next unit",
+          "aria-label": `Unit of ${item.name}`,
           onclick: () => {
             const at = units.indexOf(entry0.unit || item.row.unit);
             entry0.unit = units[(at + 1) % units.length];
@@ -269,12 +218,14 @@ export function createWatch(root) {
     showResults();
   } }, "Browse by subject");
   const searchError = h("p", { class: "bad" });
-  const query = h("input", { type: "search", id: "query", placeholder: "heading, com1, engine, 0x0330 …", spellcheck: "false",
+  const query = h("input", { type: "search", id: "query", placeholder: "heading, com1, engine, 0x0330 …",
+    spellcheck: "false",
     autocomplete: "off", oninput: () => showResults() });
 
   function resultButton(name, label, detail) {
     const isThere = rows.has(name);
-    return h("li", {}, h("button", { type: "button", class: "result", "aria-pressed": String(isThere), onclick: (event) => {
+    return h("li", {}, h("button", { type: "button", class: "result", "aria-pressed": String(isThere),
+      onclick: (event) => {
       if (rows.has(name)) remove(name);
       else add(name);
       const isNow = rows.has(name);
@@ -309,7 +260,8 @@ export function createWatch(root) {
     results.replaceChildren(...parts);
     results.classList.toggle("idle", !text && !isBrowsing);
     browse.hidden = Boolean(text);
-    setText(found, text ? `${matches.length} of ${catalogue.rows.length} offsets` : `${catalogue.rows.length} offsets by subject`);
+    setText(found, text ? `${matches.length} of ${catalogue.rows.length} offsets`
+      : `${catalogue.rows.length} offsets by subject`);
   }
 
   function freeItems(text) {
@@ -320,7 +272,8 @@ export function createWatch(root) {
   }
 
   // ---- lists ----
-  const chooser = h("select", { id: "lists", onchange: () => { location.hash = "watch/" + encodeURIComponent(chooser.value); } });
+  const chooser = h("select", { id: "lists",
+    onchange: () => { location.hash = "watch/" + encodeURIComponent(chooser.value); } });
   const nameField = h("input", { type: "text", maxlength: "40", id: "listName", "aria-label": "Name of the list" });
   const nameError = h("span", { class: "bad" });
   let naming = null;  // what happens with the name
@@ -363,30 +316,40 @@ export function createWatch(root) {
     h("button", { type: "button", onclick: () => {
       const gone = list, items = lists.get(list);
       lists.delete(list);
-      if (!lists.size) lists = new Map(Object.entries(readyMade).map(([name, names]) => [name, fresh(names)]));
+      if (!lists.size) lists = readyLists();
       saveLists(lists);
-      undo.hidden = false;
-      setText(undo, `Bring ${gone} back`);
-      undo.onclick = () => {
-        undo.hidden = true;
-        lists.set(gone, items);
-        saveLists(lists);
-        openList(gone);
-      };
+      offerUndo(`Bring ${gone} back`, () => { lists.set(gone, items); }, gone);
       openList([...lists.keys()][0]);
     } }, "Delete"),
     h("button", { type: "button", title: "The lists that come with the program, as they were", onclick: () => {
-      for (const [name, names] of Object.entries(readyMade)) lists.set(name, fresh(names));
+      const before = lists;
+      lists = new Map(lists);
+      offerUndo("Undo restoring", () => { lists = before; });
+      for (const [name, items] of readyLists()) lists.set(name, items);
       saveLists(lists);
       showLists();
       rebuild();
       announce("Ready-made lists restored");
     } }, "Restore ready-made"));
-  const undo = h("button", { type: "button", class: "undo", hidden: true });
+  const undo = h("button", { type: "button", hidden: true });
   listBar.append(undo);
+  function offerUndo(text, restore, open) {
+    undo.hidden = false;
+    setText(undo, text);
+    undo.onclick = () => {
+      undo.hidden = true;
+      restore();
+      saveLists(lists);
+      if (open) openList(open);
+      showLists();
+      rebuild();
+      chooser.focus();
+    };
+  }
 
   function showLists() {
-    chooser.replaceChildren(...[...lists].map(([name, items]) => h("option", { value: name }, `${name} (${items.length})`)));
+    chooser.replaceChildren(...[...lists].map(([name, items]) => h("option", { value: name },
+      `${name} (${items.length})`)));
     chooser.value = list;
   }
 
@@ -395,7 +358,8 @@ export function createWatch(root) {
     h("label", { for: "query", class: "sr" }, "Search offsets by name, meaning, subject, unit or number"), query, found,
     browse, searchError, results);
   root.append(h("div", { class: "watchGrid" },
-    h("section", { class: "card lists", "aria-labelledby": "listTitle" }, h("h2", { id: "listTitle" }, "Watch"), listBar,
+    h("section", { class: "card lists", "aria-labelledby": "listTitle" }, h("h2", { id: "listTitle" }, "Watch"),
+      listBar,
       nameForm, table, empty), searchPane));
   query.addEventListener("keydown", async (event) => {
     if (event.key !== "Enter") return;
@@ -434,8 +398,4 @@ export function createWatch(root) {
       stop = null;
     },
   };
-}
-
-export function icon(path) {
-  return h("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, h("path", { d: path }));
 }
