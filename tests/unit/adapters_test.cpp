@@ -367,6 +367,16 @@ TEST_F(Adapters, NamesThatAppearLateAreFound) {
   EXPECT_EQ(Logged("IXEG found, datarefs loaded\n"), 1);
   EXPECT_EQ(Logged("IXEG found, commands loaded\n"), 0);
   EXPECT_EQ(Logged(", but none of its names\n"), 1);
+  // The cycle that finds a plug-in is followed at once.
+  ASSERT_EQ(sim::SimCommand("aircraft ec135"), "ok");
+  DetectLoadedAircraft();
+  ASSERT_EQ(sim::SimCommand("plugin rotorsim.ec135.management off"), "ok");
+  RunEc135Adapter();
+  ASSERT_EQ(sim::SimCommand("plugin rotorsim.ec135.management on"), "ok");
+  rows::Set("rotorsim/ec135/battery", 2);
+  RunEc135Adapter();
+  rows::Refresh(Cycle::C31Navigation);
+  EXPECT_EQ(rows::Read<uint8_t>(0x3102), 1);
 }
 
 }  // namespace
