@@ -213,6 +213,7 @@ TEST_F(AtcTextSaving, WhatWaitsAtDisableIsSaved) {
 
 // Both in one frame, which takes them; later ones save them; an enable shows them to clients.
 TEST_F(AtcTextSaving, FramesTakeAndSaveThemAndEnableShowsThem) {
+  sim::SimFrames(70);  // the first write cycle comes after a second
   WriteText(0x3130, "AB 12");
   WriteText(0x313C, "D-EXAMPLEXYZ");
   sim::SimFrames(1);
