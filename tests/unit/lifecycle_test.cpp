@@ -264,6 +264,23 @@ TEST_F(Lifecycle, CrashWordStandsForFiveCallsOfTheWatch) {
   EXPECT_EQ(word(), 7) << "cleared once";
 }
 
+TEST_F(Lifecycle, OverridesAreTold) {
+  Begin();
+  EXPECT_EQ(OverridesOn(), 0);
+  int bit = 1;
+  for (const char* name : {"joystick_pitch", "joystick_roll", "joystick_heading", "throttles"}) {
+    const std::string override = std::string("sim/operation/override/override_") + name;
+    rows::Set(override, 1);
+    EXPECT_EQ(OverridesOn(), bit) << name;
+    OverrideWatch(0, 0, 0, nullptr);
+    const bool watched[] = {overrideState.pitch, overrideState.roll, overrideState.heading,
+                            overrideState.throttles};
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(watched[i], bit == 1 << i) << name;
+    rows::Set(override, 0);
+    bit <<= 1;
+  }
+}
+
 TEST_F(Lifecycle, WordsOfTheStart) {
   Begin();
   rows::ExpectShown(

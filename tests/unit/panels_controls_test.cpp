@@ -222,6 +222,8 @@ TEST_F(ButtonPanel, AssignsWhatIsPressedThread) {
   EXPECT_EQ(Shows(pressedIs), "") << "a press of before";
   Do({pressedIs, "12", ""});
   EXPECT_EQ(Draft(), "66F0 2 4661 0");
+  SimCommand("type \"" + std::string(sizeLabel) + "\" \"444\"");
+  EXPECT_EQ(Shows(sizeLabel), "44") << "no more fits";
 }
 
 // What the user has changed is never given up by a press of another button, and a line that is refused says
