@@ -373,7 +373,7 @@ TEST_F(Adapters, NamesThatAppearLateAreFound) {
   ASSERT_EQ(sim::SimCommand("plugin rotorsim.ec135.management off"), "ok");
   RunEc135Adapter();
   ASSERT_EQ(sim::SimCommand("plugin rotorsim.ec135.management on"), "ok");
-  rows::Set("rotorsim/ec135/battery", 2);
+  rows::SetAll({{"rotorsim/ec135/battery", 2}, {"sim/cockpit/electrical/battery_on", 0}});
   RunEc135Adapter();
   rows::Refresh(Cycle::C31Navigation);
   EXPECT_EQ(rows::Read<uint8_t>(0x3102), 1);
