@@ -349,8 +349,8 @@ TEST_F(Adapters, NamesThatAppearLateAreFound) {
   EXPECT_LT(own, names + 20 * 8) << "at most one run of them, and the recognition's own";
   DetectLoadedAircraft();
   RunCycles();
-  for (const char* line :
-       {"define x737/systems/afds/CMD_A int 1", "define x737/systems/afds/HDG_magnhdg float 90"}) {
+  for (const char* line : {"define x737/systems/afds/CMD_A int 1", "define x737/systems/afds/APengaged int 1",
+                           "define x737/systems/afds/HDG_magnhdg float 90"}) {
     ASSERT_EQ(sim::SimCommand(line), "ok");
   }
   RunCycles();
@@ -359,6 +359,12 @@ TEST_F(Adapters, NamesThatAppearLateAreFound) {
   EXPECT_EQ(rows::Read<uint32_t>(0x07BC), 1U);
   rows::WriteNew(0x07CC, Stored::U16, 0x8000);
   EXPECT_NEAR(rows::Get("x737/systems/afds/HDG_magnhdg"), 180, 0.05);
+  // Without the buttons' commands the autopilot is set.
+  rows::WriteNew(0x07BC, Stored::U32, 0);
+  EXPECT_EQ(rows::Get("x737/systems/afds/APengaged"), 0);
+  rows::Set("x737/systems/afds/CMD_A", 0);
+  rows::WriteNew(0x07BC, Stored::U32, 1);
+  EXPECT_EQ(rows::Get("x737/systems/afds/CMD_A"), 1);
   EXPECT_EQ(Logged(": served by the adapter for x737\n"), 1);
   // The simulator's commands are no add-on's, and nothing is nothing.
   ASSERT_EQ(sim::SimCommand("define ixeg/733/misc/seatbelt_act float 0"), "ok");
@@ -367,6 +373,16 @@ TEST_F(Adapters, NamesThatAppearLateAreFound) {
   EXPECT_EQ(Logged("IXEG found, datarefs loaded\n"), 1);
   EXPECT_EQ(Logged("IXEG found, commands loaded\n"), 0);
   EXPECT_EQ(Logged(", but none of its names\n"), 1);
+  // The cycle that finds a plug-in is followed at once.
+  ASSERT_EQ(sim::SimCommand("aircraft ec135"), "ok");
+  DetectLoadedAircraft();
+  ASSERT_EQ(sim::SimCommand("plugin rotorsim.ec135.management off"), "ok");
+  RunEc135Adapter();
+  ASSERT_EQ(sim::SimCommand("plugin rotorsim.ec135.management on"), "ok");
+  rows::SetAll({{"rotorsim/ec135/battery", 2}, {"sim/cockpit/electrical/battery_on", 0}});
+  RunEc135Adapter();
+  rows::Refresh(Cycle::C31Navigation);
+  EXPECT_EQ(rows::Read<uint8_t>(0x3102), 1);
 }
 
 }  // namespace

@@ -201,7 +201,7 @@ TEST_F(Buttons, AreWatchedWhenAssignedOrAskedFor) {
   EXPECT_FALSE(WantsButtons());
   press(5);
   EXPECT_EQ(LastButtonPress().button, -1);
-  ButtonCycle(0, 0, 0, nullptr);
+  EXPECT_EQ(ButtonCycle(0, 0, 0, nullptr), -1) << "every frame";
   EXPECT_EQ(LastButtonPress().button, -1) << "was held before";
   press(6);
   EXPECT_EQ(LastButtonPress().button, 6);

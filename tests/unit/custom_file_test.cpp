@@ -93,6 +93,10 @@ TEST(CustomFile, OrderIsSigned) {
 }
 
 TEST(CustomFile, Limits) {
+  CustomType type = CustomType::F64;
+  uint8_t size = 8;
+  EXPECT_FALSE(FindCustomType("uint8", &type, &size));
+  EXPECT_TRUE(type == CustomType::U8 && size == 0) << "nothing of what stood there";
   const std::string good = "Offset 1 UINT8 1 r 1\n";
   EXPECT_EQ(Parsed(good + "#" + std::string(4094, 'x') + "\r\n" + good).offsets.size(), 2u);
   EXPECT_EQ(Parsed(good + "#" + std::string(4095, 'x') + "\n").result, 0);

@@ -175,6 +175,7 @@ TEST_F(CustomRuntime, ClientWritesSetDatarefs) {
   Write<uint16_t>(0x66D4, 0x1FF);
   WriteFrame();
   EXPECT_EQ(Get("t/bytes[1]"), 0xFF);
+  EXPECT_EQ(custom::Writes(), "t/bytes[1]=\"\\xFF\"") << "and nothing behind it";
   // An entry of size 0 is passed over, and nothing fixed lies there either.
   for (const uint32_t offset : {0x66DAU, 0x1FFFFU}) EXPECT_EQ(Write<uint8_t>(offset, 1), 0);
 }

@@ -60,7 +60,9 @@ std::string Play(const std::string& calls) {
     switch (call) {
       case 'S':
         answers += XPluginStart(texts[0], texts[1], texts[2]) ? '1' : '0';
+        EXPECT_STREQ(texts[0], "TAVRIX/TAVFARNET");
         EXPECT_STREQ(texts[1], "TAVRIX/TAVFARNET.");
+        EXPECT_STREQ(texts[2], "A plugin that emulates morven.dll and FARNET.");
         break;
       case 'E':
         answers += XPluginEnable() ? '1' : '0';

@@ -211,6 +211,25 @@ TEST_F(AtcTextSaving, WhatWaitsAtDisableIsSaved) {
   EXPECT_STREQ(settings.atcTailNumber, "SEEN BY NONE");
 }
 
+// Both in one frame, which takes them; later ones save them; an enable shows them to clients.
+TEST_F(AtcTextSaving, FramesTakeAndSaveThemAndEnableShowsThem) {
+  sim::SimFrames(70);  // the first write cycle comes after a second
+  WriteText(0x3130, "AB 12");
+  WriteText(0x313C, "D-EXAMPLEXYZ");
+  sim::SimFrames(1);
+  EXPECT_STREQ(settings.atcNumber, "AB 12");
+  EXPECT_STREQ(settings.atcTailNumber, "D-EXAMPLEXYZ");
+  EXPECT_TRUE(tools::WaitUntil([&] {
+    sim::SimFrames(1);
+    return Saved("ATC Number") == "AB 12" && Saved("ATC Tail Number") == "D-EXAMPLEXYZ";
+  }));
+  sim::SimCommand("disable");
+  std::fill_n(offsetMemory.bytes + 0x3130, 2 * atcTextSize, uint8_t{0xFF});
+  sim::SimCommand("enable");
+  EXPECT_EQ(rows::ReadString(0x3130, atcTextSize), "AB 12");
+  EXPECT_EQ(rows::ReadString(0x313C, atcTextSize), "D-EXAMPLEXYZ");
+}
+
 TEST_F(AtcTextSaving, AFailingSaveIsToldOnceAndTriedAgain) {
   const std::string blocked = (own / "TAVRIX.ini.tmp").string();
   std::filesystem::create_directories(blocked);

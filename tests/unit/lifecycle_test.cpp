@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -16,6 +17,7 @@
 #include "custom/custom.h"
 #include "panels/panels.h"
 #include "row_harness.h"
+#include "shell/override_watch.h"
 #include "test_tools.h"
 
 namespace {
@@ -184,6 +186,137 @@ TEST_F(Lifecycle, EveryCycleFollowsANewAircraft) {
           << "offset 0x" << std::hex << row.offset;
     }
   }
+}
+
+// What each loop waits for, in the order of their registration: at first, and whenever it has run; seconds, or
+// frames with an f.
+TEST_F(Lifecycle, LoopsKeepTheirPace) {
+  using Waits = std::vector<std::string>;
+  const auto waits = [] {
+    std::istringstream loops(SimCommand("loops") + ';');
+    Waits found;
+    for (std::string word; loops >> word;) {
+      if (word.back() == ';')
+        found.push_back(word.substr(word.find('=') + 1, word.find(';') - word.find('=') - 1));
+    }
+    return found;
+  };
+  // Waiting only gets shorter.
+  const auto hasRun = [](const std::string& now, const std::string& before) {
+    if (now == "off" || now.ends_with('f') != before.ends_with('f')) return now != before;
+    return std::stod(now) > std::stod(before);
+  };
+  const auto play = [&](int frames) {
+    Waits all = waits(), before = all;
+    for (int frame = 0; frame < frames; ++frame) {
+      if (frame == 600) SimCommand("aircraft prop");
+      sim::SimFrames(1);
+      const Waits now = waits();
+      for (size_t i = 0; i < all.size(); ++i) {
+        const bool isNew = all[i] != now[i] && !all[i].ends_with(' ' + now[i]);
+        if (hasRun(now[i], before[i]) && isNew) all[i] += ' ' + now[i];
+      }
+      before = now;
+    }
+    return all;
+  };
+  Begin();
+  EXPECT_EQ(play(800),
+            (Waits{"1f off", "1.0 1f", "0.5 1f", "0.5 3f", "0.6 7f", "0.5 13f", "1.0 0.5 31f 0.5 31f",
+                   "1.0 31f", "1.0 59f", "1.0 157f", "1.0 313f", "1.0", "1.0 1f", "0.2 0.1", "1.0"}));
+  SimCommand("disable");
+  SimCommand("enable");
+  EXPECT_EQ(play(100)[6], "1.0 0.5 31f") << "each enable begins so";
+  EXPECT_EQ(sim::SimStop(), 0);
+  Put("TAVRIX.ini", "[TAVRIX SETTINGS]\nTAVRIX2TAVRIX Client mode = Yes\n");
+  Begin();
+  EXPECT_EQ(play(70), (Waits{"1f off", "1.0 1f"}));
+}
+
+TEST_F(Lifecycle, CrashWordStandsForFiveCallsOfTheWatch) {
+  constexpr uint32_t crashWord = 0x0840;
+  const auto word = [] { return rows::Read<uint16_t>(crashWord); };
+  const auto watch = [](int calls) {
+    while (calls-- > 0) OverrideWatch(0, 0, 0, nullptr);
+  };
+  const auto put = [](uint16_t value) { CopyToMemory(crashWord, sizeof value, &value); };
+  Begin();
+  put(7);
+  watch(4);
+  EXPECT_EQ(word(), 7);
+  watch(1);
+  EXPECT_EQ(word(), 0) << "each enable begins without one";
+  ReceivePluginMessage(XPLM_PLUGIN_XPLANE, XPLM_MSG_PLANE_CRASHED, nullptr);
+  EXPECT_EQ(word(), 1);
+  watch(4);
+  ReceivePluginMessage(XPLM_PLUGIN_XPLANE, XPLM_MSG_PLANE_CRASHED, nullptr);
+  watch(4);
+  EXPECT_EQ(word(), 1) << "the second crash counts anew";
+  tools::LockHolder holder;
+  holder.Take(&offsetLock);
+  watch(1);
+  holder.LetGo();
+  EXPECT_EQ(word(), 1) << "the lock was busy";
+  watch(1);
+  EXPECT_EQ(word(), 0);
+  put(7);
+  watch(6);
+  EXPECT_EQ(word(), 7) << "cleared once";
+}
+
+TEST_F(Lifecycle, OverridesAreTold) {
+  Begin();
+  EXPECT_EQ(OverridesOn(), 0);
+  int bit = 1;
+  for (const char* name : {"joystick_pitch", "joystick_roll", "joystick_heading", "throttles"}) {
+    const std::string override = std::string("sim/operation/override/override_") + name;
+    rows::Set(override, 1);
+    EXPECT_EQ(OverridesOn(), bit) << name;
+    OverrideWatch(0, 0, 0, nullptr);
+    const bool watched[] = {overrideState.pitch, overrideState.roll, overrideState.heading,
+                            overrideState.throttles};
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(watched[i], bit == 1 << i) << name;
+    rows::Set(override, 0);
+    bit <<= 1;
+  }
+}
+
+TEST_F(Lifecycle, WordsOfTheStart) {
+  Begin();
+  rows::ExpectShown(
+      {{0x3304, rows::U32, 0x50000008}, {0x3308, rows::U32, 0xFADE0008}, {0x3BFA, rows::U16, 2047}});
+  EXPECT_EQ(rows::ReadString(0x6F03, 9), "2.0.5.25") << "and no terminator behind it";
+}
+
+// The lines of a disable with a star for the time, without those of the network and of windows of the system.
+TEST_F(Lifecycle, StoppingTellsItsSteps) {
+  Begin();
+  sim::SimFrames(3);
+  SimCommand("disable");
+  const std::string log = Log();
+  std::istringstream end(log.substr(log.rfind(std::string(50, '-'))));
+  std::string lines;
+  for (std::string line; std::getline(end, line);) {
+    if (line.find("TAVFAR") != std::string::npos || line.find("KORLMain") != std::string::npos) continue;
+    if (line.find("Closing Window") != std::string::npos || line.find("capturewindow") != std::string::npos)
+      continue;
+    const bool isStamped = line.size() > 12 && line[2] == ':' && line[8] == ':';
+    lines += (isStamped ? '*' + line.substr(12) : line) + '\n';
+  }
+  EXPECT_EQ(lines, std::string(50, '-') + R"(
+* TAVRIX->Starting deinit
+* TAVRIX->Stopping HTTP.....
+* TAVRIX->Stopping pushback.....
+* TAVRIX->Closing KORL main window.....
+* TAVRIX->Closing Joystick Thread......
+* TAVRIX->Closing ATC Thread......
+TAVRIX->00 ATC Threads active......
+Done
+TAVRIX->Release critical sections
+TAVRIX->Purging TAVRIXOffsets.cfg
+* TAVRIX deinit OK!
+* TAVRIX Disable !
+)");
 }
 
 // Also when a thread of ours has the positions at that moment: the next call is early enough.

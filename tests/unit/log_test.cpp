@@ -294,6 +294,7 @@ TEST_F(Log, UnusableFolderGivesOneReportAndNoMore) {
     EXPECT_FALSE(ReopenMainLog());
     FlushLogs();
     EXPECT_EQ(reports.size(), 1u);
+    EXPECT_FALSE(OpenLogs(unusable.c_str(), nullptr)) << "with nobody to tell";
   }
 }
 

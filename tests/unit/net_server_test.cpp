@@ -114,6 +114,10 @@ TEST_F(NetServerThreads, TheLastClientEndsTheBurstsAndTheNextOneStartsThemAgain)
 TEST_F(NetServerThreads, ANinthClientWaitsUntilOneLeavesAgainAndAgain) {
   Start();
   ConnectAll();
+  std::vector<std::string> listed;
+  EXPECT_TRUE(net::WaitUntil([&] { return TryListClients(&listed); }));
+  EXPECT_EQ(listed.size(), 8u);
+  EXPECT_TRUE(listed[7].starts_with("127.0.0.1 ")) << listed[7];
   Client ninth;
   for (int round = 1; round <= 2; ++round) {
     ASSERT_TRUE(net::WaitUntil([&] { return CountText(Log(), "Maximum of clients reached 8\n") == round; }))

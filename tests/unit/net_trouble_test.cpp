@@ -327,6 +327,20 @@ TEST_F(NetTroubleThreads, AcceptedButWithoutHandlesToServe) {
   net::Disconnect(&first);
   net::Disconnect(&last);
 }
+
+TEST_F(NetTroubleThreads, AStartWithoutHandlesSaysSoAndFreesThePorts) {
+  ASSERT_TRUE(OpenNetworkServer());
+  {
+    const FewHandles none(0);
+    EXPECT_FALSE(StartNetworkServer());
+  }
+  EXPECT_FALSE(NetworkServerRuns());
+  Start();
+  Client client;
+  EXPECT_TRUE(net::Connect(&client));
+  EXPECT_FALSE(net::ReceiveType(&client, 6).empty());
+  net::Disconnect(&client);
+}
 #endif
 
 TEST(Permissions, AddressesAndNetworksByCommas) {

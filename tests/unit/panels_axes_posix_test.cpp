@@ -58,6 +58,7 @@ TEST_F(AxisPanels, CalibratesALeverThread) {
   Do("Calibrate by moving", nullptr, "The axis was hardly moved: the old ends stay");
   Do("Calibrate by moving", nullptr, "Move the axis to both ends, then switch this off");
   Stick(7, 0.25, "Axis stands at", "0.250 |");
+  Stick(7, 0.25, "Minimum,centre,maximum", "0.25,0.375,0.5");
   Stick(7, 0.75, "Axis stands at", "0.750 |");
   Do("CENTRE", nullptr, "The axis stands at an end, or the ends are not known yet");
   Do("Calibrate by moving", nullptr, "Let the axis go and press CENTRE, or save");

@@ -109,12 +109,13 @@ TEST_F(Panels, Flaps) {
          {"Detent 2", "1,2,3,4", numbers},
          {"Detent 2", ",", numbers},
          {"Detent 1", "0,,0.05", "Saved"},
+         {"Detent 2", "0.125", "Saved"},
          {"Detent 9", "0.5", "Written, but spaced evenly: each detent lies at least 0.02 above the one before"},
          {"Detent 9", "", "Saved"},
          {"Detent 8", "40", "Written, but spaced evenly: a detent's position is from 0 to 1"}});
   EXPECT_EQ(setting("Flap Settings") + ' ' + setting("Number of Detends"), "Active 09");
   EXPECT_EQ(setting("Flap detend 1") + ' ' + setting("Flap detend 2") + ' ' + setting("Flap detend 9"),
-            "0,,0.05  ");
+            "0,,0.05 0.125 ");
   EXPECT_EQ(FaultsOf(1024, 768), "");
   Stop();
   Begin();
@@ -222,6 +223,8 @@ TEST_F(ButtonPanel, AssignsWhatIsPressedThread) {
   EXPECT_EQ(Shows(pressedIs), "") << "a press of before";
   Do({pressedIs, "12", ""});
   EXPECT_EQ(Draft(), "66F0 2 4661 0");
+  SimCommand("type \"" + std::string(sizeLabel) + "\" \"444\"");
+  EXPECT_EQ(Shows(sizeLabel), "44") << "no more fits";
 }
 
 // What the user has changed is never given up by a press of another button, and a line that is refused says

@@ -24,11 +24,14 @@ std::string TextAt(uint32_t offset) {
 TEST_F(Panels, Menu) {
   const std::string top = "TAVRIX > ", plus = top + "TAVRIX+ > ", joystick = plus + "Joystick functions > ",
                     misc = plus + "Misc. functions > ";
-  EXPECT_EQ(SimCommand("menu"),
-            "ok " + top + "TAVRIX Version and Info; " + top + "ATC Menu; " + top + "-; " + joystick +
-                "Joystick Button Assignments; " + joystick + "Joystick Calibration Assignments; " + joystick +
-                "Joystick Axis Combining Assignments; " + misc + "Push Back Settings; " + misc +
-                "Flaps settings; " + top + "-; " + top + "TAVRIX settings > Performance settings");
+  const std::string menu = "ok " + top + "TAVRIX Version and Info; " + top + "ATC Menu; " + top + "-; " +
+                           joystick + "Joystick Button Assignments; " + joystick +
+                           "Joystick Calibration Assignments; " + joystick +
+                           "Joystick Axis Combining Assignments; " + misc + "Push Back Settings; " + misc +
+                           "Flaps settings; " + top + "-; " + top + "TAVRIX settings > Performance settings";
+  EXPECT_EQ(SimCommand("menu"), menu);
+  EXPECT_EQ(SimCommand("reload"), "ok");
+  EXPECT_EQ(SimCommand("menu"), menu) << "once again, and no second time";
 }
 
 // All windows at once: each label can be read, the windows cascade, and a hundred rounds leave no more widgets

@@ -1,4 +1,5 @@
-// A client's block whose page has to be fetched while its record is served.
+// A client's block whose page has to be fetched while its record is served; the simulator's folder as clients
+// on other computers see it.
 #include <signal.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -7,7 +8,27 @@
 #include <thread>
 
 #include "offsets/request_walk.h"
+#include "platform/system.h"
 #include "row_harness.h"
+
+namespace {
+
+bool hasShare;  // the computer shares a folder, which only Windows tells of
+
+}  // namespace
+
+extern "C" {
+std::vector<SharedFolder> __real__Z17ListSharedFoldersv();
+std::vector<SharedFolder> __wrap__Z17ListSharedFoldersv();
+bool __real__Z11IsDirectoryPKc(const char* path);
+bool __wrap__Z11IsDirectoryPKc(const char* path);
+
+std::vector<SharedFolder> __wrap__Z17ListSharedFoldersv() {
+  if (!hasShare) return __real__Z17ListSharedFoldersv();
+  return {{"games", "C:\\Games"}};
+}
+bool __wrap__Z11IsDirectoryPKc(const char* path) { return hasShare || __real__Z11IsDirectoryPKc(path); }
+}
 
 namespace {
 
@@ -70,6 +91,26 @@ TEST(RequestMemory, PageThatIsFetchedHoldsNobodyUp) {
   std::memcpy(&answer, block + 16, sizeof answer);
   EXPECT_EQ(answer, content);
   munmap(block, blockSize);
+  rows::Stop();
+}
+
+TEST(RequestPaths, ClientsOnOtherComputersGetTheNetworkPath) {
+  rows::Start();
+  hasShare = true;
+  PrepareFolders("C:\\Games\\X-Plane 9\\");
+  hasShare = false;
+  const std::string network = "\\\\" + ComputerName() + "\\games\\X-Plane 9\\";
+  static RequestScratch scratch;
+  // In turns: each read finds what the one before has left.
+  for (const auto& [source, folder] : {std::pair{PathSource::Local, std::string("C:\\Games\\X-Plane 9\\")},
+                                       {PathSource::Network, network},
+                                       {PathSource::Local, "C:\\Games\\X-Plane 9\\"}}) {
+    uint32_t words[4 + 64 + 1] = {recordRead, 0x3E00, 256};
+    auto* bytes = reinterpret_cast<uint8_t*>(words);
+    EXPECT_TRUE(ServeRecords(bytes, sizeof words, source, CountRequest(), &scratch, nullptr));
+    EXPECT_STREQ(reinterpret_cast<const char*>(words + 4), folder.c_str());
+  }
+  PrepareFolders("");
   rows::Stop();
 }
 

@@ -282,6 +282,24 @@ TEST_F(Request, LastWriteWinsForEveryOffsetInAnyOrder) {
   }
 }
 
+// It is acted on after the request that wrote it, however that ended, and after no other one.
+TEST_F(Request, WeatherAreaIsMarkedByTheRequestThatWroteIt) {
+  struct Case {
+    uint32_t offset;
+    bool ends;
+    uint32_t marked;
+  };
+  for (const Case& test : {Case{0x66C0, true, 0}, {0xC800, true, 1}, {0xC800, false, 1}}) {
+    weatherBlockReady = 0;
+    Block block;
+    block.WriteRecord(test.offset, std::vector<uint8_t>(128, 1)).WriteRecord(0x66D0, {1});
+    if (test.ends) block.End();
+    EXPECT_EQ(block.Serve(), test.ends);
+    EXPECT_EQ(weatherBlockReady, test.marked) << std::hex << test.offset;
+  }
+  ClearRequestMarks();
+}
+
 TEST_F(Request, PathBlockFollowsTheServer) {
   PrepareFolders("C:\\X-Plane 9\\");
   Block whole;

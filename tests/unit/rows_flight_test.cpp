@@ -238,6 +238,17 @@ TEST_F(FlightRows, MovesTheAircraftOnce) {
   EXPECT_EQ(repositionRecord.latitude, 0);
 }
 
+// Two bytes or four, whichever the record has: what it holds beyond them has no meaning there.
+TEST_F(FlightRows, NewRepositionTakesTwoOrFourBytes) {
+  for (const auto& [size, known] : {std::pair{1U, true}, {2U, true}, {3U, false}, {4U, true}, {5U, false}}) {
+    const uint8_t bytes[5] = {static_cast<uint8_t>(size)};  // another value each time
+    repositionRecord.latitude = 50;
+    EXPECT_EQ(rows::WriteBytes(0x0558, bytes, size), known) << size;
+    RunWriters();
+    EXPECT_EQ(repositionRecord.latitude, 0) << size;
+  }
+}
+
 TEST_F(FlightRows, QuaternionAndEulerAngles) {
   const double half = std::sqrt(0.5);
   const struct {

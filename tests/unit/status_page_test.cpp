@@ -93,7 +93,9 @@ TEST_F(StatusPageThread, EveryRequestGetsThePageAndABrowserALineAMinute) {
     net::Disconnect(&browser);
     ASSERT_TRUE(net::Connect(&browser, statusPort));
   }
+  EXPECT_TRUE(StatusPageRuns());
   StopStatusPage();
+  EXPECT_FALSE(StatusPageRuns());
   // What a browser sends can neither begin lines of its own nor steer the terminal of who reads the log.
   EXPECT_EQ(Log("httpLog.txt"),
             "http log\nhttp command=GET / HTTP/1.1\\r\\nHost: \\x1B[2Jx\\r\\n\\r\\n\nClosing http thread\n");

@@ -197,6 +197,15 @@ TEST_F(Traffic, HeaderForEveryCount) {
   EXPECT_EQ(Read<uint16_t>(nearest), 0);
 }
 
+TEST_F(Traffic, BusyPositionsAreToldAndTakenAtTheNextCall) {
+  Begin(2);
+  tools::LockHolder holder;
+  holder.Take(&trafficLock);
+  EXPECT_FALSE(FillTrafficPositions());
+  holder.LetGo();
+  EXPECT_TRUE(FillTrafficPositions());
+}
+
 TEST_F(Traffic, OneSlotARoundFromTheTopDownWithNewSerials) {
   Begin(5);
   EXPECT_EQ(activeSlots, 4U);
