@@ -19,7 +19,7 @@ NETWORK = ["unshare", "--net", "sh", "-c", "ip link set lo up && ip link set lo 
            "ip route add 224.0.0.0/4 dev lo && echo ready && cat"]
 NO_TESTS = 5  # pytest's answer where the marks leave nothing of a file
 # They take longest, and go first.
-LONG = ["test_flight.py", "test_recordings.py", "test_hosts.py", "test_clients.py", "test_network.py", "test_traffic.py",
+LONG = ["test_faults.py", "test_flight.py", "test_recordings.py", "test_hosts.py", "test_clients.py", "test_network.py", "test_traffic.py",
         "test_lifecycle.py", "test_run.py", "test_ages.py", "test_window_server.py"]
 
 
