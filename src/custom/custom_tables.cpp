@@ -327,6 +327,7 @@ void ReloadCustomOffsets() {
 void ForgetCustomRequests() {
   requests = 0;
   nextReload = 0;
+  ForgetLogTurns(&reloadLines);
 }
 
 void RequestCustomReload(uint32_t offset) {

@@ -43,9 +43,9 @@ std::string WithSeparator(std::string folder);
 
 enum class OpenMode { Read, Empty, Append };
 struct OpenFailure {
-  bool missing;        // to be read, and not there
-  std::string reason;  // for a log line
-  const char* remedy;  // as SystemErrorRemedy
+  bool missing;                  // to be read, and not there
+  std::string reason;            // for a log line
+  const char* remedy = nullptr;  // as SystemErrorRemedy
 };
 // Opens a plain file, without any conversion of its bytes; Empty and Append make it when it is missing.
 // Whatever else stands under the name (a folder, a pipe, a device, a socket) is refused: it is neither waited

@@ -5,6 +5,7 @@ import os
 import re
 import resource
 import socket
+import subprocess
 import time
 from pathlib import Path
 
@@ -137,6 +138,52 @@ def test_what_windows_refuses_for_the_window(start, win32, tmp_path):
     assert "class" in answers[0][0] and "tried again" in answers[1][0]
     standin.ask("fail off")
     standin.quit()
+
+
+def own_display():
+    """An X server for one test to end; the numbers below are other tests'. Returns it and its name."""
+    for number in range(200, 260):
+        if os.path.exists(f"/tmp/.X11-unix/X{number}"):
+            continue
+        reader, writer = os.pipe()
+        server = subprocess.Popen(
+            ["Xvfb", f":{number}", "-displayfd", str(writer), "-screen", "0", "640x480x24", "-nolisten", "tcp"],
+            pass_fds=(writer,), stderr=subprocess.DEVNULL)
+        os.close(writer)
+        with os.fdopen(reader) as pipe:
+            if pipe.readline().strip() == str(number):
+                return server, f":{number}"
+        server.wait()
+    raise AssertionError("no X server")
+
+
+@pytest.mark.wine
+def test_a_display_that_goes_away(start, win32, tmp_path, monkeypatch):
+    """Wine ends every program of a display that is gone: at once, with the settings whole and nothing in the next
+    start's way. Where it does not, everything else goes on."""
+    usual = os.environ["DISPLAY"]
+    display, name = own_display()
+    monkeypatch.setenv("DISPLAY", name)
+    standin = begin(start, win32, tmp_path, rate=60)
+    standin.wait_log("Register KORLMain Call message OK!")
+    standin.wait_log("TAVFARNET->Waiting for clients.....0")
+    settings = (standin.folder / "TAVRIX.ini").read_bytes()
+    display.kill()
+    display.wait()
+    try:
+        standin.ask("frames 120")
+        standin.quit()
+    except (AssertionError, BrokenPipeError):
+        standin.process.wait(timeout=20)
+        assert "X connection" in " ".join(standin.errors), standin.errors
+    assert (standin.folder / "TAVRIX.ini").read_bytes() == settings
+    monkeypatch.setenv("DISPLAY", usual)
+    (standin.folder / "TAVRIX.txt").unlink()
+    again = start(win32, "--rate", "60", "--flight", "none", root=standin.root)
+    again.wait_log("Register KORLMain Call message OK!")
+    again.wait_log("TAVFARNET->Waiting for clients.....0")
+    assert served()
+    again.quit()
 
 
 @as_root

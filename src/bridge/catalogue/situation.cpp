@@ -7,6 +7,7 @@
 #include "base/log.h"
 #include "base/log_quiet.h"
 #include "bridge/catalogue.h"
+#include "platform/clock.h"
 
 namespace {
 
@@ -38,10 +39,15 @@ bool IsHarmless(std::string_view name) {
   return isRelative && hasEnding && !climbs && std::none_of(name.begin(), name.end(), isControl);
 }
 
-// A client may write the command as often as it likes.
+// At most one line a second and ten a minute: a client may write the command as often as it likes.
 bool MayTell() {
+  constexpr int64_t pauseNanoseconds = 1'000'000'000;
+  static int64_t nextLine = 0;
   static QuietMinute lines = {
-      .what = "TAVRIX->Situation files could not be used", .most = 5, .began = 0, .turns = 0};
+      .what = "TAVRIX->Situation files could not be used", .most = 10, .began = 0, .turns = 0};
+  const int64_t now = MonotonicNanoseconds();
+  if (now < nextLine) return false;
+  nextLine = now + pauseNanoseconds;
   return TakeLogTurn(&lines);
 }
 
