@@ -32,7 +32,6 @@ inline void Start() {
   std::filesystem::create_directories(Folder());
   rows::Start("jet", {}, testing::TempDir() + "tavrix_custom");
   ConnectCustomOffsets();
-  ForgetCustomRequests();  // those of the test before
   OpenLogs(Folder().c_str(), nullptr);
 }
 

@@ -40,6 +40,7 @@ LogFile traceLog;      // guarded by the trace lock
 Lock logLock;          // nothing else is entered while it is held
 char lossReason[256];  // why the main log loses lines; logLock
 std::atomic<bool> lossIsNews;
+std::atomic<int64_t> openedAt;
 std::atomic<float> runningTime;
 
 void CloseFile(LogFile* log) {
@@ -226,6 +227,7 @@ char* TwoDigits(char* text, int value) {
 
 bool OpenLogs(const char* folder, void (*report)(const char* line)) {
   CloseLogs();
+  openedAt = MonotonicNanoseconds();
   if (!CreateLock(&logLock)) return ReportFailure(folder, "the system gives no lock", report, shortageRemedy);
   bool opened = false;
   try {
@@ -404,6 +406,8 @@ std::string SwitchTrace(bool isWrite, bool on) {
   (isWrite ? writeTrace : readTrace).store(on ? 1 : 0, std::memory_order_relaxed);
   return "";
 }
+
+int64_t LogsOpenedAt() { return openedAt.load(std::memory_order_relaxed); }
 
 bool MainLogIsOpen() {
   const LockScope scope(&logLock);

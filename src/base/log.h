@@ -86,6 +86,8 @@ void TraceRecord(bool isWrite, uint32_t request, uint32_t offset, uint32_t size,
 // Writes "Start Readlogging %f sec\n" and its kin. Takes the trace lock. Simulator's thread. Returns "", or why
 // the trace log cannot be written: nothing is switched on then.
 std::string SwitchTrace(bool isWrite, bool on);
+// When OpenLogs began the main log, monotonic nanoseconds; 0: never. Any thread.
+int64_t LogsOpenedAt();
 // Whether the main log is open, so that somebody may be sent there. Any thread.
 bool MainLogIsOpen();
 

@@ -25,7 +25,8 @@ bool TakeLogTurn(QuietTable* table, uint64_t key) {
 bool TakeLogTurn(QuietMinute* minute) {
   const int64_t now = MonotonicNanoseconds();
   int64_t began = minute->began.load();
-  if ((began == 0 || now - began >= minuteLength) && minute->began.compare_exchange_strong(began, now)) {
+  if ((began <= LogsOpenedAt() || now - began >= minuteLength) &&
+      minute->began.compare_exchange_strong(began, now)) {
     minute->turns = 0;
   }
   const uint32_t turn = minute->turns.fetch_add(1);
@@ -36,5 +37,3 @@ bool TakeLogTurn(QuietMinute* minute) {
   }
   return false;
 }
-
-void ForgetLogTurns(QuietMinute* minute) { minute->began = 0; }

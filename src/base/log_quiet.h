@@ -21,11 +21,10 @@ bool TakeLogTurn(QuietTable* table, uint64_t key);
 struct QuietMinute {
   const char* what;  // happens so often: the beginning of that line
   uint32_t most;
-  std::atomic<int64_t> began;  // monotonic, nanoseconds; 0: at the next turn
+  std::atomic<int64_t> began;  // monotonic, nanoseconds; 0: never
   std::atomic<uint32_t> turns;
 };
 
-// Whether the lines about this one time are due. Any thread, not with the offset lock held.
+// Whether the lines about this one time are due. A main log that was begun anew begins a new minute, too. Any
+// thread, not with the offset lock held.
 bool TakeLogTurn(QuietMinute* minute);
-// A new minute begins. Any thread.
-void ForgetLogTurns(QuietMinute* minute);

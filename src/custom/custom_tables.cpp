@@ -327,7 +327,6 @@ void ReloadCustomOffsets() {
 void ForgetCustomRequests() {
   requests = 0;
   nextReload = 0;
-  ForgetLogTurns(&reloadLines);
 }
 
 void RequestCustomReload(uint32_t offset) {

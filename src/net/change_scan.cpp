@@ -57,10 +57,7 @@ void PutEntry(uint8_t* entry, uint32_t offset) {
 
 }  // namespace
 
-void ClearShadow() {
-  ForgetLogTurns(&fullLines);
-  std::memset(shadow, 0, sizeof shadow);
-}
+void ClearShadow() { std::memset(shadow, 0, sizeof shadow); }
 
 uint32_t ScanChanges(uint8_t* entries) {
   uint32_t count = 0;

@@ -344,7 +344,6 @@ void PrepareNetwork(const char* serverAddress) {
   networkStatusText[0] = '\0';
   networkReasonText[0] = '\0';
   networkAlertText[0] = '\0';
-  ForgetLogTurns(&clientLines);
   ClearShadow();
   ClearSubscriptions();
 }
