@@ -63,8 +63,9 @@ bool ChangeAircraft(const std::string& name) {
 
 void XPLMCountAircraft(int* total, int* active, XPLMPluginID* controller) {
   sim::Check("XPLMCountAircraft");
-  if (total) *total = sim::total;
-  if (active) *active = sim::active;
+  const bool fails = sim::Fails("XPLMCountAircraft");
+  if (total) *total = fails ? 0 : sim::total;
+  if (active) *active = fails ? 0 : sim::active;
   if (controller) *controller = sim::controller;
 }
 
@@ -79,6 +80,7 @@ void XPLMGetNthAircraftModel(int index, char* fileName, char* path) {
     file.clear();
     full.clear();
   }
+  if (sim::Fails("XPLMGetNthAircraftModel")) file.clear(), full.clear();
   sim::CopyText(file, fileName, 256);
   if (path) sim::StorePath(full, path, 512);
 }

@@ -149,6 +149,7 @@ std::string TakeCalls() {
 
 XPLMCommandRef XPLMFindCommand(const char* name) {
   sim::Check("XPLMFindCommand");
+  if (sim::Fails("XPLMFindCommand")) return nullptr;
   sim::lookUps++;
   auto found = sim::commands.find(name ? name : "");
   return found != sim::commands.end() ? found->second.get() : nullptr;
@@ -156,6 +157,7 @@ XPLMCommandRef XPLMFindCommand(const char* name) {
 
 XPLMCommandRef XPLMCreateCommand(const char* name, const char* description) {
   sim::Check("XPLMCreateCommand");
+  if (sim::Fails("XPLMCreateCommand")) return nullptr;
   if (!name || !*name) return nullptr;
   sim::Command* command = sim::Make(name);
   if (command->description.empty() && description) command->description = description;
@@ -233,6 +235,7 @@ void XPLMCommandButtonRelease(XPLMCommandButtonID button) {
 
 int XPLMLoadDataFile(XPLMDataFileType type, const char* path) {
   sim::Check("XPLMLoadDataFile");
+  if (sim::Fails("XPLMLoadDataFile")) return 0;
   sim::LogCall("load " + sim::FormatInt(type) + ' ' + (path ? path : ""));
   if (!path) return type == xplm_DataFile_ReplayMovie;  // empties the replay
   std::error_code failure;
@@ -241,6 +244,7 @@ int XPLMLoadDataFile(XPLMDataFileType type, const char* path) {
 
 int XPLMSaveDataFile(XPLMDataFileType type, const char* path) {
   sim::Check("XPLMSaveDataFile");
+  if (sim::Fails("XPLMSaveDataFile")) return 0;
   sim::LogCall("save " + sim::FormatInt(type) + ' ' + (path ? path : ""));
   std::ofstream file(sim::DataFile(path ? path : ""), std::ios::binary);
   file << "standin " << type << '\n';

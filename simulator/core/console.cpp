@@ -1,4 +1,5 @@
 // The console: one command a line, one answer line. Commands run between frames.
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 
@@ -101,6 +102,17 @@ std::string Stall(const Line& line) {
   }
   StallNextFrame(seconds);
   return "ok";
+}
+
+std::string FailOn(const Line& line) { return FailConsole({line.words.begin() + 1, line.words.end()}); }
+
+std::string ClockJump(const Line& line) {
+  double seconds = 0;
+  if (!ParseDouble(line.words[1], &seconds) || !(std::abs(seconds) <= 1e9)) {
+    return Error("not a number of seconds: " + line.words[1]);
+  }
+  const std::string why = JumpClock(seconds);
+  return why.empty() ? "ok" : Error(why);
 }
 
 std::string Screen(const Line& line) {
@@ -344,6 +356,23 @@ constexpr CommandRow commandRows[] = {
      .most = 1,
      .run = Stall,
      .about = "the next frame takes so long"},
+    {.name = "clock",
+     .usage = "SECONDS",
+     .least = 1,
+     .most = 1,
+     .run = ClockJump,
+     .about = "the wall clock that plug-ins built for it see jumps by so much"},
+    {.name = "fail",
+     .usage = "FUNCTION N [TIMES]",
+     .most = 4,
+     .run = FailOn,
+     .about = "the N-th call from now by a plug-in fails as documented, and TIMES - 1 more"},
+    {.name = "fail system",
+     .usage = "KIND N [TIMES]",
+     .most = 4,
+     .run = FailOn,
+     .about = "its N-th creation of a thread, event, socket, window or file (builds for tests only)"},
+    {.name = "fail off", .run = FailOn, .about = "nothing fails; \"fail\" alone tells what still waits"},
     {.name = "screen",
      .usage = "W H",
      .least = 2,

@@ -148,6 +148,15 @@ void CountFrame();
 // are those of XPLM functions from anywhere in a plug-in.
 std::string TakePerf();
 
+// --- Faults on order -----------------------------------------------------------------------------------
+// Tells a plug-in that is built for it whom to ask before it creates something of the system's.
+void GiveHooks(const Plugin& plugin);
+// The words behind `fail` on the console; returns the whole answer.
+std::string FailConsole(std::vector<std::string> words);
+void ForgetFaults();
+// The wall clock that such plug-ins see jumps. An empty text means success, else why not.
+std::string JumpClock(double seconds);
+
 // --- Menus, navigation, aircraft -----------------------------------------------------------------------
 void ResetMenus();
 std::string MenuConsole(const std::string& item);

@@ -123,6 +123,7 @@ uint64_t NullHandles() { return nullHandles; }
 
 XPLMDataRef XPLMFindDataRef(const char* name) {
   sim::Check("XPLMFindDataRef");
+  if (sim::Fails("XPLMFindDataRef")) return nullptr;
   sim::lookUps++;
   return name ? sim::FindLive(name) : nullptr;
 }
@@ -139,6 +140,7 @@ int XPLMIsDataRefGood(XPLMDataRef handle) {
 
 XPLMDataTypeID XPLMGetDataRefTypes(XPLMDataRef handle) {
   sim::Check("XPLMGetDataRefTypes");
+  if (sim::Fails("XPLMGetDataRefTypes")) return xplmType_Unknown;
   DataRef* ref = Ref(handle);
   if (!ref || !ref->live) return xplmType_Unknown;
   if (ref->provider) return ref->provider->types;
@@ -196,6 +198,7 @@ void XPLMSetDatad(XPLMDataRef handle, double value) {
 
 int XPLMGetDatavi(XPLMDataRef handle, int* out, int offset, int max) {
   sim::Check("XPLMGetDatavi");
+  if (sim::Fails("XPLMGetDatavi")) return 0;
   DataRef* ref = Ref(handle);
   if (!ref || !ref->live) return 0;
   if (ref->kind == Kind::IntArray) return CopyOut(ref->ints, out, offset, max);
@@ -204,6 +207,7 @@ int XPLMGetDatavi(XPLMDataRef handle, int* out, int offset, int max) {
 
 int XPLMGetDatavf(XPLMDataRef handle, float* out, int offset, int max) {
   sim::Check("XPLMGetDatavf");
+  if (sim::Fails("XPLMGetDatavf")) return 0;
   DataRef* ref = Ref(handle);
   if (!ref || !ref->live) return 0;
   if (ref->kind == Kind::FloatArray) return CopyOut(ref->floats, out, offset, max);
@@ -212,6 +216,7 @@ int XPLMGetDatavf(XPLMDataRef handle, float* out, int offset, int max) {
 
 int XPLMGetDatab(XPLMDataRef handle, void* out, int offset, int maxBytes) {
   sim::Check("XPLMGetDatab");
+  if (sim::Fails("XPLMGetDatab")) return 0;
   DataRef* ref = Ref(handle);
   if (!ref || !ref->live) return 0;
   if (ref->provider) return ProvidedArray(ref, &Provider::getBytes, out, offset, maxBytes);

@@ -139,6 +139,7 @@ XPLMDataRef XPLMRegisterDataAccessor(const char* name, XPLMDataTypeID types, int
                                      XPLMGetDatab_f getBytes, XPLMSetDatab_f setBytes, void* readRef,
                                      void* writeRef) {
   sim::Check("XPLMRegisterDataAccessor");
+  if (sim::Fails("XPLMRegisterDataAccessor")) return nullptr;
   if (!name || !*name || sim::FindLive(name)) return nullptr;
   // Published as bytes without content, so that the plain accessors find nothing of their own to read.
   sim::DataRef* ref = sim::Publish(name, sim::Kind::Bytes, 0, writable != 0);

@@ -213,5 +213,6 @@ void XPLMGetFontDimensions(XPLMFontID, int* width, int* height, int* digitsOnly)
 
 float XPLMMeasureString(XPLMFontID, const char* text, int length) {
   sim::Check("XPLMMeasureString");
+  if (sim::Fails("XPLMMeasureString")) return 0;
   return text && length > 0 ? static_cast<float>(length * sim::kLetterWidth) : 0;
 }

@@ -248,6 +248,7 @@ void XPLMSetFlightLoopCallbackInterval(XPLMFlightLoop_f fn, float interval, int 
 
 XPLMFlightLoopID XPLMCreateFlightLoop(XPLMCreateFlightLoop_t* params) {
   sim::Check("XPLMCreateFlightLoop");
+  if (sim::Fails("XPLMCreateFlightLoop")) return nullptr;
   if (!params || params->structSize < static_cast<int>(sizeof *params) || !params->callbackFunc) return nullptr;
   return sim::Add(params->callbackFunc, params->refcon, params->phase == 1, true);
 }

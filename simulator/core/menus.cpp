@@ -139,6 +139,7 @@ using sim::FindMenu;
 
 XPLMMenuID XPLMFindPluginsMenu(void) {
   sim::Check("XPLMFindPluginsMenu");
+  if (sim::Fails("XPLMFindPluginsMenu")) return nullptr;
   int owner = sim::CallingPlugin();
   for (auto& menu : sim::menus) {
     if (menu->plugins && menu->owner == owner) return menu.get();
@@ -152,6 +153,7 @@ XPLMMenuID XPLMFindPluginsMenu(void) {
 XPLMMenuID XPLMCreateMenu(const char* name, XPLMMenuID parent, int parentItem, XPLMMenuHandler_f handler,
                           void* menuRef) {
   sim::Check("XPLMCreateMenu");
+  if (sim::Fails("XPLMCreateMenu")) return nullptr;
   if (!name || !*name || (parent && !FindItem(parent, parentItem))) return nullptr;
   sim::Menu* menu = sim::Make(sim::CallingPlugin());
   menu->name = name;
@@ -177,6 +179,7 @@ void XPLMClearAllMenuItems(XPLMMenuID id) {
 
 int XPLMAppendMenuItem(XPLMMenuID id, const char* name, void* itemRef, int) {
   sim::Check("XPLMAppendMenuItem");
+  if (sim::Fails("XPLMAppendMenuItem")) return -1;
   sim::Menu* menu = FindMenu(id);
   if (!menu || !name) return -1;
   menu->items.emplace_back();

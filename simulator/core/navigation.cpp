@@ -95,6 +95,7 @@ int DropProbes(int owner, std::string*) {
 
 XPLMNavRef XPLMGetFirstNavAid(void) {
   sim::Check("XPLMGetFirstNavAid");
+  if (sim::Fails("XPLMGetFirstNavAid")) return XPLM_NAV_NOT_FOUND;
   return sim::Walk().empty() ? XPLM_NAV_NOT_FOUND : sim::Walk().front();
 }
 
@@ -126,6 +127,7 @@ XPLMNavRef XPLMFindLastNavAidOfType(XPLMNavType type) {
 XPLMNavRef XPLMFindNavAid(const char* namePart, const char* idPart, float* lat, float* lon, int* freq,
                           XPLMNavType types) {
   sim::Check("XPLMFindNavAid");
+  if (sim::Fails("XPLMFindNavAid")) return XPLM_NAV_NOT_FOUND;
   XPLMNavRef best = XPLM_NAV_NOT_FOUND;
   double bestApart = 0;
   for (int ref : sim::Walk()) {
@@ -167,6 +169,7 @@ void XPLMLocalToWorld(double x, double y, double z, double* lat, double* lon, do
 
 XPLMProbeRef XPLMCreateProbe(XPLMProbeType type) {
   sim::Check("XPLMCreateProbe");
+  if (sim::Fails("XPLMCreateProbe")) return nullptr;
   if (type != xplm_ProbeY) return nullptr;
   sim::probes.push_back(std::make_unique<sim::Probe>(sim::Probe{sim::CallingPlugin()}));
   return sim::probes.back().get();
@@ -179,6 +182,7 @@ void XPLMDestroyProbe(XPLMProbeRef handle) {
 
 XPLMProbeResult XPLMProbeTerrainXYZ(XPLMProbeRef handle, float x, float, float z, XPLMProbeInfo_t* info) {
   sim::Check("XPLMProbeTerrainXYZ");
+  if (sim::Fails("XPLMProbeTerrainXYZ")) return xplm_ProbeError;
   bool known =
       std::any_of(sim::probes.begin(), sim::probes.end(), [&](auto& probe) { return probe.get() == handle; });
   if (!known || !info || info->structSize != static_cast<int>(sizeof *info)) return xplm_ProbeError;

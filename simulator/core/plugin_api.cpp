@@ -47,6 +47,7 @@ XPLMPluginID XPLMFindPluginByPath(const char* path) {
 
 XPLMPluginID XPLMFindPluginBySignature(const char* signature) {
   sim::Check("XPLMFindPluginBySignature");
+  if (sim::Fails("XPLMFindPluginBySignature")) return XPLM_NO_PLUGIN_ID;
   sim::Plugin* plugin = signature ? sim::FindPluginBySignature(signature) : nullptr;
   return plugin ? plugin->id : XPLM_NO_PLUGIN_ID;
 }

@@ -44,7 +44,9 @@ bool Load(Plugin* plugin) {
   if (!Resolve(*plugin, "XPluginEnable", &entry.enable)) missing = "XPluginEnable";
   if (!Resolve(*plugin, "XPluginDisable", &entry.disable)) missing = "XPluginDisable";
   if (!Resolve(*plugin, "XPluginReceiveMessage", &entry.message)) missing = "XPluginReceiveMessage";
-  return missing ? Fail(*plugin, std::string("does not export ") + missing) : true;
+  if (missing) return Fail(*plugin, std::string("does not export ") + missing);
+  GiveHooks(*plugin);
+  return true;
 }
 
 bool Start(Plugin* plugin) {
@@ -234,6 +236,7 @@ void ForgetPlugins() {
   lastId = 0;
   aircraftSignature.clear();
   reloadWanted = false;
+  ForgetFaults();
 }
 
 bool ReloadPlugins(std::string* why) {

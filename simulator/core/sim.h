@@ -125,6 +125,9 @@ SIM_API void CheckCaller(const char* function);
 SIM_API void CheckDrawing(const char* function);
 // On while other code than the frame's has plug-ins draw.
 SIM_API void SetDrawing(bool on);
+// Whether this call of an exported function, from a plug-in, has to fail as its documentation allows: somebody
+// has ordered it. Only for functions that faults.cpp lists.
+SIM_API bool Fails(const char* function);
 // Everything that Breach has told since the last call of this, as "FUNCTION: WHY" (tolerant mode). Any thread.
 SIM_API std::vector<std::string> TakeBreaches();
 // Datarefs and commands that were looked up by name since the program began.

@@ -259,6 +259,7 @@ using namespace sim;
 XPWidgetID XPCreateWidget(int left, int top, int right, int bottom, int visible, const char* descriptor,
                           int isRoot, XPWidgetID container, XPWidgetClass widgetClass) {
   Widget* parent = Check(container, "XPCreateWidget");
+  if (Fails("XPCreateWidget")) return nullptr;
   XPWidgetFunc_t function = ClassOf(widgetClass).function;
   if (!function) return nullptr;
   return Create({left, top, right, bottom}, visible != 0, descriptor, isRoot != 0, parent, widgetClass,
@@ -330,7 +331,10 @@ void XPHideWidget(XPWidgetID widget) {
 
 int XPIsWidgetVisible(XPWidgetID widget) { return IsVisible(Check(widget, "XPIsWidgetVisible")); }
 
-XPWidgetID XPFindRootWidget(XPWidgetID widget) { return RootOf(Check(widget, "XPFindRootWidget")); }
+XPWidgetID XPFindRootWidget(XPWidgetID widget) {
+  Widget* w = Check(widget, "XPFindRootWidget");
+  return Fails("XPFindRootWidget") ? nullptr : RootOf(w);
+}
 
 void XPBringRootWidgetToFront(XPWidgetID widget) { BringToFront(Check(widget, "XPBringRootWidgetToFront")); }
 
@@ -374,7 +378,7 @@ void XPSetWidgetDescriptor(XPWidgetID widget, const char* text) {
 
 int XPGetWidgetDescriptor(XPWidgetID widget, char* out, int max) {
   const Widget* w = Check(widget, "XPGetWidgetDescriptor");
-  if (!w) return 0;
+  if (!w || Fails("XPGetWidgetDescriptor")) return 0;
   if (out && max > 0) {
     // c_str's terminator is copied with the text where it finds room, and only there.
     std::memcpy(out, w->text.c_str(), std::min(w->text.size() + 1, static_cast<size_t>(max)));
@@ -393,7 +397,10 @@ intptr_t XPGetWidgetProperty(XPWidgetID widget, XPWidgetPropertyID id, int* exis
   return w ? Property(w, id) : 0;
 }
 
-XPWidgetID XPSetKeyboardFocus(XPWidgetID widget) { return SetFocus(Check(widget, "XPSetKeyboardFocus")); }
+XPWidgetID XPSetKeyboardFocus(XPWidgetID widget) {
+  Widget* w = Check(widget, "XPSetKeyboardFocus");
+  return Fails("XPSetKeyboardFocus") ? nullptr : SetFocus(w);
+}
 
 void XPLoseKeyboardFocus(XPWidgetID widget) {
   Widget* w = Check(widget, "XPLoseKeyboardFocus");
@@ -402,7 +409,7 @@ void XPLoseKeyboardFocus(XPWidgetID widget) {
 
 XPWidgetID XPGetWidgetWithFocus(void) {
   CheckCaller("XPGetWidgetWithFocus");
-  return keyboardFocus;
+  return Fails("XPGetWidgetWithFocus") ? nullptr : keyboardFocus;
 }
 
 void XPAddWidgetCallback(XPWidgetID widget, XPWidgetFunc_t fn) {

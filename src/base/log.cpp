@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "base/locks.h"
 #include "base/log_format.h"
@@ -32,10 +33,14 @@ struct LogFile {
   char oldPath[longestPath];  // what a full file is renamed to
   FILE* file;                 // null: every line is dropped
   uint64_t size;              // bytes
+  bool loses;                 // the last lines could not be written
 };
-LogFile mainLog;   // guarded by logLock
-LogFile traceLog;  // guarded by the trace lock
-Lock logLock;      // nothing else is entered while it is held
+LogFile mainLog;       // guarded by logLock
+LogFile traceLog;      // guarded by the trace lock
+Lock logLock;          // nothing else is entered while it is held
+char lossReason[256];  // why the main log loses lines; logLock
+std::atomic<bool> lossIsNews;
+std::atomic<int64_t> openedAt;
 std::atomic<float> runningTime;
 
 void CloseFile(LogFile* log) {
@@ -49,6 +54,7 @@ bool Open(LogFile* log, OpenMode mode, OpenFailure* failure) {
   if (!opened) return false;
   CloseFile(log);
   log->file = opened;
+  log->loses = false;
   const long end = std::fseek(opened, 0, SEEK_END) == 0 ? std::ftell(opened) : -1;
   log->size = end < 0 ? largestLog : static_cast<uint64_t>(end);  // beyond what the system counts: it is full
   return true;
@@ -68,6 +74,36 @@ std::string Reopen(LogFile* log) {
 void Put(LogFile* log, const char* text, size_t length) {
   std::fwrite(text, 1, length, log->file);
   log->size += length;
+}
+
+// Whether everything has reached the file; `reason` gets the system's when it has not.
+bool Flush(LogFile* log, const char** remedy, std::string* reason) {
+  const bool flushed = std::fflush(log->file) == 0;
+  if (flushed && std::ferror(log->file) == 0) return true;
+  *remedy = SystemErrorRemedy();
+  *reason = SystemErrorText();
+  std::clearerr(log->file);
+  return false;
+}
+
+// With the log's lock held.
+void FlushMain() {
+  std::string reason;
+  const char* remedy = nullptr;
+  const bool lost = !Flush(&mainLog, &remedy, &reason);
+  if (lost == std::exchange(mainLog.loses, lost)) return;
+  lossIsNews = lost;
+  if (lost) {
+    std::snprintf(lossReason, sizeof lossReason, "%s): %s", reason.c_str(),
+                  remedy != nullptr ? remedy : "look after that disk");
+    return;
+  }
+  char stamp[timeStampSize], line[128];
+  const int length = std::snprintf(
+      line, sizeof line, "%s TAVRIX->Lines before this one are missing: the file could not be written\n",
+      TimeStamp(stamp));
+  Put(&mainLog, line, static_cast<size_t>(length));
+  std::fflush(mainLog.file);
 }
 
 // Renames a full file and begins it anew. When it cannot be renamed its lines are lost, the newest ones are
@@ -102,7 +138,11 @@ void WriteMain(const char* text, size_t length) {
   MakeRoom(&mainLog, length);
   if (!mainLog.file) return;
   Put(&mainLog, text, length);
-  std::fflush(mainLog.file);
+  try {
+    FlushMain();
+  } catch (...) {
+    return;  // out of memory for the reason: once more at the next line
+  }
 }
 
 void WriteTrace(const char* text, size_t length) {
@@ -122,13 +162,17 @@ bool SetPaths(LogFile* log, const char* folder, const char* name) {
   return length >= 0 && oldLength >= 0 && static_cast<size_t>(oldLength) < longestPath;
 }
 
-bool ReportFailure(const char* what, const std::string& reason, void (*report)(const char* line)) {
+bool ReportFailure(const char* what, const std::string& reason, void (*report)(const char* line),
+                   const char* remedy = nullptr) {
   if (!report) return false;
+  if (remedy == nullptr) {
+    remedy =
+        "rename what stands there if it is no plain file, else make it and its folder writable for your user";
+  }
   try {
-    const std::string line =
-        "TAVRIX->Can't write the log file " + EscapedControls(what) + " (" + reason +
-        "): rename what stands there if it is no plain file, else make it and its folder writable "
-        "for your user, and start the simulator again; TAVRIX runs on without log files\n";
+    const std::string line = "TAVRIX->Can't write the log file " + EscapedControls(what) + " (" + reason +
+                             "): " + remedy +
+                             ", and start the simulator again; TAVRIX runs on without log files\n";
     report(line.c_str());
   } catch (...) {
     PassForeignException();
@@ -141,10 +185,14 @@ bool OpenBoth(const char* folder, void (*report)(const char* line)) {
   if (!SetPaths(&mainLog, folder, mainLogName) || !SetPaths(&traceLog, folder, traceLogName)) {
     return ReportFailure(folder, "its path is too long", report);
   }
-  if (!CreateFolders(folder)) return ReportFailure(mainLog.path, SystemErrorText(), report);
+  if (!CreateFolders(folder)) {
+    const char* remedy = SystemErrorRemedy();
+    return ReportFailure(mainLog.path, SystemErrorText(), report, remedy);
+  }
   OpenFailure failure;
   for (LogFile* log : {&mainLog, &traceLog}) {
-    if (!Open(log, OpenMode::Empty, &failure)) return ReportFailure(log->path, failure.reason, report);
+    if (Open(log, OpenMode::Empty, &failure)) continue;
+    return ReportFailure(log->path, failure.reason, report, failure.remedy);
   }
   return true;
 }
@@ -179,21 +227,30 @@ char* TwoDigits(char* text, int value) {
 
 bool OpenLogs(const char* folder, void (*report)(const char* line)) {
   CloseLogs();
-  if (!CreateLock(&logLock)) return ReportFailure(folder, "the system gives no lock", report);
+  openedAt = MonotonicNanoseconds();
+  if (!CreateLock(&logLock)) return ReportFailure(folder, "the system gives no lock", report, shortageRemedy);
   bool opened = false;
   try {
     opened = OpenBoth(folder, report);
   } catch (...) {
     PassForeignException();
-    ReportFailure(folder, "out of memory", report);
+    ReportFailure(folder, "out of memory", report, shortageRemedy);
   }
   if (!opened) CloseLogs();
   return opened;
 }
 
 bool ReopenMainLog() {
-  const LockScope scope(&logLock);  // nobody renames the file while it is being opened
-  return Reopen(&mainLog).empty();
+  std::string fault;
+  {
+    const LockScope scope(&logLock);  // nobody renames the file while it is being opened
+    if (!mainLog.file) return false;
+    fault = Reopen(&mainLog);
+  }
+  if (fault.empty()) return true;
+  LogOwn("TAVRIX->The log file cannot be opened again (%s): leave it where it is, the lines go on into it\n",
+         fault.c_str());
+  return false;
 }
 
 void FlushLogs() {
@@ -265,7 +322,30 @@ void LogBoth(const char* format, ...) {
 }
 
 void FlushTrace() {
-  if (traceLog.file) std::fflush(traceLog.file);
+  if (!traceLog.file) return;
+  try {
+    std::string reason;
+    const char* remedy = nullptr;
+    const bool lost = !Flush(&traceLog, &remedy, &reason);
+    if (lost == std::exchange(traceLog.loses, lost) || !lost) return;
+    LogOwn("TAVRIX->The log %s cannot be written (%s): %s; what clients read and write is missing there\n",
+           EscapedControls(traceLog.path).c_str(), reason.c_str(),
+           remedy != nullptr ? remedy : "look after that disk");
+  } catch (...) {
+    return;
+  }
+}
+
+void ReportLostLines(void (*report)(const char* line)) {
+  if (!lossIsNews.load(std::memory_order_relaxed) || !lossIsNews.exchange(false)) return;
+  char line[longestPath + 512];
+  {
+    const LockScope scope(&logLock);
+    std::snprintf(line, sizeof line,
+                  "TAVRIX->The log file %s cannot be written (%s; lines are lost until it can\n", mainLog.path,
+                  lossReason);
+  }
+  report(line);
 }
 
 std::string EscapedForLog(std::string_view text) {
@@ -326,6 +406,8 @@ std::string SwitchTrace(bool isWrite, bool on) {
   (isWrite ? writeTrace : readTrace).store(on ? 1 : 0, std::memory_order_relaxed);
   return "";
 }
+
+int64_t LogsOpenedAt() { return openedAt.load(std::memory_order_relaxed); }
 
 bool MainLogIsOpen() {
   const LockScope scope(&logLock);

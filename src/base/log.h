@@ -9,9 +9,10 @@
 // of an older one) and begun anew with a line that says so. A record's header and bytes never part. A file that
 // cannot be renamed is begun anew all the same.
 //
-// A folder or file that cannot be written, also one that is no plain file (a folder, a pipe, a device), makes
-// one line in the simulator's own log, and every call here does nothing from then on, until the logs are opened
-// again.
+// Lines that an open file does not take are lost; the simulator's own log is told (ReportLostLines), and the
+// file where they are missing. A folder or file that cannot be written, also one that is no plain file (a
+// folder, a pipe, a device), makes one line in the simulator's own log, and every call here does nothing from
+// then on, until the logs are opened again.
 //
 // Lines end in a single line feed on every system. Numbers are printed with a decimal point whatever
 // locale another plug-in has set.
@@ -45,6 +46,9 @@ bool OpenLogs(const char* folder, void (*report)(const char* line));
 bool ReopenMainLog();
 // Flushes both files. Simulator's thread with no lock held (takes the trace lock).
 void FlushLogs();
+// When lines could not be written (a full disk, say) `report` gets one line for the simulator's log; once until
+// they can be written again. Simulator's thread, every second or so.
+void ReportLostLines(void (*report)(const char* line));
 // Closes both files (at stop). Simulator's thread, when all other threads have ended.
 void CloseLogs();
 
@@ -82,6 +86,8 @@ void TraceRecord(bool isWrite, uint32_t request, uint32_t offset, uint32_t size,
 // Writes "Start Readlogging %f sec\n" and its kin. Takes the trace lock. Simulator's thread. Returns "", or why
 // the trace log cannot be written: nothing is switched on then.
 std::string SwitchTrace(bool isWrite, bool on);
+// When OpenLogs began the main log, monotonic nanoseconds; 0: never. Any thread.
+int64_t LogsOpenedAt();
 // Whether the main log is open, so that somebody may be sent there. Any thread.
 bool MainLogIsOpen();
 

@@ -9,6 +9,7 @@
 
 #include "base/locks.h"
 #include "base/log.h"
+#include "base/log_quiet.h"
 #include "controls/axis_writes.h"
 #include "platform/clock.h"
 
@@ -291,7 +292,13 @@ void WriteAll(Round* round) {
   if (WriteAxes(inForce.controls, outputs, change)) round->goesOn = true;
 }
 
+// A loose plug comes and goes.
 void TellGone(const Round& round) {
+  static QuietMinute lines = {.what = "TAVRIX->Joysticks came and went", .most = 30, .began = 0, .turns = 0};
+  const bool any =
+      std::any_of(std::begin(round.gone), std::end(round.gone), [](auto& names) { return !names.empty(); }) ||
+      std::any_of(std::begin(round.back), std::end(round.back), [](auto& names) { return !names.empty(); });
+  if (!any || !TakeLogTurn(&lines)) return;
   for (int joystick = 0; joystick < axisJoysticks; ++joystick) {
     if (!round.gone[joystick].empty())
       LogOwn("TAVRIX->Joystick %i gives no readings (%s): what was set last stays\n", joystick,

@@ -11,6 +11,7 @@
 #include "XPLMUtilities.h"
 #include "base/folders.h"
 #include "base/log.h"
+#include "base/log_quiet.h"
 #include "custom/custom.h"
 #include "custom/custom_check.h"
 #include "custom/custom_parser.h"
@@ -50,11 +51,17 @@ std::atomic<uint32_t> requests;
 constexpr int64_t pauseNanoseconds = 1'000'000'000;
 int64_t nextReload;
 
+// Clients can ask for the file without end: then its faults are told the first few times a minute only.
+QuietMinute reloadLines = {
+    .what = "TAVRIX->TAVRIXOffsets.cfg was read again", .most = 5, .began = 0, .turns = 0};
+bool tells = true;
+
 std::string FilePath() { return PluginFolder() + "TAVRIXOffsets.cfg"; }
 
 // The file could not be read: the defined line, then what was wrong and what to do about it.
 void TellUnreadable(const std::string& path, const std::string& reason) {
   customLoadFault = "TAVRIXOffsets.cfg cannot be read: " + reason;
+  if (!tells) return;
   LogLine(errorLine);
   LogOwn("TAVRIX->Can't read %s: %s; there are no offsets of your own until the file is read again\n",
          EscapedControls(path).c_str(), reason.c_str());
@@ -71,7 +78,7 @@ bool TellStrangeText(const std::string& path, std::string_view text) {
   }
   if (fault == nullptr) return false;
   customLoadFault = std::string("no lines are found in TAVRIXOffsets.cfg: ") + fault;
-  LogOwn("TAVRIX->No lines are found in %s: %s\n", EscapedControls(path).c_str(), fault);
+  if (tells) LogOwn("TAVRIX->No lines are found in %s: %s\n", EscapedControls(path).c_str(), fault);
   return true;
 }
 
@@ -81,14 +88,17 @@ bool ReadWholeFile(const std::string& path, std::string* text) {
   const std::unique_ptr<FILE, int (*)(FILE*)> file(OpenPlainFile(path.c_str(), OpenMode::Read, &failure),
                                                    std::fclose);
   if (!file && failure.missing) {
-    LogLine(errorLine);
     customLoadFault = "there is no file TAVRIXOffsets.cfg";
+    if (!tells) return false;
+    LogLine(errorLine);
     LogOwn("TAVRIX->There is no file %s: that is fine unless you want offsets of your own\n",
            EscapedControls(path).c_str());
     return false;
   }
   if (!file) {
-    TellUnreadable(path, failure.reason + ", make it a text file that your user may read");
+    const char* remedy =
+        failure.remedy != nullptr ? failure.remedy : "make it a text file that your user may read";
+    TellUnreadable(path, failure.reason + ", " + remedy);
     return false;
   }
   char part[16384];
@@ -108,6 +118,7 @@ bool ReadWholeFile(const std::string& path, std::string* text) {
 // A line for each fault, up to a limit. What is loaded does not depend on them.
 void TellFaults(std::string_view text) {
   if (text.size() > largestChecked) {
+    if (!tells) return;
     LogOwn(
         "TAVRIX->TAVRIXOffsets.cfg is larger than 1 MB and its lines are not examined here: run offsetctl "
         "check "
@@ -116,6 +127,7 @@ void TellFaults(std::string_view text) {
   }
   const CustomReport report = CheckCustomFile(text, {}, mostFindings);
   customFaultyLines = report.faultyLines;
+  if (!tells) return;
   size_t told = 0;
   for (const CustomFinding& finding : report.findings) {
     if (finding.note || told == mostFaultLines) continue;
@@ -174,6 +186,7 @@ void TellMisfit(const CustomDatarefEntry& entry) {
 void LookUpDatarefs(CustomTables* tables) {
   for (CustomDatarefEntry& entry : tables->datarefs) {
     entry.handle = XPLMFindDataRef(entry.path);
+    if (!tells) continue;
     if (entry.handle != nullptr) TellMisfit(entry);
     if (entry.handle != nullptr) continue;
     LogLine("Dataref %s not found.\n", EscapedControls(entry.path).c_str());
@@ -215,13 +228,14 @@ void LookUpActions(CustomTables* tables) {
       const auto group = static_cast<uint32_t>(slot / 3);
       // The slots between groups are blank, and told like any other name that does not exist.
       if (slot % 3 != 0 || group >= entry.groupCount) {
+        if (!tells) continue;
         LogLine("Command %s not found.\n", "");
         blanks.Add(entry.offset);
         continue;
       }
       CommandAction* action = &tables->actions[entry.firstGroup + group];
       action->handle = XPLMFindCommand(action->name);
-      if (action->handle != nullptr) continue;
+      if (action->handle != nullptr || !tells) continue;
       blanks.End();
       LogLine("Command %s not found.\n", EscapedControls(action->name).c_str());
     }
@@ -243,6 +257,7 @@ void Withdraw() {
 struct FinishReload {
   uint32_t taken;
   ~FinishReload() {
+    tells = true;
     const LockScope lock(&offsetLock);
     nextReload = MonotonicNanoseconds() + pauseNanoseconds;
     if ((taken & clearAsked) == 0 || (requests & clearAsked) != 0) return;
@@ -338,8 +353,9 @@ void TakeCustomReload() {
     taken = requests.exchange(0);
     nextReload = std::numeric_limits<int64_t>::max();  // what is asked for during the load waits
   }
-  if ((taken & clearAsked) != 0) LogLine(clearLine);
-  LogLine(reloadLine);
+  tells = TakeLogTurn(&reloadLines);
+  if (tells && (taken & clearAsked) != 0) LogLine(clearLine);
+  if (tells) LogLine(reloadLine);
   const FinishReload finish = {taken};
   LoadCustomOffsets();
 }

@@ -63,6 +63,7 @@ bool TryBurstSocket(Socket* socket) {
 void OpenBurstSocket(Socket* socket) {
   if (TryBurstSocket(socket)) return;
   const int error = SocketErrorNumber();
+  if (!MayTellClients()) return;
   LogNetwork("TAVFARNET->tXsyncBurstThread bind() failed %i\n", error);
   LogOwn("%s\n", AdviseOnFailure("UDP", burstPort, error).c_str());
 }
@@ -117,7 +118,7 @@ uint32_t BurstProcedure(void*) {
         break;
     }
   } while (!EndWhenAlone(&socket));
-  LogNetwork("SocketI->Closing burst thread \n");
+  if (MayTellClients()) LogNetwork("SocketI->Closing burst thread \n");
   return 0;
 }
 

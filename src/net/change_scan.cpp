@@ -9,6 +9,7 @@
 
 #include "base/bytes.h"
 #include "base/log.h"
+#include "base/log_quiet.h"
 #include "offsets/memory.h"
 
 namespace {
@@ -42,6 +43,9 @@ bool TakeChange(uint32_t at) {
   return true;
 }
 
+// Clients can change so many bytes fifty times a second.
+QuietMinute fullLines = {.what = "TAVFARNET->The delta buffer was full", .most = 10, .began = 0, .turns = 0};
+
 void PutEntry(uint8_t* entry, uint32_t offset) {
   entry[0] = static_cast<uint8_t>(offset >> 16);
   entry[1] = 0;
@@ -66,6 +70,7 @@ uint32_t ScanChanges(uint8_t* entries) {
       if (!TakeChange(at)) continue;
       PutEntry(entries + count * changeEntrySize, at);
       if (++count <= wantedChangeEntries) continue;
+      if (!TakeLogTurn(&fullLines)) return count;
       char stamp[timeStampSize];
       LogLine("%s Deltabuffer full maxData=%i deltaOffsetsCount=%u \n", TimeStamp(stamp),
               static_cast<int>(wantedChangeEntries), count);

@@ -2,9 +2,11 @@
 // for it: a client is called "unknown" until its name comes. Each slot has one look-up at a time.
 #include <cstring>
 
+#include "net/address.h"
 #include "net/server.h"
 #include "platform/clock.h"
 #include "platform/detached.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -53,7 +55,12 @@ void FollowPeerNames() {
     if (look.work != nullptr || !client.inUse || !client.nameWanted) continue;
     look.question = {client.peer, client.number, false, {}};
     look.work = StartDetached(LookUp, &look.question, sizeof look.question);
-    if (look.work == nullptr) client.nameWanted = false;  // no thread for it: it stays unknown
+    if (look.work != nullptr) continue;
+    client.nameWanted = false;
+    if (MayTellClients()) {
+      LogNetwork("TAVFARNET->The system gives no thread to look up the name of %s: it stays \"unknown\"; %s\n",
+                 AddressText(client.peer.ip).c_str(), shortageRemedy);
+    }
   }
 }
 

@@ -9,6 +9,7 @@
 #include "base/log_quiet.h"
 #include "net/address.h"
 #include "platform/lock.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -56,7 +57,10 @@ bool IsDue(Refusal refusal, uint32_t ip) {
 
 void PreparePermissions(const std::string& allowedClients, bool networkWrites) {
   constexpr std::string_view separators = ", \t;";
-  CreateLock(&toldLock);  // lives as long as the module; without it lines may come twice
+  if (!CreateLock(&toldLock)) {  // lives as long as the module
+    LogOwn("TAVFARNET->The system gives no lock for the lines about refusals, they may come twice: %s\n",
+           shortageRemedy);
+  }
   told = {};
   allowed.clear();
   writesAllowed = networkWrites;

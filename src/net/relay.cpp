@@ -13,6 +13,7 @@
 #include "net/permissions.h"
 #include "net/server.h"
 #include "platform/clock.h"
+#include "platform/system.h"
 
 char relayReasonText[160];
 
@@ -140,6 +141,10 @@ bool StartRelayThread() {
   relayRunning = 0;
   CloseWaker(&relayWaker);
   std::snprintf(relayReasonText, sizeof relayReasonText, "the system gives no thread to receive with");
+  LogOwn(
+      "TAVRIX->The system gives no thread or event, nothing comes from the other simulator: %s, and reload the "
+      "plug-in\n",
+      shortageRemedy);
   return false;
 }
 

@@ -8,12 +8,14 @@
 
 #include "base/log.h"
 #include "base/log_format.h"
+#include "base/log_quiet.h"
 #include "net/address.h"
 #include "net/change_scan.h"
 #include "net/net.h"
 #include "net/permissions.h"
 #include "offsets/memory.h"
 #include "platform/clock.h"
+#include "platform/system.h"
 
 char networkStatusText[32];
 char networkReasonText[160];
@@ -38,6 +40,7 @@ constexpr uint16_t connectedMark = 0x8123;
 Thread serverThread;
 SocketWaker serverWaker;
 std::atomic<bool> shortOfResources;
+QuietMinute clientLines = {.what = "TAVFARNET->Clients came and went", .most = 120, .began = 0, .turns = 0};
 Socket listener;  // the simulator's thread until the accept thread runs, then that one's
 
 enum class Listening { First, Again };
@@ -82,35 +85,34 @@ void LogListener(Listener state) {
   LogLine("TAVFARNET->Socket Thread Init OK\n");
 }
 
-// Both. Returns true, or false with the error.
-bool SetUpListener(Listening turn, int* error) {
-  const Listener state = TryListener(turn, error);
-  LogListener(state);
-  return state == Listener::Listening;
-}
-
-// The process has run out of handles, perhaps only for now: a line when it begins, none while it lasts.
-void TellNoResources() {
-  if (shortOfResources) return;
-  shortOfResources = true;
-  LogOwn(
-      "TAVFARNET->The system has no handles or memory left for another client: close other programs and "
-      "plug-ins; "
-      "new clients are accepted as soon as there are some\n");
+// The process has run out of handles or threads, perhaps only for now: a line when it begins, none while it
+// lasts. What was tried is tried again with the client's next attempt, but not at once.
+void WaitForResources() {
+  if (!shortOfResources.exchange(true)) {
+    LogOwn(
+        "TAVFARNET->The system has no handles or memory left for another client: %s; new clients are "
+        "accepted as soon as there are some\n",
+        shortageRemedy);
+  }
+  WaitWaker(&serverWaker, noResourcesPauseMs);
 }
 
 // The table is full: nobody can connect until a client has left. Then the port may be taken, or no handle be
 // left, for a while: it is tried again and told once.
 void WaitForFreeSlot(uint32_t count) {
-  LogLine("%07.3f TAVFARNET->Maximum of clients reached %u\n", static_cast<double>(PublishedRunningTime()),
-          count);
+  const bool tells = MayTellClients();
+  if (tells) {
+    LogLine("%07.3f TAVFARNET->Maximum of clients reached %u\n", static_cast<double>(PublishedRunningTime()),
+            count);
+  }
   CloseSocket(&listener);
   while (serverRunning.load() != 0 && ConnectedClients() >= maxClients) WaitWaker(&serverWaker, fullPauseMs);
   if (serverRunning.load() == 0) return;
   int error = 0;
-  if (!SetUpListener(Listening::Again, &error)) {
+  Listener state = TryListener(Listening::Again, &error);
+  if (tells || state != Listener::Listening) LogListener(state);
+  if (state != Listener::Listening) {
     LogOwn("%s; TAVFARNET tries again until it can\n", AdviseOnFailure("TCP", requestPort, error).c_str());
-    Listener state = Listener::NoSocket;
     while (state != Listener::Listening) {
       WaitWaker(&serverWaker, fullPauseMs);
       if (serverRunning.load() == 0) return;
@@ -118,7 +120,7 @@ void WaitForFreeSlot(uint32_t count) {
     }
     LogListener(state);
   }
-  LogLine("%07.3f TAVFARNET->Release OK\n", static_cast<double>(PublishedRunningTime()));
+  if (tells) LogLine("%07.3f TAVFARNET->Release OK\n", static_cast<double>(PublishedRunningTime()));
 }
 
 // Sets the mark of the burst thread when it is time to start one. The client list lock is held.
@@ -166,8 +168,8 @@ void GiveUpSlot(int slot) {
   PublishClientCount();
 }
 
-// A connection becomes a client. Clears serverRunning when the system has no thread for it. Nothing here waits
-// with the client list lock held: bursts and other clients go on meanwhile.
+// A connection becomes a client, or is closed when the system has no thread or handle for it. Nothing here
+// waits with the client list lock held: bursts and other clients go on meanwhile.
 void AdmitClient(Socket* connection, const SocketAddress& peer) {
   uint32_t count = 0;
   bool startsBursts = false;
@@ -176,26 +178,27 @@ void AdmitClient(Socket* connection, const SocketAddress& peer) {
     CloseSocket(connection);
     return;
   }
-  if (startsBursts) {
-    LogNetwork(StartBursts() ? "TAVFARNET->Client Creating burst thread OK\n"
-                             : "TAVFARNET->Creating burst thread failed\n");
+  if (startsBursts && !StartBursts()) {  // without bursts a client would wait for ever
+    CloseSocket(connection);
+    GiveUpSlot(slot);
+    if (!shortOfResources) LogNetwork("TAVFARNET->Creating burst thread failed\n");
+    return WaitForResources();
   }
-  switch (StartSession(static_cast<uint32_t>(slot), connection)) {
-    case SessionStart::NoThread:
-      GiveUpSlot(slot);
+  const bool tells = MayTellClients();
+  if (startsBursts && tells) LogNetwork("TAVFARNET->Client Creating burst thread OK\n");
+  const SessionStart session = StartSession(static_cast<uint32_t>(slot), connection);
+  if (session != SessionStart::Done) {
+    GiveUpSlot(slot);
+    if (session == SessionStart::NoThread && !shortOfResources) {
       LogNetwork("TAVFARNET->Creating thread no. %i failed\n", static_cast<int>(count));
-      serverRunning = 0;
-      return;
-    case SessionStart::NoHandle:
-      GiveUpSlot(slot);
-      TellNoResources();
-      WaitWaker(&serverWaker, noResourcesPauseMs);
-      return;
-    case SessionStart::Done:
-      shortOfResources = false;
-      break;
+    }
+    return WaitForResources();
   }
-  LogNetwork("TAVFARNET->Client Creating thread No. %u to client %s OK\n", count, AddressText(peer.ip).c_str());
+  shortOfResources = false;
+  if (tells) {
+    LogNetwork("TAVFARNET->Client Creating thread No. %u to client %s OK\n", count,
+               AddressText(peer.ip).c_str());
+  }
   {
     const ServerLockScope lock;
     Store<uint16_t>(connectedOffset, connectedMark);
@@ -213,18 +216,24 @@ void AcceptClients() {
       WaitForFreeSlot(count);
       continue;
     }
-    if (!announced) LogNetwork("TAVFARNET->Waiting for clients.....%i\n", static_cast<int>(count));
+    if (!announced && MayTellClients()) {
+      LogNetwork("TAVFARNET->Waiting for clients.....%i\n", static_cast<int>(count));
+    }
     announced = true;
     Socket connection;
     SocketAddress peer;
     const int accepted = AcceptSocket(&listener, &serverWaker, &connection, &peer);
     if (accepted == acceptNoResources) {
-      TellNoResources();
-      WaitWaker(&serverWaker, noResourcesPauseMs);
+      WaitForResources();
       continue;
     }
     if (accepted <= 0) {
+      const int error = SocketErrorNumber();
       LogNetwork("TAVFARNET->Client accept failed\n");
+      if (accepted < 0) {
+        LogOwn("TAVFARNET->The server has ended and no client can connect (%s): reload the plug-in\n",
+               SocketErrorText(error).c_str());
+      }
       serverRunning = 0;
       break;
     }
@@ -251,7 +260,13 @@ void ShutDownServer() {
 }
 
 uint32_t ServerProcedure(void*) {
-  StartAnnouncement();
+  if (!StartAnnouncement()) {
+    LogOwn(
+        "TAVFARNET->The system gives no thread or event to announce the server with, clients have to be told "
+        "its "
+        "address: %s, and reload the plug-in\n",
+        shortageRemedy);
+  }
   AcceptClients();
   ShutDownServer();
   return 0;
@@ -287,6 +302,8 @@ void LogNetwork(const char* format, ...) {
   LogLine("%s %s", TimeStamp(stamp), text);
 }
 
+bool MayTellClients() { return TakeLogTurn(&clientLines); }
+
 std::string AdviseOnFailure(const char* transport, uint16_t port, int error) {
   const std::string tried = std::string("TAVFARNET->Tried address ") + serverAddressText + ", " + transport +
                             " port " + std::to_string(port) + ": ";
@@ -302,7 +319,7 @@ std::string AdviseOnFailure(const char* transport, uint16_t port, int error) {
     case SocketFault::PortTaken:
       return tried + "the port is taken; close the other program that uses it and reload the plug-in";
     case SocketFault::NoResources:
-      return tried + SocketErrorText(error) + "; close other programs and plug-ins";
+      return tried + SocketErrorText(error) + "; " + shortageRemedy;
     default:
       return tried + SocketErrorText(error) + "; check \"Server Address\" in TAVRIX.ini and the network";
   }
@@ -333,7 +350,9 @@ void PrepareNetwork(const char* serverAddress) {
 
 bool OpenNetworkServer() {
   int error = 0;
-  const bool listening = SetUpListener(Listening::First, &error);
+  const Listener state = TryListener(Listening::First, &error);
+  LogListener(state);
+  const bool listening = state == Listener::Listening;
   if (!listening) {
     LogNetwork("TAVFARNET->Can`t init TCP.....\n");
     SetFailure("TCP", requestPort, error);

@@ -24,7 +24,9 @@ extern std::atomic<uint32_t> newClient;  // a full burst is due; changed under t
 
 // A main-log line with the time stamp in front: "hh:mm:ss:mmm " and the text.
 void LogNetwork(const char* format, ...) TAVRIX_PRINTF(1, 2);
-// Whether the last connection could not be accepted for want of handles or memory. Any thread.
+// Whether the lines about a client that comes or goes are due: clients can do so without end. Any thread.
+bool MayTellClients();
+// Whether the last connection could not be accepted for want of handles, threads or memory. Any thread.
 bool IsShortOfResources();
 // A line of advice after a failed call on a port: what was tried, why it failed, what to do. Takes the system's
 // error number. Returns the text without the line end.

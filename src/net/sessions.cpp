@@ -91,7 +91,7 @@ void ServeClient(Session* session) {
 
 uint32_t SessionProcedure(void* argument) {
   auto* session = static_cast<Session*>(argument);
-  LogNetwork("SocketI->Client No: = %02u\n", session->number);
+  if (MayTellClients()) LogNetwork("SocketI->Client No: = %02u\n", session->number);
   ServeClient(session);
   {
     LockScope lock(&clientListLock);

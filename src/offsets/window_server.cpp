@@ -10,6 +10,7 @@
 #include <string>
 
 #include "base/log.h"
+#include "base/log_quiet.h"
 #include "offsets/request_walk.h"
 #include "platform/clock.h"
 #include "platform/event.h"
@@ -33,6 +34,7 @@ UINT callMessage;   // 0 while the message is not registered
 HWND serverWindow;  // null while there is none
 std::atomic<bool> windowAnswers;
 bool windowLooksLost;  // the loop has been told to look after the window
+bool tellsWindow;      // the lines about a new window are due
 bool windowLost;       // it is gone and not yet made anew
 bool closing;          // the window is on its way out
 UINT_PTR retryTimer;   // 0 while none is set
@@ -212,7 +214,7 @@ void CaptureJoystick(HWND window) {
     default:
       break;
   }
-  LogLine("Register of joystickcapturewindow %s\n", text);
+  if (tellsWindow) LogLine("Register of joystickcapturewindow %s\n", text);
   joySetThreshold(JOYSTICKID1, 10);
 }
 
@@ -257,15 +259,18 @@ bool OpenWindow(HINSTANCE instance, bool report) {
                                 nullptr, instance, nullptr);
   if (window == nullptr) {
     if (report) {
-      LogOwn("TAVRIX->The window %s cannot be created (%s): local clients cannot connect\n", windowName,
-             SystemErrorText().c_str());
+      LogOwn(
+          "TAVRIX->The window %s cannot be created (%s): local clients cannot connect until it can, which is "
+          "tried "
+          "again every second; look whether the display is there and close other programs\n",
+          windowName, SystemErrorText().c_str());
     }
     return false;
   }
-  LogLine("Create KORLMain Window OK!\n");
+  if (tellsWindow) LogLine("Create KORLMain Window OK!\n");
   callMessage = RegisterWindowMessageA(callMessageName);
   if (callMessage != 0) {
-    LogLine("Register KORLMain Call message OK!\n");
+    if (tellsWindow) LogLine("Register KORLMain Call message OK!\n");
     AdmitClientsWithFewerRights(window);
   }
   serverWindow = window;
@@ -274,6 +279,12 @@ bool OpenWindow(HINSTANCE instance, bool report) {
   UpdateWindow(window);
   CaptureJoystick(window);
   return true;
+}
+
+// Looks in a second whether the window can be made then.
+void AwaitRetry() {
+  triedAt = GetTickCount();
+  retryTimer = SetTimer(nullptr, 0, retryMs, nullptr);
 }
 
 // Makes a lost window anew; while the system refuses, once a second. Other programs cannot take the window
@@ -288,8 +299,13 @@ void KeepWindow(HINSTANCE instance) {
     windowAnswers = false;
     windowLost = true;
     joyReleaseCapture(JOYSTICKID1);
-    LogOwn("TAVRIX->The window %s was destroyed by another part of this program: a new one is made\n",
-           windowName);
+    static QuietMinute lines = {
+        .what = "TAVRIX->Another part of this program destroyed the window", .most = 5, .began = 0, .turns = 0};
+    tellsWindow = TakeLogTurn(&lines);
+    if (tellsWindow) {
+      LogOwn("TAVRIX->The window %s was destroyed by another part of this program: a new one is made\n",
+             windowName);
+    }
   }
   if (!windowLost || (retryTimer != 0 && GetTickCount() - triedAt < retryMs / 2)) return;
   triedAt = GetTickCount();
@@ -298,7 +314,7 @@ void KeepWindow(HINSTANCE instance) {
     if (retryTimer != 0) KillTimer(nullptr, retryTimer);
     retryTimer = 0;
   } else if (retryTimer == 0) {
-    retryTimer = SetTimer(nullptr, 0, retryMs, nullptr);
+    AwaitRetry();
   }
 }
 
@@ -326,6 +342,7 @@ uint32_t ServerProcedure(void*) {
   const HINSTANCE instance = ModuleInstance();
   ATOM windowClass = 0;
   serverWindow = nullptr;
+  tellsWindow = true;
   windowLooksLost = windowLost = closing = false;
   retryTimer = 0;
   toldCount = 0;
@@ -338,10 +355,14 @@ uint32_t ServerProcedure(void*) {
   } else {
     windowClass = RegisterWindowClass(instance);
     if (windowClass == 0) {
-      LogOwn("TAVRIX->The window class %s cannot be registered (%s): local clients cannot connect\n",
-             windowName, SystemErrorText().c_str());
-    } else {
-      OpenWindow(instance, true);
+      LogOwn(
+          "TAVRIX->The window class %s cannot be registered (%s): local clients cannot connect; close other "
+          "programs "
+          "and reload the plug-in\n",
+          windowName, SystemErrorText().c_str());
+    } else if (!OpenWindow(instance, true)) {
+      windowLost = true;
+      AwaitRetry();
     }
   }
   SignalEvent(&queueReady);

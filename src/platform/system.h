@@ -43,8 +43,9 @@ std::string WithSeparator(std::string folder);
 
 enum class OpenMode { Read, Empty, Append };
 struct OpenFailure {
-  bool missing;        // to be read, and not there
-  std::string reason;  // for a log line
+  bool missing;                  // to be read, and not there
+  std::string reason;            // for a log line
+  const char* remedy = nullptr;  // as SystemErrorRemedy
 };
 // Opens a plain file, without any conversion of its bytes; Empty and Append make it when it is missing.
 // Whatever else stands under the name (a folder, a pipe, a device, a socket) is refused: it is neither waited
@@ -61,6 +62,11 @@ bool ReplaceFile(const char* from, const char* to);
 // Last system error as text, for log lines, and as the system's own number.
 std::string SystemErrorText();
 int SystemErrorNumber();
+// What the user can do about the last system error, for log lines; null when that depends on what was tried.
+const char* SystemErrorRemedy();
+constexpr char shortageRemedy[] =
+    "close other programs and plug-ins, the system has run short of what it needs";
+constexpr char fullDiskRemedy[] = "make room on that disk";
 // Where the program or library that holds this address begins, null for none. Any thread.
 const void* ModuleOf(const void* address);
 // Open handles or file descriptors of this process, or -1; for tests and diagnostics.

@@ -316,14 +316,15 @@ int ReportUnreadable(const std::string& reason, const char* remedy) {
   return -1;
 }
 
-bool ReportUnwritable(const char* path, const std::string& reason,
-                      const char* remedy = "make the file and its folder writable for your user") {
+// Without a remedy: the usual one.
+bool ReportUnwritable(const char* path, const std::string& reason, const char* remedy = nullptr) {
   SetFault("written", reason);
   if (!IsNews(toldUnwritable, reason)) return false;
   LogOwn(
       "TAVRIX->Can't write the settings file %s (%s): %s; changes of the settings are lost at the end of this "
       "session\n",
-      EscapedControls(path).c_str(), reason.c_str(), remedy);
+      EscapedControls(path).c_str(), reason.c_str(),
+      remedy != nullptr ? remedy : "make the file and its folder writable for your user");
   return false;
 }
 
@@ -334,8 +335,10 @@ int LoadText(std::string* text) {
   const std::unique_ptr<FILE, int (*)(FILE*)> file(OpenPlainFile(settingsPath, OpenMode::Read, &failure),
                                                    std::fclose);
   if (!file) {
-    return failure.missing ? 0
-                           : ReportUnreadable(failure.reason, "make it a text file that your user may read");
+    if (failure.missing) return 0;
+    return ReportUnreadable(failure.reason, failure.remedy != nullptr
+                                                ? failure.remedy
+                                                : "make it a text file that your user may read");
   }
   std::string read;
   char part[16384];
@@ -368,21 +371,26 @@ bool SaveText(const std::string& text) {
   const std::string temporary = std::string(settingsPath) + temporarySuffix;
   OpenFailure failure;
   FILE* file = OpenPlainFile(temporary.c_str(), OpenMode::Empty, &failure);
-  if (!file) return ReportUnwritable(temporary.c_str(), failure.reason);
+  if (!file) return ReportUnwritable(temporary.c_str(), failure.reason, failure.remedy);
   const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() && FlushToDisk(file);
+  const char* remedy = SystemErrorRemedy();
   std::string reason = written ? "" : SystemErrorText();
   const bool closed = std::fclose(file) == 0;
-  if (written && !closed) reason = SystemErrorText();
+  if (written && !closed) {
+    remedy = SystemErrorRemedy();
+    reason = SystemErrorText();
+  }
   if (written && closed) {
     if (ReplaceFile(temporary.c_str(), settingsPath)) {
       toldUnwritable[0] = fault[0] = '\0';
       lastText = text;
       return true;
     }
+    remedy = SystemErrorRemedy();
     reason = SystemErrorText();
   }
   std::remove(temporary.c_str());
-  return ReportUnwritable(settingsPath, reason);
+  return ReportUnwritable(settingsPath, reason, remedy);
 }
 
 // Changes that are not in the file yet, each key once, in the order of their first change.

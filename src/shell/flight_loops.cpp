@@ -1,6 +1,8 @@
 #include "shell/flight_loops.h"
 
 #include "XPLMProcessing.h"
+#include "XPLMUtilities.h"
+#include "base/log.h"
 #include "net/relay.h"
 #include "panels/panels.h"
 #include "platform/exceptions.h"
@@ -33,6 +35,7 @@ float RelayStarter(float, float, int, void*) {
 }
 
 float RelayFrame(float, float, int, void*) {
+  ReportLostLines(XPLMDebugString);
   ApplyRelayRecord();
   FollowPanels();
   return -1;

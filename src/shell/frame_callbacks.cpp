@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "XPLMUtilities.h"
 #include "aircraft/adapters.h"
 #include "base/log.h"
 #include "bridge/cycles.h"
@@ -81,6 +82,7 @@ float WriteCycle(float, float, int, void*) {
     SaveSettingsWhenDue(now);
   }
   FollowPanels();
+  ReportLostLines(XPLMDebugString);
   return -1;
 }
 

@@ -33,6 +33,7 @@
 #include "platform/clock.h"
 #include "platform/exceptions.h"
 #include "platform/socket.h"
+#include "platform/system.h"
 #include "pushback/pushback.h"
 #include "settings/settings.h"
 #include "shell/advice.h"
@@ -74,22 +75,41 @@ void ConnectRooms() {
   ConnectPushback();
 }
 
+// A service whose thread, or what it waits with, the system does not give is missing until the next load.
+void TellStarted(bool started, const char* fine, const char* failed, const char* loss) {
+  if (started) return LogLine("%s\n", fine);
+  LogLine("%s\n", failed);
+  LogOwn("TAVRIX->The system gives no thread or event, %s: %s, and reload the plug-in\n", loss, shortageRemedy);
+}
+
 void StartThreads() {
   if constexpr (windowServerExists) {
-    LogLine(StartWindowServer() ? "TAVRIX->Create KORL Thread OK!\n" : "TAVRIX->Create KORL Thread failed!\n");
+    TellStarted(StartWindowServer(), "TAVRIX->Create KORL Thread OK!", "TAVRIX->Create KORL Thread failed!",
+                "local clients cannot connect");
   }
-  LogLine(StartButtonThread() ? "TAVRIX->Create Joystick Thread OK!\n"
-                              : "TAVRIX->Create Joystick Thread failed!\n");
+  TellStarted(StartButtonThread(), "TAVRIX->Create Joystick Thread OK!",
+              "TAVRIX->Create Joystick Thread failed!", "assigned joystick buttons and axes do nothing");
   const bool networkOpen = OpenNetworkServer();
   if (!networkOpen) OpenAlertWindow(networkAlertText);
   const bool networkRuns = networkOpen && StartNetworkServer();
   const bool trafficRuns = StartTrafficThread();
-  if (!StartAircraftModelThread()) LogOwn("TAVRIX->Create aircraft model thread failed!\n");
+  if (!StartAircraftModelThread()) {
+    LogOwn("TAVRIX->Create aircraft model thread failed! The simulator's own thread does its work: %s\n",
+           shortageRemedy);
+  }
   if (settings.statusPage != PageAccess::Off &&
-      !StartStatusPage(SystemFolder().c_str(), settings.statusPage == PageAccess::Local))
-    LogOwn("TAVRIX->Create HTTP thread failed!\n");
-  LogLine(networkRuns ? "TAVFARNET->Create Socket thread OK!\n" : "TAVFARNET->Create Socket thread failed!\n");
-  LogLine(trafficRuns ? "TAVRIX->Create ATC thread OK!\n" : "TAVRIX->Create ATC thread failed!\n");
+      !StartStatusPage(SystemFolder().c_str(), settings.statusPage == PageAccess::Local)) {
+    LogOwn("TAVRIX->Create HTTP thread failed! There is no status page: %s, and reload the plug-in\n",
+           shortageRemedy);
+  }
+  constexpr char failed[] = "TAVFARNET->Create Socket thread failed!";
+  if (networkOpen) {
+    TellStarted(networkRuns, "TAVFARNET->Create Socket thread OK!", failed, "network clients cannot connect");
+  } else {
+    LogLine("%s\n", failed);  // why was told
+  }
+  TellStarted(trafficRuns, "TAVRIX->Create ATC thread OK!", "TAVRIX->Create ATC thread failed!",
+              "other aircraft are not shown");
 }
 
 void CentreRudder() { FireCommand(XPLMFindCommand("sim/flight_controls/rudder_ctr")); }
@@ -133,6 +153,9 @@ void EnableServerMode() {
   deferredStartRan = false;
   RegisterFlightLoops(DeferredStart);
   if (terrainProbe == nullptr) terrainProbe = XPLMCreateProbe(xplm_ProbeY);
+  if (terrainProbe == nullptr) {
+    LogOwn("TAVRIX->The simulator gives no terrain probe: enable the plug-in again; nothing else is missing\n");
+  }
   RecogniseXSquawkBox();
   BindReaders();
   LogLine("TAVRIX->Init pushback functions\n");
@@ -287,9 +310,8 @@ int EnablePlugin() {
     DeleteLocks();
     ClearCustomOffsets();
     stage = Stage::Started;
-    LogOwn(
-        "TAVRIX->The system refuses the locks: the plug-in stays disabled; close other programs and try "
-        "again\n");
+    LogOwn("TAVRIX->The system refuses the locks: the plug-in stays disabled; %s, and enable it again\n",
+           shortageRemedy);
     return 0;
   }
   EnableWindows();

@@ -1,9 +1,11 @@
 #include "shell/menu.h"
 
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "XPLMMenus.h"
+#include "base/log.h"
 #include "panels/layout.h"
 #include "panels/panels.h"
 #include "platform/exceptions.h"
@@ -57,31 +59,51 @@ void MenuHandler(void*, void* itemReference) {
   }
 }
 
+// Null when the simulator refuses it.
 XPLMMenuID AddSubmenu(XPLMMenuID parent, const char* label) {
   const int item = XPLMAppendMenuItem(parent, label, nullptr, 1);
-  XPLMMenuID menu = XPLMCreateMenu(label, parent, item, MenuHandler, nullptr);
-  return menu != nullptr ? menu : parent;  // items stay reachable when the simulator refuses a submenu
+  return item < 0 ? nullptr : XPLMCreateMenu(label, parent, item, MenuHandler, nullptr);
+}
+
+void TellRefused(const std::string& what) {
+  if (what.empty()) return;
+  LogOwn(
+      "TAVRIX->The simulator refuses a part of the menu (%s): windows cannot be opened or stand one level "
+      "higher; "
+      "reload the plug-in\n",
+      what.c_str());
 }
 
 }  // namespace
 
 void BuildMenu() {
-  rootMenu = AddSubmenu(XPLMFindPluginsMenu(), "TAVRIX");
+  constexpr char rootLabel[] = "TAVRIX";
+  rootMenu = AddSubmenu(XPLMFindPluginsMenu(), rootLabel);
   submenuCount = 0;
+  if (rootMenu == nullptr) return TellRefused(rootLabel);
   std::vector<XPLMMenuID> open = {rootMenu};
+  std::string refused;
+  const auto refuse = [&refused](const char* label) {
+    refused += (refused.empty() ? "" : ", ") + std::string(label);
+  };
   for (const MenuRow& row : rows) {
     switch (row.entry) {
       case Entry::Item:
         // The simulator only hands the text back; it is never written to.
-        XPLMAppendMenuItem(open.back(), row.label, const_cast<char*>(row.reference), 1);
+        if (XPLMAppendMenuItem(open.back(), row.label, const_cast<char*>(row.reference), 1) < 0)
+          refuse(row.label);
         break;
       case Entry::Separator:
         XPLMAppendMenuSeparator(open.back());
         break;
       case Entry::Submenu: {
         const XPLMMenuID menu = AddSubmenu(open.back(), row.label);
-        if (menu != open.back()) submenus[submenuCount++] = menu;
-        open.push_back(menu);
+        if (menu != nullptr) {
+          submenus[submenuCount++] = menu;
+        } else {
+          refuse(row.label);
+        }
+        open.push_back(menu != nullptr ? menu : open.back());  // its items stay reachable
         break;
       }
       case Entry::EndOfSubmenu:
@@ -89,6 +111,7 @@ void BuildMenu() {
         break;
     }
   }
+  TellRefused(refused);
 }
 
 void DestroyMenuAndWindows() {

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "base/log.h"
 #include "base/log_quiet.h"
@@ -64,11 +65,9 @@ FILE* OpenPageLog() {
   OpenFailure failure;
   FILE* log = OpenPlainFile(logPath.c_str(), OpenMode::Empty, &failure);
   if (log == nullptr) {
-    LogOwn(
-        "TAVRIX->Can't write the status page's log %s (%s): make it a plain file that your user may write; the "
-        "page "
-        "works without it\n",
-        EscapedControls(logPath).c_str(), failure.reason.c_str());
+    LogOwn("TAVRIX->Can't write the status page's log %s (%s): %s; the page works without it\n",
+           EscapedControls(logPath).c_str(), failure.reason.c_str(),
+           failure.remedy != nullptr ? failure.remedy : "make it a plain file that your user may write");
   }
   return log;
 }
@@ -118,12 +117,21 @@ void Answer(PageLog* log, Socket* connection, const SocketAddress& peer) {
 }
 
 void AnswerBrowsers(PageLog* log, Socket* listener) {
+  bool told = false;
   while (pageRunning.load() != 0) {
     Socket connection;
     SocketAddress peer;
     const int accepted = AcceptSocket(listener, &pageWaker, &connection, &peer);
-    if (accepted < 0) WaitWaker(&pageWaker, requestWaitMs);  // out of handles, perhaps only for now
+    if (accepted < 0) {  // out of handles, perhaps only for now
+      const int error = SocketErrorNumber();
+      if (!std::exchange(told, true)) {
+        LogOwn("TAVRIX->The status page cannot answer (%s): %s; it answers as soon as it can\n",
+               SocketErrorText(error).c_str(), shortageRemedy);
+      }
+      WaitWaker(&pageWaker, requestWaitMs);
+    }
     if (accepted <= 0) continue;
+    told = false;
     if (pageRunning.load() != 0) Answer(log, &connection, peer);
     CloseSocket(&connection);
   }
@@ -135,6 +143,8 @@ uint32_t PageProcedure(void*) {
   Write(&log, "http log\n");
   Socket listener;
   if (!OpenSocket(&listener, Transport::Stream)) {
+    LogOwn("TAVRIX->The status page gets no socket (%s): %s, and reload the plug-in\n",
+           SocketErrorText(SocketErrorNumber()).c_str(), shortageRemedy);
     Write(&log, "error socket\n");
     if (log.file != nullptr) std::fclose(log.file);
     return 0;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "base/bytes.h"
 #include "base/log.h"
@@ -7,6 +8,7 @@
 #include "offsets/memory.h"
 #include "platform/clock.h"
 #include "platform/event.h"
+#include "platform/system.h"
 #include "traffic/traffic.h"
 #include "traffic/traffic_state.h"
 
@@ -26,6 +28,7 @@ std::atomic<uint32_t> managerRun;
 
 // The manager thread's own.
 bool settling;  // slots and aircraft do not agree yet
+bool toldShortage;
 uint16_t changeCounter;
 uint16_t nearestEntry;
 
@@ -36,11 +39,15 @@ bool AddSlot() {
   const uint32_t index = activeSlots;
   if (slots[index].thread.started.load() != 0) return false;
   if (!StartSlot(index)) {
-    LogOwn("TAVRIX->The system gives no thread for slot %02i, aircraft from there on are not shown\n",
-           static_cast<int>(index));
-    settling = false;  // the next change of the number tries again
+    if (std::exchange(toldShortage, true)) return false;
+    LogOwn(
+        "TAVRIX->The system gives no thread for slot %02i: aircraft from there on are shown as soon as there "
+        "is "
+        "one; %s\n",
+        static_cast<int>(index), shortageRemedy);
     return false;
   }
+  toldShortage = false;
   ++activeSlots;
   return true;
 }
@@ -115,13 +122,14 @@ uint32_t ManagerProcedure(void*) {
 
 void BeginManager() {
   activeSlots = 0;
-  settling = true;
+  toldShortage = false;
   nearestEntry = 0;
   for (std::atomic<uint8_t>& rounds : slotRounds) rounds = 0;
   countChanged = 0;
-  for (uint32_t wanted = WantedSlots(); activeSlots < wanted && AddSlot();) {
+  const uint32_t wanted = WantedSlots();
+  while (activeSlots < wanted && AddSlot()) {
   }
-  settling = false;
+  settling = activeSlots < wanted;  // one that could not be had is tried again in every round
 }
 
 void RunManagerRound() {

@@ -8,6 +8,7 @@
 
 #include "XPLMUtilities.h"
 #include "base/log.h"
+#include "base/log_quiet.h"
 #include "bridge/catalogue.h"
 #include "bridge/catalogue/conversions.h"
 #include "bridge/catalogue/losses.h"
@@ -65,7 +66,9 @@ void ApplyRightBrake(const OffsetRow&, const Staged& staged) {
   CopyFromMemory(0x0BC4, sizeof(left), &left);
   const float ratio = static_cast<float>(staged.number * (1 / full));
   SetSource(rightBrake, ratio);
-  if (staged.own) return;  // a pedal on an axis would fill the log
+  // A pedal would fill the log.
+  static QuietMinute lines = {.what = "TAVRIX->Offset 0x0BC6 was written", .most = 10, .began = 0, .turns = 0};
+  if (staged.own || !TakeLogTurn(&lines)) return;
   // Formatted here: the line's decimal point must not follow the computer's locale.
   char number[32];
   *std::to_chars(number, number + sizeof(number) - 1, ratio, std::chars_format::fixed, 6).ptr = '\0';

@@ -5,6 +5,7 @@
 
 #include "XPLMUtilities.h"
 #include "base/log.h"
+#include "base/log_quiet.h"
 #include "bridge/catalogue.h"
 #include "platform/clock.h"
 
@@ -38,17 +39,30 @@ bool IsHarmless(std::string_view name) {
   return isRelative && hasEnding && !climbs && std::none_of(name.begin(), name.end(), isControl);
 }
 
-// At most one line a second: a client may write the command as often as it likes.
-void TellRefused(const char* name) {
+// At most one line a second and ten a minute: a client may write the command as often as it likes.
+bool MayTell() {
   constexpr int64_t pauseNanoseconds = 1'000'000'000;
   static int64_t nextLine = 0;
+  static QuietMinute lines = {
+      .what = "TAVRIX->Situation files could not be used", .most = 10, .began = 0, .turns = 0};
   const int64_t now = MonotonicNanoseconds();
-  if (now < nextLine) return;
+  if (now < nextLine) return false;
   nextLine = now + pauseNanoseconds;
+  return TakeLogTurn(&lines);
+}
+
+void TellRefused(const char* name) {
+  if (!MayTell()) return;
   LogOwn(
       "TAVRIX->Situation file \"%s\" of a client is refused: the name at 0x3F04 must end in .sit or .smo, be "
       "relative to the simulator's folder and hold neither \"..\" nor \":\" nor control characters\n",
       EscapedForLog(name).c_str());
+}
+
+void TellFailed(const char* what, const char* name, const char* remedy) {
+  if (!MayTell()) return;
+  LogOwn("TAVRIX->The simulator could not %s the situation file \"%s\" for a client: %s\n", what,
+         EscapedForLog(name).c_str(), remedy);
 }
 
 void ApplyCommand(const OffsetRow&, const Staged& staged) {
@@ -63,10 +77,13 @@ void ApplyCommand(const OffsetRow&, const Staged& staged) {
     return;
   }
   if (staged.integer != 0) {
-    XPLMSaveDataFile(kind, name);
+    if (XPLMSaveDataFile(kind, name) == 0) TellFailed("save", name, "look whether its folder can be written");
     return;
   }
-  if (XPLMLoadDataFile(kind, name) == 0) return;
+  if (XPLMLoadDataFile(kind, name) == 0) {
+    TellFailed("load", name, "look whether it lies in the simulator's folder");
+    return;
+  }
   uint16_t count = 0;
   CopyFromMemory(loadCountOffset, sizeof count, &count);
   ++count;

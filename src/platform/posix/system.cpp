@@ -24,6 +24,11 @@ FILE* Refuse(OpenFailure* failure, std::string reason) {
   return nullptr;
 }
 
+void TakeSystemError(OpenFailure* failure) {
+  failure->remedy = SystemErrorRemedy();
+  failure->reason = SystemErrorText();
+}
+
 }  // namespace
 
 std::string ComputerName() {
@@ -63,18 +68,19 @@ FILE* OpenPlainFile(const char* path, OpenMode mode, OpenFailure* failure) {
   const int descriptor = open(path, access | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
   if (descriptor < 0) {
     failure->missing = errno == ENOENT && mode == OpenMode::Read;
-    return Refuse(failure, SystemErrorText());
+    TakeSystemError(failure);
+    return nullptr;
   }
   FILE* file = nullptr;
   if (fstat(descriptor, &info) != 0) {
-    failure->reason = SystemErrorText();
+    TakeSystemError(failure);
   } else if (!S_ISREG(info.st_mode)) {
     failure->reason = ReasonOf(info.st_mode);
   } else if (mode == OpenMode::Empty && ftruncate(descriptor, 0) != 0) {
-    failure->reason = SystemErrorText();
+    TakeSystemError(failure);
   } else {
     file = fdopen(descriptor, mode == OpenMode::Read ? "rb" : mode == OpenMode::Empty ? "wb" : "ab");
-    if (!file) failure->reason = SystemErrorText();
+    if (!file) TakeSystemError(failure);
   }
   if (!file) close(descriptor);
   return file;
@@ -119,6 +125,21 @@ bool ReplaceFile(const char* from, const char* to) {
 std::string SystemErrorText() { return std::system_category().message(errno); }
 
 int SystemErrorNumber() { return errno; }
+
+const char* SystemErrorRemedy() {
+  switch (errno) {
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+      return shortageRemedy;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return fullDiskRemedy;
+    default:
+      return nullptr;
+  }
+}
 
 const void* ModuleOf(const void* address) {
   Dl_info info;

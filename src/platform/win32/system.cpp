@@ -141,6 +141,7 @@ FILE* OpenPlainFile(const char* path, OpenMode mode, OpenFailure* failure) {
     const DWORD error = GetLastError();
     failure->missing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
     SetLastError(error);
+    failure->remedy = SystemErrorRemedy();
     return Refuse(failure, SystemErrorText());
   }
   if (GetFileType(handle) != FILE_TYPE_DISK) {
@@ -148,12 +149,13 @@ FILE* OpenPlainFile(const char* path, OpenMode mode, OpenFailure* failure) {
     return Refuse(failure, "it is a pipe or a device");
   }
   if (mode == OpenMode::Empty && !SetEndOfFile(handle)) {
+    failure->remedy = SystemErrorRemedy();
     failure->reason = SystemErrorText();
     CloseHandle(handle);
     return nullptr;
   }
   FILE* file = StreamOf(handle, mode);
-  if (!file) failure->reason = "the program has too many open files";
+  if (!file) *failure = {false, "the program has too many open files", shortageRemedy};
   return file;
 }
 
@@ -212,6 +214,21 @@ std::string SystemErrorText() {
 }
 
 int SystemErrorNumber() { return static_cast<int>(GetLastError()); }
+
+const char* SystemErrorRemedy() {
+  switch (GetLastError()) {
+    case ERROR_TOO_MANY_OPEN_FILES:
+    case ERROR_NOT_ENOUGH_MEMORY:
+    case ERROR_OUTOFMEMORY:
+    case ERROR_NO_SYSTEM_RESOURCES:
+      return shortageRemedy;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return fullDiskRemedy;
+    default:
+      return nullptr;
+  }
+}
 
 const void* ModuleOf(const void* address) {
   HMODULE module = nullptr;
