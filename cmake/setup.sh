@@ -79,7 +79,8 @@ setup_web() {
     $as_root apt-get update -qq >/dev/null 2>&1 || true
     DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends "${packages[@]}" >"$log" 2>&1
   fi
-  (cd web && npm ci --ignore-scripts --no-audit --no-fund && touch node_modules/.package-lock.json) >>"$log" 2>&1
+  (cd web && npm ci --ignore-scripts --no-audit --no-fund --fetch-retries=1 --fetch-retry-mintimeout=1000 \
+    --fetch-retry-maxtimeout=3000 --fetch-timeout=30000 && touch node_modules/.package-lock.json) >>"$log" 2>&1
   have_web && return 0
   echo "The web cockpit's parts are not all there, offsetctl is built without \`serve\`; the reason is in $log" >&2
   return 1
