@@ -110,7 +110,7 @@ int DropKeySniffers(int owner, std::string* which);
 int DropHotKeys(int owner, std::string* which);
 int DropCamera(int owner, std::string* which);
 void DropObjects(int owner);
-int DropMenus(int owner, std::string* which);
+void DropMenus(int owner);
 void DropPlanes(int owner);
 
 // --- Datarefs, as the console sees them ------------------------------------------------------------

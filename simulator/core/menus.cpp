@@ -99,17 +99,11 @@ std::string Choose(const Entry& entry) {
 
 void ResetMenus() { menus.clear(); }
 
-int DropMenus(int owner, std::string* which) {
-  int dropped = 0;
+void DropMenus(int owner) {
   for (auto& menu : menus) {
-    if (menu->owner != owner) continue;
-    Detach(menu.get());
-    if (menu->plugins) continue;  // the simulator's own doing
-    ++dropped;
-    *which = menu->name;
+    if (menu->owner == owner) Detach(menu.get());
   }
   std::erase_if(menus, [&](auto& menu) { return menu->owner == owner; });
-  return dropped;
 }
 
 std::string MenuConsole(const std::string& wanted) {

@@ -98,7 +98,6 @@ constexpr BelongingRow belongingRows[] = {
     {.what = "key sniffers", .drop = DropKeySniffers},
     {.what = "hot keys", .drop = DropHotKeys},
     {.what = "camera control", .drop = DropCamera},
-    {.what = "menus", .drop = DropMenus},
 };
 
 // Removes what is still there of the plug-in. What it should have removed itself is a breach, unless it
@@ -108,6 +107,7 @@ void Clean(Plugin* plugin, bool report) {
   int left[kinds];
   std::string which[kinds];
   for (size_t i = 0; i < kinds; ++i) left[i] = belongingRows[i].drop(plugin->id, &which[i]);
+  DropMenus(plugin->id);
   DropPlanes(plugin->id);
   DropObjects(plugin->id);
   for (size_t i = 0; report && i < kinds; ++i) Leftover(left[i], belongingRows[i].what, which[i]);

@@ -325,12 +325,6 @@ TEST_F(SimCore, BreachesAreTold) {
       {"XPluginStop: begun commands left: 1 (test/c)", [&] { XPLMCommandBegin(command), Do("reload"); }},
       {"XPluginStop: command handlers left: 1 (test/c)",
        [&] { XPLMRegisterCommandHandler(command, OnCommand, 1, nullptr), Do("reload"); }},
-      {"XPluginStop: menus left: 1 (M)",
-       [] {
-         XPLMCreateMenu(
-             "M", nullptr, 0, [](void*, void*) {}, nullptr),
-             Do("reload");
-       }},
       {"XPLMFindCommand: called after stop", [&] { sim::SimStop(), XPLMFindCommand("x"); }}};
   for (const auto& [told, act] : rows) {
     act();
@@ -376,11 +370,9 @@ void OnMenu(void* menu, void* item) {
 TEST_F(SimCore, MenusAndNavigation) {
   chosen.clear();
   XPLMMenuID plugins = XPLMFindPluginsMenu();
-  std::vector<XPLMMenuID> made;
   for (const char* name : {"A", "B"}) {
     int place = XPLMAppendMenuItem(plugins, name, nullptr, 1);
     XPLMMenuID menu = XPLMCreateMenu(name, plugins, place, OnMenu, const_cast<char*>(name));
-    made.push_back(menu);
     EXPECT_EQ(XPLMAppendMenuItem(menu, "Same", const_cast<char*>("1"), 1), 0);
     XPLMAppendMenuSeparator(menu);
     EXPECT_EQ(XPLMAppendMenuItem(menu, (std::string("Only ") + name).c_str(), const_cast<char*>("2"), 1), 2);
@@ -390,7 +382,6 @@ TEST_F(SimCore, MenusAndNavigation) {
          navaid vor NEAR 11030 47 8 400 0 "Near by" | navaid ndb ZZ 345 40 8 0 0 "Between" |
          navaid vor FAR 11030 10 8 400 0 "Far off")");
   EXPECT_EQ(chosen, "B1A2");
-  for (XPLMMenuID menu : made) XPLMDestroyMenu(menu);
   float lat = 46, lon = 8;
   int freq = 11030;
   XPLMNavRef nearest = XPLMFindNavAid(nullptr, nullptr, &lat, &lon, &freq, xplm_Nav_VOR | xplm_Nav_NDB);
