@@ -19,6 +19,7 @@ exceptions=(
   "ctl::UnpackReads of the Windows transport"
 )
 
+ninja -C "$build" -t cleandead >/dev/null  # objects of rules that are no more
 # Of files that are still there: what an earlier build left behind does not count.
 objects=$(find "$build"/CMakeFiles/{tavrix_objects,tavrix,offsetctl,offsetctl_parts}.dir -name '*.o' 2>/dev/null |
   grep -v '/offsetctl\.dir/src/' |  # the plug-in's own
