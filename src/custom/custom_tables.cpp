@@ -51,9 +51,10 @@ std::atomic<uint32_t> requests;
 constexpr int64_t pauseNanoseconds = 1'000'000'000;
 int64_t nextReload;
 
-// Clients can ask for the file without end: then its faults are told the first few times a minute only.
+// Clients can ask for the file without end: then its faults are told so many times a minute only (more than a
+// person who works on it, or `offsetctl map`, comes to).
 QuietMinute reloadLines = {
-    .what = "TAVRIX->TAVRIXOffsets.cfg was read again", .most = 5, .began = 0, .turns = 0};
+    .what = "TAVRIX->TAVRIXOffsets.cfg was read again", .most = 30, .began = 0, .turns = 0};
 bool tells = true;
 
 std::string FilePath() { return PluginFolder() + "TAVRIXOffsets.cfg"; }

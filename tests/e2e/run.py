@@ -29,8 +29,9 @@ NETWORK = ["unshare", "--net", "sh", "-c", "ip link set lo up && ip link set lo 
            "ip route add 224.0.0.0/4 dev lo && echo ready && cat"]
 NO_TESTS = 5  # pytest's answer where the marks leave nothing of a file
 # They take longest, and go first.
-LONG = ["test_faults.py", "test_cockpit.py", "test_flight.py", "test_recordings.py", "test_hosts.py", "test_clients.py",
-        "test_network.py", "test_traffic.py", "test_lifecycle.py", "test_hard_flight.py", "test_package.py", "test_page.py",
+LONG = ["test_faults.py", "test_faults_simulator.py", "test_cockpit.py", "test_flight.py", "test_recordings.py",
+        "test_hosts.py", "test_clients.py", "test_network.py", "test_traffic.py", "test_lifecycle.py", "test_hard_flight.py",
+        "test_package.py", "test_page.py",
         "test_run.py", "test_ages.py", "test_window_server.py"]
 DISPLAYS = 3  # when that many have died it is no accident
 
@@ -112,8 +113,11 @@ def unit_jobs(text, folder):
     jobs = []
     for part in range(int(parts)):
         own = folder / f"{name} {part}"
-        jobs.append(Job(f"{name}, part {part + 1}", shlex.split(command), folder=own,
-                        environment={"TEST_TMPDIR": str(own), "GTEST_TOTAL_SHARDS": parts, "GTEST_SHARD_INDEX": str(part)}))
+        words = shlex.split(command)
+        environment = {"GTEST_TOTAL_SHARDS": parts, "GTEST_SHARD_INDEX": str(part)}
+        if words[0] != "wine":  # there each prefix has a folder for that
+            environment["TEST_TMPDIR"] = str(own)
+        jobs.append(Job(f"{name}, part {part + 1}", words, environment, own))
     return jobs
 
 
@@ -136,6 +140,10 @@ def work(network, waiting, failed, prefix, options, lock, display):
                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace")
         if display:
             look_at_display(display)
+            end = time.monotonic() + 1  # a process that was ended takes connections until it has gone
+            while ended.returncode not in (0, NO_TESTS) and display["died"] == deaths and time.monotonic() < end:
+                time.sleep(0.1)
+                look_at_display(display)
         if ended.returncode not in (0, NO_TESTS) and display and display["died"] != deaths:
             subprocess.run([*inside, "wineserver", "-k"], env=environment, capture_output=True)
             shutil.rmtree(job.folder, ignore_errors=True)
