@@ -31,8 +31,7 @@ NO_TESTS = 5  # pytest's answer where the marks leave nothing of a file
 # They take longest, and go first.
 LONG = ["test_faults.py", "test_faults_simulator.py", "test_cockpit.py", "test_flight.py", "test_recordings.py",
         "test_hosts.py", "test_clients.py", "test_network.py", "test_traffic.py", "test_lifecycle.py", "test_hard_flight.py",
-        "test_package.py", "test_page.py",
-        "test_run.py", "test_ages.py", "test_window_server.py"]
+        "test_package.py", "test_page.py", "test_run.py", "test_ages.py", "test_window_server.py"]
 DISPLAYS = 3  # when that many have died it is no accident
 
 

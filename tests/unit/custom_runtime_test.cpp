@@ -42,6 +42,7 @@ TEST_F(CustomRuntime, EachGroupFollowsItsCycle) {
   for (int group = 0; group < 10; ++group) {
     text += "Offset 66C" + std::to_string(group) + " UINT8 " + std::to_string(group) + " r $psi 1 +\n";
   }
+  RefreshCycle1(0, 0, 0, nullptr);  // with what a test before has left due
   Load(text);
   for (int cycle = 0; cycle < 8; ++cycle) {
     Set(psi, 10 * (cycle + 1));
