@@ -41,9 +41,13 @@ export interface Status {
   age: number | null;
   clients: number;
   recording: string | null;
+  /** Why the recording ended by itself; null when it did not. */
+  recordingFault: string | null;
   replay: Replay | null;
   time: number;
   version: string;
+  /** The server refuses the stream, and why; only onStatus gets this. */
+  error?: CockpitError;
 }
 
 export interface Connection {

@@ -11,6 +11,7 @@
 const silence = 3500;        // ms without a word (status comes each second) after which the connection counts as lost
 const reopenDelay = 40;      // ms that changes of the names are collected for
 const retryDelays = [500, 1000, 2000, 3000];  // ms
+const usualRate = 20, mostRate = 50;  // updates a second
 const idleName = "activity";  // what is watched when only the connection is of interest
 
 const watches = new Set();      // {names, rate, callback, onStatus}
@@ -19,7 +20,10 @@ const newest = new Map();       // name -> {entry, at: when it came, in ms}, of 
 const unknown = new Map();      // name -> entry with an error: names that the server refused
 let byName = new Map();         // name -> watches
 let stream = null, streamKey = "", openTimer = 0, watchdog = 0, retryTimer = 0, retries = 0, lastWord = 0;
+let refusal = "";               // of the stream, as the console was told
 let state = { online: false, connected: false, status: null, error: null, reason: "connecting" };
+const noStatus = { source: "", connected: false, frames: 0, lost: 0, age: null, clients: 0, recording: null,
+  recordingFault: null, replay: null, time: 0, version: "" };
 
 /** An answer of the server that is no success: message, `where`, `remedy` and the HTTP `status` (0: not reached). */
 export class CockpitError extends Error {
@@ -63,12 +67,13 @@ export async function write(name, value, { unit, wait } = {}) {
 /**
  * Calls `callback` with an object name -> entry of what changed; the first time all, and again all when the
  * connection was gone. Names that the server does not know come as {name, value: null, error: {error, where,
- * remedy}} and are told on the console. `rate`: updates a second, 1 to 50; the fastest watch of the page counts for
- * all. What a callback throws is reported as any uncaught error, and holds up no other. Returns a function that ends
- * it.
+ * remedy}} and are told on the console. `rate`: updates a second, brought within 1 to 50, 20 for what is no number;
+ * the fastest watch of the page counts for all. `onStatus` gets the state each second; when the server refuses the
+ * whole stream, the last one with connected: false and the `error`. What a callback throws is reported as any
+ * uncaught error, and holds up no other. Returns a function that ends it.
  */
-export function watch(names, callback, { rate = 20, onStatus } = {}) {
-  const one = { names: listOf(names), callback, rate, onStatus, hasAll: false };
+export function watch(names, callback, { rate, onStatus } = {}) {
+  const one = { names: listOf(names), callback, rate: rateOf(rate), onStatus, hasAll: false };
   watches.add(one);
   plan();
   if (onStatus && state.status) call(onStatus, state.status);
@@ -105,6 +110,11 @@ function call(callback, given) {
 
 const listOf = (names) => (typeof names === "string" ? [names] : [...new Set(names)]);
 
+function rateOf(given) {
+  const rate = typeof given === "number" ? given : parseFloat(given);
+  return Number.isNaN(rate) ? usualRate : Math.round(Math.max(1, Math.min(mostRate, rate)));
+}
+
 function plan() {
   byName = new Map();
   for (const one of watches) {
@@ -119,7 +129,7 @@ function plan() {
 function wanted() {
   const names = [...byName.keys()].filter((name) => !unknown.has(name)).sort();
   let rate = 1;
-  for (const one of watches) rate = Math.max(rate, Math.min(50, one.rate));
+  for (const one of watches) rate = Math.max(rate, one.rate);
   return "/api/stream?names=" + (names.length ? names.map(encodeURIComponent).join(",") : idleName) + "&rate=" + rate;
 }
 
@@ -173,6 +183,7 @@ function close() {
 function heard() {
   lastWord = performance.now();
   retries = 0;
+  refusal = "";
 }
 
 // The browser's own reconnecting is slow and ends for good on an error answer, so every loss opens a new stream.
@@ -182,14 +193,28 @@ async function lost(reason) {
   newest.clear();
   tell({ online: false, connected: false, reason });
   const answer = await probe(path);
-  if (answer.status === 0) unknown.clear();  // another version may come back
-  if (answer.status === 404 || answer.status === 400) {
-    await findUnknown([...byName.keys()].filter((name) => !unknown.has(name)), answer.json);
-  } else if (answer.status !== 200 && answer.status !== 0) {
-    tell({ error: new CockpitError(answer.status, answer.json) });
+  if (answer.status === 0) {
+    unknown.clear();  // another version may come back
+    if (state.error) tell({ error: null });
+  } else if (answer.status !== 200) {
+    if (answer.status === 404 || answer.status === 400) {
+      await findUnknown([...byName.keys()].filter((name) => !unknown.has(name)), answer.json);
+    }
+    if (!stream && path === wanted()) refused(new CockpitError(answer.status, answer.json));
   }
   clearTimeout(retryTimer);
   retryTimer = setTimeout(open, answer.status === 200 ? 100 : retryDelays[Math.min(retries++, retryDelays.length - 1)]);
+}
+
+// The server does not give the stream for another reason than a name.
+function refused(error) {
+  const text = [error.message, error.where, error.remedy].filter(Boolean).join(": ");
+  if (text !== refusal) console.error(`TAVRIX: the stream is refused (${error.status}): ${text}`);
+  refusal = text;
+  tell({ error, reason: error.message });
+  for (const one of [...watches]) {
+    if (one.onStatus) call(one.onStatus, { ...(state.status ?? noStatus), connected: false, error });
+  }
 }
 
 async function probe(path) {

@@ -53,7 +53,7 @@ class Fake:
         self.held = {}          # name -> value that was written and stays
         self.lock = threading.Lock()
         self.every, self.down, self.clients, self.frames = every, False, 0, 0
-        self.recording, self.replay, self.recorded = None, None, 0.0
+        self.recording, self.replay, self.fault, self.refusal = None, None, None, None
         self.files = [{"file": "evening circuit.tavrec", "bytes": 4200000, "modified": "2026-11-21T18:05:00Z"},
                       {"file": "ILS 26L.tavrec", "bytes": 9123456, "modified": "2026-11-20T09:41:00Z"}]
         for name, value in START.items():
@@ -155,7 +155,7 @@ class Fake:
         source = f"recording {self.replay['file']}" if self.replay else "network 127.0.0.1"
         return {"source": source, "connected": True, "frames": self.frames, "lost": 0, "age": 0.01,
                 "clients": self.clients, "recording": self.recording, "time": self.now(), "version": "2.0.5.25",
-                "replay": self.replay and {**self.replay}}
+                "replay": self.replay and {**self.replay}, "recordingFault": self.fault}
 
     def write(self, item, where):
         name, value, unit = item["name"], item["value"], item.get("unit")
@@ -233,7 +233,8 @@ class Handler(BaseHTTPRequestHandler):
         length = int(self.headers.get("Content-Length") or 0)
         body = json.loads(self.rfile.read(length)) if length else {}
         if url.path == "/fake":  # what a test wants to happen
-            fake.down = body.get("down", fake.down)
+            for key in {"down", "recording", "fault", "refusal"} & body.keys():
+                setattr(fake, key, body[key])
             with fake.lock:
                 fake.held |= body.get("set", {})
                 for name, value in body.get("set", {}).items():
@@ -284,6 +285,9 @@ class Handler(BaseHTTPRequestHandler):
         if path in ("/api/stream", "/api/changes"):
             for name in names:
                 find(name)
+            fake.rate = query.get("rate")
+            if fake.refusal or not 1 <= float(query.get("rate", 20)) <= 50:
+                raise Refusal(400, fake.refusal or "rate is 1 to 50", "rate", "leave it out")
             return self.stream(fake, path, names, fake.every or float(query.get("rate", 20)))
         for line in (TOP / "web/files.txt").read_text().splitlines():
             url, source = line.split()

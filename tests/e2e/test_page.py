@@ -228,6 +228,102 @@ def test_searching_and_lists(page, server):
     assert got["ias"]["value"] > 0 and "did you mean com" in got["com9"]["error"]["remedy"]
 
 
+def test_two_tabs_share_their_lists(page, server):
+    page.open(server, "watch/Mine", {"lists": [["Mine", [{"name": "ias"}]]]})
+    names = lambda: page.js("return [...document.querySelectorAll('.table [data-name]')].map(one => one.dataset.name)")
+    add = lambda name: page.one("#query").send_keys(Keys.CONTROL, "a", Keys.NULL, name, Keys.ENTER)
+    first = page.driver.current_window_handle
+    page.driver.switch_to.new_window("tab")
+    page.driver.get(server.url + "#watch/Mine")
+    add("heading")
+    wait_for("the row", lambda: names() == ["ias", "heading"])
+    second = page.driver.current_window_handle
+    page.driver.switch_to.window(first)
+    wait_for("the other tab's row", lambda: names() == ["ias", "heading"])
+    # What is stored counts, also before this tab has heard of it: here it hears nothing of its own storage.
+    page.js("const lists = JSON.parse(localStorage['tavrix.lists']); lists[0][1].push({name: 'mach'});"
+            "localStorage['tavrix.lists'] = JSON.stringify([...lists, ['Night', []]])")
+    page.button("Remove ias").click()
+    add("pitch")
+    stored = lambda: [[item["name"] for item in items]
+                      for _, items in page.js("return JSON.parse(localStorage['tavrix.lists'])")]
+    wait_for("all changes", lambda: stored() == [["heading", "mach", "pitch"], []])
+    page.driver.switch_to.window(second)
+    wait_for("the first tab's changes", lambda: names() == ["heading", "mach", "pitch"])
+    page.button("Delete").click()
+    page.driver.close()
+    page.driver.switch_to.window(first)
+    wait_for("another list", lambda: page.js("return document.querySelector('#lists').value") == "Night")
+
+
+def test_what_is_remembered_or_addressed_wrongly_leaves_no_blank_page(page, server):
+    """{what is remembered: its texts}, {address: the view that shows}; view and address of no use: the first view."""
+    kept = {"view": ('"nonsense"', "null", '"constructor"', "5", '["plot"]', "{"), "theme": ('"__proto__"', "{}", '["dark"]'),
+            "lists": ("[1]", "[null]", "{}", '[["A", [{"name": 5}, null, {"name": "ias", "unit": "constructor"}]]]'),
+            "list": ("{}", "null"), "plot": ("5", "{}", "[1]", "[null]", '[{"name": 5}]', '[{"name": "ias", "unit": "toString"}]'),
+            "plotWindow": ('"x"', "null"), "range": ('"x"', "0"), "northUp": ("5",)}
+    cases = [(key, text, {"plot": "plot", "plotWindow": "plot", "range": "panel", "northUp": "panel"}.get(key, ""))
+             for key, texts in kept.items() for text in texts]
+    cases += [("none", "0", place) for place in ("constructor", "toString", "__proto__", "watch/%", "watch/%E0", "plot/%", "%",
+                                                 "plot/constructor,ias,ias", "watch/__proto__")]
+    page.driver.get_log("browser")
+    for key, text, place in cases:
+        page.driver.get(server.url + "icon.svg")
+        page.js("localStorage.clear(); localStorage.setItem('tavrix.' + arguments[0], arguments[1])", key, text)
+        page.driver.get(server.url + "#" + place)
+        wait_for(f"values with {key} {text} at #{place}", lambda: page.shows_values() and page.all("#theme svg"))
+        view = place.split("/")[0] if place.split("/")[0] in VIEWS else "watch"
+        assert page.one("[aria-selected=true]").get_attribute("id") == "tab-" + view, (key, text, place)
+        assert page.js("return document.documentElement.dataset.theme") in ("light", "dark")
+    wrong = [one["message"] for one in page.driver.get_log("browser") if one["level"] == "SEVERE" and "favicon" not in one["message"]]
+    assert not wrong
+
+
+def test_rates_and_a_refused_stream(page, server):
+    page.open(server, "own")
+    page.js("import('/tavrix.js').then(m => { window.tavrix = m; m.connection(state => { window.state = state; }); })")
+    wait_for("the module", lambda: page.js("return window.state"))
+    for given, asked in (("'x'", 20), ("NaN", 20), ("null", 20), ("0", 1), ("-5", 1), ("1000", 50), ("Infinity", 50), ("'30'", 30)):
+        page.js(f"window.got = null; window.stop = tavrix.watch(['ias'], part => {{ window.got = part; }}, {{rate: {given}}})")
+        wait_for(f"values at {given}", lambda: page.js("return window.got") and server.fake.rate == str(asked))
+        page.js("stop()")
+    page.driver.get_log("browser")
+    ask(server, refusal="too much is watched")
+    page.js("window.told = []; tavrix.watch(['ias', 'mach'], () => {}, {onStatus: status => told.push(status.error?.message)})")
+    wait_for("the reason", lambda: page.js("return told.filter(Boolean).length > 1 && state.error?.remedy") == "leave it out")
+    assert "Too much is watched. Leave it out" == page.text("#lost")
+    ask(server, refusal=None)
+    wait_for("the stream", lambda: page.js("return state.online && !state.error"))
+    lines = [one["message"] for one in page.driver.get_log("browser") if "the stream is refused" in one["message"]]
+    assert len(lines) == 1 and "400" in lines[0] and "too much is watched" in lines[0]
+
+
+def test_recording_tells_its_fault_and_its_time_when_it_knows_it(page, server):
+    page.open(server, "recordings")
+    alerts = ("main .fault[role=alert]", ".status .fault[role=alert]:not([hidden])")
+    ask(server, fault="The recording ended: the disk is full.")
+    wait_for("the alerts", lambda: [page.text(one) for one in alerts] == ["The recording ended: the disk is full."] * 2)
+    ask(server, fault=None, recording="dusk.tavrec")
+    wait_for("the clock", lambda: page.text(".status .record").startswith("0:0") and not "".join(map(page.text, alerts)))
+    assert page.text(".running").startswith("dusk.tavrec · 0:0")
+    page.driver.refresh()  # a page that comes later does not know since when
+    wait_for("the name", lambda: page.text(".status .record") == page.text(".running") == "dusk.tavrec")
+    ask(server, recording=None)
+    page.js("document.querySelector('[aria-label=\"Replay ILS 26L.tavrec\"]').click()")  # the list is made anew just now
+    hint = wait_for("the hint", lambda: [one for one in page.all(".recordForm > .hint") if one.is_displayed()])[0]
+    colour = "return getComputedStyle(document.querySelector(arguments[0])).color"
+    assert "nothing can be recorded" in hint.text
+    assert page.js(colour, ".recordForm > .hint") != page.js(colour, ".status .fault"), "it is no error"
+    page.button("Back to live", "body").click()
+
+
+def test_every_font_has_the_characters():
+    """Beyond Latin-1 only dashes, the minus and the ellipsis; what else is to be seen is drawn."""
+    for file in (*(TOP / "web").glob("*.*"), *(TOP / "web/js").glob("*.js"), *(TOP / "clients/js").glob("*.*")):
+        odd = {one for one in file.read_text() if ord(one) > 0xFF} - set("–−…")
+        assert not odd, f"{file.name}: {odd}"
+
+
 def test_finding_by_moving(page, server):
     ask(server, set={"gear": 100, "autobrake": 1})
     page.open(server, "find")
@@ -238,7 +334,7 @@ def test_finding_by_moving(page, server):
     wait_for("the lever", lambda: "gear" in page.text(".findings"))
     wait_for("the wheels", lambda: "nose_gear" in page.text(".findings"))
     page.button("Done moving").click()
-    wait_for("values", lambda: "100.0 → 0.0 %" in page.text(".finding .beforeAfter"))
+    wait_for("values", lambda: "100.0 to 0.0 %" in page.text(".finding .beforeAfter"))
     names = page.js("return [...document.querySelectorAll('.findGrid > section:last-child > ol b')].map(b => b.textContent)")
     assert names[0] == "gear" and "moved once and stays" in page.text(".finding .evidence")
     assert {"nose_gear", "left_gear", "right_gear"} <= set(names) and "heading" not in names and "ias" not in names

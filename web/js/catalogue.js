@@ -31,6 +31,7 @@ export const plainTypes = Object.keys(sizes);
 
 /** An item as the interface names it: {name, row, offset, type, size}, or null when it is none. */
 export function parseItem(text) {
+  if (typeof text !== "string") return null;
   const name = text.trim();
   const known = catalogue.byName.get(name);
   if (known) return { name, row: known, offset: known.offset, type: known.type, size: known.size };
@@ -62,7 +63,7 @@ const measures = [
   { "ft/s2": 0.3048, "m/s2": 1, g: 9.80665 },
   { MHz: 1000, kHz: 1 },
 ];
-const measureOf = (unit) => measures.find((measure) => unit in measure);
+const measureOf = (unit) => measures.find((measure) => Object.hasOwn(measure, unit));
 
 /** The units that a value of this unit can be shown and written in; the server knows them too. */
 export function unitsLike(unit) {
@@ -70,10 +71,18 @@ export function unitsLike(unit) {
   return measure ? [unit, ...Object.keys(measure).filter((other) => other !== unit)] : [];
 }
 
+/** {name, unit?} as it was remembered, or null; a unit that the row does not know is left out. */
+export function recalledItem(one) {
+  const item = parseItem(one?.name);
+  if (!item) return null;
+  const units = item.row && !item.row.values ? unitsLike(item.row.unit) : [];
+  return units.includes(one.unit) ? { name: item.name, unit: one.unit } : { name: item.name };
+}
+
 export function convert(value, from, to) {
   if (!to || from === to) return value;
   const measure = measureOf(from);
-  if (!measure || !(to in measure)) return value;
+  if (!measure || !Object.hasOwn(measure, to)) return value;
   const [factor, bias] = [].concat(measure[from], 0), [outFactor, outBias] = [].concat(measure[to], 0);
   return (value * factor + bias - outBias) / outFactor;
 }

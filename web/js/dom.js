@@ -50,21 +50,33 @@ export function painter(paint, interval = 0) {
   };
 }
 
-/** What the browser remembers; without storage (private windows) it lasts as long as the page. */
+/**
+ * What the browser remembers; what cannot be stored (private windows, full) lasts as long as the page. It may come
+ * from another version of the page or from anywhere: whoever recalls a value checks its type.
+ */
 const kept = new Map();
 export function recall(key, otherwise) {
+  if (kept.has(key)) return structuredClone(kept.get(key));
   try {
     const text = localStorage.getItem("tavrix." + key);
     return text === null ? otherwise : JSON.parse(text);
   } catch {
-    return kept.has(key) ? kept.get(key) : otherwise;
+    return otherwise;
   }
 }
 export function remember(key, value) {
-  kept.set(key, value);
   try {
     localStorage.setItem("tavrix." + key, JSON.stringify(value));
-  } catch { /* full or forbidden: kept in the page */ }
+    kept.delete(key);
+  } catch {
+    kept.set(key, structuredClone(value));
+  }
+}
+/** Calls back when another tab has changed what is remembered under `key`. */
+export function onRemembered(key, callback) {
+  addEventListener("storage", (event) => {
+    if (event.key === null || event.key === "tavrix." + key) callback();
+  });
 }
 
 /** Tells a screen reader once, without moving the focus. */

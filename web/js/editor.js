@@ -12,9 +12,9 @@ export async function writeAndTell(item, value, unit, place) {
     entry = await write(item.name, value, { unit });
     const now = `${valueText(item, entry.value, unit)} ${unitText(item, unit)}`.trim();
     if (!entry.written) [kind, text] = ["bad", "Not written"];
-    else if (entry.confirmed === true) [kind, text] = ["good", `✓ Written and confirmed: ${now}`];
+    else if (entry.confirmed === true) [kind, text] = ["good", `Written and confirmed: ${now}`];
     else if (entry.confirmed === false) [kind, text] = ["warn", `Written, but not confirmed: it reads ${now}`];
-    else [kind, text] = ["good", "✓ Written; this offset does not read back"];
+    else [kind, text] = ["good", "Written; this offset does not read back"];
   } catch (error) {
     [kind, text] = ["bad", `Refused: ${errorText(error)}`];
   }

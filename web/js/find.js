@@ -1,6 +1,6 @@
 // Find by moving: learns which bytes change by themselves, then lists what a movement changed, the clearest first.
 import { read } from "/tavrix.js";
-import { announce, attempt, h, painter, setText } from "./dom.js";
+import { announce, attempt, h, icon, painter, setText } from "./dom.js";
 import { catalogue, decodeBytes, hexOffset, loadAreas, parseItem, unitText, valueText } from "./catalogue.js";
 import { addToWatch } from "./lists.js";
 
@@ -254,7 +254,7 @@ export function createFind(root) {
     const values = h("p", { class: "beforeAfter" });
     const addButton = h("button", { type: "button", "aria-label": `Add ${first.label} to the watch list`,
       onclick: () => {
-      setText(addButton, `✓ In ${addToWatch(first.item.name)}`);
+      addButton.replaceChildren(icon("M5 13l4 4L19 7"), ` In ${addToWatch(first.item.name)}`);
     } }, "+ Watch");
     const node = h("li", { class: "finding" },
       h("div", { class: "title" }, h("b", {}, first.label), " ", h("code", {}, hexOffset(first.item.offset)),
@@ -273,7 +273,7 @@ export function createFind(root) {
   function beforeAfter(one) {
     const hex = (value) => value.toString(16).padStart(2, "0").toUpperCase();
     const bytes = one.offsets.map((offset) => finder.moved.get(offset)).filter(Boolean);
-    const plain = `${bytes.map((byte) => hex(byte.before)).join(" ")} → ${bytes.map((byte) => hex(byte.after)).join(" ")}`;
+    const plain = `${bytes.map((byte) => hex(byte.before)).join(" ")} to ${bytes.map((byte) => hex(byte.after)).join(" ")}`;
     if (!one.entry) return plain;
     const after = one.entry.raw.split(" ").map((text) => parseInt(text, 16)), before = [...after];
     one.offsets.forEach((offset, i) => {
@@ -283,7 +283,7 @@ export function createFind(root) {
       after[at] = bytes[i].after;
     });
     const text = (raw) => valueText(one.item, decodeBytes(one.item, raw));
-    return `${text(before)} → ${text(after)} ${unitText(one.item)}`.trim();
+    return `${text(before)} to ${text(after)} ${unitText(one.item)}`.trim();
   }
 
   return {

@@ -1,6 +1,6 @@
 // The named watch lists: those that come with the program, and what the browser remembers.
 import { announce, recall, remember } from "./dom.js";
-import { catalogue, parseItem } from "./catalogue.js";
+import { catalogue, recalledItem } from "./catalogue.js";
 
 const both = (pattern) => [1, 2].map((n) => pattern.replace("#", n));
 const readyMade = {
@@ -43,24 +43,31 @@ export function readyLists() {
 export function loadLists() {
   const stored = recall("lists", null);
   const lists = new Map();
-  if (stored && Array.isArray(stored)) {
-    for (const [name, items] of stored) {
-      if (typeof name === "string" && Array.isArray(items)) {
-        lists.set(name, items.filter((item) => item && typeof item.name === "string" && parseItem(item.name)));
-      }
-    }
+  for (const one of Array.isArray(stored) ? stored : []) {
+    if (!Array.isArray(one)) continue;
+    const [name, items] = one;
+    if (typeof name !== "string" || !name || !Array.isArray(items)) continue;
+    const known = items.map(recalledItem).filter(Boolean);
+    lists.set(name, [...new Map(known.map((item) => [item.name, item])).values()]);
   }
   return lists.size ? lists : readyLists();
 }
-export const saveLists = (lists) => remember("lists", [...lists]);
+
+/** Changes the lists as they are now, which may be another tab's work, and returns them. */
+export function changeLists(change) {
+  const lists = loadLists();
+  change(lists);
+  remember("lists", [...lists]);
+  return lists;
+}
 
 /** Adds an item to the list that is open in the watch view; the table follows when it is shown. */
 export function addToWatch(name) {
-  const lists = loadLists();
   let list = recall("list", "Flight");
-  if (!lists.has(list)) [list] = lists.keys();
-  if (!lists.get(list).some((item) => item.name === name)) lists.get(list).push({ name });
-  saveLists(lists);
+  changeLists((lists) => {
+    if (!lists.has(list)) [list] = lists.keys();
+    if (!lists.get(list).some((item) => item.name === name)) lists.get(list).push({ name });
+  });
   announce(`${name} added to ${list}`);
   return list;
 }

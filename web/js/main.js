@@ -6,7 +6,7 @@ import { createWatch } from "./watch.js";
 import { createFind } from "./find.js";
 import { createPlot } from "./plot.js";
 import { createPanel } from "./panel.js";
-import { createRecordings } from "./recordings.js";
+import { createRecordings, recordedFor } from "./recordings.js";
 import { createOwn } from "./own.js";
 
 const creators = { watch: createWatch, find: createFind, plot: createPlot, panel: createPanel,
@@ -17,11 +17,21 @@ let current = "";
 
 const byId = (id) => document.getElementById(id);
 
+// "" for what is no address: a % in it by hand.
+function decoded(text) {
+  try {
+    return decodeURIComponent(text);
+  } catch {
+    return "";
+  }
+}
+
 // Addresses are #view or #view/rest, so that reload, links and the back button keep the place.
 function go() {
   const [name, ...rest] = location.hash.slice(1).split("/");
-  const wanted = creators[name] ? name : recall("view", "watch");
-  const place = rest.map(decodeURIComponent).join("/");
+  const wanted = [name, recall("view", "")].find((one) => typeof one === "string" && Object.hasOwn(creators, one))
+    ?? Object.keys(creators)[0];
+  const place = decoded(rest.join("/"));
   if (current !== wanted) {
     views[current]?.hide();
     for (const tab of tabs) {
@@ -65,11 +75,15 @@ const themes = {
   dark: ["M20 14a8.500 8.500 0 0 1-10-10 8.500 8.500 0 1 0 10 10z", "Dark colours"],
 };
 const systemIsDark = matchMedia("(prefers-color-scheme: dark)");
-function applyTheme() {
+function themeChoice() {
   const choice = recall("theme", "auto");
+  return typeof choice === "string" && Object.hasOwn(themes, choice) ? choice : "auto";
+}
+function applyTheme() {
+  const choice = themeChoice();
   const theme = choice === "auto" ? (systemIsDark.matches ? "dark" : "light") : choice;
   document.documentElement.dataset.theme = theme;
-  const [path, text] = themes[choice] ?? themes.auto;
+  const [path, text] = themes[choice];
   const button = byId("theme");
   button.replaceChildren(h("svg", { viewBox: "0 0 24 24", "aria-hidden": "true" }, h("path", { d: path })));
   setAttribute(button, "aria-label", `${text}. Change`);
@@ -79,7 +93,7 @@ function applyTheme() {
 function setUpTheme() {
   byId("theme").addEventListener("click", () => {
     const names = Object.keys(themes);
-    remember("theme", names[(names.indexOf(recall("theme", "auto")) + 1) % names.length]);
+    remember("theme", names[(names.indexOf(themeChoice()) + 1) % names.length]);
     applyTheme();
   });
   systemIsDark.addEventListener("change", applyTheme);
@@ -93,10 +107,12 @@ function setUpStatus() {
     return h("span", { class: "part " + key }, label ? label + " " : "", parts[key]);
   };
   const dot = h("i", { class: "dot" }), record = part("record", "");
+  const fault = h("span", { class: "part fault bad", role: "alert", hidden: true });
+  record.prepend(h("i", { class: "dot" }));
   record.hidden = true;
   byId("status").append(h("span", { class: "part source" }, dot, parts.source = h("b", {}, "Connecting …")),
-    part("frames", "frames"), part("lost", "lost"), part("age", "data"), part("clients", "browsers"), record);
-  let before = null, recordingSince = 0, lostSince = 0, hadData = false;
+    part("frames", "frames"), part("lost", "lost"), part("age", "data"), part("clients", "browsers"), record, fault);
+  let before = null, lostSince = 0, hadData = false;
   const count = (number) => Number(number).toLocaleString("en-US").replaceAll(",", " ");
 
   connection((state) => {
@@ -113,10 +129,11 @@ function setUpStatus() {
       setText(parts.age, status.age === null ? "none" : status.age < 1 ? "live" : `${Math.round(status.age)} s old`);
       setText(parts.clients, count(status.clients));
       setText(byId("version"), `TAVRIX ${status.version}`);
-      if (!status.recording) recordingSince = 0;
-      else if (!recordingSince) recordingSince = status.time;
       record.hidden = !status.recording;
-      if (status.recording) setText(parts.record, `● ${clock(status.time - recordingSince)}`);
+      const recorded = recordedFor(status);
+      setText(parts.record, recorded === null ? status.recording ?? "" : clock(recorded));
+      fault.hidden = !status.recordingFault;
+      setText(fault, status.recordingFault ?? "");
       record.title = status.recording ? `Recording ${status.recording}` : "";
     }
     showLoss(state, isGood);

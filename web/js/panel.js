@@ -1,6 +1,6 @@
 // The instrument panel, drawn from offsets alone. Instruments move with every update, texts fifteen times a second.
 import { connection, watch } from "/tavrix.js";
-import { h, painter, setAttribute, setText } from "./dom.js";
+import { h, icon, painter, setAttribute, setText } from "./dom.js";
 import { catalogue, parseItem } from "./catalogue.js";
 import { makeControls } from "./controls.js";
 import { writeAndTell } from "./editor.js";
@@ -96,7 +96,7 @@ export function createPanel(root) {
     radio.standby ? [h("button", { type: "button", class: "swap",
       "aria-label": `Swap ${radio.label} active and standby`, title: "Swap",
       onclick: () => writeAndTell(swapItem, 2 ** swapItem.row.bits.find((bit) => bit.name === radio.swap).bit,
-        undefined, outcome) }, "⇄"),
+        undefined, outcome) }, icon("M4 8h15M15 4l4 4-4 4M20 16H5M9 12l-4 4 4 4")),
     quick({ name: radio.standby, label: `${radio.label} standby`, step: radio.step }).node]
     : [h("span", {}), radio.mode ? modeOf(radio.mode)
       : h("span", { class: "unit" }, parseItem(radio.active).row.unit)])));

@@ -2,7 +2,7 @@
 import uPlot from "/vendor/uPlot.esm.js";
 import { watch } from "/tavrix.js";
 import { h, painter, recall, remember, setText } from "./dom.js";
-import { catalogue, convert, digitsOf, isNumeric, parseItem, searchRows, unitText, unitsLike } from "./catalogue.js";
+import { catalogue, convert, digitsOf, isNumeric, parseItem, recalledItem, searchRows, unitText, unitsLike } from "./catalogue.js";
 import { loadLists } from "./lists.js";
 
 const windows = [30, 60, 120, 300, 600];  // s
@@ -10,10 +10,18 @@ const most = 8;
 const palette = { light: ["#0a66b0", "#b3261e", "#12713b", "#8b3fb0", "#a15c00", "#00788a", "#b0246e", "#4d5a66"],
                   dark: ["#5cc8ff", "#ff8a80", "#6fe09a", "#d29bff", "#ffc53d", "#4fe0e0", "#ff8fc7", "#b9c6d3"] };
 
+const usual = [{ name: "indicated_altitude" }, { name: "ias" }, { name: "vertical_speed", unit: "ft/min" }];
+
+/** What can be plotted of items as they are remembered or asked for. */
+function plottable(items) {
+  const known = items.map(recalledItem).filter((one) => one && isNumeric(parseItem(one.name)));
+  return [...new Map(known.map((one) => [one.name, one])).values()].slice(0, most);
+}
+
 export function createPlot(root) {
-  let chosen = recall("plot", [{ name: "indicated_altitude" }, { name: "ias" },
-    { name: "vertical_speed", unit: "ft/min" }])
-    .filter((one) => one && parseItem(one.name) && isNumeric(parseItem(one.name))).slice(0, most);
+  let chosen = recall("plot", null);
+  if (!Array.isArray(chosen) || (chosen.length && !plottable(chosen).length)) chosen = usual;
+  chosen = plottable(chosen);
   let length = windows.includes(recall("plotWindow", 60)) ? recall("plotWindow", 60) : 60;
   let stop = null, ticker = 0, plot = null, isPaused = false, pausedAt = 0, cursor = null;
   let times = [], columns = chosen.map(() => []), now = chosen.map(() => null);
@@ -305,7 +313,7 @@ export function createPlot(root) {
   return {
     async show(rest) {
       if (rest) {
-        const names = rest.split(",").filter((name) => parseItem(name) && isNumeric(parseItem(name))).slice(0, most);
+        const names = plottable(rest.split(",").map((name) => ({ name }))).map((one) => one.name);
         if (names.length && names.join() !== chosen.map((one) => one.name).join()) {
           chosen = names.map((name) => chosen.find((one) => one.name === name) ?? { name });
           times = [];

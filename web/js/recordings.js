@@ -15,8 +15,19 @@ function suggestion() {
   return `flight ${day} ${two(now.getHours())}.${two(now.getMinutes())}`;
 }
 
+let last = null, begun = null;
+/** How long the recording has run, in seconds; null without one, or when this page did not see it begin. */
+export function recordedFor(status) {
+  if (status.recording !== last?.recording) {
+    const unseen = status.time - last?.time;  // NaN at first; the server's clock starts anew with it
+    begun = status.recording && unseen >= 0 && unseen < 3 ? status.time : null;
+  }
+  last = status;
+  return begun === null ? null : status.time - begun;
+}
+
 export function createRecordings(root) {
-  let status = null, isShown = false, stop = null, scrubbedUntil = 0, listed = "", since = 0;
+  let status = null, isShown = false, stop = null, scrubbedUntil = 0, listed = "";
   let at = 0, atTime = 0, ticking = 0;  // the position at a time of this page
   const error = h("p", { class: "bad", role: "alert" });
   const send = (path, body) => attempt(error, async () => {
@@ -27,14 +38,17 @@ export function createRecordings(root) {
   const name = h("input", { type: "text", id: "recordName", maxlength: "80", value: suggestion(),
     spellcheck: "false" });
   const recordButton = h("button", { class: "primary large record" }, "Record");
-  const running = h("p", { class: "running" });
+  const running = h("p", { class: "running" }), runningText = h("span", {});
+  running.append(h("i", { class: "dot" }), runningText);
+  const blocked = h("p", { class: "hint" }, "While a recording is replayed nothing can be recorded.");
+  const fault = h("p", { class: "bad fault", role: "alert" });
   const recordForm = h("form", { class: "recordForm", onsubmit: async (event) => {
     event.preventDefault();
     if (status?.recording) await send("/api/recording", { file: null });
     else await send("/api/recording", { file: fileName(name.value) });
     await list();
     if (!status?.recording) name.value = suggestion();
-  } }, h("label", { for: "recordName" }, "Name"), name, recordButton, running);
+  } }, h("label", { for: "recordName" }, "Name"), name, recordButton, running, blocked);
   const fileName = (text) => /\.tavrec$/i.test(text.trim()) ? text.trim() : text.trim() + ".tavrec";
 
   // ---- player ----
@@ -69,7 +83,8 @@ export function createRecordings(root) {
   const none = h("p", { class: "empty", hidden: true }, "No recording yet.");
   root.append(h("div", { class: "twoColumns" },
     h("section", { class: "card", "aria-labelledby": "recordTitle" }, h("h2", { id: "recordTitle" }, "Record"),
-      h("p", {}, "Records all offsets as they change, to play them again without the simulator."), recordForm, error),
+      h("p", {}, "Records all offsets as they change, to play them again without the simulator."), recordForm,
+      fault, error),
     h("section", { class: "card", "aria-labelledby": "playTitle" }, h("h2", { id: "playTitle" }, "Replay"), nothing,
       player),
     h("section", { class: "card wide", "aria-labelledby": "filesTitle" }, h("h2", { id: "filesTitle" }, "Recordings"),
@@ -110,14 +125,15 @@ export function createRecordings(root) {
     status = newest;
     if (!status || !isShown) return;
     const { replay, recording } = status;
-    if (!recording) since = 0;
-    else if (!since) since = status.time;
     setText(recordButton, recording ? "Stop" : "Record");
     recordButton.classList.toggle("on", Boolean(recording));
     recordButton.disabled = Boolean(replay) && !recording;
     name.disabled = Boolean(recording) || Boolean(replay);
-    setText(running, recording ? `● ${recording} · ${clock(status.time - since)}`
-      : replay ? "While a recording is replayed nothing can be recorded." : "");
+    const recorded = recordedFor(status);
+    running.hidden = !recording;
+    setText(runningText, recorded === null ? recording ?? "" : `${recording} · ${clock(recorded)}`);
+    blocked.hidden = Boolean(recording) || !replay;
+    setText(fault, status.recordingFault ?? "");
     player.hidden = !replay;
     nothing.hidden = Boolean(replay);
     if (replay) {

@@ -1,10 +1,10 @@
 // Watch: search over all offsets, named lists, a live table that can be written into.
 import { read, watch } from "/tavrix.js";
-import { announce, attempt, errorText, h, icon, painter, recall, remember, setText } from "./dom.js";
+import { announce, attempt, errorText, h, icon, onRemembered, painter, recall, remember, setText } from "./dom.js";
 import { catalogue, hexOffset, parseItem, plainTypes, searchRows, unitText, unitsLike, valueText, whyReadOnly }
   from "./catalogue.js";
 import { makeForm, makeSwitch } from "./editor.js";
-import { loadLists, readyLists, saveLists } from "./lists.js";
+import { changeLists, loadLists, readyLists } from "./lists.js";
 
 export function ageText(seconds) {
   if (!(seconds >= 1)) return "now";
@@ -22,6 +22,9 @@ export function createWatch(root) {
   let rows = new Map();  // name -> row of the table
   let stop = null, ager = 0, isShown = false;
   const visible = new Set(), dirty = new Set();
+  // The open list's items; a list that another tab has just taken away comes back with the change.
+  const change = (edit) => { lists = changeLists(edit); };
+  const changeItems = (edit) => change((all) => all.set(list, edit(all.get(list) ?? [])));
 
   // ---- the table ----
   const body = h("div", { role: "rowgroup" });
@@ -62,6 +65,15 @@ export function createWatch(root) {
     const outcome = h("p", { class: "outcome" });
     const below = h("div", { class: "below" }, outcome);
     const row = { node: null, entry: null, at: 0, freshUntil: 0, isFresh: false, draw: null, item };
+    row.setUnit = (name) => {
+      entry0.unit = name === item.row?.unit ? undefined : name;
+      display();
+      row.draw();
+    };
+    const chooseUnit = (name) => {
+      row.setUnit(name);
+      changeItems((items) => items.map((one) => one.name === item.name ? { name: one.name, unit: entry0.unit } : one));
+    };
     const toggle = isSwitch ? makeSwitch(item, item.name, outcome) : null;
     const display = () => { setText(unit, unitText(item, entry0.unit)); };
     let form = null;
@@ -90,12 +102,7 @@ export function createWatch(root) {
       form = null;
       row.node.classList.remove("open");
       edit.focus();
-      if (newUnit && newUnit !== entry0.unit && item.row?.unit !== undefined) {
-        entry0.unit = newUnit === item.row.unit ? undefined : newUnit;
-        saveLists(lists);
-        display();
-        row.draw();
-      }
+      if (newUnit && newUnit !== entry0.unit && item.row?.unit !== undefined) chooseUnit(newUnit);
     }
     const units = item.row && !item.row.values ? unitsLike(item.row.unit) : [];
     row.node = h("div", { role: "row", class: "row", "data-name": item.name },
@@ -108,11 +115,7 @@ export function createWatch(root) {
           "aria-label": `Unit of ${item.name}`,
           onclick: () => {
             const at = units.indexOf(entry0.unit || item.row.unit);
-            entry0.unit = units[(at + 1) % units.length];
-            if (entry0.unit === item.row.unit) entry0.unit = undefined;
-            saveLists(lists);
-            display();
-            row.draw();
+            chooseUnit(units[(at + 1) % units.length]);
           } }, unit) : unit),
       raw, age,
       h("span", { role: "cell", class: "tools" }, edit,
@@ -144,13 +147,20 @@ export function createWatch(root) {
     return row;
   }
 
-  function rebuild() {
+  // `kept`: rows of the same list that stay, with what is being typed in them.
+  function rebuild(kept = new Map()) {
     observer.disconnect();
     visible.clear();
     dirty.clear();
     rows = new Map();
-    for (const entry0 of lists.get(list)) rows.set(entry0.name, makeRow(entry0));
+    for (const { name, unit } of lists.get(list)) {
+      const row = kept.get(name) ?? makeRow({ name, unit });
+      row.setUnit(unit);
+      rows.set(name, row);
+    }
+    const focus = document.activeElement;
     body.replaceChildren(...[...rows.values()].map((row) => row.node));
+    if (body.contains(focus)) focus.focus();
     for (const row of rows.values()) observer.observe(row.node);
     empty.hidden = rows.size > 0;
     table.hidden = rows.size === 0;
@@ -180,8 +190,7 @@ export function createWatch(root) {
   function remove(name) {
     const row = rows.get(name);
     const next = row.node.nextElementSibling ?? row.node.previousElementSibling;
-    lists.set(list, lists.get(list).filter((item) => item.name !== name));
-    saveLists(lists);
+    changeItems((items) => items.filter((item) => item.name !== name));
     observer.unobserve(row.node);
     visible.delete(row);
     row.node.remove();
@@ -195,10 +204,8 @@ export function createWatch(root) {
   }
 
   function add(name) {
-    const entry0 = { name };
-    lists.get(list).push(entry0);
-    saveLists(lists);
-    const row = makeRow(entry0);
+    changeItems((items) => [...items.filter((item) => item.name !== name), { name }]);
+    const row = makeRow({ name });
     rows.set(name, row);
     body.append(row.node);
     observer.observe(row.node);
@@ -303,30 +310,43 @@ export function createWatch(root) {
 
   const listBar = h("div", { class: "bar" }, h("label", { for: "lists" }, "List"), chooser,
     h("button", { type: "button", onclick: () => ask("", (name) => {
-      lists.set(name, []);
-      saveLists(lists);
+      change((all) => { if (!all.has(name)) all.set(name, []); });
       openList(name);
       query.focus();
     }) }, "New"),
     h("button", { type: "button", onclick: () => ask(list, (name) => {
-      lists = new Map([...lists].map(([key, items]) => [key === list ? name : key, items]));
-      saveLists(lists);
+      change((all) => {
+        const before = [...all];
+        all.clear();
+        for (const [key, items] of before) all.set(key === list ? name : key, items);
+      });
       openList(name);
     }) }, "Rename"),
     h("button", { type: "button", onclick: () => {
-      const gone = list, items = lists.get(list);
-      lists.delete(list);
-      if (!lists.size) lists = readyLists();
-      saveLists(lists);
-      offerUndo(`Bring ${gone} back`, () => { lists.set(gone, items); }, gone);
+      const gone = list;
+      let items = [];
+      change((all) => {
+        items = all.get(gone) ?? items;
+        all.delete(gone);
+        if (!all.size) for (const [name, ready] of readyLists()) all.set(name, ready);
+      });
+      offerUndo(`Bring ${gone} back`, (all) => { if (!all.has(gone)) all.set(gone, items); }, gone);
       openList([...lists.keys()][0]);
     } }, "Delete"),
     h("button", { type: "button", title: "The lists that come with the program, as they were", onclick: () => {
-      const before = lists;
-      lists = new Map(lists);
-      offerUndo("Undo restoring", () => { lists = before; });
-      for (const [name, items] of readyLists()) lists.set(name, items);
-      saveLists(lists);
+      const ready = readyLists(), before = new Map();
+      change((all) => {
+        for (const [name, items] of ready) {
+          before.set(name, all.get(name));
+          all.set(name, items);
+        }
+      });
+      offerUndo("Undo restoring", (all) => {
+        for (const [name, items] of before) {
+          if (items) all.set(name, items);
+          else all.delete(name);
+        }
+      });
       showLists();
       rebuild();
       announce("Ready-made lists restored");
@@ -338,14 +358,28 @@ export function createWatch(root) {
     setText(undo, text);
     undo.onclick = () => {
       undo.hidden = true;
-      restore();
-      saveLists(lists);
+      change(restore);
+      if (!lists.has(list)) list = lists.keys().next().value;
       if (open) openList(open);
       showLists();
       rebuild();
       chooser.focus();
     };
   }
+
+  // Another tab has changed the lists.
+  onRemembered("lists", () => {
+    if (!isShown) return;
+    lists = loadLists();
+    const isSame = lists.has(list);
+    if (!isSame) {
+      [list] = lists.keys();
+      history.replaceState(null, "", "#watch/" + encodeURIComponent(list));
+    }
+    showLists();
+    rebuild(isSame ? rows : undefined);
+    showResults();
+  });
 
   function showLists() {
     chooser.replaceChildren(...[...lists].map(([name, items]) => h("option", { value: name },
@@ -380,9 +414,10 @@ export function createWatch(root) {
       isShown = true;
       const names = lists.get(list).map((item) => item.name).join();
       if (before !== list || names !== [...rows.keys()].join()) {
-        rebuild();
+        rebuild(before === list ? rows : undefined);
         showResults();
       } else {
+        for (const { name, unit } of lists.get(list)) rows.get(name).setUnit(unit);
         listen();
       }
       clearInterval(ager);
