@@ -17,7 +17,8 @@ class Cockpit:
 
     def __init__(self, build, *options, port=0):
         self.process = subprocess.Popen(build.command("offsetctl", "serve", "--port", port, *options),
-                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                                        restore_signals=False)  # a file's limit fails a write, as a full disk does
         line = self.process.stdout.readline()
         assert line.startswith("Web cockpit: http://"), line + self.process.stderr.read()
         self.address = line.split()[-1]

@@ -3,6 +3,7 @@ attackers ask."""
 import json
 import os
 import random
+import resource
 import shutil
 import socket
 import statistics
@@ -204,7 +205,9 @@ def test_records_and_replays(serve, scripted, linux, tmp_path):
     cockpit.post("/api/replay", playing=True)
     wait_for("the end again", lambda: cockpit.status()["replay"] == {
         "file": "flight 1.tavrec", "position": length, "length": length, "speed": 100, "playing": False})
-    assert cockpit.ask("POST", "/api/replay", {"file": "none"})[0] == 404
+    (tmp_path / "recordings" / "link.tavrec").symlink_to("flight 1.tavrec")
+    for name in ("none", "link.tavrec"):
+        assert cockpit.ask("POST", "/api/replay", {"file": name})[0] == 404
     (tmp_path / "recordings" / "no.tavrec").write_bytes(b"TAVRIXR1" + b"\1" * 100)
     assert cockpit.ask("POST", "/api/replay", {"file": "no.tavrec"})[0] == 400
     assert cockpit.post("/api/replay", file=None)["replay"] is None
@@ -216,6 +219,39 @@ def test_records_and_replays(serve, scripted, linux, tmp_path):
     wait_for("a value", lambda: replay.value("0x1000:u8") > 9)
     scripted.close()
     assert linux.run("offsetctl", "replay", tmp_path / "recordings" / "flight 1.tavrec", "--seconds", "0.1").returncode == 0
+
+
+def test_tells_when_a_recording_ends_by_itself(serve, scripted, linux, tmp_path):
+    cockpit = serve(linux)
+    begin_scripted(scripted, cockpit)
+
+    def stop():
+        return cockpit.ask("POST", "/api/recording", {"file": None})
+
+    def limit(size):
+        resource.prlimit(cockpit.process.pid, resource.RLIMIT_FSIZE, (size, resource.RLIM_INFINITY))
+
+    for size in (1000, 8 * BLOCK + 100):  # within the start; only when it is flushed
+        limit(size)
+        assert cockpit.ask("POST", "/api/recording", {"file": "stump"})[0] == 409
+        assert not (tmp_path / "recordings" / "stump").exists()
+    assert stop()[0] == 200 and cockpit.status()["recordingFault"] is None, "it never began"
+    for name, harm in (("full", lambda path: limit(path.stat().st_size)), ("gone", lambda path: path.unlink()),
+                       ("moved", lambda path: path.rename(tmp_path / "moved"))):
+        limit(resource.RLIM_INFINITY)
+        assert cockpit.post("/api/recording", file=name)["recordingFault"] is None
+        harm(tmp_path / "recordings" / name)
+        scripted.send(change_frame((0x1000, 1)))
+        wait_for("the end of " + name, lambda: cockpit.status()["recording"] is None)
+        fault = cockpit.status()["recordingFault"]
+        assert name in fault
+        status, _, refusal = stop()
+        assert (status, refusal["error"], refusal["where"]) == (409, fault, "file") and refusal["remedy"]
+        assert stop()[0] == 200 and cockpit.status()["recordingFault"] == fault
+    limit(resource.RLIM_INFINITY)
+    cockpit.post("/api/recording", file="last")
+    (tmp_path / "recordings" / "last").unlink()
+    assert stop()[0] == 409, "the stop looks for it, too"
 
 
 def test_ctrl_c_closes_the_recording(serve, fly, linux, tmp_path):
@@ -247,6 +283,9 @@ REFUSED = {
     "traversal": (b"GET /panels/../recordings/x HTTP/1.1\r\n%sConnection: close\r\n\r\n", 404),
     "coded traversal": (b"GET /panels/%%2e%%2e%%2frecordings%%2fx HTTP/1.1\r\n%sConnection: close\r\n\r\n", 404),
     "whole address": (b"GET http://127.0.0.1/ HTTP/1.1\r\n%sConnection: close\r\n\r\n", 400),
+    "other coding": (b"PUT /api/values HTTP/1.1\r\n%sTransfer-Encoding: gzip, chunked\r\n\r\n0\r\n\r\n", 400),
+    "no coding": (b"GET /api/status HTTP/1.1\r\n%sTransfer-Encoding: identity\r\n\r\n", 400),
+    "trailer": (b"GET /api/status HTTP/1.1\r\nConnection: close\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n%s\r\n", 400),
     "long header": (b"GET / HTTP/1.1\r\n%sX: " + b"a" * 40000 + b"\r\n\r\n", 413),
     "many headers": (b"GET / HTTP/1.1\r\n%s" + b"X: a\r\n" * 10000 + b"\r\n", 413),
     "long target": (b"GET /" + b"a" * 40000 + b" HTTP/1.1\r\n%s\r\n", 413),
@@ -318,14 +357,53 @@ def test_slow_and_silent_clients(serve, scripted, linux):
 
 def test_two_hundred_connections(serve, linux):
     cockpit = serve(linux)
-    held = [socket.create_connection(("127.0.0.1", cockpit.port)) for _ in range(200)]
-    answer = wait_for("the refusal", lambda: cockpit.raw(
-        b"GET /api/status HTTP/1.1\r\n" + HOST % cockpit.port + b"\r\n"))
+    get = b"GET /api/status HTTP/1.1\r\n" + HOST % cockpit.port + b"\r\n"
+
+    def connect(data=b""):
+        connection = socket.create_connection(("127.0.0.1", cockpit.port), timeout=DEADLINE)
+        if data:
+            connection.sendall(data)
+            assert connection.recv(9999).startswith(b"HTTP/1.1 200 ")
+        return connection
+
+    kept = connect(get)
+    silent = [connect() for _ in range(300)]
+    assert cockpit.ask("GET", "/api/status")[0] == 200, "the silent ones gave way"
+    kept.sendall(get)
+    assert kept.recv(9999).startswith(b"HTTP/1.1 200 ")
+    began = time.monotonic()
+    assert all(connection.recv(1) == b"" for connection in silent)
+    assert time.monotonic() - began < 6, "a first request comes soon or never"
+    stream = b"GET /api/changes HTTP/1.1\r\n" + HOST % cockpit.port + b"\r\n"
+    held = [connect(stream) for _ in range(199)]
+    wait_for("the streams", lambda: cockpit.status()["clients"] == 199)  # the last place changes hands
+    held.append(connect(stream))
+    answer = wait_for("the refusal", lambda: cockpit.raw(get))
     assert answer.startswith(b"HTTP/1.1 503 ") and b'"remedy"' in answer
     held.pop().close()
     wait_for("a free place", lambda: cockpit.ask("GET", "/api/status")[0] == 200)
-    for connection in held:
+    for connection in held + silent + [kept]:
         connection.close()
+
+
+def test_other_ways_of_http(serve, linux):
+    cockpit = serve(linux)
+    with socket.create_connection(("127.0.0.1", cockpit.port), timeout=DEADLINE) as old:
+        old.sendall(b"GET /api/changes HTTP/1.0\r\n" + HOST % cockpit.port + b"\r\n")
+        text = b""
+        while text.count(b"\n\n") < 2:
+            text += old.recv(65536)
+    head, _, body = text.partition(b"\r\n\r\n")
+    assert b"chunked" not in head and all(part.startswith(b"event: status\ndata: {") for part in body.split(b"\n\n")[:2])
+    whole = b"GET http://127.0.0.1:%d/api/status HTTP/1.1\r\nConnection: close\r\n" % cockpit.port + HOST % cockpit.port
+    assert cockpit.raw(whole + b"\r\n").startswith(b"HTTP/1.1 200 ")
+
+
+def test_all_addresses_of_both_kinds(serve, linux):
+    cockpit = serve(linux, "--listen", "::", "--token", "a.long-token")
+    assert cockpit.address == f"http://[::1]:{cockpit.port}/?token=a.long-token"
+    for host in ("127.0.0.1", "127.0.0.2", "::1"):
+        assert cockpit.ask("GET", "/api/status", headers={"Authorization": "Bearer a.long-token"}, host=host)[0] == 200
 
 
 def test_memory_is_flat(serve, scripted, linux):

@@ -187,6 +187,7 @@ TEST(CockpitAnswers, PanelsAreFilesOfTheFolderAndNothingElse) {
   put("secret.html", "secret");
   put("panels/b.html", "<TITLE>\n Two   <&\"words\"\xE9 </title>");
   put("panels/a.HTML", "no title");
+  put("panels/c.html", "<!-- <title>No</title> --><title>&lt;A &amp;amp; B&gt; &quot;&#39;&euro;</title>");
   put("panels/.hidden.html", "");
   put("panels/run.exe", "MZ");
   std::error_code fault;
@@ -198,7 +199,7 @@ TEST(CockpitAnswers, PanelsAreFilesOfTheFolderAndNothingElse) {
   };
   EXPECT_EQ(ask("/api/panels").body,
             "{\"panels\":[{\"file\":\"a.HTML\",\"title\":\"a.HTML\"},{\"file\":\"b.html\",\"title\":\"Two "
-            "<&\\\"words\\\"\\u00E9\"}]}");
+            "<&\\\"words\\\"\\u00E9\"},{\"file\":\"c.html\",\"title\":\"<A &amp; B> \\\"'&euro;\"}]}");
   EXPECT_EQ(ask("/panels/b.html").type, "text/html; charset=utf-8");
   for (const char* name :
        {"../secret.html", "..%2fsecret.html", "%2e%2e/secret.html", "..\\secret.html", "link.html",

@@ -72,12 +72,15 @@ TEST(CockpitMirror, StatusIsJson) {
   Mirror mirror;
   Json status = DataOf(StatusEvent(mirror, 3, 1.5), "status");
   EXPECT_TRUE(status["age"].is_null() && status["recording"].is_null() && status["replay"].is_null());
+  EXPECT_TRUE(status["recordingFault"].is_null());
   EXPECT_EQ(status["clients"], 3);
   mirror.heardAt = 1;
   mirror.recording = "x";
+  mirror.recordingFault = "the disk \"D\" is full";
   mirror.replay = ReplayState{"y", 1.25, 2, 0.5, true};
   status = Json::parse(StatusJson(mirror, 0, 1.5));
   EXPECT_EQ(status["age"], 0.5);
+  EXPECT_EQ(status["recordingFault"], "the disk \"D\" is full");
   EXPECT_EQ(status["replay"],
             Json::parse(R"({"file":"y","position":1.25,"length":2,"speed":0.5,"playing":true})"));
 }

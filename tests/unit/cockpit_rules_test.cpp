@@ -115,6 +115,21 @@ TEST(CockpitRules, AsksForTheToken) {
   EXPECT_TRUE(IsToken("aZ0._~-8") && IsToken(std::string(128, 'a')) && !IsToken(std::string(129, 'a')));
 }
 
+TEST(CockpitRules, TakesWholeAddresses) {
+  const char* cases[][2] = {{"http://127.0.0.1:8440/api?x", "/api?x"},
+                            {"HTTP://127.0.0.1:8440", "/"},
+                            {"http://127.0.0.1:8440?token=x", "/?token=x"},
+                            {"http://127.0.0.1:84400/", "http://127.0.0.1:84400/"},
+                            {"http://127.0.0.1/", "http://127.0.0.1/"},
+                            {"https://127.0.0.1:8440/", "https://127.0.0.1:8440/"},
+                            {"/http://127.0.0.1:8440/", "/http://127.0.0.1:8440/"}};
+  for (const auto& [target, left] : cases) {
+    WebRequest request = RequestOf("GET", target);
+    DropOwnHost(&request);
+    EXPECT_EQ(request.target, left);
+  }
+}
+
 TEST(CockpitRules, KnowsFileNames) {
   for (const char* name : {"a", "flight 1.tavrec", "A-b_c.2", "com0x", "console.txt"})
     EXPECT_TRUE(IsFileName(name)) << name;

@@ -69,7 +69,8 @@ TEST(OffsetctlRecording, TellsWhatIsWrong) {
                {8 + 8, 1, "frame 1 (byte 8)"},
                {8 + 11, 0x7F, "frame 1"},
                {8 + 12, 99, "nothing that a server sends"},
-               {8 + 3, 1, "frame 2"},  // the first frame comes after the second
+               {8 + 3, 1, "frame 2"},          // the first frame comes after the second
+               {startSize + 6, 4, "frame 9"},  // after 35 years
                {startSize + 11, 0x7F, "frame 9 (byte 131256)"}};
   for (const auto& row : cases) {
     Bytes broken = good;

@@ -80,6 +80,7 @@ TEST(OffsetctlItem, ReadsPlacesAndTypes) {
       {"0:hex:131072", 0, 131072, "hex:131072"}, {"heading", 0x580, 2, "u16"},
       {"HEADING:s32", 0x580, 4, "s32"},          {"0x0580", 0x580, 2, "u16"},
       {"tail", 0x3130, 12, "text:12"},           {"0x3e00:text:256", 0x3E00, 256, "text:256"},
+      {"heading:S32", 0x580, 4, "s32"},          {"0x0330:Hex:3", 0x330, 3, "hex:3"},
   };
   for (const auto& row : cases) {
     const Item item = Parsed(row.text);
@@ -137,7 +138,8 @@ TEST(OffsetctlWrite, EncodesValues) {
       {"heading=360", "00 00"},
       {"heading=359.9999", "00 00"},
       {"heading=-90", "00 C0"},
-      {"heading=1000000090", "1C 07"},
+      {"heading=720", "00 00"},
+      {"HEADING:U16=1", "01 00"},
       {"heading=4.71238898038469rad", "00 C0"},
       {"heading=270 DEG", "00 C0"},
       {"com1=118705kHz", "70 18"},
@@ -191,6 +193,11 @@ TEST(OffsetctlWrite, RefusesWhatDoesNotFit) {
                          "com1=99.99",
                          "com1=200",
                          "squawk=10000",
+                         "squawk=7080",
+                         "squawk=0009",
+                         "heading=-360.1",
+                         "heading=721",
+                         "heading=12.6rad",
                          "tail=\"D-EABCDEFGHIJ\"",
                          "tail=\"open",
                          "0x0238:u8=1",

@@ -47,10 +47,39 @@ std::string BytesOf(const fs::path& path, std::uintmax_t most) {
   return bytes;
 }
 
+// Where the page's <title begins that stands in no comment; npos when there is none.
+size_t FindTitle(const std::string& lower) {
+  for (size_t from = 0;;) {
+    const size_t tag = lower.find("<title", from), comment = lower.find("<!--", from);
+    if (comment >= tag) return tag;
+    const size_t end = lower.find("-->", comment + 4);
+    if (end == std::string::npos) return end;
+    from = end + 3;
+  }
+}
+
+struct Entity {
+  std::string_view code;
+  char letter;
+};
+constexpr Entity entities[] = {{"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&#39;", '\''}};
+
+std::string Decoded(std::string_view text) {
+  std::string plain;
+  while (!text.empty()) {
+    const auto entity = std::find_if(std::begin(entities), std::end(entities),
+                                     [text](const Entity& known) { return text.starts_with(known.code); });
+    const bool isKnown = entity != std::end(entities);
+    plain += isKnown ? entity->letter : text.front();
+    text.remove_prefix(isKnown ? entity->code.size() : 1);
+  }
+  return plain;
+}
+
 // What stands in <title>, in one line; "" when there is none.
 std::string TitleOf(const std::string& page) {
   const std::string lower = LowerText(page);
-  const size_t tag = lower.find("<title");
+  const size_t tag = FindTitle(lower);
   const size_t begin = tag == std::string::npos ? tag : lower.find('>', tag);
   const size_t end = begin == std::string::npos ? begin : lower.find("</title", begin);
   if (end == std::string::npos) return "";
@@ -61,7 +90,7 @@ std::string TitleOf(const std::string& page) {
     if (isBlank && !title.empty() && title.back() != ' ') title += ' ';
   }
   while (title.ends_with(' ')) title.pop_back();
-  return title;
+  return Decoded(title);
 }
 
 // "2026-01-31T12:00:00Z".
@@ -79,6 +108,11 @@ std::string IsoText(fs::file_time_type time) {
 }
 
 }  // namespace
+
+bool IsPlainFile(const std::string& path) {
+  std::error_code fault;
+  return fs::symlink_status(path, fault).type() == fs::file_type::regular && !fault;
+}
 
 std::string PanelsJson(const std::string& folder) {
   std::string text = "{\"panels\":[";
@@ -123,7 +157,7 @@ WebAnswer PanelFile(const std::string& folder, const std::string& name) {
   if (!IsFileName(name) || type.empty()) return AnswerOf(missing);
   const fs::path path = fs::path(folder) / name;
   std::error_code fault;
-  if (fs::symlink_status(path, fault).type() != fs::file_type::regular || fault) return AnswerOf(missing);
+  if (!IsPlainFile(path.string())) return AnswerOf(missing);
   if (fs::file_size(path, fault) > mostFileBytes || fault) {
     return AnswerOf({413, "the file has more than 32 MB", "path", "make it smaller"});
   }

@@ -6,6 +6,8 @@
 
 namespace ctl {
 
+// Whether that is a file of its own, no link, folder or device.
+bool IsPlainFile(const std::string& path);
 // {"panels": [{"file", "title"}]}: the HTML files of the folder by name, with what stands in their <title>.
 std::string PanelsJson(const std::string& folder);
 // {"recordings": [{"file", "bytes", "modified"}]}, the newest first; files that are no recording are left out.

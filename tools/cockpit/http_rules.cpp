@@ -129,6 +129,17 @@ const std::string* Header(const WebRequest& request, std::string_view name, bool
   return found;
 }
 
+void DropOwnHost(WebRequest* request) {
+  bool isOnce = true;
+  const std::string* host = Header(*request, "host", &isOnce);
+  const std::string_view target = request->target;
+  const std::string whole = "http://" + (host == nullptr ? "" : *host);
+  if (host == nullptr || LowerText(target.substr(0, whole.size())) != LowerText(whole)) return;
+  const std::string rest(target.substr(whole.size()));
+  if (!rest.empty() && rest[0] != '/' && rest[0] != '?') return;
+  request->target = rest.starts_with('/') ? rest : "/" + rest;
+}
+
 bool IsToken(std::string_view text) {
   const auto fits = [](char letter) {
     return IsLetterOrDigit(letter) || letter == '.' || letter == '_' || letter == '~' || letter == '-';

@@ -46,6 +46,9 @@ const std::string* Parameter(const Target& target, std::string_view name);
 // when there are several.
 const std::string* Header(const WebRequest& request, std::string_view name, bool* isOnce);
 
+// Takes "http://HOST" off a target that has it, when HOST is the Host header's; others stay, and are malformed.
+void DropOwnHost(WebRequest* request);
+
 // How the server is reached, and by whom.
 struct Access {
   std::vector<std::string> hosts;  // in small letters, without the port

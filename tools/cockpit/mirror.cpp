@@ -41,6 +41,7 @@ void ApplyBatch(const Batch& batch, double now, Mirror* mirror) {
   mirror->lost = batch.lost;
   mirror->heardAt = batch.heardAt;
   mirror->recording = batch.recording;
+  mirror->recordingFault = batch.recordingFault;
   mirror->replay = batch.replay;
 }
 
@@ -64,6 +65,7 @@ std::string StatusJson(const Mirror& mirror, size_t clients, double now) {
          ",\"age\":" + (mirror.heardAt < 0 ? "null" : SecondsJson(now - mirror.heardAt)) +
          ",\"clients\":" + std::to_string(clients) +
          ",\"recording\":" + (mirror.recording.empty() ? "null" : JsonString(mirror.recording)) +
+         ",\"recordingFault\":" + (mirror.recordingFault.empty() ? "null" : JsonString(mirror.recordingFault)) +
          ",\"replay\":" + (mirror.replay ? ReplayJson(*mirror.replay) : "null") +
          ",\"time\":" + SecondsJson(now) + ",\"version\":" + JsonString(pluginVersion) + "}";
 }

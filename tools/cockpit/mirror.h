@@ -49,8 +49,9 @@ struct Batch {
   bool connected = false;
   std::string source;
   uint64_t frames = 0, lost = 0;
-  double heardAt = -1;    // seconds since the program's start; below 0 before anything came
-  std::string recording;  // the file's name; "" when none runs
+  double heardAt = -1;         // seconds since the program's start; below 0 before anything came
+  std::string recording;       // the file's name; "" when none runs
+  std::string recordingFault;  // why the last one ended by itself; "" when it did not, or another one began
   std::optional<ReplayState> replay;
   std::vector<OrderResult> results;
   std::vector<uint64_t> echoed;  // writes of which every byte has been shown
@@ -68,7 +69,7 @@ struct Mirror {
   std::string source;
   uint64_t frames = 0, lost = 0;
   double heardAt = -1;
-  std::string recording;
+  std::string recording, recordingFault;
   std::optional<ReplayState> replay;
 };
 

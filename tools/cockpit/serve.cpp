@@ -40,7 +40,7 @@ bool ReadAccess(const Options& options, Access* access, std::string* shownHost, 
   };
   access->token = options.token;
   access->hosts = {"localhost", loopback, "[::1]", LowerText(hostOf(address))};
-  *shownHost = isAny ? loopback : hostOf(address);
+  *shownHost = !isAny ? hostOf(address) : address.find(':') == std::string::npos ? loopback : "[::1]";
   for (const uint32_t ip : OwnAddresses()) {
     access->hosts.push_back(IpText(ip));
     if (isAny && *shownHost == loopback) *shownHost = IpText(ip);

@@ -4,7 +4,9 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <utility>
 
+#include "cockpit/folders.h"
 #include "cockpit/player.h"
 #include "offsetctl/console.h"
 #include "offsetctl/files.h"
@@ -24,6 +26,7 @@ constexpr int sliceMs = 10;           // how soon an order is seen
 constexpr double tick = 0.02;         // between two batches, when nothing comes
 constexpr double leastPause = 0.005;  // between two batches when frames come
 constexpr double localPause = 0.05;   // between two readings of the local window
+constexpr double lookPause = 1;       // between two looks whether the recording's file is still there
 constexpr uint32_t folderOffset = 0x3E00, folderSize = 0x100;  // filled in when a client asks for it
 
 // A write whose echo is looked for.
@@ -47,10 +50,13 @@ struct Work {
   std::unique_ptr<Player> player;
   double playedAt = 0;
   FILE* recording = nullptr;
-  std::string recordingName;
-  double recordingAt = 0;     // when it began
-  uint64_t recordedTime = 0;  // of its last frame
-  bool isDirty = false;       // the picture may differ from `shown`
+  std::string recordingName, recordingPath;
+  std::string recordingFault;  // why the last one ended by itself
+  std::string untoldRemedy;    // against that, until a stop has been answered with both
+  double lookedAt = 0;         // for its file
+  double recordingAt = 0;      // when it began
+  uint64_t recordedTime = 0;   // of its last frame
+  bool isDirty = false;        // the picture may differ from `shown`
   bool isNew = false;
   double heardAt = -1, deliveredAt = -1;
   uint64_t frames = 0;
@@ -70,21 +76,52 @@ std::string SourceTitle(const Work& work) {
 
 // --- Recording ---------------------------------------------------------------------------------------------
 
-void CloseRecording(Work* work) {
-  if (work->recording == nullptr) return;
-  if (std::fclose(work->recording) != 0) {
-    std::fprintf(stderr, "offsetctl: %s is not whole: is the disk full?\n", work->recordingName.c_str());
-  }
+// Closes the file. Returns false when not all of it could be written.
+bool EndRecording(Work* work) {
+  const bool isWhole = std::fclose(work->recording) == 0;
   work->recording = nullptr;
   work->recordingName.clear();
+  return isWhole;
 }
 
-bool AppendRecording(const std::vector<uint8_t>& bytes, Work* work) {
-  if (std::fwrite(bytes.data(), 1, bytes.size(), work->recording) == bytes.size()) return true;
-  std::fprintf(stderr, "offsetctl: cannot write all of %s, the recording ends: is the disk full?\n",
-               work->recordingName.c_str());
-  CloseRecording(work);
-  return false;
+// The recording has ended by itself: whoever asks for the status or stops it is told.
+void FailRecording(const std::string& fault, const std::string& remedy, Work* work) {
+  work->recordingFault = fault;
+  work->untoldRemedy = remedy;
+  std::fprintf(stderr, "offsetctl: %s: %s\n", fault.c_str(), remedy.c_str());
+  if (work->recording != nullptr) EndRecording(work);
+}
+
+void FailWriting(const std::string& name, Work* work) {
+  FailRecording("the recording has ended, not all of " + name + " could be written",
+                "make room on the disk, then start another one", work);
+}
+
+// Ends the recording when nobody could find its file.
+void LookForFile(Work* work) {
+  work->lookedAt = Now(*work);
+  if (work->recording == nullptr || IsStillAt(work->recording, work->recordingPath)) return;
+  FailRecording("the recording has ended, " + work->recordingName + " was removed or renamed meanwhile",
+                "leave the file alone while it is recorded, and start another one", work);
+}
+
+void CloseRecording(Work* work) {
+  LookForFile(work);
+  if (work->recording == nullptr) return;
+  const std::string name = work->recordingName;
+  if (!EndRecording(work)) FailWriting(name, work);
+}
+
+void AppendRecording(const std::vector<uint8_t>& bytes, Work* work) {
+  const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), work->recording) == bytes.size();
+  if (!isWritten) FailWriting(work->recordingName, work);
+}
+
+// What other programs can read of it is up to date.
+void FlushRecording(Work* work) {
+  if (work->recording == nullptr) return;
+  if (std::fflush(work->recording) != 0) return FailWriting(work->recordingName, work);
+  if (Now(*work) - work->lookedAt >= lookPause) LookForFile(work);
 }
 
 // `time` in seconds since the program's start.
@@ -97,7 +134,6 @@ void RecordFrame(double time, const std::vector<uint8_t>& frame, Work* work) {
 
 OrderResult StartRecording(const SourceOrder& order, Work* work) {
   const std::string& name = *order.file;
-  const OrderResult done = {order.id, 200, "", "", ""};
   if (work->recording != nullptr) {
     return {order.id, 409, "a recording runs already: " + work->recordingName, "file", "stop it first"};
   }
@@ -116,11 +152,25 @@ OrderResult StartRecording(const SourceOrder& order, Work* work) {
             "check the recordings' folder (--recordings)"};
   }
   work->recordingName = name;
-  work->recordingAt = Now(*work);
+  work->recordingPath = path;
+  work->recordingAt = work->lookedAt = Now(*work);
   work->recordedTime = 0;
-  if (AppendRecording(RecordingStart({work->picture.bytes.begin(), work->picture.bytes.end()}), work))
-    return done;
-  return {order.id, 409, "the file cannot be written: " + path, "file", "is the disk full?"};
+  const std::vector<uint8_t> start = RecordingStart({work->picture.bytes.begin(), work->picture.bytes.end()});
+  if (std::fwrite(start.data(), 1, start.size(), work->recording) == start.size() &&
+      std::fflush(work->recording) == 0) {
+    work->recordingFault.clear();
+    work->untoldRemedy.clear();
+    return {order.id, 200, "", "", ""};
+  }
+  EndRecording(work);
+  std::remove(path.c_str());  // the stump
+  return {order.id, 409, "the file cannot be written: " + path, "file", "make room on the disk"};
+}
+
+OrderResult StopRecording(const SourceOrder& order, Work* work) {
+  CloseRecording(work);
+  if (work->untoldRemedy.empty()) return {order.id, 200, "", "", ""};
+  return {order.id, 409, work->recordingFault, "file", std::exchange(work->untoldRemedy, "")};
 }
 
 // --- The simulator -----------------------------------------------------------------------------------------
@@ -270,7 +320,7 @@ OrderResult Replay(const SourceOrder& order, Work* work) {
       return {order.id, 409, "a recording runs: " + work->recordingName, "file", "stop it first"};
     }
     const std::string path = Joined(work->source->settings.recordings, *order.file);
-    if (!IsFile(path)) return {order.id, 404, "there is no such recording", "file", "see /api/recordings"};
+    if (!IsPlainFile(path)) return {order.id, 404, "there is no such recording", "file", "see /api/recordings"};
     auto player = std::make_unique<Player>();
     std::string error;
     if (!OpenPlayer(path, *order.file, player.get(), &error)) {
@@ -307,8 +357,7 @@ OrderResult Follow(const SourceOrder& order, Work* work) {
     case OrderKind::StartRecording:
       return StartRecording(order, work);
     case OrderKind::StopRecording:
-      CloseRecording(work);
-      return {order.id, 200, "", "", ""};
+      return StopRecording(order, work);
     default:
       return Replay(order, work);
   }
@@ -356,7 +405,7 @@ void Deliver(Work* work) {
     GatherChanges(work->player ? work->player->now.picture : work->picture, work);
     work->isDirty = false;
   }
-  if (work->recording != nullptr) std::fflush(work->recording);
+  FlushRecording(work);
   std::erase_if(work->echoes, [&batch, now](const Echoing& echo) {
     if (echo.missing.empty()) batch.echoed.push_back(echo.id);
     return echo.missing.empty() || now > echo.until;
@@ -369,6 +418,7 @@ void Deliver(Work* work) {
   batch.lost = work->losses.lost;
   batch.heardAt = work->heardAt;
   batch.recording = work->recordingName;
+  batch.recordingFault = work->recordingFault;
   if (work->player) batch.replay = work->player->state;
   work->source->settings.deliver(std::move(batch));
   work->batch = {};

@@ -41,7 +41,7 @@ struct EventStream {
 };
 
 struct Connection {
-  Connection(Web* owner, tcp::socket socket);
+  Connection(Web* owner, tcp::socket socket, bool refuse);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -51,10 +51,14 @@ struct Connection {
   beast::flat_buffer buffer;
   std::optional<http::request_parser<http::string_body>> parser;
   http::response<http::string_body> response;
-  std::string target;   // of the request that is answered
+  WebRequest request;   // that is read or answered; its header fields alone, no chunk trailers
   bool isKept = false;  // the connection goes on behind the answer
   bool isHead = false;
-  bool isRefused = false;  // one beyond the limit
+  bool isOld = false;       // its client speaks HTTP/1.0
+  const bool isRefused;     // one beyond the limit
+  bool isAccepted = false;  // it has sent a request that this server may answer, with the token
+  bool isServed = false;    // an answer is worked on, or a stream is open
+  double since = 0;         // when it came; once accepted its last sign of life; seconds
   size_t lingered = 0;
   std::optional<EventStream> events;
   asio::steady_timer timer;  // of the stream's next event
@@ -70,11 +74,12 @@ struct WaitingWrite {
 
 // Everything below is the server thread's own.
 struct Web {
-  size_t served = 0, refused = 0;  // connections; they outlive the rest
+  size_t refused = 0;  // connections; they outlive the rest
   asio::io_context io{1};
   tcp::acceptor acceptor{io};
   asio::steady_timer ticker{io};
   asio::steady_timer acceptPause{io};
+  std::vector<std::weak_ptr<Connection>> connections;
   std::vector<Peer> streams;
   std::vector<WaitingWrite> writes;
   std::unordered_map<uint64_t, Peer> orders;  // that wait for their result

@@ -17,18 +17,19 @@ constexpr size_t mostConnections = 200;  // served at a time; one beyond them is
 constexpr size_t mostRefused = 50;       // being told so at a time; others are closed at once
 constexpr uint32_t headerLimit = 32 * 1024;
 constexpr uint64_t bodyLimit = 64 * 1024;
+constexpr seconds firstLimit{3};  // for the header of a request while none has been accepted
 constexpr seconds idleLimit{30}, readLimit{10}, answerLimit{10}, lingerLimit{2};
 constexpr size_t mostLingering = 1 << 20;  // bytes that are read and thrown away at a connection's end
 constexpr milliseconds tick{20};
 
 }  // namespace
 
-Connection::Connection(Web* owner, tcp::socket socket) : web(owner), stream(std::move(socket)), timer(web->io) {
-  isRefused = web->served >= mostConnections;
-  ++(isRefused ? web->refused : web->served);
+Connection::Connection(Web* owner, tcp::socket socket, bool refuse)
+    : web(owner), stream(std::move(socket)), isRefused(refuse), since(WebNow(*web)), timer(web->io) {
+  web->refused += isRefused;
 }
 
-Connection::~Connection() { --(isRefused ? web->refused : web->served); }
+Connection::~Connection() { web->refused -= isRefused; }
 
 namespace {
 
@@ -56,6 +57,7 @@ void Finish(const Peer& peer) {
   beast::error_code fault;
   peer->stream.socket().shutdown(tcp::socket::shutdown_send, fault);
   if (fault) return Close(peer);
+  peer->isServed = false;
   peer->stream.expires_after(lingerLimit);
   Linger(peer);
 }
@@ -67,7 +69,7 @@ void Send(const Peer& peer, WebAnswer answer) {
   response.result(answer.status);
   response.set(http::field::server, "TAVRIX");
   if (answer.status != 303) response.set(http::field::content_type, answer.type);
-  for (const Pairs& headers : {CommonHeaders(peer->target), answer.headers}) {
+  for (const Pairs& headers : {CommonHeaders(peer->request.target), answer.headers}) {
     for (const auto& [name, value] : headers) response.set(name, value);
   }
   response.keep_alive(peer->isKept);
@@ -89,7 +91,7 @@ void SendRefusal(const Peer& peer, const Refusal& refusal) { Send(peer, AnswerOf
 // The request could not be read to its end.
 void AnswerBroken(const Peer& peer, beast::error_code fault) {
   peer->isKept = peer->isHead = false;
-  peer->target = "/api";
+  peer->request.target = "/api";
   if (fault == http::error::header_limit || fault == http::error::buffer_overflow) {
     return SendRefusal(peer, {413, "the header has more than 32 KB", "header", "ask for less at once"});
   }
@@ -102,21 +104,36 @@ void AnswerBroken(const Peer& peer, beast::error_code fault) {
   SendRefusal(peer, {400, "that is no HTTP request", "request", "speak HTTP/1.1"});
 }
 
-WebRequest RequestOf(http::request<http::string_body>* message) {
-  WebRequest request;
-  request.method = std::string(message->method_string());
-  request.target = std::string(message->target());
-  for (const auto& field : *message) {
+// Takes what the header says, before a body's chunks can bring fields of their own. Returns true, or false when
+// it has been answered: where a body of another coding ends is anybody's guess.
+bool TakeHeader(const Peer& peer) {
+  const auto& message = peer->parser->get();
+  WebRequest& request = peer->request;
+  request = {std::string(message.method_string()), std::string(message.target()), {}, ""};
+  bool isPlain = true, hasCoding = false;
+  for (const auto& field : message) {
     request.headers.emplace_back(std::string(field.name_string()), std::string(field.value()));
+    if (field.name() != http::field::transfer_encoding) continue;
+    isPlain = isPlain && !hasCoding && beast::iequals(field.value(), "chunked");
+    hasCoding = true;
   }
-  request.body = std::move(message->body());
-  return request;
+  DropOwnHost(&request);
+  peer->isKept = message.keep_alive() && !peer->isRefused && isPlain;
+  peer->isHead = message.method() == http::verb::head;
+  peer->isOld = message.version() < 11;
+  if (isPlain) return true;
+  SendRefusal(peer, {400, "a body comes whole or in chunks, in no other coding", "Transfer-Encoding",
+                     "send Content-Length, or Transfer-Encoding: chunked"});
+  return false;
 }
 
 // The address by which the client came in is one of our own: the computer may have got it since the start.
 void LearnAddress(const Peer& peer) {
   beast::error_code fault;
-  const asio::ip::address address = peer->stream.socket().local_endpoint(fault).address();
+  asio::ip::address address = peer->stream.socket().local_endpoint(fault).address();
+  if (address.is_v6() && address.to_v6().is_v4_mapped()) {
+    address = asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6());
+  }
   std::vector<std::string>& hosts = peer->web->site.access.hosts;
   const std::string name = address.is_v6() ? "[" + address.to_string() + "]" : address.to_string();
   if (!fault && std::find(hosts.begin(), hosts.end(), name) == hosts.end()) hosts.push_back(name);
@@ -125,15 +142,17 @@ void LearnAddress(const Peer& peer) {
 void Handle(const Peer& peer) {
   Web* web = peer->web;
   LearnAddress(peer);
-  auto message = peer->parser->release();
+  WebRequest& request = peer->request;
+  request.body = std::move(peer->parser->get().body());
   peer->parser.reset();
-  peer->isKept = message.keep_alive() && !peer->isRefused;
-  peer->isHead = message.method() == http::verb::head;
-  const WebRequest request = RequestOf(&message);
-  peer->target = request.target;
   if (peer->isRefused) {
     return SendRefusal(peer, {503, "200 connections are open, which is the limit", "connections",
                               "close other pages that show the cockpit"});
+  }
+  Refusal ignored = {};
+  if (IsFromHere(request, web->site.access, &ignored) && HasToken(request, web->site.access)) {
+    peer->isAccepted = peer->isServed = true;
+    peer->since = WebNow(*web);
   }
   Outcome outcome = Answer(request, web->site, web->mirror, web->streams.size(), WebNow(*web));
   switch (outcome.deed) {
@@ -162,10 +181,11 @@ void ReadBody(const Peer& peer) {
 }
 
 void ReadHeader(const Peer& peer) {
-  peer->stream.expires_after(peer->isRefused ? lingerLimit : readLimit);
+  peer->stream.expires_after(peer->isRefused ? lingerLimit : peer->isAccepted ? readLimit : firstLimit);
   http::async_read_header(peer->stream, peer->buffer, *peer->parser, [peer](beast::error_code fault, size_t) {
     Guard(peer, [&] {
       if (fault) return AnswerBroken(peer, fault);
+      if (!TakeHeader(peer)) return;
       if (beast::iequals(peer->parser->get()[http::field::expect], "100-continue")) {
         // Its client waits for this before it sends the body.
         static constexpr char goOn[] = "HTTP/1.1 100 Continue\r\n\r\n";
@@ -182,15 +202,17 @@ void ReadHeader(const Peer& peer) {
 
 // An open connection may be idle for longer than a request may take.
 void ReadNext(const Peer& peer) {
+  peer->isServed = false;
   peer->parser.emplace();
   peer->parser->header_limit(headerLimit);
   peer->parser->body_limit(bodyLimit);
   if (peer->buffer.size() > 0) return ReadHeader(peer);
-  peer->stream.expires_after(peer->isRefused ? lingerLimit : idleLimit);
+  peer->stream.expires_after(peer->isRefused ? lingerLimit : peer->isAccepted ? idleLimit : firstLimit);
   peer->stream.async_read_some(peer->buffer.prepare(4096), [peer](beast::error_code fault, size_t size) {
     Guard(peer, [&] {
       if (fault) return Close(peer);
       peer->buffer.commit(size);
+      if (peer->isAccepted) peer->since = WebNow(*peer->web);
       ReadHeader(peer);
     });
   });
@@ -253,14 +275,35 @@ void TakeBatchHere(Web* web, const Batch& batch) {
   PumpAll(web);
 }
 
+// Finds a place for one more. Among 200 the one that has never been accepted longest gives up its own, else the
+// one that has been idle longest: nobody locks others out by connecting. Returns false when all are being
+// served.
+bool MakeRoom(Web* web) {
+  std::erase_if(web->connections, [](const auto& connection) { return connection.expired(); });
+  size_t open = 0;
+  Peer idlest;
+  const auto rank = [](const Peer& peer) { return std::pair(peer->isAccepted, peer->since); };
+  for (const auto& connection : web->connections) {
+    const Peer peer = connection.lock();
+    if (!peer || peer->isRefused || !peer->stream.socket().is_open()) continue;
+    ++open;
+    if (!peer->isServed && (!idlest || rank(peer) < rank(idlest))) idlest = peer;
+  }
+  if (open < mostConnections) return true;
+  if (idlest) Close(idlest);
+  return idlest != nullptr;
+}
+
 void Accept(Web* web) {
   web->acceptor.async_accept([web](beast::error_code fault, tcp::socket socket) {
     if (fault == asio::error::operation_aborted) return;
     try {
-      if (!fault && (web->served < mostConnections || web->refused < mostRefused)) {
+      const bool hasRoom = !fault && MakeRoom(web);
+      if (hasRoom || (!fault && web->refused < mostRefused)) {
         beast::error_code ignored;
         socket.set_option(tcp::no_delay(true), ignored);
-        const Peer peer = std::make_shared<Connection>(web, std::move(socket));
+        const Peer peer = std::make_shared<Connection>(web, std::move(socket), !hasRoom);
+        web->connections.push_back(peer);
         Guard(peer, [&] { ReadNext(peer); });
       }
     } catch (...) {  // no memory for one more connection
@@ -301,10 +344,17 @@ std::shared_ptr<Web> OpenWeb(const std::string& address, unsigned port, std::str
   beast::error_code fault;
   const tcp::endpoint endpoint(asio::ip::make_address(address, fault), static_cast<uint16_t>(port));
   if (!fault) web->acceptor.open(endpoint.protocol(), fault);
-#if !defined(_WIN32)
+#if defined(_WIN32)
+  // No other program can take the port over.
+  using Exclusive = asio::detail::socket_option::boolean<SOL_SOCKET, SO_EXCLUSIVEADDRUSE>;
+  if (!fault) web->acceptor.set_option(Exclusive(true), fault);
+#else
   // A port of a server that has just ended is free again. On Windows this would share it with one that runs.
   if (!fault) web->acceptor.set_option(asio::socket_base::reuse_address(true), fault);
 #endif
+  // All addresses are those of IPv4, too.
+  const bool isAnyV6 = endpoint.address().is_v6() && endpoint.address().is_unspecified();
+  if (!fault && isAnyV6) web->acceptor.set_option(asio::ip::v6_only(false), fault);
   if (!fault) web->acceptor.bind(endpoint, fault);
   if (!fault) web->acceptor.listen(asio::socket_base::max_listen_connections, fault);
   if (!fault) return web;

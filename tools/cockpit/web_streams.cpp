@@ -23,12 +23,12 @@ std::shared_ptr<Watched> Share(Web* web, const Item& item) {
   return watched;
 }
 
-// One chunk of the answer. Nothing else is written until it is through.
+// One chunk of the answer, bare for a client that knows no chunks. Nothing else is written until it is through.
 void WriteChunk(const Peer& peer, const std::string& head, const std::string& data) {
   EventStream& events = *peer->events;
   char size[24];
   std::snprintf(size, sizeof size, "%zX\r\n", data.size());
-  events.text = head + size + data + "\r\n";
+  events.text = peer->isOld ? head + data : head + size + data + "\r\n";
   events.isWriting = true;
   peer->stream.expires_after(streamLimit);
   asio::async_write(peer->stream, asio::buffer(events.text), [peer](beast::error_code fault, size_t) {
@@ -101,9 +101,9 @@ void BeginStream(const Peer& peer, const Outcome& outcome) {
     events.changes.emplace();
   }
   std::string head =
-      "HTTP/1.1 200 OK\r\nServer: TAVRIX\r\nContent-Type: text/event-stream\r\n"
-      "Transfer-Encoding: chunked\r\nConnection: close\r\n";
-  for (const auto& [name, value] : CommonHeaders(peer->target)) head += name + ": " + value + "\r\n";
+      "HTTP/1.1 200 OK\r\nServer: TAVRIX\r\nContent-Type: text/event-stream\r\nConnection: close\r\n";
+  if (!peer->isOld) head += "Transfer-Encoding: chunked\r\n";
+  for (const auto& [name, value] : CommonHeaders(peer->request.target)) head += name + ": " + value + "\r\n";
   beast::error_code ignored;
   peer->stream.socket().set_option(tcp::no_delay(true), ignored);
   peer->stream.socket().set_option(tcp::socket::send_buffer_size(streamBuffer), ignored);

@@ -154,7 +154,12 @@ double WithinTurn(double degrees, const OffsetName& row) {
 bool EncodeScaled(std::string_view text, Item* item, std::string* error) {
   const OffsetName& row = *item->row;
   if (!ParseInUnit(text, item, error)) return false;
-  const double wanted = IsDirection(*item) ? WithinTurn(item->asked, row) : item->asked;
+  // A number far beyond a turn is a slip of the hand, or was meant for something else.
+  constexpr double leastDirection = -360, mostDirection = 720;
+  const bool isDirection = IsDirection(*item);
+  if (isDirection && !(item->asked >= leastDirection && item->asked <= mostDirection))
+    return FailOutside(text, leastDirection, mostDirection, row, error);
+  const double wanted = isDirection ? WithinTurn(item->asked, row) : item->asked;
   const double stored = (wanted - row.unitBias) / row.unitScale;
   if (!IsInteger(item->type)) return EncodeReal(text, stored, item, error);
   const double rounded = std::round(stored);
@@ -171,19 +176,33 @@ bool EncodeScaled(std::string_view text, Item* item, std::string* error) {
   return true;
 }
 
+constexpr uint32_t transponderOffset = 0x0354;
+
+bool HasOctalDigits(double count) {
+  for (auto rest = static_cast<uint64_t>(count); rest > 0; rest /= 10) {
+    if (rest % 10 > 7) return false;
+  }
+  return true;
+}
+
 bool IsMegahertz(const OffsetName& row) { return std::strcmp(row.unit, "MHz") == 0 && row.length == 2; }
 
 // Decimal digits, four bits each. Megahertz drop the leading 1 and what does not fit behind the point: 118.705
 // is 118.70, as radios show it.
 bool EncodeBcd(std::string_view text, Item* item, std::string* error) {
   if (!ParseInUnit(text, item, error)) return false;
-  const double first = IsMegahertz(*item->row) ? 100 : 0;
-  const double scale = IsMegahertz(*item->row) ? 100 : 1;
+  const OffsetName& row = *item->row;
+  const double first = IsMegahertz(row) ? 100 : 0;
+  const double scale = IsMegahertz(row) ? 100 : 1;
   const double count = std::floor((item->asked - first) * scale + 1e-6);
+  if (row.offset == transponderOffset && !(count >= 0 && count <= 7777 && HasOctalDigits(count))) {
+    return Fail(error,
+                std::string(text) + " is no transponder code: they are 0000 to 7777, of the digits 0 to 7");
+  }
   const double limit = std::pow(10.0, 2 * item->size);
   if (!(count >= 0 && count < limit)) {
     return Fail(error, std::string(text) + " is outside " + RealText(first) + " to " +
-                           WithUnit(RealText((limit - 1) / scale + first), *item->row));
+                           WithUnit(RealText((limit - 1) / scale + first), row));
   }
   uint64_t rest = static_cast<uint64_t>(count);
   uint64_t bits = 0;

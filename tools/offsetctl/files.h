@@ -1,6 +1,7 @@
 // Files of an installation. Any thread.
 #pragma once
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,9 @@ bool WriteTextFile(const std::string& path, const std::string& text);
 bool MoveOver(const std::string& from, const std::string& to);
 // What lies in a folder, hidden names left out; nothing when it cannot be looked into.
 std::vector<std::string> NamesIn(const std::string& folder);
+// Whether an open file has still that name: on Windows it always has. False when somebody has removed, renamed
+// or replaced it.
+bool IsStillAt(FILE* file, const std::string& path);
 // Where the running program lies; "." when the system does not tell.
 std::string ProgramFolder();
 

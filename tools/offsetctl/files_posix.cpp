@@ -1,6 +1,7 @@
 #if !defined(_WIN32)
 
 #include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -21,6 +22,12 @@ std::vector<std::string> NamesIn(const std::string& folder) {
     if (entry->d_name[0] != '.') names.push_back(entry->d_name);
   }
   return names;
+}
+
+bool IsStillAt(FILE* file, const std::string& path) {
+  struct stat open = {}, named = {};
+  if (fstat(fileno(file), &open) != 0 || lstat(path.c_str(), &named) != 0) return false;
+  return open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
 std::string ProgramFolder() {

@@ -22,6 +22,9 @@ std::vector<std::string> NamesIn(const std::string& folder) {
   return names;
 }
 
+// The system holds on to an open file's name.
+bool IsStillAt(FILE*, const std::string&) { return true; }
+
 std::string ProgramFolder() {
   char path[MAX_PATH] = "";
   const DWORD size = GetModuleFileNameA(nullptr, path, MAX_PATH);

@@ -30,7 +30,10 @@ bool Fail(std::string* error, const std::string& text) {
   return false;
 }
 
-bool ParseType(std::string_view text, Item* item, std::string* error) {
+// Letters in either case, as in names.
+bool ParseType(std::string_view asked, Item* item, std::string* error) {
+  const std::string lower = LowerCase(asked);
+  const std::string_view text = lower;
   for (const TypeName& known : typeNames) {
     if (text == known.text) {
       item->type = known.type;
@@ -46,7 +49,7 @@ bool ParseType(std::string_view text, Item* item, std::string* error) {
     }
     return true;
   }
-  return Fail(error, "no type " + Quote(text) + ": types are " + typeList);
+  return Fail(error, "no type " + Quote(asked) + ": types are " + typeList);
 }
 
 // The offset or name before the type. Leaves the known row in `item->row`, if there is one.

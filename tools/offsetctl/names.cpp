@@ -15,14 +15,6 @@ namespace {
 
 constexpr size_t nearestShown = 4;
 
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& letter : lower) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return lower;
-}
-
 // How many letters must be put in, left out, changed or exchanged with their neighbour.
 size_t Distance(const std::string& a, const std::string& b) {
   std::vector<size_t> before, last(b.size() + 1), row(b.size() + 1);
@@ -68,6 +60,14 @@ size_t Farness(const std::string& wanted, const std::vector<std::string>& parts,
 }
 
 }  // namespace
+
+std::string LowerCase(std::string_view text) {
+  std::string lower(text);
+  for (char& letter : lower) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return lower;
+}
 
 NameTable KnownOffsets() { return {offsetNames, readOnlyOffsets, offsetSubjects, offsetAreas}; }
 

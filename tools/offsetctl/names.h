@@ -13,6 +13,8 @@ constexpr uint32_t offsetMemorySize = 0x20000;
 // The table made from the plug-in's catalogue.
 NameTable KnownOffsets();
 
+// The text with A to Z made small.
+std::string LowerCase(std::string_view text);
 // The row of that name (letters in either case), or null.
 const OffsetName* FindByName(const NameTable& names, std::string_view name);
 // The row whose value starts at that offset, one with a name first, or null.

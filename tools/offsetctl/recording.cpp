@@ -14,6 +14,7 @@ constexpr char mark[recordingStartSize] = {'T', 'A', 'V', 'R', 'I', 'X', 'R', '1
 // Before each frame: its time in microseconds, its size.
 constexpr size_t timeSize = 8;
 constexpr size_t prefixSize = timeSize + 4;
+constexpr uint64_t mostMicroseconds = 1'000'000'000'000'000;  // 1e9 s: some thirty years
 constexpr uint32_t mostFrameBytes = mostRecordedBytes - prefixSize;
 
 // A file system may fill what was not written any more with zeros.
@@ -49,7 +50,8 @@ NextFrame TakeRecordedFrame(const uint8_t* bytes, size_t size, uint64_t last, Fr
   if (size < prefixSize || IsZero(bytes, size)) return NextFrame::CutOff;
   const uint32_t length = LoadFrom<uint32_t>(bytes + timeSize);
   *frame = {LoadFrom<uint64_t>(bytes), bytes + prefixSize, length, prefixSize + length};
-  if (length > mostFrameBytes || frame->microseconds < last) return NextFrame::Damaged;
+  if (length > mostFrameBytes || frame->microseconds < last || frame->microseconds > mostMicroseconds)
+    return NextFrame::Damaged;
   if (length > size - prefixSize) return NextFrame::CutOff;
   const FrameKind kind = ReadFrame(frame->bytes, length).kind;
   return kind == FrameKind::None || kind == FrameKind::Announce ? NextFrame::Damaged : NextFrame::Found;
