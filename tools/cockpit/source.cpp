@@ -290,6 +290,7 @@ OrderResult Write(const SourceOrder& order, Work* work) {
   if (!work->isComplete) return {order.id, 503, "not connected", "source", "start the simulator"};
   std::vector<OrderedWrite> writes = order.writes;
   std::vector<Transfer> transfers;
+  transfers.reserve(writes.size());
   for (OrderedWrite& write : writes) {
     transfers.push_back({write.offset, static_cast<uint32_t>(write.bytes.size()), write.bytes.data()});
   }
