@@ -56,7 +56,7 @@ def test_documents_name_the_samples():
 
 
 def changes_of(client, offsets):
-    """The first change of each of these offsets, in the order told, as one frame."""
+    """The first change of each of these offsets as one frame, in the order of one scan."""
     entries, end = {}, time.monotonic() + DEADLINE
     while len(entries) < len(offsets):
         assert time.monotonic() < end, f"changes of {sorted(set(offsets) - set(entries))} have not come"
@@ -65,7 +65,7 @@ def changes_of(client, offsets):
             for at, value in entries_of(datagram):
                 if at in offsets:  # others move by themselves
                     entries.setdefault(at, value)
-    return change_frame(*entries.items())
+    return change_frame(*sorted(entries.items()))
 
 
 def test_write_and_its_changes(server):
