@@ -139,6 +139,23 @@ def start(request, tmp_path):
         standin.end()
 
 
+@pytest.fixture
+def begin_process():
+    """begin_process(words...) -> a process of the test with pipes to and from it; ended with the test."""
+    running = []
+
+    def begin(words):
+        process = subprocess.Popen(words, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        running.append(process)
+        return process
+
+    yield begin
+    for process in running:
+        if process.poll() is None:
+            process.kill()
+        process.communicate(timeout=DEADLINE)
+
+
 @pytest.fixture(scope="session")
 def linux():
     return Build("linux")

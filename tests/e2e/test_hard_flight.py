@@ -27,23 +27,6 @@ FOLLOWS = {0x2EA0: "sim/flightmodel/controls/elv_trim", 0x2EB0: "sim/flightmodel
 LOCAL_PLACE = 0x19000
 
 
-@pytest.fixture
-def others():
-    """others(words...) -> a process of a test, with a pipe to and from it; ended with the test."""
-    running = []
-
-    def begin(words):
-        process = subprocess.Popen(words, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-        running.append(process)
-        return process
-
-    yield begin
-    for process in running:
-        if process.poll() is None:
-            process.kill()
-        process.communicate(timeout=DEADLINE)
-
-
 def wait_readable(process, seconds=0):
     return bool(select.select([process.stdout], [], [], seconds)[0])
 
@@ -82,7 +65,7 @@ def sets_of(standin, seen):
 
 @pytest.mark.slow
 @pytest.mark.parametrize("preset", ["linux", pytest.param("win32", marks=pytest.mark.wine)])
-def test_every_write_is_accounted_for(start, others, request, tmp_path, preset):
+def test_every_write_is_accounted_for(start, begin_process, request, tmp_path, preset):
     """Eight network clients, under Wine eight local ones as well, none of which ever pauses."""
     build = request.getfixturevalue(preset)
     standin = begin(start, build, tmp_path / "X-Plane", "--flight", "none")
@@ -92,9 +75,9 @@ def test_every_write_is_accounted_for(start, others, request, tmp_path, preset):
     before = served(standin)
     standin.ask("perf")
     started = time.monotonic()
-    local = [others(build.command("steady_writer_win32", hex(LOCAL_PLACE + 0x100 * i), seconds)) for i in range(8)] \
+    local = [begin_process(build.command("steady_writer_win32", hex(LOCAL_PLACE + 0x100 * i), seconds)) for i in range(8)] \
         if build.wine else []
-    network = others([sys.executable, str(WRITERS), str(seconds), "steady"])
+    network = begin_process([sys.executable, str(WRITERS), str(seconds), "steady"])
     seen = {name: [] for name in FOLLOWS.values()}
     while time.monotonic() < started + seconds:
         standin.ask("frames 30")
@@ -177,7 +160,7 @@ REPORTS = ("Sanitizer", "runtime error:", "standin: breach", "Assertion")
 
 @pytest.mark.slow
 @pytest.mark.parametrize("preset", ["linux-asan", "linux-tsan"])
-def test_sanitizers_find_nothing_in_flight(start, others, tmp_path, monkeypatch, preset):
+def test_sanitizers_find_nothing_in_flight(start, begin_process, tmp_path, monkeypatch, preset):
     monkeypatch.setenv("TSAN_OPTIONS", f"halt_on_error=1 suppressions={TOP}/tests/tsan.supp")
     monkeypatch.setenv("ASAN_OPTIONS", "detect_leaks=1:detect_odr_violation=0")
     monkeypatch.setenv("UBSAN_OPTIONS", "print_stacktrace=1")
@@ -186,7 +169,7 @@ def test_sanitizers_find_nothing_in_flight(start, others, tmp_path, monkeypatch,
     (root / "Resources" / "plugins" / "TAVRIX" / "TAVRIXOffsets.cfg").write_text(
         (TOP / "docs" / "TAVRIXOffsets.example.cfg").read_text())
     standin = begin(start, build, root, more=BUTTONS)
-    network = others([sys.executable, str(WRITERS), str(SECONDS or 12), "rounds"])
+    network = begin_process([sys.executable, str(WRITERS), str(SECONDS or 12), "rounds"])
     trouble = Trouble(build, dict(os.environ))
     rounds = 0
     while network.poll() is None and rounds < 1000 and not wait_readable(network):

@@ -1,11 +1,10 @@
 """The hidden window against programs that flood it, close it or have fewer rights, and how it ends."""
 import re
-import subprocess
 import time
 
 import pytest
 
-from conftest import DEADLINE, wait_for
+from conftest import wait_for
 
 pytestmark = pytest.mark.wine
 
@@ -26,21 +25,9 @@ def serving(start, build):
 
 
 @pytest.fixture
-def client(win32):
-    """client(word...) -> a crafted client that has begun; ended with the test."""
-    running = []
-
-    def begin(*words):
-        process = subprocess.Popen(win32.command("rude_client_win32", *words), stdout=subprocess.PIPE,
-                                   stderr=subprocess.STDOUT, text=True)
-        running.append(process)
-        return process
-
-    yield begin
-    for process in running:
-        if process.poll() is None:
-            process.kill()
-        process.communicate(timeout=DEADLINE)
+def client(win32, begin_process):
+    """client(word...) -> a crafted client that has begun."""
+    return lambda *words: begin_process(win32.command("rude_client_win32", *words))
 
 
 def disable_is_quick(standin):
