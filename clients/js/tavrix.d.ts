@@ -69,8 +69,12 @@ export class CockpitError extends Error {
   remedy: string;
 }
 
-/** Calls back with what changed, name -> entry; the first time all. Returns a function that ends it. */
-export function watch(names: string | Iterable<string>, callback: (changed: Record<string, Entry>) => void,
+/**
+ * Calls back with what changed, name -> entry; the first time all. `time`: when the server read them, in seconds on
+ * its own clock. Returns a function that ends it.
+ */
+export function watch(names: string | Iterable<string>,
+                      callback: (changed: Record<string, Entry>, time: number) => void,
                       options?: { rate?: number; onStatus?: (status: Status) => void }): () => void;
 
 /** Entries in the order of the names. */

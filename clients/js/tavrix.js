@@ -20,6 +20,7 @@ const newest = new Map();       // name -> {entry, at: when it came, in ms}, of 
 const unknown = new Map();      // name -> entry with an error: names that the server refused
 let byName = new Map();         // name -> watches
 let stream = null, streamKey = "", openTimer = 0, watchdog = 0, retryTimer = 0, retries = 0, lastWord = 0;
+let clock = 0;                  // seconds that the server's clock is before ours
 let refusal = "";               // of the stream, as the console was told
 let state = { online: false, connected: false, status: null, error: null, reason: "connecting" };
 const noStatus = { source: "", connected: false, frames: 0, lost: 0, age: null, clients: 0, recording: null,
@@ -66,7 +67,8 @@ export async function write(name, value, { unit, wait } = {}) {
 
 /**
  * Calls `callback` with an object name -> entry of what changed; the first time all, and again all when the
- * connection was gone. Names that the server does not know come as {name, value: null, error: {error, where,
+ * connection was gone; and with the time at which the server read them, in seconds on its own clock: parts that
+ * were held up on the way come together, but keep their times. Names that the server does not know come as {name, value: null, error: {error, where,
  * remedy}} and are told on the console. `rate`: updates a second, brought within 1 to 50, 20 for what is no number;
  * the fastest watch of the page counts for all. `onStatus` gets the state each second; when the server refuses the
  * whole stream, the last one with connected: false and the `error`. What a callback throws is reported as any
@@ -100,9 +102,9 @@ function tell(change) {
   for (const listener of [...listeners]) call(listener, state);
 }
 
-function call(callback, given) {
+function call(callback, ...given) {
   try {
-    callback(given);
+    callback(...given);
   } catch (error) {
     reportError(error);
   }
@@ -240,7 +242,7 @@ async function findUnknown(names, json) {
     unknown.set(names[0], entry);
     console.error(`TAVRIX: "${names[0]}" is not watched: ${json.error}: ${json.remedy}`);
     for (const one of byName.get(names[0]) ?? []) {
-      if (one.hasAll) call(one.callback, { [names[0]]: entry });
+      if (one.hasAll) call(one.callback, { [names[0]]: entry }, serverTime());
     }
     return;
   }
@@ -250,8 +252,9 @@ async function findUnknown(names, json) {
   }
 }
 
-function deliver({ values }) {
+function deliver({ time, values }) {
   const parts = new Map();
+  clock = time - lastWord / 1000;
   for (const entry of values) {
     const before = newest.get(entry.name)?.entry;
     newest.set(entry.name, { entry, at: lastWord });
@@ -266,7 +269,7 @@ function deliver({ values }) {
     }
   }
   for (const [one, part] of parts) {
-    if (one.hasAll && watches.has(one)) call(one.callback, part);
+    if (one.hasAll && watches.has(one)) call(one.callback, part, time);
   }
   for (const one of [...watches]) {
     if (!one.hasAll) deliverAll(one);
@@ -283,7 +286,11 @@ function deliverAll(one) {
       : unknown.get(name);
   }
   one.hasAll = true;
-  if (one.names.length) call(one.callback, part);
+  if (one.names.length) call(one.callback, part, serverTime());
+}
+
+function serverTime() {
+  return performance.now() / 1000 + clock;
 }
 
 document.addEventListener("visibilitychange", () => {

