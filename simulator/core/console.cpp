@@ -349,7 +349,7 @@ constexpr CommandRow commandRows[] = {
     {.name = "loops", .run = Loops, .about = "registered flight loops"},
     {.name = "perf",
      .run = Perf,
-     .about = "what plug-ins cost since the last perf: time in flight loops, simulator calls"},
+     .about = "since the last perf: time in flight loops, simulator calls, frames that were late"},
     {.name = "stall",
      .usage = "SECONDS",
      .least = 1,

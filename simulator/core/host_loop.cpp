@@ -81,6 +81,7 @@ bool FrameIfDue() {
   Clock::time_point now = Clock::now();
   if (running.rate <= 0 || now < nextFrame) return false;
   double dt = std::chrono::duration<double>(now - lastFrame).count();
+  CountLateness(std::chrono::duration<double>(now - nextFrame).count());
   lastFrame = now;
   nextFrame += Seconds(1 / running.rate);
   if (now - nextFrame > kLate) nextFrame = now;

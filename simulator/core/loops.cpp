@@ -51,8 +51,13 @@ struct Perf {
   uint64_t frames, callbacks;
   PerfClock::duration time, frameTime, longestFrame;  // frameTime is that of the frame that runs
   uint64_t callsBefore;                               // callsMade when it began
+  uint64_t over, late;
+  double latest;  // seconds
 };
 Perf perf;
+
+// Seconds from a frame to the next one.
+double Period() { return 1 / (running.rate > 0 ? running.rate : 60); }
 
 void ResetPerf() {
   perf = {};
@@ -135,14 +140,23 @@ void CountFrame() {
   ++perf.frames;
   perf.time += perf.frameTime;
   perf.longestFrame = std::max(perf.longestFrame, perf.frameTime);
+  perf.over += std::chrono::duration<double>(perf.frameTime).count() > Period();
   perf.frameTime = {};
+}
+
+void CountLateness(double seconds) {
+  perf.late += seconds > Period();
+  perf.latest = std::max(perf.latest, seconds);
 }
 
 std::string TakePerf() {
   std::string text = "frames " + FormatInt(static_cast<int64_t>(perf.frames)) + " callbacks " +
                      FormatInt(static_cast<int64_t>(perf.callbacks)) + " calls " +
                      FormatInt(static_cast<int64_t>(callsMade - perf.callsBefore)) + " ns " +
-                     Nanoseconds(perf.time) + " max-ns " + Nanoseconds(perf.longestFrame);
+                     Nanoseconds(perf.time) + " max-ns " + Nanoseconds(perf.longestFrame) + " over " +
+                     FormatInt(static_cast<int64_t>(perf.over)) + " late " +
+                     FormatInt(static_cast<int64_t>(perf.late)) + " latest-ns " +
+                     FormatInt(static_cast<int64_t>(perf.latest * 1e9));
   ResetPerf();
   return text;
 }

@@ -1,18 +1,23 @@
 """Flights under everything at once: clients at full rate with every write accounted for, and the plug-in, the stand-in
 and the client tool with sanitizers under clients, rounds of disable and enable, buttons, traffic and browsers."""
+import http.client
 import json
 import os
+import queue
 import re
 import select
+import socket
 import subprocess
 import sys
 import threading
 import time
 import urllib.request
+from functools import partial
 from pathlib import Path
 
 import pytest
 
+from cockpit import Cockpit, Events
 from conftest import DEADLINE, TOP, Build, wait_for
 from network import Client
 from writers import PLACE, STEERED
@@ -29,6 +34,15 @@ LOCAL_PLACE = 0x19000
 
 def wait_readable(process, seconds=0):
     return bool(select.select([process.stdout], [], [], seconds)[0])
+
+
+class First(Build):
+    """The same build with a stand-in that the system serves before its clients, as it does for the program in front of
+    a pilot; without the right to that, as it is."""
+
+    def command(self, program, *arguments):
+        words = super().command(program, *arguments)
+        return ["nice", "-n", "-10", *words] if program == "standin" else words
 
 
 def begin(start, build, root, *options, more=""):
@@ -63,11 +77,25 @@ def sets_of(standin, seen):
             seen[name].append(float(value.split()[0]))
 
 
+def tell_figures(clients, counts, reached, cost, seconds):
+    """What docs/reliability.md shows of a long flight (pytest -s)."""
+    steered = sum(client["number"] for client in clients[:len(STEERED)])
+    sent = sum(client["number"] + client["extra"] for client in clients) + steered + sum(int(count[1]) for count in counts)
+    ms = {name: int(cost[name]) / 1e6 for name in ("ns", "max-ns", "latest-ns")}
+    print(f"\n| writes sent, {len(clients)} network and {len(counts)} local clients, {seconds:.0f} s | {sent:,} |"
+          f"\n| served, lost | {sent:,}, 0 |"
+          f"\n| echoes waited for, lost | {sum(client['echoes'] for client in clients):,}, 0 |"
+          f"\n| of {steered:,} to what the simulator follows: handed to it, replaced by a later one | {reached:,}, {steered - reached:,} |"
+          f"\n| frames; that began more than 1/60 s late; the latest | {int(cost['frames']):,}; {cost['late']}; {ms['latest-ns']:.1f} ms |"
+          f"\n| plug-in's part of a frame: mean; longest; frames with more than 1/60 s of it | "
+          f"{ms['ns'] / int(cost['frames']):.3f} ms; {ms['max-ns']:.1f} ms; {cost['over']} |")
+
+
 @pytest.mark.slow
 @pytest.mark.parametrize("preset", ["linux", pytest.param("win32", marks=pytest.mark.wine)])
 def test_every_write_is_accounted_for(start, begin_process, request, tmp_path, preset):
     """Eight network clients, under Wine eight local ones as well, none of which ever pauses."""
-    build = request.getfixturevalue(preset)
+    build = First(request.getfixturevalue(preset).preset)
     standin = begin(start, build, tmp_path / "X-Plane", "--flight", "none")
     seconds = SECONDS or (60 if build.wine else 15)
     standin.ask("frames 30")
@@ -111,18 +139,36 @@ def test_every_write_is_accounted_for(start, begin_process, request, tmp_path, p
         rising = [value / factor for value in values]
         assert rising == sorted(rising) and len(set(rising)) > 10, (hex(offset), rising[:10])
         assert standin.number(FOLLOWS[offset]) == values[-1]
-    assert int(cost["frames"]) > 20 * seconds, cost
+    tell_figures(clients, counts, sum(len(values) for values in seen.values()), cost, time.monotonic() - started)
+    # Frames come at their time. What the processor's other users take of it makes some late without any client, too: the
+    # share and the latest have room for that. The plug-in's own part has none for waiting.
+    frames = int(cost["frames"])
+    assert frames > 50 * seconds and int(cost["late"]) < frames / 10 and int(cost["latest-ns"]) < 500e6, cost
+    assert int(cost["over"]) < frames / 100 and int(cost["max-ns"]) < 250e6, cost
     standin.quit()
 
 
+REPORTS = ("Sanitizer", "runtime error:", "standin: breach", "Assertion")
+STREAMS = ("/api/stream?names=heading,ias,altitude,lights&rate=50", "/api/changes?rate=50", "/api/stream?names=0x18000:u32&rate=20")
+READS = ("/api/status", "/api/values?names=heading,com1,0x0330:u16", "/api/offsets?query=radio", "/api", "/")
+
+
 class Trouble:
-    """What a pilot's whole computer does besides, until it is ended: browsers at the status page, clients of the tool,
-    the web cockpit's streams."""
+    """What a pilot's whole computer does besides, until it is ended: browsers at the status page, one of which takes
+    nothing, clients of the tool, and the web cockpit with its streams (one never read), readers and writers."""
 
     def __init__(self, build, environment):
-        self.build, self.environment, self.running, self.pages, self.reads = build, environment, True, 0, 0
+        self.build, self.environment, self.running = build, environment, True
+        self.counts = dict.fromkeys(("pages", "reads", "events", "answers", "writes"), 0)
         self.faults = []
-        self.threads = [threading.Thread(target=work) for work in (self.browse, self.browse, self.ask)]
+        self.cockpit = Cockpit(build)
+        self.silent = [socket.create_connection(("127.0.0.1", 4321)) for _ in range(2)]  # connected, and not a word
+        self.slow = socket.socket()
+        self.slow.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
+        self.slow.connect(("127.0.0.1", self.cockpit.port))
+        self.slow.sendall(b"GET /api/changes?rate=50 HTTP/1.1\r\nHost: 127.0.0.1:%d\r\n\r\n" % self.cockpit.port)
+        work = [self.browse, self.browse, self.ask, self.look, self.write, *(partial(self.follow, path) for path in STREAMS)]
+        self.threads = [threading.Thread(target=each) for each in work]
         for thread in self.threads:
             thread.start()
 
@@ -130,22 +176,58 @@ class Trouble:
         while self.running:
             try:
                 with urllib.request.urlopen("http://127.0.0.1:4321/", timeout=5) as answer:
-                    self.pages += b"TAVRIX" in answer.read()
-            except OSError:
+                    self.counts["pages"] += b"TAVRIX" in answer.read()
+            except (OSError, http.client.HTTPException):
                 time.sleep(0.05)  # disabled for the moment
 
     def ask(self):
         while self.running:
             result = subprocess.run(self.build.command("offsetctl", "read", "heading", "--net", "127.0.0.1", "--timeout", "3"),
                                     capture_output=True, text=True, timeout=DEADLINE, env=self.environment)
-            self.reads += result.returncode == 0
+            self.counts["reads"] += result.returncode == 0
             if result.returncode not in (0, 1):  # 1: all places are taken, or disabled for the moment
                 self.faults.append(result.stderr)
 
+    def follow(self, path):
+        """A stream of the web cockpit, opened anew after a while, as by a page that is loaded again."""
+        while self.running:
+            stream = Events(self.cockpit, path)
+            for _ in range(100):
+                try:
+                    self.counts["events"] += stream.take(deadline=0.2) is not None
+                except queue.Empty:
+                    pass  # no simulator for the moment
+                if not self.running:
+                    break
+            stream.close()
+
+    def look(self):
+        while self.running:
+            for target in READS:
+                status = self.cockpit.ask("GET", target)[0]
+                self.counts["answers"] += status == 200
+                if status not in (200, 503):  # 503: no simulator for the moment
+                    self.faults.append(f"{target}: {status}")
+
+    def write(self):
+        number = 0
+        while self.running:
+            number += 1
+            status, _, body = self.cockpit.ask("PUT", "/api/values", {"values": [{"name": "0x18900:u32", "value": number}], "wait": 0.2})
+            self.counts["writes"] += status == 200
+            if status not in (200, 503):
+                self.faults.append(f"PUT: {status} {body}")
+
     def end(self):
+        """Ends everything; each of its kinds has come through, and the web cockpit ends in good order."""
         self.running = False
         for thread in self.threads:
             thread.join(timeout=DEADLINE)
+        assert self.cockpit.end() < DEADLINE
+        for connection in (*self.silent, self.slow):
+            connection.close()
+        self.faults += [line for line in self.cockpit.errors if any(word in line for word in REPORTS)]
+        assert not self.faults and all(self.counts.values()), (self.faults[-60:], self.counts)
 
 
 ROUND = [  # what the pilot does; frames run by themselves
@@ -155,7 +237,6 @@ ROUND = [  # what the pilot does; frames run by themselves
     'close "Push Back Settings"', "aircraft jet", "planes 1", "axis 3 0.1"]
 BUTTONS = ("[JOYSTICK BUTTON SETTINGS]\n12 = 0BC8,2,32767,0,0,0,0,0,0,0,0,0\n"
            "[TAVRIX AXIS SETTINGS]\nAssign Throttle 1 Axis = 0,3\n")
-REPORTS = ("Sanitizer", "runtime error:", "standin: breach", "Assertion")
 
 
 @pytest.mark.slow
@@ -169,7 +250,8 @@ def test_sanitizers_find_nothing_in_flight(start, begin_process, tmp_path, monke
     (root / "Resources" / "plugins" / "TAVRIX" / "TAVRIXOffsets.cfg").write_text(
         (TOP / "docs" / "TAVRIXOffsets.example.cfg").read_text())
     standin = begin(start, build, root, more=BUTTONS)
-    network = begin_process([sys.executable, str(WRITERS), str(SECONDS or 12), "rounds"])
+    # Seven, and the web cockpit is the eighth network client.
+    network = begin_process([sys.executable, str(WRITERS), str(SECONDS or 12), "rounds", "7"])
     trouble = Trouble(build, dict(os.environ))
     rounds = 0
     while network.poll() is None and rounds < 1000 and not wait_readable(network):
@@ -180,5 +262,6 @@ def test_sanitizers_find_nothing_in_flight(start, begin_process, tmp_path, monke
     trouble.end()
     assert standin.quit(expect=None) < DEADLINE
     found = [line for line in standin.errors if any(word in line for word in REPORTS)]
-    assert not found and standin.process.returncode == 0 and not trouble.faults, (standin.errors[-60:], trouble.faults)
-    assert rounds >= 3 and trouble.pages > 0 and all(client["connections"] > 1 for client in clients), (rounds, clients)
+    assert not found and standin.process.returncode == 0, standin.errors[-60:]
+    assert rounds >= 3 and all(client["connections"] > 1 for client in clients), (rounds, clients)
+    print(rounds, trouble.counts)

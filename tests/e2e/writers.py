@@ -1,6 +1,6 @@
-"""Eight network clients that write as fast as the server takes it, for a while; a process of its own.
+"""Network clients, eight unless told, that write as fast as the server takes it, for a while; a process of its own.
 
-    writers.py SECONDS rounds|steady
+    writers.py SECONDS rounds|steady [CLIENTS]
 
 Each writes a number that counts up, to a place of its own and (as a share of a million) to an offset that the simulator
 follows, and waits now and then for the echo of its own. `steady` clients keep their connection; with `rounds` they
@@ -68,15 +68,15 @@ def run(index, end, comes_again, state):
     return None
 
 
-def main(seconds, comes_again):
-    states = [{"number": 0, "echoes": 0, "extra": 0, "connections": 0, "error": ""} for _ in range(8)]
-    clients = [None] * 8
+def main(seconds, comes_again, count):
+    states = [{"number": 0, "echoes": 0, "extra": 0, "connections": 0, "error": ""} for _ in range(count)]
+    clients = [None] * count
     end = time.monotonic() + seconds
 
     def begin(index):
         clients[index] = run(index, end, comes_again, states[index])
 
-    threads = [threading.Thread(target=begin, args=(index,)) for index in range(8)]
+    threads = [threading.Thread(target=begin, args=(index,)) for index in range(count)]
     for thread in threads:
         thread.start()
     for thread in threads:
@@ -91,4 +91,4 @@ def main(seconds, comes_again):
 
 
 if __name__ == "__main__":
-    main(float(sys.argv[1]), sys.argv[2] == "rounds")
+    main(float(sys.argv[1]), sys.argv[2] == "rounds", int(sys.argv[3]) if len(sys.argv) > 3 else 8)
