@@ -162,6 +162,12 @@ def counts(standin):
     return len(list((process / "task").iterdir())), len(list((process / "fd").iterdir())), sum(map(int, private))
 
 
+def things(standin):
+    """Menu items, number of flight loops, files."""
+    files = {str(path.relative_to(standin.root)) for path in standin.root.rglob("*")}
+    return standin.ask("menu"), standin.ask("loops").count("next="), files
+
+
 OFFSETS_FILE = (TOP / "docs" / "TAVRIXOffsets.example.cfg").read_text()
 
 
@@ -175,12 +181,15 @@ def test_a_hundred_rounds_leave_nothing(start, build, tmp_path, console):
     (folder / "TAVRIXOffsets.cfg").write_text(OFFSETS_FILE)
     standin = start(build, "--rate", "0", "--flight", "none", root=root)
     standin.ask('menu "Performance settings"')
-    seen = []
+    standin.ask("frames 3")
+    wait_for("the last of the files", lambda: (root / "httpLog.txt").exists())
+    seen, before = [], things(standin)
     for _ in range(100):
         for line in console:
             standin.ask(line)
         standin.ask("frames 3")  # the threads have started, and run
         seen.append(counts(standin))
+    assert things(standin) == before
     # Worker threads open and close their sockets while we look: what counts is that nothing adds up.
     for kind in range(2):
         values = [entry[kind] for entry in seen]
