@@ -197,6 +197,28 @@ def test_rules_for_what_a_client_sends(serve, build):
     standin.quit()
 
 
+@pytest.mark.parametrize("rate", [60, 15])
+def test_a_client_that_waits_has_every_value_handed_over(serve, linux, rate):
+    """The echo tells that the server has it, two steps of the frame counter that the simulator has it."""
+    standin = serve(linux, "--rate", str(rate), "--flight", "none")
+    standin.ask("frames 70")  # the write cycle begins a second after the start
+    client = Client().complete()
+    standin.ask("writes")
+
+    def counter():
+        return int.from_bytes(client.read(0x337E, 2), "little")
+
+    for number in range(1, 21):
+        wanted = bytes([number // 10 * 16 + number % 10, 0x18])
+        client.send(request(write_record(0x034E, wanted)))
+        client.until("the echo", lambda wanted=wanted: client.read(0x034E, 2) == wanted)
+        seen = counter()
+        client.until("two frames", lambda seen=seen: (counter() - seen) % 65536 >= 2)
+    assert standin.ask("writes").split("; ") == [f"sim/cockpit/radios/com1_freq_hz={11800 + n}" for n in range(1, 21)]
+    client.close()
+    standin.quit()
+
+
 def test_ninth_client_is_refused_until_a_place_is_free(serve, build, linux):
     standin = still(serve, build)
     clients = [Client().complete() for _ in range(8)]
