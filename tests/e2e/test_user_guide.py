@@ -114,7 +114,7 @@ def test_pictures_of_the_web_cockpit():
 
 
 # --- Text ----------------------------------------------------------------------------------------------------
-@pytest.mark.parametrize("page", ["user-guide.md", "web-cockpit.md"])
+@pytest.mark.parametrize("page", ["user-guide.md", "web-cockpit.md", "reliability.md"])
 def test_links_lead_somewhere(page):
     for target, anchor in re.findall(r"\]\(([\w./-]*)(?:#([\w-]+))?\)", (TOP / "docs" / page).read_text()):
         path = TOP / "docs" / (target or page)
