@@ -13,8 +13,9 @@ def those_of(name):
         return {name} if (TOP / "fuzz" / name).exists() else set()
     file = TOP / "tests" / ("e2e" if name.endswith(".py") else "unit") / name
     assert file.exists(), name
-    text = file.read_text()
-    return set(re.findall(r"^def (test_\w+)", text, re.M) if name.endswith(".py") else map(".".join, re.findall(UNIT, text, re.M)))
+    if name.endswith(".py"):
+        return set(re.findall(r"^def (test_\w+)", file.read_text(), re.M))
+    return {".".join(pair) for pair in re.findall(UNIT, file.read_text(), re.M)}
 
 
 def named_in(cell):

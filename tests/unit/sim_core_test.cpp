@@ -155,7 +155,7 @@ TEST_F(SimCore, CostOfPlugins) {
       EXPECT_GE(cost.longest, 2 * sleep);
       EXPECT_GE(cost.ns, cost.longest + sleep);
       EXPECT_GE(cost.over, 1) << "18 ms are more than 1/60 s";
-      EXPECT_LE(cost.over, 2);
+      EXPECT_LE(cost.over, 3) << "two frames had none of it";
     } else {
       EXPECT_EQ(cost.longest, cost.ns);
     }

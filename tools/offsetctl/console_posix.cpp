@@ -26,7 +26,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr double longestWait = 1e6;  // seconds; in milliseconds it fits an int
 
-volatile sig_atomic_t stopRequested;
+std::atomic<bool> stopRequested;  // set by a signal's handler, asked by any thread
+static_assert(std::atomic<bool>::is_always_lock_free, "or a handler may not touch it");
 volatile sig_atomic_t wasAway;
 bool keysWatched, outputWatched;
 std::atomic<bool> stopHeld;
@@ -35,7 +36,7 @@ int stopPipe[2] = {-1, -1};  // readable from the first signal on, so that none 
 
 void OnSignal(int) {
   const int saved = errno;
-  stopRequested = 1;
+  stopRequested = true;
   if (write(stopPipe[1], "", 1) < 0) {  // full: readable anyway
   }
   errno = saved;
@@ -102,7 +103,7 @@ void WatchOutput() { outputWatched = true; }
 
 void HoldStop(bool isHeld) { stopHeld = isHeld; }
 
-bool StopRequested() { return stopRequested != 0 && !stopHeld; }
+bool StopRequested() { return stopRequested && !stopHeld; }
 
 bool WaitForStop(double seconds) {
   if (!(seconds > 0)) return StopRequested();
@@ -120,8 +121,8 @@ bool WaitForStop(double seconds) {
                         {keysWatched ? STDIN_FILENO : -1, POLLIN, 0},
                         {outputWatched ? STDOUT_FILENO : -1, 0, 0}};
     poll(watched, std::size(watched), static_cast<int>(std::ceil(left * 1000)));
-    if (watched[1].revents != 0 && IsEndPressed()) stopRequested = 1;
-    if (watched[2].revents != 0) stopRequested = 1;
+    if (watched[1].revents != 0 && IsEndPressed()) stopRequested = true;
+    if (watched[2].revents != 0) stopRequested = true;
   }
   return StopRequested();
 }
