@@ -1,7 +1,6 @@
 // Fuzz target: one received buffer of a network client. Nothing outside the buffer is touched, every counted
 // request stands for a frame of its own, and only well-formed frames are taken.
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 
 #include "bridge/cycles.h"
@@ -9,12 +8,9 @@
 #include "net/frame.h"
 #include "net/server.h"
 #include "offsets/dispatcher.h"
+#include "require.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 RequestScratch scratch;
 
