@@ -5,6 +5,7 @@
 // finite, what the refresh stores is a number, and aircraft are where aircraft can be.
 #include <cmath>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "aircraft/adapters.h"
@@ -60,6 +61,8 @@ void SetUp() {
   (void)ready;
 }
 
+bool aircraftChanged;  // or add-ons, by the last input
+
 // As far as the last input can have changed anything.
 void Forget() {
   AbortPushback();
@@ -67,9 +70,11 @@ void Forget() {
   ReleaseHeldPresses();
   ReleaseOverrides();
   ForgetStations();
-  for (const char* addOn : addOns) sim::SimCommand(std::string("plugin ") + addOn + " off");
-  if (flying != 0) SelectAircraft(0);
-  ResetAdapters();
+  if (std::exchange(aircraftChanged, false)) {
+    for (const char* addOn : addOns) sim::SimCommand(std::string("plugin ") + addOn + " off");
+    if (flying != 0) SelectAircraft(0);
+    ResetAdapters();
+  }
   for (auto& [ref, before] : known) {
     ref->ints = before.ints;
     ref->floats = before.floats;
@@ -186,7 +191,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input = {data, size};
   bool clientsWrote = false;
   while (input.size > 0) {
-    switch (input.Byte()) {
+    const uint8_t step = input.Byte();
+    aircraftChanged |= step == 'A' || step == 'P';
+    switch (step) {
       case 'D':
         SetNumber(&input);
         break;

@@ -88,6 +88,17 @@ void CheckButtons() {
   Require(std::equal(std::begin(all), std::end(all), std::begin(again)));
 }
 
+// A tow with these settings moves the simulator by numbers.
+void CheckPushback() {
+  LoadPushbackSettings();
+  CommandPushback(1);
+  for (int frame = 0; frame < 3; ++frame) PushbackStep();
+  AbortPushback();
+  for (const char* name : {"sim/flightmodel/position/local_vx", "sim/flightmodel/position/local_vz"}) {
+    Require(std::isfinite(sim::FindLive(name)->floats.at(0)));
+  }
+}
+
 bool IsSame(const Settings& a, const Settings& b) {
   const auto isSameDetent = [](const FlapDetent& one, const FlapDetent& other) {
     return one.count == other.count && std::memcmp(one.values, other.values, sizeof one.values) == 0;
@@ -107,6 +118,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const std::string path = [] {
     StartSimulator();
     StartParts();
+    sim::FindLive("sim/flightmodel/controls/parkbrake")->floats.at(0) = 0;
+    InitPushback();
     std::string made = ScratchFolder() + "TAVRIX.ini";
     SetSettingsPath(made.c_str());
     return made;
@@ -117,6 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Settings first = settings;
   CheckAxes();
   CheckButtons();
+  CheckPushback();
   PreparePermissions(settings.allowedClients, settings.networkWrites);
   Require(!AllowedClientsText().empty() && (IsClientAllowed(0x7F000001) || !settings.allowedClients.empty()));
   Require(ReadAllSettings() && IsSame(first, settings));

@@ -113,6 +113,8 @@ TEST(OffsetctlMapping, FindsAPlaceThatTheCheckLikes) {
       {"", {"sim/a/b[3]", "float", ""}, 0, false},
       {"", {"psi", "float", ""}, 0, false},
       {"", {"sim/a b", "float", ""}, 0, false},
+      {"", {"sim/a\x1b[31m/b", "float", ""}, 0, false},
+      {"", {std::string("sim/a\0b", 7), "float", ""}, 0, false},
       {"Offset 66C3 UINT8 1 r 1", {"sim/a/b", "float", "66C0"}, 0, false},
   };
   for (const auto& row : cases) {

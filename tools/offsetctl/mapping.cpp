@@ -95,8 +95,11 @@ std::string Objection(const OwnFile& file, const NameTable& names, uint32_t offs
 }
 
 bool CheckDataref(const std::string& dataref, const KindLine& kind, std::string* error) {
-  const bool isOneWord = dataref.find_first_of(" \t\r\n") == std::string::npos && !dataref.starts_with('#') &&
-                         !dataref.ends_with('_') && dataref.size() <= maxCustomTokenLength;
+  // No control characters either: a terminal would obey them, and a NUL ends the file's line.
+  const bool isOneWord = std::none_of(dataref.begin(), dataref.end(),
+                                      [](unsigned char byte) { return byte <= ' ' || byte == 0x7F; }) &&
+                         !dataref.starts_with('#') && !dataref.ends_with('_') &&
+                         dataref.size() <= maxCustomTokenLength;
   if (!isOneWord || dataref.find('/') == std::string::npos) {
     return Fail(Quote(dataref) + " is no dataref: they look like sim/flightmodel/position/psi", error);
   }
