@@ -13,6 +13,7 @@
 #include "bridge/slew.h"
 #include "bridge/sources.h"
 #include "bridge/stations.h"
+#include "custom/custom.h"
 #include "offsets/request_walk.h"
 #include "plugin_parts.h"
 #include "shell/frame_callbacks.h"
@@ -26,6 +27,15 @@ constexpr const char* addOns[] = {"vatsim.protodev.clients.xsquawkbox", "com.pil
                                   "bs.x737.plugin"};
 constexpr double numbers[] = {NAN,  INFINITY, -INFINITY, 0,   -1,   1,    0.5,  1e9,   -1e9,
                               1e30, -1e30,    3e9,       360, -180, 1e-9, 4095, 65536, 1e300};
+constexpr char customOffsets[] =
+    "Dataref height sim/flightmodel/position/elevation double\n"
+    "Dataref throttle sim/flightmodel/engine/ENGN_thro[1] floatarray\n"
+    "Dataref squawk sim/cockpit/radios/transponder_code int\n"
+    "Offset 66C0 FLOAT64 1 rw $height 3.28084 * >height @ 3.28084 /\n"
+    "Offset 66C8 SINT16 1 rw $throttle 16383 * round >throttle @ 16383 /\n"
+    "Offset 66CA UINT32 1 rw $squawk $height + >squawk @\n"
+    "Offset 66D0 FLOAT32 1 r $height $throttle / $squawk ^\n"
+    "Command 66D4 UINT8 1 0 sim/autopilot/heading\n";
 using Callback = float (*)(float, float, int, void*);
 constexpr Callback cycles[] = {
     RefreshCycle1,  RefreshCycle3,  RefreshCycle7,   RefreshCycle13, RefreshCycle31Navigation,
@@ -49,6 +59,10 @@ void SetUp() {
     StartSimulator();
     SetSettingsPath("");
     StartParts();
+    ConnectCustomOffsets();
+    WriteWhole(ScratchFolder() + "Resources/plugins/TAVRIX/TAVRIXOffsets.cfg", customOffsets);
+    LoadCustomOffsets();
+    Require(SummariseCustomOffsets().offsets == 4 && SummariseCustomOffsets().commands == 1);
     for (DataRef* ref = firstDataRef; ref != nullptr; ref = ref->next) {
       auto* handle = static_cast<sim::DataRef*>(ref->handle);
       if (handle != nullptr) known.emplace_back(handle, *handle);
@@ -140,11 +154,12 @@ void SetText(Input* input) {
     ref->bytes[i] = static_cast<uint8_t>(i < text.size() ? text[i] : 'x');
 }
 
-// To a row by its number, or anywhere.
 void WriteAsClient(Input* input) {
   const size_t place = input->Word();
-  const uint32_t offset = place < 0x8000 ? rows[place % rows.size()]->offset
-                                         : static_cast<uint32_t>((place & 0x7FFF) * 4 % offsetMemorySize);
+  const bool isCustom = place >= 0x7F00 && place < 0x8000;
+  const uint32_t offset = isCustom         ? 0x66C0 + (place - 0x7F00) % 0x18
+                          : place < 0x8000 ? rows[place % rows.size()]->offset
+                                           : static_cast<uint32_t>((place & 0x7FFF) * 4 % offsetMemorySize);
   const std::string_view bytes = input->Bytes(input->Byte());
   const auto count = static_cast<uint32_t>(std::min<size_t>(bytes.size(), offsetMemorySize - offset));
   std::vector<uint8_t> list(writeHeaderSize + count + 4);

@@ -41,7 +41,7 @@ case $seconds in
     fuzz_one "$2_fuzz"
     exit ;;
   --merge)
-    exec "$build/bin/$2_fuzz" -merge=1 -verbosity=0 -max_len=4096 "fuzz/corpus/$2" "$build/corpus/$2_fuzz" ;;
+    exec "$build/bin/$2_fuzz" -merge=1 -verbosity=0 "fuzz/corpus/$2" "$build/corpus/$2_fuzz" ;;
 esac
 status=0 running=()
 for source in "${sources[@]}"; do
