@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Replays the corpora in the tree in a build that counts, and shows how much of the files that each target is about they
-# reach, as rows of the table in docs/fuzzing.md. What a row lists beyond that: build/fuzz-coverage/NAME.txt.
+# reach, as rows of the table in docs/fuzzing.md. The lines one by one: build/fuzz-coverage/NAME.txt.
 #   fuzz/coverage.sh [NAME ...]
 cd "$(dirname "$0")/.." || exit 1
 build=build/fuzz-coverage
@@ -40,9 +40,12 @@ for name in "${names[@]}"; do
   profile=$build/$name.profile program=$build/bin/${name}_fuzz
   TMPDIR=$build/tmp LLVM_PROFILE_FILE=$profile.raw "$program" -runs=0 "fuzz/corpus/$name" >"$build/$name.log" 2>&1 &&
     llvm-profdata merge -o "$profile" "$profile.raw" &&
-    # The path is the source's own: the build names it from its folder.
-    llvm-cov show "$program" -instr-profile="$profile" ${files[$name]} >"$build/$name.txt" &&
-    llvm-cov report "$program" -instr-profile="$profile" ${files[$name]} >"$build/$name.report" || exit 1
-  awk -v name="$name" -v inputs="$(find "fuzz/corpus/$name" -type f | wc -l)" -v files="$(echo ${files[$name]})" \
-    '/^TOTAL/ { printf "| %s | %s | %d | %d of %d (%s) | %s |\n", name, files, inputs, $8 - $9, $8, $10, $4 }' "$build/$name.report"
+    llvm-cov show "$program" -instr-profile="$profile" >"$build/$name.txt" &&
+    llvm-cov report "$program" -instr-profile="$profile" >"$build/$name.report" || exit 1
+  # Of the report's files those that are asked for, folders with all that is in them.
+  awk -v name="$name" -v inputs="$(find "fuzz/corpus/$name" -type f | wc -l)" -v files="$(echo ${files[$name]})" '
+    BEGIN { count = split(files, wanted) }
+    { for (i = 1; i <= count; i++) if ($1 ~ "(^|/)" wanted[i]) { regions += $2; noRegions += $3; lines += $8; noLines += $9 } }
+    END { printf "| %s | %s | %d | %d of %d, %d %% | %d %% |\n", name, files, inputs, lines - noLines, lines,
+          100 * (lines - noLines) / lines, 100 * (regions - noRegions) / regions }' "$build/$name.report"
 done

@@ -3,7 +3,7 @@
 # corpus, then new ones, which are kept in the build folder only. With --target one alone, for so much CPU time; with
 # --merge those of its kept inputs that reach what the corpus does not are put into the corpus. Exit status 1 when one
 # finds a fault.
-#   fuzz/run.sh [N | --build | --target NAME SECONDS | --merge NAME]
+#   fuzz/run.sh [N | --build | --target NAME CPU_SECONDS | --merge NAME]
 cd "$(dirname "$0")/.." || exit 1
 seconds=${1:-10}
 command -v clang++ >/dev/null || { echo "clang++ is not installed: fuzz targets are not run"; exit 0; }
@@ -24,28 +24,33 @@ fi
 export TMPDIR=$PWD/$build/tmp
 mkdir -p "$TMPDIR"
 
-fuzz_one() {  # fuzz_one NAME OPTION...: says so when it finds a fault
-  local name=$1 short=${1%_fuzz} dictionary=()
+fuzz_one() {  # fuzz_one NAME SECONDS [CPU_SECONDS]: says so when it finds a fault
+  local name=$1 short=${1%_fuzz} dictionary=() program used
   [ -e "fuzz/$short.dict" ] && dictionary=("-dict=fuzz/$short.dict")
   mkdir -p "$build/corpus/$name"
-  "$build/bin/$name" "${@:2}" "${dictionary[@]}" -timeout=25 -rss_limit_mb=2048 -artifact_prefix="$build/" \
-    -verbosity=0 "$build/corpus/$name" "fuzz/corpus/$short" >"$build/$name.log" 2>&1 && return
-  [ $? = 152 ] && return  # its CPU time is over
+  "$build/bin/$name" -max_total_time="$2" "${dictionary[@]}" -timeout=25 -rss_limit_mb=2048 -artifact_prefix="$build/" \
+    -verbosity=0 "$build/corpus/$name" "fuzz/corpus/$short" >"$build/$name.log" 2>&1 &
+  program=$!
+  while [ -n "${3:-}" ] && used=$(ps -o cputimes= -p "$program"); do
+    [ "$used" -ge "$3" ] && kill "$program"
+    sleep 1
+  done
+  wait "$program"
+  case $? in 0 | 72) return 0 ;; esac  # 72: its CPU time is over
   echo "$name found a fault:"
   tail -n 30 "$build/$name.log"
   return 1
 }
 case $seconds in
   --target)
-    ulimit -S -t "$3"
-    fuzz_one "$2_fuzz"
+    fuzz_one "$2_fuzz" 0 "$3"
     exit ;;
   --merge)
-    exec "$build/bin/$2_fuzz" -merge=1 -verbosity=0 "fuzz/corpus/$2" "$build/corpus/$2_fuzz" ;;
+    exec "$build/bin/$2_fuzz" -merge=1 "fuzz/corpus/$2" "$build/corpus/$2_fuzz" ;;
 esac
 status=0 running=()
 for source in "${sources[@]}"; do
-  fuzz_one "$(basename "$source" .cpp)" -max_total_time="$seconds" &
+  fuzz_one "$(basename "$source" .cpp)" "$seconds" &
   running+=($!)
   [ "${#running[@]}" -lt 2 ] && continue
   wait "${running[0]}" || status=1
