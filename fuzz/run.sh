@@ -21,8 +21,10 @@ if ! { cmake -S . -B "$build" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMP
 fi
 [ "$seconds" = --build ] && exit 0
 
-export TMPDIR=$PWD/$build/tmp
-mkdir -p "$TMPDIR"
+# Targets that write files do so in memory where they can: the settings file waits for the disk.
+TMPDIR=$(mktemp -d /dev/shm/tavrix_fuzz.XXXXXX 2>/dev/null || mktemp -d)
+export TMPDIR
+trap 'rm -rf "$TMPDIR"' EXIT
 
 fuzz_one() {  # fuzz_one NAME SECONDS [CPU_SECONDS]: says so when it finds a fault
   local name=$1 short=${1%_fuzz} dictionary=() program used
@@ -46,7 +48,8 @@ case $seconds in
     fuzz_one "$2_fuzz" 0 "$3"
     exit ;;
   --merge)
-    exec "$build/bin/$2_fuzz" -merge=1 "fuzz/corpus/$2" "$build/corpus/$2_fuzz" ;;
+    "$build/bin/$2_fuzz" -merge=1 "fuzz/corpus/$2" "$build/corpus/$2_fuzz"
+    exit ;;
 esac
 status=0 running=()
 for source in "${sources[@]}"; do
