@@ -95,7 +95,7 @@ TEST(OffsetctlMapping, FindsAPlaceThatTheCheckLikes) {
        {"sim/a/b", "double", ""},
        0x66C8,
        false},
-      {"Dataref x sim/c int___", {"sim/a/b", "double", ""}, 0x66C0, false},
+      {"# ______", {"sim/a/b", "double", ""}, 0x66C0, false},
       {"Command 66C0 UINT8 1 1 sim/x", {"sim/a/b[3]", "data", ""}, 0x66C1, false},
       {"", {"sim/a/b[3]", "intarray", "0x66FC"}, 0x66FC, false},
       {"", {"sim/a/b", "float", "FFFD"}, 0, false},
