@@ -95,6 +95,8 @@ std::string Loops(const Line&) { return Ok(DescribeLoops()); }
 
 std::string Perf(const Line&) { return Ok(TakePerf()); }
 
+std::string Late(const Line&) { return Ok(TakeLate()); }
+
 std::string Stall(const Line& line) {
   double seconds = 0;
   if (!ParseDouble(line.words[1], &seconds) || !(seconds >= 0 && seconds <= 3600)) {
@@ -349,7 +351,10 @@ constexpr CommandRow commandRows[] = {
     {.name = "loops", .run = Loops, .about = "registered flight loops"},
     {.name = "perf",
      .run = Perf,
-     .about = "since the last perf: time in flight loops, simulator calls, frames that were late"},
+     .about = "what plug-ins cost since the last perf: time in flight loops, simulator calls"},
+    {.name = "late",
+     .run = Late,
+     .about = "frames since the last late: filled by plug-ins, begun late, and the latest"},
     {.name = "stall",
      .usage = "SECONDS",
      .least = 1,

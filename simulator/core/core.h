@@ -145,13 +145,15 @@ std::string DescribeLoops();
 void CountFrame();
 // The start of a frame of real time, so many seconds after it was due.
 void CountLateness(double seconds);
-// What plug-ins cost since the last call of this or the start, and how punctual the frames were: "frames N
-// callbacks N calls N ns N max-ns N over N late N latest-ns N". Callbacks are flight loops that ran, ns the
-// time in them, max-ns that of the frame with most of it, over the frames with more of it than a frame's
-// period (that of the rate, 1/60 s at rate 0); calls are those of XPLM functions from anywhere in a plug-
-// in. Late are frames of real time that began more than a period after they were due, latest-ns is the
-// most; whatever took the time, the processor's other users included.
+// What plug-ins cost since the last call of this or the start: "frames N callbacks N calls N ns N max-ns N".
+// Callbacks are flight loops that ran, ns the time in them, max-ns that of the frame with most of it; calls
+// are those of XPLM functions from anywhere in a plug-in.
 std::string TakePerf();
+// How punctual frames were since the last call of this or the start: "frames N over N late N latest-ns N". Over
+// are frames with more time in flight loops than a frame's period (that of the rate, 1/60 s at rate 0); late are
+// frames of real time that began more than a period after they were due, latest-ns is the most: whatever took
+// the time, the processor's other users included.
+std::string TakeLate();
 
 // --- Faults on order -----------------------------------------------------------------------------------
 // Tells a plug-in that is built for it whom to ask before it creates something of the system's.

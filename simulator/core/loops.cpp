@@ -51,10 +51,15 @@ struct Perf {
   uint64_t frames, callbacks;
   PerfClock::duration time, frameTime, longestFrame;  // frameTime is that of the frame that runs
   uint64_t callsBefore;                               // callsMade when it began
-  uint64_t over, late;
-  double latest;  // seconds
 };
 Perf perf;
+
+// Since the last TakeLate.
+struct Late {
+  uint64_t frames, over, late;
+  double latest;  // seconds
+};
+Late late;
 
 // Seconds from a frame to the next one.
 double Period() { return 1 / (running.rate > 0 ? running.rate : 60); }
@@ -140,30 +145,38 @@ void CountFrame() {
   ++perf.frames;
   perf.time += perf.frameTime;
   perf.longestFrame = std::max(perf.longestFrame, perf.frameTime);
-  perf.over += std::chrono::duration<double>(perf.frameTime).count() > Period();
+  ++late.frames;
+  late.over += std::chrono::duration<double>(perf.frameTime).count() > Period();
   perf.frameTime = {};
 }
 
 void CountLateness(double seconds) {
-  perf.late += seconds > Period();
-  perf.latest = std::max(perf.latest, seconds);
+  late.late += seconds > Period();
+  late.latest = std::max(late.latest, seconds);
 }
 
 std::string TakePerf() {
   std::string text = "frames " + FormatInt(static_cast<int64_t>(perf.frames)) + " callbacks " +
                      FormatInt(static_cast<int64_t>(perf.callbacks)) + " calls " +
                      FormatInt(static_cast<int64_t>(callsMade - perf.callsBefore)) + " ns " +
-                     Nanoseconds(perf.time) + " max-ns " + Nanoseconds(perf.longestFrame) + " over " +
-                     FormatInt(static_cast<int64_t>(perf.over)) + " late " +
-                     FormatInt(static_cast<int64_t>(perf.late)) + " latest-ns " +
-                     FormatInt(static_cast<int64_t>(perf.latest * 1e9));
+                     Nanoseconds(perf.time) + " max-ns " + Nanoseconds(perf.longestFrame);
   ResetPerf();
+  return text;
+}
+
+std::string TakeLate() {
+  std::string text = "frames " + FormatInt(static_cast<int64_t>(late.frames)) + " over " +
+                     FormatInt(static_cast<int64_t>(late.over)) + " late " +
+                     FormatInt(static_cast<int64_t>(late.late)) + " latest-ns " +
+                     FormatInt(static_cast<int64_t>(late.latest * 1e9));
+  late = {};
   return text;
 }
 
 void ResetLoops() {
   loops.clear();
   ResetPerf();
+  late = {};
   elapsed = 0;
   cycle = 0;
   std::lock_guard<std::mutex> lock(requestLock);

@@ -65,7 +65,7 @@ def served(standin):
 
 
 def perf(standin):
-    return {name: int(value) for name, value in zip(*[iter(standin.ask("perf").split())] * 2)}
+    return {name: int(value) for name, value in zip(*[iter(f"{standin.ask('perf')} {standin.ask('late')}".split())] * 2)}
 
 
 def free_place():
@@ -109,12 +109,12 @@ def test_every_write_is_accounted_for(start, begin_process, request, tmp_path, p
     standin = begin(start, build, tmp_path / "X-Plane", "--flight", "none")
     seconds = SECONDS or (60 if build.wine else 15)
     standin.ask("frames 30")
-    standin.ask("perf")
+    perf(standin)
     standin.ask(f"frames {int(SECONDS * 6)}")  # of a long flight: what the machine itself is like
     alone = perf(standin)
     standin.ask("writes")
     before = served(standin)
-    standin.ask("perf")
+    perf(standin)
     started = time.monotonic()
     local = [begin_process(build.command("steady_writer_win32", hex(LOCAL_PLACE + 0x100 * i), seconds)) for i in range(8)] \
         if build.wine else []
@@ -154,11 +154,13 @@ def test_every_write_is_accounted_for(start, begin_process, request, tmp_path, p
         assert rising == sorted(rising) and len(set(rising)) > 10, (hex(offset), rising[:10])
         assert standin.number(FOLLOWS[offset]) == values[-1]
     tell_figures(clients, counts, sum(len(values) for values in seen.values()), alone, cost, time.monotonic() - started)
-    # Frames come at their time. What the processor's other users take of it makes some late without any client, too: the
-    # share and the latest have room for that. The plug-in's own part has none for waiting.
+    # The plug-in's own part of a frame has no room for waiting. When frames come is also the processor's other users'
+    # doing, without any client: in a long flight, which has the computer for itself, few are late.
     frames = cost["frames"]
-    assert frames > 50 * seconds and cost["late"] < frames / 10 and cost["latest-ns"] < 500e6, cost
-    assert cost["over"] < frames / 100 and cost["max-ns"] < 250e6, cost
+    assert cost["over"] < frames / 100 and cost["ns"] < frames * 1e6, cost
+    assert frames > 20 * seconds, cost
+    if SECONDS:
+        assert frames > 55 * seconds and cost["late"] < frames / 10 and cost["latest-ns"] < 500e6, cost
     standin.quit()
 
 
