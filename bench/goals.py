@@ -37,8 +37,8 @@ GOALS = [
          f"{BUSY} Nearly all of both is Wine waking another process, and takes as long as the processor is wanted elsewhere."),
     Goal("drops.share", "readers' dropped refreshes, 8 network clients and a busy local one", 0.005, "below 0.005 %",
          "{drops.share:.4f} % ({drops.dropped:,.0f} of {drops.total:,.0f}; 95 % interval {drops.low:.4f} to {drops.high:.4f} %{drops.reach})",
-         f"{BUSY} A thread that holds the lock and loses the processor makes drops, and on a full computer that happens. "
-         "Drops are rare: the interval tells how much of the figure is chance.", below=True),
+         f"{BUSY} A thread that loses the processor while it holds the lock costs a whole frame's refreshes, about six, and on a "
+         "computer with too few free cores that happens. The interval tells how much of the figure is chance.", below=True),
     Goal("trouble.silent.disable", "disable while 8 clients hammer and no name server answers", 1.6,
          "at most 1 s beyond 0.6 s of stated sleeps", "{trouble.silent.disable:.2f} s, the longest of {trouble.silent.rounds:.0f}", BUSY),
     Goal("idle.linux", "idle: all worker threads together", 1, "below 1 % of a core", "{idle.linux:.2f} %", BUSY, below=True),

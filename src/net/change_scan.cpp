@@ -1,8 +1,8 @@
 // A byte-by-byte walk with a lock round trip for each byte costs milliseconds, and nearly all bytes are
 // unchanged nearly always. So stretches of 64 bytes are compared as a whole, as many of them under one round
 // trip as differ in nothing (up to 4 KiB, a fraction of a microsecond). One with a difference is copied in the
-// same round trip and walked without the lock: whoever loses the processor while he holds it costs the simulator's
-// thread a frame's values, so it is held seldom and shortly.
+// same round trip and walked without the lock: whoever loses the processor while he holds it costs the
+// simulator's thread a frame's values, so it is held seldom and shortly.
 #include "net/change_scan.h"
 
 #include <cstring>
