@@ -4,7 +4,7 @@ them for docs/performance.md; by itself this program only has what takes long:
 
     bench/network_figures.py --connects 10000
 
-lets clients come and go, one after the other (10,000 take about 25 minutes), and compares memory, threads and files before
+lets clients come and go, one after the other (10,000 take about twenty minutes), and compares memory, threads and files before
 and after."""
 import argparse
 import os
@@ -254,7 +254,7 @@ def measure_connects(standin, count):
 
 
 def measure(seconds, samples, connects):
-    """All figures of the Linux build."""
+    """All figures of the Linux build: so long for each, so many writes and clients."""
     figures = {}
     with tempfile.TemporaryDirectory() as folder:
         standin = begin(Build("linux"), Path(folder) / "flying")

@@ -90,7 +90,7 @@ def measure(options):
     load, foreign = os.getloadavg()[0], foreign_load(3)
     run["load"] = f"{load:.2f} as the system counts it; others kept {foreign:.2f} cores busy before the first measurement"
     step("benchmark programs, both in turn", native_figures.measure, options.runs, first_form)
-    step("network", network_figures.measure, 6 if quick else 20, 60 if quick else 300, 10 if quick else 100)
+    step("network", network_figures.measure, *((6, 60, 10) if quick else (15, 200, 50)))
     if os.geteuid() == 0:
         step("disable with silent name server", trouble_figures.measure_silent, 1 if quick else 3)
         step("disable with a link that stands still", trouble_figures.measure_stall)
@@ -98,14 +98,14 @@ def measure(options):
         missing["trouble."] = "networks and mounts of one's own need root"
     step("disable with 96 aircraft", trouble_figures.measure_slots, "linux")
     if (TOP / "build/linux/bin/offsetctl").exists() and "serve" in output("build/linux/bin/offsetctl", "help"):
-        step("web cockpit", cockpit_streams.measure, 4 if quick else 10)
+        step("web cockpit", cockpit_streams.measure, 3 if quick else 6)
     else:
         missing["cockpit."] = "offsetctl is built without `serve`"
     if options.no_wine:
         missing |= dict.fromkeys(("wine.", "drops.", "idle.wine", "slots.disable.win32"), options.no_wine)
     else:
         import wine_figures
-        step("Windows build under Wine", wine_figures.measure, min(options.runs, 3), 500 if quick else 1500, 15 if quick else 120, 6 if quick else 20)
+        step("Windows build under Wine", wine_figures.measure, min(options.runs, 3), *((500, 15, 6) if quick else (1000, 120, 15)))
     run["load"] += f", {foreign_load(3):.2f} after the last"
     run["minutes"] = f"{(time.monotonic() - started) / 60:.1f}"
     rounded = {key: float(f"{value:.6g}") if isinstance(value, float) else value for key, value in figures.items()}

@@ -48,7 +48,7 @@ def measure_drops(build, standin, seconds):
     return {**figures, "drops.local": int(told.split()[0]) / lifetime}
 
 
-def measure(runs, requests, seconds, idle_seconds):
+def measure(runs, requests, drop_seconds, idle_seconds):
     build = Build("win32")
     figures = measure_scan(build, runs)
     with tempfile.TemporaryDirectory() as folder:
@@ -56,7 +56,7 @@ def measure(runs, requests, seconds, idle_seconds):
         try:
             figures["idle.wine"] = measure_idle(standin, idle_seconds)
             figures |= measure_requests(build, runs, requests)
-            figures |= measure_drops(build, standin, seconds)
+            figures |= measure_drops(build, standin, drop_seconds)
         finally:
             standin.quit(expect=None)
     return {**figures, **measure_slots("win32")}
