@@ -68,7 +68,8 @@ def share_figures(key, dropped, total, limit=None):
     figures = {f"{key}.dropped": dropped, f"{key}.total": total, f"{key}.share": 100 * dropped / total,
                f"{key}.low": 100 * low, f"{key}.high": 100 * high}
     if limit is not None:
-        figures[f"{key}.reach"] = ", all below the goal" if 100 * high < limit else ", which reaches beyond the goal"
+        figures[f"{key}.reach"] = (", all below the goal" if 100 * high < limit else
+                                   ", all beyond the goal" if 100 * low >= limit else ", which reaches beyond the goal")
     return figures
 
 
@@ -123,7 +124,10 @@ def verdict(run):
     """The goals that were missed, each with what to think of; and what was not measured."""
     rows = judge(run)
     missed = [f"- Missed: {goal.title}, {measured}; the goal is {goal.goal}. {goal.missed}" for goal, measured, met in rows if met == "no"]
-    absent = [f"- Not measured: `{start}...`: {why}." for start, why in sorted(run["missing"].items())]
+    reasons = {}
+    for start, why in run["missing"].items():
+        reasons.setdefault(why, []).append(f"`{start}`")
+    absent = [f"- Not measured, as {why}: the figures {', '.join(starts)}." for why, starts in reasons.items()]
     met = sum(met == "yes" for _, _, met in rows)
     return "\n".join([f"{met} of {len(rows)} goals are met in this run.", *([""] if missed or absent else []), *missed, *absent])
 

@@ -28,8 +28,8 @@ def cached(name, build=TOP / "build/linux"):
 def build_first_form():
     """(its benchmark program, None), or (None, why there is none); by the compiler and with the flags of the present build.
     Raises when it is there and does not build."""
-    known = subprocess.run(["git", "-C", TOP, "cat-file", "-e", FIRST_FORM + "^{commit}"], capture_output=True)
-    if known.returncode != 0:
+    wanted = ["git", "-C", TOP, "cat-file", "-e", FIRST_FORM + "^{commit}"]
+    if shutil.which("git") is None or subprocess.run(wanted, capture_output=True).returncode != 0:
         return None, f"the first complete form is commit {FIRST_FORM} of the repository's history, which is not here"
     folder = TOP / "build" / f"reference-{FIRST_FORM}"
     build, program = folder / "build", folder / "build/bin/bench"

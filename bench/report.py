@@ -100,12 +100,12 @@ def measure(options):
     if (TOP / "build/linux/bin/offsetctl").exists() and "serve" in output("build/linux/bin/offsetctl", "help"):
         step("web cockpit", cockpit_streams.measure, 3 if quick else 6)
     else:
-        missing["cockpit."] = "offsetctl is built without `serve`"
+        missing["cockpit."] = "offsetctl was built without `serve`"
     if options.no_wine:
         missing |= dict.fromkeys(("wine.", "drops.", "idle.wine", "slots.disable.win32"), options.no_wine)
     else:
         import wine_figures
-        step("Windows build under Wine", wine_figures.measure, min(options.runs, 3), *((500, 15, 6) if quick else (1000, 120, 15)))
+        step("Windows build under Wine", wine_figures.measure, min(options.runs, 3), *((500, 15, 6) if quick else (1000, 200, 15)))
     run["load"] += f", {foreign_load(3):.2f} after the last"
     run["minutes"] = f"{(time.monotonic() - started) / 60:.1f}"
     rounded = {key: float(f"{value:.6g}") if isinstance(value, float) else value for key, value in figures.items()}

@@ -25,9 +25,9 @@ echo "Building (Linux) ..."
 build_preset linux bench tavrix standin offsetctl || exit 1
 no_wine=""
 if ! command -v wine >/dev/null || ! command -v Xvfb >/dev/null; then
-  no_wine="no Wine here"
+  no_wine="there is no Wine here"
 elif ! command -v i686-w64-mingw32-g++-posix >/dev/null; then
-  no_wine="no compiler for Windows here"
+  no_wine="there is no compiler for Windows here"
 else
   echo "Building (Windows, 32 bits) ..."
   build_preset win32 tavrix standin request_latency_win32 scan_win32 steady_writer_win32 || exit 1

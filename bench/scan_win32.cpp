@@ -1,5 +1,5 @@
-// The change scan with nothing changed against one comparison of the whole area, for the Windows builds, which have no
-// benchmark library; bench/net_bench.cpp is the native one. Prints the medians of both.
+// The change scan with nothing changed against one comparison of the whole area, for the Windows builds, which
+// have no benchmark library; bench/net_bench.cpp is the native one. Prints the medians of both.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
