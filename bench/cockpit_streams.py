@@ -1,10 +1,9 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """What the web cockpit costs with many browsers: the share of one core that `offsetctl serve` takes for 50 streams at
-20 events a second, every value of which changes 60 times a second.
+20 events a second, every value of which changes 60 times a second. bench/report.py takes these for docs/performance.md; in a
+network of its own, or with port 65000 free:
 
-  bench/cockpit_streams.py [STREAMS] [SECONDS]   in a network of its own, or with port 65000 free; needs build/linux
-
-Prints a line for each number of names; the figures of one run compare with each other, not with another machine's."""
+  bench/cockpit_streams.py [SECONDS]"""
 import json
 import os
 import selectors
@@ -20,8 +19,7 @@ from cockpit import Cockpit  # noqa: E402
 from conftest import Build, wait_for  # noqa: E402
 from network import BLOCK, ScriptedServer, block_frame, change_frame  # noqa: E402
 
-STREAMS = int(sys.argv[1]) if len(sys.argv) > 1 else 50
-SECONDS = float(sys.argv[2]) if len(sys.argv) > 2 else 10
+STREAMS = 50
 
 
 def cpu(process):
@@ -30,7 +28,7 @@ def cpu(process):
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
-def measure(cockpit, names):
+def measure_streams(cockpit, names, seconds):
     """(share of one core, events a second of one stream, bytes a second of all) with these names."""
     streams, selector = [], selectors.DefaultSelector()
     for _ in range(STREAMS if names else 0):
@@ -43,7 +41,7 @@ def measure(cockpit, names):
     time.sleep(1)
     events = size = 0
     before, began = cpu(cockpit.process), time.monotonic()
-    while time.monotonic() < began + SECONDS:
+    while time.monotonic() < began + seconds:
         for key, _ in selector.select(0.1):
             part = key.fileobj.recv(1 << 18)
             events += part.count(b"event: values")
@@ -56,7 +54,7 @@ def measure(cockpit, names):
     return used / took, events / took / max(len(streams), 1), size / took
 
 
-def main():
+def measure(seconds):
     rows = [row for row in json.loads((TOP / "docs" / "offsets.json").read_text())["offsets"]
             if row["type"] in ("u8", "s8", "u16", "s16", "u32", "s32", "f32", "f64")]
     free = [f"0x{0x10000 + 4 * i:X}:s32" for i in range(500 - len(rows) if len(rows) < 500 else 0)]
@@ -79,14 +77,17 @@ def main():
     sender = threading.Thread(target=change, daemon=True)
     sender.start()
     names = [row["name"] for row in rows] + free
+    figures = {}
     for count in (0, 75, 500):
-        share, rate, size = measure(cockpit, names[:count])
-        print(f"{STREAMS if count else 0:3} streams of {count:3} names: {share * 100:5.1f} % of a core, "
-              f"{rate:4.1f} events a second each, {size / 1e6:6.1f} MB a second", flush=True)
+        share, rate, size = measure_streams(cockpit, names[:count], seconds)
+        figures |= {f"cockpit.{count}.share": 100 * share, f"cockpit.{count}.events": rate, f"cockpit.{count}.bytes": size / 1e6}
     ending.set()
     sender.join()
     cockpit.end()
     server.close()
+    return figures
 
 
-main()
+if __name__ == "__main__":
+    for what, value in measure(float(sys.argv[1]) if len(sys.argv) > 1 else 10).items():
+        print(f"{what}: {value:.1f}")

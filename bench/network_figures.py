@@ -1,16 +1,16 @@
 #!/usr/bin/python3
-"""Figures of the network server, measured on this computer's loopback with the Linux build and a flying aircraft:
+"""Figures of the network server, with server and clients on this computer and a flying aircraft. bench/report.py takes
+them for docs/performance.md; by itself this program only has what takes long:
 
-    bench/network_figures.py [--build build/linux] [--seconds 20] [--samples 500] [--connects 0]
+    bench/network_figures.py --connects 10000
 
-Prints a table for docs/performance-network.md. --connects N lets N clients come and go, one after the other, and
-compares memory, threads and files before and after (10,000 take about ten minutes)."""
+lets clients come and go, one after the other (10,000 take about twenty minutes), and compares memory, threads and files before
+and after."""
 import argparse
 import os
 import random
 import re
 import select
-import shutil
 import subprocess
 import sys
 import tempfile
@@ -21,24 +21,19 @@ TOP = Path(__file__).resolve().parents[1]
 sys.path.insert(0, str(TOP / "tests" / "e2e"))
 
 from conftest import Build, Standin, wait_for  # noqa: E402
+from goals import share_figures  # noqa: E402
 from network import Client, CHANGES, entries_of, request, write_record  # noqa: E402
 
 MARK = 0x12000  # an offset without meaning
 HEADER = 28     # IPv4 and UDP headers of a datagram
 
 
-class LooseBuild(Build):
-    def __init__(self, folder):
-        super().__init__("linux")
-        self.bin, self.plugin = folder / "bin", folder / "plugin" / "lin.xpl"
-
-
-def begin(folder, root, *options):
-    shutil.rmtree(root, ignore_errors=True)
+def begin(build, root, *options):
+    """A stand-in with the plug-in, whose server is ready."""
     settings = root / "Resources" / "plugins" / "TAVRIX" / "TAVRIX.ini"
     settings.parent.mkdir(parents=True)
     settings.write_text("[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n")
-    standin = Standin(LooseBuild(folder), root, *options)
+    standin = Standin(build, root, *options)
     standin.wait_log("TAVFARNET->Waiting for clients.....0")
     return standin
 
@@ -102,10 +97,6 @@ def percentile(times, share):
     return times[min(len(times) - 1, int(len(times) * share))]
 
 
-def row(what, value):
-    print(f"| {what} | {value} |", flush=True)
-
-
 def measure_latency(samples, others):
     """With that many other clients, which a process of its own receives for."""
     receivers = subprocess.Popen([sys.executable, __file__, "--receive", str(others)], stdin=subprocess.PIPE,
@@ -116,8 +107,8 @@ def measure_latency(samples, others):
     times = latency(client, samples)
     client.close()
     receivers.communicate("")
-    row(f"changed byte to datagram, {others + 1} client(s): median / 99 %",
-        f"{percentile(times, 0.5):.1f} ms / {percentile(times, 0.99):.1f} ms")
+    key = f"net.latency_{others + 1}"
+    return {f"{key}.median": percentile(times, 0.5), f"{key}.p99": percentile(times, 0.99), f"{key}.samples": samples}
 
 
 def receive_for_others(count):
@@ -131,41 +122,40 @@ def receive_for_others(count):
             one.recv(65536)
 
 
-def measure_load(standin, seconds):
+def measure_load(standin, key, seconds, writes, limit=None, still=lambda: True):
+    """Eight clients that listen, or write 50 times a second each; `still` tells in the end whether all went well."""
     clients = [Client() for _ in range(8)]
     for client in clients:
         client.complete()
     drain(clients, 1)
-    pid = standin.process.pid
-    for what, pause in (("listening", None), ("each writing 50 times a second", 0.02 / 8)):
-        due = [time.monotonic(), 0]
+    pause, due, number = 0.02 / 8, time.monotonic(), 0
 
-        def write():
-            while pause and time.monotonic() >= due[0]:
-                client = clients[due[1] % 8]
-                client.send(request(write_record(MARK + due[1] % 64, bytes([due[1] % 251]))))
-                due[0] += pause
-                due[1] += 1
+    def write():
+        nonlocal due, number
+        while writes and time.monotonic() >= due:
+            clients[number % 8].send(request(write_record(MARK + number % 64, bytes([number % 251]))))
+            due += pause
+            number += 1
 
-        stored, dropped = refreshes(standin)
-        before, started = processor_time(pid), time.monotonic()
-        datagrams, size = drain(clients, seconds, write)
-        elapsed, after = time.monotonic() - started, processor_time(pid)
-        stored, dropped = (b - a for a, b in zip((stored, dropped), refreshes(standin)))
-        row(f"8 clients {what}: sent to all together", f"{size / elapsed:,.0f} bytes/s, "
-            f"{datagrams / elapsed:.0f} datagrams/s")
-        row(f"8 clients {what}: refreshes dropped by busy locks",
-            f"{dropped} of {stored + dropped}, {100 * dropped / max(stored + dropped, 1):.3f} %")
-        row(f"8 clients {what}: worker threads", f"{100 * (after[1] - before[1]) / elapsed:.2f} % of a core")
+    before_refreshes = refreshes(standin)
+    before, started = processor_time(standin.process.pid), time.monotonic()
+    datagrams, size = drain(clients, seconds, write)
+    elapsed, after = time.monotonic() - started, processor_time(standin.process.pid)
+    stored, dropped = (b - a for a, b in zip(before_refreshes, refreshes(standin)))
+    assert still(), "what ran besides the clients has ended too early"
     for client in clients:
         client.close()
+    wait_until_alone(standin)
+    return {f"{key}.seconds": elapsed, f"{key}.bytes": size / elapsed, f"{key}.datagrams": datagrams / elapsed,
+            f"{key}.threads": 100 * (after[1] - before[1]) / elapsed,
+            **share_figures(key, dropped, stored + dropped, limit)}
 
 
 def measure_idle(standin, seconds):
+    """Percent of a core that all threads but the simulator's take when nobody is there."""
     before = processor_time(standin.process.pid)
     time.sleep(seconds)
-    after = processor_time(standin.process.pid)
-    row("no client: worker threads", f"{100 * (after[1] - before[1]) / seconds:.2f} % of a core")
+    return 100 * (processor_time(standin.process.pid)[1] - before[1]) / seconds
 
 
 def frame_times(standin, seconds):
@@ -183,7 +173,7 @@ def frame_times(standin, seconds):
 
 def blast(kind):
     """A client that writes without a pause until it is ended; the number of its writes a second, now and then."""
-    client, place, sent = Client().complete(), 0x12000 + os.getpid() % 8 * 0x400, 0
+    client, place, sent = Client().complete(), MARK + os.getpid() % 8 * 0x400, 0
     print("ready", flush=True)
     if kind == "small":
         chunk = [request(write_record(place + i % 64 * 4, os.urandom(4))) for i in range(500)]
@@ -199,41 +189,46 @@ def blast(kind):
 
 
 def measure_unpaced(standin, seconds):
-    def told(times):
-        return (f"{percentile(times, 0.5):,.0f} us / {percentile(times, 0.99):,.0f} us / {times[-1]:,.0f} us "
-                f"({len(times)} frames)")
+    """Frame times without clients, and while eight clients never pause."""
+    figures = {}
 
-    row("frame time in callbacks, no client: median / 99 % / longest", told(frame_times(standin, seconds)))
+    def take(key):
+        times = frame_times(standin, seconds)
+        figures.update({f"{key}.median": percentile(times, 0.5), f"{key}.p99": percentile(times, 0.99),
+                        f"{key}.longest": times[-1], f"{key}.frames": len(times)})
+
+    take("unpaced.none")
     for kind in ("small", "large"):
         senders = [subprocess.Popen([sys.executable, __file__, "--blast", kind], stdin=subprocess.PIPE,
                                     stdout=subprocess.PIPE, text=True) for _ in range(8)]
         for sender in senders:
             assert sender.stdout.readline() == "ready\n"
-        stored, dropped = refreshes(standin)
-        times = frame_times(standin, seconds)
-        stored, dropped = (b - a for a, b in zip((stored, dropped), refreshes(standin)))
+        before = refreshes(standin)
+        take(f"unpaced.{kind}")
+        stored, dropped = (b - a for a, b in zip(before, refreshes(standin)))
         rates = [int(sender.communicate("\n")[0]) for sender in senders]
-        row(f"8 clients without pause, {kind} frames: frame time", told(times))
-        row(f"8 clients without pause, {kind} frames: writes a second, refreshes dropped",
-            f"{sum(rates):,}; {dropped} of {stored + dropped}")
+        figures |= {f"unpaced.{kind}.writes": sum(rates) / 1e6, f"unpaced.{kind}.dropped": dropped,
+                    f"unpaced.{kind}.total": stored + dropped}
         wait_until_alone(standin)
+    return figures
 
 
 def resources(pid):
     status = Path(f"/proc/{pid}/status").read_text()
     return {"threads": int(re.search(r"Threads:\s+(\d+)", status)[1]),
             "files": len(os.listdir(f"/proc/{pid}/fd")),
-            "resident kB": int(re.search(r"VmRSS:\s+(\d+)", status)[1])}
+            "resident": int(re.search(r"VmRSS:\s+(\d+)", status)[1])}
 
 
 def wait_until_alone(standin):
     """Until the server has noticed that everybody has left, and listens again when it had been full."""
     def alone():
-        log = standin.log()
-        return (log.count("Creating burst thread OK") == log.count("Closing burst thread") and
-                log.count("Maximum of clients reached") == log.count("TAVFARNET->Release OK"))
+        listening = re.search(r": [0-9A-F]+:FDE8 [0-9A-F:]+ 0A ", Path("/proc/net/tcp").read_text())
+        return listening and "Network clients: 0" in standin.ask("widgets")
 
+    standin.ask('menu "TAVRIX Version and Info"')
     wait_for("an empty table", alone)
+    standin.ask('close "TAVRIX Version and Info"')
 
 
 def measure_connects(standin, count):
@@ -247,21 +242,43 @@ def measure_connects(standin, count):
         client.close()
     wait_until_alone(standin)
     elapsed = time.monotonic() - started
-    time.sleep(1)
+    # What the last ones had is given back shortly after.
+    end = time.monotonic() + 3
+    while time.monotonic() < end and resources(standin.process.pid)["threads"] > before["threads"]:
+        time.sleep(0.05)
     after = resources(standin.process.pid)
-    row(f"{count:,} connects and disconnects", f"{1000 * elapsed / count:.0f} ms each")
+    figures = {"connects.count": count, "connects.each": 1000 * elapsed / count}
     for what in before:
-        row(f"{what} before and after them", f"{before[what]:,} / {after[what]:,}")
+        figures |= {f"connects.{what}.before": before[what], f"connects.{what}.after": after[what]}
+    return figures
+
+
+def measure(seconds, samples, connects):
+    """All figures of the Linux build: so long for each, so many writes and clients."""
+    figures = {}
+    with tempfile.TemporaryDirectory() as folder:
+        standin = begin(Build("linux"), Path(folder) / "flying")
+        try:
+            figures["idle.linux"] = measure_idle(standin, seconds)
+            for others in (0, 7):
+                figures |= measure_latency(samples, others)
+                wait_until_alone(standin)
+            figures |= measure_load(standin, "net.listening", seconds, writes=False)
+            figures |= measure_load(standin, "net.writing", seconds, writes=True)
+            figures |= measure_unpaced(standin, seconds / 2)
+        finally:
+            standin.quit(expect=None)
+        standin = begin(Build("linux"), Path(folder) / "connects", "--flight", "none")
+        try:
+            figures |= measure_connects(standin, connects)
+        finally:
+            standin.quit(expect=None)
+    return figures
 
 
 def main():
     options = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    options.add_argument("--build", type=Path, default=TOP / "build" / "linux")
-    options.add_argument("--seconds", type=float, default=20)
-    options.add_argument("--samples", type=int, default=500)
-    options.add_argument("--connects", type=int, default=0)
-    options.add_argument("--only-connects", action="store_true")
-    options.add_argument("--only-unpaced", action="store_true", help="only eight clients that never pause")
+    options.add_argument("--connects", type=int, default=10000)
     options.add_argument("--receive", type=int, help=argparse.SUPPRESS)
     options.add_argument("--blast", help=argparse.SUPPRESS)
     chosen = options.parse_args()
@@ -272,30 +289,12 @@ def main():
         receive_for_others(chosen.receive)
         return
     with tempfile.TemporaryDirectory() as folder:
-        if chosen.only_unpaced:
-            standin = begin(chosen.build, Path(folder) / "X-Plane unpaced")
-            try:
-                measure_unpaced(standin, chosen.seconds)
-            finally:
-                standin.quit(expect=None)
-        elif not chosen.only_connects:
-            standin = begin(chosen.build, Path(folder) / "X-Plane flying")
-            try:
-                measure_idle(standin, chosen.seconds)
-                measure_latency(chosen.samples, 0)
-                measure_latency(chosen.samples, 7)
-                wait_until_alone(standin)
-                measure_load(standin, chosen.seconds)
-                wait_until_alone(standin)
-                measure_unpaced(standin, chosen.seconds)
-            finally:
-                standin.quit(expect=None)
-        if chosen.connects:
-            standin = begin(chosen.build, Path(folder) / "X-Plane connects", "--flight", "none")
-            try:
-                measure_connects(standin, chosen.connects)
-            finally:
-                standin.quit(expect=None)
+        standin = begin(Build("linux"), Path(folder) / "X-Plane", "--flight", "none")
+        try:
+            for what, value in measure_connects(standin, chosen.connects).items():
+                print(f"{what}: {value:,.0f}")
+        finally:
+            standin.quit(expect=None)
 
 
 if __name__ == "__main__":

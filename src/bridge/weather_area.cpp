@@ -66,7 +66,8 @@ void ApplyWind(const uint8_t* layer, const WindPlaces& places) {
 }  // namespace
 
 void ApplyWeatherArea() {
-  if (weatherBlockReady.exchange(0) == 0) return;
+  // Looked at first: an exchange costs, and nearly all frames have nothing to take.
+  if (weatherBlockReady.load(std::memory_order_relaxed) == 0 || weatherBlockReady.exchange(0) == 0) return;
   uint8_t area[areaSize];
   {
     LockScope lock(&offsetLock);

@@ -8,6 +8,7 @@
 #include "XPStandardWidgets.h"
 #include "base/log.h"
 #include "panels/layout_window.h"
+#include "platform/clock.h"
 #include "platform/exceptions.h"
 #include "settings/settings.h"
 
@@ -322,8 +323,9 @@ bool HasOpenText(const WindowPlan& plan) {
          });
 }
 
-void FollowWindows(int64_t now) {
-  if (openWindows == 0) return;
+void FollowWindows() {
+  if (openWindows == 0) return;  // before anything else: nearly all frames end here
+  const int64_t now = MonotonicNanoseconds();
   openWindows = static_cast<int>(std::count_if(madeWindows.begin(), madeWindows.end(),
                                                [](const auto& window) { return IsOpen(*window); }));
   const ScreenSize size = AskScreenSize();

@@ -90,8 +90,8 @@ bool IsWindowOpen(const WindowPlan& plan);
 void RefreshWindow(const WindowPlan& plan);
 // Whether the window is open with a text in a field that the user has begun to change.
 bool HasOpenText(const WindowPlan& plan);
-// Once a frame: lets open windows follow what they show and the screen's size. `now` is monotonic time in ns.
-void FollowWindows(int64_t now);
+// Once a frame: lets open windows follow what they show and the screen's size. Without any it costs nothing.
+void FollowWindows();
 // At stop.
 void DestroyWindows();
 

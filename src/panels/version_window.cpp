@@ -16,7 +16,6 @@
 #include "panels/live_texts.h"
 #include "panels/panels.h"
 #include "platform/addresses.h"
-#include "platform/clock.h"
 #include "settings/settings.h"
 #include "status/status_page.h"
 
@@ -173,7 +172,7 @@ void OpenVersionWindow() { OpenWindow(plan); }
 void TellThreadsWait(bool wait) { threadsWait = wait; }
 
 void FollowPanels() {
-  FollowWindows(MonotonicNanoseconds());
+  FollowWindows();
   const uint32_t connected = ConnectedClients();
   if (std::exchange(shownClients, connected) != connected) RefreshWindow(plan);
 }

@@ -113,6 +113,17 @@ class Client:
         self.tcp.close()
 
 
+def silent_resolver(folder):
+    """(a socket to be closed in the end, the beginning of a command): the command's process asks a name server that never
+    answers. Needs root."""
+    server = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    server.bind(("127.0.0.99", 53))
+    settings = folder / "resolv.conf"
+    settings.write_text("nameserver 127.0.0.99\noptions timeout:5 attempts:2\n")
+    mount = f'mount --bind "{settings}" "$(realpath /etc/resolv.conf)" && exec "$@"'
+    return server, ["unshare", "-m", "sh", "-c", mount, "sh"]
+
+
 class ScriptedServer:
     """A server that does what a test says: accepts one client at a time and sends the datagrams it is given."""
 

@@ -12,7 +12,7 @@ from pathlib import Path
 import pytest
 
 from conftest import wait_for
-from network import Client, request, write_record
+from network import Client, request, silent_resolver, write_record
 
 SETTINGS = "[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n"
 # What disable sleeps by design, with everything running, and one second for all the rest.
@@ -43,13 +43,9 @@ def test_eight_clients_that_never_pause_over_small_segments(linux, tmp_path):
 
 
 @pytest.fixture
-def silent_resolver(tmp_path):
-    """The start of a command whose process asks a name server that never answers."""
-    server = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-    server.bind(("127.0.0.99", 53))
-    settings = tmp_path / "resolv.conf"
-    settings.write_text("nameserver 127.0.0.99\noptions timeout:5 attempts:2\n")
-    yield ["unshare", "-m", "sh", "-c", f'mount --bind "{settings}" "$(realpath /etc/resolv.conf)" && exec "$@"', "sh"]
+def unanswered(tmp_path):
+    server, command = silent_resolver(tmp_path)
+    yield command
     server.close()
 
 
@@ -58,13 +54,13 @@ def build(request):
     return request.getfixturevalue(request.param)
 
 
-def test_a_silent_name_server_holds_nobody_up(start, build, silent_resolver, tmp_path, monkeypatch):
+def test_a_silent_name_server_holds_nobody_up(start, build, unanswered, tmp_path, monkeypatch):
     root = tmp_path / "X-Plane"
     folder = root / "Resources" / "plugins" / "TAVRIX"
     folder.mkdir(parents=True)
     (folder / "TAVRIX.ini").write_text(SETTINGS)
     command = build.command
-    monkeypatch.setattr(build, "command", lambda *words: silent_resolver + command(*words))
+    monkeypatch.setattr(build, "command", lambda *words: unanswered + command(*words))
     standin = start(build, "--tolerant", root=root)
     standin.wait_log("TAVFARNET->Waiting for clients.....0")
     monkeypatch.undo()

@@ -1,5 +1,4 @@
-// The system's part of a lock: a critical section, which spins for a moment before it waits, as locks are held
-// for microseconds. For platform/lock.cpp alone.
+// The system's part of a lock: a critical section. For platform/lock.cpp alone.
 #pragma once
 #include <windows.h>
 
@@ -9,10 +8,22 @@ using NativeLock = CRITICAL_SECTION;
 
 // Makes it in the storage; false when the system refuses.
 inline bool CreateNative(void* storage) {
-  constexpr DWORD spinRounds = 1000;
-  return InitializeCriticalSectionAndSpinCount(new (storage) CRITICAL_SECTION, spinRounds) != FALSE;
+  // The form that tells a failure; the spinning is our own.
+  return InitializeCriticalSectionAndSpinCount(new (storage) CRITICAL_SECTION, 0) != FALSE;
 }
 inline void DeleteNative(NativeLock* lock) { DeleteCriticalSection(lock); }
-inline void EnterNative(NativeLock* lock) { EnterCriticalSection(lock); }
+// Nobody waits in the section's own queue: some systems hand a section that is left to the one who waits
+// longest, and until he has a processor it is nobody's and yet busy, for the simulator's thread as well, which
+// only tries. Locks are held for microseconds: a moment's spinning is nearly always enough.
+inline void EnterNative(NativeLock* lock) {
+  constexpr int turns = 20;
+  for (int turn = 0; TryEnterCriticalSection(lock) == FALSE; ++turn) {
+    if (turn < turns) {
+      for (int i = 0; i < 50; ++i) YieldProcessor();
+    } else {
+      Sleep(turn < 2 * turns ? 0 : 1);
+    }
+  }
+}
 inline bool TryEnterNative(NativeLock* lock) { return TryEnterCriticalSection(lock) != FALSE; }
 inline void LeaveNative(NativeLock* lock) { LeaveCriticalSection(lock); }
