@@ -150,9 +150,9 @@ void CountLateness(double seconds);
 // are those of XPLM functions from anywhere in a plug-in.
 std::string TakePerf();
 // How punctual frames were since the last call of this or the start: "frames N over N late N latest-ns N". Over
-// are frames with more time in flight loops than a frame's period (that of the rate, 1/60 s at rate 0); late are
-// frames of real time that began more than a period after they were due, latest-ns is the most: whatever took
-// the time, the processor's other users included.
+// are frames with more time in flight loops than a frame's period (that of the rate, 1/60 s at rate 0); late
+// are frames of real time that began more than a period after they were due, latest-ns is the most: whatever
+// took the time, the processor's other users included.
 std::string TakeLate();
 
 // --- Faults on order -----------------------------------------------------------------------------------

@@ -12,18 +12,21 @@ inline bool CreateNative(void* storage) {
   return InitializeCriticalSectionAndSpinCount(new (storage) CRITICAL_SECTION, 0) != FALSE;
 }
 inline void DeleteNative(NativeLock* lock) { DeleteCriticalSection(lock); }
-// Nobody waits in the section's own queue: some systems hand a section that is left to the one who waits
+// Nearly nobody waits in the section's own queue: some systems hand a section that is left to the one who waits
 // longest, and until he has a processor it is nobody's and yet busy, for the simulator's thread as well, which
-// only tries. Locks are held for microseconds: a moment's spinning is nearly always enough.
+// only tries. Locks are held for microseconds: a moment's spinning and giving way is enough, unless the holder
+// has no processor either; then it may take milliseconds, and sleeping takes no longer than it must.
 inline void EnterNative(NativeLock* lock) {
-  constexpr int turns = 20;
-  for (int turn = 0; TryEnterCriticalSection(lock) == FALSE; ++turn) {
-    if (turn < turns) {
+  constexpr int spins = 20, yields = 100;
+  for (int turn = 0; turn < spins + yields; ++turn) {
+    if (TryEnterCriticalSection(lock) != FALSE) return;
+    if (turn < spins) {
       for (int i = 0; i < 50; ++i) YieldProcessor();
     } else {
-      Sleep(turn < 2 * turns ? 0 : 1);
+      Sleep(0);
     }
   }
+  EnterCriticalSection(lock);
 }
 inline bool TryEnterNative(NativeLock* lock) { return TryEnterCriticalSection(lock) != FALSE; }
 inline void LeaveNative(NativeLock* lock) { LeaveCriticalSection(lock); }
