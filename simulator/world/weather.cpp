@@ -29,6 +29,10 @@ void WindAt(double altitude, double* east, double* north) {
     if (height <= altitude && (below < 0 || height > Number(refs.windAltitude[below]))) below = i;
     if (height > altitude && (above < 0 || height < Number(refs.windAltitude[above]))) above = i;
   }
+  if (below < 0 && above < 0) {  // no layer has a height that is a number: calm
+    *east = *north = 0;
+    return;
+  }
   if (below < 0 || above < 0) {
     LayerWind(below < 0 ? above : below, east, north);
     return;

@@ -6,6 +6,7 @@
 
 #include "XPLMDataAccess.h"
 #include "XPLMProcessing.h"
+#include "base/log.h"
 #include "bridge/catalogue/reposition.h"
 #include "bridge/slew.h"
 #include "bridge/sources.h"
@@ -143,11 +144,22 @@ double ReadOrComplete(const char* key, const char* byDefault) {
   return ParseNumber(value);
 }
 
+// Far beyond what the window takes; a number that no float holds would reach the simulator as infinity.
+constexpr double mostSpeed = 100, mostTurnSpeed = 360;
+
+double Limited(const char* key, double value, double low, double high) {
+  if (value >= low && value <= high) return value;
+  LogOwn("TAVRIX->\"%s\" in TAVRIX.ini is a number from %g to %g, not %g: it is limited\n", key, low, high,
+         value);
+  return std::clamp(value, low, high);
+}
+
 }  // namespace
 
 void LoadPushbackSettings() {
-  maxSpeed = ReadOrComplete("MaxSpeed", "-1.5");
-  maxTurnSpeed = std::max(static_cast<float>(ReadOrComplete("MaxTurnSpeed", "0.15")), 0.0F);
+  maxSpeed = Limited("MaxSpeed", ReadOrComplete("MaxSpeed", "-1.5"), -mostSpeed, mostSpeed);
+  maxTurnSpeed =
+      static_cast<float>(Limited("MaxTurnSpeed", ReadOrComplete("MaxTurnSpeed", "0.15"), 0, mostTurnSpeed));
   turnSpeed = static_cast<float>(maxSpeed) * turnShare;
 }
 

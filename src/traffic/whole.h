@@ -15,7 +15,11 @@ T Whole(double value) {
                                    static_cast<double>(std::numeric_limits<T>::max())));
 }
 
-inline float Single(double value) { return std::isfinite(value) ? static_cast<float>(value) : 0; }
+// What no float holds is 0, too.
+inline float Single(double value) {
+  const auto single = static_cast<float>(value);
+  return std::isfinite(single) ? single : 0;
+}
 
 // Degrees, and metres a second.
 struct Motion {

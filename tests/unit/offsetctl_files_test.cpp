@@ -95,6 +95,8 @@ TEST(OffsetctlMapping, FindsAPlaceThatTheCheckLikes) {
        {"sim/a/b", "double", ""},
        0x66C8,
        false},
+      {"Dataref map66C0\n", {"sim/a/b", "double", ""}, 0x66C0, false},
+      {"Command 66F0 UINT8 0 0 sim/x__", {"sim/a/b", "double", ""}, 0x66C0, false},
       {"Command 66C0 UINT8 1 1 sim/x", {"sim/a/b[3]", "data", ""}, 0x66C1, false},
       {"", {"sim/a/b[3]", "intarray", "0x66FC"}, 0x66FC, false},
       {"", {"sim/a/b", "float", "FFFD"}, 0, false},
@@ -113,6 +115,8 @@ TEST(OffsetctlMapping, FindsAPlaceThatTheCheckLikes) {
       {"", {"sim/a/b[3]", "float", ""}, 0, false},
       {"", {"psi", "float", ""}, 0, false},
       {"", {"sim/a b", "float", ""}, 0, false},
+      {"", {"sim/a\x1b[31m/b", "float", ""}, 0, false},
+      {"", {std::string("sim/a\0b", 7), "float", ""}, 0, false},
       {"Offset 66C3 UINT8 1 r 1", {"sim/a/b", "float", "66C0"}, 0, false},
   };
   for (const auto& row : cases) {

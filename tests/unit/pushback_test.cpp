@@ -237,6 +237,11 @@ TEST_F(Pushback, SettingsAreReadAndCompleted) {
   EXPECT_EQ(std::hypot(Vx(), Vz()), 0);
   EXPECT_NEAR(QuaternionHeading(), 50, 1e-3);
   EndTurn();
+  Begin("MaxSpeed = -1e300\nMaxTurnSpeed = 1e300\n");  // more than a float holds
+  CommandPushback(1);
+  Frames(10);
+  EXPECT_NEAR(std::hypot(Vx(), Vz()), 25, 1e-3);
+  EndTurn();
 }
 
 TEST_F(Pushback, MissingDatarefsDoNoHarm) {

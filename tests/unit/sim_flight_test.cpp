@@ -421,6 +421,8 @@ TEST_F(SimFlight, NothingIsDerivedWithoutAFlight) {
 TEST_F(SimFlight, SurvivesNonsense) {
   PutAttitude(NAN, 0, 0, 0);
   Fly(R"(local_x := nan; local_y := nan; local_z := nan; sim/weather/wind_speed_kt[0] := nan;
+         sim/weather/wind_altitude_msl_m[0] := nan; sim/weather/wind_altitude_msl_m[1] := nan;
+         sim/weather/wind_altitude_msl_m[2] := nan;
          sim/weather/temperature_sealevel_c := nan; sim/cockpit/autopilot/heading_mag := nan; local_vx := inf;
          local_vy := inf; P := inf; Qrad := inf)");
   XPLMSetDatai(Find(kState), 2);

@@ -145,6 +145,10 @@ TEST_F(Traffic, EntryAndRecordByteForByte) {
                        {Record(0) + 18, rows::S16, double(test.angleB)}});
     EXPECT_EQ(std::memcmp(offsetMemory.bytes + Record(0) + 8, "EDDMEDDT\0\0", 10), 0);
   }
+  PutPlane(1, 1e300, -1e300);  // no float holds them
+  Rounds();
+  rows::ExpectShown({{Entry(0) + 4, rows::F32, 0}, {Entry(0) + 8, rows::F32, 0}});
+  EXPECT_GE(slotDistances[0].distance, 0);
 }
 
 TEST_F(Traffic, EntriesStayInDegreesBetweenTwoPositions) {

@@ -39,6 +39,7 @@ struct OwnFile {
   std::map<std::string, std::string, std::less<>> datarefs;  // path and kind by alias
   std::vector<Taken> taken;
   std::map<uint32_t, std::string> shown;  // by offset, the alias that the line shows
+  bool isCut = false;                     // its last line was to go on
 };
 
 bool Fail(const std::string& text, std::string* error) {
@@ -52,8 +53,12 @@ OwnFile ReadOwnFile(std::string_view text) {
   CustomLine line;
   while (NextCustomLine(&reader, &line) == 1) {
     const std::vector<CustomToken>& tokens = line.tokens;
-    if (line.kind == CustomLineKind::Dataref && tokens.size() >= 4) {
-      file.datarefs.emplace(tokens[1].text, std::string(tokens[2].text) + " " + std::string(tokens[3].text));
+    file.isCut = line.cutShort;
+    if (line.kind == CustomLineKind::Dataref && tokens.size() >= 2) {
+      // A line that lacks words has its alias all the same.
+      const bool isWhole = tokens.size() >= 4;
+      file.datarefs.emplace(tokens[1].text,
+                            isWhole ? std::string(tokens[2].text) + " " + std::string(tokens[3].text) : "");
     }
     if ((line.kind != CustomLineKind::Offset && line.kind != CustomLineKind::Command) || tokens.size() < 3)
       continue;
@@ -95,8 +100,11 @@ std::string Objection(const OwnFile& file, const NameTable& names, uint32_t offs
 }
 
 bool CheckDataref(const std::string& dataref, const KindLine& kind, std::string* error) {
-  const bool isOneWord = dataref.find_first_of(" \t\r\n") == std::string::npos && !dataref.starts_with('#') &&
-                         !dataref.ends_with('_') && dataref.size() <= maxCustomTokenLength;
+  // No control characters either: a terminal would obey them, and a NUL ends the file's line.
+  const bool isOneWord = std::none_of(dataref.begin(), dataref.end(),
+                                      [](unsigned char byte) { return byte <= ' ' || byte == 0x7F; }) &&
+                         !dataref.starts_with('#') && !dataref.ends_with('_') &&
+                         dataref.size() <= maxCustomTokenLength;
   if (!isOneWord || dataref.find('/') == std::string::npos) {
     return Fail(Quote(dataref) + " is no dataref: they look like sim/flightmodel/position/psi", error);
   }
@@ -176,8 +184,8 @@ bool PlanMapping(std::string_view text, const NameTable& names, const MapRequest
   std::string alias = "map" + digits;
   while (file.datarefs.contains(alias)) alias += "x";
   mapping->alias = alias;
-  // A line that ends in "_" would go on in ours: the empty one ends it.
-  mapping->lines = std::string(text.empty() || text.ends_with('\n') ? "" : "\n") +
+  // A line that ends in "_" would go on in ours: the empty one ends it, and with "__" only a comment does.
+  mapping->lines = std::string(text.empty() || text.ends_with('\n') ? "" : "\n") + (file.isCut ? " #" : "") +
                    "\n# added by offsetctl map\n" + "Dataref " + alias + " " + wantedDataref + "\nOffset " +
                    digits + " " + kind->word + " 1 rw $" + alias + " >" + alias + " @\n";
   return true;
