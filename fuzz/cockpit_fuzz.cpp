@@ -3,12 +3,12 @@
 // refusals are JSON, nothing leaves the folders, and what is to be written lies within the memory.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "cockpit/answers.h"
 #include "cockpit/web_files.h"
+#include "require.h"
 
 namespace ctl {
 
@@ -26,16 +26,6 @@ std::string_view OffsetsFile() {
 namespace {
 
 using namespace ctl;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-std::string_view Cut(std::string_view* text, std::string_view end) {
-  const std::string_view part = text->substr(0, text->find(end));
-  text->remove_prefix(std::min(part.size() + end.size(), text->size()));
-  return part;
-}
 
 WebRequest RequestOf(std::string_view text) {
   WebRequest request;

@@ -1,16 +1,12 @@
 // Fuzz target: expressions. The input's first byte is where evaluation begins, the rest are tokens separated by
 // blanks; what is compiled runs within its stack and gives what the compiler has foretold of faulty ones.
-#include <cstdlib>
 #include <limits>
 
 #include "custom/custom_values.h"
 #include "custom/expression.h"
+#include "require.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 const std::vector<CustomDatarefEntry> datarefs = {{"a", "", nullptr, 1000, Accessor::Int},
                                                   {"b", "", nullptr, -3, Accessor::Int},

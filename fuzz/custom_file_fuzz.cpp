@@ -1,17 +1,13 @@
 // Fuzz target: the offsets file. Whatever it holds, loading stays inside its limits, the tables are sorted and
 // every expression of every entry runs.
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 #include "custom/custom_parser.h"
 #include "custom/expression.h"
+#include "require.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 double ReadIndex(const CustomDatarefEntry& dataref) { return dataref.index; }
 

@@ -4,20 +4,14 @@
 // The input is a series of datagrams, each behind its size in two bytes; one that ends early is shorter.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
 
-// The reader is the tool's own, compiled in: the fuzz targets link the product and the simulator only.
-#include "offsetctl/picture.cpp"
-#include "offsetctl/request_block.cpp"
+#include "offsetctl/picture.h"
+#include "require.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 uint32_t CountChanged(const ctl::Picture& before, const ctl::Picture& after) {
   constexpr size_t stretch = 256;

@@ -3,21 +3,13 @@
 // where it was cut off.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
+#include <string>
+#include <vector>
 
-// The reader is the tool's own, compiled in: the fuzz targets link the product and the simulator only.
-#include "offsetctl/picture.cpp"
-#include "offsetctl/recording.cpp"
-#include "offsetctl/request_block.cpp"
-
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
+#include "offsetctl/picture.h"
+#include "offsetctl/recording.h"
+#include "require.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // An allocation of its own, so that the sanitizer sees the smallest step outside.

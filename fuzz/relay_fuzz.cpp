@@ -1,17 +1,13 @@
 // Fuzz target: a relay datagram, as it is received and then applied to the simulator.
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
 #include "core/sim.h"
 #include "net/relay.h"
+#include "require.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 void SetUp() {
   static const int ready = [] {

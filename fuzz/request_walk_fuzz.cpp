@@ -1,6 +1,5 @@
 // Fuzz target: a request list, against a plain model of what it does to the offset memory.
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "bridge/registry.h"
 #include "offsets/dispatcher.h"
 #include "offsets/request_walk.h"
+#include "require.h"
 
 namespace {
 
@@ -17,10 +17,6 @@ constexpr uint32_t readOnlyFirst = 0x0238;
 constexpr uint32_t readOnlyLast = 0x023A;
 constexpr uint32_t pathFirst = 0x3E00;
 constexpr uint32_t pathSize = 0x100;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 RequestScratch scratch;
 std::vector<uint8_t> model(offsetMemorySize);

@@ -2,19 +2,15 @@
 // set is found again with its value, and every other line survives.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "controls/axis_settings.h"
+#include "require.h"
 #include "settings/settings.h"
 #include "settings/settings_text.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 size_t CountLines(std::string_view text) {
   size_t count = 0;
