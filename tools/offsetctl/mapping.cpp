@@ -54,8 +54,11 @@ OwnFile ReadOwnFile(std::string_view text) {
   while (NextCustomLine(&reader, &line) == 1) {
     const std::vector<CustomToken>& tokens = line.tokens;
     file.isCut = line.cutShort;
-    if (line.kind == CustomLineKind::Dataref && tokens.size() >= 4) {
-      file.datarefs.emplace(tokens[1].text, std::string(tokens[2].text) + " " + std::string(tokens[3].text));
+    if (line.kind == CustomLineKind::Dataref && tokens.size() >= 2) {
+      // A line that lacks words has its alias all the same.
+      const bool isWhole = tokens.size() >= 4;
+      file.datarefs.emplace(tokens[1].text,
+                            isWhole ? std::string(tokens[2].text) + " " + std::string(tokens[3].text) : "");
     }
     if ((line.kind != CustomLineKind::Offset && line.kind != CustomLineKind::Command) || tokens.size() < 3)
       continue;
