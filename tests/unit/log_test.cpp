@@ -116,6 +116,27 @@ TEST_F(Log, LinesOfAnyLengthAndNumbersOfEveryKindStandAtOnce) {
   EXPECT_EQ(TraceText(), expected);
 }
 
+// Beside a number with decimals the line is put together piece by piece: as the C library does it at once.
+template <typename... Values>
+void ExpectAsPrinted(const char* format, Values... values) {
+  char expected[400];
+  std::snprintf(expected, sizeof expected, format, values...);
+  const size_t before = ReadFile(reports[0]).size();
+  LogLine(format, values...);
+  EXPECT_EQ(ReadFile(reports[0]).substr(before), expected) << format;
+}
+TEST_F(Log, PiecesAreWrittenAsTheLibraryDoes) {
+  reports = {folder + "TAVRIX.txt"};
+  ExpectAsPrinted("%f %ld %lld|%zu %td %jd %hd %hhd\n", -0.5, -70000L, 1LL << 40, size_t{9}, ptrdiff_t{-9},
+                  intmax_t{1} << 50, 3, 4);
+  ExpectAsPrinted("%p %c %x %X %o %u %+d %e\n", static_cast<void*>(&reports), 'x', 255U, 255U, 8U, 3000000000U, 5, 12345.678);
+  ExpectAsPrinted("%Lf %Lg%%|\n", 1.25L, 0.5L);
+  ExpectAsPrinted("%-9.3f|%*.*f|% f|%.0f|%G|%s\n", 1.5, 9, 2, -2.25, 3.0, 4.0, 1e-30, "end");
+  ExpectAsPrinted("%200.2f|%150s|\n", 1.5, "wide");
+  ExpectAsPrinted("%f %F %E|\n", std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity(), 0.0);
+  reports.clear();
+}
+
 TEST_F(Log, DecimalCommasOfTheLocaleDoNotReachTheFile) {
   const std::string before = std::setlocale(LC_NUMERIC, nullptr);
   int found = 0;
