@@ -302,6 +302,8 @@ TEST(CustomCheck, PointsAtEveryProblem) {
       {"Offset 66C0 UINT8 1 rw $a 2 * >f @ 2 /", "", ""},
       {"Command 66C0 UINT8 0 1 sim/x 1 2 sim/y # c", "", ""},
       {"Ofset 66C0 UINT8 1 r 1", "3:1 ", "unknown word"},
+      {"Offsets 66C0 UINT8 1 r 1", "3:1 note ", "\"Offsets\" counts as \"Offset\""},
+      {"Offset 66C0 UINT8 1x r 1", "3:19 ", "\"1x\" is no whole number and is read as 1"},
       {"Offset 66G0 UINT8 1 r 1", "3:8 ", "read as 0x0066"},
       {"Offset 166C0 UINT8 1 r 1", "3:8 ", "cut to 0x66C0"},
       {"Offset 66C0 uint8 1 r 1", "3:13 ", "unknown type \"uint8\""},
@@ -341,6 +343,9 @@ TEST(CustomCheck, PointsAtEveryProblem) {
     EXPECT_TRUE(*c.place == 0 ? list.empty() : list.starts_with(place)) << c.line << "\n" << list;
     EXPECT_NE(list.find(c.part), std::string::npos) << c.line << "\n" << list;
     EXPECT_LE(std::count(list.begin(), list.end(), '\n'), 1) << c.line << "\n" << list;
+  }
+  for (const char* mark : {"\xFF\xFE", "\xFE\xFF"}) {
+    EXPECT_EQ(Findings(mark + head), "1:1 the file is stored as UTF-16 and nothing of it is understood: save it as ANSI or UTF-8\n");
   }
   EXPECT_NE(Findings("\n#" + std::string(4096, 'x')).find("2:1 the line has more than 4095"),
             std::string::npos);

@@ -1,5 +1,6 @@
 // Main log and trace log: format of the lines, reopening, failure of the folder, use by several threads.
 #include "base/log.h"
+#include "base/log_quiet.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "base/locks.h"
+#include "platform/clock.h"
 #include "platform/system.h"
 #include "platform/thread.h"
 #include "test_tools.h"
@@ -164,6 +166,38 @@ TEST_F(Log, OwnLinesCarryTheTime) {
   for (size_t i = 0; i < form.size(); ++i) {
     EXPECT_TRUE(form[i] == 'd' ? line[i] >= '0' && line[i] <= '9' : line[i] == form[i]) << line;
   }
+}
+
+TEST_F(Log, LinesThatOthersCauseAreCounted) {
+  constexpr int64_t minute = 60'000'000'000;
+  const char rest[] = "Knocks more than 2 times within a minute: the rest of the minute is not told\n";
+  QuietMinute knocks = {.what = "Knocks", .most = 2, .began = 0, .turns = 0};
+  const auto due = [&] {
+    int lines = 0;
+    for (int i = 0; i < 5; ++i) lines += TakeLogTurn(&knocks) ? 1 : 0;
+    return lines;
+  };
+  const auto told = [&] { return tools::CountText(MainText(), rest); };
+  EXPECT_EQ(due(), 2);
+  EXPECT_EQ(told(), 1);
+  EXPECT_EQ(due(), 0);
+  EXPECT_EQ(told(), 1);
+  CloseLogs();
+  ASSERT_TRUE(OpenLogs(folder.c_str(), Report));
+  EXPECT_EQ(due(), 2) << "a log that was begun anew";
+
+  static QuietTable table;
+  table = {};
+  for (int round = 0; round < 2; ++round) {
+    for (uint64_t key = 0; key < std::size(table.entries) + 1; ++key) {
+      EXPECT_EQ(TakeLogTurn(&table, key), round == 0 && key < std::size(table.entries)) << key;
+    }
+  }
+  table.entries[5].time -= minute;
+  table.entries[6].time -= minute / 2;
+  EXPECT_FALSE(TakeLogTurn(&table, 6));
+  EXPECT_TRUE(TakeLogTurn(&table, 99)) << "in the place of the fifth";
+  EXPECT_FALSE(TakeLogTurn(&table, 5)) << "which has none any longer";
 }
 
 TEST(LogText, ForeignTextsAreEscaped) {
