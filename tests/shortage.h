@@ -25,7 +25,7 @@ class Order {
   ~Order() { UseFaultHooks(nullptr); }
   Order(const Order&) = delete;
   Order& operator=(const Order&) = delete;
-  bool Taken() {
+  bool Taken() const {
     const std::lock_guard<std::mutex> lock(mutex);
     return count >= first;
   }
@@ -38,7 +38,7 @@ class Order {
   static inline Order* current = nullptr;
   SystemKind kind;
   int first, last, count = 0;
-  std::mutex mutex;
+  mutable std::mutex mutex;
 };
 
 // Each creation in `start` fails in its turn: `start` says so by what it returns and leaves nothing behind. In the end

@@ -307,6 +307,25 @@ TEST_F(NetShortage, ClientsAreTurnedAwayAndTheNextIsServed) {
   StopNetworkServer();
 }
 
+TEST_F(NetShortage, AClientsNameIsLookedUpOnce) {
+  ASSERT_TRUE(OpenNetworkServer() && StartNetworkServer());
+  ASSERT_TRUE(WaitUntil(AnnouncementRuns));
+  for (const bool refused : {false, true}) {
+    net::Client client;
+    const Order order(SystemKind::Thread, refused ? 3 : 1000);  // behind bursts and session
+    ASSERT_TRUE(net::Connect(&client));
+    EXPECT_TRUE(WaitUntil([] {
+      const LockScope lock(&clientListLock);
+      return clientSlots[0].inUse && !clientSlots[0].nameWanted;
+    }));
+    EXPECT_EQ(order.Taken(), refused);
+    EXPECT_EQ(CountText(Log(), "no thread to look up the name of 127.0.0.1: it stays \"unknown\"; "), refused ? 1 : 0);
+    net::Disconnect(&client);
+    EXPECT_TRUE(WaitUntil([] { return ConnectedClients() == 0 && burstRunning.load() == 0; }));
+  }
+  StopNetworkServer();
+}
+
 struct RelayShortage : NetShortage {};
 
 TEST_F(RelayShortage, IsTold) {
