@@ -44,7 +44,8 @@ def code_of(text):
     for match in list(QUIET.finditer(text)):
         end = closing(text, match.end() - 1)
         text = text[:match.start()] + blank(text[match.start():end]) + text[end:]
-    # Buffers that are only declared, and what a declaration says of its type.
+    # Buffers that are only declared, how many are declared of what follows, and what a declaration says of its type.
+    text = re.sub(r"^([ \t]*(?:inline |static |const |constexpr )*[\w:<>]+ \w+\[)(\d+)(?=\] = )", lambda match: match[1] + blank(match[2]), text, flags=re.M)
     text = re.sub(r"^[ \t]*(?:inline |static |extern )*[\w:<>]+ [&(]*\w+\)?\[[^\n\]]*\](?: = \{\})?;",
                   lambda match: blank(match[0]), text, flags=re.M)
     return re.sub(r"^[ \t]*(?:using|template|typedef|enum|friend|namespace)\b[^\n]*", lambda match: blank(match[0]), text, flags=re.M)
@@ -89,7 +90,7 @@ def changes_of_line(line, before):
     for match in re.finditer(r"\breturn ([^;{}]+);", line):
         value = match[1]
         new = {"true": "false", "false": "true"}.get(value, "{}")
-        if not re.fullmatch(r"[0-9.xXa-fA-FuUlLF]+", value) or value in ("true", "false"):
+        if not re.fullmatch(r"[0-9.xXa-fA-FuUlLF]+|nullptr|\0\0", value) or value in ("true", "false"):
             yield change("return value", match, 1, new)
 
 
