@@ -65,6 +65,7 @@ TEST_F(NetSockets, ListenersShareNoPortAndDoNotBlock) {
   EXPECT_FALSE(OpenBroadcastReceiver(&second, {net::loopback, net::LocalPort(datagram)}));
   EXPECT_EQ(SocketErrorNumber(), EADDRINUSE);
   EXPECT_EQ(second.handle, -1);
+  EXPECT_FALSE(ListenSocket(&second, 3)) << "none";
   Socket accepted;
   SocketAddress peer;
   WakeSocket(&waker);
