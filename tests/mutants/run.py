@@ -126,9 +126,10 @@ class Slot:
                                stderr=subprocess.STDOUT, text=True, errors="replace")
         return "" if ended.returncode == 0 else ended.stdout or "failed"
 
-    def program(self):
-        files = [self.build / "bin" / "unit_tests", self.build / "plugin" / "lin.xpl"]
-        return [hashlib.sha256(file.read_bytes()).digest() for file in files if file.exists()]
+    def program(self, targets):
+        """What the targets have become, to compare."""
+        files = {"unit_tests": "bin/unit_tests", "tavrix": "plugin/lin.xpl", "offsetctl": "bin/offsetctl", "standin": "bin/standin"}
+        return [hashlib.sha256((self.build / files[target]).read_bytes()).digest() for target in targets]
 
     def test(self, tests, patience):
         """(passed, what happened): a hang, a crash and a failure are three ways of noticing."""
@@ -196,18 +197,22 @@ def bounds():
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
+def targets_of(tests):
+    return ("tavrix", "standin", "offsetctl") if tests.startswith("e2e ") else ("unit_tests",)
+
+
 class Run:
     def __init__(self, slot, mutants):
         self.slot = slot
         self.patience = {}
-        self.targets = {target for mutant in mutants
-                        for target in (("tavrix", "standin", "offsetctl") if mutant.tests.startswith("e2e ") else ("unit_tests",))}
         print("building the unchanged tree ...", flush=True)
         slot.configure()
-        failure = slot.make(self.targets)
-        if failure:
-            sys.exit(failure[-4000:])
-        self.unchanged = slot.program()
+        self.unchanged = {}
+        for targets in {targets_of(mutant.tests) for mutant in mutants}:
+            failure = slot.make(targets)
+            if failure:
+                sys.exit(failure[-4000:])
+            self.unchanged[targets] = slot.program(targets)
         for tests in dict.fromkeys(mutant.tests for mutant in mutants):  # only tests that pass now can notice a change
             started = time.monotonic()
             passed, told = slot.test(tests, 1800)
@@ -224,10 +229,11 @@ class Run:
             sys.exit(f"{mutant.file}: not there, or not once: {mutant.old}")
         file.write_text(before[:at] + mutant.new + before[at + len(mutant.old):])
         try:
-            failure = self.slot.make(self.targets)
+            targets = targets_of(mutant.tests)
+            failure = self.slot.make(targets)
             if failure:
                 return "invalid", next((line for line in failure.splitlines() if "error:" in line), failure[-200:])
-            if self.slot.program() == self.unchanged:
+            if self.slot.program(targets) == self.unchanged[targets]:
                 return "same", "the compiler makes the same program of it"
             passed, told = self.slot.test(mutant.tests, self.patience[mutant.tests])
             return ("survived" if passed else "killed"), told

@@ -222,18 +222,17 @@ TEST_F(StatusPageShortage, SaysSoAndAnswersWhenItCan) {
     ASSERT_TRUE(WaitUntil(StatusPageAnswers));
     EXPECT_EQ(CountText(Log(), "TAVRIX->Can't write the status page's log "), 1) << "and the page works";
   }
-  net::Client browser{};
-  ASSERT_TRUE(OpenSocket(&browser.tcp, Transport::Stream));
-  {
+  for (int times = 1; times <= 2; ++times) {
+    net::Client browser{};
+    ASSERT_TRUE(OpenSocket(&browser.tcp, Transport::Stream));
     const Order order(SystemKind::Socket, 1, 2);
     ASSERT_TRUE(net::ConnectTo(&browser, {net::loopback, statusPort}));
-    EXPECT_TRUE(WaitUntil([this] { return LogHas("TAVRIX->The status page cannot answer ("); }));
     const std::string request = "GET /";
     ASSERT_TRUE(SendStream(&browser.tcp, request.data(), request.size()));
     EXPECT_NE(net::ReceiveText(&browser).find("TAVRIX version"), std::string::npos);
+    EXPECT_EQ(CountText(Log(), "TAVRIX->The status page cannot answer ("), times) << "told once while it lasts";
+    net::Disconnect(&browser);
   }
-  EXPECT_EQ(CountText(Log(), "cannot answer ("), 1) << "told once while it lasts";
-  net::Disconnect(&browser);
   StopStatusPage();
 }
 
