@@ -13,7 +13,8 @@ extern "C" void UseFaultHooks(const FaultHooks* hooks);
 
 namespace shortage {
 
-// While it lives: the `number`th creation of that kind, from any thread, and those behind it fail, `times` in all.
+// While it lives: the `number`th creation of that kind, from any thread, and those behind it fail, `times` in
+// all.
 class Order {
  public:
   Order(SystemKind wanted, int number, int times = 1) : kind(wanted), first(number), last(number + times - 1) {
@@ -41,8 +42,8 @@ class Order {
   mutable std::mutex mutex;
 };
 
-// Each creation in `start` fails in its turn: `start` says so by what it returns and leaves nothing behind. In the end
-// nothing fails, and `stop` follows. At least `least` of them have to be found.
+// Each creation in `start` fails in its turn: `start` says so by what it returns and leaves nothing behind. In
+// the end nothing fails, and `stop` follows. At least `least` of them have to be found.
 inline void RefuseEach(const char* what, SystemKind kind, int least, const std::function<bool()>& start,
                        const std::function<void()>& stop) {
   SCOPED_TRACE(what);

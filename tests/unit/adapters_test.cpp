@@ -199,7 +199,8 @@ TEST_F(Adapters, NetworkClients) {
   sim::SimCommand("set xsquawkbox/atc/freq 122800");
   const std::pair<uint32_t, const char*> texts[] = {
       {5, state.callsign}, {6, state.metar}, {8, state.command}, {9, state.command}, {10, state.command}};
-  const char* const contents[] = {"atc/callsign", "weather/metar", "input/string", "input/string", "input/string"};
+  const char* const contents[] = {"atc/callsign", "weather/metar", "input/string", "input/string",
+                                  "input/string"};
   for (size_t i = 0; i < std::size(texts); ++i) {
     if (i < 3) EXPECT_STREQ(texts[i].second, "");
     for (size_t round = 0; round <= i; ++round) {
@@ -208,8 +209,8 @@ TEST_F(Adapters, NetworkClients) {
     EXPECT_STREQ(texts[i].second, contents[i]);
   }
   EXPECT_EQ(state.frequency, 122800);
-  const uint32_t counts[] = {state.frequencyChanges, state.metarsReceived, state.commandsTyped, state.aboutShown,
-                             state.textsReceived};
+  const uint32_t counts[] = {state.frequencyChanges, state.metarsReceived, state.commandsTyped,
+                             state.aboutShown, state.textsReceived};
   const uint32_t expected[] = {1, 2, 3, 4, 1};
   for (size_t i = 0; i < std::size(counts); ++i) EXPECT_EQ(counts[i], expected[i]) << i;
 

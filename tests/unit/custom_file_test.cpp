@@ -345,10 +345,34 @@ TEST(CustomCheck, PointsAtEveryProblem) {
     EXPECT_LE(std::count(list.begin(), list.end(), '\n'), 1) << c.line << "\n" << list;
   }
   for (const char* mark : {"\xFF\xFE", "\xFE\xFF"}) {
-    EXPECT_EQ(Findings(mark + head), "1:1 the file is stored as UTF-16 and nothing of it is understood: save it as ANSI or UTF-8\n");
+    EXPECT_EQ(Findings(mark + head),
+              "1:1 the file is stored as UTF-16 and nothing of it is understood: save it as ANSI or UTF-8\n");
   }
   EXPECT_NE(Findings("\n#" + std::string(4096, 'x')).find("2:1 the line has more than 4095"),
             std::string::npos);
+}
+
+TEST(CustomCheck, KnowsWhatBytesCanHold) {
+  const std::tuple<const char*, std::vector<const char*>, std::vector<const char*>> cases[] = {
+      // good, bad
+      {"UINT8", {"0", "255"}, {"-1", "256", "1.5"}},
+      {"SINT8", {"-128", "127"}, {"-129", "128"}},
+      {"UINT16", {"65535"}, {"-1", "65536"}},
+      {"SINT16", {"-32768", "32767"}, {"-32769", "32768"}},
+      {"UINT32", {"4294967295"}, {"-1", "4294967296"}},
+      {"SINT32", {"-2147483648", "2147483647"}, {"-2147483649", "2147483648"}},
+      {"UINT64", {"9223372036854775808"}, {"-1", "18446744073709551616"}},
+      {"SINT64", {"-9223372036854775808"}, {"9223372036854775808"}},
+      {"FLOAT32", {"0.5", "-1024"}, {"0.1"}},
+      {"FLOAT64", {"0.1", "1e300"}, {}}};
+  for (const auto& [type, good, bad] : cases) {
+    const auto fault = [type = type](const char* value) {
+      return Findings(std::string("Command 66C0 ") + type + " 1 " + value + " sim/x\n")
+                 .find("never has the value") != std::string::npos;
+    };
+    for (const char* value : good) EXPECT_FALSE(fault(value)) << type << ' ' << value;
+    for (const char* value : bad) EXPECT_TRUE(fault(value)) << type << ' ' << value;
+  }
 }
 
 TEST(CustomCheck, PointsAtWhatTheSimulatorDidNotFind) {

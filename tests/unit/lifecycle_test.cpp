@@ -347,11 +347,12 @@ TEST_F(Lifecycle, WithoutThreadsEachServiceIsMissedByName) {
     Begin();
     sim::SimFrames(5);
   }
-  for (const char* text :
-       {"Create Joystick Thread failed!\n", "TAVFARNET->Create Socket thread failed!\n", "Create ATC thread failed!\n",
-        "Create aircraft model thread failed! The simulator's own thread does its work: ",
-        "Create HTTP thread failed! There is no status page: ", "assigned joystick buttons and axes do nothing: ",
-        "network clients cannot connect: ", "other aircraft are not shown: "}) {
+  for (const char* text : {"Create Joystick Thread failed!\n", "TAVFARNET->Create Socket thread failed!\n",
+                           "Create ATC thread failed!\n",
+                           "Create aircraft model thread failed! The simulator's own thread does its work: ",
+                           "Create HTTP thread failed! There is no status page: ",
+                           "assigned joystick buttons and axes do nothing: ",
+                           "network clients cannot connect: ", "other aircraft are not shown: "}) {
     EXPECT_EQ(Logged(text), 1) << text;
   }
   EXPECT_EQ(Logged("Threads already started"), 0);
@@ -373,7 +374,8 @@ TEST_F(Lifecycle, WhatTheSimulatorRefusesIsTold) {
     EXPECT_EQ(SimCommand("reload"), "ok");
     EXPECT_EQ(Logged(text), 1) << fault;
     EXPECT_EQ(Logged("The simulator refuses a part"), text.starts_with(menu) ? 1 : 0) << fault;
-    EXPECT_NE(SimCommand("menu").find("Push Back Settings") != std::string::npos, text == menu + "TAVRIX): ") << fault;
+    EXPECT_NE(SimCommand("menu").find("Push Back Settings") != std::string::npos, text == menu + "TAVRIX): ")
+        << fault;
   }
   EXPECT_EQ(SimCommand("reload"), "ok");
   EXPECT_EQ(Logged("The simulator refuses") + Logged("terrain probe"), 0);

@@ -1,6 +1,5 @@
 // Main log and trace log: format of the lines, reopening, failure of the folder, use by several threads.
 #include "base/log.h"
-#include "base/log_quiet.h"
 
 #include <gtest/gtest.h>
 
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "base/locks.h"
+#include "base/log_quiet.h"
 #include "platform/clock.h"
 #include "platform/system.h"
 #include "platform/thread.h"
@@ -131,11 +131,13 @@ TEST_F(Log, PiecesAreWrittenAsTheLibraryDoes) {
   reports = {folder + "TAVRIX.txt"};
   ExpectAsPrinted("%f %ld %lld|%zu %td %jd %hd %hhd\n", -0.5, -70000L, 1LL << 40, size_t{9}, ptrdiff_t{-9},
                   intmax_t{1} << 50, 3, 4);
-  ExpectAsPrinted("%p %c %x %X %o %u %+d %e\n", static_cast<void*>(&reports), 'x', 255U, 255U, 8U, 3000000000U, 5, 12345.678);
+  ExpectAsPrinted("%p %c %x %X %o %u %+d %e\n", static_cast<void*>(&reports), 'x', 255U, 255U, 8U, 3000000000U,
+                  5, 12345.678);
   ExpectAsPrinted("%Lf %Lg%%|\n", 1.25L, 0.5L);
   ExpectAsPrinted("%-9.3f|%*.*f|% f|%.0f|%G|%s\n", 1.5, 9, 2, -2.25, 3.0, 4.0, 1e-30, "end");
   ExpectAsPrinted("%200.2f|%150s|\n", 1.5, "wide");
-  ExpectAsPrinted("%f %F %E|\n", std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::infinity(), 0.0);
+  ExpectAsPrinted("%f %F %E|\n", std::numeric_limits<double>::quiet_NaN(),
+                  -std::numeric_limits<double>::infinity(), 0.0);
   reports.clear();
 }
 

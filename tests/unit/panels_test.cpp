@@ -34,10 +34,12 @@ TEST_F(Panels, Menu) {
   EXPECT_EQ(SimCommand("menu"), menu) << "once again, and no second time";
 }
 
-// Whichever widget of a window the simulator refuses: the window is not there, the line says so, and nothing is left.
+// Whichever widget of a window the simulator refuses: the window is not there, the line says so, and nothing is
+// left.
 TEST_F(Panels, AWindowIsMadeWholeOrNotAtAll) {
   for (const char* item : items) {
-    const std::string title = TitleOf(item), line = "TAVRIX->The simulator cannot make the window \"" + title + "\": ";
+    const std::string title = TitleOf(item),
+                      line = "TAVRIX->The simulator cannot make the window \"" + title + "\": ";
     const int before = sim::WidgetCount();
     int refused = 0;
     for (;; ++refused) {

@@ -90,7 +90,8 @@ TEST_F(FlightRows, ReadsSimpleValues) {
   CheckReads("sim/aircraft/parts/acf_gear_deploy[1]", C3, {{0x0BF4, U32, 0.25, 4095}});
   CheckReads("sim/flightmodel/parts/tire_steer_act", C3, {{0x6D8A, S16, -12.5, -1250}});
   CheckReads(CONTROLS "r_brake_add", C3, {{0x0BCA, U16, 0.25, 16383}});
-  CheckReads(CONTROLS "parkbrake", C3, {{0x0BC8, U16, 1, 32767}, {0x0BC4, S16, 1, 16383}, {0x0BC4, S16, 0.5, 0}});
+  CheckReads(CONTROLS "parkbrake", C3,
+             {{0x0BC8, U16, 1, 32767}, {0x0BC4, S16, 1, 16383}, {0x0BC4, S16, 0.5, 0}});
   CheckReads(CONTROLS "l_brake_add", C3, {{0x3416, S16, 0.5, 8191}});
   CheckReads("sim/cockpit/switches/auto_brake_settings", C31, {{0x2F80, U8, 4, 4}});
 

@@ -419,11 +419,13 @@ TEST_F(RadioRows, SituationFilesThatFailAreTold) {
     uint16_t command;
     const char* told;
     uint16_t loads;
-  } cases[] = {{"a.sit", 1, "", 0},
-               {"a.sit", 0, "", 1},
-               {"b.sit", 0, "could not load the situation file \"b.sit\" for a client: look whether it lies in", 1},
-               {"no such folder/a.sit", 1, "could not save the situation file \"no such folder/a.sit\" for a client: look", 1},
-               {"a.sit", 0, "", 2}};
+  } cases[] = {
+      {"a.sit", 1, "", 0},
+      {"a.sit", 0, "", 1},
+      {"b.sit", 0, "could not load the situation file \"b.sit\" for a client: look whether it lies in", 1},
+      {"no such folder/a.sit", 1,
+       "could not save the situation file \"no such folder/a.sit\" for a client: look", 1},
+      {"a.sit", 0, "", 2}};
   for (const auto& test : cases) {
     rows::WriteBytes(0x3F04, test.name, static_cast<uint32_t>(std::strlen(test.name) + 1));
     EXPECT_TRUE(tools::WaitUntil([&] {  // a line a second

@@ -316,12 +316,15 @@ TEST_F(SettingsFile, ALargeFileCostsNoMoreThanItsText) {
 TEST_F(SettingsFile, ValuesWithoutAMeaningAreTold) {
   const std::string flaps = "[TAVRIX FLAPS SETTINGS]\n";
   const std::pair<std::string, const char*> cases[] = {
-      {"[TAVRIX SETTINGS]\nStatus page = Some", "\"Status page\" in TAVRIX.ini is All, Local or Off, not Some: it counts as Off\n"},
+      {"[TAVRIX SETTINGS]\nStatus page = Some",
+       "\"Status page\" in TAVRIX.ini is All, Local or Off, not Some: it counts as Off\n"},
       {"[TAVRIX SETTINGS]\nStatus page = Off", ""},
-      {flaps + "Flap Settings = active", "\"Flap Settings\" in TAVRIX.ini is Active or Inactive, not active: it counts as Inactive\n"},
+      {flaps + "Flap Settings = active",
+       "\"Flap Settings\" in TAVRIX.ini is Active or Inactive, not active: it counts as Inactive\n"},
       {flaps + "Flap Settings = Inactive", ""},
       {flaps + "Number of Detends = 11", "is 2 to 10, not 11: what was in force stays\n"},
-      {flaps + "Flap detend 3 = 1,x", "\"Flap detend 3\" in TAVRIX.ini is up to three numbers, not 1,x: it counts as empty\n"},
+      {flaps + "Flap detend 3 = 1,x",
+       "\"Flap detend 3\" in TAVRIX.ini is up to three numbers, not 1,x: it counts as empty\n"},
       {flaps + "Flap detend 3 = 1,2,3", ""}};
   int lines = 0;
   for (const auto& [text, told] : cases) {

@@ -1,5 +1,5 @@
-// The system refuses each thing that a start creates, in its turn: whoever starts says so, leaves nothing behind, and
-// starts the next time.
+// The system refuses each thing that a start creates, in its turn: whoever starts says so, leaves nothing
+// behind, and starts the next time.
 #include "shortage.h"
 
 #include <cstring>
@@ -76,17 +76,20 @@ TEST(Threads, DetachedWorkIsFinishedOrLeftAlone) {
 
 TEST(Events, AreRefusedWhole) {
   Event event;
-  RefuseEach("event", SystemKind::Event, 1, [&] { return CreateAutoEvent(&event); }, [&] { CloseEvent(&event); });
+  RefuseEach(
+      "event", SystemKind::Event, 1, [&] { return CreateAutoEvent(&event); }, [&] { CloseEvent(&event); });
   SocketWaker waker;
   ASSERT_TRUE(OpenSocketLibrary());
-  RefuseEach("waker", SystemKind::Event, 1, [&] { return CreateWaker(&waker); }, [&] { CloseWaker(&waker); });
+  RefuseEach(
+      "waker", SystemKind::Event, 1, [&] { return CreateWaker(&waker); }, [&] { CloseWaker(&waker); });
   CloseSocketLibrary();
 }
 
 TEST(System, FilesAreRefusedWithAReason) {
   const std::string folder = testing::TempDir() + "tavrix_shortage", path = folder + "/a";
   std::filesystem::remove_all(folder);
-  RefuseEach("folder", SystemKind::File, 1, [&] { return CreateFolders(folder.c_str()); }, [] {});
+  RefuseEach(
+      "folder", SystemKind::File, 1, [&] { return CreateFolders(folder.c_str()); }, [] {});
   for (const OpenMode mode : {OpenMode::Empty, OpenMode::Append, OpenMode::Read}) {
     FILE* file = nullptr;
     OpenFailure failure;
@@ -283,7 +286,8 @@ TEST_F(NetShortage, TheServerStartsWholeOrNotAtAll) {
 TEST_F(NetShortage, ClientsAreTurnedAwayAndTheNextIsServed) {
   ASSERT_TRUE(OpenNetworkServer() && StartNetworkServer());
   ASSERT_TRUE(WaitUntil(AnnouncementRuns));
-  const char* const lines[] = {"TAVFARNET->Creating burst thread failed\n", "TAVFARNET->Creating thread no. 1 failed\n"};
+  const char* const lines[] = {"TAVFARNET->Creating burst thread failed\n",
+                               "TAVFARNET->Creating thread no. 1 failed\n"};
   for (int number = 1; number <= 2; ++number) {
     net::Client refused, served;
     {
@@ -294,7 +298,8 @@ TEST_F(NetShortage, ClientsAreTurnedAwayAndTheNextIsServed) {
       EXPECT_TRUE(WaitUntil(IsShortOfResources));
     }
     EXPECT_EQ(ConnectedClients(), 0U);
-    EXPECT_TRUE(WaitUntil([&] { return CountText(Log(), "no handles or memory left for another client") == number; }));
+    EXPECT_TRUE(
+        WaitUntil([&] { return CountText(Log(), "no handles or memory left for another client") == number; }));
     EXPECT_EQ(CountText(Log(), lines[number - 1]), 1) << Log();
     ASSERT_TRUE(net::Connect(&served));
     EXPECT_TRUE(WaitUntil([] { return ConnectedClients() == 1; }));
@@ -310,8 +315,11 @@ TEST_F(NetShortage, ClientsAreTurnedAwayAndTheNextIsServed) {
 TEST_F(NetShortage, AClientsNameIsLookedUpOnce) {
   ASSERT_TRUE(OpenNetworkServer() && StartNetworkServer());
   ASSERT_TRUE(WaitUntil(AnnouncementRuns));
-  const auto lines = [this] { return CountText(Log(), "no thread to look up the name of 127.0.0.1: it stays \"unknown\"; "); };
-  // Behind those of the bursts and of the session, mostly: the session's may be the later one, and is refused then.
+  const auto lines = [this] {
+    return CountText(Log(), "no thread to look up the name of 127.0.0.1: it stays \"unknown\"; ");
+  };
+  // Behind those of the bursts and of the session, mostly: the session's may be the later one, and is refused
+  // then.
   for (int attempt = 0, number = 1000; lines() == 0; ++attempt, number = 3) {
     ASSERT_LT(attempt, 20);
     net::Client client;
@@ -332,27 +340,29 @@ struct RelayShortage : NetShortage {};
 TEST_F(RelayShortage, IsTold) {
   int failed = 0;
   for (const RelayRole role : {RelayRole::Sender, RelayRole::Receiver}) {
-    RefuseEach("socket", SystemKind::Socket, 1,
-               [&] {
-                 const bool opened = OpenRelay(role);
-                 EXPECT_EQ(std::string(relayReasonText).rfind("UDP port ", 0) == 0, !opened) << relayReasonText;
-                 failed += opened ? 0 : 1;
-                 return opened;
-               },
-               CloseRelay);
+    RefuseEach(
+        "socket", SystemKind::Socket, 1,
+        [&] {
+          const bool opened = OpenRelay(role);
+          EXPECT_EQ(std::string(relayReasonText).rfind("UDP port ", 0) == 0, !opened) << relayReasonText;
+          failed += opened ? 0 : 1;
+          return opened;
+        },
+        CloseRelay);
   }
   EXPECT_EQ(CountText(Log(), "TAVRIX->UDP Broadcast server init FAILED\n"), failed);
   for (const SystemKind kind : {SystemKind::Thread, SystemKind::Event}) {
     const int before = CountText(Log(), "nothing comes from the other simulator");
     int refused = 0;
-    RefuseEach("thread", kind, 1,
-               [&] {
-                 if (StartRelayThread()) return true;
-                 EXPECT_STREQ(relayReasonText, "the system gives no thread to receive with");
-                 ++refused;
-                 return false;
-               },
-               StopRelayThread);
+    RefuseEach(
+        "thread", kind, 1,
+        [&] {
+          if (StartRelayThread()) return true;
+          EXPECT_STREQ(relayReasonText, "the system gives no thread to receive with");
+          ++refused;
+          return false;
+        },
+        StopRelayThread);
     EXPECT_EQ(CountText(Log(), "nothing comes from the other simulator"), before + refused);
   }
 }

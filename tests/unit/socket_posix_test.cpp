@@ -20,7 +20,8 @@ struct NetSockets : testing::Test {
   Socket stream, datagram;
   SocketWaker waker;
   void SetUp() override {
-    ASSERT_TRUE(OpenSocket(&stream, Transport::Stream) && OpenSocket(&datagram, Transport::Datagram) && CreateWaker(&waker));
+    ASSERT_TRUE(OpenSocket(&stream, Transport::Stream) && OpenSocket(&datagram, Transport::Datagram) &&
+                CreateWaker(&waker));
   }
   void TearDown() override {
     CloseSocket(&stream);
@@ -40,11 +41,15 @@ TEST_F(NetSockets, Options) {
   EXPECT_TRUE(SetMulticastInterface(&datagram, net::loopback));
   EXPECT_FALSE(SetMulticastInterface(&datagram, 0x01020304)) << "not this computer's";
   const std::tuple<const Socket*, int, int, int> wanted[] = {
-      {&stream, SOL_SOCKET, SO_KEEPALIVE, 1},   {&stream, IPPROTO_TCP, TCP_KEEPIDLE, 10},
-      {&stream, IPPROTO_TCP, TCP_KEEPINTVL, 5}, {&stream, IPPROTO_TCP, TCP_KEEPCNT, 3},
-      {&datagram, SOL_SOCKET, SO_BROADCAST, 1}, {&datagram, SOL_SOCKET, SO_SNDBUF, 20000},  // the system doubles it
+      {&stream, SOL_SOCKET, SO_KEEPALIVE, 1},
+      {&stream, IPPROTO_TCP, TCP_KEEPIDLE, 10},
+      {&stream, IPPROTO_TCP, TCP_KEEPINTVL, 5},
+      {&stream, IPPROTO_TCP, TCP_KEEPCNT, 3},
+      {&datagram, SOL_SOCKET, SO_BROADCAST, 1},
+      {&datagram, SOL_SOCKET, SO_SNDBUF, 20000},  // the system doubles it
       {&datagram, IPPROTO_IP, IP_MULTICAST_LOOP, 0}};
-  for (const auto& [socket, level, option, value] : wanted) EXPECT_EQ(Option(*socket, level, option), value) << option;
+  for (const auto& [socket, level, option, value] : wanted)
+    EXPECT_EQ(Option(*socket, level, option), value) << option;
   for (const intptr_t handle : {stream.handle, datagram.handle, waker.handle}) {
     EXPECT_EQ(fcntl(static_cast<int>(handle), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
   }
@@ -96,18 +101,24 @@ TEST_F(NetSockets, WaitsEndInTime) {
 }
 
 TEST(NetErrors, AreClassified) {
-  const std::pair<int, SocketFault> cases[] = {
-      {EADDRINUSE, SocketFault::PortTaken},  {EACCES, SocketFault::PortTaken},   {EADDRNOTAVAIL, SocketFault::AddressNotHere},
-      {EMFILE, SocketFault::NoResources},    {ENFILE, SocketFault::NoResources}, {ENOBUFS, SocketFault::NoResources},
-      {ENOMEM, SocketFault::NoResources},    {ECONNRESET, SocketFault::Other},   {0, SocketFault::Other}};
+  const std::pair<int, SocketFault> cases[] = {{EADDRINUSE, SocketFault::PortTaken},
+                                               {EACCES, SocketFault::PortTaken},
+                                               {EADDRNOTAVAIL, SocketFault::AddressNotHere},
+                                               {EMFILE, SocketFault::NoResources},
+                                               {ENFILE, SocketFault::NoResources},
+                                               {ENOBUFS, SocketFault::NoResources},
+                                               {ENOMEM, SocketFault::NoResources},
+                                               {ECONNRESET, SocketFault::Other},
+                                               {0, SocketFault::Other}};
   for (const auto& [number, fault] : cases) {
     EXPECT_EQ(ClassifySocketError(number), fault) << number;
     errno = number;
     EXPECT_EQ(SocketErrorNumber(), number);
     EXPECT_EQ(SystemErrorNumber(), number);
   }
-  const std::pair<int, const char*> remedies[] = {{EMFILE, shortageRemedy}, {ENFILE, shortageRemedy}, {ENOMEM, shortageRemedy},
-                                                  {ENOSPC, fullDiskRemedy}, {EDQUOT, fullDiskRemedy}, {EFBIG, fullDiskRemedy}};
+  const std::pair<int, const char*> remedies[] = {{EMFILE, shortageRemedy}, {ENFILE, shortageRemedy},
+                                                  {ENOMEM, shortageRemedy}, {ENOSPC, fullDiskRemedy},
+                                                  {EDQUOT, fullDiskRemedy}, {EFBIG, fullDiskRemedy}};
   for (const auto& [number, remedy] : remedies) {
     errno = number;
     EXPECT_STREQ(SystemErrorRemedy(), remedy) << number;
@@ -118,7 +129,8 @@ TEST(NetErrors, AreClassified) {
 
 // Nothing but plain files is opened, and no wait for who may be at a pipe's other end.
 TEST(System, WhatIsNoPlainFileIsLeftAlone) {
-  const std::string folder = testing::TempDir() + "tavrix_no_files/", pipe = folder + "pipe", none = folder + "none";
+  const std::string folder = testing::TempDir() + "tavrix_no_files/", pipe = folder + "pipe",
+                    none = folder + "none";
   std::filesystem::remove_all(folder);
   std::filesystem::create_directories(folder);
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -135,7 +147,8 @@ TEST(System, WhatIsNoPlainFileIsLeftAlone) {
   EXPECT_EQ(OpenPlainFile(none.c_str(), OpenMode::Read, &failure), nullptr);
   EXPECT_TRUE(failure.missing);
   EXPECT_TRUE(IsFileOrNothing(none.c_str()));
-  for (const auto& [mode, text] : {std::pair{OpenMode::Empty, "ab"}, {OpenMode::Append, "abab"}, {OpenMode::Empty, "ab"}}) {
+  for (const auto& [mode, text] :
+       {std::pair{OpenMode::Empty, "ab"}, {OpenMode::Append, "abab"}, {OpenMode::Empty, "ab"}}) {
     FILE* file = OpenPlainFile(none.c_str(), mode, &failure);
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(fcntl(fileno(file), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
