@@ -11,7 +11,7 @@ Mutant = namedtuple("Mutant", "name room file old new tests line after")
 
 # What this system does not compile, or the test program does not link.
 LEFT_OUT = re.compile(r"src/platform/win32/|src/platform/module_end\.cpp|src/offsets/window_server\.cpp|_win32\.cpp|main\.cpp$|^simulator/host/")
-QUIET = re.compile(r"\b(?:Log(?:Line|Own|Both|Network|Stamped)|TraceLine|static_assert)\(")
+QUIET = re.compile(r"\b(?:Log(?:Line|Own|Both|Network|Stamped)|TraceLine|static_assert|assert)\(")
 OPPOSITE = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "&&": "||", "||": "&&"}
 TEXTS = re.compile(r'//[^\n]*|/\*.*?\*/|R"(\w*)\(.*?\)\1"|"(?:\\.|[^"\\\n])*"|(?<!\w)\'(?:\\.|[^\'\\])\'', re.S)
 SIMPLE = r"[&*]?\w+(?:(?:\.|->)\w+|\[\w+\])*"
