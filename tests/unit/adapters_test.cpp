@@ -202,7 +202,7 @@ TEST_F(Adapters, NetworkClients) {
   const char* const contents[] = {"atc/callsign", "weather/metar", "input/string", "input/string",
                                   "input/string"};
   for (size_t i = 0; i < std::size(texts); ++i) {
-    if (i < 3) EXPECT_STREQ(texts[i].second, "");
+    EXPECT_STREQ(texts[i].second, i < 3 ? "" : contents[i]);
     for (size_t round = 0; round <= i; ++round) {
       ReceiveAdapterMessage(id, static_cast<int>(0x80000000 + texts[i].first), nullptr);
     }

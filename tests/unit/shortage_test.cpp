@@ -65,7 +65,7 @@ TEST(Threads, DetachedWorkIsFinishedOrLeftAlone) {
   for (const bool done : {true, false}) {
     stage = done ? 1 : 0;
     ASSERT_TRUE(start());
-    if (done) ASSERT_TRUE(WaitUntil([] { return stage.load() == 2; }));
+    ASSERT_TRUE(WaitUntil([&] { return !done || stage.load() == 2; }));
     LeaveDetached(&running);
     EXPECT_EQ(running, nullptr);
     stage = 1;
@@ -129,7 +129,7 @@ TEST_F(SettingsFileShortage, TheOldFileStaysAndTheReasonIsTold) {
     EXPECT_STRNE(SettingsFault(), "");
     EXPECT_EQ(tools::ReadFile(path), "[A]\nb=1\n");
     EXPECT_EQ(CountText(Log(), path), ++lines) << Log();
-    if (LogHas(fullDiskRemedy)) EXPECT_FALSE(std::filesystem::exists(path + ".tmp")) << "the name was refused";
+    EXPECT_FALSE(LogHas(fullDiskRemedy) && std::filesystem::exists(path + ".tmp")) << "the name was refused";
     return false;
   };
   RefuseEach("settings", SystemKind::File, 3, write, [] {});
