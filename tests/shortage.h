@@ -14,32 +14,38 @@ extern "C" void UseFaultHooks(const FaultHooks* hooks);
 namespace shortage {
 
 // While it lives: the `number`th creation of that kind, from any thread, and those behind it fail, `times` in
-// all.
+// all. One at a time. What threads look at outlives it.
 class Order {
  public:
-  Order(SystemKind wanted, int number, int times = 1) : kind(wanted), first(number), last(number + times - 1) {
-    current = this;
-    static constexpr FaultHooks hooks = {.fails = [](SystemKind asked) { return current->Take(asked); },
-                                         .clockJump = [] { return int64_t{0}; }};
+  Order(SystemKind kind, int number, int times = 1) {
+    static constexpr FaultHooks hooks = {.fails = Take, .clockJump = [] { return int64_t{0}; }};
+    Give({kind, number, number + times - 1, 0});
     UseFaultHooks(&hooks);
   }
-  ~Order() { UseFaultHooks(nullptr); }
+  ~Order() { Give(nothing); }
   Order(const Order&) = delete;
   Order& operator=(const Order&) = delete;
   bool Taken() const {
     const std::lock_guard<std::mutex> lock(mutex);
-    return count >= first;
+    return state.count >= state.first;
   }
 
  private:
-  bool Take(SystemKind asked) {
+  struct State {
+    SystemKind kind;
+    int first, last, count;
+  };
+  static void Give(const State& given) {
     const std::lock_guard<std::mutex> lock(mutex);
-    return asked == kind && ++count >= first && count <= last;
+    state = given;
   }
-  static inline Order* current = nullptr;
-  SystemKind kind;
-  int first, last, count = 0;
-  mutable std::mutex mutex;
+  static bool Take(SystemKind asked) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return asked == state.kind && ++state.count >= state.first && state.count <= state.last;
+  }
+  static inline std::mutex mutex;
+  static constexpr State nothing = {SystemKind::Thread, 1, 0, 0};
+  static inline State state = nothing;
 };
 
 // Each creation in `start` fails in its turn: `start` says so by what it returns and leaves nothing behind. In

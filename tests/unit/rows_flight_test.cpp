@@ -83,8 +83,9 @@ TEST_F(FlightRows, ReadsSimpleValues) {
   CheckReads(CONTROLS "lail1def", C1, {{0x0BB8, S16, 30, -16383}, {0x2EA8, F64, 18, -pi, 1e-9}});
   CheckReads(CONTROLS "ldruddef", C1, {{0x0BBC, S16, -30, -16383}});
   CheckReads(CONTROLS "elv_trim", C13, {{0x2EA0, F64, 1, 10 * pi / 180, 1e-9}});
-  CheckReads(CONTROLS "sbrkrqst", C13,
-             {{0x0BD0, U32, -0.5, 4800}, {0x0BD0, U32, 0, 0}, {0x0BD0, U32, 0.5, 10591}, {0x0BD0, U32, 1, 16383}});
+  CheckReads(
+      CONTROLS "sbrkrqst", C13,
+      {{0x0BD0, U32, -0.5, 4800}, {0x0BD0, U32, 0, 0}, {0x0BD0, U32, 0.5, 10591}, {0x0BD0, U32, 1, 16383}});
   CheckReads(CONTROLS "sbrkrat", C13, {{0x0BD4, U32, -0.5, 0}, {0x0BD8, U32, 1, 16383}});
   CheckReads(CONTROLS "wing1r_fla1def", C7, {{0x30F4, S16, 40, 10240}});
   CheckReads("sim/cockpit/switches/gear_handle_status", C3, {{0x0BE8, U32, 1, 16383}});
