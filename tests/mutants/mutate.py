@@ -10,7 +10,8 @@ from pathlib import Path
 Mutant = namedtuple("Mutant", "name room file old new tests line after")
 
 # What this system does not compile, or the test program does not link.
-LEFT_OUT = re.compile(r"src/platform/win32/|src/platform/module_end\.cpp|src/offsets/window_server\.cpp|_win32\.cpp|main\.cpp$|^simulator/host/")
+LEFT_OUT = re.compile(r"src/platform/win32/|src/platform/module_end\.cpp|src/offsets/window_server\.cpp|_win32\.cpp|"
+                      r"main\.cpp$|^simulator/host/")
 QUIET = re.compile(r"\b(?:Log(?:Line|Own|Both|Network|Stamped)|TraceLine|static_assert|assert)\(")
 OPPOSITE = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "&&": "||", "||": "&&"}
 TEXTS = re.compile(r'//[^\n]*|/\*.*?\*/|R"(\w*)\(.*?\)\1"|"(?:\\.|[^"\\\n])*"|(?<!\w)\'(?:\\.|[^\'\\])\'', re.S)
@@ -45,7 +46,8 @@ def code_of(text):
         end = closing(text, match.end() - 1)
         text = text[:match.start()] + blank(text[match.start():end]) + text[end:]
     # Buffers that are only declared, how many are declared of what follows, and what a declaration says of its type.
-    text = re.sub(r"^([ \t]*(?:inline |static |const |constexpr )*[\w:<>]+ \w+\[)(\d+)(?=\] = )", lambda match: match[1] + blank(match[2]), text, flags=re.M)
+    text = re.sub(r"^([ \t]*(?:inline |static |const |constexpr )*[\w:<>]+ \w+\[)(\d+)(?=\] = )",
+                  lambda match: match[1] + blank(match[2]), text, flags=re.M)
     text = re.sub(r"^[ \t]*(?:inline |static |extern )*[\w:<>]+ [&(]*\w+\)?\[[^\n\]]*\](?: = \{\})?;",
                   lambda match: blank(match[0]), text, flags=re.M)
     return re.sub(r"^[ \t]*(?:using|template|typedef|enum|friend|namespace)\b[^\n]*", lambda match: blank(match[0]), text, flags=re.M)

@@ -3,8 +3,9 @@
 
   tests/mutants/run.py                        every change of listed.txt
   tests/mutants/run.py shell "ATC texts"      those of a room, or whose name holds the text
-  tests/mutants/run.py --sample 60 --seed 1   as many drawn by a mechanical rule, over all rooms (or those named; with
-                                              `log.cpp:126` behind it, that one of them again)
+  tests/mutants/run.py --sample 60 --seed 1   as many drawn by a mechanical rule, over all rooms (or those named, also
+                                              offsetctl, cockpit, simulator; with `log.cpp:126` behind it, that one of
+                                              them again)
   --check finds the listed texts only, --dry shows what would be changed. Exit status: 0 when nothing survives of the
   list, or less than a tenth of a sample."""
 import argparse
@@ -51,8 +52,7 @@ FILTERS = {
 # Without optimisation and warnings; with the sanitizers and the assertions of the offset lock, as in `./test`.
 CONFIGURE = ["-G", "Ninja", "-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O0 -w", "-DTAVRIX_CHECK_LOCKS=ON",
              "-DTAVRIX_SANITIZE=address,undefined"]
-# A changed program must not fill the machine's memory. The sanitizer's own libraries are the first to be loaded, also
-# into a Python that loads what is built here.
+# A changed program must not fill the machine's memory.
 SANITIZERS = {"ASAN_OPTIONS": "detect_leaks=1:hard_rss_limit_mb=4000", "UBSAN_OPTIONS": "print_stacktrace=0"}
 PARTS = 4  # of the unit tests at a time: most of them wait most of the time
 NETWORK = 'ip link set lo up && ip link set lo multicast on && ip route add 224.0.0.0/4 dev lo && exec "$@"'
@@ -128,7 +128,8 @@ class Slot:
 
     def program(self, targets):
         """What the targets have become, to compare."""
-        files = {"unit_tests": "bin/unit_tests", "tavrix": "plugin/lin.xpl", "offsetctl": "bin/offsetctl", "standin": "bin/standin"}
+        files = {"unit_tests": "bin/unit_tests", "tavrix": "plugin/lin.xpl", "offsetctl": "bin/offsetctl",
+                 "standin": "bin/standin"}
         return [hashlib.sha256((self.build / files[target]).read_bytes()).digest() for target in targets]
 
     def test(self, tests, patience):
@@ -192,7 +193,8 @@ class Slot:
 
 
 def bounds():
-    """A changed program must not fill the machine's disk; its memory is the sanitizer's to limit, which reserves terabytes."""
+    """A changed program must not fill the machine's disk; its memory is the sanitizer's to limit, which reserves more
+    than there is."""
     resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 30, 1 << 30))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
@@ -264,7 +266,8 @@ def main():
         return 1 if lost else 0
     texts = [name for name in options.names if name not in FILTERS]
     if options.sample:
-        rooms = [room for room in FILTERS if room in options.names] or [room for room in FILTERS if room not in BESIDE]
+        rooms = ([room for room in FILTERS if room in options.names] or
+                 [room for room in FILTERS if room not in BESIDE])
         supply, wanted = draw(TOP, FILTERS, rooms, options.sample, options.seed)
         if texts:  # of the same draw
             again = [mutant for room in rooms for mutant in islice(supply[room], 3 * wanted[room])
