@@ -77,6 +77,39 @@ TEST_F(NetSockets, ListenersShareNoPortAndDoNotBlock) {
   EXPECT_EQ(AcceptSocket(&stream, &waker, &accepted, &peer), 0);
 }
 
+// A socket for all addresses of this computer, which tells apart where a datagram was sent to.
+TEST_F(NetSockets, BroadcastReceiversPassOverWhatIsForOthers) {
+  ASSERT_TRUE(OpenBroadcastReceiver(&datagram, {net::loopback, 0}));
+  Socket sender;
+  ASSERT_TRUE(OpenSocket(&sender, Transport::Datagram) && BindSocket(&sender, {net::loopback, 0}));
+  const uint16_t port = net::LocalPort(datagram);
+  uint8_t number = 0, got = 0;
+  for (const uint32_t to : {0x7F000002U, net::loopback, 0x7F000003U, 0x7FFFFFFFU, 0x7F000002U, 0x7F0000FFU}) {
+    ++number;
+    AllowBroadcast(&sender);
+    ASSERT_TRUE(SendDatagram(&sender, &number, 1, {to, port})) << to;
+  }
+  SocketAddress from = {};
+  const auto receive = [&](int timeoutMs) {
+    return ReceiveBroadcast(&datagram, {.waker = &waker,
+                                        .timeoutMs = timeoutMs,
+                                        .address = net::loopback,
+                                        .buffer = &got,
+                                        .size = 1,
+                                        .from = &from});
+  };
+  for (const uint8_t expected : {2, 4, 6}) {
+    EXPECT_EQ(receive(net::patienceMs), 1);
+    EXPECT_EQ(got, expected);
+    EXPECT_EQ(from.ip, net::loopback);
+    EXPECT_EQ(from.port, net::LocalPort(sender));
+  }
+  EXPECT_EQ(receive(20), receiveTimedOut);
+  WakeSocket(&waker);
+  EXPECT_EQ(receive(-1), receiveWoken);
+  CloseSocket(&sender);
+}
+
 TEST_F(NetSockets, WaitsEndInTime) {
   ASSERT_TRUE(BindSocket(&datagram, {net::loopback, 0}));
   uint8_t buffer[100];
