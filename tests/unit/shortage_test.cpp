@@ -323,7 +323,7 @@ TEST_F(NetShortage, AClientsNameIsLookedUpOnce) {
   for (int attempt = 0, number = 1000; lines() == 0; ++attempt, number = 3) {
     ASSERT_LT(attempt, 20);
     net::Client client;
-    const Order order(SystemKind::Thread, number);
+    const Order order(SystemKind::Thread, number, 1000);
     ASSERT_TRUE(net::Connect(&client));
     EXPECT_TRUE(WaitUntil([] {
       const LockScope lock(&clientListLock);
