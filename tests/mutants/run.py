@@ -3,8 +3,9 @@
 
   tests/mutants/run.py                        every change of listed.txt
   tests/mutants/run.py shell "ATC texts"      those of a room, or whose name holds the text
-  tests/mutants/run.py --sample 60 --seed 1   as many drawn by a mechanical rule, over all rooms (or those named; with
-                                              `log.cpp:126` behind it, that one of them again)
+  tests/mutants/run.py --sample 60 --seed 1   as many drawn by a mechanical rule, over all rooms (or those named, also
+                                              offsetctl, cockpit, simulator; with `log.cpp:126` behind it, that one of
+                                              them again)
   --check finds the listed texts only, --dry shows what would be changed. Exit status: 0 when nothing survives of the
   list, or less than a tenth of a sample."""
 import argparse
@@ -13,6 +14,7 @@ import hashlib
 import os
 import re
 import resource
+import shlex
 import shutil
 import signal
 import subprocess
@@ -22,32 +24,37 @@ import time
 from itertools import islice
 from pathlib import Path
 
-from mutate import Mutant, draw, room_of
+from mutate import BESIDE, Mutant, draw, room_of
 
 TOP = Path(__file__).resolve().parents[2]
 LIST = Path(__file__).with_name("listed.txt")
 # The unit tests of each room.
 FILTERS = {
     "aircraft": "Adapters.*",
-    "base": "Log*:Bounded.*:Files.*:Plugin.*:Locks.*:Request.*",
+    "base": "Log*:Bounded.*:Files.*:Plugin.*:Locks*:Request.*",
     "bridge": "FlightRows.*:EngineRows.*:RadioRows.*:Stations.*:WeatherArea.*:Catalogue*:Readers*:*RowOrders*:StartNames.*:"
               "Versions.*:VersionedRows.*:Adapters.*:CustomRuntime.Client*",
     "controls": "Axis*:Axes*:Button*",
     "custom": "Custom*",
     "net": "Net*:Frames.*:Relay*:Permissions.*",
-    "offsets": "Request*:NetworkFolder.*:WeatherArea.*:Catalogue*",
+    "offsets": "Request*:NetworkFolder.*:WeatherArea.*:Catalogue*:Lifecycle.*",
     "panels": "Panels*:AxisPanels*:ButtonPanel*",
-    "platform": "Locks.*:Events.*:Thread*:System.*:Exceptions.*:RequestMemory.*:Files.*:Advice.*:Net*",
+    "platform": "Locks*:Events.*:Thread*:System.*:Exceptions.*:RequestMemory.*:Files.*:Advice.*:Net*",
     "pushback": "Pushback.*",
     "settings": "Settings*:AtcText*",
     "shell": "Lifecycle*:*EntryPoints*:Plugin*:AtcText*:Advice*:Panels.Menu",
     "status": "StatusPage*",
     "traffic": "Traffic*",
+    "offsetctl": "Offsetctl*",
+    "cockpit": "Cockpit*",
+    "simulator": "Sim*",
 }
-# Without optimisation and warnings; with the assertions of the offset lock, and a trap where an array's end is passed, as
-# the sanitizers of `./test` would find it.
-FLAGS = "-O0 -w -fsanitize=bounds -fsanitize-undefined-trap-on-error"
-CONFIGURE = ["-G", "Ninja", "-DCMAKE_BUILD_TYPE=", f"-DCMAKE_CXX_FLAGS={FLAGS}", "-DTAVRIX_CHECK_LOCKS=ON"]
+# Without optimisation and warnings; with the sanitizers and the assertions of the offset lock, as in `./test`.
+CONFIGURE = ["-G", "Ninja", "-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O0 -w", "-DTAVRIX_CHECK_LOCKS=ON",
+             "-DTAVRIX_SANITIZE=address,undefined"]
+# A changed program must not fill the machine's memory.
+SANITIZERS = {"ASAN_OPTIONS": "detect_leaks=1:hard_rss_limit_mb=4000", "UBSAN_OPTIONS": "print_stacktrace=0"}
+PARTS = 4  # of the unit tests at a time: most of them wait most of the time
 NETWORK = 'ip link set lo up && ip link set lo multicast on && ip route add 224.0.0.0/4 dev lo && exec "$@"'
 PATIENCE = 30  # seconds that tests may take beyond five times of what they need on the unchanged tree
 
@@ -115,74 +122,99 @@ class Slot:
 
     def make(self, targets):
         """What the compiler said when it fails, else nothing."""
-        ended = subprocess.run(["nice", "cmake", "--build", self.build, "--target", *targets], stdout=subprocess.PIPE,
+        ended = subprocess.run(["cmake", "--build", self.build, "--target", *targets], stdout=subprocess.PIPE,
                                stderr=subprocess.STDOUT, text=True, errors="replace")
         return "" if ended.returncode == 0 else ended.stdout or "failed"
 
-    def program(self):
-        files = [self.build / "bin" / "unit_tests", self.build / "plugin" / "lin.xpl"]
-        return [hashlib.sha256(file.read_bytes()).digest() for file in files if file.exists()]
+    def program(self, targets):
+        """What the targets have become, to compare."""
+        files = {"unit_tests": "bin/unit_tests", "tavrix": "plugin/lin.xpl", "offsetctl": "bin/offsetctl",
+                 "standin": "bin/standin"}
+        return [hashlib.sha256((self.build / files[target]).read_bytes()).digest() for target in targets]
 
     def test(self, tests, patience):
         """(passed, what happened): a hang, a crash and a failure are three ways of noticing."""
-        environment = dict(os.environ, PYTHONDONTWRITEBYTECODE="1")
-        with tempfile.TemporaryDirectory(prefix="tavrix-mutant-") as folder:
-            environment.update(TEST_TMPDIR=folder, TMPDIR=folder)
-            if tests.startswith("e2e "):
-                command = [sys.executable, "-m", "pytest", "-x", "-q", "-p", "no:cacheprovider", "-m", "not wine",
-                           f"--basetemp={folder}/e2e", *tests.split()[1:]]
-                cwd = self.tree / "tests" / "e2e"
-            else:
-                command = [self.build / "bin" / "unit_tests", "--gtest_brief=1", "--gtest_fail_fast", f"--gtest_filter={tests}"]
-                cwd = folder
-            if subprocess.run(["unshare", "--net", "true"], capture_output=True).returncode == 0:
-                command = ["unshare", "--net", "sh", "-c", NETWORK, "sh", *command]
-            with open(Path(folder) / "output", "w+", errors="replace") as output:
-                process = subprocess.Popen(["nice", *command], cwd=cwd, env=environment, stdin=subprocess.DEVNULL, stdout=output,
-                                           stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=bounds)
-                try:
-                    status = process.wait(timeout=patience)
-                except subprocess.TimeoutExpired:
-                    status = None
-                finally:  # what the tests have started, too: they are a session of their own
+        apart = subprocess.run(["unshare", "--net", "true"], capture_output=True).returncode == 0
+        network = ["unshare", "--net", "sh", "-c", NETWORK, "sh"] if apart else []
+        with tempfile.TemporaryDirectory(prefix="tavrix-mutant-") as top:
+            runs = []
+            try:
+                for part in range(PARTS if apart and not tests.startswith("e2e ") else 1):
+                    folder = Path(top) / str(part)
+                    folder.mkdir()
+                    runs.append(self.begin(tests, folder, network, part if apart else None))
+                return self.follow(runs, time.monotonic() + patience)
+            finally:  # what the tests have started, too: they are a session of their own
+                for process, _ in runs:
                     try:
                         os.killpg(process.pid, signal.SIGKILL)
                     except ProcessLookupError:
                         pass
                     process.wait()
-                output.seek(0)
-                return status == 0, self.told(status, output.read(1 << 20))
+
+    def begin(self, tests, folder, network, part):
+        environment = dict(os.environ, PYTHONDONTWRITEBYTECODE="1", TEST_TMPDIR=str(folder), TMPDIR=str(folder), **SANITIZERS)
+        if tests.startswith("e2e "):
+            cwd = self.tree / "tests" / "e2e"
+            command = ["/usr/bin/python3", "-m", "pytest", "-x", "-q", "-p", "no:cacheprovider", "-m", "not wine",
+                       f"--basetemp={folder}/e2e", *shlex.split(tests)[1:]]
+        else:
+            cwd = folder
+            command = [self.build / "bin" / "unit_tests", "--gtest_brief=1", "--gtest_fail_fast", f"--gtest_filter={tests}"]
+            if part is not None:
+                environment.update(GTEST_TOTAL_SHARDS=str(PARTS), GTEST_SHARD_INDEX=str(part))
+        with open(folder / "output", "w") as output:
+            return subprocess.Popen([*network, *command], cwd=cwd, env=environment, stdin=subprocess.DEVNULL, stdout=output,
+                                    stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=bounds), folder / "output"
+
+    def follow(self, runs, until):
+        """Ends with the first part that fails."""
+        waiting = list(runs)
+        while waiting:
+            for run in list(waiting):
+                status = run[0].poll()
+                if status is not None:
+                    waiting.remove(run)
+                    if status != 0:
+                        return False, self.told(status, run[1].read_text(errors="replace"))
+            if time.monotonic() > until:
+                return False, "hangs"
+            time.sleep(0.02)
+        return True, ""
 
     @staticmethod
     def told(status, text):
-        if status is None:
-            return "hangs"
         failed = [line.split()[3 if "FAILED" in line else 1].rstrip(",") for line in text.splitlines()
                   if line.startswith(("[  FAILED  ] ", "FAILED test_")) and "." in line]
         if failed:
             return "fails " + failed[0]
-        return "crashes" if status not in (0, 1) else "" if status == 0 else "fails " + text[-200:]
+        found = re.search(r"ERROR: (\w+Sanitizer: [\w-]+)|(runtime error: .*)", text)
+        return "stops: " + (found[1] or found[2]) if found else "crashes" if status != 1 else "fails " + text[-200:]
 
 
 def bounds():
-    """A changed program must not fill memory or disk of the machine."""
-    resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
+    """A changed program must not fill the machine's disk; its memory is the sanitizer's to limit, which reserves more
+    than there is."""
     resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 30, 1 << 30))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+
+
+def targets_of(tests):
+    return ("tavrix", "standin", "offsetctl") if tests.startswith("e2e ") else ("unit_tests",)
 
 
 class Run:
     def __init__(self, slot, mutants):
         self.slot = slot
         self.patience = {}
-        self.targets = {target for mutant in mutants
-                        for target in (("tavrix", "standin", "offsetctl") if mutant.tests.startswith("e2e ") else ("unit_tests",))}
         print("building the unchanged tree ...", flush=True)
         slot.configure()
-        failure = slot.make(self.targets)
-        if failure:
-            sys.exit(failure[-4000:])
-        self.unchanged = slot.program()
+        self.unchanged = {}
+        for targets in {targets_of(mutant.tests) for mutant in mutants}:
+            failure = slot.make(targets)
+            if failure:
+                sys.exit(failure[-4000:])
+            self.unchanged[targets] = slot.program(targets)
         for tests in dict.fromkeys(mutant.tests for mutant in mutants):  # only tests that pass now can notice a change
             started = time.monotonic()
             passed, told = slot.test(tests, 1800)
@@ -199,10 +231,11 @@ class Run:
             sys.exit(f"{mutant.file}: not there, or not once: {mutant.old}")
         file.write_text(before[:at] + mutant.new + before[at + len(mutant.old):])
         try:
-            failure = self.slot.make(self.targets)
+            targets = targets_of(mutant.tests)
+            failure = self.slot.make(targets)
             if failure:
                 return "invalid", next((line for line in failure.splitlines() if "error:" in line), failure[-200:])
-            if self.slot.program() == self.unchanged:
+            if self.slot.program(targets) == self.unchanged[targets]:
                 return "same", "the compiler makes the same program of it"
             passed, told = self.slot.test(mutant.tests, self.patience[mutant.tests])
             return ("survived" if passed else "killed"), told
@@ -233,7 +266,8 @@ def main():
         return 1 if lost else 0
     texts = [name for name in options.names if name not in FILTERS]
     if options.sample:
-        rooms = [room for room in FILTERS if room in options.names] or list(FILTERS)
+        rooms = ([room for room in FILTERS if room in options.names] or
+                 [room for room in FILTERS if room not in BESIDE])
         supply, wanted = draw(TOP, FILTERS, rooms, options.sample, options.seed)
         if texts:  # of the same draw
             again = [mutant for room in rooms for mutant in islice(supply[room], 3 * wanted[room])

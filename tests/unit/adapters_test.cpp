@@ -158,6 +158,10 @@ TEST_F(Adapters, NetworkClients) {
   sim::SimCommand("define xsquawkbox/text/from byte[32]");
   sim::SimCommand("define xsquawkbox/text/msg byte[64]");
   sim::SimCommand("define xsquawkbox/vers/number int 120");
+  for (const char* name : {"atc/callsign", "weather/metar", "input/string"}) {
+    sim::SimCommand(std::string("define xsquawkbox/") + name + " byte[32]");
+    sim::SimCommand(std::string("set xsquawkbox/") + name + " \"" + name + "\"");
+  }
   sim::SimCommand("plugin " + signature + " on");
   sim::SimCommand("plugin com.pilotedge.plugin.xplane on");
   RunCycles();
@@ -190,6 +194,25 @@ TEST_F(Adapters, NetworkClients) {
   ReceiveAdapterMessage(id, static_cast<int>(0x80000007), nullptr);
   EXPECT_STREQ(xSquawkBoxState.from, "EDDF_TWR");
   EXPECT_EQ(xSquawkBoxState.text, std::string(64, 'm'));
+
+  const XSquawkBoxState& state = xSquawkBoxState;
+  sim::SimCommand("set xsquawkbox/atc/freq 122800");
+  const std::pair<uint32_t, const char*> texts[] = {
+      {5, state.callsign}, {6, state.metar}, {8, state.command}, {9, state.command}, {10, state.command}};
+  const char* const contents[] = {"atc/callsign", "weather/metar", "input/string", "input/string",
+                                  "input/string"};
+  for (size_t i = 0; i < std::size(texts); ++i) {
+    EXPECT_STREQ(texts[i].second, i < 3 ? "" : contents[i]);
+    for (size_t round = 0; round <= i; ++round) {
+      ReceiveAdapterMessage(id, static_cast<int>(0x80000000 + texts[i].first), nullptr);
+    }
+    EXPECT_STREQ(texts[i].second, contents[i]);
+  }
+  EXPECT_EQ(state.frequency, 122800);
+  const uint32_t counts[] = {state.frequencyChanges, state.metarsReceived, state.commandsTyped,
+                             state.aboutShown, state.textsReceived};
+  const uint32_t expected[] = {1, 2, 3, 4, 1};
+  for (size_t i = 0; i < std::size(counts); ++i) EXPECT_EQ(counts[i], expected[i]) << i;
 
   sim::SimCommand("aircraft ec135");
   DetectLoadedAircraft();

@@ -25,6 +25,14 @@ struct Dice {
 
 double Least(Travel travel) { return travel == Travel::OneSided ? 0 : -1; }
 
+TEST(AxisPipeline, ReadingsMayBeHalfATravelBeyondTheEnds) {
+  for (const double end : {-0.5, 1.5}) {
+    EXPECT_TRUE(IsReading(end));
+    EXPECT_FALSE(IsReading(std::nextafter(end, end * 2)));
+  }
+  EXPECT_FALSE(IsReading(std::numeric_limits<double>::quiet_NaN()));
+}
+
 // Rises (falls when inverted) with the reading, reaches both ends exactly, and knows no step: neighbours in the
 // reading are neighbours in the deflection.
 TEST(AxisPipeline, RisesFromEndToEndWithoutSteps) {

@@ -182,6 +182,14 @@ TEST_F(CustomLoad, LogsWhatIsNotFound) {
   std::filesystem::remove_all(path);
 }
 
+TEST_F(CustomLoad, NamesThatAreNotFoundAreListedOnce) {
+  custom::Load(
+      "Dataref a no/b int\nDataref c no/b int\nDataref p sim/time/paused int\nCommand 10 UINT8 0 1 no/d 1 2 "
+      "no/d\n");
+  const auto names = SummariseCustomOffsets().unresolved;
+  EXPECT_EQ(std::vector<std::string>(names.begin(), names.end()), (std::vector<std::string>{"no/b", "no/d"}));
+}
+
 // Each fault has a line up to a limit, notes have none, and what is loaded does not depend on them.
 TEST_F(CustomLoad, TellsFaultsOfLines) {
   const std::string at = "TAVRIX->TAVRIXOffsets.cfg line ";
@@ -302,6 +310,8 @@ TEST(CustomCheck, PointsAtEveryProblem) {
       {"Offset 66C0 UINT8 1 rw $a 2 * >f @ 2 /", "", ""},
       {"Command 66C0 UINT8 0 1 sim/x 1 2 sim/y # c", "", ""},
       {"Ofset 66C0 UINT8 1 r 1", "3:1 ", "unknown word"},
+      {"Offsets 66C0 UINT8 1 r 1", "3:1 note ", "\"Offsets\" counts as \"Offset\""},
+      {"Offset 66C0 UINT8 1x r 1", "3:19 ", "\"1x\" is no whole number and is read as 1"},
       {"Offset 66G0 UINT8 1 r 1", "3:8 ", "read as 0x0066"},
       {"Offset 166C0 UINT8 1 r 1", "3:8 ", "cut to 0x66C0"},
       {"Offset 66C0 uint8 1 r 1", "3:13 ", "unknown type \"uint8\""},
@@ -342,8 +352,35 @@ TEST(CustomCheck, PointsAtEveryProblem) {
     EXPECT_NE(list.find(c.part), std::string::npos) << c.line << "\n" << list;
     EXPECT_LE(std::count(list.begin(), list.end(), '\n'), 1) << c.line << "\n" << list;
   }
+  for (const char* mark : {"\xFF\xFE", "\xFE\xFF"}) {
+    EXPECT_EQ(Findings(mark + head),
+              "1:1 the file is stored as UTF-16 and nothing of it is understood: save it as ANSI or UTF-8\n");
+  }
   EXPECT_NE(Findings("\n#" + std::string(4096, 'x')).find("2:1 the line has more than 4095"),
             std::string::npos);
+}
+
+TEST(CustomCheck, KnowsWhatBytesCanHold) {
+  const std::tuple<const char*, std::vector<const char*>, std::vector<const char*>> cases[] = {
+      // good, bad
+      {"UINT8", {"0", "255"}, {"-1", "256", "1.5"}},
+      {"SINT8", {"-128", "127"}, {"-129", "128"}},
+      {"UINT16", {"65535"}, {"-1", "65536"}},
+      {"SINT16", {"-32768", "32767"}, {"-32769", "32768"}},
+      {"UINT32", {"4294967295"}, {"-1", "4294967296"}},
+      {"SINT32", {"-2147483648", "2147483647"}, {"-2147483649", "2147483648"}},
+      {"UINT64", {"9223372036854775808"}, {"-1", "18446744073709551616"}},
+      {"SINT64", {"-9223372036854775808"}, {"9223372036854775808"}},
+      {"FLOAT32", {"0.5", "-1024"}, {"0.1"}},
+      {"FLOAT64", {"0.1", "1e300"}, {}}};
+  for (const auto& [type, good, bad] : cases) {
+    const auto fault = [type = type](const char* value) {
+      return Findings(std::string("Command 66C0 ") + type + " 1 " + value + " sim/x\n")
+                 .find("never has the value") != std::string::npos;
+    };
+    for (const char* value : good) EXPECT_FALSE(fault(value)) << type << ' ' << value;
+    for (const char* value : bad) EXPECT_TRUE(fault(value)) << type << ' ' << value;
+  }
 }
 
 TEST(CustomCheck, PointsAtWhatTheSimulatorDidNotFind) {

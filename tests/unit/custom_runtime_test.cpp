@@ -390,4 +390,50 @@ TEST_F(CustomRuntime, ReloadRaceThreads) {
   EXPECT_EQ(Calls(), "end c/a");
 }
 
+// A write of our own waits its turn behind one for another place, and learns what became of it.
+TEST_F(CustomRuntime, OwnWritesWaitTheirTurn) {
+  custom::Load(
+      "Dataref a sim/cockpit/misc/vacuum float\nOffset 66C0 UINT8 0 w >a @\nOffset 66C2 UINT8 0 w >a @\n"
+      "Command 66D0 UINT8 1 5 sim/x\nCommand 66D2 UINT8 1 5 sim/y\n");
+  const auto write = [](uint32_t offset, uint32_t* ticket) {
+    const LockScope lock(&offsetLock);
+    const uint8_t value = 5;
+    return DispatchOwnWrite(offset, 1, &value, &rows::marks, ticket);
+  };
+  const auto state = [](uint32_t ticket) {
+    const LockScope lock(&offsetLock);
+    return StateOfOwnWrite(ticket);
+  };
+  for (const uint32_t first : {0x66C0U, 0x66D0U}) {
+    uint32_t ticket = 0, newer = 0, other = 0;
+    ASSERT_TRUE(write(first, &ticket));
+    EXPECT_NE(ticket, 0U);
+    EXPECT_EQ(state(ticket), TicketState::Waits);
+    EXPECT_FALSE(write(first + 2, &other)) << "another place of that kind";
+    EXPECT_TRUE(write(first, &newer)) << "the same place";
+    EXPECT_NE(newer, ticket);
+    uint32_t of[2] = {};
+    EXPECT_TRUE(write(first ^ 0x10, &of[0])) << "the other kind";
+    EXPECT_FALSE(write((first ^ 0x10) + 2, &of[1]));
+    EXPECT_EQ(state(newer), TicketState::Waits);
+    rows::Write<uint8_t>(first + 2, 9);  // a client does not wait
+    EXPECT_EQ(state(newer), TicketState::Replaced);
+    EXPECT_EQ(state(of[0]), TicketState::Waits);
+    custom::WriteFrame();
+    EXPECT_EQ(state(of[0]), TicketState::Done);
+    EXPECT_TRUE(write(first + 2, &other)) << "its turn";
+    custom::WriteFrame();
+    EXPECT_EQ(state(other), TicketState::Done);
+    // A reload forgets what waits.
+    ASSERT_TRUE(write(first, &ticket));
+    ASSERT_TRUE(write(first ^ 0x10, &of[0]));
+    ClearCustomOffsets();
+    EXPECT_EQ(state(ticket), TicketState::Replaced);
+    EXPECT_EQ(state(of[0]), TicketState::Replaced);
+    LoadCustomOffsets();
+    rows::Write<uint8_t>(first + 2, 0);
+    custom::WriteFrame();
+  }
+}
+
 }  // namespace

@@ -18,6 +18,7 @@
 #include "panels/panels.h"
 #include "row_harness.h"
 #include "shell/override_watch.h"
+#include "shortage.h"
 #include "test_tools.h"
 
 namespace {
@@ -317,6 +318,67 @@ TAVRIX->Purging TAVRIXOffsets.cfg
 * TAVRIX deinit OK!
 * TAVRIX Disable !
 )");
+}
+
+// What the system or the simulator refuses is told, and missing until it can be had.
+TEST_F(Lifecycle, EachLockThatIsRefusedKeepsItDisabled) {
+  constexpr char line[] = "TAVRIX->The system refuses the locks: the plug-in stays disabled; ";
+  Put("TAVRIXOffsets.cfg", "Offset 66C0 UINT8 1 r 5\n");
+  Begin();
+  int refused = 0;
+  for (;; ++refused) {
+    SimCommand("disable");
+    const shortage::Order order(SystemKind::Event, refused + 1);
+    SimCommand("enable");
+    if (Logged(line) == refused) break;
+    ASSERT_EQ(Logged(line), refused + 1);
+    EXPECT_EQ(FindCustomOffset(0x66C0), nullptr);
+    EXPECT_EQ(SimCommand("enable"), "ok");
+    EXPECT_NE(FindCustomOffset(0x66C0), nullptr);
+    sim::SimFrames(2);
+  }
+  EXPECT_GE(refused, 10) << "of the program, of buttons, axes and traffic";
+}
+
+TEST_F(Lifecycle, WithoutThreadsEachServiceIsMissedByName) {
+  Put("TAVRIX.ini", "[TAVRIX SETTINGS]\nServer Address = 127.0.0.1\n");
+  {
+    const shortage::Order order(SystemKind::Thread, 1, 1000);
+    Begin();
+    sim::SimFrames(5);
+  }
+  for (const char* text : {"Create Joystick Thread failed!\n", "TAVFARNET->Create Socket thread failed!\n",
+                           "Create ATC thread failed!\n",
+                           "Create aircraft model thread failed! The simulator's own thread does its work: ",
+                           "Create HTTP thread failed! There is no status page: ",
+                           "assigned joystick buttons and axes do nothing: ",
+                           "network clients cannot connect: ", "other aircraft are not shown: "}) {
+    EXPECT_EQ(Logged(text), 1) << text;
+  }
+  EXPECT_EQ(Logged("Threads already started"), 0);
+}
+
+TEST_F(Lifecycle, WhatTheSimulatorRefusesIsTold) {
+  const std::string menu = "refuses a part of the menu (";
+  const std::pair<const char*, std::string> cases[] = {
+      {"XPLMCreateProbe 1", "The simulator gives no terrain probe"},
+      {"XPLMAppendMenuItem 1", menu + "TAVRIX): "},
+      {"XPLMCreateMenu 1", menu + "TAVRIX): "},
+      {"XPLMAppendMenuItem 2 2", menu + "TAVRIX Version and Info, ATC Menu): "},
+      {"XPLMCreateMenu 2", menu + "TAVRIX+): "},
+      {"XPLMCreateMenu 5", menu + "TAVRIX settings): "},
+  };
+  Begin();
+  for (const auto& [fault, text] : cases) {
+    EXPECT_EQ(SimCommand(std::string("fail ") + fault), "ok");
+    EXPECT_EQ(SimCommand("reload"), "ok");
+    EXPECT_EQ(Logged(text), 1) << fault;
+    EXPECT_EQ(Logged("The simulator refuses a part"), text.starts_with(menu) ? 1 : 0) << fault;
+    EXPECT_NE(SimCommand("menu").find("Push Back Settings") != std::string::npos, text == menu + "TAVRIX): ")
+        << fault;
+  }
+  EXPECT_EQ(SimCommand("reload"), "ok");
+  EXPECT_EQ(Logged("The simulator refuses") + Logged("terrain probe"), 0);
 }
 
 // Also when a thread of ours has the positions at that moment: the next call is early enough.

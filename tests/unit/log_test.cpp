@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "base/locks.h"
+#include "base/log_quiet.h"
+#include "platform/clock.h"
 #include "platform/system.h"
 #include "platform/thread.h"
 #include "test_tools.h"
@@ -116,6 +118,29 @@ TEST_F(Log, LinesOfAnyLengthAndNumbersOfEveryKindStandAtOnce) {
   EXPECT_EQ(TraceText(), expected);
 }
 
+// Beside a number with decimals the line is put together piece by piece: as the C library does it at once.
+template <typename... Values>
+void ExpectAsPrinted(const char* format, Values... values) {
+  char expected[400];
+  std::snprintf(expected, sizeof expected, format, values...);
+  const size_t before = ReadFile(reports[0]).size();
+  LogLine(format, values...);
+  EXPECT_EQ(ReadFile(reports[0]).substr(before), expected) << format;
+}
+TEST_F(Log, PiecesAreWrittenAsTheLibraryDoes) {
+  reports = {folder + "TAVRIX.txt"};
+  ExpectAsPrinted("%f %ld %lld|%zu %td %jd %hd %hhd\n", -0.5, -70000L, 1LL << 40, size_t{9}, ptrdiff_t{-9},
+                  intmax_t{1} << 50, 3, 4);
+  ExpectAsPrinted("%p %c %x %X %o %u %+d %e\n", static_cast<void*>(&reports), 'x', 255U, 255U, 8U, 3000000000U,
+                  5, 12345.678);
+  ExpectAsPrinted("%Lf %Lg%%|\n", 1.25L, 0.5L);
+  ExpectAsPrinted("%-9.3f|%*.*f|% f|%.0f|%G|%s\n", 1.5, 9, 2, -2.25, 3.0, 4.0, 1e-30, "end");
+  ExpectAsPrinted("%200.2f|%150s|\n", 1.5, "wide");
+  ExpectAsPrinted("%f %F %E|\n", std::numeric_limits<double>::quiet_NaN(),
+                  -std::numeric_limits<double>::infinity(), 0.0);
+  reports.clear();
+}
+
 TEST_F(Log, DecimalCommasOfTheLocaleDoNotReachTheFile) {
   const std::string before = std::setlocale(LC_NUMERIC, nullptr);
   int found = 0;
@@ -143,6 +168,38 @@ TEST_F(Log, OwnLinesCarryTheTime) {
   for (size_t i = 0; i < form.size(); ++i) {
     EXPECT_TRUE(form[i] == 'd' ? line[i] >= '0' && line[i] <= '9' : line[i] == form[i]) << line;
   }
+}
+
+TEST_F(Log, LinesThatOthersCauseAreCounted) {
+  constexpr int64_t minute = 60'000'000'000;
+  const char rest[] = "Knocks more than 2 times within a minute: the rest of the minute is not told\n";
+  QuietMinute knocks = {.what = "Knocks", .most = 2, .began = 0, .turns = 0};
+  const auto due = [&] {
+    int lines = 0;
+    for (int i = 0; i < 5; ++i) lines += TakeLogTurn(&knocks) ? 1 : 0;
+    return lines;
+  };
+  const auto told = [&] { return tools::CountText(MainText(), rest); };
+  EXPECT_EQ(due(), 2);
+  EXPECT_EQ(told(), 1);
+  EXPECT_EQ(due(), 0);
+  EXPECT_EQ(told(), 1);
+  CloseLogs();
+  ASSERT_TRUE(OpenLogs(folder.c_str(), Report));
+  EXPECT_EQ(due(), 2) << "a log that was begun anew";
+
+  static QuietTable table;
+  table = {};
+  for (int round = 0; round < 2; ++round) {
+    for (uint64_t key = 0; key < std::size(table.entries) + 1; ++key) {
+      EXPECT_EQ(TakeLogTurn(&table, key), round == 0 && key < std::size(table.entries)) << key;
+    }
+  }
+  table.entries[5].time -= minute;
+  table.entries[6].time -= minute / 2;
+  EXPECT_FALSE(TakeLogTurn(&table, 6));
+  EXPECT_TRUE(TakeLogTurn(&table, 99)) << "in the place of the fifth";
+  EXPECT_FALSE(TakeLogTurn(&table, 5)) << "which has none any longer";
 }
 
 TEST(LogText, ForeignTextsAreEscaped) {

@@ -1,11 +1,14 @@
 // How often the server sends what nobody has asked for: its pauses are counted instead of waited for. The
 // linker leads them, and what is sent, through the functions below (tests/CMakeLists.txt).
+#include <cstring>
 #include <mutex>
 #include <utility>
 
 #include "net/frame.h"
 #include "net/net.h"
+#include "net/relay.h"
 #include "net_harness.h"
+#include "offsets/dispatcher.h"
 #include "platform/event.h"
 
 namespace {
@@ -120,6 +123,24 @@ TEST_F(NetPaceThreads, OneAnnouncementASecond) {
   EXPECT_EQ(record.announcement, net::Frame(20, 0, {}, 0xDEFA));
   EXPECT_EQ(record.group.ip, 0xEFC0000AU) << "239.192.0.10";
   EXPECT_EQ(record.group.port, 54942);
+}
+
+struct RelayPace : net::Network {};
+
+TEST_F(RelayPace, TheSenderAloneSends) {
+  PrepareNetwork("127.0.0.1");
+  for (const RelayRole role : {RelayRole::Receiver, RelayRole::Sender}) {
+    ASSERT_TRUE(OpenRelay(role));
+    record = {};
+    counted = true;
+    std::memset(relayRecordStore.bytes, 0, relayRecordSize);
+    relayRecordStore.bytes[relayForwardAt] = 9;
+    relayRecordStore.waiting = 1;
+    ApplyRelayRecord();
+    counted = false;
+    EXPECT_EQ(record.blocks.size(), role == RelayRole::Sender ? 1U : 0U);
+    CloseRelay();
+  }
 }
 
 }  // namespace

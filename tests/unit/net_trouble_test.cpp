@@ -51,6 +51,25 @@ struct NetTroubleThreads : net::Network {
   }
 };
 
+TEST_F(NetTroubleThreads, SlotsAreTakenInTheirOrder) {
+  const LockScope lock(&clientListLock);
+  ClearClients();
+  nextClientNumber = 0xFFFE;
+  for (uint32_t i = 0; i < maxClients; ++i) {
+    EXPECT_EQ(FindFreeSlot(), static_cast<int>(i));
+    AddClient(i, {net::loopback, static_cast<uint16_t>(i)});
+    EXPECT_EQ(clientSlots[i].number, static_cast<uint16_t>(0xFFFE + i));
+    EXPECT_EQ(CountClients(), i + 1);
+  }
+  EXPECT_EQ(FindFreeSlot(), -1);
+  RemoveClient(3);
+  RemoveClient(3);
+  EXPECT_EQ(FindFreeSlot(), 3);
+  EXPECT_EQ(CountClients(), maxClients - 1);
+  ClearClients();
+  EXPECT_EQ(FindFreeSlot(), 0);
+}
+
 TEST_F(NetTroubleThreads, ANumberThatWrapsTouchesNobodyElse) {
   Start();
   Client living, passing;

@@ -34,6 +34,29 @@ TEST_F(Panels, Menu) {
   EXPECT_EQ(SimCommand("menu"), menu) << "once again, and no second time";
 }
 
+// Whichever widget of a window the simulator refuses: the window is not there, the line says so, and nothing is
+// left.
+TEST_F(Panels, AWindowIsMadeWholeOrNotAtAll) {
+  for (const char* item : items) {
+    const std::string title = TitleOf(item),
+                      line = "TAVRIX->The simulator cannot make the window \"" + title + "\": ";
+    const int before = sim::WidgetCount();
+    int refused = 0;
+    for (;; ++refused) {
+      ASSERT_EQ(SimCommand("fail XPCreateWidget " + std::to_string(refused + 1)), "ok");
+      Open(item);
+      if (Find(title) != nullptr) break;
+      ASSERT_EQ(tools::CountText(File("TAVRIX.txt"), line), refused + 1) << title;
+      ASSERT_EQ(sim::WidgetCount(), before) << title;
+    }
+    EXPECT_GT(refused, 5) << title;
+    EXPECT_EQ(SimCommand("fail off"), "ok");
+    EXPECT_EQ(FaultsOf(1024, 768), "");
+    EXPECT_EQ(SimCommand("reload"), "ok");
+    sim::SimFrames(2);
+  }
+}
+
 // All windows at once: each label can be read, the windows cascade, and a hundred rounds leave no more widgets
 // than the first.
 TEST_F(Panels, AllWindowsAtOnce) {

@@ -84,6 +84,21 @@ TEST_F(Readers, BusyLockIsTriedOnceMoreAfterEverythingElseThread) {
   ExpectStored(true);
 }
 
+// Each store costs a lock: rows share one, but for those that overlap.
+TEST_F(Readers, RowsShareFewStores) {
+  for (const Cycle cycle : {Cycle::C1, Cycle::C3, Cycle::C7, Cycle::C13, Cycle::C31, Cycle::C59, Cycle::C313}) {
+    uint64_t numbers = 0, texts = 0;
+    for (const RowTable* table : Catalogue()) {
+      for (const OffsetRow& row : table->rows) {
+        if (row.cycle == cycle) ++(row.type == Stored::Text ? texts : numbers);
+      }
+    }
+    const uint64_t before = refreshCounters.stored;
+    RunReaders(cycle);
+    EXPECT_LE(refreshCounters.stored - before, texts + numbers / 32 + 2) << static_cast<int>(cycle);
+  }
+}
+
 // What the first cycle was told counts for the others of its frame, until handles change or the next frame
 // comes.
 TEST_F(Readers, OneFrameAsksOnce) {

@@ -124,6 +124,11 @@ TEST_F(Request, BoundsAreCheckedBeforeAnythingIsApplied) {
   Block last;
   EXPECT_TRUE(last.WriteRecord(0x1FFFF, {9}).End().Serve()) << "the last byte is inside";
   EXPECT_EQ(Byte(0x1FFFF), 9);
+  for (const uint32_t offset : {0x20000U, 0x20001U}) {
+    Block none;
+    EXPECT_EQ(none.WriteRecord(offset, {}).ReadRecord(offset, 0).End().Serve(), offset == 0x20000)
+        << "no bytes";
+  }
 }
 
 TEST_F(Request, ListsWithoutEndFailAtTheBlocksEnd) {

@@ -84,7 +84,8 @@ TEST_F(EngineRows, ReadsOneDatarefEach) {
   CheckReads(ENGINE "ENGN_running[3]", C13, {{0x0A5C, U16, 1, 1}});
   CheckReads("sim/cockpit/engine/igniters_on[2]", C13, {{0x228C, S32, 1, 1}});
   CheckReads(ACTUATORS "mixture_ratio[1]", C13, {{0x3594, S32, 0.01, 1}, {0x3594, S32, 0, 0}});
-  CheckReads(ENGINE "ENGN_mixt", C7, {{0x0890, U16, 1, 16383}});
+  CheckReads(ENGINE "ENGN_mixt", C7, {{0x0890, U16, 1, 16383}, {0x0890, U16, 0.5, 8191}});
+  CheckReads(ENGINE "ENGN_mixt[1]", C7, {{0x0928, U16, 1, 16383}, {0x0928, U16, 0.5, 8191}});
   CheckReads(ENGINE "ENGN_mixt[3]", C7, {{0x0A58, U16, 1, 16384}});
   CheckReads("sim/aircraft/engine/acf_num_engines", C313, {{0x0AEC, U16, 4, 4}});
   CheckReads("sim/cockpit2/ice/ice_inlet_heat_on_per_engine[2]", C59, {{0x09E2, U16, 1, 1}});

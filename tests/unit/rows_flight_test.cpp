@@ -83,6 +83,9 @@ TEST_F(FlightRows, ReadsSimpleValues) {
   CheckReads(CONTROLS "lail1def", C1, {{0x0BB8, S16, 30, -16383}, {0x2EA8, F64, 18, -pi, 1e-9}});
   CheckReads(CONTROLS "ldruddef", C1, {{0x0BBC, S16, -30, -16383}});
   CheckReads(CONTROLS "elv_trim", C13, {{0x2EA0, F64, 1, 10 * pi / 180, 1e-9}});
+  CheckReads(
+      CONTROLS "sbrkrqst", C13,
+      {{0x0BD0, U32, -0.5, 4800}, {0x0BD0, U32, 0, 0}, {0x0BD0, U32, 0.5, 10591}, {0x0BD0, U32, 1, 16383}});
   CheckReads(CONTROLS "sbrkrat", C13, {{0x0BD4, U32, -0.5, 0}, {0x0BD8, U32, 1, 16383}});
   CheckReads(CONTROLS "wing1r_fla1def", C7, {{0x30F4, S16, 40, 10240}});
   CheckReads("sim/cockpit/switches/gear_handle_status", C3, {{0x0BE8, U32, 1, 16383}});
@@ -90,7 +93,8 @@ TEST_F(FlightRows, ReadsSimpleValues) {
   CheckReads("sim/aircraft/parts/acf_gear_deploy[1]", C3, {{0x0BF4, U32, 0.25, 4095}});
   CheckReads("sim/flightmodel/parts/tire_steer_act", C3, {{0x6D8A, S16, -12.5, -1250}});
   CheckReads(CONTROLS "r_brake_add", C3, {{0x0BCA, U16, 0.25, 16383}});
-  CheckReads(CONTROLS "parkbrake", C3, {{0x0BC8, U16, 1, 32767}, {0x0BC4, S16, 1, 16383}});
+  CheckReads(CONTROLS "parkbrake", C3,
+             {{0x0BC8, U16, 1, 32767}, {0x0BC4, S16, 1, 16383}, {0x0BC4, S16, 0.5, 0}});
   CheckReads(CONTROLS "l_brake_add", C3, {{0x3416, S16, 0.5, 8191}});
   CheckReads("sim/cockpit/switches/auto_brake_settings", C31, {{0x2F80, U8, 4, 4}});
 

@@ -407,6 +407,38 @@ TEST_F(RadioRows, SituationFiles) {
   EXPECT_EQ(rows::Calls(), "load 1 e.sit");
 }
 
+TEST_F(RadioRows, SituationFilesThatFailAreTold) {
+  const std::string folder = testing::TempDir() + "tavrix_failing_situations/";
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  rows::Stop();
+  rows::Start("jet", {}, folder);
+  ASSERT_EQ(OpenLogs(folder.c_str(), nullptr), 1);
+  const struct {
+    const char* name;
+    uint16_t command;
+    const char* told;
+    uint16_t loads;
+  } cases[] = {
+      {"a.sit", 1, "", 0},
+      {"a.sit", 0, "", 1},
+      {"b.sit", 0, "could not load the situation file \"b.sit\" for a client: look whether it lies in", 1},
+      {"no such folder/a.sit", 1,
+       "could not save the situation file \"no such folder/a.sit\" for a client: look", 1},
+      {"a.sit", 0, "", 2}};
+  for (const auto& test : cases) {
+    rows::WriteBytes(0x3F04, test.name, static_cast<uint32_t>(std::strlen(test.name) + 1));
+    EXPECT_TRUE(tools::WaitUntil([&] {  // a line a second
+      WriteAndRun<uint16_t>(0x3F00, test.command);
+      return tools::ReadFile(folder + "TAVRIX.txt").find(test.told) != std::string::npos;
+    })) << test.name;
+    EXPECT_EQ(Read<uint16_t>(0x3F02), test.loads) << test.name;
+  }
+  EXPECT_LE(tools::CountText(tools::ReadFile(folder + "TAVRIX.txt"), "could not"), 2);
+  CloseLogs();
+  std::filesystem::remove_all(folder);
+}
+
 // Names that could reach a file elsewhere, or another kind of file.
 TEST_F(RadioRows, SituationFilesStayBelowTheSimulatorsFolder) {
   const std::string folder = testing::TempDir() + "tavrix_situations/";

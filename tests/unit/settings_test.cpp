@@ -291,6 +291,11 @@ TEST_F(SettingsFile, NothingIsWrittenThatCouldNotBeReadAgain) {
   EXPECT_TRUE(WriteSetting("TAVRIX SETTINGS", "Tune value", "10")) << "room for one more digit";
   EXPECT_TRUE(ReadAllSettings());
   EXPECT_EQ(settings.tuneValue, 10);
+  EXPECT_TRUE(WriteSetting("TAVRIX SETTINGS", "Tune value", "10000000"));
+  EXPECT_EQ(std::filesystem::file_size(path), largest);
+  EXPECT_TRUE(ReadAllSettings());
+  EXPECT_EQ(settings.tuneValue, 10'000'000);
+  EXPECT_FALSE(WriteSetting("TAVRIX SETTINGS", "Tune value", "100000000")) << "one byte too many";
 }
 
 // Four times the lines take about four times as long, and not sixteen times.
@@ -305,6 +310,28 @@ TEST_F(SettingsFile, ALargeFileCostsNoMoreThanItsText) {
       EXPECT_TRUE(Read(path).ends_with("Flap detend 10 = \n"));
     };
     EXPECT_LT(tools::TimeGrowth([&] { read(250'000); }, [&] { read(1'000'000); }, 10), 10) << line;
+  }
+}
+
+TEST_F(SettingsFile, ValuesWithoutAMeaningAreTold) {
+  const std::string flaps = "[TAVRIX FLAPS SETTINGS]\n";
+  const std::pair<std::string, const char*> cases[] = {
+      {"[TAVRIX SETTINGS]\nStatus page = Some",
+       "\"Status page\" in TAVRIX.ini is All, Local or Off, not Some: it counts as Off\n"},
+      {"[TAVRIX SETTINGS]\nStatus page = Off", ""},
+      {flaps + "Flap Settings = active",
+       "\"Flap Settings\" in TAVRIX.ini is Active or Inactive, not active: it counts as Inactive\n"},
+      {flaps + "Flap Settings = Inactive", ""},
+      {flaps + "Number of Detends = 11", "is 2 to 10, not 11: what was in force stays\n"},
+      {flaps + "Flap detend 3 = 1,x",
+       "\"Flap detend 3\" in TAVRIX.ini is up to three numbers, not 1,x: it counts as empty\n"},
+      {flaps + "Flap detend 3 = 1,2,3", ""}};
+  int lines = 0;
+  for (const auto& [text, told] : cases) {
+    Put(text + "\n");
+    EXPECT_TRUE(ReadAllSettings());
+    EXPECT_EQ(LogLines(), lines += *told == 0 ? 0 : 1) << text;
+    EXPECT_TRUE(Read(logFolder + "TAVRIX.txt").ends_with(told)) << text;
   }
 }
 
