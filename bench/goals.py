@@ -62,15 +62,21 @@ def interval(events, trials):
     return lowest / trials, mean_with(0.025, events) / trials
 
 
-def share_figures(key, dropped, total, limit=None):
+def share_figures(key, dropped, total):
     """A share of rare events in percent, with its interval, as figures."""
     low, high = interval(dropped, total)
-    figures = {f"{key}.dropped": dropped, f"{key}.total": total, f"{key}.share": 100 * dropped / total,
-               f"{key}.low": 100 * low, f"{key}.high": 100 * high}
-    if limit is not None:
-        figures[f"{key}.reach"] = (", all below the goal" if 100 * high < limit else
-                                   ", all beyond the goal" if 100 * low >= limit else ", which reaches beyond the goal")
-    return figures
+    return {f"{key}.dropped": dropped, f"{key}.total": total, f"{key}.share": 100 * dropped / total,
+            f"{key}.low": 100 * low, f"{key}.high": 100 * high}
+
+
+def reach(goal, figures):
+    """Where the interval of a share lies, as a figure in words; nothing for other goals."""
+    key = goal.key.removesuffix(".share")
+    if key == goal.key or goal.key not in figures:
+        return {}
+    low, high = figures[f"{key}.low"], figures[f"{key}.high"]
+    return {f"{key}.reach": ", all below the goal" if high < goal.limit else
+            ", all beyond the goal" if low >= goal.limit else ", which reaches beyond the goal"}
 
 
 def why_missing(run, key):
@@ -102,7 +108,7 @@ def judge(run):
     """(goal, measured in words, "yes", "no" or "not measured") of every goal."""
     rows = []
     for goal in GOALS:
-        filler = Filler(run)
+        filler = Filler({**run, "figures": {**run["figures"], **reach(goal, run["figures"])}})
         measured = filler.format(goal.measured)
         if filler.lost:
             rows.append((goal, "not measured: " + why_missing(run, filler.lost[0]), "not measured"))

@@ -122,7 +122,7 @@ def receive_for_others(count):
             one.recv(65536)
 
 
-def measure_load(standin, key, seconds, writes, limit=None, still=lambda: True):
+def measure_load(standin, key, seconds, writes, still=lambda: True):
     """Eight clients that listen, or write 50 times a second each; `still` tells in the end whether all went well."""
     clients = [Client() for _ in range(8)]
     for client in clients:
@@ -148,7 +148,7 @@ def measure_load(standin, key, seconds, writes, limit=None, still=lambda: True):
     wait_until_alone(standin)
     return {f"{key}.seconds": elapsed, f"{key}.bytes": size / elapsed, f"{key}.datagrams": datagrams / elapsed,
             f"{key}.threads": 100 * (after[1] - before[1]) / elapsed,
-            **share_figures(key, dropped, stored + dropped, limit)}
+            **share_figures(key, dropped, stored + dropped)}
 
 
 def measure_idle(standin, seconds):

@@ -3,10 +3,13 @@
 bench/run.sh builds what this needs and starts it, in a network of its own where that may be.
 
     report.py [--runs N] [--quick] [--no-wine REASON]     measure
-    report.py --page [--check]      only the page anew, from figures.json of the last run; or whether it is current
+    report.py --page       only the page anew, from figures.json of the last run
+    report.py --check      only whether the page is what these figures give
 
-Exit status: 0 when it ran (goals may be missed), 1 when a benchmark failed; then page and figures stay as they were."""
+Exit status: 0 when it ran (goals may be missed), 1 when a benchmark failed or was interrupted, or another run measures in
+this checkout; then page and figures stay as they were."""
 import argparse
+import fcntl
 import json
 import os
 import platform
@@ -112,17 +115,38 @@ def measure(options):
     return {"run": run, "figures": rounded, "missing": missing}
 
 
+def alone():
+    """A file that is locked while it is open. Two runs would measure each other, and build the first form in one place."""
+    (TOP / "build").mkdir(exist_ok=True)
+    file = open(TOP / "build/bench.lock", "w")
+    try:
+        fcntl.flock(file, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        raise RuntimeError("another run measures in this checkout: wait until it is done, or end it") from None
+    return file
+
+
+def count(text):
+    if not text.isdecimal() or int(text) == 0:
+        raise argparse.ArgumentTypeError("a number from 1 on")
+    return int(text)
+
+
 def main():
     options = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    options.add_argument("--runs", type=int, default=7)
+    options.add_argument("--runs", type=count, default=7)
     options.add_argument("--quick", action="store_true")
     options.add_argument("--no-wine", metavar="REASON", default="")
     options.add_argument("--page", action="store_true")
     options.add_argument("--check", action="store_true")
     chosen = options.parse_args()
-    if not chosen.page:
+    if not chosen.page and not chosen.check:
         try:
-            run = measure(chosen)
+            with alone():
+                run = measure(chosen)
+        except KeyboardInterrupt:
+            print(f"\nInterrupted; {PAGE.relative_to(TOP)} is as it was.", file=sys.stderr)
+            return 1
         except Exception as error:  # whatever it was, the figures are not there
             traceback.print_exc()
             print(f"\nA benchmark failed: {error}\n{PAGE.relative_to(TOP)} is as it was.", file=sys.stderr)

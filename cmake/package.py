@@ -43,6 +43,8 @@ LICENCES = {
     "zlib": ("compression of pictures: the zlib licence", Path("/usr/share/doc/zlib1g-dev/copyright")),
     "web": ("what the web pages of offsetctl are built with", TOP / "web" / "licences.txt"),
 }
+# What a program holds that has the web pages in it.
+WEB_MARK = b"uPlot"
 # A program that writes other files of the tree is of no use there.
 LEFT_OUT = {"clients/generate.py"}
 
@@ -85,18 +87,19 @@ def compiler(build, question="--version"):
 def collect(folder, moment):
     """Name in the archive -> its bytes, and -> what it contains beside our own."""
     files, parts = {}, {}
-    present = {name for name, (_, terms) in LICENCES.items() if name != "web" or terms.exists()}
     for build, rows in BINARIES.items():
         for file, places, contained in rows:
             data = stripped(build, file, folder, moment)
+            if "web" in contained and WEB_MARK not in data:
+                fail(f"build/{build}/{file} was built without `serve`, build/{build}.log tells why: run ./package")
             for place in places:
-                files[place], parts[place] = data, [name for name in contained if name in present]
+                files[place], parts[place] = data, contained
     for name in git("ls-files", "-z", "docs", "clients", "CHANGELOG.md", "web/openapi.json").split("\0"):
         if name and name not in LEFT_OUT:
             files[name] = (TOP / name).read_bytes()
     files["TAVRIX/TAVRIXOffsets.example.cfg"] = files["docs/TAVRIXOffsets.example.cfg"]
     gcc = compiler("linux", "-dumpversion").split(".")[0]
-    for name in sorted(present):
+    for name in sorted(LICENCES):
         terms = Path(str(LICENCES[name][1]).replace("@", gcc))
         if not terms.exists():
             fail(f"{terms} is missing: the terms of {name} belong into the archive")

@@ -41,6 +41,8 @@ Thread serverThread;
 SocketWaker serverWaker;
 std::atomic<bool> shortOfResources;
 QuietMinute clientLines = {.what = "TAVFARNET->Clients came and went", .most = 120, .began = 0, .turns = 0};
+// At the edge every other client finds a handle.
+QuietMinute shortageLines = {.what = "TAVFARNET->Handles or memory ran out", .most = 3, .began = 0, .turns = 0};
 Socket listener;  // the simulator's thread until the accept thread runs, then that one's
 
 enum class Listening { First, Again };
@@ -88,7 +90,7 @@ void LogListener(Listener state) {
 // The process has run out of handles or threads, perhaps only for now: a line when it begins, none while it
 // lasts. What was tried is tried again with the client's next attempt, but not at once.
 void WaitForResources() {
-  if (!shortOfResources.exchange(true)) {
+  if (!shortOfResources.exchange(true) && TakeLogTurn(&shortageLines)) {
     LogOwn(
         "TAVFARNET->The system has no handles or memory left for another client: %s; new clients are "
         "accepted as soon as there are some\n",
@@ -181,7 +183,7 @@ void AdmitClient(Socket* connection, const SocketAddress& peer) {
   if (startsBursts && !StartBursts()) {  // without bursts a client would wait for ever
     CloseSocket(connection);
     GiveUpSlot(slot);
-    if (!shortOfResources) LogNetwork("TAVFARNET->Creating burst thread failed\n");
+    if (!shortOfResources && MayTellClients()) LogNetwork("TAVFARNET->Creating burst thread failed\n");
     return WaitForResources();
   }
   const bool tells = MayTellClients();
@@ -189,7 +191,7 @@ void AdmitClient(Socket* connection, const SocketAddress& peer) {
   const SessionStart session = StartSession(static_cast<uint32_t>(slot), connection);
   if (session != SessionStart::Done) {
     GiveUpSlot(slot);
-    if (session == SessionStart::NoThread && !shortOfResources) {
+    if (session == SessionStart::NoThread && !shortOfResources && MayTellClients()) {
       LogNetwork("TAVFARNET->Creating thread no. %i failed\n", static_cast<int>(count));
     }
     return WaitForResources();

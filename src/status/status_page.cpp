@@ -117,6 +117,9 @@ void Answer(PageLog* log, Socket* connection, const SocketAddress& peer) {
 }
 
 void AnswerBrowsers(PageLog* log, Socket* listener) {
+  // At the edge every other browser finds a handle.
+  static QuietMinute lines = {
+      .what = "TAVRIX->The status page could not answer", .most = 3, .began = 0, .turns = 0};
   bool told = false;
   while (pageRunning.load() != 0) {
     Socket connection;
@@ -124,7 +127,7 @@ void AnswerBrowsers(PageLog* log, Socket* listener) {
     const int accepted = AcceptSocket(listener, &pageWaker, &connection, &peer);
     if (accepted < 0) {  // out of handles, perhaps only for now
       const int error = SocketErrorNumber();
-      if (!std::exchange(told, true)) {
+      if (!std::exchange(told, true) && TakeLogTurn(&lines)) {
         LogOwn("TAVRIX->The status page cannot answer (%s): %s; it answers as soon as it can\n",
                SocketErrorText(error).c_str(), shortageRemedy);
       }

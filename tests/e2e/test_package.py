@@ -93,9 +93,11 @@ def test_list_and_checksums_are_complete(archive, unpacked):
         assert terms <= set(names), f"{name}: {owners}"
     # What the built files hold of others is told.
     told = {name: owners for _, name, owners in listed}
-    for mark, owner in ((b"need dictionary", "zlib"), (b"Mingw-w64 runtime", "mingw-w64"), (b"St9exception", "gcc")):
-        holding = [name for name in told if not name.startswith("licences/") and mark in (unpacked / name).read_bytes()]
+    for mark, owner in ((b"need dictionary", "zlib"), (b"Mingw-w64 runtime", "mingw-w64"), (b"St9exception", "gcc"),
+                        (b"uPlot", "web")):
+        holding = [name for name in told if name.startswith(("TAVRIX", "programs")) and mark in (unpacked / name).read_bytes()]
         assert holding and all(owner in told[name].split(", ") for name in holding), f"{owner}: {holding}"
+    assert sorted(holding) == [name for name in sorted(told) if "offsetctl" in name], "built without its web pages"
 
 
 def test_pages_lead_to_what_is_there(unpacked):
@@ -181,8 +183,13 @@ def test_install_fly_update_remove(start, unpacked, tmp_path, preset):
     # A fresh one.
     follow(lines, "Install or update", preset, unpacked, xplane)
     assert names_in(folder) == names_in(unpacked / "TAVRIX")
-    line = re.search(r"needs the line (Server Address = 127.0.0.1)", "\n".join(lines))[1]
-    (folder / "TAVRIX.ini").write_text(f"[TAVRIX SETTINGS]\n{line}\n")
+    first = start(build, root=xplane)
+    first.wait_log("TAVRIX")
+    first.quit()
+    line = re.search(r"change the line in TAVRIX.ini to (Server Address = 127.0.0.1)", "\n".join(lines))[1]
+    changed, count = re.subn(r"(?m)^Server Address = .*$", line, (folder / "TAVRIX.ini").read_text())
+    assert count == 1
+    (folder / "TAVRIX.ini").write_text(changed)
     assert re.search(r"heading.*\d", fly(start, build, xplane, lines, unpacked, False)[0])
 
     # An older one, with a user's own settings and offsets.
