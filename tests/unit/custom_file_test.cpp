@@ -184,10 +184,12 @@ TEST_F(CustomLoad, LogsWhatIsNotFound) {
 
 TEST_F(CustomLoad, NamesThatAreNotFoundAreListedOnce) {
   custom::Load(
-      "Dataref a no/b int\nDataref c no/b int\nDataref p sim/time/paused int\nCommand 10 UINT8 0 1 no/d 1 2 "
+      "Dataref a no/b int\nDataref c no/b int\nDataref e no/e int\nDataref p sim/time/paused int\nCommand 10 "
+      "UINT8 0 1 no/d 1 2 "
       "no/d\n");
   const auto names = SummariseCustomOffsets().unresolved;
-  EXPECT_EQ(std::vector<std::string>(names.begin(), names.end()), (std::vector<std::string>{"no/b", "no/d"}));
+  EXPECT_EQ(std::vector<std::string>(names.begin(), names.end()),
+            (std::vector<std::string>{"no/b", "no/e", "no/d"}));
 }
 
 // Each fault has a line up to a limit, notes have none, and what is loaded does not depend on them.

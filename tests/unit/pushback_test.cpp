@@ -231,6 +231,18 @@ TEST_F(Pushback, SettingsAreReadAndCompleted) {
   EXPECT_NEAR(QuaternionHeading(), 50.01, 1e-3);
   EXPECT_NEAR(std::hypot(Vx(), Vz()), 0.225, 1e-5);
   EndTurn();
+  StopPushback();
+  SetSettingsPath("");  // cannot be read or written: the defaults
+  InitPushback();
+  SetHeading(0);
+  CommandPushback(0);
+  Frames(400);
+  EXPECT_NEAR(Vz(), 1.5, 0.01);
+  SetHeading(50);
+  CommandPushback(1);
+  Frames(50);
+  EXPECT_NEAR(QuaternionHeading(), 50.15, 1e-3);
+  EndTurn();
   Begin("MaxSpeed = fast\nMaxTurnSpeed = -1\n");  // nonsense moves nothing
   CommandPushback(1);
   Frames(10);

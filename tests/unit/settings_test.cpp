@@ -336,6 +336,10 @@ TEST_F(SettingsFile, ValuesWithoutAMeaningAreTold) {
 }
 
 TEST_F(SettingsFile, DetentsOutOfRangeLeaveThePreviousNumber) {
+  settings.flapDetents = 0;  // never read before
+  Put("[TAVRIX FLAPS SETTINGS]\nNumber of Detends = 11\n");
+  ReadAllSettings();
+  EXPECT_EQ(settings.flapDetents, 2);
   for (const auto& [value, expected] :
        {std::pair{"5", 5}, {"11", 5}, {"1", 5}, {"", 5}, {"10", 10}, {"-3", 10}, {"02", 2}, {"7", 7}}) {
     Put(std::string("[TAVRIX FLAPS SETTINGS]\nNumber of Detends = ") + value + "\n");

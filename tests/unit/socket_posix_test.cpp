@@ -98,7 +98,7 @@ TEST_F(NetSockets, BroadcastReceiversPassOverWhatIsForOthers) {
                                         .size = 1,
                                         .from = &from});
   };
-  for (const uint8_t expected : {2, 4, 6}) {
+  for (const int expected : {2, 4, 6}) {
     EXPECT_EQ(receive(net::patienceMs), 1);
     EXPECT_EQ(got, expected);
     EXPECT_EQ(from.ip, net::loopback);
