@@ -285,7 +285,13 @@ TEST_F(NetShortage, TheServerStartsWholeOrNotAtAll) {
 
 TEST_F(NetShortage, ClientsAreTurnedAwayAndTheNextIsServed) {
   ASSERT_TRUE(OpenNetworkServer() && StartNetworkServer());
-  ASSERT_TRUE(WaitUntil(AnnouncementRuns));
+  // Who serves a client has started the announcement's thread.
+  const auto isIdle = [] { return ConnectedClients() == 0 && burstRunning.load() == 0; };
+  net::Client first;
+  ASSERT_TRUE(net::Connect(&first));
+  ASSERT_TRUE(WaitUntil([] { return ConnectedClients() == 1; }));
+  net::Disconnect(&first);
+  ASSERT_TRUE(WaitUntil(isIdle));
   const char* const lines[] = {"TAVFARNET->Creating burst thread failed\n",
                                "TAVFARNET->Creating thread no. 1 failed\n"};
   for (int number = 1; number <= 2; ++number) {
@@ -307,14 +313,13 @@ TEST_F(NetShortage, ClientsAreTurnedAwayAndTheNextIsServed) {
     EXPECT_FALSE(net::ReceiveType(&served, frameFirstBlock).empty()) << "blocks come";
     net::Disconnect(&served);
     net::Disconnect(&refused);
-    EXPECT_TRUE(WaitUntil([] { return ConnectedClients() == 0 && burstRunning.load() == 0; }));
+    EXPECT_TRUE(WaitUntil(isIdle));
   }
   StopNetworkServer();
 }
 
 TEST_F(NetShortage, AClientsNameIsLookedUpOnce) {
   ASSERT_TRUE(OpenNetworkServer() && StartNetworkServer());
-  ASSERT_TRUE(WaitUntil(AnnouncementRuns));
   const auto lines = [this] {
     return CountText(Log(), "no thread to look up the name of 127.0.0.1: it stays \"unknown\"; ");
   };
