@@ -72,10 +72,13 @@ class Terminal:
         os.write(self.master, keys.encode())
 
     def wait(self, deadline=DEADLINE):
-        """The exit status; all output is there then."""
+        """The exit status; all output is there then: a mark that is written behind it has come."""
         status = self.process.wait(timeout=deadline)
-        before = None
-        while before != len(self.bytes):
+        mark = b"<all output until here>"
+        os.write(self.slave, mark)
+        wait_for("the end of the output", lambda: mark in self.bytes)
+        before, self.bytes = None, self.bytes.replace(mark, b"")
+        while before != len(self.bytes):  # of Wine's own processes, which live on for a moment
             before = len(self.bytes)
             time.sleep(0.05)
         return status
