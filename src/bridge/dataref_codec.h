@@ -48,5 +48,6 @@ inline double ReadNumber(XPLMDataRef handle, Accessor accessor, int element) {
 }
 
 // Sets it. Whole numbers (ints and bytes) take the value truncated toward zero and saturated, a NaN as 0;
-// floats and doubles take no NaN and no infinity: the simulator must not meet one.
+// floats and doubles take no NaN, no infinity and nothing that would become one: the simulator must not meet
+// it.
 void WriteNumber(XPLMDataRef handle, Accessor accessor, int element, double value);

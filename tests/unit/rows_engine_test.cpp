@@ -266,6 +266,8 @@ TEST_F(EngineRows, WritesReachTheirDatarefs) {
   CheckWrites("sim/flightmodel/weight/m_fixed",
               {{0x1400, F64, 2204.6, 1000, 1e-02}, {0x1400, F64, -5, 0, 1e-06}});
   CheckWrites("sim/flightmodel/misc/cgz_ref_to_default", {{0x2EF8, F64, -0.25, -0.25, 3e-06}});
+  WriteNew(0x2EF8, F64, 2e88);  // would be infinite there
+  EXPECT_NEAR(Get("sim/flightmodel/misc/cgz_ref_to_default"), -0.25, 3e-6);
   CheckWrites("sim/flightmodel/weight/m_jettison", {{0x16024, F32, -1, 0, 1e-06}});
   CheckWrites("sim/operation/failures/rel_g_comrad1", {{0x0B68, U8, 1, 6}});
   CheckWrites("sim/operation/failures/rel_ss_asi", {{0x0B65, U8, 1, 6}, {0x0B65, U8, 0, 0, 0, 6}});
