@@ -41,9 +41,9 @@ void WriteNumber(XPLMDataRef handle, Accessor accessor, int element, double valu
   if (handle == nullptr) return;
   if (accessor == Accessor::Any) accessor = FittingAccessor(handle);
   const bool whole = accessor == Accessor::Int || accessor == Accessor::IntArray || accessor == Accessor::Bytes;
-  const bool single = accessor == Accessor::Float || accessor == Accessor::FloatArray;
+  const bool isFloat = accessor == Accessor::Float || accessor == Accessor::FloatArray;
   if (!whole && !std::isfinite(value)) return;
-  if (single && !std::isfinite(static_cast<float>(value))) return;
+  if (isFloat && !std::isfinite(static_cast<float>(value))) return;
   switch (accessor) {
     case Accessor::Float:
       XPLMSetDataf(handle, static_cast<float>(value));
@@ -55,8 +55,8 @@ void WriteNumber(XPLMDataRef handle, Accessor accessor, int element, double valu
       XPLMSetDatad(handle, value);
       break;
     case Accessor::FloatArray: {
-      auto number = static_cast<float>(value);
-      XPLMSetDatavf(handle, &number, element, 1);
+      auto single = static_cast<float>(value);
+      XPLMSetDatavf(handle, &single, element, 1);
       break;
     }
     case Accessor::IntArray: {
