@@ -171,20 +171,20 @@ READS = ("/api/status", "/api/values?names=heading,com1,0x0330:u16", "/api/offse
 
 
 class Trouble:
-    """What a pilot's whole computer does besides, until it is ended: browsers at the status page, one of which takes
-    nothing, clients of the tool, and the web cockpit with its streams (one never read), readers and writers."""
+    """What a pilot's whole computer does besides, until it is ended: browsers at the status page, two of which never say
+    a word, clients of the tool, and the web cockpit with its streams (one never read), readers and writers."""
 
     def __init__(self, build, environment):
         self.build, self.environment, self.running = build, environment, True
         self.counts = dict.fromkeys(("pages", "reads", "events", "answers", "writes"), 0)
         self.faults = []
         self.cockpit = Cockpit(build)
-        self.silent = [socket.create_connection(("127.0.0.1", 4321)) for _ in range(2)]  # connected, and not a word
         self.slow = socket.socket()
         self.slow.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
         self.slow.connect(("127.0.0.1", self.cockpit.port))
         self.slow.sendall(b"GET /api/changes?rate=50 HTTP/1.1\r\nHost: 127.0.0.1:%d\r\n\r\n" % self.cockpit.port)
-        work = [self.browse, self.browse, self.ask, self.look, self.write, *(partial(self.follow, path) for path in STREAMS)]
+        work = [self.browse, self.browse, self.stay_silent, self.stay_silent, self.ask, self.look, self.write,
+                *(partial(self.follow, path) for path in STREAMS)]
         self.threads = [threading.Thread(target=each) for each in work]
         for thread in self.threads:
             thread.start()
@@ -196,6 +196,14 @@ class Trouble:
                     self.counts["pages"] += b"TAVRIX" in answer.read()
             except (OSError, http.client.HTTPException):
                 time.sleep(0.05)  # disabled for the moment
+
+    def stay_silent(self):
+        while self.running:
+            try:
+                with socket.create_connection(("127.0.0.1", 4321), timeout=2) as connection:
+                    connection.recv(1)  # until the page gives it up or the plug-in is disabled
+            except OSError:
+                time.sleep(0.05)
 
     def ask(self):
         while self.running:
@@ -247,8 +255,7 @@ class Trouble:
         self.cockpit.process.send_signal(signal.SIGINT)
         status = self.cockpit.process.wait(timeout=DEADLINE)
         assert status == 0, (status, self.cockpit.errors[-60:])
-        for connection in (*self.silent, self.slow):
-            connection.close()
+        self.slow.close()
         self.faults += [line for line in self.cockpit.errors if any(word in line for word in REPORTS)]
         assert not self.faults and all(self.counts.values()), (self.faults[-60:], self.counts)
 
